@@ -1,0 +1,22 @@
+# SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+# SPDX-License-Identifier: GPL-3.0-or-later
+find_package(GTest REQUIRED)
+include(GoogleTest)
+
+# nurv_test(<name> LABELS ... SOURCES ... LINKS ...): one test executable per
+# folder, run headless with a home folder of its own.
+function(nurv_test name)
+  cmake_parse_arguments(ARG "" "" "LABELS;SOURCES;LINKS" ${ARGN})
+  add_executable(${name}_test ${ARG_SOURCES})
+  target_link_libraries(${name}_test PRIVATE nurv_test_support ${ARG_LINKS})
+  set_target_properties(${name}_test PROPERTIES
+    RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
+  gtest_discover_tests(${name}_test
+    DISCOVERY_MODE PRE_TEST
+    DISCOVERY_TIMEOUT 60
+    TEST_PREFIX "${name}."
+    PROPERTIES
+      LABELS "${ARG_LABELS}"
+      TIMEOUT 120
+      ENVIRONMENT "QT_QPA_PLATFORM=offscreen;NURV_TOOLS=${NURV_TOOLS_DIR}")
+endfunction()

@@ -1,0 +1,20 @@
+# SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+# SPDX-License-Identifier: GPL-3.0-or-later
+
+# The resource folder: the bundled programs plus one symbolic link per program
+# of the distribution. A link is made also while its program is missing, so that
+# installing the package later is enough.
+set(NURV_TOOLS_DIR "${CMAKE_BINARY_DIR}/lib/nurv/tools")
+file(MAKE_DIRECTORY "${NURV_TOOLS_DIR}")
+# <name in the resource folder>=<program of the distribution>
+set(NURV_DISTRIBUTION_TOOLS
+  flac=flac metaflac=metaflac shntool=shntool wavpack=wavpack wvunpack=wvunpack lame=lame
+  opusenc=opusenc sox=sox cdda2wav=icedax AtomicParsley=AtomicParsley)
+foreach(pair IN LISTS NURV_DISTRIBUTION_TOOLS)
+  string(REPLACE "=" ";" parts "${pair}")
+  list(GET parts 0 link)
+  list(GET parts 1 program)
+  file(CREATE_LINK "/usr/bin/${program}" "${NURV_TOOLS_DIR}/${link}" SYMBOLIC)
+  install(CODE "file(MAKE_DIRECTORY \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/lib/nurv/tools\")
+file(CREATE_LINK \"/usr/bin/${program}\" \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/lib/nurv/tools/${link}\" SYMBOLIC)")
+endforeach()

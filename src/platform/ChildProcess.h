@@ -1,0 +1,111 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QByteArray>
+#include <QMap>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+#include <chrono>
+#include <memory>
+#include <optional>
+
+#include <sys/types.h>
+
+class QSocketNotifier;
+class QTimer;
+
+namespace nurv {
+
+/// The environment of a child: variable to value.
+using ChildEnvironment = QMap<QString, QString>;
+
+/// What to start, and how. Arguments are separate words; no shell is involved.
+struct ChildCommand {
+    QString launchPath; ///< absolute path of the program
+    QStringList arguments;
+    ChildEnvironment environment;
+    QString workingDirectory; ///< empty: inherited
+};
+
+/// How a child ended.
+struct ChildExit {
+    int status = 0; ///< exit status; meaningless when `signal` is not 0
+    int signal = 0; ///< the signal that killed it, or 0
+
+    [[nodiscard]] bool succeeded() const { return status == 0 && signal == 0; }
+};
+
+/// The result of `runChild`.
+struct ChildResult {
+    QByteArray output; ///< standard output and standard error, interleaved as written
+    std::optional<ChildExit> exit; ///< nothing when the program could not be started
+    QString startError; ///< why it could not be started
+};
+
+/// One running child, driven by the event loop of the GUI thread.
+///
+///     child ── stdout + stderr ──> one pipe ──> notifier ──> outputRead(bytes)
+///                                                    end of output + exit ──> finished()
+///
+/// The child leads a process group of its own, reads /dev/null, and inherits no
+/// descriptor but its three standard ones. It is always reaped.
+class ChildProcess : public QObject {
+    Q_OBJECT
+
+public:
+    explicit ChildProcess(QObject *parent = nullptr);
+    /// A child that still runs is killed with its process group and reaped.
+    ~ChildProcess() override;
+
+    /// Starts the program. Returns nothing on success, else the reason as text.
+    /// No signal is emitted from inside this call.
+    [[nodiscard]] std::optional<QString> start(const ChildCommand &command);
+
+    [[nodiscard]] bool isRunning() const;
+    /// How the child ended; nothing before `finished`.
+    [[nodiscard]] std::optional<ChildExit> exitState() const { return m_exit; }
+    /// SIGTERM to the process group, SIGKILL 500 ms later to what is left of it.
+    void terminate();
+
+Q_SIGNALS:
+    /// The bytes of one read of the pipe, never empty.
+    void outputRead(const QByteArray &bytes);
+    /// The output has ended and the child has been reaped. Emitted once.
+    void finished();
+
+private:
+    void readAvailable();
+    void childExited();
+    void finishWhenDone();
+    void closeOutput();
+
+    pid_t m_pid = -1;
+    int m_outputFd = -1;
+    int m_pidFd = -1;
+    std::unique_ptr<QSocketNotifier> m_outputNotifier;
+    std::unique_ptr<QSocketNotifier> m_exitNotifier;
+    std::unique_ptr<QTimer> m_heldPipeTimer;
+    std::unique_ptr<QTimer> m_killTimer;
+    std::optional<ChildExit> m_exit;
+};
+
+/// Runs a program to the end of its output on the calling thread.
+/// Blocks; meant for worker threads and for quick queries.
+[[nodiscard]] ChildResult runChild(const ChildCommand &command);
+
+/// The children of this process, of every thread.
+namespace children {
+
+/// Sends SIGTERM to every running child's process group, and SIGKILL after
+/// `grace` to those that are left. With `refuseNew`, no further child starts.
+/// Blocks for at most `grace` and a little.
+void terminateAll(std::chrono::milliseconds grace, bool refuseNew);
+/// How many children run now.
+[[nodiscard]] int runningCount();
+
+} // namespace children
+
+} // namespace nurv

@@ -1,0 +1,20 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <chrono>
+#include <functional>
+
+namespace nurv::workerThreads {
+
+/// Runs `work` on a new thread of its own. `work` must not throw.
+void start(std::function<void()> work);
+
+/// Waits until every started thread has ended, at most `limit`.
+/// Returns whether all have.
+[[nodiscard]] bool waitForAll(std::chrono::milliseconds limit);
+
+/// How many started threads still run.
+[[nodiscard]] int runningCount();
+
+} // namespace nurv::workerThreads
