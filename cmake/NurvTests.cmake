@@ -1,14 +1,19 @@
 # SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 # SPDX-License-Identifier: GPL-3.0-or-later
 find_package(GTest REQUIRED)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
 include(GoogleTest)
 
 # nurv_test(<name> LABELS ... SOURCES ... LINKS ...): one test executable per
-# folder, run headless with a home folder of its own.
+# folder, run headless with a home folder of its own. Tests of views link
+# nurv_gui_test_support, whose application object can show widgets.
 function(nurv_test name)
   cmake_parse_arguments(ARG "" "" "LABELS;SOURCES;LINKS" ${ARGN})
   add_executable(${name}_test ${ARG_SOURCES})
-  target_link_libraries(${name}_test PRIVATE nurv_test_support ${ARG_LINKS})
+  if(NOT nurv_gui_test_support IN_LIST ARG_LINKS)
+    list(PREPEND ARG_LINKS nurv_test_support)
+  endif()
+  target_link_libraries(${name}_test PRIVATE nurv_options ${ARG_LINKS})
   set_target_properties(${name}_test PROPERTIES
     RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
   gtest_discover_tests(${name}_test
