@@ -79,6 +79,7 @@ Q_SIGNALS:
 private:
     void readAvailable();
     void childExited();
+    void giveUpHeldPipe();
     void finishWhenDone();
     void closeOutput();
 
@@ -90,6 +91,7 @@ private:
     std::unique_ptr<QTimer> m_heldPipeTimer;
     std::unique_ptr<QTimer> m_killTimer;
     std::optional<ChildExit> m_exit;
+    bool m_isFinished = false;
 };
 
 /// Runs a program to the end of its output on the calling thread.

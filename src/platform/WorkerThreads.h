@@ -7,7 +7,8 @@
 
 namespace nurv::workerThreads {
 
-/// Runs `work` on a new thread of its own. `work` must not throw.
+/// Runs `work` on a new thread of its own. `work` must not throw. Throws
+/// std::system_error when the system gives no thread.
 void start(std::function<void()> work);
 
 /// Waits until every started thread has ended, at most `limit`.

@@ -1,0 +1,155 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/GuiThread.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QThread>
+
+#include <condition_variable>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <utility>
+
+namespace nurv {
+
+namespace {
+
+struct Request {
+    std::function<void()> work;
+    bool isFinished = false; ///< has run, or was dropped
+    bool hasRun = false;
+};
+
+class Gate final : public QObject {
+public:
+    static Gate &instance()
+    {
+        static Gate gate;
+        return gate;
+    }
+
+    bool ask(const std::function<void()> &work)
+    {
+        const auto request = std::make_shared<Request>();
+        request->work = work;
+        std::unique_lock lock(m_lock);
+        if (!enqueue(request))
+            return false;
+        m_finished.wait(lock, [&] { return request->isFinished; });
+        return request->hasRun;
+    }
+
+    void post(std::function<void()> work)
+    {
+        const auto request = std::make_shared<Request>();
+        request->work = std::move(work);
+        const std::scoped_lock lock(m_lock);
+        enqueue(request);
+    }
+
+    void close()
+    {
+        std::deque<std::shared_ptr<Request>> dropped;
+        {
+            const std::scoped_lock lock(m_lock);
+            m_isClosed = true;
+            dropped.swap(m_requests);
+            for (const auto &request : dropped)
+                request->isFinished = true;
+        }
+        m_finished.notify_all();
+    }
+
+    void open()
+    {
+        const std::scoped_lock lock(m_lock);
+        m_isClosed = false;
+    }
+
+protected:
+    bool event(QEvent *event) override
+    {
+        if (event->type() != QEvent::User)
+            return QObject::event(event);
+        runRequests();
+        return true;
+    }
+
+private:
+    /// With the lock held.
+    bool enqueue(const std::shared_ptr<Request> &request)
+    {
+        QCoreApplication *const application = QCoreApplication::instance();
+        if (m_isClosed || !application)
+            return false;
+        if (thread() != application->thread())
+            moveToThread(application->thread());
+        m_requests.push_back(request);
+        if (!std::exchange(m_isWakeUpPosted, true))
+            QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+        return true;
+    }
+
+    void runRequests()
+    {
+        // Only what is queued now: a flood of requests must not starve the rest
+        // of the event loop.
+        std::unique_lock lock(m_lock);
+        m_isWakeUpPosted = false;
+        for (std::size_t left = m_requests.size(); left > 0 && !m_requests.empty(); --left) {
+            const std::shared_ptr<Request> request = std::move(m_requests.front());
+            m_requests.pop_front();
+            lock.unlock();
+            request->work();
+            request->work = nullptr;
+            lock.lock();
+            request->hasRun = true;
+            request->isFinished = true;
+            m_finished.notify_all();
+        }
+        if (!m_requests.empty() && !std::exchange(m_isWakeUpPosted, true))
+            QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+    }
+
+    std::mutex m_lock;
+    std::condition_variable m_finished;
+    std::deque<std::shared_ptr<Request>> m_requests;
+    bool m_isWakeUpPosted = false;
+    bool m_isClosed = false;
+};
+
+} // namespace
+
+bool isGuiThread()
+{
+    const QCoreApplication *const application = QCoreApplication::instance();
+    return application && QThread::currentThread() == application->thread();
+}
+
+bool runOnGuiThread(const std::function<void()> &work)
+{
+    if (isGuiThread()) {
+        work();
+        return true;
+    }
+    return Gate::instance().ask(work);
+}
+
+void postToGuiThread(std::function<void()> work)
+{
+    Gate::instance().post(std::move(work));
+}
+
+void guiThreadGate::close()
+{
+    Gate::instance().close();
+}
+
+void guiThreadGate::open()
+{
+    Gate::instance().open();
+}
+
+} // namespace nurv
