@@ -1,0 +1,93 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "app/FileIntake.h"
+
+#include <QObject>
+#include <QSet>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+namespace nurv {
+
+class NURVController;
+
+/// The common base of the tool tabs: the list of input files and all that fills
+/// and trims it. A tab adds its controls and `executeCommand`.
+///
+/// Knows no widget: the window, the command line and the tests press the same
+/// operations. Lives on the GUI thread.
+class BaseTab : public QObject {
+    Q_OBJECT
+
+public:
+    /// `label`: the page's label, the tab's key in the controller's maps. The
+    /// tab enters itself there. `controller` must outlive the tab.
+    BaseTab(NURVController &controller, const QString &label);
+    ~BaseTab() override;
+
+    [[nodiscard]] const QString &label() const { return m_label; }
+    [[nodiscard]] NURVController &nurvController() const { return m_controller; }
+    [[nodiscard]] const QString &pathToCommandLineTools() const { return m_pathToCommandLineTools; }
+
+    /// Absolute paths without duplicates, in file-browser order.
+    [[nodiscard]] const QStringList &fileNames() const { return m_fileNames; }
+
+    /// Adds a file that the controller has matched with this tab already.
+    void addFile(const QString &path);
+    /// Adds files and what lies in folders; tells the user what was refused.
+    void addFiles(const QStringList &paths);
+    /// The second half of `addFiles`, for an intake collected on another thread.
+    void addCollected(const FileIntake &intake);
+    void addButtonClick();
+    void clearButtonClick() { clearFiles(); }
+    virtual void clearFiles();
+
+    /// The distinct extensions of the listed files, as written.
+    [[nodiscard]] QStringList listedExtensions() const;
+    /// Takes every file with that extension off the list; case matters.
+    void filterGivenExtension(const QString &extension);
+    void deleteSelectedRows(const QList<int> &rows);
+    [[nodiscard]] virtual bool usesTableViewContextMenu() const { return true; }
+
+    /// Shows and enables the options that matter for the current choices.
+    virtual void displayRelevantOptions() {}
+    /// Turns the list into jobs for the queue.
+    virtual void executeCommand() {}
+
+    /// How long the message about refused files waits, so that it comes after
+    /// the drop has finished; 500 ms unless set.
+    void setRefusalMessageDelay(int milliseconds) { m_refusalMessageDelayMs = milliseconds; }
+
+Q_SIGNALS:
+    /// The list is another one now.
+    void fileNamesChanged();
+    /// Files were added; the view widens its column.
+    void filesWereAdded();
+
+protected:
+    /// Called after files were added. Overrides call this one.
+    virtual void filesAdded();
+    [[nodiscard]] std::optional<QString> chooseOutputFolder();
+    [[nodiscard]] std::optional<QString> openSavePanel(const QString &suggestedName,
+                                                       const std::optional<QString> &title);
+    /// Asks, when originals are to be deleted and "warnOnDelete" is on. False:
+    /// the user does not want to go on.
+    [[nodiscard]] bool confirmDeletingOriginals(bool deleteOriginals);
+
+private:
+    void showBadFileMessage(const QString &message);
+    void sortAndAnnounce();
+
+    NURVController &m_controller;
+    QString m_label;
+    QString m_pathToCommandLineTools;
+    QStringList m_fileNames;
+    QSet<QString> m_listed;
+    int m_refusalMessageDelayMs = 500;
+};
+
+} // namespace nurv

@@ -1,0 +1,115 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+namespace nurv {
+
+/// One option of a tool tab, free of any widget: the window binds widgets to it,
+/// the command line and the tests set it. Lives on the GUI thread, owned by its
+/// tab.
+class Control : public QObject {
+    Q_OBJECT
+
+public:
+    [[nodiscard]] bool isEnabled() const { return m_isEnabled; }
+    void setEnabled(bool enabled);
+    [[nodiscard]] bool isHidden() const { return m_isHidden; }
+    void setHidden(bool hidden);
+
+Q_SIGNALS:
+    /// The value, the enabled state or the hidden state is another one now.
+    void changed();
+    /// The value is another one now.
+    void valueChanged();
+
+protected:
+    Control() = default;
+    /// Emits both signals.
+    void announceValue();
+
+private:
+    bool m_isEnabled = true;
+    bool m_isHidden = false;
+};
+
+/// A check box.
+class CheckControl final : public Control {
+    Q_OBJECT
+
+public:
+    explicit CheckControl(bool isOn = false) : m_isOn(isOn) {}
+    [[nodiscard]] bool isOn() const { return m_isOn; }
+    void setOn(bool on);
+    /// The value follows the setting and is stored under it (as an integer).
+    void bindToSetting(const QString &key);
+
+private:
+    bool m_isOn;
+};
+
+/// A choice of one cell of a matrix, counted row by row.
+class ChoiceControl final : public Control {
+    Q_OBJECT
+
+public:
+    explicit ChoiceControl(QStringList titles, int columns = 1, int selectedIndex = 0);
+    [[nodiscard]] const QStringList &titles() const { return m_titles; }
+    [[nodiscard]] int columns() const { return m_columns; }
+    /// May lie outside the cells: then nothing is selected.
+    [[nodiscard]] int selectedIndex() const { return m_selectedIndex; }
+    void setSelectedIndex(int index);
+    [[nodiscard]] int selectedRow() const;
+    [[nodiscard]] int selectedColumn() const;
+    /// The title of the selected cell; empty when nothing is selected.
+    [[nodiscard]] QString selectedTitle() const;
+    /// Selects the cell with that title, compared without case. False when there is none.
+    bool selectTitle(const QString &title);
+    void bindToSetting(const QString &key);
+
+private:
+    QStringList m_titles;
+    int m_columns;
+    int m_selectedIndex;
+};
+
+/// A slider over whole numbers.
+class SliderControl final : public Control {
+    Q_OBJECT
+
+public:
+    SliderControl(int minimum, int maximum, int step, int value);
+    [[nodiscard]] int minimum() const { return m_minimum; }
+    [[nodiscard]] int maximum() const { return m_maximum; }
+    [[nodiscard]] int step() const { return m_step; }
+    [[nodiscard]] int integerValue() const { return m_value; }
+    /// The value as text, as it stands in a command line.
+    [[nodiscard]] QString stringValue() const { return QString::number(m_value); }
+    /// Keeps the value within the range and on a step.
+    void setIntegerValue(int value);
+    void bindToSetting(const QString &key);
+
+private:
+    int m_minimum;
+    int m_maximum;
+    int m_step;
+    int m_value;
+};
+
+/// A line of text that the user reads.
+class LabelControl final : public Control {
+    Q_OBJECT
+
+public:
+    explicit LabelControl(QString text) : m_text(std::move(text)) {}
+    [[nodiscard]] const QString &text() const { return m_text; }
+    void setText(const QString &text);
+
+private:
+    QString m_text;
+};
+
+} // namespace nurv

@@ -1,0 +1,87 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QHash>
+#include <QMap>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+
+namespace nurv {
+
+class BaseTab;
+class DesktopServices;
+class NURVTaskQueue;
+class UserPrompts;
+
+/// The application's main controller: registers the settings, owns the job
+/// queue, knows the tabs by the labels of their pages, routes incoming files and
+/// guards quitting. Knows no widget: a window shows what it says and reports the
+/// user's choice of page. Lives on the GUI thread.
+class NURVController : public QObject {
+    Q_OBJECT
+
+public:
+    /// The label of the page that is no tool.
+    static const QString kAboutLabel;
+
+    /// Registers the default of every setting. Before anything reads one.
+    static void registerDefaults();
+
+    /// Both must outlive the controller.
+    NURVController(UserPrompts &prompts, DesktopServices &services);
+    ~NURVController() override;
+
+    [[nodiscard]] NURVTaskQueue &taskQueue() const { return *m_taskQueue; }
+    [[nodiscard]] UserPrompts &prompts() const { return m_prompts; }
+
+    /// All page labels in the order of the pages, also of tools that are not there.
+    [[nodiscard]] static const QStringList &pageLabels();
+    /// The tab of the page, or nothing.
+    [[nodiscard]] BaseTab *tab(const QString &label) const { return m_tabMap.value(label); }
+    void registerTab(const QString &label, BaseTab &tab) { m_tabMap.insert(label, &tab); }
+    void unregisterTab(const QString &label) { m_tabMap.remove(label); }
+
+    [[nodiscard]] const QString &selectedTabViewItem() const { return m_selectedLabel; }
+    /// Selects a page and lets its tab show its relevant options.
+    void selectTab(const QString &label);
+    /// Selects the page with that index in `pageLabels`.
+    void selectTab(int index);
+
+    /// The upper-case extensions that the page takes; empty: it takes any file.
+    [[nodiscard]] QStringList extensions(const QString &label) const { return m_extensionMap.value(label); }
+    /// Whether the page can handle the file. Any thread; may read the file's header.
+    [[nodiscard]] bool isValidFile(const QString &label, const QString &path) const;
+
+    /// Files that arrive with the application: dropped on it, opened with it.
+    void openFiles(const QStringList &paths) { addFiles(paths); }
+    void addFiles(const QStringList &paths);
+
+    /// Asks when jobs are queued. True: the application may quit.
+    [[nodiscard]] bool applicationShouldTerminate();
+    /// Asks whether to quit. True: the main window may close.
+    [[nodiscard]] bool windowShouldClose();
+    /// Cancels every job and lets the machine sleep.
+    void applicationWillTerminate();
+
+    /// "Nurv Audio Workbench <version>" and "(Build <build>)" for the about page.
+    [[nodiscard]] static QString titleText();
+    [[nodiscard]] static QString buildText();
+
+Q_SIGNALS:
+    void pageSelected(const QString &label);
+
+private:
+    void routeByExtension(const QString &path);
+
+    UserPrompts &m_prompts;
+    std::unique_ptr<NURVTaskQueue> m_taskQueue;
+    QMap<QString, BaseTab *> m_tabMap;
+    QHash<QString, QStringList> m_extensionMap;
+    QString m_selectedLabel;
+};
+
+} // namespace nurv

@@ -1,0 +1,25 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+namespace nurv {
+
+/// What stands after the last slash.
+[[nodiscard]] QString lastPathComponent(const QString &path);
+/// The folder of a path.
+[[nodiscard]] QString folderOf(const QString &path);
+/// What stands after the last point of the last component; empty when there is
+/// none, or nothing before or after it.
+[[nodiscard]] QString pathExtension(const QString &path);
+/// The format word of a file: its extension upper-cased.
+[[nodiscard]] QString formatWord(const QString &path);
+/// The last component without its extension.
+[[nodiscard]] QString nameWithoutExtension(const QString &path);
+/// folder + "/" + name, with one slash between.
+[[nodiscard]] QString joinPath(const QString &folder, const QString &name);
+/// `folder` joined with the source's name less its extension plus the new one.
+[[nodiscard]] QString outputPath(const QString &folder, const QString &source, const QString &extension);
+
+} // namespace nurv

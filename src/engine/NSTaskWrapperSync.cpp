@@ -1,0 +1,34 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/NSTaskWrapperSync.h"
+
+#include "engine/ToolEnvironment.h"
+#include "platform/ExternalPrograms.h"
+
+namespace nurv {
+
+NSTaskWrapperSync::NSTaskWrapperSync(const QString &launchPath, const QStringList &arguments)
+    : m_command{.launchPath = launchPath,
+                .arguments = arguments,
+                .environment = toolEnvironment(),
+                .workingDirectory = QString()}
+{
+}
+
+void NSTaskWrapperSync::appendToPATH(const QString &folder)
+{
+    nurv::appendToPATH(m_command.environment, folder);
+}
+
+QString NSTaskWrapperSync::runTask()
+{
+    setUnbuffered(m_command.environment);
+    const ChildResult result = runChild(m_command);
+    if (!result.exit)
+        m_totalOutput = missingProgramText(m_command.launchPath, result.startError);
+    else
+        m_totalOutput = result.output.isValidUtf8() ? QString::fromUtf8(result.output) : QString();
+    return m_totalOutput;
+}
+
+} // namespace nurv

@@ -1,0 +1,107 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/NURVAsyncNSTask.h"
+
+#include "engine/ToolEnvironment.h"
+#include "platform/ExternalPrograms.h"
+#include "platform/GuiThread.h"
+
+#include <utility>
+
+#include <string.h>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+NURVAsyncNSTask::NURVAsyncNSTask(NURVTaskQueue *queue, const QString &launchPath,
+                                 const QStringList &arguments)
+    : NURVTask(queue), m_launchPath(launchPath), m_arguments(arguments)
+{
+    QObject::connect(&m_task, &ChildProcess::outputRead, &m_task,
+                     [this](const QByteArray &bytes) { taskDataAvailable(bytes); });
+    QObject::connect(&m_task, &ChildProcess::finished, &m_task, [this] {
+        const std::shared_ptr<NURVTask> self = shared_from_this();
+        self->stopTask();
+    });
+}
+
+NURVAsyncNSTask::~NURVAsyncNSTask() = default;
+
+void NURVAsyncNSTask::appendToPATH(const QString &folder)
+{
+    m_pathFolders.append(folder);
+}
+
+void NURVAsyncNSTask::startTask()
+{
+    becomeActive();
+    ChildCommand command{.launchPath = m_launchPath,
+                         .arguments = m_arguments,
+                         .environment = toolEnvironment(),
+                         .workingDirectory = m_currentDirectoryPath};
+    for (const QString &folder : std::as_const(m_pathFolders))
+        nurv::appendToPATH(command.environment, folder);
+    setUnbuffered(command.environment);
+
+    const std::optional<QString> failure = m_task.start(command);
+    m_hasRun = !failure;
+    if (!failure)
+        return;
+    setError(true);
+    appendResultsForSelf(missingProgramText(m_launchPath, *failure));
+    // The queue holds its lock while it starts a job: the job ends afterwards.
+    postToGuiThread([self = shared_from_this()] { self->stopTask(); });
+}
+
+void NURVAsyncNSTask::taskDataAvailable(const QByteArray &bytes)
+{
+    const QString chunk = m_decoder.decode(bytes);
+    if (!chunk.isEmpty())
+        processTaskOutput(chunk);
+}
+
+void NURVAsyncNSTask::processTaskOutput(const QString &chunk)
+{
+    appendResultsForSelf(chunk);
+}
+
+void NURVAsyncNSTask::stopTask()
+{
+    if (m_task.isRunning() || std::exchange(m_isStopped, true))
+        return;
+    completeStop();
+}
+
+void NURVAsyncNSTask::completeStop()
+{
+    readExitStatus();
+    markStopped();
+    cleanup();
+    NURVTask::stopTask();
+    finalCleanup();
+    reportCompletion();
+}
+
+void NURVAsyncNSTask::readExitStatus()
+{
+    const std::optional<ChildExit> exit = m_task.exitState();
+    if (cancelled() || !exit || exit->succeeded())
+        return;
+    setError(true);
+    if (exit->signal != 0) {
+        appendResultsForSelf(u"%1 was ended by signal %2 (%3) while working on %4\n"_s.arg(
+            m_launchPath.section(u'/', -1), QString::number(exit->signal),
+            QString::fromLocal8Bit(strsignal(exit->signal)), title()));
+    }
+}
+
+QString NURVAsyncNSTask::description() const
+{
+    QString words = u"\"%1\"\n "_s.arg(m_launchPath);
+    for (const QString &argument : m_arguments)
+        words += u'"' + argument + u"\"\n "_s;
+    return words;
+}
+
+} // namespace nurv

@@ -1,0 +1,43 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/NURVAsyncNSTaskFileOutputRedirection.h"
+
+#include "engine/EngineLog.h"
+#include "engine/NURVTaskResults.h"
+#include "platform/TextFile.h"
+
+namespace nurv {
+
+NURVAsyncNSTaskFileOutputRedirection::NURVAsyncNSTaskFileOutputRedirection(
+    const QString &fileName, NURVTaskQueue *queue, const QString &launchPath,
+    const QStringList &arguments)
+    : NURVAsyncNSTask(queue, launchPath, arguments), m_fileName(fileName)
+{
+}
+
+void NURVAsyncNSTaskFileOutputRedirection::startTask()
+{
+    setTextFieldString(title());
+    setTextFieldValue();
+    if (m_subTitle) {
+        setTopTextFieldString(*m_subTitle);
+        setTopTextFieldValue();
+    }
+    NURVAsyncNSTask::startTask();
+}
+
+void NURVAsyncNSTaskFileOutputRedirection::completeStop()
+{
+    // A program that could not be started has only the reason to tell.
+    if (error() && !hasRun()) {
+        NURVAsyncNSTask::completeStop();
+        return;
+    }
+    const QString text = results() ? results()->results() : QString();
+    setResults(nullptr);
+    NURVAsyncNSTask::completeStop();
+    if (hasRun() && !writeTextFileAtomically(m_fileName, text))
+        qCWarning(engineLog).noquote() << "Unable to write" << m_fileName;
+}
+
+} // namespace nurv

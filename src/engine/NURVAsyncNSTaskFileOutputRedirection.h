@@ -1,0 +1,33 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/NURVAsyncNSTask.h"
+
+#include <optional>
+
+namespace nurv {
+
+/// A command job whose whole output becomes a file instead of a report: it takes
+/// part in no result set at its end, and no output window opens for it.
+class NURVAsyncNSTaskFileOutputRedirection : public NURVAsyncNSTask {
+public:
+    /// `fileName`: the file that receives the output, UTF-8, replaced as a whole.
+    NURVAsyncNSTaskFileOutputRedirection(const QString &fileName, NURVTaskQueue *queue,
+                                         const QString &launchPath, const QStringList &arguments);
+
+    void startTask() override;
+
+    /// The status line while the program runs.
+    [[nodiscard]] const std::optional<QString> &subTitle() const { return m_subTitle; }
+    void setSubTitle(std::optional<QString> subTitle) { m_subTitle = std::move(subTitle); }
+
+protected:
+    void completeStop() override;
+
+private:
+    QString m_fileName;
+    std::optional<QString> m_subTitle;
+};
+
+} // namespace nurv

@@ -1,0 +1,59 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/NURVInProcessTask.h"
+
+#include "platform/GuiThread.h"
+#include "platform/NurvFailure.h"
+#include "platform/WorkerThreads.h"
+
+#include <exception>
+#include <system_error>
+#include <utility>
+
+namespace nurv {
+
+void NURVInProcessTask::startTask()
+{
+    if (std::exchange(m_started, true))
+        return;
+    // The queue must not take the job for a waiting one before its thread runs.
+    becomeActive();
+    const std::shared_ptr<NURVTask> self = shared_from_this();
+    try {
+        workerThreads::start([this, self] { run(); });
+    } catch (const std::system_error &failure) {
+        setError(true);
+        appendResultsForSelf(QString::fromLocal8Bit(failure.what()));
+        // The queue holds its lock while it starts a job: the job ends afterwards.
+        postToGuiThread([this, self] { complete(); });
+    }
+}
+
+void NURVInProcessTask::cancelTask()
+{
+    setCancelled(true);
+    if (!std::exchange(m_started, true))
+        complete();
+}
+
+void NURVInProcessTask::run()
+{
+    try {
+        doStartTask();
+    } catch (const NurvFailure &failure) {
+        setError(true);
+        appendResultsForSelf(failure.reason());
+    } catch (const std::exception &failure) {
+        setError(true);
+        appendResultsForSelf(QString::fromUtf8(failure.what()));
+    }
+    complete();
+}
+
+void NURVInProcessTask::complete()
+{
+    stopTask();
+    reportCompletion();
+}
+
+} // namespace nurv

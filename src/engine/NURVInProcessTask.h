@@ -1,0 +1,39 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/NURVTask.h"
+
+#include <atomic>
+
+namespace nurv {
+
+/// A job that does its work on a thread of its own.
+///
+///     startTask (GUI thread) ──> worker: doStartTask ──> stopTask ──> the queue is told
+///
+/// A failure that leaves `doStartTask` as an exception sets the error flag and
+/// its text becomes the job's result text. Cancelling a waiting job ends it at
+/// once; a running one ends when its work next looks at `cancelled`.
+class NURVInProcessTask : public NURVTask {
+public:
+    using NURVTask::NURVTask;
+
+    void startTask() final;
+    void cancelTask() final;
+
+protected:
+    /// The work, on the worker thread. Sets the first status line, calls
+    /// `showStarted`, works, and looks at `cancelled` between its steps.
+    virtual void doStartTask() = 0;
+    /// Shows the row as active, and waits until it is.
+    void showStarted() { NURVTask::startTask(); }
+
+private:
+    void run();
+    void complete();
+
+    bool m_started = false; ///< GUI thread only
+};
+
+} // namespace nurv

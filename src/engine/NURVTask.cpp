@@ -1,0 +1,172 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/NURVTask.h"
+
+#include "engine/EngineLog.h"
+#include "engine/NURVTaskQueue.h"
+#include "engine/NURVTaskResults.h"
+#include "platform/GuiThread.h"
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+NURVTask::NURVTask(NURVTaskQueue *queue)
+    : m_queue(queue), m_results(std::make_shared<NURVTaskResults>()),
+      m_textField{.font = {.pointSize = 12, .bold = true}},
+      m_topTextField{.text = u"Waiting..."_s, .font = {.pointSize = 9, .bold = false}}
+{
+    m_cancelButton.toolTip = u"Cancel"_s;
+    m_cancelButton.action = [this] { cancelTask(); };
+    m_results->addTaskInSet(*this);
+}
+
+NURVTask::~NURVTask() = default;
+
+NURVTaskQueue *NURVTask::queue() const
+{
+    return m_queue.data();
+}
+
+void NURVTask::setResults(std::shared_ptr<NURVTaskResults> results)
+{
+    m_results = std::move(results);
+}
+
+void NURVTask::startTask()
+{
+    runOnGuiThread([this] { doStartTaskOnMainThread(); });
+}
+
+void NURVTask::doStartTaskOnMainThread()
+{
+    m_textField.text = m_title;
+    becomeActive();
+}
+
+void NURVTask::becomeActive()
+{
+    m_flags->active = true;
+    m_flags->done = false;
+    paint([this] {
+        m_cancelButton.hidden = false;
+        m_progressIndicator.hidden = false;
+    });
+}
+
+void NURVTask::cancelTask()
+{
+    m_flags->cancelled = true;
+    stopTask();
+}
+
+void NURVTask::markStopped()
+{
+    m_flags->active = false;
+    m_flags->done = true;
+}
+
+void NURVTask::stopTask()
+{
+    markStopped();
+    if (const std::shared_ptr<NURVTaskResults> set = m_results) {
+        const std::shared_ptr<NURVTask> next = set->finishIfAllDone();
+        if (next && !next->isActive() && !next->isDone()) {
+            postToGuiThread([queue = m_queue, next] {
+                if (queue)
+                    queue->addTask(next);
+            });
+        }
+    }
+    setGuiFields();
+}
+
+void NURVTask::reportCompletion()
+{
+    const std::shared_ptr<NURVTask> self = shared_from_this();
+    runOnGuiThread([self] {
+        if (NURVTaskQueue *const queue = self->queue())
+            queue->taskCompleted(self);
+    });
+}
+
+void NURVTask::appendResultsForSelf(const QString &text)
+{
+    if (m_results)
+        m_results->appendResults(text, *this);
+}
+
+void NURVTask::appendResults(const QString &text)
+{
+    if (m_results)
+        m_results->appendResults(text);
+}
+
+void NURVTask::paint(const std::function<void()> &change)
+{
+    runOnGuiThread([this, &change] {
+        change();
+        if (m_queue)
+            m_queue->rowStateChanged(*this);
+    });
+}
+
+void NURVTask::updateStatus()
+{
+    paint([this] {
+        m_topTextField.text = m_topTextFieldString;
+        m_progressIndicator.value = m_progressIndicatorValue;
+    });
+}
+
+void NURVTask::setTopTextFieldValue()
+{
+    paint([this] { m_topTextField.text = m_topTextFieldString; });
+}
+
+void NURVTask::setTextFieldValue()
+{
+    paint([this] { m_textField.text = m_textFieldString; });
+}
+
+void NURVTask::setProgressIndicatorValueInGui()
+{
+    paint([this] { m_progressIndicator.value = m_progressIndicatorValue; });
+}
+
+void NURVTask::startIndeterminateProgressBar()
+{
+    paint([this] {
+        m_progressIndicator.indeterminate = true;
+        m_progressIndicator.animated = true;
+    });
+}
+
+void NURVTask::setGuiFields()
+{
+    paint([this] {
+        if (cancelled()) {
+            m_textField.text = u"Canceled"_s;
+            m_textField.color = RowColor::SystemRed;
+        } else if (error()) {
+            m_topTextField.text = u"Error"_s;
+            m_textField.color = RowColor::SystemRed;
+            m_progressIndicator.animated = false;
+            qCWarning(engineLog).noquote() << description() << "Error";
+        } else {
+            m_textField.color = RowColor::DarkGreen;
+            m_topTextField.text = u"Complete"_s;
+            m_progressIndicator.hidden = true;
+        }
+        m_cancelButton.hidden = true;
+    });
+}
+
+void NURVTask::hide()
+{
+    paint([this] { m_hidden = true; });
+}
+
+} // namespace nurv

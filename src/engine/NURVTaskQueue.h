@@ -1,0 +1,104 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QHash>
+#include <QObject>
+#include <QString>
+
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+namespace nurv {
+
+class DesktopServices;
+class NURVTask;
+
+/// The application's one job queue: runs at most `maxThreads` jobs at once, in
+/// the order in which they were added, and keeps the rows of the status list.
+///
+///     addTask ──> taskArray (waiting + running) ──> taskCompleted ──> next waiting jobs start
+///            └──> panelArray (rows) ──────────────> sweep when nothing is counted as running
+///
+/// It knows neither widgets nor a console: a status window, a terminal or a test
+/// listens to its signals. Everything runs on the GUI thread.
+class NURVTaskQueue : public QObject {
+    Q_OBJECT
+
+public:
+    /// `services` must outlive the queue. The limit is the setting "maxThreads".
+    explicit NURVTaskQueue(DesktopServices &services, QObject *parent = nullptr);
+    ~NURVTaskQueue() override;
+
+    void addTask(const std::shared_ptr<NURVTask> &task);
+    void addTasks(const std::vector<std::shared_ptr<NURVTask>> &tasks);
+    /// Called once by every job, after it has stopped.
+    void taskCompleted(const std::shared_ptr<NURVTask> &task);
+
+    /// How many jobs have not completed yet, waiting and running.
+    [[nodiscard]] int taskCount() const { return static_cast<int>(m_taskArray.size()); }
+    /// Cancels every job, from the last to the first; for the end of the application.
+    void killAllTasks();
+    /// Cancels every job, from the last to the first; the user's command.
+    void cancelAllTasks();
+    /// Takes the rows of failed jobs out of the list.
+    void removeAllErrors();
+
+    void preventSleep();
+    void allowSleep();
+    /// Asks for a window with the text; without a title it is called "Output".
+    void showOutputWindow(const QString &text, const std::optional<QString> &title);
+
+    /// The jobs with a row in the status list, in the order added.
+    [[nodiscard]] const std::vector<std::shared_ptr<NURVTask>> &panelArray() const { return m_panelArray; }
+    /// The job's row, or -1.
+    [[nodiscard]] int rowOf(const NURVTask &task) const { return m_rowOfTask.value(&task, -1); }
+    /// For jobs: the row of `task` has to be painted anew.
+    void rowStateChanged(const NURVTask &task);
+
+    [[nodiscard]] int activeTask() const { return m_activeTask; }
+    [[nodiscard]] int maxThreads() const { return m_maxThreads; }
+    [[nodiscard]] int lowestActivePosition() const { return m_lowestActivePosition; }
+    [[nodiscard]] bool noSleep() const { return m_noSleep; }
+
+Q_SIGNALS:
+    /// Bring the status list to the front.
+    void panelRequested();
+    void panelCloseRequested();
+    void rowAppended(int row);
+    void rowChanged(int row);
+    /// Rows have been removed; read the list anew.
+    void rowsReset();
+    void scrollRequested(int row);
+    void taskCountChanged(int count);
+    /// A completed job, once its result set has been examined.
+    void taskEnded(const std::shared_ptr<nurv::NURVTask> &task);
+    void outputWindowRequested(const QString &text, const QString &title);
+
+private:
+    void startTask(const std::shared_ptr<NURVTask> &task);
+    void finishTask(const std::shared_ptr<NURVTask> &task);
+    void startWaitingTasks();
+    void sweep();
+    void cancelFromLastToFirst();
+    void countChanged();
+    void rebuildRows(std::vector<std::shared_ptr<NURVTask>> rows);
+
+    DesktopServices &m_services;
+    std::deque<std::shared_ptr<NURVTask>> m_taskArray;
+    std::vector<std::shared_ptr<NURVTask>> m_panelArray;
+    QHash<const NURVTask *, int> m_rowOfTask;
+    std::mutex m_lock;
+    std::int32_t m_activeTask = 0;
+    std::int32_t m_maxThreads = 2;
+    std::int32_t m_lowestActivePosition = 0;
+    std::uint32_t m_assertionID = 0;
+    bool m_noSleep = false;
+    bool m_isCancellingAll = false;
+};
+
+} // namespace nurv

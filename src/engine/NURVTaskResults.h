@@ -1,0 +1,71 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+namespace nurv {
+
+class NURVTask;
+struct TaskFlags;
+
+/// The report texts of one batch: one slot per member, joined in the order in
+/// which the members joined, whatever order they end in.
+///
+/// Owned by its members and by whoever made the batch. Refers to the members
+/// weakly: a member that is gone counts as done. Any thread may call.
+class NURVTaskResults {
+public:
+    NURVTaskResults();
+    ~NURVTaskResults();
+    NURVTaskResults(const NURVTaskResults &) = delete;
+    NURVTaskResults &operator=(const NURVTaskResults &) = delete;
+
+    /// Makes the job a member with an empty slot. A job that is added twice
+    /// keeps the place of its first entry, and that slot becomes empty.
+    void addTaskInSet(const NURVTask &task);
+    [[nodiscard]] int memberCount() const;
+
+    /// Appends to the slot of the job; nothing for a job that is no member.
+    void appendResults(const QString &text, const NURVTask &task);
+    /// Replaces the slot of the job; nothing for a job that is no member.
+    void setResults(const QString &text, const NURVTask &task);
+    /// Appends to the first member's slot.
+    void appendResults(const QString &text);
+    /// Replaces the first member's slot.
+    void setResults(const QString &text);
+
+    /// Every member's text in the order of the members, each followed by one
+    /// line feed.
+    [[nodiscard]] QString results() const;
+
+    [[nodiscard]] bool allTasksDone() const;
+    [[nodiscard]] bool taskSetDone() const;
+    void setTaskSetDone(bool done);
+
+    /// The job to queue once every member has stopped, or nothing.
+    [[nodiscard]] std::shared_ptr<NURVTask> taskAfterSetDone() const;
+    void setTaskAfterSetDone(std::shared_ptr<NURVTask> task);
+
+    /// When every member is done: marks the set done and returns the follow-up
+    /// job, to one caller only. Returns nothing otherwise.
+    [[nodiscard]] std::shared_ptr<NURVTask> finishIfAllDone();
+
+private:
+    [[nodiscard]] int slotOf(const NURVTask &task) const;
+    [[nodiscard]] bool allDoneLocked() const;
+
+    mutable std::mutex m_lock;
+    std::vector<std::weak_ptr<const TaskFlags>> m_tasksInSet;
+    std::map<int, QString> m_resultsBySlot;
+    bool m_taskSetDone = false;
+    bool m_followUpReleased = false;
+    std::shared_ptr<NURVTask> m_taskAfterSetDone;
+};
+
+} // namespace nurv

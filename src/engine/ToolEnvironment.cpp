@@ -1,0 +1,46 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/ToolEnvironment.h"
+
+#include "platform/ResourceFolder.h"
+
+#include <QFile>
+
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+/// What a shell of the distribution would search when PATH is not set.
+constexpr QStringView kDefaultPath = u"/usr/local/bin:/usr/bin:/bin";
+
+} // namespace
+
+ChildEnvironment toolEnvironment()
+{
+    ChildEnvironment result;
+    for (char **entry = environ; entry && *entry; ++entry) {
+        const QByteArray text(*entry);
+        const qsizetype equals = text.indexOf('=');
+        if (equals > 0)
+            result.insert(QFile::decodeName(text.left(equals)), QFile::decodeName(text.mid(equals + 1)));
+    }
+    appendToPATH(result, pathToCommandLineTools());
+    return result;
+}
+
+void appendToPATH(ChildEnvironment &environment, const QString &folder)
+{
+    const QString path = environment.value(u"PATH"_s, kDefaultPath.toString());
+    environment.insert(u"PATH"_s, path + u':' + folder);
+}
+
+void setUnbuffered(ChildEnvironment &environment)
+{
+    environment.insert(u"NSUnbufferedIO"_s, u"YES"_s);
+}
+
+} // namespace nurv
