@@ -14,7 +14,9 @@ function(nurv_test name)
     list(PREPEND ARG_LINKS nurv_test_support)
   endif()
   target_link_libraries(${name}_test PRIVATE nurv_options ${ARG_LINKS})
+  # Test sources name their helpers freely, so they are never merged.
   set_target_properties(${name}_test PROPERTIES
+    UNITY_BUILD OFF
     RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
   gtest_discover_tests(${name}_test
     DISCOVERY_MODE PRE_TEST

@@ -18,3 +18,15 @@ foreach(pair IN LISTS NURV_DISTRIBUTION_TOOLS)
   install(CODE "file(MAKE_DIRECTORY \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/lib/nurv/tools\")
 file(CREATE_LINK \"/usr/bin/${program}\" \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/lib/nurv/tools/${link}\" SYMBOLIC)")
 endforeach()
+
+# nurv_tool(<name> SOURCES ... LINKS ...): a program of our own in the resource
+# folder. It starts without Qt, like any other command-line tool.
+function(nurv_tool name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE nurv_options ${ARG_LINKS})
+  set_target_properties(${name} PROPERTIES
+    AUTOMOC OFF
+    RUNTIME_OUTPUT_DIRECTORY "${NURV_TOOLS_DIR}")
+  set_property(GLOBAL APPEND PROPERTY NURV_BUNDLED_TOOLS ${name})
+endfunction()

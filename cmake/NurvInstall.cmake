@@ -1,0 +1,26 @@
+# SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+# SPDX-License-Identifier: GPL-3.0-or-later
+
+# The products and where they are installed. `products` is what a user needs:
+# the programs with their resource folder, no tests, no benchmarks.
+include(GNUInstallDirs)
+
+add_custom_target(products)
+foreach(program nurv nurv-workbench)
+  if(TARGET ${program})
+    add_dependencies(products ${program})
+    install(TARGETS ${program} RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
+  endif()
+endforeach()
+get_property(tools GLOBAL PROPERTY NURV_BUNDLED_TOOLS)
+foreach(tool IN LISTS tools)
+  add_dependencies(products ${tool})
+  install(TARGETS ${tool} RUNTIME DESTINATION lib/nurv/tools)
+endforeach()
+
+set(data "${CMAKE_SOURCE_DIR}/data")
+install(FILES "${data}/org.nurvaudio.Workbench.desktop" DESTINATION "${CMAKE_INSTALL_DATADIR}/applications")
+install(FILES "${data}/org.nurvaudio.Workbench.metainfo.xml" DESTINATION "${CMAKE_INSTALL_DATADIR}/metainfo")
+install(DIRECTORY "${data}/icons/hicolor" DESTINATION "${CMAKE_INSTALL_DATADIR}/icons")
+install(FILES "${data}/completions/nurv" DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions")
+install(FILES "${data}/man/nurv.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
