@@ -1,0 +1,35 @@
+#!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+# SPDX-License-Identifier: GPL-3.0-or-later
+
+# The bash completion offers what fits at the place of the cursor.
+set -euo pipefail
+
+# shellcheck source=data/completions/nurv
+source data/completions/nurv
+
+# expect WORDS COMMAND-LINE-WORD...: completing the last word offers WORDS.
+expect() {
+    local wanted=$1
+    shift
+    COMP_WORDS=("$@")
+    COMP_CWORD=$(($# - 1))
+    COMPREPLY=()
+    _nurv || true # compopt has nothing to set outside a completion
+    if [[ ${COMPREPLY[*]} != "$wanted" ]]; then
+        printf '%s: offers "%s", not "%s"\n' "$*" "${COMPREPLY[*]}" "$wanted" >&2
+        exit 1
+    fi
+}
+
+expect 'encode' nurv e
+expect 'encode decode doctor' nurv ''
+expect 'flac' nurv encode --format f
+expect 'wav aiff' nurv decode --format ''
+expect 'fast high' nurv encode --mode ''
+expect '--delete-originals' nurv encode --d
+expect '--beside-source' nurv decode --b
+expect '--json' nurv doctor --js
+expect '' nurv decode --verif
+expect 'scripts' nurv decode --output-dir scr
+expect 'LICENSE' nurv encode --format flac LICE

@@ -1,0 +1,12 @@
+#!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+# SPDX-License-Identifier: GPL-3.0-or-later
+
+# Every shell script of the tree parses, and shellcheck has no complaint about it.
+set -euo pipefail
+
+scripts=(run test .ci/run scripts/*.sh tests/*/*.sh data/completions/nurv)
+for script in "${scripts[@]}"; do
+    bash -n "$script"
+done
+shellcheck --external-sources "${scripts[@]}"

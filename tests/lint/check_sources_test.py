@@ -1,0 +1,76 @@
+#!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""Plants one fault at a time and expects check_sources to name it."""
+
+import pathlib
+import tempfile
+import unittest
+
+import check_sources
+
+HEAD = "\n".join(check_sources.SPDX) + "\n"
+WIDGETS = {"QWidget", "QMessageBox", "QApplication", "qwidget.h"}
+
+
+class CheckSources(unittest.TestCase):
+    def faults(self, name, body, head=HEAD):
+        with tempfile.TemporaryDirectory() as folder:
+            path = pathlib.Path(folder) / name
+            path.parent.mkdir(parents=True)
+            path.write_text(head + body, encoding="utf-8")
+            return check_sources.check_tree(pathlib.Path(folder), WIDGETS)
+
+    def assert_fault(self, name, body, text, head=HEAD):
+        faults = self.faults(name, body, head)
+        self.assertEqual(len(faults), 1, faults)
+        self.assertIn(name, faults[0])
+        self.assertIn(text, faults[0])
+
+    def test_clean_sources_pass(self):
+        self.assertEqual(self.faults("src/engine/A.cpp", '#include "platform/B.h"\n#include <QString>\n'), [])
+        self.assertEqual(self.faults("src/convert/A.cpp", '#include "tags/T.h"\n#include "convert/C.h"\n'), [])
+        self.assertEqual(self.faults("src/ui/A.cpp", "#include <QWidget>\n"), [])
+        self.assertEqual(self.faults("src/ui/DesktopPrompts.cpp", "QMessageBox box; dialog.exec();\n"), [])
+        self.assertEqual(self.faults("src/ui/A.cpp", "// a QMessageBox would block here\n/* QFileDialog */\n"), [])
+
+    def test_arrow_that_points_up(self):
+        self.assert_fault("src/platform/A.h", '#pragma once\n#include "engine/B.h"\n', "must not include engine/B.h")
+        self.assert_fault("src/engine/A.cpp", '#include "app/B.h"\n', "must not include app/B.h")
+        self.assert_fault("src/tags/A.cpp", '#include "convert/B.h"\n', "must not include convert/B.h")
+        self.assert_fault("src/convert/A.cpp", '  #  include "ui/B.h"\n', "must not include ui/B.h")
+
+    def test_cli_and_ui_are_strangers(self):
+        self.assert_fault("src/cli/A.cpp", '#include "ui/B.h"\n', "must not include ui/B.h")
+        self.assert_fault("src/ui/A.cpp", '#include "cli/B.h"\n', "must not include cli/B.h")
+
+    def test_include_without_a_folder(self):
+        self.assert_fault("src/engine/A.cpp", '#include "B.h"\n', "does not name a folder")
+
+    def test_folder_without_a_place(self):
+        self.assert_fault("src/misc/A.cpp", "", "no place in the picture")
+
+    def test_widget_header_below_ui(self):
+        self.assert_fault("src/cli/A.cpp", "#include <QApplication>\n", "widget header")
+        self.assert_fault("src/app/A.cpp", "#include <qwidget.h>\n", "widget header")
+        self.assert_fault("src/app/A.cpp", "#include <QtWidgets/QLabel>\n", "widget header")
+
+    def test_dialog_outside_the_prompts(self):
+        self.assert_fault("src/ui/A.cpp", "QFileDialog::getOpenFileName();\n", "QFileDialog")
+        self.assert_fault("src/ui/A.cpp", "    dialog->exec();\n", "exec")
+        self.assert_fault("src/ui/A.cpp", "    return QDialog::exec();\n", "QDialog::exec")
+        self.assert_fault("src/app/DesktopPrompts.cpp", "QInputDialog x;\n", "QInputDialog")
+
+    def test_missing_head(self):
+        self.assert_fault("src/engine/A.cpp", "int a;\n", "SPDX", head="")
+        self.assert_fault("tests/engine/A.cpp", "int a;\n", "SPDX", head="")
+
+    def test_header_without_guard(self):
+        self.assert_fault("src/engine/A.h", "int a;\n", "#pragma once")
+
+    def test_long_file(self):
+        self.assert_fault("src/engine/A.cpp", "\n" * 600, "more than 600 lines")
+
+
+if __name__ == "__main__":
+    unittest.main()
