@@ -56,7 +56,7 @@ def check_files(root, names):
 
 def main():
     root = pathlib.Path(sys.argv[1])
-    listing = subprocess.run(["git", "-C", root, "ls-files", "-z"], capture_output=True, check=False)
+    listing = subprocess.run(["git", "-c", "safe.directory=*", "-C", root, "ls-files", "-z"], capture_output=True, check=False)
     if listing.returncode != 0:
         print("no git checkout: nothing to look at")
         sys.exit(SKIPPED)

@@ -56,7 +56,6 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -163,7 +162,9 @@ std::string fileBytes(const fs::path &path)
     if (!file) {
         refuse(path.string());
     }
-    return {std::istreambuf_iterator<char>(file), {}};
+    std::ostringstream bytes;
+    bytes << file.rdbuf();
+    return bytes.str();
 }
 
 void flood(int descriptor, long count)
