@@ -21,7 +21,10 @@
 #include <signal.h>
 #include <spawn.h>
 #include <string.h>
+// The header of glibc 2.36 does not declare its functions as C.
+extern "C" {
 #include <sys/pidfd.h>
+}
 #include <sys/wait.h>
 #include <unistd.h>
 

@@ -1,0 +1,119 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/DBusDesktopServices.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusReply>
+#include <QFileInfo>
+
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+constexpr int kAnswerTimeoutMs = 500;
+constexpr int kNotificationShownMs = -1; // as long as the desktop thinks fit
+constexpr uchar kNormalUrgency = 1;
+
+const QString kApplicationName = u"Nurv Audio Workbench"_s;
+const QString kNotificationService = u"org.freedesktop.Notifications"_s;
+const QString kDesktopFile = u"org.nurvaudio.Workbench"_s;
+
+QDBusMessage screenSaverCall(const QString &method)
+{
+    return QDBusMessage::createMethodCall(u"org.freedesktop.ScreenSaver"_s,
+                                          u"/org/freedesktop/ScreenSaver"_s,
+                                          u"org.freedesktop.ScreenSaver"_s, method);
+}
+
+} // namespace
+
+DBusDesktopServices::DBusDesktopServices(const QDBusConnection &bus) : m_bus(bus) {}
+
+QDBusConnection DBusDesktopServices::sessionBus()
+{
+    // Without an address the library would start a bus of its own, where nobody
+    // listens, and wait for it.
+    const QString userBus = u"/run/user/%1/bus"_s.arg(::getuid());
+    if (qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS") && !QFileInfo::exists(userBus))
+        return QDBusConnection(u"no session bus"_s);
+    return QDBusConnection::sessionBus();
+}
+
+void DBusDesktopServices::setBadge(int count)
+{
+    updateLauncherEntry({{u"count"_s, QVariant::fromValue<qlonglong>(count)},
+                         {u"count-visible"_s, count != 0},
+                         {u"urgent"_s, false}});
+}
+
+void DBusDesktopServices::requestAttention()
+{
+    updateLauncherEntry({{u"urgent"_s, true}});
+}
+
+void DBusDesktopServices::updateLauncherEntry(const QVariantMap &properties)
+{
+    if (!m_bus.isConnected())
+        return;
+    QDBusMessage update = QDBusMessage::createSignal(u"/org/nurvaudio/Workbench"_s,
+                                                     u"com.canonical.Unity.LauncherEntry"_s,
+                                                     u"Update"_s);
+    update << u"application://"_s + kDesktopFile + u".desktop"_s << properties;
+    m_bus.send(update);
+}
+
+bool DBusDesktopServices::hasNotificationService()
+{
+    if (!m_bus.isConnected())
+        return false;
+    QDBusConnectionInterface *const bus = m_bus.interface();
+    return bus->isServiceRegistered(kNotificationService)
+        || bus->activatableServiceNames().value().contains(kNotificationService);
+}
+
+void DBusDesktopServices::deliverNotification(const QString &title, const QString &body)
+{
+    if (!m_bus.isConnected())
+        return;
+    QDBusMessage notify = QDBusMessage::createMethodCall(kNotificationService,
+                                                         u"/org/freedesktop/Notifications"_s,
+                                                         kNotificationService,
+                                                         u"Notify"_s);
+    const QVariantMap hints{{u"desktop-entry"_s, kDesktopFile},
+                            {u"urgency"_s, QVariant::fromValue(kNormalUrgency)}};
+    // The body is markup to the desktop; names of files are not.
+    notify << kApplicationName << 0U << kDesktopFile << title << body.toHtmlEscaped()
+           << QStringList() << hints << kNotificationShownMs;
+    m_bus.asyncCall(notify, kAnswerTimeoutMs);
+}
+
+std::optional<std::uint32_t> DBusDesktopServices::createSleepAssertion(const QString &reason)
+{
+    if (!m_bus.isConnected())
+        return std::nullopt;
+    QDBusMessage inhibit = screenSaverCall(u"Inhibit"_s);
+    // Waiting for a service to be started could take longer than the answer.
+    inhibit.setAutoStartService(false);
+    inhibit << kApplicationName << reason;
+    const QDBusReply<uint> identifier = m_bus.call(inhibit, QDBus::Block, kAnswerTimeoutMs);
+    if (!identifier.isValid())
+        return std::nullopt;
+    return identifier.value();
+}
+
+void DBusDesktopServices::releaseSleepAssertion(std::uint32_t identifier)
+{
+    if (!m_bus.isConnected())
+        return;
+    QDBusMessage release = screenSaverCall(u"UnInhibit"_s);
+    release.setAutoStartService(false);
+    release << identifier;
+    m_bus.asyncCall(release, kAnswerTimeoutMs);
+}
+
+} // namespace nurv

@@ -1,0 +1,36 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/DesktopServices.h"
+
+#include <QDBusConnection>
+#include <QVariantMap>
+
+namespace nurv {
+
+/// The desktop behind the session bus: org.freedesktop.Notifications,
+/// com.canonical.Unity.LauncherEntry and org.freedesktop.ScreenSaver.
+///
+/// Without a bus or a service nothing happens, and nothing is said about it. Only
+/// `createSleepAssertion` waits for an answer, for at most half a second.
+class DBusDesktopServices final : public DesktopServices {
+public:
+    /// `bus` is the session bus outside tests. Needs an application object.
+    explicit DBusDesktopServices(const QDBusConnection &bus = sessionBus());
+
+    void setBadge(int count) override;
+    [[nodiscard]] bool hasNotificationService() override;
+    void deliverNotification(const QString &title, const QString &body) override;
+    void requestAttention() override;
+    std::optional<std::uint32_t> createSleepAssertion(const QString &reason) override;
+    void releaseSleepAssertion(std::uint32_t identifier) override;
+
+private:
+    static QDBusConnection sessionBus();
+    void updateLauncherEntry(const QVariantMap &properties);
+
+    QDBusConnection m_bus;
+};
+
+} // namespace nurv

@@ -1,0 +1,44 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <vector>
+
+namespace nurv {
+
+/// One program that the system starts.
+struct ExternalProgram {
+    QString name;             ///< in the resource folder
+    bool isBundled = false;   ///< comes with this application
+    QString package;          ///< of Debian; for a bundled program, what it needs itself
+    QString purpose;          ///< for people: "encodes and decodes FLAC"
+    QStringList versionArguments;
+};
+
+/// What became of a search for a program.
+struct ProgramStatus {
+    enum class State { Found, NotFound, NotExecutable };
+
+    State state = State::NotFound;
+    QString path;    ///< where it is, or would be
+    QString version; ///< such as "1.4.2"; empty when it does not tell
+};
+
+/// Every external program, in the order in which reports list them.
+[[nodiscard]] const std::vector<ExternalProgram> &externalPrograms();
+
+/// The entry of a name; null when there is none.
+[[nodiscard]] const ExternalProgram *findExternalProgram(const QString &name);
+
+/// Looks the program up in the resource folder and asks it for its version.
+/// Blocks while it runs; meant for worker threads and the command line.
+[[nodiscard]] ProgramStatus checkProgram(const ExternalProgram &program);
+
+/// The text for a program that could not be started: its name, the folder looked
+/// in, `reason`, and what provides it. `launchPath` is the path that was tried.
+[[nodiscard]] QString missingProgramText(const QString &launchPath, const QString &reason);
+
+} // namespace nurv

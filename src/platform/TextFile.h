@@ -1,0 +1,34 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <optional>
+
+namespace nurv {
+
+/// The text of `bytes`, which came from a file in an unknown encoding: by its
+/// byte-order mark, else as UTF-8 when every byte fits, else in the encoding that
+/// the detector is sure of, else as Windows-1252. The mark itself is dropped.
+[[nodiscard]] QString decodeText(const QByteArray &bytes);
+
+/// The whole text of a regular file, decoded by `decodeText`; nothing when it
+/// cannot be read, is no regular file, or is larger than 64 MiB (no text file
+/// that the system reads comes near that). `reason`, when given, receives why.
+[[nodiscard]] std::optional<QString> readTextFile(const QString &path, QString *reason = nullptr);
+
+/// Writes `text` as UTF-8 by `writeFileAtomically`.
+[[nodiscard]] bool writeTextFileAtomically(const QString &path, const QString &text,
+                                           QString *reason = nullptr);
+
+/// Replaces the contents of `path`: written beside it, flushed to the disk,
+/// renamed over it. A link is followed, an existing file keeps its permissions,
+/// a device or pipe is simply written to. Returns false on failure, with the
+/// system's text in `reason`; the old contents are then untouched and nothing is
+/// left beside them. Blocks until the disk has the bytes.
+[[nodiscard]] bool writeFileAtomically(const QString &path, const QByteArray &contents,
+                                       QString *reason = nullptr);
+
+} // namespace nurv

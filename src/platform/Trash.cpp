@@ -1,0 +1,194 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/Trash.h"
+
+#include "platform/FileDescriptor.h"
+#include "platform/PlatformLog.h"
+#include "platform/SystemError.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <QUrl>
+
+#include <cerrno>
+#include <cstdio>
+#include <optional>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+// One trash folder, and the folder that its recorded paths are relative to
+// (empty: they are absolute).
+struct TrashFolder {
+    QString path;
+    QString relativeTo;
+};
+
+std::optional<struct stat> factsOf(const QString &path)
+{
+    struct stat facts = {};
+    if (::lstat(QFile::encodeName(path).constData(), &facts) != 0)
+        return std::nullopt;
+    return facts;
+}
+
+// Makes the folder, private to the user, unless it is there; one that is a link or
+// someone else's is not used.
+bool makePrivateFolder(const QString &path)
+{
+    if (::mkdir(QFile::encodeName(path).constData(), 0700) != 0 && errno != EEXIST)
+        return false;
+    const auto facts = factsOf(path);
+    return facts && S_ISDIR(facts->st_mode) && facts->st_uid == ::getuid();
+}
+
+bool prepare(const TrashFolder &trash)
+{
+    return makePrivateFolder(trash.path) && makePrivateFolder(trash.path + u"/files"_s)
+        && makePrivateFolder(trash.path + u"/info"_s);
+}
+
+std::optional<TrashFolder> homeTrash(dev_t device)
+{
+    const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    if (data.isEmpty() || !QDir::isAbsolutePath(data))
+        return std::nullopt;
+    // The nearest existing folder tells the file system before anything is made.
+    QString existing = data;
+    while (!QFileInfo::exists(existing) && existing != u"/"_s)
+        existing = QFileInfo(existing).path();
+    const auto facts = factsOf(QFileInfo(existing).canonicalFilePath());
+    if (!facts || facts->st_dev != device || !QDir().mkpath(data))
+        return std::nullopt;
+    const TrashFolder trash{data + u"/Trash"_s, {}};
+    return prepare(trash) ? std::optional(trash) : std::nullopt;
+}
+
+QString topOfFileSystem(QString folder, dev_t device)
+{
+    while (folder != u"/"_s) {
+        const QString parent = QFileInfo(folder).path();
+        const auto facts = factsOf(parent);
+        if (!facts || facts->st_dev != device)
+            break;
+        folder = parent;
+    }
+    return folder;
+}
+
+std::optional<TrashFolder> topTrash(const QString &folder, dev_t device)
+{
+    const QString top = topOfFileSystem(folder, device);
+    const QString prefix = top == u"/"_s ? top : top + u'/';
+    const QString user = QString::number(::getuid());
+    const auto shared = factsOf(prefix + u".Trash"_s);
+    if (shared && S_ISDIR(shared->st_mode) && (shared->st_mode & S_ISVTX) != 0) {
+        const TrashFolder trash{prefix + u".Trash/"_s + user, prefix};
+        if (prepare(trash))
+            return trash;
+    }
+    const TrashFolder trash{prefix + u".Trash-"_s + user, prefix};
+    return prepare(trash) ? std::optional(trash) : std::nullopt;
+}
+
+QByteArray trashInfo(const QString &path, const TrashFolder &trash)
+{
+    const QString recorded = trash.relativeTo.isEmpty() ? path : path.mid(trash.relativeTo.size());
+    return "[Trash Info]\nPath=" + QUrl::toPercentEncoding(recorded, "/")
+        + "\nDeletionDate=" + QDateTime::currentDateTime().toString(Qt::ISODate).toLatin1() + '\n';
+}
+
+// Leaves room for a number and for ".trashinfo" in the 255 bytes of a name.
+QString nameInTrash(const QString &name, int attempt)
+{
+    constexpr qsizetype kLongest = 230;
+    QString shortened = name;
+    while (shortened.toUtf8().size() > kLongest)
+        shortened.chop(shortened.back().isLowSurrogate() ? 2 : 1);
+    return attempt == 1 ? shortened : shortened + u'.' + QString::number(attempt);
+}
+
+// The info file has reserved the name, so the plain rename is safe where the file
+// system knows no other.
+bool renameWithoutReplacing(const QByteArray &from, const QByteArray &to)
+{
+    if (::renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0)
+        return true;
+    struct stat present = {};
+    if ((errno != EINVAL && errno != ENOSYS) || ::lstat(to.constData(), &present) == 0)
+        return false;
+    return ::rename(from.constData(), to.constData()) == 0;
+}
+
+bool writeInfo(FileDescriptor file, const QByteArray &info)
+{
+    return ::write(file.get(), info.constData(), static_cast<size_t>(info.size())) == info.size()
+        && file.close();
+}
+
+// The info file reserves the name; only then the file moves.
+bool moveInto(const TrashFolder &trash, const QString &path)
+{
+    const QByteArray info = trashInfo(path, trash);
+    const QString name = QFileInfo(path).fileName();
+    constexpr int kAttempts = 10000;
+    for (int attempt = 1; attempt <= kAttempts; ++attempt) {
+        const QString entry = nameInTrash(name, attempt);
+        const QByteArray infoPath =
+            QFile::encodeName(trash.path + u"/info/"_s + entry + u".trashinfo"_s);
+        FileDescriptor infoFile(
+            ::open(infoPath.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+        if (!infoFile.isOpen()) {
+            if (errno == EEXIST)
+                continue;
+            return false;
+        }
+        const QByteArray target = QFile::encodeName(trash.path + u"/files/"_s + entry);
+        if (writeInfo(std::move(infoFile), info)
+            && renameWithoutReplacing(QFile::encodeName(path), target))
+            return true;
+        const int error = errno;
+        ::unlink(infoPath.constData());
+        errno = error;
+        if (error != EEXIST)
+            return false;
+    }
+    return false;
+}
+
+} // namespace
+
+bool moveToTrash(const QString &path)
+{
+    const QFileInfo item(path);
+    // The folder is resolved and the item is not: a link goes into the trash itself.
+    const QString folder = QFileInfo(item.absolutePath()).canonicalFilePath();
+    const QString name = item.fileName();
+    const auto facts = factsOf(folder);
+    bool moved = false;
+    errno = ENOENT;
+    if (facts && !folder.isEmpty() && !name.isEmpty() && name != u"."_s && name != u".."_s) {
+        const QString absolute = folder == u"/"_s ? folder + name : folder + u'/' + name;
+        if (factsOf(absolute)) {
+            if (const auto trash = homeTrash(facts->st_dev))
+                moved = moveInto(*trash, absolute);
+            else if (const auto other = topTrash(folder, facts->st_dev))
+                moved = moveInto(*other, absolute);
+        }
+    }
+    if (!moved)
+        qCWarning(platformLog).noquote()
+            << path << "was not moved to the trash:" << systemErrorText(errno);
+    return moved;
+}
+
+} // namespace nurv

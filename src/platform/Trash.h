@@ -1,0 +1,18 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+namespace nurv {
+
+/// Moves a file or folder into the user's trash, by the freedesktop.org trash
+/// specification 1.0: the trash of the home folder for what lies on its file
+/// system, else the one at the top of the file system that holds the path
+/// (".Trash/<uid>" where the administrator made one, else ".Trash-<uid>").
+///
+/// Never copies and never deletes: on failure returns false with a line in the
+/// log, and the file is where it was. May be called from any thread.
+[[nodiscard]] bool moveToTrash(const QString &path);
+
+} // namespace nurv
