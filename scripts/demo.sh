@@ -11,6 +11,8 @@ folder=$(mktemp -d "${TMPDIR:-/tmp}/nurv-demo.XXXXXX")
 album=$folder/album
 output=$folder/flac
 mkdir "$album" "$output"
+# File names and titles go beyond ASCII, whatever the locale of the caller.
+export LC_ALL=C.UTF-8
 # The demonstration neither reads nor changes the user's settings.
 export NURV_SETTINGS=$folder/settings.ini
 
