@@ -100,8 +100,7 @@ QByteArray makeSamples(const SoundShape &shape)
             state = state * 1664525U + 1013904223U;
             const double noise = static_cast<double>(state >> 8) / 8388608.0 - 1.0;
             const double hertz = 220.0 * (channel + 1) + shape.seed % 97;
-            const double tone =
-                std::sin(2.0 * std::numbers::pi * hertz * static_cast<double>(frame) / shape.rate);
+            const double tone = std::sin(2.0 * std::numbers::pi * hertz * static_cast<double>(frame) / shape.rate);
             auto sample = static_cast<std::int64_t>(std::llround((0.45 * tone + 0.02 * noise) * fullScale));
             if (shape.bits == 8) {
                 sample += 128;
@@ -127,14 +126,14 @@ QByteArray wavBytes(const SoundShape &shape, const QByteArray &chunksBefore, con
     const auto blockAlign = static_cast<quint16>(shape.channels * shape.bits / 8);
     const auto bits = static_cast<quint16>(shape.bits);
     QByteArray format = little(static_cast<quint16>(shape.extensible ? 0xFFFE : 1))
-        + little(static_cast<quint16>(shape.channels)) + little(static_cast<quint32>(shape.rate))
-        + little(static_cast<quint32>(shape.rate) * blockAlign) + little(blockAlign) + little(bits);
+                        + little(static_cast<quint16>(shape.channels)) + little(static_cast<quint32>(shape.rate))
+                        + little(static_cast<quint32>(shape.rate) * blockAlign) + little(blockAlign) + little(bits);
     if (shape.extensible) {
         format += little(quint16{22}) + little(bits) + little(kSpeakers[shape.channels])
-            + QByteArray::fromHex("0100000000001000800000aa00389b71");
+                  + QByteArray::fromHex("0100000000001000800000aa00389b71");
     }
-    const QByteArray body = "WAVE" + riffChunk("fmt ", format) + chunksBefore + riffChunk("data", makeSamples(shape))
-        + chunksAfter;
+    const QByteArray body =
+        "WAVE" + riffChunk("fmt ", format) + chunksBefore + riffChunk("data", makeSamples(shape)) + chunksAfter;
     return "RIFF" + little(static_cast<quint32>(body.size())) + body;
 }
 
@@ -148,9 +147,8 @@ QByteArray aiffBytes(const SoundShape &shape)
             samples[start] = static_cast<char>(samples[start] ^ '\x80');
         }
     }
-    const QByteArray common = big(static_cast<quint16>(shape.channels))
-        + big(static_cast<quint32>(shape.frameCount())) + big(static_cast<quint16>(shape.bits))
-        + extendedFloat(static_cast<quint32>(shape.rate));
+    const QByteArray common = big(static_cast<quint16>(shape.channels)) + big(static_cast<quint32>(shape.frameCount()))
+                              + big(static_cast<quint16>(shape.bits)) + extendedFloat(static_cast<quint32>(shape.rate));
     QByteArray body = "AIFF";
     body += "COMM" + big(static_cast<quint32>(common.size())) + common;
     body += "SSND" + big(static_cast<quint32>(samples.size() + 8)) + QByteArray(8, '\0') + samples;
@@ -175,8 +173,8 @@ QString writeFlac(const QString &path, const SoundShape &shape, const QStringLis
     const QTemporaryDir scratch;
     const QString wav = writeWav(scratch.filePath(u"sound.wav"_s), shape);
     EXPECT_TRUE(QDir().mkpath(QFileInfo(path).path())) << qPrintable(path);
-    const ProgramResult result =
-        runProgram(u"flac"_s, QStringList{u"--silent"_s, u"--force"_s} + encoderArguments + QStringList{u"-o"_s, path, wav});
+    const ProgramResult result = runProgram(u"flac"_s, QStringList{u"--silent"_s, u"--force"_s} + encoderArguments
+                                                           + QStringList{u"-o"_s, path, wav});
     EXPECT_EQ(result.exitStatus, 0) << result.errors.constData();
     return path;
 }
@@ -187,8 +185,8 @@ QString writeByFfmpeg(const QString &path, const SoundShape &shape, const QStrin
     const QString wav = writeWav(scratch.filePath(u"sound.wav"_s), shape);
     EXPECT_TRUE(QDir().mkpath(QFileInfo(path).path())) << qPrintable(path);
     const ProgramResult result =
-        runProgram(u"ffmpeg"_s, QStringList{u"-v"_s, u"error"_s, u"-nostdin"_s, u"-y"_s, u"-i"_s, wav} + encoderArguments
-                                    + QStringList{path});
+        runProgram(u"ffmpeg"_s, QStringList{u"-v"_s, u"error"_s, u"-nostdin"_s, u"-y"_s, u"-i"_s, wav}
+                                    + encoderArguments + QStringList{path});
     EXPECT_EQ(result.exitStatus, 0) << result.errors.constData();
     return path;
 }
@@ -209,14 +207,14 @@ QByteArray decodedMd5(const QString &path)
     const QMap<QString, QString> rightStream = ffprobeStream(right);
     for (const QString &fact : {u"sample_rate"_s, u"channels"_s}) {
         if (!leftStream.contains(fact) || leftStream.value(fact) != rightStream.value(fact)) {
-            return ::testing::AssertionFailure() << qPrintable(fact) << ": " << qPrintable(leftStream.value(fact)) << " in "
-                                                 << qPrintable(left) << ", " << qPrintable(rightStream.value(fact))
-                                                 << " in " << qPrintable(right);
+            return ::testing::AssertionFailure()
+                   << qPrintable(fact) << ": " << qPrintable(leftStream.value(fact)) << " in " << qPrintable(left)
+                   << ", " << qPrintable(rightStream.value(fact)) << " in " << qPrintable(right);
         }
     }
     if (decodedMd5(left) != decodedMd5(right)) {
-        return ::testing::AssertionFailure() << "the samples of " << qPrintable(left) << " and " << qPrintable(right)
-                                             << " differ";
+        return ::testing::AssertionFailure()
+               << "the samples of " << qPrintable(left) << " and " << qPrintable(right) << " differ";
     }
     return ::testing::AssertionSuccess();
 }

@@ -17,7 +17,8 @@ namespace nurv::test {
 
 TEST(FakeTool, WritesWhatItsArgumentsSay)
 {
-    const ProgramResult result = runProgram(fakeToolPath(), {u"out=a\\nb\\x00"_s, u"flood=70000"_s, u"err=no"_s, u"exit=5"_s});
+    const ProgramResult result =
+        runProgram(fakeToolPath(), {u"out=a\\nb\\x00"_s, u"flood=70000"_s, u"err=no"_s, u"exit=5"_s});
     EXPECT_EQ(result.output, QByteArray("a\nb\0", 4) + QByteArray(70000, 'x'));
     EXPECT_EQ(result.errors, "no");
     EXPECT_EQ(result.exitStatus, 5);
@@ -86,7 +87,8 @@ TEST(FakeTool, ReportsWhatItWasStartedWith)
         fakeToolPath(), {u"env=NURV_SUPPORT_PROBE"_s, u"env=NURV_NOT_THERE"_s, u"fds"_s, u"read-stdin"_s}, "12345");
     qunsetenv("NURV_SUPPORT_PROBE");
     // Descriptors of the program that runs the tests may follow the standard three.
-    EXPECT_TRUE(result.output.startsWith("NURV_SUPPORT_PROBE=yes\nNURV_NOT_THERE unset\nfds: 0 1 2")) << result.output.data();
+    EXPECT_TRUE(result.output.startsWith("NURV_SUPPORT_PROBE=yes\nNURV_NOT_THERE unset\nfds: 0 1 2"))
+        << result.output.data();
     EXPECT_TRUE(result.output.endsWith("\nread 5 bytes\n")) << result.output.data();
 }
 
@@ -95,8 +97,7 @@ TEST(FakeTool, LeavesAGrandchildThatHoldsTheOutput)
     // The shell ends when the last writer has closed the pipe, long after fake_tool itself.
     QElapsedTimer watch;
     watch.start();
-    const ProgramResult result =
-        runProgram(u"sh"_s, {u"-c"_s, u"\"$0\" grandchild=200 | cat"_s, fakeToolPath()});
+    const ProgramResult result = runProgram(u"sh"_s, {u"-c"_s, u"\"$0\" grandchild=200 | cat"_s, fakeToolPath()});
     EXPECT_TRUE(result.output.startsWith("grandchild ")) << result.output.constData();
     EXPECT_GE(watch.elapsed(), 150);
 }

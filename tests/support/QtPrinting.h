@@ -12,7 +12,8 @@
 
 inline void PrintTo(const QByteArray &bytes, std::ostream *stream)
 {
-    *stream << '"' << bytes.left(4000).replace('\0', "\\0").replace('\b', "\\b").replace('\r', "\\r").toStdString() << '"';
+    *stream << '"' << bytes.left(4000).replace('\0', "\\0").replace('\b', "\\b").replace('\r', "\\r").toStdString()
+            << '"';
 }
 
 inline void PrintTo(const QString &text, std::ostream *stream)

@@ -19,12 +19,8 @@ namespace {
 bool setPrivateEnvironment(const QDir &home)
 {
     const std::pair<const char *, QString> folders[] = {
-        {"HOME", u"home"_s},
-        {"TMPDIR", u"tmp"_s},
-        {"XDG_CONFIG_HOME", u"config"_s},
-        {"XDG_DATA_HOME", u"data"_s},
-        {"XDG_CACHE_HOME", u"cache"_s},
-        {"XDG_RUNTIME_DIR", u"run"_s},
+        {"HOME", u"home"_s},          {"TMPDIR", u"tmp"_s},           {"XDG_CONFIG_HOME", u"config"_s},
+        {"XDG_DATA_HOME", u"data"_s}, {"XDG_CACHE_HOME", u"cache"_s}, {"XDG_RUNTIME_DIR", u"run"_s},
     };
     for (const auto &[variable, name] : folders) {
         const QString path = home.absoluteFilePath(name);

@@ -27,8 +27,7 @@ QString fakeToolPath()
     return QString::fromLocal8Bit(NURV_FAKE_TOOL);
 }
 
-ToolFolder::ToolFolder()
-    : m_formerFolder(qgetenv("NURV_TOOLS")), m_hadFolder(qEnvironmentVariableIsSet("NURV_TOOLS"))
+ToolFolder::ToolFolder() : m_formerFolder(qgetenv("NURV_TOOLS")), m_hadFolder(qEnvironmentVariableIsSet("NURV_TOOLS"))
 {
     qputenv("NURV_TOOLS", QFile::encodeName(m_folder.path()));
 }
