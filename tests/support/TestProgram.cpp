@@ -4,11 +4,16 @@
 
 #include <QProcess>
 
+using namespace Qt::StringLiterals;
+
 namespace nurv::test {
 
 ProgramResult runProgram(const QString &program, const QStringList &arguments, const QByteArray &input)
 {
     QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
+    process.setProcessEnvironment(environment);
     process.start(program, arguments);
     ProgramResult result;
     if (!process.waitForStarted()) {

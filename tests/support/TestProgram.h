@@ -16,8 +16,9 @@ struct ProgramResult {
 };
 
 /// Runs a program of the machine (a name is looked up in PATH) to its end, for at
-/// most 60 seconds. Blocks without running the event loop. Independent of the
-/// child processes of the system under test, so that it can check them.
+/// most 60 seconds, in the UTF-8 locale whatever the test's own is. Blocks without
+/// running the event loop. Independent of the child processes of the system under
+/// test, so that it can check them.
 [[nodiscard]] ProgramResult runProgram(const QString &program, const QStringList &arguments,
                                        const QByteArray &input = {});
 
