@@ -3,12 +3,15 @@
 #pragma once
 
 #include "app/FileIntake.h"
+#include "app/UserPrompts.h"
 
+#include <QList>
 #include <QObject>
 #include <QSet>
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 
 namespace nurv {
@@ -37,33 +40,43 @@ public:
     [[nodiscard]] const QStringList &fileNames() const { return m_fileNames; }
 
     /// Adds a file that the controller has matched with this tab already.
-    void addFile(const QString &path);
+    void addFile(const QString &path) { addMatchedFiles({path}); }
+    /// `addFile` for each, with one sort and one announcement for all.
+    void addMatchedFiles(const QStringList &paths);
     /// Adds files and what lies in folders; tells the user what was refused.
-    void addFiles(const QStringList &paths);
-    /// The second half of `addFiles`, for an intake collected on another thread.
+    /// Blocks while it searches the folders.
+    void addFiles(const QStringList &paths) { addCollected(collect(paths)); }
+    /// The first half of `addFiles`: searches the folders and looks at the files.
+    /// Any thread; blocks.
+    [[nodiscard]] FileIntake collect(const QStringList &paths) const;
+    /// The second half of `addFiles`.
     void addCollected(const FileIntake &intake);
+    /// Asks for files and adds them.
     void addButtonClick();
     void clearButtonClick() { clearFiles(); }
     virtual void clearFiles();
 
-    /// The distinct extensions of the listed files, as written.
+    /// The distinct extensions of the listed files, as written, sorted by character.
     [[nodiscard]] QStringList listedExtensions() const;
     /// Takes every file with that extension off the list; case matters.
     void filterGivenExtension(const QString &extension);
+    /// Takes the files of these rows off the list. The view clears its selection.
     void deleteSelectedRows(const QList<int> &rows);
     [[nodiscard]] virtual bool usesTableViewContextMenu() const { return true; }
 
     /// Shows and enables the options that matter for the current choices.
     virtual void displayRelevantOptions() {}
+    /// The user has chosen another option.
+    void changeDisplayOptions() { displayRelevantOptions(); }
     /// Turns the list into jobs for the queue.
     virtual void executeCommand() {}
 
-    /// How long the message about refused files waits, so that it comes after
-    /// the drop has finished; 500 ms unless set.
+    /// How long the messages about refused files wait, so that they come after
+    /// the drop has finished; 500 ms unless set. With 0 they come at once.
     void setRefusalMessageDelay(int milliseconds) { m_refusalMessageDelayMs = milliseconds; }
 
 Q_SIGNALS:
-    /// The list is another one now.
+    /// The list is another one now; nothing in it is selected.
     void fileNamesChanged();
     /// Files were added; the view widens its column.
     void filesWereAdded();
@@ -71,7 +84,9 @@ Q_SIGNALS:
 protected:
     /// Called after files were added. Overrides call this one.
     virtual void filesAdded();
+    /// The folder that the user chose; nothing when cancelled.
     [[nodiscard]] std::optional<QString> chooseOutputFolder();
+    /// The path that the user chose; nothing when cancelled.
     [[nodiscard]] std::optional<QString> openSavePanel(const QString &suggestedName,
                                                        const std::optional<QString> &title);
     /// Asks, when originals are to be deleted and "warnOnDelete" is on. False:
@@ -79,15 +94,17 @@ protected:
     [[nodiscard]] bool confirmDeletingOriginals(bool deleteOriginals);
 
 private:
-    void showBadFileMessage(const QString &message);
-    void sortAndAnnounce();
+    void append(const QStringList &paths);
+    void removeIf(const std::function<bool(const QString &path)> &isUnwanted);
+    void sortFileNames();
+    void showBadFileMessages(const QList<Alert> &messages);
 
     NURVController &m_controller;
     QString m_label;
     QString m_pathToCommandLineTools;
     QStringList m_fileNames;
     QSet<QString> m_listed;
-    int m_refusalMessageDelayMs = 500;
+    int m_refusalMessageDelayMs = 500; // long enough for a drop to finish
 };
 
 } // namespace nurv

@@ -6,6 +6,9 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+#include <utility>
+
 namespace nurv {
 
 /// One option of a tool tab, free of any widget: the window binds widgets to it,
@@ -30,10 +33,15 @@ protected:
     Control() = default;
     /// Emits both signals.
     void announceValue();
+    /// Takes the setting's value now and whenever it changes, and stores every
+    /// other new value under it, as an integer. Called at most once.
+    void bindInteger(const QString &key, std::function<int()> value, std::function<void(int)> take);
 
 private:
     bool m_isEnabled = true;
     bool m_isHidden = false;
+    bool m_isBound = false;
+    bool m_isTaking = false;
 };
 
 /// A check box.
@@ -62,6 +70,7 @@ public:
     /// May lie outside the cells: then nothing is selected.
     [[nodiscard]] int selectedIndex() const { return m_selectedIndex; }
     void setSelectedIndex(int index);
+    /// The place of the selected cell; -1 when nothing is selected.
     [[nodiscard]] int selectedRow() const;
     [[nodiscard]] int selectedColumn() const;
     /// The title of the selected cell; empty when nothing is selected.
@@ -71,6 +80,8 @@ public:
     void bindToSetting(const QString &key);
 
 private:
+    [[nodiscard]] bool hasSelection() const;
+
     QStringList m_titles;
     int m_columns;
     int m_selectedIndex;
@@ -88,7 +99,7 @@ public:
     [[nodiscard]] int integerValue() const { return m_value; }
     /// The value as text, as it stands in a command line.
     [[nodiscard]] QString stringValue() const { return QString::number(m_value); }
-    /// Keeps the value within the range and on a step.
+    /// Moves to the step nearest to the value, within the range.
     void setIntegerValue(int value);
     void bindToSetting(const QString &key);
 

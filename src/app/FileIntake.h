@@ -2,20 +2,23 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "app/UserPrompts.h"
+
 #include <QSet>
 #include <QString>
 #include <QStringList>
 
 #include <functional>
+#include <optional>
 
 namespace nurv {
 
 /// What was found under the paths that a user gave.
 struct FileIntake {
-    QStringList accepted;           ///< in the order found
-    QSet<QString> badExtensions;    ///< extensions of refused files, as written
-    QStringList unreadableNames;    ///< names that are no valid UTF-8, made printable
-    QStringList unreadableFolders;  ///< folders that could not be listed
+    QStringList accepted;          ///< in the order found
+    QSet<QString> badExtensions;   ///< extensions of refused files, as written
+    QStringList unreadableNames;   ///< paths whose names are no valid UTF-8, made printable
+    QStringList unreadableFolders; ///< folders that could not be listed to their end
 };
 
 /// Whether a file is one of interest.
@@ -24,9 +27,18 @@ using FileTest = std::function<bool(const QString &path)>;
 /// Whether the name is one that file browsers leave behind: ".DS_Store", ".TOC.plist".
 [[nodiscard]] bool isSkippedName(const QString &path);
 
-/// Every file at or under `path` that passes `isValid`, in the file system's
-/// order. Follows symbolic links, but never into a folder that it is in already.
+/// Whether the path exists and is a folder, or a link to one.
+[[nodiscard]] bool isFolder(const QString &path);
+
+/// Every file at or under `path` that passes `isValid`, less the skipped names, in
+/// the file system's order. Follows symbolic links, but never into a folder that it
+/// is in already, and into a folder behind several links only once: links cannot
+/// make it run without end. A path that does not exist counts as a file.
 /// Any thread; blocks.
 void collectFiles(const QString &path, const FileTest &isValid, FileIntake &intake);
+
+/// The message that names what could not be read; nothing when there is nothing to
+/// tell. Of a long list it shows the beginning, and the log has the rest.
+[[nodiscard]] std::optional<Alert> unreadableAlert(const FileIntake &intake);
 
 } // namespace nurv

@@ -16,6 +16,7 @@ class BaseTab;
 class DesktopServices;
 class NURVTaskQueue;
 class UserPrompts;
+struct FileIntake;
 
 /// The application's main controller: registers the settings, owns the job
 /// queue, knows the tabs by the labels of their pages, routes incoming files and
@@ -46,7 +47,11 @@ public:
     void unregisterTab(const QString &label) { m_tabMap.remove(label); }
 
     [[nodiscard]] const QString &selectedTabViewItem() const { return m_selectedLabel; }
-    /// Selects a page and lets its tab show its relevant options.
+    /// After the tabs have been made: lets the tab of the selected page show its
+    /// relevant options.
+    void applicationDidFinishLaunching() { didSelectTabViewItem(); }
+    /// Selects a page and lets its tab show its relevant options. A page of a tool
+    /// that is not there cannot be selected.
     void selectTab(const QString &label);
     /// Selects the page with that index in `pageLabels`.
     void selectTab(int index);
@@ -58,13 +63,17 @@ public:
 
     /// Files that arrive with the application: dropped on it, opened with it.
     void openFiles(const QStringList &paths) { addFiles(paths); }
+    /// Gives the files, and what lies in folders, to the tab of the selected page,
+    /// which must be able to handle them; from the about page each file goes to the
+    /// tab that its extension names. Tells the user what could not be read. Blocks
+    /// while it searches the folders.
     void addFiles(const QStringList &paths);
 
     /// Asks when jobs are queued. True: the application may quit.
     [[nodiscard]] bool applicationShouldTerminate();
     /// Asks whether to quit. True: the main window may close.
     [[nodiscard]] bool windowShouldClose();
-    /// Cancels every job and lets the machine sleep.
+    /// Cancels every job and lets the machine sleep. `shutDown` goes on from here.
     void applicationWillTerminate();
 
     /// "Nurv Audio Workbench <version>" and "(Build <build>)" for the about page.
@@ -75,12 +84,16 @@ Q_SIGNALS:
     void pageSelected(const QString &label);
 
 private:
-    void routeByExtension(const QString &path);
+    [[nodiscard]] bool passes(const QString &label, const QString &path) const;
+    void addToSelectedTab(FileIntake &&found);
+    void routeByExtension(const FileIntake &found);
+    void show(const QString &label);
+    void didSelectTabViewItem();
 
     UserPrompts &m_prompts;
     std::unique_ptr<NURVTaskQueue> m_taskQueue;
     QMap<QString, BaseTab *> m_tabMap;
-    QHash<QString, QStringList> m_extensionMap;
+    const QHash<QString, QStringList> m_extensionMap; ///< read on any thread
     QString m_selectedLabel;
 };
 

@@ -9,7 +9,7 @@ namespace nurv {
 /// Whether `text` begins with `prefix`. An empty prefix gives false.
 [[nodiscard]] bool nurvStartsWith(QStringView text, QStringView prefix);
 
-/// Whether `text` ends with `suffix`.
+/// Whether `text` ends with `suffix`. An empty suffix gives true.
 [[nodiscard]] bool nurvEndsWith(QStringView text, QStringView suffix);
 
 } // namespace nurv

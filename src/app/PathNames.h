@@ -6,9 +6,12 @@
 
 namespace nurv {
 
-/// What stands after the last slash.
+// Paths as texts: nothing here looks at the file system. Slashes at the end of a
+// path do not count.
+
+/// What stands after the last slash; empty for the root.
 [[nodiscard]] QString lastPathComponent(const QString &path);
-/// The folder of a path.
+/// The folder of a path; "/" for what lies in the root, empty for a mere name.
 [[nodiscard]] QString folderOf(const QString &path);
 /// What stands after the last point of the last component; empty when there is
 /// none, or nothing before or after it.
@@ -17,7 +20,7 @@ namespace nurv {
 [[nodiscard]] QString formatWord(const QString &path);
 /// The last component without its extension.
 [[nodiscard]] QString nameWithoutExtension(const QString &path);
-/// folder + "/" + name, with one slash between.
+/// folder + "/" + name, with one slash between; only the name without a folder.
 [[nodiscard]] QString joinPath(const QString &folder, const QString &name);
 /// `folder` joined with the source's name less its extension plus the new one.
 [[nodiscard]] QString outputPath(const QString &folder, const QString &source, const QString &extension);

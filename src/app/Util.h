@@ -13,14 +13,17 @@ class Util {
 public:
     /// Makes a new empty file that only its owner may read, named
     /// "Nurv-<session>-<unique>.<extension>", in `folder` or, without one, in the
-    /// user's temporary folder. Returns its path. Throws NurvFailure.
+    /// user's temporary folder. Returns its path. Throws NurvFailure, also for a
+    /// path of 1024 bytes and more; then no file is left.
     [[nodiscard]] static QString generateTempFileName(const std::optional<QString> &folder,
                                                       const std::optional<QString> &extension);
-    /// The same name with "XXXXXXXX" in the place of the unique part; makes no file.
+    /// The same name with "XXXXXXXX" in the place of the unique part, the same for
+    /// every call; makes no file. Throws NurvFailure.
     [[nodiscard]] static QString generateTempFileName2(const std::optional<QString> &folder,
                                                        const std::optional<QString> &extension);
-    /// Removes the file as the setting "trashOrDelete" says. Reports nothing; a
-    /// file that cannot be moved to the trash stays.
+    /// Removes one file, or link, as the setting "trashOrDelete" says: 0 for good,
+    /// else into the trash. Reports nothing to the caller; a file that cannot be
+    /// removed stays, with a line in the log. Folders are never deleted for good.
     static void deleteFile(const QString &path);
 };
 

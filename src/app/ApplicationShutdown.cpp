@@ -1,0 +1,58 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/ApplicationShutdown.h"
+
+#include "app/AppLog.h"
+#include "engine/NURVTaskQueue.h"
+#include "platform/ChildProcess.h"
+#include "platform/GuiThread.h"
+#include "platform/WorkerThreads.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QThread>
+
+#include <chrono>
+
+namespace nurv {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kTerminateGrace = 500ms;
+constexpr auto kWorkerLimit = 5s;
+constexpr auto kReapLimit = 1s;
+constexpr auto kReapPause = 2ms;
+
+// The children of command jobs are reaped by the event loop, which has ended or
+// does not come to it.
+void reapChildren()
+{
+    const QDeadlineTimer deadline(kReapLimit);
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    while (children::runningCount() > 0 && !deadline.hasExpired()) {
+        QThread::usleep(static_cast<unsigned long>(std::chrono::microseconds(kReapPause).count()));
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    }
+}
+
+} // namespace
+
+bool shutDown(NURVTaskQueue &queue)
+{
+    queue.killAllTasks();
+    queue.allowSleep();
+    children::terminateAll(kTerminateGrace, true);
+    guiThreadGate::close();
+    reapChildren();
+    const bool workersHaveEnded = workerThreads::waitForAll(kWorkerLimit);
+    if (!workersHaveEnded)
+        qCWarning(appLog) << workerThreads::runningCount() << "jobs have not ended in time";
+    const int left = children::runningCount();
+    if (left > 0)
+        qCWarning(appLog) << left << "programs have not ended in time";
+    return workersHaveEnded && left == 0;
+}
+
+} // namespace nurv

@@ -1,0 +1,193 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/BaseTab.h"
+
+#include "app/AppLog.h"
+#include "app/NURVController.h"
+#include "app/PathNames.h"
+#include "platform/FileNameCollator.h"
+#include "platform/ResourceFolder.h"
+#include "platform/SettingsStore.h"
+
+#include <QDir>
+#include <QTimer>
+
+#include <algorithm>
+#include <exception>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+BaseTab::BaseTab(NURVController &controller, const QString &label)
+    : m_controller(controller), m_label(label), m_pathToCommandLineTools(nurv::pathToCommandLineTools())
+{
+    m_controller.registerTab(m_label, *this);
+}
+
+BaseTab::~BaseTab()
+{
+    m_controller.unregisterTab(m_label);
+}
+
+void BaseTab::addMatchedFiles(const QStringList &paths)
+{
+    const qsizetype before = m_fileNames.size();
+    append(paths);
+    if (m_fileNames.size() == before)
+        return;
+    sortFileNames();
+    filesAdded();
+}
+
+FileIntake BaseTab::collect(const QStringList &paths) const
+{
+    const FileTest isValid = [this](const QString &path) { return m_controller.isValidFile(m_label, path); };
+    FileIntake intake;
+    for (const QString &given : paths) {
+        const QString path = QDir::current().absoluteFilePath(given);
+        if (isFolder(path))
+            collectFiles(path, isValid, intake);
+        else if (isValid(path))
+            intake.accepted.append(path);
+        else
+            intake.badExtensions.insert(pathExtension(path));
+    }
+    return intake;
+}
+
+void BaseTab::addCollected(const FileIntake &intake)
+{
+    append(intake.accepted);
+    sortFileNames();
+    filesAdded();
+
+    QList<Alert> messages;
+    if (!intake.badExtensions.isEmpty() && SettingsStore::instance().boolean(u"warnOnFilesSkipped"_s)) {
+        const QString title = m_fileNames.isEmpty()
+            ? u"File types not supported by this tab"_s
+            : u"Some files types were not recognized by this tab and were skipped"_s;
+        messages.append({.title = title, .message = {}, .buttons = {u"OK"_s}});
+    }
+    if (const std::optional<Alert> unreadable = unreadableAlert(intake))
+        messages.append(*unreadable);
+    showBadFileMessages(messages);
+}
+
+void BaseTab::append(const QStringList &paths)
+{
+    for (const QString &path : paths) {
+        if (m_listed.contains(path))
+            continue;
+        m_listed.insert(path);
+        m_fileNames.append(path);
+    }
+}
+
+void BaseTab::sortFileNames()
+{
+    FileNameCollator::sortPaths(m_fileNames);
+    Q_EMIT fileNamesChanged();
+}
+
+void BaseTab::showBadFileMessages(const QList<Alert> &messages)
+{
+    if (messages.isEmpty())
+        return;
+    const auto show = [&prompts = m_controller.prompts(), messages] {
+        for (const Alert &message : messages)
+            prompts.ask(message);
+    };
+    if (m_refusalMessageDelayMs > 0)
+        QTimer::singleShot(m_refusalMessageDelayMs, this, show);
+    else
+        show();
+}
+
+void BaseTab::filesAdded()
+{
+    Q_EMIT filesWereAdded();
+}
+
+void BaseTab::addButtonClick()
+{
+    const QStringList paths = m_controller.prompts().chooseFiles(
+        {.title = u"Choose files for processing"_s, .buttonText = u"Add Files"_s});
+    if (!paths.isEmpty())
+        addFiles(paths);
+}
+
+void BaseTab::clearFiles()
+{
+    m_fileNames.clear();
+    m_listed.clear();
+    Q_EMIT fileNamesChanged();
+}
+
+QStringList BaseTab::listedExtensions() const
+{
+    QSet<QString> distinct;
+    for (const QString &path : m_fileNames) {
+        const QString extension = pathExtension(path);
+        if (!extension.isEmpty())
+            distinct.insert(extension);
+    }
+    QStringList extensions = distinct.values();
+    extensions.sort();
+    return extensions;
+}
+
+void BaseTab::removeIf(const std::function<bool(const QString &path)> &isUnwanted)
+{
+    m_fileNames.removeIf([&](const QString &path) {
+        const bool unwanted = isUnwanted(path);
+        if (unwanted)
+            m_listed.remove(path);
+        return unwanted;
+    });
+}
+
+void BaseTab::filterGivenExtension(const QString &extension)
+{
+    removeIf([&](const QString &path) { return pathExtension(path) == extension; });
+    Q_EMIT fileNamesChanged();
+}
+
+void BaseTab::deleteSelectedRows(const QList<int> &rows)
+{
+    QSet<QString> selected;
+    for (const int row : rows) {
+        if (row >= 0 && row < m_fileNames.size())
+            selected.insert(m_fileNames.at(row));
+    }
+    removeIf([&](const QString &path) { return selected.contains(path); });
+    sortFileNames();
+}
+
+std::optional<QString> BaseTab::chooseOutputFolder()
+{
+    try {
+        return m_controller.prompts().chooseFolder({.title = u"Choose output directory"_s, .buttonText = {}});
+    } catch (const std::exception &failure) {
+        qCWarning(appLog) << "The output folder could not be chosen:" << failure.what();
+        return std::nullopt;
+    }
+}
+
+std::optional<QString> BaseTab::openSavePanel(const QString &suggestedName, const std::optional<QString> &title)
+{
+    return m_controller.prompts().chooseSavePath(suggestedName, title);
+}
+
+bool BaseTab::confirmDeletingOriginals(bool deleteOriginals)
+{
+    if (!deleteOriginals || !SettingsStore::instance().boolean(u"warnOnDelete"_s))
+        return true;
+    const Alert question{
+        .title = u"You have chosen to delete the original files.  Are you sure you want to continue?"_s,
+        .message = {},
+        .buttons = {u"Yes"_s, u"No"_s}};
+    return m_controller.prompts().ask(question) == u"Yes";
+}
+
+} // namespace nurv

@@ -1,0 +1,134 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/FileIntake.h"
+
+#include "app/AppLog.h"
+#include "app/PathNames.h"
+#include "platform/FileNames.h"
+
+#include <QFile>
+
+#include <algorithm>
+#include <cerrno>
+#include <set>
+#include <utility>
+#include <vector>
+
+#include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+constexpr qsizetype kNamesShown = 20;
+
+using FolderIdentity = std::pair<dev_t, ino_t>;
+
+class FolderWalk {
+public:
+    FolderWalk(const FileTest &isValid, FileIntake &intake) : m_isValid(isValid), m_intake(intake) {}
+
+    // Returns false when the folder that holds the path does not let one look at
+    // its entries.
+    bool visit(const QString &path)
+    {
+        const QByteArray name = QFile::encodeName(path);
+        struct stat facts = {};
+        if (::stat(name.constData(), &facts) != 0) {
+            if (errno == EACCES && !m_ancestors.empty())
+                return false;
+            takeFile(path);
+        } else if (!S_ISDIR(facts.st_mode)) {
+            takeFile(path);
+        } else if (mayEnter(name, {facts.st_dev, facts.st_ino})) {
+            m_ancestors.emplace_back(facts.st_dev, facts.st_ino);
+            visitEntries(path);
+            m_ancestors.pop_back();
+        }
+        return true;
+    }
+
+private:
+    bool mayEnter(const QByteArray &name, const FolderIdentity &folder)
+    {
+        if (std::find(m_ancestors.begin(), m_ancestors.end(), folder) != m_ancestors.end())
+            return false;
+        struct stat facts = {};
+        const bool isLink = ::lstat(name.constData(), &facts) == 0 && S_ISLNK(facts.st_mode);
+        return !isLink || m_linkedFolders.insert(folder).second;
+    }
+
+    void visitEntries(const QString &folder)
+    {
+        const FolderListing listing = listFolder(folder);
+        for (const QString &name : listing.refused)
+            m_intake.unreadableNames.append(joinPath(folder, name));
+        bool isReadable = listing.error.isEmpty();
+        for (const QString &name : listing.names) {
+            if (!visit(joinPath(folder, name))) {
+                isReadable = false;
+                break;
+            }
+        }
+        if (!isReadable)
+            m_intake.unreadableFolders.append(folder);
+    }
+
+    void takeFile(const QString &path)
+    {
+        if (!m_isValid(path))
+            m_intake.badExtensions.insert(pathExtension(path));
+        else if (!isSkippedName(path))
+            m_intake.accepted.append(path);
+    }
+
+    const FileTest &m_isValid;
+    FileIntake &m_intake;
+    std::vector<FolderIdentity> m_ancestors;
+    std::set<FolderIdentity> m_linkedFolders;
+};
+
+void appendNames(QString &message, const QString &heading, const QStringList &names)
+{
+    if (names.isEmpty())
+        return;
+    if (!message.isEmpty())
+        message += u"\n\n"_s;
+    message += heading + u'\n' + names.first(std::min(names.size(), kNamesShown)).join(u'\n');
+    if (names.size() <= kNamesShown)
+        return;
+    message += u"\nand %1 more"_s.arg(names.size() - kNamesShown);
+    for (const QString &name : names.sliced(kNamesShown))
+        qCWarning(appLog).noquote() << heading << name;
+}
+
+} // namespace
+
+bool isSkippedName(const QString &path)
+{
+    const QString name = lastPathComponent(path);
+    return name == u".DS_Store" || name == u".TOC.plist";
+}
+
+bool isFolder(const QString &path)
+{
+    struct stat facts = {};
+    return ::stat(QFile::encodeName(path).constData(), &facts) == 0 && S_ISDIR(facts.st_mode);
+}
+
+void collectFiles(const QString &path, const FileTest &isValid, FileIntake &intake)
+{
+    FolderWalk(isValid, intake).visit(path);
+}
+
+std::optional<Alert> unreadableAlert(const FileIntake &intake)
+{
+    Alert alert{.title = u"Some files could not be read and were skipped"_s, .message = {}, .buttons = {u"OK"_s}};
+    appendNames(alert.message, u"File names that are not valid UTF-8:"_s, intake.unreadableNames);
+    appendNames(alert.message, u"Folders that cannot be read:"_s, intake.unreadableFolders);
+    return alert.message.isEmpty() ? std::nullopt : std::optional(alert);
+}
+
+} // namespace nurv

@@ -1,0 +1,249 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/NURVController.h"
+
+#include "app/BaseTab.h"
+#include "app/FileIntake.h"
+#include "app/PathNames.h"
+#include "app/UserPrompts.h"
+#include "engine/NURVTaskQueue.h"
+#include "platform/CoreAudioHelper.h"
+#include "platform/SettingsStore.h"
+
+#include <QDir>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+const QString kDecode = u"decode"_s;
+const QString kEncode = u"encode"_s;
+const QString kChecksum = u"checksum"_s;
+const QString kShntool = u"shntool"_s;
+const QString kFix = u"fix SBE"_s;
+const QString kUtil = u"util"_s;
+const QString kTags = u"Tags"_s;
+const QString kLossy = u"lossy"_s;
+
+QStringList words(const QString &text)
+{
+    return text.split(u' ');
+}
+
+// The util page takes any file and so has no entry.
+QHash<QString, QStringList> makeExtensionMap()
+{
+    return {
+        {kDecode, words(u"FLAC SHN WV M4A TTA APE"_s)},
+        {kEncode, words(u"WAV AIF AIFF FLAC SHN WV TTA APE"_s)},
+        {kChecksum, words(u"WAV AIFF AIF FLAC SHN MD5 FFP TXT APE WV TTA ST5"_s)},
+        {kShntool, words(u"FLAC SHN WAV AIF AIFF TTA WV APE"_s)},
+        {kFix, words(u"FLAC SHN WAV AIF AIFF WV TTA"_s)},
+        {kLossy, words(u"FLAC SHN WAV AIFF AIF WV TTA"_s)},
+        {kTags, words(u"FLAC M4A MP3 WV APE"_s)},
+    };
+}
+
+} // namespace
+
+const QString NURVController::kAboutLabel = u"about"_s;
+
+void NURVController::registerDefaults()
+{
+    SettingsStore::instance().registerDefaults({
+        {u"shntoolNamesFormat"_s, u"%number. %name %time"_s},
+        {u"maxThreads"_s, 2},
+        {u"encodeOutputFormat"_s, 2},
+        {u"encodeFlacLevel"_s, 5},
+        {u"fixOutputFormat"_s, 1},
+        {u"fixFlacLevel"_s, 4},
+        {u"shntoolCommandOption"_s, 0},
+        {u"shntoolLenOption"_s, 0},
+        {u"shntoolOutputFormat"_s, 1},
+        {u"lossySliderLevel"_s, 3},
+        {u"lossyStepperLevel"_s, 88},
+        {u"lossyComboLevel"_s, 160},
+        {u"opusFrameSizeIndex"_s, 3},
+        {u"SUScheduledCheckInterval"_s, 604800},
+        {u"trashOrDelete"_s, 0},
+        {u"ffpExtension"_s, u"ffp.txt"_s},
+        {u"flacVerifyButton"_s, 0},
+        {u"flacKeepForeignMetadataButton"_s, 0},
+        {u"flacGenerateFFPButton"_s, 0},
+        {u"warnOnDelete"_s, true},
+        {u"warnOnFilesSkipped"_s, true},
+        {u"checksumFileUsesOutputDirName"_s, false},
+        {u"encodeToSourceDirectory"_s, 0},
+        {u"decodeToSourceDirectory"_s, 0},
+        {u"encodeLossyToSourceDirectory"_s, 0},
+        {u"incomingSurroundOrder"_s, u"L R C LFE LS RS (STANDARD)"_s},
+    });
+}
+
+NURVController::NURVController(UserPrompts &prompts, DesktopServices &services)
+    : m_prompts(prompts), m_extensionMap(makeExtensionMap()), m_selectedLabel(pageLabels().first())
+{
+    registerDefaults();
+    m_taskQueue = std::make_unique<NURVTaskQueue>(services);
+}
+
+NURVController::~NURVController() = default;
+
+const QStringList &NURVController::pageLabels()
+{
+    static const QStringList labels{kDecode, kEncode, kChecksum, kShntool,   kFix,
+                                    kUtil,   kTags,   kLossy,    kAboutLabel};
+    return labels;
+}
+
+void NURVController::selectTab(const QString &label)
+{
+    if (label == kAboutLabel || tab(label))
+        show(label);
+}
+
+void NURVController::selectTab(int index)
+{
+    if (index >= 0 && index < pageLabels().size())
+        selectTab(pageLabels().at(index));
+}
+
+void NURVController::show(const QString &label)
+{
+    const bool isOther = std::exchange(m_selectedLabel, label) != label;
+    didSelectTabViewItem();
+    if (isOther)
+        Q_EMIT pageSelected(label);
+}
+
+void NURVController::didSelectTabViewItem()
+{
+    if (BaseTab *const selected = tab(m_selectedLabel))
+        selected->displayRelevantOptions();
+}
+
+bool NURVController::isValidFile(const QString &label, const QString &path) const
+{
+    const QStringList accepted = extensions(label);
+    if (accepted.isEmpty() || label == kChecksum)
+        return true;
+    const QString extension = formatWord(path);
+    if (extension.isEmpty())
+        return label != kTags;
+    if (extension == u"M4A" && (label == kLossy || label == kEncode))
+        return CoreAudioHelper::isAppleLossless(path);
+    if (accepted.contains(extension))
+        return true;
+    const bool takesPlainAudio = accepted.contains(u"WAV"_s) || accepted.contains(u"AIF"_s) || accepted.contains(u"AIFF"_s);
+    return takesPlainAudio && CoreAudioHelper::isAiffOrWav(path);
+}
+
+void NURVController::addFiles(const QStringList &paths)
+{
+    const FileTest isAny = [](const QString &) { return true; };
+    FileIntake found;
+    for (const QString &path : paths)
+        collectFiles(QDir::current().absoluteFilePath(path), isAny, found);
+    if (m_selectedLabel == kAboutLabel)
+        routeByExtension(found);
+    else
+        addToSelectedTab(std::move(found));
+}
+
+bool NURVController::passes(const QString &label, const QString &path) const
+{
+    const QStringList accepted = extensions(label);
+    if (accepted.isEmpty() || label == kChecksum)
+        return true;
+    const QString extension = formatWord(path);
+    if (label == kEncode && extension == u"M4A")
+        return CoreAudioHelper::isAppleLossless(path);
+    return accepted.contains(extension);
+}
+
+void NURVController::addToSelectedTab(FileIntake &&found)
+{
+    found.accepted.removeIf([this](const QString &path) { return !passes(m_selectedLabel, path); });
+    BaseTab *const selected = tab(m_selectedLabel);
+    if (!selected)
+        return;
+    // Found already, so the tab searches no folder a second time.
+    FileIntake intake = selected->collect(found.accepted);
+    intake.unreadableNames += found.unreadableNames;
+    intake.unreadableFolders += found.unreadableFolders;
+    selected->addCollected(intake);
+}
+
+void NURVController::routeByExtension(const FileIntake &found)
+{
+    static const QStringList compressed = words(u"FLAC SHN WV TTA M4A APE"_s);
+    QMap<QString, QStringList> filesOfPage;
+    // Of all the pages that the files select one after the other only the last
+    // stays, so only that one is shown.
+    QString lastPage;
+    for (const QString &path : found.accepted) {
+        const QString extension = formatWord(path);
+        QString page;
+        if (compressed.contains(extension))
+            page = kDecode;
+        else if (extensions(kEncode).contains(extension))
+            page = kEncode;
+        else if (extensions(kDecode).contains(extension))
+            page = kDecode;
+        else if (extensions(kChecksum).contains(extension))
+            page = kChecksum;
+
+        if (page.isEmpty()) {
+            lastPage = kEncode;
+        } else if (tab(page)) {
+            filesOfPage[page].append(path);
+            lastPage = page;
+        }
+    }
+    for (auto it = filesOfPage.cbegin(); it != filesOfPage.cend(); ++it)
+        tab(it.key())->addMatchedFiles(it.value());
+    if (!lastPage.isEmpty())
+        show(lastPage);
+    if (const std::optional<Alert> unreadable = unreadableAlert(found))
+        m_prompts.ask(*unreadable);
+}
+
+bool NURVController::applicationShouldTerminate()
+{
+    const int count = m_taskQueue->taskCount();
+    if (count == 0)
+        return true;
+    const QString message =
+        u"There are %1 tasks in the queue.  Are you sure you want to quit?"_s.arg(count);
+    return m_prompts.ask({.title = u"Tasks in Progress"_s, .message = message, .buttons = {u"No"_s, u"Yes"_s}})
+        == u"Yes";
+}
+
+bool NURVController::windowShouldClose()
+{
+    return m_prompts.ask({.title = u"Are you sure you want to quit?"_s, .message = {}, .buttons = {u"No"_s, u"Yes"_s}})
+        == u"Yes";
+}
+
+void NURVController::applicationWillTerminate()
+{
+    m_taskQueue->killAllTasks();
+    m_taskQueue->allowSleep();
+}
+
+QString NURVController::titleText()
+{
+    return u"Nurv Audio Workbench "_s + QStringLiteral(NURV_VERSION);
+}
+
+QString NURVController::buildText()
+{
+    // A release is built once, so its build is its version.
+    return u"(Build "_s + QStringLiteral(NURV_VERSION) + u')';
+}
+
+} // namespace nurv

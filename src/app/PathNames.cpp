@@ -1,0 +1,77 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/PathNames.h"
+
+#include <QStringView>
+
+namespace nurv {
+
+namespace {
+
+QStringView withoutSlashesAtEnd(QStringView path)
+{
+    while (path.endsWith(u'/'))
+        path.chop(1);
+    return path;
+}
+
+QStringView lastComponentView(QStringView path)
+{
+    path = withoutSlashesAtEnd(path);
+    return path.sliced(path.lastIndexOf(u'/') + 1);
+}
+
+// Where the point of the extension stands in the name, or -1.
+qsizetype extensionPoint(QStringView name)
+{
+    const qsizetype point = name.lastIndexOf(u'.');
+    return point > 0 && point < name.size() - 1 ? point : -1;
+}
+
+} // namespace
+
+QString lastPathComponent(const QString &path)
+{
+    return lastComponentView(path).toString();
+}
+
+QString folderOf(const QString &path)
+{
+    const QStringView whole = withoutSlashesAtEnd(path);
+    const qsizetype slash = whole.lastIndexOf(u'/');
+    if (slash < 0)
+        return path.startsWith(u'/') ? QString(u'/') : QString();
+    const QStringView folder = withoutSlashesAtEnd(whole.first(slash));
+    return folder.isEmpty() ? QString(u'/') : folder.toString();
+}
+
+QString pathExtension(const QString &path)
+{
+    const QStringView name = lastComponentView(path);
+    const qsizetype point = extensionPoint(name);
+    return point < 0 ? QString() : name.sliced(point + 1).toString();
+}
+
+QString formatWord(const QString &path)
+{
+    return pathExtension(path).toUpper();
+}
+
+QString nameWithoutExtension(const QString &path)
+{
+    const QStringView name = lastComponentView(path);
+    const qsizetype point = extensionPoint(name);
+    return (point < 0 ? name : name.first(point)).toString();
+}
+
+QString joinPath(const QString &folder, const QString &name)
+{
+    return folder.isEmpty() || folder.endsWith(u'/') ? folder + name : folder + u'/' + name;
+}
+
+QString outputPath(const QString &folder, const QString &source, const QString &extension)
+{
+    return joinPath(folder, nameWithoutExtension(source) + u'.' + extension);
+}
+
+} // namespace nurv
