@@ -289,7 +289,6 @@ void SettingsStore::load()
 {
     m_values.clear();
     const std::optional<QString> defect = defectOf(m_filePath);
-    m_fileIsCorrupt = defect.has_value();
     if (defect) {
         qCWarning(platformLog).noquote()
             << m_filePath + u" cannot be used, "_s + *defect + u"; the defaults are used"_s;
@@ -306,13 +305,24 @@ bool SettingsStore::writePending()
 {
     if (m_pending.isEmpty())
         return true;
+    const std::optional<QString> failure = tryToWritePending();
+    if (failure && !m_writeFailureReported)
+        qCWarning(platformLog).noquote() << m_filePath + u" cannot be written: "_s + *failure;
+    m_writeFailureReported = failure.has_value();
+    if (!failure)
+        m_pending.clear();
+    return !failure;
+}
+
+std::optional<QString> SettingsStore::tryToWritePending()
+{
+    errno = 0;
     if (!QDir().mkpath(QFileInfo(m_filePath).path())
-        || (defectOf(m_filePath) && !keepCorruptFile())) {
-        qCWarning(platformLog).noquote() << m_filePath + u" cannot be written: "_s + systemErrorText(errno);
-        return false;
-    }
+        || (defectOf(m_filePath) && !keepCorruptFile()))
+        return systemErrorText(errno);
     // The file exists, empty and private, before any value is in it.
-    QFile(m_filePath).open(QIODevice::NewOnly, QFile::ReadOwner | QFile::WriteOwner);
+    (void)QFile(m_filePath).open(QIODevice::WriteOnly | QIODevice::NewOnly,
+                                 QFile::ReadOwner | QFile::WriteOwner);
     QSettings file(m_filePath, QSettings::IniFormat);
     for (const QString &key : std::as_const(m_pending)) {
         if (const auto value = m_values.constFind(key); value != m_values.cend())
@@ -321,13 +331,11 @@ bool SettingsStore::writePending()
             file.remove(key);
     }
     file.sync();
-    if (file.status() != QSettings::NoError) {
-        qCWarning(platformLog).noquote() << m_filePath + u" cannot be written"_s;
-        return false;
-    }
-    ::chmod(QFile::encodeName(m_filePath).constData(), 0600);
-    m_pending.clear();
-    return true;
+    if (file.status() != QSettings::NoError)
+        return u"the disk is full or the folder is read-only"_s;
+    if (::chmod(QFile::encodeName(m_filePath).constData(), 0600) != 0)
+        return systemErrorText(errno);
+    return std::nullopt;
 }
 
 bool SettingsStore::keepCorruptFile()
@@ -339,7 +347,6 @@ bool SettingsStore::keepCorruptFile()
         if (::renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0) {
             qCWarning(platformLog).noquote()
                 << m_filePath + u" is kept as "_s + QFile::decodeName(to);
-            m_fileIsCorrupt = false;
             return true;
         }
         if (errno != EEXIST)

@@ -90,6 +90,7 @@ private:
                                           std::optional<QVariant> (*convert)(const QVariant &)) const;
     void scheduleSync();
     bool writePending();
+    [[nodiscard]] std::optional<QString> tryToWritePending();
     bool keepCorruptFile();
 
     const QString m_filePath;
@@ -99,7 +100,7 @@ private:
     QSet<QString> m_pending; ///< keys whose state in the file is behind
     mutable QSet<QString> m_reported; ///< ill-typed keys that the log has
     Persistence m_persistence = Persistence::File;
-    bool m_fileIsCorrupt = false;
+    bool m_writeFailureReported = false;
     bool m_syncScheduled = false;
 };
 

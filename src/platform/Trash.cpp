@@ -48,7 +48,10 @@ bool makePrivateFolder(const QString &path)
     if (::mkdir(QFile::encodeName(path).constData(), 0700) != 0 && errno != EEXIST)
         return false;
     const auto facts = factsOf(path);
-    return facts && S_ISDIR(facts->st_mode) && facts->st_uid == ::getuid();
+    if (facts && S_ISDIR(facts->st_mode) && facts->st_uid == ::getuid())
+        return true;
+    errno = ENOTDIR;
+    return false;
 }
 
 bool prepare(const TrashFolder &trash)
@@ -57,20 +60,29 @@ bool prepare(const TrashFolder &trash)
         && makePrivateFolder(trash.path + u"/info"_s);
 }
 
-std::optional<TrashFolder> homeTrash(dev_t device)
+QString userDataFolder()
 {
-    const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-    if (data.isEmpty() || !QDir::isAbsolutePath(data))
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+}
+
+// The file system that the home trash is on, or would be.
+std::optional<dev_t> deviceOfHomeTrash()
+{
+    QString existing = userDataFolder();
+    if (!QDir::isAbsolutePath(existing))
         return std::nullopt;
-    // The nearest existing folder tells the file system before anything is made.
-    QString existing = data;
     while (!QFileInfo::exists(existing) && existing != u"/"_s)
         existing = QFileInfo(existing).path();
     const auto facts = factsOf(QFileInfo(existing).canonicalFilePath());
-    if (!facts || facts->st_dev != device || !QDir().mkpath(data))
+    return facts ? std::optional(facts->st_dev) : std::nullopt;
+}
+
+std::optional<TrashFolder> homeTrash()
+{
+    const TrashFolder trash{userDataFolder() + u"/Trash"_s, {}};
+    if (!QDir().mkpath(userDataFolder()) || !prepare(trash))
         return std::nullopt;
-    const TrashFolder trash{data + u"/Trash"_s, {}};
-    return prepare(trash) ? std::optional(trash) : std::nullopt;
+    return trash;
 }
 
 QString topOfFileSystem(QString folder, dev_t device)
@@ -179,10 +191,10 @@ bool moveToTrash(const QString &path)
     if (facts && !folder.isEmpty() && !name.isEmpty() && name != u"."_s && name != u".."_s) {
         const QString absolute = folder == u"/"_s ? folder + name : folder + u'/' + name;
         if (factsOf(absolute)) {
-            if (const auto trash = homeTrash(facts->st_dev))
-                moved = moveInto(*trash, absolute);
-            else if (const auto other = topTrash(folder, facts->st_dev))
-                moved = moveInto(*other, absolute);
+            const auto trash = deviceOfHomeTrash() == facts->st_dev
+                ? homeTrash()
+                : topTrash(folder, facts->st_dev);
+            moved = trash && moveInto(*trash, absolute);
         }
     }
     if (!moved)

@@ -1,0 +1,312 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/SettingsStore.h"
+
+#include "support/TestFolder.h"
+#include "support/WaitUntil.h"
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QFileInfo>
+#include <QSettings>
+
+#include <sys/stat.h>
+#include <thread>
+
+using namespace Qt::StringLiterals;
+using nurv::SettingsStore;
+using nurv::test::TestFolder;
+
+namespace {
+
+const QVariantMap kDefaults{{u"maxThreads"_s, 2},
+                            {u"warnOnDelete"_s, true},
+                            {u"shntoolNamesFormat"_s, u"%number. %name %time"_s}};
+
+// The log lines written while it lives.
+class LogLines {
+public:
+    LogLines()
+    {
+        s_lines.clear();
+        m_former = qInstallMessageHandler([](QtMsgType, const QMessageLogContext &context, const QString &text) {
+            if (qstrcmp(context.category, "nurv.platform") == 0)
+                s_lines.append(text);
+        });
+    }
+    ~LogLines() { qInstallMessageHandler(m_former); }
+    LogLines(const LogLines &) = delete;
+    LogLines &operator=(const LogLines &) = delete;
+    [[nodiscard]] static const QStringList &lines() { return s_lines; }
+
+private:
+    static inline QStringList s_lines;
+    QtMessageHandler m_former;
+};
+
+class SettingsStoreFile : public ::testing::Test {
+protected:
+    [[nodiscard]] QString path() const { return m_folder.path(u"nurv/workbench.ini"_s); }
+    QString write(const QByteArray &bytes) const { return m_folder.write(u"nurv/workbench.ini"_s, bytes); }
+    [[nodiscard]] QByteArray contents() const { return m_folder.read(u"nurv/workbench.ini"_s); }
+    [[nodiscard]] mode_t mode() const
+    {
+        struct stat facts = {};
+        EXPECT_EQ(::stat(QFile::encodeName(path()).constData(), &facts), 0);
+        return facts.st_mode & 07777;
+    }
+
+    TestFolder m_folder;
+};
+
+} // namespace
+
+TEST_F(SettingsStoreFile, GivesTheDefaultsUntilAValueIsStored)
+{
+    SettingsStore store(path());
+    EXPECT_EQ(store.integer(u"maxThreads"_s), 0);
+    store.registerDefaults(kDefaults);
+    EXPECT_EQ(store.integer(u"maxThreads"_s), 2);
+    EXPECT_TRUE(store.boolean(u"warnOnDelete"_s));
+    EXPECT_EQ(store.string(u"shntoolNamesFormat"_s), u"%number. %name %time"_s);
+    EXPECT_EQ(store.bytes(u"windowGeometry"_s), QByteArray());
+    store.setValue(u"maxThreads"_s, 5);
+    EXPECT_EQ(store.integer(u"maxThreads"_s), 5);
+    store.remove(u"maxThreads"_s);
+    EXPECT_EQ(store.integer(u"maxThreads"_s), 2);
+}
+
+TEST_F(SettingsStoreFile, BringsEveryKindOfValueBackFromTheFile)
+{
+    const QByteArray geometry("\x00\x01\xFF\xFE geometry \n", 15);
+    const QString awkward = u" @a, \"b\"; \\c\n%d \u00E9\U0001D11E"_s;
+    {
+        SettingsStore store(path());
+        store.setValue(u"maxThreads"_s, -7);
+        store.setValue(u"warnOnDelete"_s, false);
+        store.setValue(u"shntoolNamesFormat"_s, awkward);
+        store.setValue(u"windowGeometry"_s, geometry);
+        store.setValue(u"plainBytes"_s, QByteArray("plain"));
+        store.setValue(u"empty"_s, u""_s);
+    }
+    SettingsStore store(path());
+    store.registerDefaults(kDefaults);
+    store.registerDefaults({{u"empty"_s, u"default"_s}});
+    EXPECT_EQ(store.integer(u"maxThreads"_s), -7);
+    EXPECT_FALSE(store.boolean(u"warnOnDelete"_s));
+    EXPECT_EQ(store.string(u"shntoolNamesFormat"_s), awkward);
+    EXPECT_EQ(store.bytes(u"windowGeometry"_s), geometry);
+    EXPECT_EQ(store.bytes(u"plainBytes"_s), QByteArray("plain"));
+    EXPECT_EQ(store.string(u"empty"_s), QString());
+}
+
+TEST_F(SettingsStoreFile, IsReadableByItsOwnerOnlyFromTheFirstMomentOn)
+{
+    SettingsStore store(path());
+    store.setValue(u"maxThreads"_s, 3);
+    ASSERT_TRUE(store.sync());
+    EXPECT_EQ(mode(), 0600U);
+    ASSERT_EQ(::chmod(QFile::encodeName(path()).constData(), 0644), 0);
+    store.setValue(u"maxThreads"_s, 4);
+    ASSERT_TRUE(store.sync());
+    EXPECT_EQ(mode(), 0600U);
+}
+
+TEST_F(SettingsStoreFile, IsReplacedAsAWhole)
+{
+    write("[General]\nmaxThreads=3\n");
+    QFile reader(path());
+    ASSERT_TRUE(reader.open(QIODevice::ReadOnly));
+    SettingsStore store(path());
+    store.setValue(u"maxThreads"_s, 4);
+    ASSERT_TRUE(store.sync());
+    // Who had the old file open still reads the old one, whole.
+    EXPECT_EQ(reader.readAll(), QByteArray("[General]\nmaxThreads=3\n"));
+    EXPECT_EQ(contents(), QByteArray("[General]\nmaxThreads=4\n"));
+    EXPECT_EQ(m_folder.list().filter(u"workbench"_s).size(), 1) << m_folder.list().join(u' ').toStdString();
+}
+
+TEST_F(SettingsStoreFile, IsWrittenSoonAfterAValueIsStored)
+{
+    SettingsStore store(path());
+    for (int level = 0; level < 100; ++level)
+        store.setValue(u"lossySliderLevel"_s, level);
+    EXPECT_FALSE(QFileInfo::exists(path()));
+    EXPECT_TRUE(nurv::test::waitUntil([&] { return QFileInfo::exists(path()) && contents().contains("lossySliderLevel=99"); }));
+}
+
+TEST_F(SettingsStoreFile, KeepsWhatAnotherProcessStoredMeanwhile)
+{
+    write("[General]\nmaxThreads=3\n");
+    SettingsStore store(path());
+    write("[General]\nmaxThreads=9\nffpExtension=other.txt\n");
+    store.setValue(u"encodeFlacLevel"_s, 8);
+    ASSERT_TRUE(store.sync());
+    SettingsStore reopened(path());
+    EXPECT_EQ(reopened.integer(u"maxThreads"_s), 9);
+    EXPECT_EQ(reopened.string(u"ffpExtension"_s), u"other.txt"_s);
+    EXPECT_EQ(reopened.integer(u"encodeFlacLevel"_s), 8);
+}
+
+TEST_F(SettingsStoreFile, IsNotTouchedWhenValuesStayInMemory)
+{
+    write("[General]\nmaxThreads=3\n");
+    SettingsStore store(path());
+    store.setValue(u"fixFlacLevel"_s, 6);
+    store.setPersistence(SettingsStore::Persistence::MemoryOnly);
+    const QByteArray before = contents();
+    EXPECT_TRUE(before.contains("fixFlacLevel=6"));
+    store.setValue(u"maxThreads"_s, 16);
+    store.remove(u"fixFlacLevel"_s);
+    EXPECT_TRUE(store.sync());
+    EXPECT_EQ(store.integer(u"maxThreads"_s), 16);
+    EXPECT_EQ(store.integer(u"fixFlacLevel"_s), 0);
+    EXPECT_EQ(contents(), before);
+    store.setPersistence(SettingsStore::Persistence::File);
+    store.setValue(u"trashOrDelete"_s, 1);
+    EXPECT_TRUE(store.sync());
+    EXPECT_EQ(SettingsStore(path()).integer(u"maxThreads"_s), 3);
+    store.reload();
+    EXPECT_EQ(store.integer(u"maxThreads"_s), 3);
+}
+
+TEST_F(SettingsStoreFile, ReadsIntegersAsFarAsTheirDigitsGo)
+{
+    write("[General]\na=5 jobs\nb=7.9\nc=-3\nd=99999999999\ne=true\nf=\"12\"\n");
+    const SettingsStore store(path());
+    EXPECT_EQ(store.integer(u"a"_s), 5);
+    EXPECT_EQ(store.integer(u"b"_s), 7);
+    EXPECT_EQ(store.integer(u"c"_s), -3);
+    EXPECT_EQ(store.integer(u"d"_s), 2147483647);
+    EXPECT_EQ(store.integer(u"e"_s), 1);
+    EXPECT_EQ(store.integer(u"f"_s), 12);
+}
+
+TEST_F(SettingsStoreFile, ReadsTheUsualWordsForYesAndNo)
+{
+    write("[General]\na=yes\nb=No\nc=1\nd=0\ne=ON\nf=false\ng=YES\n");
+    const SettingsStore store(path());
+    for (const QString &key : {u"a"_s, u"c"_s, u"e"_s, u"g"_s})
+        EXPECT_TRUE(store.boolean(key)) << key.toStdString();
+    for (const QString &key : {u"b"_s, u"d"_s, u"f"_s})
+        EXPECT_FALSE(store.boolean(key)) << key.toStdString();
+}
+
+TEST_F(SettingsStoreFile, ReadsATextWithACommaAsOneText)
+{
+    write("[General]\nincomingSurroundOrder=L, R, C\n");
+    EXPECT_EQ(SettingsStore(path()).string(u"incomingSurroundOrder"_s), u"L, R, C"_s);
+}
+
+TEST_F(SettingsStoreFile, GivesTheDefaultAndOneLogLineForAValueOfAnotherKind)
+{
+    write("[General]\nmaxThreads=many\nwarnOnDelete=perhaps\nshntoolNamesFormat=@ByteArray(x\\xff)\n");
+    const LogLines log;
+    SettingsStore store(path());
+    store.registerDefaults(kDefaults);
+    for (int round = 0; round < 3; ++round) {
+        EXPECT_EQ(store.integer(u"maxThreads"_s), 2);
+        EXPECT_TRUE(store.boolean(u"warnOnDelete"_s));
+        EXPECT_EQ(store.string(u"shntoolNamesFormat"_s), u"%number. %name %time"_s);
+    }
+    EXPECT_EQ(LogLines::lines().size(), 3) << LogLines::lines().join(u'\n').toStdString();
+}
+
+TEST_F(SettingsStoreFile, IsKeptBesideWhenItIsCorruptAndReplaced)
+{
+    const std::vector<QByteArray> corrupt{QByteArray("\x7F" "ELF\0\0\1", 7), "<?xml version=\"1.0\"?>\n<plist/>\nno value\n",
+                                          "[General]\nmaxThreads=3\nhalf a li", "maxThreads=\xFF\xFE\n"};
+    for (const QByteArray &bytes : corrupt) {
+        const TestFolder folder;
+        const QString file = folder.write(u"s.ini"_s, bytes);
+        const LogLines log;
+        SettingsStore store(file);
+        store.registerDefaults(kDefaults);
+        EXPECT_EQ(store.integer(u"maxThreads"_s), 2);
+        EXPECT_EQ(LogLines::lines().size(), 1) << bytes.toStdString();
+        EXPECT_EQ(folder.read(u"s.ini"_s), bytes);
+        store.setValue(u"maxThreads"_s, 8);
+        ASSERT_TRUE(store.sync());
+        EXPECT_EQ(folder.read(u"s.ini.corrupt"_s), bytes);
+        EXPECT_EQ(folder.read(u"s.ini"_s), QByteArray("[General]\nmaxThreads=8\n"));
+
+        // A second accident does not cost what was kept after the first.
+        folder.write(u"s.ini"_s, "second accident");
+        store.setValue(u"maxThreads"_s, 9);
+        ASSERT_TRUE(store.sync());
+        EXPECT_EQ(folder.read(u"s.ini.corrupt"_s), bytes);
+        EXPECT_EQ(folder.read(u"s.ini.corrupt.2"_s), QByteArray("second accident"));
+        EXPECT_EQ(SettingsStore(file).integer(u"maxThreads"_s), 9);
+    }
+}
+
+TEST_F(SettingsStoreFile, GivesTheDefaultsWhenItIsAFolder)
+{
+    m_folder.makeFolder(u"nurv/workbench.ini"_s);
+    SettingsStore store(path());
+    store.registerDefaults(kDefaults);
+    EXPECT_EQ(store.integer(u"maxThreads"_s), 2);
+}
+
+TEST_F(SettingsStoreFile, StaysInMemoryAndSaysSoWhenItCannotBeWritten)
+{
+    const QString blocked = m_folder.write(u"file"_s, "x") + u"/workbench.ini"_s;
+    SettingsStore store(blocked);
+    store.setValue(u"maxThreads"_s, 4);
+    const LogLines log;
+    EXPECT_FALSE(store.sync());
+    EXPECT_FALSE(store.sync());
+    EXPECT_EQ(LogLines::lines().size(), 1);
+    EXPECT_EQ(store.integer(u"maxThreads"_s), 4);
+    m_folder.remove(u"file"_s);
+    EXPECT_TRUE(store.sync());
+    EXPECT_EQ(SettingsStore(blocked).integer(u"maxThreads"_s), 4);
+}
+
+TEST_F(SettingsStoreFile, AnnouncesValuesThatChangeAndNoOthers)
+{
+    SettingsStore store(path());
+    store.registerDefaults(kDefaults);
+    QStringList keys;
+    QObject::connect(&store, &SettingsStore::changed, &store, [&](const QString &key) { keys.append(key); });
+    store.setValue(u"maxThreads"_s, 2);
+    EXPECT_EQ(keys, QStringList());
+    store.setValue(u"maxThreads"_s, 3);
+    store.setValue(u"maxThreads"_s, 3);
+    store.setValue(u"warnOnDelete"_s, false);
+    store.setValue(u"new"_s, u""_s);
+    store.remove(u"maxThreads"_s);
+    EXPECT_EQ(keys, (QStringList{u"maxThreads"_s, u"warnOnDelete"_s, u"new"_s, u"maxThreads"_s}));
+}
+
+TEST_F(SettingsStoreFile, ServesSeveralThreadsAtOnce)
+{
+    SettingsStore store(path());
+    std::vector<std::thread> threads;
+    for (int number = 0; number < 4; ++number)
+        threads.emplace_back([&store, number] {
+            const QString key = u"key%1"_s.arg(number);
+            for (int value = 1; value <= 200; ++value) {
+                store.setValue(key, value);
+                EXPECT_EQ(store.integer(key), value);
+            }
+        });
+    for (std::thread &thread : threads)
+        thread.join();
+    EXPECT_TRUE(store.sync());
+    const SettingsStore reopened(path());
+    for (int number = 0; number < 4; ++number)
+        EXPECT_EQ(reopened.integer(u"key%1"_s.arg(number)), 200);
+}
+
+TEST(SettingsStore, UsesTheFileThatTheEnvironmentNames)
+{
+    const QByteArray former = qgetenv("NURV_SETTINGS");
+    qputenv("NURV_SETTINGS", "/somewhere/else.ini");
+    EXPECT_EQ(SettingsStore::defaultFilePath(), u"/somewhere/else.ini"_s);
+    qunsetenv("NURV_SETTINGS");
+    EXPECT_EQ(SettingsStore::defaultFilePath(), qEnvironmentVariable("XDG_CONFIG_HOME") + u"/nurv/workbench.ini"_s);
+    qputenv("NURV_SETTINGS", former);
+    EXPECT_EQ(SettingsStore::instance().filePath(), SettingsStore::defaultFilePath());
+}

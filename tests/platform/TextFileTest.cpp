@@ -1,0 +1,250 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/TextFile.h"
+
+#include "support/TestFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+
+#include <csignal>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using namespace nurv;
+using nurv::test::TestFolder;
+
+namespace {
+
+mode_t modeOf(const QString &path)
+{
+    struct stat facts = {};
+    EXPECT_EQ(::stat(QFile::encodeName(path).constData(), &facts), 0);
+    return facts.st_mode & 07777;
+}
+
+// Runs `work` in a child of this process and returns its exit status.
+int inChild(const std::function<int()> &work)
+{
+    const pid_t child = ::fork();
+    if (child == 0)
+        ::_exit(work());
+    int status = 0;
+    EXPECT_EQ(::waitpid(child, &status, 0), child);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+} // namespace
+
+TEST(TextFile, ReadsUtf8WithAndWithoutAMark)
+{
+    const TestFolder folder;
+    const QString text = u"Caf\u00E9 \u65E5\u672C \U0001D11E\r\nline\n"_s;
+    EXPECT_EQ(readTextFile(folder.write(u"plain"_s, text.toUtf8())), text);
+    EXPECT_EQ(readTextFile(folder.write(u"marked"_s, "\xEF\xBB\xBF" + text.toUtf8())), text);
+    EXPECT_EQ(readTextFile(folder.write(u"empty"_s, "")), QString());
+    EXPECT_EQ(readTextFile(folder.write(u"mark"_s, "\xEF\xBB\xBF")), QString());
+}
+
+TEST(TextFile, ReadsUtf16AndUtf32ByTheirMarks)
+{
+    // "é日\n", written out by hand.
+    EXPECT_EQ(decodeText(QByteArray("\xFF\xFE\xE9\x00\xE5\x65\n\x00", 8)), u"\u00E9\u65E5\n"_s);
+    EXPECT_EQ(decodeText(QByteArray("\xFE\xFF\x00\xE9\x65\xE5\x00\n", 8)), u"\u00E9\u65E5\n"_s);
+    EXPECT_EQ(decodeText(QByteArray("\xFF\xFE\x00\x00\xE9\x00\x00\x00", 8)), u"\u00E9"_s);
+    EXPECT_EQ(decodeText(QByteArray("\x00\x00\xFE\xFF\x00\x00\x00\xE9", 8)), u"\u00E9"_s);
+}
+
+TEST(TextFile, ReadsUtf16WithoutAMark)
+{
+    const QByteArray little("T\0i\0t\0l\0e\0 \0\xE9\0\n\0", 16);
+    EXPECT_EQ(decodeText(little), u"Title \u00E9\n"_s);
+    QByteArray big;
+    for (qsizetype at = 0; at < little.size(); at += 2)
+        big.append(little.at(at + 1)).append(little.at(at));
+    EXPECT_EQ(decodeText(big), u"Title \u00E9\n"_s);
+}
+
+TEST(TextFile, ReadsShortWesternTextsInTheirOldEncoding)
+{
+    // The bytes are those of Windows-1252: é, ö, ñ, curly quotes, dash, euro.
+    EXPECT_EQ(decodeText("Caf\xE9"), u"Caf\u00E9"_s);
+    EXPECT_EQ(decodeText("Bj\xF6rk\n"), u"Bj\u00F6rk\n"_s);
+    EXPECT_EQ(decodeText("01. Ma\xF1" "ana 3:45\n02. Don\x92t \x96 \x93Stop\x94\n"),
+              u"01. Ma\u00F1ana 3:45\n02. Don\u2019t \u2013 \u201CStop\u201D\n"_s);
+    EXPECT_EQ(decodeText("\x80 5"), u"\u20AC 5"_s);
+}
+
+TEST(TextFile, DetectsOtherEncodingsOfLongerTexts)
+{
+    // "東京の夜は静かです。雨が降っています。" in Shift JIS, by iconv.
+    const QByteArray shiftJis = QByteArray::fromHex("938c8b9e82cc96e982cd90c382a982c582b7814289"
+                                                    "4a82aa8d7e82c182c482a282dc82b78142");
+    EXPECT_EQ(decodeText(shiftJis), u"東京の夜は静かです。雨が降っています。"_s);
+    // "Ночь, улица, фонарь, аптека, бессмысленный и тусклый свет." in KOI8-R, by iconv.
+    const QByteArray koi8 = QByteArray::fromHex("eecfded82c20d5ccc9c3c12c20c6cfcec1d2d82c20c1d0d4c5cbc12c20c2"
+                                                "c5d3d3cdd9d3ccc5ceced9ca20c920d4d5d3cbccd9ca20d3d7c5d42e");
+    EXPECT_EQ(decodeText(koi8), u"Ночь, улица, фонарь, аптека, бессмысленный и тусклый свет."_s);
+}
+
+TEST(TextFile, DoesNotTrustTheDetectorOnAFewLetters)
+{
+    EXPECT_EQ(decodeText("F\xFCr Elise\nDie sch\xF6ne M\xFCllerin\n"), u"F\u00FCr Elise\nDie sch\u00F6ne M\u00FCllerin\n"_s);
+    EXPECT_EQ(decodeText("\xC1g\xE6tis byrjun\nN\xFD batter\xED\nHjarta\xF0 hamast\n"),
+              u"\u00C1g\u00E6tis byrjun\nN\u00FD batter\u00ED\nHjarta\u00F0 hamast\n"_s);
+}
+
+TEST(TextFile, GivesATextForAnyBytes)
+{
+    QByteArray bytes;
+    for (int value = 0; value < 256; ++value)
+        bytes.append(static_cast<char>(value));
+    EXPECT_EQ(decodeText(bytes).size(), 256);
+    EXPECT_EQ(decodeText(QByteArray("\xFF", 1)).size(), 1);
+}
+
+TEST(TextFile, ReadsNoFolderNoPipeAndNothingThatIsMissing)
+{
+    const TestFolder folder;
+    QString reason;
+    EXPECT_FALSE(readTextFile(folder.path(u"missing"_s), &reason));
+    EXPECT_EQ(reason, u"No such file or directory"_s);
+    EXPECT_FALSE(readTextFile(folder.path(), &reason));
+    EXPECT_EQ(reason, u"Is a directory"_s);
+    const QString pipe = folder.path(u"pipe"_s);
+    ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    EXPECT_FALSE(readTextFile(pipe, &reason));
+    EXPECT_FALSE(readTextFile(u"/dev/zero"_s, &reason));
+    const QString huge = folder.write(u"huge"_s, "");
+    ASSERT_TRUE(QFile::resize(huge, 65LL * 1024 * 1024));
+    EXPECT_FALSE(readTextFile(huge, &reason));
+    EXPECT_EQ(reason, u"File too large"_s);
+}
+
+TEST(TextFile, WritesUtf8WithLineFeedsAndTheUmask)
+{
+    const TestFolder folder;
+    const QString path = folder.path(u"list.md5"_s);
+    EXPECT_EQ(inChild([&] {
+                  ::umask(027);
+                  return writeTextFileAtomically(path, u"Caf\u00E9\n"_s) ? 0 : 1;
+              }),
+              0);
+    EXPECT_EQ(folder.read(u"list.md5"_s), QByteArray("Caf\xC3\xA9\n"));
+    EXPECT_EQ(modeOf(path), 0640U);
+    EXPECT_EQ(folder.list(), QStringList{u"list.md5"_s});
+}
+
+TEST(TextFile, KeepsThePermissionsOfTheFileItReplaces)
+{
+    const TestFolder folder;
+    const QString path = folder.write(u"list.txt"_s, "old");
+    ASSERT_EQ(::chmod(QFile::encodeName(path).constData(), 0664), 0);
+    QFile reader(path);
+    ASSERT_TRUE(reader.open(QIODevice::ReadOnly));
+    ASSERT_TRUE(writeTextFileAtomically(path, u"new"_s));
+    EXPECT_EQ(modeOf(path), 0664U);
+    EXPECT_EQ(folder.read(u"list.txt"_s), QByteArray("new"));
+    EXPECT_EQ(reader.readAll(), QByteArray("old"));
+}
+
+TEST(TextFile, FollowsALinkToWhereItLeads)
+{
+    const TestFolder folder;
+    const QString real = folder.write(u"real/list.txt"_s, "old");
+    const QString link = folder.makeLink(u"link"_s, real);
+    ASSERT_TRUE(writeTextFileAtomically(link, u"new"_s));
+    EXPECT_TRUE(QFile::symLinkTarget(link) == real);
+    EXPECT_EQ(folder.read(u"real/list.txt"_s), QByteArray("new"));
+    const QString dangling = folder.makeLink(u"dangling"_s, folder.path(u"real/made.txt"_s));
+    ASSERT_TRUE(writeTextFileAtomically(dangling, u"made"_s));
+    EXPECT_EQ(folder.read(u"real/made.txt"_s), QByteArray("made"));
+}
+
+TEST(TextFile, WritesANameOfTheGreatestLength)
+{
+    const TestFolder folder;
+    const QString name(255, u'n');
+    QString reason;
+    EXPECT_TRUE(writeTextFileAtomically(folder.path(name), u"x"_s, &reason)) << reason.toStdString();
+    EXPECT_EQ(folder.list(), QStringList{name});
+}
+
+TEST(TextFile, WritesThroughAPipe)
+{
+    const TestFolder folder;
+    const QString pipe = folder.path(u"pipe"_s);
+    ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    QByteArray received;
+    std::thread reader([&] {
+        QFile file(pipe);
+        if (file.open(QIODevice::ReadOnly))
+            received = file.readAll();
+    });
+    EXPECT_TRUE(writeTextFileAtomically(pipe, u"through"_s));
+    reader.join();
+    EXPECT_EQ(received, QByteArray("through"));
+    struct stat facts = {};
+    ASSERT_EQ(::stat(QFile::encodeName(pipe).constData(), &facts), 0);
+    EXPECT_TRUE(S_ISFIFO(facts.st_mode));
+}
+
+TEST(TextFile, LeavesTheOldFileAndNothingElseWhenTheDiskIsFull)
+{
+    const TestFolder folder;
+    const QString path = folder.write(u"list.txt"_s, "the only copy");
+    const QString reasonPath = folder.path(u"reason"_s);
+    // A limit on the size of files stands for the full disk.
+    EXPECT_EQ(inChild([&] {
+                  std::signal(SIGXFSZ, SIG_IGN);
+                  const rlimit limit{4096, 4096};
+                  ::setrlimit(RLIMIT_FSIZE, &limit);
+                  QString reason;
+                  const bool written = writeFileAtomically(path, QByteArray(100000, 'x'), &reason);
+                  QFile out(reasonPath);
+                  if (!out.open(QIODevice::WriteOnly) || out.write(reason.toUtf8()) < 0)
+                      return 2;
+                  out.close();
+                  return written ? 1 : 0;
+              }),
+              0);
+    EXPECT_EQ(folder.read(u"reason"_s), QByteArray("File too large"));
+    EXPECT_EQ(folder.read(u"list.txt"_s), QByteArray("the only copy"));
+    EXPECT_EQ(folder.list(), (QStringList{u"list.txt"_s, u"reason"_s}));
+}
+
+TEST(TextFile, LeavesTheOldFileWhenTheFolderCannotBeWritten)
+{
+    const TestFolder folder;
+    const QString path = folder.write(u"locked/list.txt"_s, "old");
+    const QByteArray locked = QFile::encodeName(folder.path(u"locked"_s));
+    ASSERT_EQ(::chmod(locked.constData(), 0555), 0);
+    ASSERT_EQ(::chmod(QFile::encodeName(folder.path()).constData(), 0755), 0);
+    EXPECT_EQ(inChild([&] {
+                  // Permissions do not stop root: be nobody.
+                  if (::getuid() == 0 && ::setuid(65534) != 0)
+                      return 2;
+                  QString reason;
+                  return !writeTextFileAtomically(path, u"new"_s, &reason) && reason == u"Permission denied" ? 0 : 1;
+              }),
+              0);
+    ASSERT_EQ(::chmod(locked.constData(), 0755), 0);
+    EXPECT_EQ(folder.read(u"locked/list.txt"_s), QByteArray("old"));
+    EXPECT_EQ(folder.list(), QStringList{u"locked/list.txt"_s});
+}
+
+TEST(TextFile, WritesNoFolderAndNotWhereNoneIs)
+{
+    const TestFolder folder;
+    QString reason;
+    EXPECT_FALSE(writeTextFileAtomically(folder.path(), u"x"_s, &reason));
+    EXPECT_EQ(reason, u"Is a directory"_s);
+    EXPECT_FALSE(writeTextFileAtomically(folder.path(u"no/list.txt"_s), u"x"_s, &reason));
+    EXPECT_EQ(reason, u"No such file or directory"_s);
+    EXPECT_EQ(folder.list(), QStringList());
+}
