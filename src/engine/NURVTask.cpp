@@ -15,7 +15,7 @@ namespace nurv {
 
 NURVTask::NURVTask(NURVTaskQueue *queue)
     : m_queue(queue), m_results(std::make_shared<NURVTaskResults>()),
-      m_textField{.font = {.pointSize = 12, .bold = true}},
+      m_textField{.text = {}, .font = {.pointSize = 12, .bold = true}},
       m_topTextField{.text = u"Waiting..."_s, .font = {.pointSize = 9, .bold = false}}
 {
     m_cancelButton.toolTip = u"Cancel"_s;

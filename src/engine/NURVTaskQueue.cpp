@@ -17,13 +17,24 @@ using namespace Qt::StringLiterals;
 
 namespace nurv {
 
+namespace {
+
+/// A limit below one, from a settings file that somebody wrote by hand, would
+/// leave every job waiting for ever.
+int usableLimit(int limit)
+{
+    return std::max(limit, 1);
+}
+
+} // namespace
+
 NURVTaskQueue::NURVTaskQueue(DesktopServices &services, QObject *parent)
     : QObject(parent), m_services(services),
-      m_maxThreads(SettingsStore::instance().integer(u"maxThreads"_s))
+      m_maxThreads(usableLimit(SettingsStore::instance().integer(u"maxThreads"_s)))
 {
     NotificationCenter::instance().subscribe(
-        kMaxThreadsChangedNotification, this,
-        [this](const QVariant &limit, const QVariantMap &) { m_maxThreads = limit.toInt(); });
+        QString::fromUtf16(NURVMaxThreadsChangedNotification), this,
+        [this](const QVariant &limit, const QVariantMap &) { m_maxThreads = usableLimit(limit.toInt()); });
 }
 
 NURVTaskQueue::~NURVTaskQueue() = default;
@@ -126,7 +137,9 @@ void NURVTaskQueue::sweep()
         return;
     Q_EMIT panelCloseRequested();
     countChanged();
-    if (!m_services.deliverNotification(u"Nurv task(s) completed"_s, QString()))
+    if (m_services.hasNotificationService())
+        m_services.deliverNotification(u"Nurv task(s) completed"_s, QString());
+    else
         m_services.requestAttention();
 }
 

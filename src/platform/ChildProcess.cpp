@@ -21,10 +21,7 @@
 #include <signal.h>
 #include <spawn.h>
 #include <string.h>
-// The header of glibc 2.36 does not declare its functions as C.
-extern "C" {
-#include <sys/pidfd.h>
-}
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -75,6 +72,13 @@ void closeFd(int &fd)
 {
     if (fd >= 0)
         ::close(std::exchange(fd, -1));
+}
+
+/// Closed on exec, as the kernel makes them (pidfd_open(2)). The C library's own
+/// declaration of the call has C++ linkage in some versions.
+int openPidFd(pid_t pid)
+{
+    return static_cast<int>(::syscall(SYS_pidfd_open, pid, 0));
 }
 
 /// Moves a descriptor above the three standard ones, which a parent with closed
@@ -172,7 +176,7 @@ int spawn(const ChildCommand &command, SpawnedChild &child)
     }
     closeFd(writeFd);
     if (error == 0) {
-        child.pidFd = ::pidfd_open(child.pid, 0);
+        child.pidFd = openPidFd(child.pid);
         if (child.pidFd < 0) {
             error = errno;
             ::kill(-child.pid, SIGKILL);

@@ -1,0 +1,108 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/NURVAsyncNSTaskFileOutputRedirection.h"
+
+#include "engine/TestTasks.h"
+#include "support/TestFolder.h"
+#include "support/WaitUntil.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+namespace {
+
+using test::waitUntil;
+
+struct RedirectionTask : ::testing::Test {
+    test::RecordingServices services;
+    NURVTaskQueue queue{services};
+    test::TestFolder folder;
+    int outputWindows = 0;
+
+    void SetUp() override
+    {
+        QObject::connect(&queue, &NURVTaskQueue::outputWindowRequested, &queue, [this] { ++outputWindows; });
+    }
+
+    std::shared_ptr<NURVAsyncNSTaskFileOutputRedirection> make(const QStringList &script)
+    {
+        auto task = std::make_shared<NURVAsyncNSTaskFileOutputRedirection>(
+            folder.path(u"out.txt"_s), &queue, test::fakeToolPath(), script);
+        task->setTitle(u"Listing"_s);
+        return task;
+    }
+    void runToEnd(const std::shared_ptr<NURVTask> &task)
+    {
+        queue.addTask(task);
+        ASSERT_TRUE(waitUntil([this] { return queue.taskCount() == 0; }));
+    }
+};
+
+using NURVAsyncNSTaskFileOutputRedirectionTest = RedirectionTask;
+
+TEST_F(NURVAsyncNSTaskFileOutputRedirectionTest, SavesBothStreamsAndOpensNoWindow)
+{
+    folder.write(u"out.txt"_s, "an older and longer text that is replaced as a whole");
+    const auto task = make({u"out=täglich\\r\\n"_s, u"delay=30"_s, u"err=oops"_s});
+    runToEnd(task);
+    EXPECT_EQ(folder.read(u"out.txt"_s), "täglich\r\noops\n") << "the joined text ends each slot with a line feed";
+    EXPECT_EQ(folder.list(), QStringList{u"out.txt"_s});
+    EXPECT_EQ(outputWindows, 0);
+    EXPECT_EQ(task->results(), nullptr);
+    EXPECT_EQ(task->topTextField().text, u"Complete");
+}
+
+TEST_F(NURVAsyncNSTaskFileOutputRedirectionTest, ShowsItsTitleAndSubTitleWhileItRuns)
+{
+    const auto task = make({u"wait-file="_s + folder.path(u"go"_s)});
+    task->setSubTitle(u"Please wait"_s);
+    queue.addTask(task);
+    EXPECT_EQ(task->textField().text, u"Listing");
+    EXPECT_EQ(task->topTextField().text, u"Please wait");
+    folder.write(u"go"_s, "");
+    ASSERT_TRUE(waitUntil([this] { return queue.taskCount() == 0; }));
+}
+
+TEST_F(NURVAsyncNSTaskFileOutputRedirectionTest, TakesNoPartInItsSetAtTheEnd)
+{
+    const auto set = std::make_shared<NURVTaskResults>();
+    const auto task = make({u"out=x"_s});
+    task->setResults(set);
+    set->addTaskInSet(*task);
+    runToEnd(task);
+    EXPECT_FALSE(set->taskSetDone());
+}
+
+TEST_F(NURVAsyncNSTaskFileOutputRedirectionTest, IgnoresAFileThatCannotBeWritten)
+{
+    const auto task = std::make_shared<NURVAsyncNSTaskFileOutputRedirection>(
+        folder.path(u"missing/out.txt"_s), &queue, test::fakeToolPath(), QStringList{u"out=x"_s});
+    runToEnd(task);
+    EXPECT_EQ(task->topTextField().text, u"Complete");
+    EXPECT_TRUE(folder.list().isEmpty());
+}
+
+TEST_F(NURVAsyncNSTaskFileOutputRedirectionTest, WritesNoFileWhenCancelledWhileWaiting)
+{
+    folder.write(u"out.txt"_s, "kept");
+    const auto task = make({u"out=x"_s});
+    task->cancelTask();
+    EXPECT_EQ(folder.read(u"out.txt"_s), "kept");
+    EXPECT_EQ(outputWindows, 0);
+}
+
+TEST_F(NURVAsyncNSTaskFileOutputRedirectionTest, TellsInAWindowThatItsToolIsMissing)
+{
+    folder.write(u"out.txt"_s, "kept");
+    const auto task = std::make_shared<NURVAsyncNSTaskFileOutputRedirection>(
+        folder.path(u"out.txt"_s), &queue, u"/nowhere/shntool"_s, QStringList{});
+    runToEnd(task);
+    EXPECT_TRUE(task->error());
+    EXPECT_EQ(folder.read(u"out.txt"_s), "kept");
+    EXPECT_EQ(outputWindows, 1);
+}
+
+} // namespace
+} // namespace nurv
