@@ -25,13 +25,16 @@ fail() {
     exit 1
 }
 
-# make_track NAME TITLE NUMBER SOX-SYNTH...: 20 seconds of sound as tagged WavPack.
+# make_track NAME TITLE NUMBER SOX-SYNTH...: 20 seconds of sound as WAV and, tagged
+# and hardly compressed, as the FLAC file of the album.
 make_track() {
     local name=$1 title=$2 number=$3
     shift 3
     sox -R -n -r 44100 -b 16 -c 2 "$folder/$name.wav" synth 20 "$@" fade h 0.5 20 1 gain -6
-    wavpack -q -f -w "Title=$title" -w "Artist=The Sine Waves" -w "Album=Bench Tests" \
-        -w "Track=$number" -w "Year=2026" "$folder/$name.wav" -o "$album/$name.wv"
+    flac --silent -0 "$folder/$name.wav" -o "$album/$name.flac"
+    metaflac --no-utf8-convert --set-tag="TITLE=$title" --set-tag='ARTIST=The Sine Waves' \
+        --set-tag='ALBUM=Bench Tests' --set-tag="TRACKNUMBER=$number" --set-tag='DATE=2026' \
+        "$album/$name.flac"
 }
 
 say "Making an album in $album"
