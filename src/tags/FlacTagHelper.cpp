@@ -1,0 +1,127 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tags/FlacTagHelper.h"
+
+#include "engine/NSTaskWrapperSync.h"
+#include "platform/ResourceFolder.h"
+#include "platform/TextNumbers.h"
+#include "tags/TagsLog.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+// The kernel's limit for one argument (MAX_ARG_STRLEN), its end mark included.
+constexpr qsizetype kArgumentLimit = 128 * 1024;
+
+QString runMetaflac(const QStringList &arguments)
+{
+    NSTaskWrapperSync task(toolPath(u"metaflac"_s), arguments);
+    // metaflac converts values between the locale's encoding and UTF-8; in any
+    // other locale it would replace the characters that the locale lacks.
+    task.environment().insert(u"LC_ALL"_s, u"C.UTF-8"_s);
+    return task.runTask();
+}
+
+} // namespace
+
+QStringList FlacTagHelper::showTagArguments(const QString &path, QStringView tagKey)
+{
+    return {u"--show-tag=%1"_s.arg(tagKey), path};
+}
+
+QStringList FlacTagHelper::removeTagArguments(const QString &path, QStringView tagKey)
+{
+    return {u"--remove-tag=%1"_s.arg(tagKey), path};
+}
+
+QStringList FlacTagHelper::setTagArguments(const QString &path, QStringView tagKey, const QString &tagValue)
+{
+    return {u"--set-tag=%1=%2"_s.arg(tagKey, tagValue), path};
+}
+
+QStringList FlacTagHelper::showFormatArguments(const QString &path, const QString &formatSwitch)
+{
+    return {formatSwitch, path};
+}
+
+QString FlacTagHelper::valueInOutput(const QString &output, QStringView tagKey)
+{
+    const QString trimmed = trimWhitespaceAndNewlines(output);
+    // Messages come in the same stream, and they hold "=" too.
+    if (!trimmed.startsWith(tagKey.toString() + u'=', Qt::CaseInsensitive))
+        return u""_s;
+    return trimmed.mid(trimmed.lastIndexOf(u'=') + 1);
+}
+
+QString FlacTagHelper::tagForFile(const QString &path, QStringView tagKey)
+{
+    return valueInOutput(runMetaflac(showTagArguments(path, tagKey)), tagKey);
+}
+
+TagsObject FlacTagHelper::tagsForFile(const QString &path)
+{
+    TagsObject tags;
+    tags.setTitleText(tagForFile(path, kTitle));
+    tags.setArtistText(tagForFile(path, kArtist));
+    tags.setDateText(tagForFile(path, kDate));
+    tags.setAlbumText(tagForFile(path, kAlbum));
+    tags.setDiscText(tagForFile(path, kDiscNumber));
+    tags.setTrackText(tagForFile(path, kTrackNumber));
+    tags.setCommentText(tagForFile(path, kComment));
+    tags.setGenreText(tagForFile(path, kGenre));
+    tags.setComposerText(tagForFile(path, kComposer));
+    return tags;
+}
+
+void FlacTagHelper::removeTagForFile(const QString &path, QStringView tagKey)
+{
+    runMetaflac(removeTagArguments(path, tagKey));
+}
+
+void FlacTagHelper::writeTagForFile(const QString &path, QStringView tagKey, const std::optional<QString> &tagValue,
+                                    bool writeEmptyTags)
+{
+    const QString value = tagValue.value_or(QString());
+    if (value.isEmpty() && !writeEmptyTags)
+        return;
+    const QStringList setArguments = setTagArguments(path, tagKey, value);
+    // Such a run could not start, and the removal before it would lose the old value.
+    if (setArguments.first().toUtf8().size() >= kArgumentLimit) {
+        qCWarning(tagsLog, "%s is too long for a command line and keeps its old value: %s",
+                  qUtf8Printable(tagKey.toString()), qUtf8Printable(path));
+        return;
+    }
+    removeTagForFile(path, tagKey);
+    runMetaflac(setArguments);
+}
+
+void FlacTagHelper::writeTagsForFile(const QString &path, const TagsObject &tagObject, bool writeEmptyTags)
+{
+    writeTagForFile(path, kTitle, tagObject.titleText(), writeEmptyTags);
+    writeTagForFile(path, kArtist, tagObject.artistText(), writeEmptyTags);
+    writeTagForFile(path, kDate, tagObject.dateText(), writeEmptyTags);
+    writeTagForFile(path, kAlbum, tagObject.albumText(), writeEmptyTags);
+    writeTagForFile(path, kDiscNumber, tagObject.discText(), writeEmptyTags);
+    writeTagForFile(path, kTrackNumber, tagObject.trackText(), writeEmptyTags);
+    writeTagForFile(path, kGenre, tagObject.genreText(), writeEmptyTags);
+    writeTagForFile(path, kComposer, tagObject.composerText(), writeEmptyTags);
+    writeTagForFile(path, kComment, tagObject.commentText(), writeEmptyTags);
+}
+
+AudioFormatObject FlacTagHelper::getFormatInfo(const QString &path)
+{
+    const auto show = [&path](const QString &formatSwitch) {
+        return trimWhitespaceAndNewlines(runMetaflac(showFormatArguments(path, formatSwitch)));
+    };
+    AudioFormatObject format;
+    format.sampleRate = leadingInteger(show(u"--show-sample-rate"_s));
+    format.channels = leadingInteger(show(u"--show-channels"_s));
+    format.bitsPerChannel = leadingInteger(show(u"--show-bps"_s));
+    format.totalSamples = leadingInteger64(show(u"--show-total-samples"_s));
+    return format;
+}
+
+} // namespace nurv

@@ -1,0 +1,382 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tags/TagEditStream.h"
+
+#include "platform/SystemError.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+namespace nurv {
+
+namespace {
+
+/// Returns 0 or the value of errno.
+int writeFully(int descriptor, const char *data, std::size_t size, std::int64_t offset)
+{
+    while (size > 0) {
+        const ssize_t written = ::pwrite(descriptor, data, size, offset);
+        if (written < 0) {
+            if (errno == EINTR)
+                continue;
+            return errno;
+        }
+        data += written;
+        size -= static_cast<std::size_t>(written);
+        offset += written;
+    }
+    return 0;
+}
+
+/// Reads up to `size` bytes; sets `error` to the value of errno when that fails.
+std::size_t readFully(int descriptor, char *data, std::size_t size, std::int64_t offset, int &error)
+{
+    std::size_t done = 0;
+    while (done < size) {
+        const ssize_t got = ::pread(descriptor, data + done, size - done, offset + static_cast<std::int64_t>(done));
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0)
+            error = errno;
+        if (got <= 0)
+            break;
+        done += static_cast<std::size_t>(got);
+    }
+    return done;
+}
+
+/// Appends a range of one file to what `target` holds up to `targetOffset`.
+/// Returns 0 or the value of errno.
+int copyRange(int source, std::int64_t offset, std::int64_t length, int target, std::int64_t targetOffset)
+{
+    while (length > 0) {
+        off_t from = offset;
+        off_t to = targetOffset;
+        const ssize_t copied = ::copy_file_range(source, &from, target, &to, static_cast<std::size_t>(length), 0);
+        if (copied <= 0)
+            break; // Not every file system can; reading and writing tells what is wrong.
+        offset += copied;
+        targetOffset += copied;
+        length -= copied;
+    }
+    std::vector<char> buffer(length > 0 ? std::size_t{1} << 20 : 0);
+    while (length > 0) {
+        int error = 0;
+        const auto wanted =
+            static_cast<std::size_t>(std::min<std::int64_t>(length, static_cast<std::int64_t>(buffer.size())));
+        const std::size_t got = readFully(source, buffer.data(), wanted, offset, error);
+        if (got < wanted)
+            return error != 0 ? error : EIO; // The file has been cut under our hands.
+        if (const int failure = writeFully(target, buffer.data(), got, targetOffset); failure != 0)
+            return failure;
+        offset += static_cast<std::int64_t>(got);
+        targetOffset += static_cast<std::int64_t>(got);
+        length -= static_cast<std::int64_t>(got);
+    }
+    return 0;
+}
+
+/// Gives the replacement what the file carries besides its bytes. What may not be
+/// carried over (another user's ownership) is left.
+void copyAttributes(int source, int target)
+{
+    struct stat info = {};
+    if (::fstat(source, &info) != 0)
+        return;
+    if (::fchown(target, info.st_uid, info.st_gid) != 0 && ::fchown(target, static_cast<uid_t>(-1), info.st_gid) != 0)
+        info.st_mode &= static_cast<mode_t>(~(S_ISUID | S_ISGID));
+    static_cast<void>(::fchmod(target, info.st_mode & 07777));
+
+    const ssize_t namesSize = ::flistxattr(source, nullptr, 0);
+    if (namesSize <= 0)
+        return;
+    std::string names(static_cast<std::size_t>(namesSize), '\0');
+    const ssize_t gotNames = ::flistxattr(source, names.data(), names.size());
+    for (std::size_t at = 0; gotNames > 0 && at < static_cast<std::size_t>(gotNames);) {
+        const std::string name = names.c_str() + at;
+        at += name.size() + 1;
+        const ssize_t size = ::fgetxattr(source, name.c_str(), nullptr, 0);
+        std::string value(size > 0 ? static_cast<std::size_t>(size) : 0, '\0');
+        if (size >= 0 && ::fgetxattr(source, name.c_str(), value.data(), value.size()) == size)
+            static_cast<void>(::fsetxattr(target, name.c_str(), value.data(), value.size(), 0));
+    }
+}
+
+} // namespace
+
+TagEditStream::TagEditStream(const QString &path, Access access)
+    : m_path(QFile::encodeName(QFileInfo(path).canonicalFilePath())), m_readOnly(access == Access::Read)
+{
+    // Non-blocking, so that a FIFO in a regular file's place cannot hold the job.
+    const int mode = (m_readOnly ? O_RDONLY : O_RDWR) | O_CLOEXEC | O_NONBLOCK;
+    FileDescriptor file(m_path.isEmpty() ? -1 : ::open(m_path.constData(), mode));
+    struct stat info = {};
+    if (!file.isOpen() || ::fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode))
+        return;
+    m_file = std::move(file);
+    m_fileLength = info.st_size;
+    m_length = m_fileLength;
+    if (m_length > 0)
+        m_pieces.push_back({.isNew = false, .offset = 0, .length = m_length});
+}
+
+TagLib::FileName TagEditStream::name() const
+{
+    return m_path.constData();
+}
+
+bool TagEditStream::readOnly() const
+{
+    return m_readOnly;
+}
+
+bool TagEditStream::isOpen() const
+{
+    return m_file.isOpen();
+}
+
+long TagEditStream::tell() const
+{
+    return m_position;
+}
+
+long TagEditStream::length()
+{
+    return m_length;
+}
+
+void TagEditStream::seek(long offset, Position position)
+{
+    std::int64_t origin = 0;
+    if (position == Current)
+        origin = m_position;
+    else if (position == End)
+        origin = m_length;
+    std::int64_t target = 0;
+    if (!__builtin_add_overflow(origin, offset, &target) && target >= 0)
+        m_position = target;
+}
+
+TagLib::ByteVector TagEditStream::readBlock(unsigned long length)
+{
+    if (!isOpen() || m_position >= m_length)
+        return {};
+    const std::int64_t available = m_length - m_position;
+    // TagLib counts the bytes of a vector in 32 bits.
+    const auto wanted = static_cast<std::int64_t>(
+        std::min<unsigned long>({length, static_cast<unsigned long>(available), 0x7fffffffUL}));
+    TagLib::ByteVector block(static_cast<unsigned int>(wanted), '\0');
+    std::int64_t done = 0;
+    std::int64_t pieceStart = 0;
+    for (const Piece &piece : m_pieces) {
+        const std::int64_t skip = m_position + done - pieceStart;
+        pieceStart += piece.length;
+        if (skip >= piece.length)
+            continue;
+        const std::int64_t size = std::min(piece.length - skip, wanted - done);
+        char *target = block.data() + done;
+        if (piece.isNew) {
+            std::copy_n(m_newBytes.data() + piece.offset + skip, size, target);
+        } else {
+            int error = 0;
+            const std::size_t got =
+                readFully(m_file.get(), target, static_cast<std::size_t>(size), piece.offset + skip, error);
+            if (got < static_cast<std::size_t>(size)) {
+                m_readError = error != 0 ? error : EIO;
+                return {};
+            }
+        }
+        done += size;
+        if (done == wanted)
+            break;
+    }
+    m_position += wanted;
+    return block;
+}
+
+void TagEditStream::writeBlock(const TagLib::ByteVector &data)
+{
+    if (m_position > m_length) {
+        const std::string gap(static_cast<std::size_t>(m_position - m_length), '\0');
+        replaceRange(m_length, 0, gap.data(), gap.size());
+    }
+    replaceRange(m_position, data.size(), data.data(), data.size());
+    m_position += data.size();
+}
+
+void TagEditStream::insert(const TagLib::ByteVector &data, unsigned long start, unsigned long replace)
+{
+    replaceRange(static_cast<std::int64_t>(start), static_cast<std::int64_t>(replace), data.data(), data.size());
+}
+
+void TagEditStream::removeBlock(unsigned long start, unsigned long length)
+{
+    replaceRange(static_cast<std::int64_t>(start), static_cast<std::int64_t>(length), nullptr, 0);
+}
+
+void TagEditStream::truncate(long length)
+{
+    if (length >= 0 && length < m_length)
+        replaceRange(length, m_length - length, nullptr, 0);
+}
+
+std::size_t TagEditStream::splitAt(std::int64_t position)
+{
+    std::int64_t pieceStart = 0;
+    for (std::size_t index = 0; index < m_pieces.size(); ++index) {
+        if (pieceStart == position)
+            return index;
+        Piece &piece = m_pieces[index];
+        if (position < pieceStart + piece.length) {
+            const std::int64_t head = position - pieceStart;
+            const Piece tail{.isNew = piece.isNew, .offset = piece.offset + head, .length = piece.length - head};
+            piece.length = head;
+            m_pieces.insert(m_pieces.begin() + static_cast<std::ptrdiff_t>(index) + 1, tail);
+            return index + 1;
+        }
+        pieceStart += piece.length;
+    }
+    return m_pieces.size();
+}
+
+void TagEditStream::replaceRange(std::int64_t start, std::int64_t length, const char *data, std::size_t size)
+{
+    if (m_readOnly || !isOpen())
+        return;
+    start = std::clamp<std::int64_t>(start, 0, m_length);
+    length = std::clamp<std::int64_t>(length, 0, m_length - start);
+    if (length == 0 && size == 0)
+        return;
+    const auto first = static_cast<std::ptrdiff_t>(splitAt(start));
+    const auto last = static_cast<std::ptrdiff_t>(splitAt(start + length));
+    const auto place = m_pieces.erase(m_pieces.begin() + first, m_pieces.begin() + last);
+    if (size > 0) {
+        const auto offset = static_cast<std::int64_t>(m_newBytes.size());
+        m_newBytes.append(data, size);
+        m_pieces.insert(place, {.isNew = true, .offset = offset, .length = static_cast<std::int64_t>(size)});
+    }
+    m_length += static_cast<std::int64_t>(size) - length;
+    m_isEdited = true;
+}
+
+bool TagEditStream::keepsBytesInPlace() const
+{
+    std::int64_t pieceStart = 0;
+    for (const Piece &piece : m_pieces) {
+        if (!piece.isNew && piece.offset != pieceStart)
+            return false;
+        pieceStart += piece.length;
+    }
+    return true;
+}
+
+std::optional<QString> TagEditStream::commit()
+{
+    if (m_readError != 0)
+        return systemErrorText(m_readError);
+    if (!m_isEdited)
+        return std::nullopt;
+    return keepsBytesInPlace() ? commitInPlace() : commitByReplacement();
+}
+
+std::optional<QString> TagEditStream::commitInPlace()
+{
+    const int file = m_file.get();
+    const std::int64_t growth = m_length - m_fileLength;
+    if (growth > 0) {
+        const int error = ::posix_fallocate(file, m_fileLength, growth);
+        if (error != 0) {
+            static_cast<void>(::ftruncate(file, m_fileLength));
+            return systemErrorText(error);
+        }
+    }
+    // What is about to go, so that it can come back.
+    std::vector<std::pair<std::int64_t, std::string>> oldBytes;
+    const auto keepOld = [&](std::int64_t start, std::int64_t end, int &error) {
+        end = std::min(end, m_fileLength);
+        if (start >= end)
+            return;
+        std::string bytes(static_cast<std::size_t>(end - start), '\0');
+        if (readFully(file, bytes.data(), bytes.size(), start, error) == bytes.size())
+            oldBytes.emplace_back(start, std::move(bytes));
+        else if (error == 0)
+            error = EIO;
+    };
+    int error = 0;
+    std::int64_t pieceStart = 0;
+    for (const Piece &piece : m_pieces) {
+        if (piece.isNew)
+            keepOld(pieceStart, pieceStart + piece.length, error);
+        pieceStart += piece.length;
+    }
+    keepOld(m_length, m_fileLength, error);
+
+    pieceStart = 0;
+    for (const Piece &piece : m_pieces) {
+        if (piece.isNew && error == 0)
+            error =
+                writeFully(file, m_newBytes.data() + piece.offset, static_cast<std::size_t>(piece.length), pieceStart);
+        pieceStart += piece.length;
+    }
+    if (error == 0 && growth < 0 && ::ftruncate(file, m_length) != 0)
+        error = errno;
+    if (error == 0 && ::fdatasync(file) != 0)
+        error = errno;
+    if (error == 0)
+        return std::nullopt;
+    for (const auto &[start, bytes] : oldBytes)
+        static_cast<void>(writeFully(file, bytes.data(), bytes.size(), start));
+    static_cast<void>(::ftruncate(file, m_fileLength));
+    return systemErrorText(error);
+}
+
+int TagEditStream::writePieces(int target) const
+{
+    std::int64_t pieceStart = 0;
+    for (const Piece &piece : m_pieces) {
+        const int error = piece.isNew ? writeFully(target, m_newBytes.data() + piece.offset,
+                                                   static_cast<std::size_t>(piece.length), pieceStart)
+                                      : copyRange(m_file.get(), piece.offset, piece.length, target, pieceStart);
+        if (error != 0)
+            return error;
+        pieceStart += piece.length;
+    }
+    return 0;
+}
+
+std::optional<QString> TagEditStream::commitByReplacement()
+{
+    const QByteArray folder = m_path.left(m_path.lastIndexOf('/') + 1);
+    QByteArray replacementPath = folder + ".nurv-tags-XXXXXX";
+    FileDescriptor replacement(::mkostemp(replacementPath.data(), O_CLOEXEC));
+    if (!replacement.isOpen())
+        return systemErrorText(errno);
+
+    int error = writePieces(replacement.get());
+    if (error == 0) {
+        copyAttributes(m_file.get(), replacement.get());
+        if (::fsync(replacement.get()) != 0 || !replacement.close()
+            || std::rename(replacementPath.constData(), m_path.constData()) != 0)
+            error = errno;
+    }
+    if (error != 0) {
+        ::unlink(replacementPath.constData());
+        return systemErrorText(error);
+    }
+    // Makes the rename itself durable; without it an old but whole file may come back.
+    const FileDescriptor directory(::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (directory.isOpen())
+        static_cast<void>(::fsync(directory.get()));
+    return std::nullopt;
+}
+
+} // namespace nurv

@@ -1,0 +1,83 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/FileDescriptor.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <tiostream.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace nurv {
+
+/// A file for TagLib to edit that stays untouched until `commit`.
+///
+///     TagLib ──> pieces: [of the file] [new bytes] [of the file] ... ──commit──> file
+///
+/// A commit either overwrites and appends bytes in place, when no byte of the file
+/// that is kept has to move and the room for growth could be reserved; or it writes
+/// the new file beside the old one, flushes it and renames it over, with mode, owner
+/// and extended attributes kept. So a full disk, a failing disk or a crash costs
+/// no audio.
+///
+/// Belongs to one thread at a time. Positions are bytes.
+class TagEditStream final : public TagLib::IOStream {
+public:
+    enum class Access { Read, Edit };
+
+    /// Opens a regular file; links are followed. `isOpen` tells whether that worked;
+    /// for Edit it must be writable.
+    TagEditStream(const QString &path, Access access);
+
+    /// Makes the edits the file's contents. Returns nothing on success, else why not;
+    /// then the file is as it was. Refuses when any read before has failed, since the
+    /// edits may rest on it. Blocks until the data has reached the disk.
+    [[nodiscard]] std::optional<QString> commit();
+
+    [[nodiscard]] TagLib::FileName name() const override;
+    TagLib::ByteVector readBlock(unsigned long length) override;
+    void writeBlock(const TagLib::ByteVector &data) override;
+    void insert(const TagLib::ByteVector &data, unsigned long start = 0, unsigned long replace = 0) override;
+    void removeBlock(unsigned long start = 0, unsigned long length = 0) override;
+    [[nodiscard]] bool readOnly() const override;
+    [[nodiscard]] bool isOpen() const override;
+    void seek(long offset, Position position = Beginning) override;
+    [[nodiscard]] long tell() const override;
+    long length() override;
+    void truncate(long length) override;
+
+private:
+    /// A run of bytes, of the file or of m_newBytes.
+    struct Piece {
+        bool isNew = false;
+        std::int64_t offset = 0;
+        std::int64_t length = 0;
+    };
+
+    void replaceRange(std::int64_t start, std::int64_t length, const char *data, std::size_t size);
+    std::size_t splitAt(std::int64_t position);
+    [[nodiscard]] bool keepsBytesInPlace() const;
+    [[nodiscard]] std::optional<QString> commitInPlace();
+    [[nodiscard]] std::optional<QString> commitByReplacement();
+    /// Returns 0 or the value of errno.
+    [[nodiscard]] int writePieces(int target) const;
+
+    QByteArray m_path; ///< free of links, as the system's bytes
+    bool m_readOnly;
+    FileDescriptor m_file;
+    std::int64_t m_fileLength = 0;
+    std::vector<Piece> m_pieces;
+    std::string m_newBytes;
+    std::int64_t m_length = 0;
+    std::int64_t m_position = 0;
+    int m_readError = 0;
+    bool m_isEdited = false;
+};
+
+} // namespace nurv

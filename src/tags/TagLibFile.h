@@ -1,0 +1,106 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/NurvFailure.h"
+#include "tags/TagEditStream.h"
+#include "tags/TagsLog.h"
+#include "tags/TagsObject.h"
+
+#include <QString>
+
+#include <aifffile.h>
+#include <apefile.h>
+#include <flacfile.h>
+#include <id3v2framefactory.h>
+#include <mpegfile.h>
+#include <wavpackfile.h>
+
+#include <exception>
+#include <new>
+#include <optional>
+#include <type_traits>
+
+namespace nurv::tagLibFile {
+
+// Opening, saving and the fence around TagLib: no exception of its own, and none
+// that a hostile file provokes, gets past these functions.
+
+/// The process-wide frame factory, with UTF-8 as the encoding of the frames it makes.
+[[nodiscard]] TagLib::ID3v2::FrameFactory *frameFactory();
+
+/// A file of TagLib on a stream of ours; audio properties are not read.
+template<typename File>
+class OpenFile {
+public:
+    OpenFile(const QString &path, TagEditStream::Access access) : m_stream(path, access), m_file(open(m_stream)) {}
+
+    [[nodiscard]] bool isValid() const { return m_stream.isOpen() && m_file.isValid(); }
+    /// Valid and of this format. TagLib takes any file for a valid AIFF, Monkey's Audio
+    /// or WavPack file; saving would put chunks and sizes into, say, a misnamed WAV file.
+    [[nodiscard]] bool isWritable()
+    {
+        if constexpr (
+            std::is_same_v<
+                File,
+                TagLib::RIFF::AIFF::
+                    File> || std::is_same_v<File, TagLib::APE::File> || std::is_same_v<File, TagLib::WavPack::File>)
+            return isValid() && File::isSupported(&m_stream);
+        else
+            return isValid();
+    }
+    [[nodiscard]] File &file() { return m_file; }
+    [[nodiscard]] TagEditStream &stream() { return m_stream; }
+
+private:
+    static File open(TagEditStream &stream)
+    {
+        if constexpr (std::is_same_v<File, TagLib::MPEG::File> || std::is_same_v<File, TagLib::FLAC::File>)
+            return File(&stream, frameFactory(), false);
+        else
+            return File(&stream, false);
+    }
+
+    TagEditStream m_stream;
+    File m_file;
+};
+
+/// Runs `read(file)` on a valid file, which returns the record; nothing for any other
+/// file and when the read throws.
+template<typename File, typename Read>
+[[nodiscard]] std::optional<TagsObject> read(const QString &path, const Read &read)
+{
+    try {
+        OpenFile<File> opened(path, TagEditStream::Access::Read);
+        if (opened.isValid())
+            return read(opened.file());
+    } catch (const std::exception &failure) {
+        qCWarning(tagsLog, "Tags not read: %s: %s", qUtf8Printable(path), failure.what());
+    }
+    return std::nullopt;
+}
+
+/// Runs `edit(file)`, saves and commits. Throws NurvFailure for all that goes wrong;
+/// then the file is as it was.
+template<typename File, typename Edit>
+void edit(const QString &path, const Edit &edit)
+{
+    try {
+        OpenFile<File> opened(path, TagEditStream::Access::Edit);
+        if (!opened.isWritable())
+            throw NurvFailure(QStringLiteral("Unable to open the output file for tagging."));
+        edit(opened.file());
+        if (!opened.file().save())
+            throw NurvFailure(QStringLiteral("Unable to save the tags."));
+        if (const std::optional<QString> reason = opened.stream().commit())
+            throw NurvFailure(QStringLiteral("Unable to save the tags: %1.").arg(*reason));
+    } catch (const NurvFailure &) {
+        throw;
+    } catch (const std::bad_alloc &) {
+        throw NurvFailure(QStringLiteral("Unable to allocate memory."));
+    } catch (const std::exception &failure) {
+        throw NurvFailure(QStringLiteral("Unable to save the tags: %1.").arg(QString::fromUtf8(failure.what())));
+    }
+}
+
+} // namespace nurv::tagLibFile

@@ -1,0 +1,271 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tags/TagEditStream.h"
+
+#include "TagFixtures.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <random>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+
+using namespace Qt::StringLiterals;
+using namespace nurv;
+using namespace nurv::test;
+
+namespace {
+
+using Access = TagEditStream::Access;
+
+TagLib::ByteVector bytes(const QByteArray &data)
+{
+    return {data.constData(), static_cast<unsigned int>(data.size())};
+}
+
+QByteArray allOf(TagEditStream &stream)
+{
+    stream.seek(0);
+    const TagLib::ByteVector block = stream.readBlock(static_cast<unsigned long>(stream.length()));
+    return {block.data(), static_cast<qsizetype>(block.size())};
+}
+
+ino_t inodeOf(const QString &path)
+{
+    struct stat info = {};
+    EXPECT_EQ(::stat(QFile::encodeName(path).constData(), &info), 0);
+    return info.st_ino;
+}
+
+/// While it lives no file of this process grows beyond the limit, as on a full disk.
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t limit)
+    {
+        m_formerAction = std::signal(SIGXFSZ, SIG_IGN);
+        EXPECT_EQ(::getrlimit(RLIMIT_FSIZE, &m_former), 0);
+        rlimit lowered = m_former;
+        lowered.rlim_cur = limit;
+        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &lowered), 0);
+    }
+    ~FileSizeLimit()
+    {
+        ::setrlimit(RLIMIT_FSIZE, &m_former);
+        std::signal(SIGXFSZ, m_formerAction);
+    }
+    FileSizeLimit(const FileSizeLimit &) = delete;
+    FileSizeLimit &operator=(const FileSizeLimit &) = delete;
+
+private:
+    rlimit m_former = {};
+    void (*m_formerAction)(int) = nullptr;
+};
+
+} // namespace
+
+TEST(TagEditStream, LeavesTheFileUntouchedUntilTheCommit)
+{
+    const TestFolder folder;
+    const QString path = folder.write(u"a"_s, "0123456789");
+    TagEditStream stream(path, Access::Edit);
+    ASSERT_TRUE(stream.isOpen());
+    stream.insert(bytes("abc"), 2, 1);
+    EXPECT_EQ(allOf(stream), QByteArray("01abc3456789"));
+    EXPECT_EQ(folder.read(u"a"_s), QByteArray("0123456789"));
+    EXPECT_EQ(stream.commit(), std::nullopt);
+    EXPECT_EQ(folder.read(u"a"_s), QByteArray("01abc3456789"));
+    EXPECT_EQ(folder.list(), QStringList{u"a"_s});
+}
+
+TEST(TagEditStream, ReadsSeeksAndTells)
+{
+    const TestFolder folder;
+    TagEditStream stream(folder.write(u"a"_s, "0123456789"), Access::Read);
+    stream.seek(-3, TagLib::IOStream::End);
+    EXPECT_EQ(stream.tell(), 7);
+    EXPECT_EQ(stream.readBlock(100), bytes("789"));
+    EXPECT_EQ(stream.tell(), 10);
+    EXPECT_TRUE(stream.readBlock(1).isEmpty());
+    stream.seek(-8, TagLib::IOStream::Current);
+    EXPECT_EQ(stream.readBlock(2), bytes("23"));
+    stream.seek(-99, TagLib::IOStream::Current);
+    EXPECT_EQ(stream.tell(), 4);
+    stream.seek(99);
+    EXPECT_TRUE(stream.readBlock(1).isEmpty());
+    EXPECT_EQ(stream.length(), 10);
+}
+
+TEST(TagEditStream, RefusesEditsOfAFileOpenedForReading)
+{
+    const TestFolder folder;
+    TagEditStream stream(folder.write(u"a"_s, "0123"), Access::Read);
+    EXPECT_TRUE(stream.readOnly());
+    stream.insert(bytes("x"), 0, 0);
+    stream.removeBlock(0, 2);
+    stream.truncate(1);
+    EXPECT_EQ(allOf(stream), QByteArray("0123"));
+    EXPECT_EQ(stream.commit(), std::nullopt);
+    EXPECT_EQ(folder.read(u"a"_s), QByteArray("0123"));
+}
+
+TEST(TagEditStream, DoesNotOpenWhatIsNoRegularFile)
+{
+    const TestFolder folder;
+    const QString pipe = folder.path(u"pipe"_s);
+    ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    for (const QString &path : {folder.path(u"missing"_s), folder.path(), pipe, QString(), u"/dev/null"_s}) {
+        EXPECT_FALSE(TagEditStream(path, Access::Read).isOpen()) << qPrintable(path);
+        EXPECT_FALSE(TagEditStream(path, Access::Edit).isOpen()) << qPrintable(path);
+    }
+}
+
+TEST(TagEditStream, DoesAnySeriesOfEditsLikeATextInMemory)
+{
+    const TestFolder folder;
+    std::minstd_rand random(7);
+    const auto below = [&random](std::size_t limit) { return limit == 0 ? 0 : random() % limit; };
+    for (int round = 0; round < 60; ++round) {
+        std::string expected(below(200), 'o');
+        for (std::size_t i = 0; i < expected.size(); ++i)
+            expected[i] = static_cast<char>('a' + i % 26);
+        const QString path = folder.write(u"a"_s, QByteArray::fromStdString(expected));
+        TagEditStream stream(path, Access::Edit);
+        for (int step = 0; step < 12; ++step) {
+            const std::size_t start = below(expected.size() + 1);
+            const std::size_t length = below(expected.size() - start + 1);
+            const std::string added(below(30), static_cast<char>('A' + step));
+            switch (below(4)) {
+            case 0:
+                stream.insert({added.data(), static_cast<unsigned int>(added.size())}, start, length);
+                expected.replace(start, length, added);
+                break;
+            case 1:
+                stream.removeBlock(start, length);
+                expected.erase(start, length);
+                break;
+            case 2:
+                stream.seek(static_cast<long>(start));
+                stream.writeBlock({added.data(), static_cast<unsigned int>(added.size())});
+                expected.replace(start, std::min(added.size(), expected.size() - start), added);
+                EXPECT_EQ(stream.tell(), static_cast<long>(start + added.size()));
+                break;
+            default:
+                stream.truncate(static_cast<long>(start));
+                expected.resize(start);
+                break;
+            }
+            ASSERT_EQ(stream.length(), static_cast<long>(expected.size()));
+            ASSERT_EQ(allOf(stream), QByteArray::fromStdString(expected));
+        }
+        ASSERT_EQ(stream.commit(), std::nullopt);
+        ASSERT_EQ(folder.read(u"a"_s), QByteArray::fromStdString(expected));
+    }
+    EXPECT_EQ(folder.list(), QStringList{u"a"_s});
+}
+
+TEST(TagEditStream, FillsAGapBehindTheEndWithZeroes)
+{
+    const TestFolder folder;
+    TagEditStream stream(folder.write(u"a"_s, "ab"), Access::Edit);
+    stream.seek(4);
+    stream.writeBlock(bytes("c"));
+    EXPECT_EQ(stream.commit(), std::nullopt);
+    EXPECT_EQ(folder.read(u"a"_s), QByteArray("ab\0\0c", 5));
+}
+
+TEST(TagEditStream, EditsInPlaceWhenNoKeptByteMoves)
+{
+    const TestFolder folder;
+    const QString path = folder.write(u"a"_s, "0123456789");
+    const ino_t inode = inodeOf(path);
+    {
+        TagEditStream stream(path, Access::Edit);
+        stream.seek(3);
+        stream.writeBlock(bytes("xy"));
+        stream.insert(bytes("tail"), 10, 0);
+        EXPECT_EQ(stream.commit(), std::nullopt);
+    }
+    EXPECT_EQ(folder.read(u"a"_s), QByteArray("012xy56789tail"));
+    {
+        TagEditStream stream(path, Access::Edit);
+        stream.truncate(5);
+        EXPECT_EQ(stream.commit(), std::nullopt);
+    }
+    EXPECT_EQ(folder.read(u"a"_s), QByteArray("012xy"));
+    EXPECT_EQ(inodeOf(path), inode);
+}
+
+TEST(TagEditStream, ReplacesTheFileWithItsModeAndAttributesWhenBytesMove)
+{
+    const TestFolder folder;
+    const QString path = folder.write(u"a"_s, "0123456789");
+    const QByteArray name = QFile::encodeName(path);
+    ASSERT_EQ(::chmod(name.constData(), 0640), 0);
+    const bool hasAttributes = ::setxattr(name.constData(), "user.note", "kept", 4, 0) == 0;
+    const ino_t inode = inodeOf(path);
+    TagEditStream stream(path, Access::Edit);
+    stream.insert(bytes("head"), 0, 0);
+    EXPECT_EQ(stream.commit(), std::nullopt);
+    EXPECT_EQ(folder.read(u"a"_s), QByteArray("head0123456789"));
+    EXPECT_NE(inodeOf(path), inode);
+    struct stat info = {};
+    ASSERT_EQ(::stat(name.constData(), &info), 0);
+    EXPECT_EQ(info.st_mode & 07777U, 0640U);
+    if (hasAttributes) {
+        char value[16] = {};
+        EXPECT_EQ(::getxattr(name.constData(), "user.note", value, sizeof value), 4);
+        EXPECT_STREQ(value, "kept");
+    }
+}
+
+TEST(TagEditStream, WritesThroughALink)
+{
+    const TestFolder folder;
+    const QString target = folder.write(u"sub/a"_s, "0123");
+    const QString link = folder.makeLink(u"link"_s, target);
+    TagEditStream stream(link, Access::Edit);
+    stream.insert(bytes("head"), 0, 0);
+    EXPECT_EQ(stream.commit(), std::nullopt);
+    EXPECT_TRUE(QFileInfo(link).isSymLink());
+    EXPECT_EQ(folder.read(u"sub/a"_s), QByteArray("head0123"));
+}
+
+TEST(TagEditStream, LeavesTheFileAsItWasWhenTheDiskIsFull)
+{
+    const TestFolder folder;
+    const QByteArray before(100'000, 'o');
+    const QString path = folder.write(u"a"_s, before);
+    for (const unsigned long place : {0UL, 50'000UL, 100'000UL}) {
+        TagEditStream stream(path, Access::Edit);
+        stream.seek(10);
+        stream.writeBlock(bytes("overwritten"));
+        stream.insert(bytes(QByteArray(5000, 'n')), place, 0);
+        std::optional<QString> reason;
+        {
+            const FileSizeLimit limit(102'000);
+            reason = stream.commit();
+        }
+        EXPECT_TRUE(reason.has_value()) << place;
+        EXPECT_EQ(folder.read(u"a"_s), before) << place;
+        EXPECT_EQ(folder.list(), QStringList{u"a"_s}) << place;
+    }
+}
+
+TEST(TagEditStream, RefusesToCommitAfterAFailedRead)
+{
+    const TestFolder folder;
+    const QString path = folder.write(u"a"_s, QByteArray(10'000, 'o'));
+    TagEditStream stream(path, Access::Edit);
+    // Somebody else cuts the file.
+    ASSERT_TRUE(QFile::resize(path, 10));
+    EXPECT_TRUE(stream.readBlock(10'000).isEmpty());
+    stream.insert(bytes("head"), 0, 0);
+    EXPECT_TRUE(stream.commit().has_value());
+    EXPECT_EQ(folder.read(u"a"_s), QByteArray(10, 'o'));
+}
