@@ -1,0 +1,89 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "checksum/CreateFFPTask.h"
+
+#include "app/PathNames.h"
+#include "checksum/ChecksumList.h"
+#include "checksum/ChecksumLog.h"
+#include "checksum/Fingerprint.h"
+#include "platform/ExternalPrograms.h"
+#include "platform/NurvFailure.h"
+#include "platform/ResourceFolder.h"
+#include "platform/SettingsStore.h"
+#include "platform/SystemError.h"
+#include "platform/TextFile.h"
+#include "platform/Version.h"
+
+#include <QFile>
+
+#include <cerrno>
+
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+/// A list made without the program would hold nothing but its absence.
+void requireMetaflac()
+{
+    const QString program = toolPath(u"metaflac"_s);
+    if (::access(QFile::encodeName(program).constData(), X_OK) != 0)
+        throw NurvFailure(missingProgramText(program, systemErrorText(errno)));
+}
+
+} // namespace
+
+CreateFFPTask::CreateFFPTask(NURVTaskQueue *queue, const QMap<QString, QStringList> &files, const QString &ffpName)
+    : NURVInProcessTask(queue), m_dictByOutputDir(files), m_ffpName(ffpName)
+{
+    setTitle(u"Create FFP checksum file"_s);
+    setTextFieldString(title());
+    setTextFieldValue();
+}
+
+void CreateFFPTask::doStartTask()
+{
+    showStarted();
+    setTopTextFieldString(u"Creating FFP checksum file"_s);
+    setTopTextFieldValue();
+    requireMetaflac();
+    for (auto folder = m_dictByOutputDir.cbegin(); folder != m_dictByOutputDir.cend() && !cancelled(); ++folder)
+        doCreateFFP(folder.value(), folder.key());
+}
+
+void CreateFFPTask::doCreateFFP(const QStringList &files, const QString &outputDir)
+{
+    QString list = checksumList::ffpHeader(shortVersionString(), QDateTime::currentDateTime());
+    for (const QString &path : files) {
+        if (cancelled())
+            return;
+        list += fingerprint(path);
+    }
+    if (cancelled())
+        return;
+    const QString path = listPath(outputDir);
+    QString reason;
+    if (!writeTextFileAtomically(path, list, &reason))
+        qCWarning(checksumLog).noquote() << "Unable to write" << path << ':' << reason;
+}
+
+QString CreateFFPTask::listPath(const QString &outputDir) const
+{
+    const SettingsStore &settings = SettingsStore::instance();
+    if (!settings.boolean(u"checksumFileUsesOutputDirName"_s))
+        return joinPath(outputDir, m_ffpName);
+    return joinPath(outputDir, checksumList::ffpFileName(outputDir, settings.string(u"ffpExtension"_s), true));
+}
+
+void CreateFFPTask::stopTask()
+{
+    // A list that was made has nothing to report: no output window opens for it.
+    if (!error())
+        setResults(nullptr);
+    NURVTask::stopTask();
+}
+
+} // namespace nurv

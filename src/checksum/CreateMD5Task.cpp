@@ -1,0 +1,67 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "checksum/CreateMD5Task.h"
+
+#include "app/PathNames.h"
+#include "checksum/ChecksumList.h"
+#include "checksum/ChecksumLog.h"
+#include "checksum/MD5Helper.h"
+#include "platform/TextFile.h"
+#include "platform/Version.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+CreateMD5Task::CreateMD5Task(NURVTaskQueue *queue, const QStringList &files, const QString &outputPath)
+    : NURVInProcessTask(queue), m_fileNames(files), m_outputPath(outputPath)
+{
+    setTitle(u"Create MD5 checksum file"_s);
+    setTextFieldString(title());
+    setTextFieldValue();
+}
+
+void CreateMD5Task::doStartTask()
+{
+    showStarted();
+    setTopTextFieldString(u"Creating MD5 checksum file"_s);
+    setTopTextFieldValue();
+    doCreateMd5();
+}
+
+void CreateMD5Task::doCreateMd5()
+{
+    QString list = checksumList::md5Header(shortVersionString(), QDateTime::currentDateTime());
+    const bool allInOneFolder = checksumList::areAllSameDirectory(m_fileNames);
+    const QString listFolder = folderOf(m_outputPath);
+    qsizetype done = 0;
+    for (const QString &path : m_fileNames) {
+        if (cancelled())
+            return;
+        setTextFieldString(lastPathComponent(path));
+        setTextFieldValue();
+        const QString digest = MD5Helper::getMD5FromFile(path);
+        ++done;
+        setProgressIndicatorValue(static_cast<double>(done) * 100.0 / static_cast<double>(m_fileNames.size()));
+        setTopTextFieldString(u"Creating MD5 Hash"_s);
+        updateStatus();
+        list += checksumList::md5Entry(digest, checksumList::md5EntryName(path, listFolder, allInOneFolder));
+    }
+    if (cancelled())
+        return;
+    setTopTextFieldString(QString());
+    setTopTextFieldValue();
+    QString reason;
+    if (!writeTextFileAtomically(m_outputPath, list, &reason))
+        qCWarning(checksumLog).noquote() << "Unable to write" << m_outputPath << ':' << reason;
+}
+
+void CreateMD5Task::stopTask()
+{
+    // A list that was made has nothing to report: no output window opens for it.
+    if (!error())
+        setResults(nullptr);
+    NURVTask::stopTask();
+}
+
+} // namespace nurv

@@ -1,0 +1,33 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/NURVInProcessTask.h"
+
+#include <QStringList>
+
+namespace nurv {
+
+/// Writes the MD5 list of some files, in their order.
+///
+/// A file that cannot be read is listed with the digest of zero bytes. A list that
+/// cannot be written is told to the log only. Cancelled, it writes no list; it looks
+/// between files.
+class CreateMD5Task final : public NURVInProcessTask {
+public:
+    /// `files` and `outputPath`, the list, are absolute paths.
+    CreateMD5Task(NURVTaskQueue *queue, const QStringList &files, const QString &outputPath);
+
+    void stopTask() override;
+
+protected:
+    void doStartTask() override;
+
+private:
+    void doCreateMd5();
+
+    QStringList m_fileNames;
+    QString m_outputPath;
+};
+
+} // namespace nurv

@@ -1,0 +1,14 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+namespace nurv {
+
+/// One entry of a fingerprint list: the file's base name, a colon and all that
+/// `metaflac --show-md5` writes, its line end included; what it writes alone when it
+/// cannot read the file's metadata. `path` is absolute. Any thread; blocks.
+[[nodiscard]] QString fingerprint(const QString &path);
+
+} // namespace nurv
