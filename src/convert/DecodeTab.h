@@ -5,7 +5,13 @@
 #include "app/BaseTab.h"
 #include "app/Control.h"
 
+#include <memory>
+#include <optional>
+
 namespace nurv {
+
+class ConversionTask;
+class NURVTaskQueue;
 
 /// The tab that turns every lossless file of its list back into WAV or AIFF.
 class DecodeTab final : public BaseTab {
@@ -23,12 +29,22 @@ public:
     CheckControl sourceDecodeButton;
     CheckControl deleteOriginalsButton;
 
+    /// Shows or hides the two FLAC options and their label.
     void showFLacOptions(bool show);
     void clearFiles() override;
     void executeCommand() override;
 
+    [[nodiscard]] std::shared_ptr<ConversionTask> decodeFlac(const QString &source, const QString &outputFolder,
+                                                             const QString &format, NURVTaskQueue *queue) const;
+    [[nodiscard]] std::shared_ptr<ConversionTask> decodeSHN(const QString &source, const QString &outputFolder,
+                                                            const QString &format, NURVTaskQueue *queue) const;
+
 protected:
     void filesAdded() override;
+
+private:
+    [[nodiscard]] bool listsUnavailableFormat() const;
+    void queueTasks(const std::optional<QString> &chosenFolder);
 };
 
 } // namespace nurv

@@ -5,10 +5,13 @@
 #include "app/BaseTab.h"
 #include "app/Control.h"
 
+#include <QSet>
+
 #include <memory>
 
 namespace nurv {
 
+class ConversionTask;
 class NURVTask;
 class NURVTaskQueue;
 class NURVTaskResults;
@@ -40,6 +43,36 @@ public:
 
     void displayRelevantOptions() override;
     void executeCommand() override;
+
+    /// A job that reports into `results`, whose member it is not yet.
+    [[nodiscard]] std::shared_ptr<ConversionTask> encodeSHN(const QString &source, const QString &outputFolder,
+                                                            NURVTaskQueue *queue,
+                                                            const std::shared_ptr<NURVTaskResults> &results) const;
+    /// The job that suits the source; it reports into `results`, whose member it is
+    /// not yet. `overwrite` reaches only jobs that run `flac` itself.
+    [[nodiscard]] std::shared_ptr<ConversionTask> encodeFLAC(const QString &source, const QString &outputFolder,
+                                                             NURVTaskQueue *queue,
+                                                             const std::shared_ptr<NURVTaskResults> &results,
+                                                             bool overwrite) const;
+
+    /// The full paths of the folder's entries with that extension, whatever its case;
+    /// empty for a folder that cannot be read.
+    [[nodiscard]] static QStringList getFilesFromOutputDirectory(const QString &folder, const QString &extension);
+    /// Whether one of the existing paths is, character by character, a planned output.
+    [[nodiscard]] static bool isFileClash(const QStringList &existing, const QSet<QString> &outputFiles);
+
+private:
+    struct Batch;
+
+    [[nodiscard]] bool formatsAreAvailable(const QString &format) const;
+    /// Finds out where the outputs go and whether they replace files. False: the user
+    /// does not want to go on.
+    [[nodiscard]] bool chooseOutput(Batch &batch);
+    [[nodiscard]] bool anyOutputExists() const;
+    [[nodiscard]] std::shared_ptr<NURVTask> afterBatchTask(const Batch &batch) const;
+    [[nodiscard]] std::shared_ptr<NURVTask> md5Task(const Batch &batch) const;
+    [[nodiscard]] std::shared_ptr<NURVTask> ffpTask(const Batch &batch) const;
+    void queueTasks(const Batch &batch);
 };
 
 } // namespace nurv

@@ -1,0 +1,89 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "convert/ConversionTask.h"
+
+#include "app/PathNames.h"
+#include "app/Util.h"
+#include "convert/ConvertLog.h"
+#include "platform/NurvFailure.h"
+
+#include <QFile>
+
+#include <sys/stat.h>
+
+namespace nurv {
+
+namespace {
+
+bool isSameFile(const QString &left, const QString &right)
+{
+    struct stat leftFacts = {};
+    struct stat rightFacts = {};
+    return ::stat(QFile::encodeName(left).constData(), &leftFacts) == 0
+        && ::stat(QFile::encodeName(right).constData(), &rightFacts) == 0
+        && leftFacts.st_dev == rightFacts.st_dev && leftFacts.st_ino == rightFacts.st_ino;
+}
+
+} // namespace
+
+ConversionTask::ConversionTask(NURVTaskQueue *queue, const QString &launchPath, const QStringList &arguments,
+                               const QString &fileName)
+    : NURVAsyncNSTask(queue, launchPath, arguments), m_fileName(fileName)
+{
+    setTitle(lastPathComponent(fileName));
+    setTextFieldString(title());
+    setTextFieldValue();
+}
+
+void ConversionTask::processTaskOutput(const QString &chunk)
+{
+    const toolOutput::ChunkReport report = parseOutput(chunk);
+    if (report.status) {
+        setTopTextFieldString(*report.status);
+        setProgressIndicatorValue(report.progress.value_or(0.0));
+        updateStatus();
+    }
+    setTextFieldString(title());
+    setTextFieldValue();
+    // The first slot, whichever member of the set this job is.
+    appendResults(report.results);
+}
+
+void ConversionTask::showStatus(const QString &text)
+{
+    setTopTextFieldString(text);
+    setTopTextFieldValue();
+}
+
+void ConversionTask::copyTags(const std::function<void()> &copy)
+{
+    // A job that was cancelled while it waited, or whose program is missing, made no
+    // output: whatever has that name belongs to someone else.
+    if (!hasRun())
+        return;
+    try {
+        copy();
+    } catch (const NurvFailure &failure) {
+        qCWarning(convertLog).noquote() << "Tags not copied:" << fileName() << "->" << outputFile() << ':'
+                                        << failure.reason();
+    }
+}
+
+void ConversionTask::deleteSourceIfDone()
+{
+    if (!m_deleteOriginal || error() || cancelled())
+        return;
+    if (isSameFile(m_fileName, outputFile())) {
+        qCWarning(convertLog).noquote() << "Kept, since it is the output itself:" << m_fileName;
+        return;
+    }
+    Util::deleteFile(m_fileName);
+}
+
+void ConversionTask::dropResultsUnlessFailed()
+{
+    if (!error())
+        setResults(nullptr);
+}
+
+} // namespace nurv

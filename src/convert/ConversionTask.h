@@ -1,0 +1,54 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "convert/ToolOutputParsers.h"
+#include "engine/NURVAsyncNSTask.h"
+
+#include <functional>
+#include <memory>
+
+namespace nurv {
+
+/// One file converted by one program: what the five conversion jobs have in common.
+///
+///     child ──> processTaskOutput(chunk) ──> parseOutput ──> status line, progress, report
+///       └─ end ──> cleanup: tags, then the source is deleted if that was asked for
+///
+/// Lives on the GUI thread like every command job.
+class ConversionTask : public NURVAsyncNSTask {
+public:
+    /// The source, as an absolute path.
+    [[nodiscard]] const QString &fileName() const { return m_fileName; }
+    /// The file that the program makes.
+    [[nodiscard]] virtual QString outputFile() const = 0;
+
+    /// Whether the source is deleted once the job has succeeded.
+    [[nodiscard]] bool deleteOriginal() const { return m_deleteOriginal; }
+    void setDeleteOriginal(bool deleteOriginal) { m_deleteOriginal = deleteOriginal; }
+
+protected:
+    /// Names the job's row after the source.
+    ConversionTask(NURVTaskQueue *queue, const QString &launchPath, const QStringList &arguments,
+                   const QString &fileName);
+
+    void processTaskOutput(const QString &chunk) final;
+    [[nodiscard]] virtual toolOutput::ChunkReport parseOutput(const QString &chunk) const = 0;
+
+    /// Shows the next status line.
+    void showStatus(const QString &text);
+    /// Runs `copy`, which copies tags to the output. What it throws goes to the log:
+    /// the output then stays without tags and the job's state stays as it is.
+    void copyTags(const std::function<void()> &copy);
+    /// Deletes the source if that was asked for and the job succeeded. A source that
+    /// is the output itself stays: it is the only copy.
+    void deleteSourceIfDone();
+    /// Lets go of the result set unless the job failed: nothing is to be reported.
+    void dropResultsUnlessFailed();
+
+private:
+    QString m_fileName;
+    bool m_deleteOriginal = false;
+};
+
+} // namespace nurv

@@ -1,0 +1,45 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "convert/DecodeFlacTask.h"
+
+#include "app/PathNames.h"
+#include "tags/TagLibTagsHelper.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+DecodeFlacTask::DecodeFlacTask(const QString &fileName, NURVTaskQueue *queue, const QString &launchPath,
+                               const QStringList &arguments)
+    : ConversionTask(queue, launchPath, arguments, fileName)
+{
+}
+
+QString DecodeFlacTask::outputFile() const
+{
+    return arguments().value(arguments().size() - 1);
+}
+
+toolOutput::ChunkReport DecodeFlacTask::parseOutput(const QString &chunk) const
+{
+    return toolOutput::parseFlacDecoding(chunk);
+}
+
+void DecodeFlacTask::cleanup()
+{
+    // Before the row is painted, so that the set opens no output window.
+    dropResultsUnlessFailed();
+    if (formatWord(outputFile()) == u"AIFF" && formatWord(fileName()) == u"FLAC")
+        copyTags([this] { getFlacTags(); });
+    deleteSourceIfDone();
+}
+
+void DecodeFlacTask::getFlacTags()
+{
+    const TagsObject tags = TagLibTagsHelper::tagsForFlacFile(fileName());
+    showStatus(u"Copying Flac Tags"_s);
+    if (pathExtension(outputFile()) == u"aiff")
+        TagLibTagsHelper::writeTagsForAIFFFile(outputFile(), tags);
+}
+
+} // namespace nurv

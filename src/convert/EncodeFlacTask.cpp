@@ -1,0 +1,52 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "convert/EncodeFlacTask.h"
+
+#include "app/PathNames.h"
+#include "tags/TagLibTagsHelper.h"
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+EncodeFlacTask::EncodeFlacTask(const QString &fileName, NURVTaskQueue *queue, const QString &launchPath,
+                               const QStringList &arguments, std::shared_ptr<NURVTaskResults> results)
+    : ConversionTask(queue, launchPath, arguments, fileName)
+{
+    setResults(std::move(results));
+}
+
+QString EncodeFlacTask::outputFile() const
+{
+    return arguments().value(arguments().size() - 1);
+}
+
+toolOutput::ChunkReport EncodeFlacTask::parseOutput(const QString &chunk) const
+{
+    return toolOutput::parseFlacEncoding(chunk);
+}
+
+void EncodeFlacTask::cleanup()
+{
+    const QString format = formatWord(fileName());
+    if (format == u"AIFF" || format == u"AIF")
+        copyTags([this] { getAiffTags(); });
+    deleteSourceIfDone();
+}
+
+void EncodeFlacTask::getAiffTags()
+{
+    showStatus(u"Reading AIFF Tags"_s);
+    const TagsObject tags = TagLibTagsHelper::tagsForAIFFFile(fileName());
+    showStatus(u"Writing Flac Tags"_s);
+    TagLibTagsHelper::writeTagsForFLACFile(outputFile(), tags, true);
+}
+
+void EncodeFlacTask::finalCleanup()
+{
+    dropResultsUnlessFailed();
+}
+
+} // namespace nurv

@@ -1,0 +1,41 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "convert/EncodeSHNTask.h"
+
+#include "app/PathNames.h"
+#include "convert/ConversionArguments.h"
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+EncodeSHNTask::EncodeSHNTask(NURVTaskQueue *queue, const QString &launchPath, const QStringList &arguments,
+                             std::shared_ptr<NURVTaskResults> results)
+    : ConversionTask(queue, launchPath, arguments, arguments.value(conversionArguments::kShntoolSource))
+{
+    setResults(std::move(results));
+}
+
+QString EncodeSHNTask::outputFile() const
+{
+    return outputPath(arguments().value(conversionArguments::kShntoolSource - 1), fileName(), u"shn"_s);
+}
+
+toolOutput::ChunkReport EncodeSHNTask::parseOutput(const QString &chunk) const
+{
+    return toolOutput::parseShortenEncoding(chunk);
+}
+
+void EncodeSHNTask::cleanup()
+{
+    deleteSourceIfDone();
+}
+
+void EncodeSHNTask::finalCleanup()
+{
+    dropResultsUnlessFailed();
+}
+
+} // namespace nurv

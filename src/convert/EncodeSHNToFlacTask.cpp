@@ -1,0 +1,53 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "convert/EncodeSHNToFlacTask.h"
+
+#include "app/PathNames.h"
+#include "convert/ConversionArguments.h"
+#include "tags/TagLibTagsHelper.h"
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+EncodeSHNToFlacTask::EncodeSHNToFlacTask(NURVTaskQueue *queue, const QString &launchPath,
+                                         const QStringList &arguments, const QString &type,
+                                         std::shared_ptr<NURVTaskResults> results)
+    : ConversionTask(queue, launchPath, arguments, arguments.value(conversionArguments::kShntoolSource)),
+      m_outputPath(arguments.value(conversionArguments::kFlacByShntoolFolder)), m_type(type)
+{
+    setResults(std::move(results));
+}
+
+QString EncodeSHNToFlacTask::outputFile() const
+{
+    return nurv::outputPath(m_outputPath, fileName(), u"flac"_s);
+}
+
+toolOutput::ChunkReport EncodeSHNToFlacTask::parseOutput(const QString &chunk) const
+{
+    return toolOutput::parseFlacByShntool(chunk, m_type);
+}
+
+void EncodeSHNToFlacTask::cleanup()
+{
+    if (formatWord(fileName()) == u"APE")
+        copyTags([this] { getApeTags(); });
+    deleteSourceIfDone();
+}
+
+void EncodeSHNToFlacTask::getApeTags()
+{
+    const TagsObject tags = TagLibTagsHelper::tagsForAPEFile(fileName());
+    showStatus(u"Writing Flac Tags"_s);
+    TagLibTagsHelper::writeTagsForFLACFile(outputFile(), tags, false);
+}
+
+void EncodeSHNToFlacTask::finalCleanup()
+{
+    dropResultsUnlessFailed();
+}
+
+} // namespace nurv

@@ -1,0 +1,241 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "convert/EncodeTab.h"
+
+#include "app/NURVController.h"
+#include "app/PathNames.h"
+#include "app/UserPrompts.h"
+#include "checksum/ChecksumList.h"
+#include "checksum/CreateFFPTask.h"
+#include "checksum/CreateMD5Task.h"
+#include "convert/ConversionArguments.h"
+#include "convert/ConversionPrompts.h"
+#include "convert/EncodeFlacTask.h"
+#include "convert/EncodeSHNTask.h"
+#include "convert/EncodeSHNToFlacTask.h"
+#include "engine/NURVTaskQueue.h"
+#include "engine/NURVTaskResults.h"
+#include "platform/SettingsStore.h"
+
+#include <QDir>
+#include <QHash>
+#include <QMap>
+
+#include <algorithm>
+#include <optional>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+/// What holds for every job of one press of the button.
+struct EncodeTab::Batch {
+    QString format;
+    std::optional<QString> chosenFolder; ///< nothing: beside each source
+    bool overwrite = false;
+    std::shared_ptr<NURVTaskResults> results;
+
+    [[nodiscard]] QString folderFor(const QString &source) const
+    {
+        return chosenFolder ? *chosenFolder : folderOf(source);
+    }
+    [[nodiscard]] QString outputFor(const QString &source) const
+    {
+        return outputPath(folderFor(source), source, format.toLower());
+    }
+};
+
+EncodeTab::EncodeTab(NURVController &controller)
+    : BaseTab(controller, u"encode"_s),
+      outputFormatMatrix({u"SHN"_s, u"WV"_s, u"FLAC"_s, u"TTA"_s, u"APE"_s, u"M4A"_s}, 2),
+      flacSlider(0, 8, 1, 5), apeSlider(1000, 5000, 1000, 2000), wavepackFormatMatrix({u"Fast"_s, u"High"_s}, 2)
+{
+    sourceEncodeButton.bindToSetting(u"encodeToSourceDirectory"_s);
+    outputFormatMatrix.bindToSetting(u"encodeOutputFormat"_s);
+    flacSlider.bindToSetting(u"encodeFlacLevel"_s);
+    const SettingsStore &settings = SettingsStore::instance();
+    flacVerifyButton.setOn(settings.integer(u"flacVerifyButton"_s) != 0);
+    flacKeepForeignMetadataButton.setOn(settings.integer(u"flacKeepForeignMetadataButton"_s) != 0);
+    generateFFPButton.setOn(settings.integer(u"flacGenerateFFPButton"_s) != 0);
+    connect(&outputFormatMatrix, &Control::valueChanged, this, &EncodeTab::displayRelevantOptions);
+}
+
+QString EncodeTab::outputFormat() const
+{
+    return outputFormatMatrix.selectedTitle();
+}
+
+void EncodeTab::displayRelevantOptions()
+{
+    const QString format = outputFormat();
+    const bool isFlac = format == u"FLAC";
+    generateMD5Button.setEnabled(format == u"SHN");
+    flacVerifyButton.setEnabled(isFlac);
+    flacLaxButton.setEnabled(isFlac);
+    flacSlider.setEnabled(isFlac);
+    flacKeepForeignMetadataButton.setEnabled(isFlac);
+    apeSlider.setEnabled(format == u"APE");
+    wavepackFormatMatrix.setEnabled(format == u"WV");
+    generateFFPButton.setEnabled(isFlac);
+
+    SettingsStore &settings = SettingsStore::instance();
+    settings.setValue(u"flacVerifyButton"_s, flacVerifyButton.isOn() ? 1 : 0);
+    settings.setValue(u"flacKeepForeignMetadataButton"_s, flacKeepForeignMetadataButton.isOn() ? 1 : 0);
+    settings.setValue(u"flacGenerateFFPButton"_s, generateFFPButton.isOn() ? 1 : 0);
+}
+
+void EncodeTab::executeCommand()
+{
+    if (fileNames().isEmpty())
+        return;
+    Batch batch{.format = outputFormat(), .chosenFolder = {}, .overwrite = false, .results = {}};
+    if (!formatsAreAvailable(batch.format)) {
+        tellFormatIsNotAvailable(nurvController().prompts());
+        return;
+    }
+    if (!confirmDeletingOriginals(deleteOriginalsButton.isOn()) || !chooseOutput(batch))
+        return;
+    batch.results = std::make_shared<NURVTaskResults>();
+    batch.results->setTaskAfterSetDone(afterBatchTask(batch));
+    queueTasks(batch);
+    clearFiles();
+}
+
+bool EncodeTab::formatsAreAvailable(const QString &format) const
+{
+    if (format == u"WV" || format == u"TTA" || format == u"APE" || format == u"M4A")
+        return false;
+    return format != u"FLAC" || std::none_of(fileNames().begin(), fileNames().end(), [](const QString &source) {
+        const QString word = formatWord(source);
+        return word == u"M4A" || word == u"WV";
+    });
+}
+
+bool EncodeTab::chooseOutput(Batch &batch)
+{
+    if (!sourceEncodeButton.isOn()) {
+        batch.chosenFolder = chooseOutputFolder();
+        return batch.chosenFolder.has_value();
+    }
+    if (batch.format != u"FLAC" || !anyOutputExists())
+        return true;
+    const Alert question{.title = u"One of the output files already exists and will be overwritten.  "
+                                  "Are you sure you want to continue?"_s,
+                         .message = {},
+                         .buttons = {u"No"_s, u"Yes"_s}};
+    batch.overwrite = nurvController().prompts().ask(question) == u"Yes";
+    return batch.overwrite;
+}
+
+bool EncodeTab::anyOutputExists() const
+{
+    QMap<QString, QSet<QString>> outputsByFolder;
+    for (const QString &source : fileNames())
+        outputsByFolder[folderOf(source)].insert(outputPath(folderOf(source), source, u"flac"_s));
+    for (auto folder = outputsByFolder.cbegin(); folder != outputsByFolder.cend(); ++folder) {
+        if (isFileClash(getFilesFromOutputDirectory(folder.key(), u"flac"_s), folder.value()))
+            return true;
+    }
+    return false;
+}
+
+QStringList EncodeTab::getFilesFromOutputDirectory(const QString &folder, const QString &extension)
+{
+    QStringList paths;
+    const QStringList names = QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System
+                                                     | QDir::NoDotAndDotDot);
+    for (const QString &name : names) {
+        if (formatWord(name) == extension.toUpper())
+            paths.append(joinPath(folder, name));
+    }
+    return paths;
+}
+
+bool EncodeTab::isFileClash(const QStringList &existing, const QSet<QString> &outputFiles)
+{
+    return std::any_of(existing.begin(), existing.end(),
+                       [&](const QString &path) { return outputFiles.contains(path); });
+}
+
+std::shared_ptr<NURVTask> EncodeTab::afterBatchTask(const Batch &batch) const
+{
+    if (generateMD5Button.isOn() && batch.format == u"SHN")
+        return md5Task(batch);
+    if (generateFFPButton.isOn() && batch.format == u"FLAC")
+        return ffpTask(batch);
+    return nullptr;
+}
+
+std::shared_ptr<NURVTask> EncodeTab::md5Task(const Batch &batch) const
+{
+    QStringList outputs;
+    for (const QString &source : fileNames())
+        outputs.append(batch.outputFor(source));
+    const QString folder = batch.folderFor(fileNames().first());
+    const bool namedAfterFolder = SettingsStore::instance().boolean(u"checksumFileUsesOutputDirName"_s);
+    const QString list = joinPath(folder, checksumList::md5FileName(folder, namedAfterFolder));
+    return std::make_shared<CreateMD5Task>(&nurvController().taskQueue(), outputs, list);
+}
+
+std::shared_ptr<NURVTask> EncodeTab::ffpTask(const Batch &batch) const
+{
+    QMap<QString, QStringList> outputsByFolder;
+    for (const QString &source : fileNames())
+        outputsByFolder[batch.folderFor(source)].append(batch.outputFor(source));
+    const QString extension = SettingsStore::instance().string(u"ffpExtension"_s);
+    return std::make_shared<CreateFFPTask>(&nurvController().taskQueue(), outputsByFolder,
+                                           checksumList::ffpFileName(QString(), extension, false));
+}
+
+void EncodeTab::queueTasks(const Batch &batch)
+{
+    // Sources of one name share an output, and only one of them will be in it.
+    QHash<QString, int> sharers;
+    for (const QString &source : fileNames())
+        ++sharers[batch.outputFor(source)];
+
+    NURVTaskQueue *const queue = &nurvController().taskQueue();
+    for (const QString &source : fileNames()) {
+        std::shared_ptr<ConversionTask> task;
+        if (batch.format == u"SHN")
+            task = encodeSHN(source, batch.folderFor(source), queue, batch.results);
+        else if (batch.format == u"FLAC")
+            task = encodeFLAC(source, batch.folderFor(source), queue, batch.results, batch.overwrite);
+        if (!task)
+            continue;
+        batch.results->addTaskInSet(*task);
+        task->setDeleteOriginal(deleteOriginalsButton.isOn() && sharers.value(batch.outputFor(source)) == 1);
+        queue->addTask(task);
+    }
+}
+
+std::shared_ptr<ConversionTask> EncodeTab::encodeSHN(const QString &source, const QString &outputFolder,
+                                                     NURVTaskQueue *queue,
+                                                     const std::shared_ptr<NURVTaskResults> &results) const
+{
+    return std::make_shared<EncodeSHNTask>(queue, joinPath(pathToCommandLineTools(), u"shntool"_s),
+                                           conversionArguments::encodeShorten(source, outputFolder), results);
+}
+
+std::shared_ptr<ConversionTask> EncodeTab::encodeFLAC(const QString &source, const QString &outputFolder,
+                                                      NURVTaskQueue *queue,
+                                                      const std::shared_ptr<NURVTaskResults> &results,
+                                                      bool overwrite) const
+{
+    const conversionArguments::FlacEncoding encoding{.level = flacSlider.integerValue(),
+                                                     .lax = flacLaxButton.isOn(),
+                                                     .keepForeignMetadata = flacKeepForeignMetadataButton.isOn(),
+                                                     .verify = flacVerifyButton.isOn(),
+                                                     .overwrite = overwrite};
+    const QString type = formatWord(source);
+    if (type == u"SHN" || type == u"APE") {
+        return std::make_shared<EncodeSHNToFlacTask>(
+            queue, joinPath(pathToCommandLineTools(), u"shntool"_s),
+            conversionArguments::flacByShntool(encoding, source, outputFolder), type, results);
+    }
+    const QString output = outputPath(outputFolder, source, u"flac"_s);
+    return std::make_shared<EncodeFlacTask>(source, queue, joinPath(pathToCommandLineTools(), u"flac"_s),
+                                            conversionArguments::encodeFlac(encoding, source, output), results);
+}
+
+} // namespace nurv

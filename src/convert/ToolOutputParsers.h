@@ -1,0 +1,37 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+#include <QStringView>
+
+#include <optional>
+
+namespace nurv::toolOutput {
+
+// What the conversion programs write, read chunk by chunk: a chunk is what one read
+// of the pipe gave, with lines neither split nor joined, backspaces included.
+
+/// What one chunk means to a row and to the report.
+struct ChunkReport {
+    std::optional<QString> status;  ///< the next status line; nothing: it stays
+    std::optional<double> progress; ///< 0 to 100; comes with `status`
+    QString results;                ///< to be appended to the report
+};
+
+/// `flac` encoding: "x.wav: 45% complete, ratio=0.532".
+[[nodiscard]] ChunkReport parseFlacEncoding(QStringView chunk);
+/// `flac` decoding: "x.flac: 45% complete".
+[[nodiscard]] ChunkReport parseFlacDecoding(QStringView chunk);
+
+// `shntool conv`: "Converting [x.wav] (3:00.00) --> [x.shn] :   0% ", backspaces,
+// "  1% ", …, "100% OK".
+
+/// To Shorten. A chunk with "Converting" or "OK" is in the report more than once.
+[[nodiscard]] ChunkReport parseShortenEncoding(QStringView chunk);
+/// From a file of `type` ("SHN", "APE") to FLAC, reported like `parseShortenEncoding`.
+[[nodiscard]] ChunkReport parseFlacByShntool(QStringView chunk, const QString &type);
+/// From Shorten.
+[[nodiscard]] ChunkReport parseShortenDecoding(QStringView chunk);
+
+} // namespace nurv::toolOutput
