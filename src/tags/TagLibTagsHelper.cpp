@@ -444,13 +444,13 @@ void TagLibTagsHelper::writeTagsForFLACFile(const QString &path, const TagsObjec
     Text fileDate;
     tagLibFile::edit<TagLib::FLAC::File>(path, [&](TagLib::FLAC::File &file) {
         TagLib::Ogg::XiphComment &comment = *file.xiphComment(true);
+        fileDate = fieldText(comment.fieldListMap(), FlacTagHelper::kDate);
         if (writeEmptyTags) {
             removeEverything(file, comment);
             if (!file.save())
                 throw NurvFailure(u"Unable to save the tags."_s);
         }
         writeFlacFields(file, comment, tagObject);
-        fileDate = fieldText(comment.fieldListMap(), FlacTagHelper::kDate);
         refuseOversizedBlocks(file, comment);
     });
     // The date never goes through TagLib: a new one, and one that the file had, is

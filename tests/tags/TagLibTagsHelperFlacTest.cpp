@@ -155,7 +155,7 @@ TEST_F(TagLibTagsHelperFlac, LeavesWhatTheRecordLacksWithoutTheFlag)
     EXPECT_EQ(values(path, u"MOOD"_s), QStringList{u"old"_s});
 }
 
-TEST_F(TagLibTagsHelperFlac, RemovesEveryFieldAndPictureWithTheFlag)
+TEST_F(TagLibTagsHelperFlac, RemovesEveryFieldButTheDateAndEveryPictureWithTheFlag)
 {
     TagsObject record = fullRecord();
     record.setAlbumArt(picture(8, 8, Qt::red));
@@ -167,7 +167,8 @@ TEST_F(TagLibTagsHelperFlac, RemovesEveryFieldAndPictureWithTheFlag)
     TagLibTagsHelper::writeTagsForFLACFile(path, few, true);
     EXPECT_EQ(values(path, u"TITLE"_s), QStringList{u"new"_s});
     EXPECT_EQ(values(path, u"ENCODER"_s).size(), 1);
-    EXPECT_EQ(metaflacTags(path).size(), 2);
+    EXPECT_EQ(values(path, u"DATE"_s).size(), 1);
+    EXPECT_EQ(metaflacTags(path).size(), 3);
     EXPECT_EQ(pictureCount(path), 0);
     expectSoundKept();
 }
@@ -230,8 +231,10 @@ TEST_F(TagLibTagsHelperFlac, KeepsTheOldDateWhenTheRecordHasNone)
     record.setTitleText(u"T"_s);
     for (const auto &date : {TagsObject::Text(), TagsObject::Text(u""_s)}) {
         record.setDateText(date);
-        TagLibTagsHelper::writeTagsForFLACFile(path, record, false);
-        EXPECT_EQ(values(path, u"DATE"_s), QStringList{u"1977-06-05"_s});
+        for (const bool writeEmptyTags : {false, true}) {
+            TagLibTagsHelper::writeTagsForFLACFile(path, record, writeEmptyTags);
+            EXPECT_EQ(values(path, u"DATE"_s), QStringList{u"1977-06-05"_s});
+        }
     }
 }
 
