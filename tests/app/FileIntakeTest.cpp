@@ -1,0 +1,234 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/FileIntake.h"
+
+#include "app/PathNames.h"
+#include "app/RawNamedFile.h"
+#include "support/TestFolder.h"
+
+#include <QFile>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+
+#include <linux/capability.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::UnorderedElementsAre;
+
+namespace nurv {
+
+namespace {
+
+const FileTest kAny = [](const QString &) { return true; };
+const FileTest kFlacOnly = [](const QString &path) { return formatWord(path) == u"FLAC"; };
+
+FileIntake collectedFrom(const QString &path, const FileTest &isValid = kAny)
+{
+    FileIntake intake;
+    collectFiles(path, isValid, intake);
+    return intake;
+}
+
+// Gives a folder another mode for a while.
+class LockedFolder {
+public:
+    LockedFolder(const QString &path, mode_t mode) : m_path(QFile::encodeName(path))
+    {
+        EXPECT_EQ(::chmod(m_path.constData(), mode), 0);
+    }
+    ~LockedFolder() { ::chmod(m_path.constData(), 0700); }
+    LockedFolder(const LockedFolder &) = delete;
+    LockedFolder &operator=(const LockedFolder &) = delete;
+
+private:
+    QByteArray m_path;
+};
+
+// While it lives, modes bind this thread also when it is root's.
+class BoundByModes {
+public:
+    BoundByModes()
+    {
+        EXPECT_EQ(::syscall(SYS_capget, &m_header, m_former.data()), 0);
+        auto limited = m_former;
+        limited[0].effective &= ~((1U << CAP_DAC_OVERRIDE) | (1U << CAP_DAC_READ_SEARCH));
+        EXPECT_EQ(::syscall(SYS_capset, &m_header, limited.data()), 0);
+    }
+    ~BoundByModes() { EXPECT_EQ(::syscall(SYS_capset, &m_header, m_former.data()), 0); }
+    BoundByModes(const BoundByModes &) = delete;
+    BoundByModes &operator=(const BoundByModes &) = delete;
+
+private:
+    __user_cap_header_struct m_header{_LINUX_CAPABILITY_VERSION_3, 0};
+    std::array<__user_cap_data_struct, 2> m_former{};
+};
+
+} // namespace
+
+TEST(FileIntake, FindsFilesAtAnyDepth)
+{
+    const test::TestFolder folder;
+    const QString one = folder.write(u"a.flac"_s, "x");
+    const QString two = folder.write(u"disc 1/b.flac"_s, "x");
+    const QString three = folder.write(u"disc 1/bonus/deep/c.flac"_s, "x");
+    folder.makeFolder(u"empty"_s);
+    EXPECT_THAT(collectedFrom(folder.path()).accepted, UnorderedElementsAre(one, two, three));
+    EXPECT_THAT(collectedFrom(folder.path() + u'/').accepted, UnorderedElementsAre(one, two, three));
+}
+
+TEST(FileIntake, LeavesOutWhatFileBrowsersLeaveBehindButKeepsOtherHiddenFiles)
+{
+    const test::TestFolder folder;
+    folder.write(u".DS_Store"_s, "x");
+    folder.write(u"disc/.TOC.plist"_s, "x");
+    const QString hidden = folder.write(u".hidden.flac"_s, "x");
+    const FileIntake intake = collectedFrom(folder.path());
+    EXPECT_THAT(intake.accepted, ElementsAre(hidden));
+    EXPECT_THAT(intake.badExtensions, IsEmpty());
+    EXPECT_THAT(collectedFrom(folder.path(u".DS_Store"_s)).accepted, IsEmpty());
+}
+
+TEST(FileIntake, TakesAPathThatDoesNotExistForAFile)
+{
+    const test::TestFolder folder;
+    EXPECT_THAT(collectedFrom(folder.path(u"gone.flac"_s)).accepted, ElementsAre(folder.path(u"gone.flac"_s)));
+}
+
+TEST(FileIntake, CollectsTheExtensionsOfRefusedFilesAsWritten)
+{
+    const test::TestFolder folder;
+    folder.write(u"a.txt"_s, "x");
+    folder.write(u"b.TXT"_s, "x");
+    folder.write(u"c"_s, "x");
+    folder.write(u".TOC.plist"_s, "x");
+    const FileIntake intake = collectedFrom(folder.path(), kFlacOnly);
+    EXPECT_THAT(intake.accepted, IsEmpty());
+    EXPECT_THAT(intake.badExtensions, UnorderedElementsAre(u"txt"_s, u"TXT"_s, QString(), u"plist"_s));
+}
+
+TEST(FileIntake, EndsOnLinksThatLeadBack)
+{
+    const test::TestFolder folder;
+    const QString file = folder.write(u"a/b/song.flac"_s, "x");
+    folder.makeLink(u"a/self"_s, folder.path(u"a"_s));
+    folder.makeLink(u"a/b/up"_s, folder.path());
+    folder.makeLink(u"a/b/circle"_s, folder.path(u"a/b/circle"_s));
+    const FileIntake intake = collectedFrom(folder.path());
+    EXPECT_THAT(intake.accepted, UnorderedElementsAre(file, folder.path(u"a/b/circle"_s)));
+    EXPECT_THAT(intake.unreadableFolders, IsEmpty());
+}
+
+TEST(FileIntake, EndsSoonWhereManyFoldersLinkToEachOther)
+{
+    const test::TestFolder folder;
+    constexpr int kFolders = 12;
+    for (int from = 0; from < kFolders; ++from) {
+        folder.write(u"%1/song.flac"_s.arg(from), "x");
+        for (int to = 0; to < kFolders; ++to)
+            folder.makeLink(u"%1/to %2"_s.arg(from).arg(to), folder.path(QString::number(to)));
+    }
+    const QStringList accepted = collectedFrom(folder.path()).accepted;
+    EXPECT_LE(accepted.size(), 2 * kFolders);
+    for (int number = 0; number < kFolders; ++number)
+        EXPECT_TRUE(accepted.contains(folder.path(u"%1/song.flac"_s.arg(number))));
+}
+
+TEST(FileIntake, FollowsLinksToFilesAndFolders)
+{
+    const test::TestFolder folder;
+    const test::TestFolder elsewhere;
+    elsewhere.write(u"song.flac"_s, "x");
+    folder.makeLink(u"disc"_s, elsewhere.path());
+    folder.makeLink(u"one.flac"_s, elsewhere.path(u"song.flac"_s));
+    EXPECT_THAT(collectedFrom(folder.path()).accepted,
+                UnorderedElementsAre(folder.path(u"disc/song.flac"_s), folder.path(u"one.flac"_s)));
+}
+
+TEST(FileIntake, NamesFilesWhoseNamesAreNoUtf8)
+{
+    const test::TestFolder folder;
+    const test::RawNamedFile bad(folder, "caf\xE9.flac");
+    const QString good = folder.write(u"café.flac"_s, "x");
+    const FileIntake intake = collectedFrom(folder.path());
+    EXPECT_THAT(intake.accepted, ElementsAre(good));
+    EXPECT_THAT(intake.unreadableNames, ElementsAre(folder.path(u"caf\\xE9.flac"_s)));
+}
+
+TEST(FileIntake, KeepsBothFormsOfAnAccentedNameApart)
+{
+    const test::TestFolder folder;
+    const QString composed = folder.write(u"caf\u00E9.flac"_s, "1");
+    const QString decomposed = folder.write(u"cafe\u0301.flac"_s, "2");
+    EXPECT_THAT(collectedFrom(folder.path()).accepted, UnorderedElementsAre(composed, decomposed));
+}
+
+TEST(FileIntake, TakesNamesOf255Bytes)
+{
+    const test::TestFolder folder;
+    const QString file = folder.write(QString(250, u'n') + u".flac"_s, "x");
+    EXPECT_THAT(collectedFrom(folder.path(), kFlacOnly).accepted, ElementsAre(file));
+}
+
+TEST(FileIntake, NamesFoldersThatCannotBeListed)
+{
+    const test::TestFolder folder;
+    const QString good = folder.write(u"a.flac"_s, "x");
+    folder.write(u"locked/b.flac"_s, "x");
+    const LockedFolder locked(folder.path(u"locked"_s), 0);
+    const BoundByModes bound;
+    const FileIntake intake = collectedFrom(folder.path());
+    EXPECT_THAT(intake.accepted, ElementsAre(good));
+    EXPECT_THAT(intake.unreadableFolders, ElementsAre(folder.path(u"locked"_s)));
+}
+
+TEST(FileIntake, NamesFoldersThatShowNamesOnly)
+{
+    const test::TestFolder folder;
+    folder.write(u"names only/disc/b.flac"_s, "x");
+    const LockedFolder locked(folder.path(u"names only"_s), 0444);
+    const BoundByModes bound;
+    const FileIntake intake = collectedFrom(folder.path());
+    EXPECT_THAT(intake.accepted, IsEmpty());
+    EXPECT_THAT(intake.unreadableFolders, ElementsAre(folder.path(u"names only"_s)));
+}
+
+TEST(UnreadableAlert, SaysNothingWithoutNeed)
+{
+    FileIntake intake;
+    intake.accepted = {u"/a.flac"_s};
+    intake.badExtensions = {u"txt"_s};
+    EXPECT_FALSE(unreadableAlert(intake).has_value());
+}
+
+TEST(UnreadableAlert, NamesFilesAndFolders)
+{
+    FileIntake intake;
+    intake.unreadableNames = {u"/m/caf\\xE9.flac"_s};
+    intake.unreadableFolders = {u"/m/locked"_s, u"/m/gone"_s};
+    const std::optional<Alert> alert = unreadableAlert(intake);
+    ASSERT_TRUE(alert.has_value());
+    EXPECT_EQ(alert->title, u"Some files could not be read and were skipped"_s);
+    EXPECT_EQ(alert->message,
+              u"File names that are not valid UTF-8:\n/m/caf\\xE9.flac\n\nFolders that cannot be read:\n/m/locked\n/m/gone"_s);
+    EXPECT_THAT(alert->buttons, ElementsAre(u"OK"_s));
+}
+
+TEST(UnreadableAlert, ShowsTheBeginningOfALongList)
+{
+    FileIntake intake;
+    for (int number = 1; number <= 23; ++number)
+        intake.unreadableFolders.append(u"/m/%1"_s.arg(number));
+    const std::optional<Alert> alert = unreadableAlert(intake);
+    ASSERT_TRUE(alert.has_value());
+    EXPECT_TRUE(alert->message.endsWith(u"\n/m/20\nand 3 more"_s));
+}
+
+} // namespace nurv
