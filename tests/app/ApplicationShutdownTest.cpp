@@ -143,14 +143,14 @@ TEST_F(ApplicationShutdown, WakesAWorkerThatWaitsForTheGuiThread)
     std::atomic<bool> hasEnded = false;
     queue().addTask(std::make_shared<FunctionTask>(&queue(), [&](FunctionTask &task) {
         isWaiting = true;
+        isWaiting.notify_all();
         task.showProgress(); // this thread serves it only once it runs its events
         while (!task.cancelled())
             std::this_thread::yield();
         task.showProgress();
         hasEnded = true;
     }));
-    while (!isWaiting)
-        std::this_thread::yield();
+    isWaiting.wait(false);
     QElapsedTimer time;
     time.start();
     EXPECT_TRUE(shutDown(queue()));
@@ -178,16 +178,14 @@ TEST_F(ApplicationShutdown, EndsTheProgramThatAWorkerWaitsFor)
 TEST_F(ApplicationShutdown, GivesUpOnAWorkerThatDoesNotEndInFiveSeconds)
 {
     std::atomic<bool> mayEnd = false;
-    queue().addTask(std::make_shared<FunctionTask>(&queue(), [&](FunctionTask &) {
-        while (!mayEnd)
-            std::this_thread::yield();
-    }));
+    queue().addTask(std::make_shared<FunctionTask>(&queue(), [&](FunctionTask &) { mayEnd.wait(false); }));
     QElapsedTimer time;
     time.start();
     EXPECT_FALSE(shutDown(queue()));
     EXPECT_GE(time.elapsed(), 5000);
     EXPECT_LT(time.elapsed(), 9000);
     mayEnd = true;
+    mayEnd.notify_all();
     EXPECT_TRUE(workerThreads::waitForAll(5s));
 }
 
