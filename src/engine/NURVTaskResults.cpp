@@ -83,6 +83,13 @@ QString NURVTaskResults::results() const
     return joined;
 }
 
+QString NURVTaskResults::results(const NURVTask &task) const
+{
+    const std::scoped_lock lock(m_lock);
+    const auto slot = m_resultsBySlot.find(slotOf(task));
+    return slot == m_resultsBySlot.end() ? QString() : slot->second;
+}
+
 bool NURVTaskResults::allDoneLocked() const
 {
     return std::all_of(m_tasksInSet.begin(), m_tasksInSet.end(), [](const auto &member) {

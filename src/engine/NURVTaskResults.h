@@ -44,6 +44,9 @@ public:
     /// line feed.
     [[nodiscard]] QString results() const;
 
+    /// The text of the job's own slot; empty for a job that is no member.
+    [[nodiscard]] QString results(const NURVTask &task) const;
+
     [[nodiscard]] bool allTasksDone() const;
     [[nodiscard]] bool taskSetDone() const;
     void setTaskSetDone(bool done);
