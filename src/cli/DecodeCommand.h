@@ -1,0 +1,22 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "cli/BatchCommand.h"
+
+namespace nurv {
+
+/// `nurv decode`: the decode tab.
+class DecodeCommand final : public BatchCommand {
+public:
+    [[nodiscard]] const CommandSpec &spec() const override;
+    [[nodiscard]] bool asksBeforeOverwriting(const ParsedArguments &arguments) const override;
+    [[nodiscard]] bool takes(const QString &path) const override;
+    void check(const ParsedArguments &arguments) const override;
+    [[nodiscard]] std::unique_ptr<BaseTab> makeTab(NURVController &controller,
+                                                   const ParsedArguments &arguments) const override;
+    [[nodiscard]] NeededPrograms neededPrograms(const ParsedArguments &arguments,
+                                                const QStringList &files) const override;
+};
+
+} // namespace nurv

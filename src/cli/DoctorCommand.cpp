@@ -1,0 +1,165 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/DoctorCommand.h"
+
+#include "cli/Console.h"
+#include "cli/TextWidth.h"
+#include "platform/ExternalPrograms.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QStringList>
+
+#include <algorithm>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+struct Finding {
+    const ExternalProgram &program;
+    ProgramStatus status;
+};
+
+bool isFound(const Finding &finding)
+{
+    return finding.status.state == ProgramStatus::State::Found;
+}
+
+/// The programs without which the everyday conversions do not work.
+bool isRequired(const QString &name)
+{
+    return name == u"flac" || name == u"metaflac" || name == u"shntool";
+}
+
+QString stateText(const Finding &finding)
+{
+    switch (finding.status.state) {
+    case ProgramStatus::State::Found: return u"found"_s;
+    case ProgramStatus::State::NotExecutable: return u"not executable"_s;
+    case ProgramStatus::State::NotFound: break;
+    }
+    return u"not found"_s;
+}
+
+QString providerOf(const ExternalProgram &program)
+{
+    if (!program.isBundled)
+        return program.package;
+    return program.package.isEmpty() ? u"bundled"_s : u"bundled + "_s + program.package;
+}
+
+QString table(const std::vector<QStringList> &rows)
+{
+    std::vector<int> widths;
+    for (const QStringList &row : rows) {
+        widths.resize(std::max(widths.size(), static_cast<std::size_t>(row.size())));
+        for (qsizetype i = 0; i < row.size(); ++i) {
+            int &width = widths[static_cast<std::size_t>(i)];
+            width = std::max(width, displayWidth(row[i]));
+        }
+    }
+    QString text;
+    for (const QStringList &row : rows) {
+        for (qsizetype i = 0; i < row.size(); ++i) {
+            const int padding = widths[static_cast<std::size_t>(i)] - displayWidth(row[i]) + 2;
+            text += row[i];
+            if (i + 1 < row.size())
+                text += QString(padding, u' ');
+        }
+        text += u'\n';
+    }
+    return text;
+}
+
+QString readableReport(const std::vector<Finding> &findings)
+{
+    std::vector<QStringList> rows{{u"PROGRAM"_s, u"STATE"_s, u"VERSION"_s, u"PACKAGE"_s, u"WHERE"_s, u"PURPOSE"_s}};
+    for (const Finding &finding : findings) {
+        const QString version = finding.status.version.isEmpty() ? u"-"_s : finding.status.version;
+        rows.push_back({finding.program.name, stateText(finding), version, providerOf(finding.program),
+                        finding.status.path, finding.program.purpose});
+    }
+    return table(rows);
+}
+
+QString jsonReport(const std::vector<Finding> &findings, const QStringList &missing, ExitStatus status)
+{
+    QString text;
+    const auto addLine = [&text](const QJsonObject &object) {
+        text += QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)) + u'\n';
+    };
+    for (const Finding &finding : findings) {
+        addLine({{u"type"_s, u"program"_s},
+                 {u"name"_s, finding.program.name},
+                 {u"found"_s, isFound(finding)},
+                 {u"state"_s, stateText(finding)},
+                 {u"path"_s, finding.status.path},
+                 {u"version"_s, finding.status.version},
+                 {u"package"_s, finding.program.package},
+                 {u"bundled"_s, finding.program.isBundled},
+                 {u"required"_s, isRequired(finding.program.name)},
+                 {u"purpose"_s, finding.program.purpose}});
+    }
+    addLine({{u"type"_s, u"doctor"_s},
+             {u"missing"_s, QJsonArray::fromStringList(missing)},
+             {u"exitStatus"_s, static_cast<int>(status)}});
+    return text;
+}
+
+CommandSpec makeSpec()
+{
+    CommandSpec spec;
+    spec.name = u"doctor"_s;
+    spec.summary = u"tell which external programs are there, and what provides the others"_s;
+    spec.synopsis = u"[OPTION]..."_s;
+    spec.details = u"Looks every external program up in the folder of the tools and asks it for its\n"
+                   "version. flac, metaflac and shntool are required; the others are needed for the\n"
+                   "formats that they stand for."_s;
+    spec.options = {
+        {u"json"_s, {}, u"print one JSON object per program and one for the whole"_s},
+        {u"quiet"_s, {}, u"print nothing; the exit status tells"_s},
+        {u"jobs"_s, u"N"_s, u"accepted as everywhere; there are no jobs"_s},
+        {u"yes"_s, {}, u"accepted as everywhere; there are no questions"_s},
+        {u"no"_s, {}, u"accepted as everywhere; there are no questions"_s},
+        {u"version"_s, {}, u"print the version and end"_s},
+        {u"help"_s, {}, u"print this text and end"_s},
+    };
+    return spec;
+}
+
+} // namespace
+
+const CommandSpec &DoctorCommand::spec()
+{
+    static const CommandSpec spec = makeSpec();
+    return spec;
+}
+
+ExitStatus DoctorCommand::run(const ParsedArguments &arguments, Console &console)
+{
+    if (!arguments.operands.isEmpty())
+        throw UsageError(u"doctor takes no files"_s);
+    std::vector<Finding> findings;
+    QStringList missing;
+    bool requiredIsMissing = false;
+    for (const ExternalProgram &program : externalPrograms()) {
+        findings.push_back({program, checkProgram(program)});
+        if (isFound(findings.back()))
+            continue;
+        missing.append(program.name);
+        requiredIsMissing = requiredIsMissing || isRequired(program.name);
+    }
+    const ExitStatus status = requiredIsMissing ? ExitStatus::MissingProgram : ExitStatus::Ok;
+    if (arguments.has(u"json"_s))
+        console.writeOutput(jsonReport(findings, missing, status));
+    else if (!arguments.has(u"quiet"_s))
+        console.writeOutput(readableReport(findings));
+    return status;
+}
+
+} // namespace nurv

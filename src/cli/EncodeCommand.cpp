@@ -1,0 +1,192 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/EncodeCommand.h"
+
+#include "app/PathNames.h"
+#include "convert/EncodeTab.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+/// In the order of the cells of the format matrix.
+const QStringList &formats()
+{
+    static const QStringList list{u"shn"_s, u"wv"_s, u"flac"_s, u"tta"_s, u"ape"_s, u"m4a"_s};
+    return list;
+}
+
+constexpr int kDefaultFlacLevel = 5;
+constexpr int kFastest = 1000;
+constexpr int kStrongest = 5000;
+
+QString formatOf(const ParsedArguments &arguments)
+{
+    return chosenFormat(arguments, formats(), u"flac"_s);
+}
+
+void checkLevel(const ParsedArguments &arguments, const QString &format)
+{
+    requireFormat(arguments, u"level"_s, {u"flac"_s, u"ape"_s}, format);
+    if (!arguments.has(u"level"_s))
+        return;
+    if (format == u"flac") {
+        static_cast<void>(arguments.number(u"level"_s, 0, 8));
+    } else if (arguments.number(u"level"_s, kFastest, kStrongest) % kFastest != 0) {
+        throw UsageError(u"--level takes 1000, 2000, 3000, 4000 or 5000 with --format ape, not \"%1\""_s.arg(
+            arguments.value(u"level"_s)));
+    }
+}
+
+/// What reads a source of that kind before its samples reach the encoder.
+NeededPrograms readersOf(const QString &sourceFormat)
+{
+    if (sourceFormat == u"SHN")
+        return {{u"shntool"_s}, {u"shorten"_s}};
+    if (sourceFormat == u"FLAC")
+        return {{u"flac"_s}, {}};
+    if (sourceFormat == u"APE")
+        return {{u"mac"_s}, {}};
+    if (sourceFormat == u"WV")
+        return {{u"wvunpack"_s}, {}};
+    return {};
+}
+
+/// What `shntool` starts to read a source of that kind.
+NeededPrograms shntoolReadersOf(const QString &sourceFormat)
+{
+    NeededPrograms programs = readersOf(sourceFormat);
+    programs.launched.removeAll(u"shntool"_s);
+    programs.helpers += programs.launched;
+    programs.launched = QStringList{u"shntool"_s};
+    if (sourceFormat == u"TTA")
+        programs.helpers.append(u"ttaenc"_s);
+    return programs;
+}
+
+NeededPrograms programsForFlac(const QString &sourceFormat)
+{
+    if (sourceFormat == u"SHN" || sourceFormat == u"APE") {
+        NeededPrograms programs = shntoolReadersOf(sourceFormat);
+        programs.helpers.append(u"flac"_s);
+        return programs;
+    }
+    NeededPrograms programs{{u"flac"_s}, {}};
+    if (sourceFormat == u"WV")
+        programs.launched << u"wvunpack"_s << u"metaflac"_s;
+    else if (sourceFormat == u"M4A")
+        programs.launched << u"metaflac"_s;
+    return programs;
+}
+
+NeededPrograms programsFor(const QString &format, const QString &sourceFormat)
+{
+    if (format == u"flac")
+        return programsForFlac(sourceFormat);
+    if (format == u"shn") {
+        NeededPrograms programs = shntoolReadersOf(sourceFormat);
+        programs.helpers.append(u"shorten"_s);
+        return programs;
+    }
+    if (format == u"wv")
+        return {{u"wavpack"_s}, {}};
+    if (format == u"tta")
+        return {{u"ttaenc"_s}, {}};
+    if (format == u"ape")
+        return {{u"mac"_s}, {}};
+    NeededPrograms programs = readersOf(sourceFormat);
+    programs.launched.append(u"AtomicParsley"_s);
+    return programs;
+}
+
+CommandSpec makeSpec()
+{
+    CommandSpec spec;
+    spec.name = u"encode"_s;
+    spec.summary = u"turn files into FLAC, Shorten, WavPack, Monkey's Audio, TTA or Apple Lossless"_s;
+    spec.synopsis = u"[OPTION]... (--output-dir DIR | --beside-source) PATH..."_s;
+    spec.details = u"Encodes every WAV, AIFF, FLAC, Shorten, WavPack, TTA, Monkey's Audio and Apple\n"
+                   "Lossless file that the paths name; folders are searched with all that is in them."_s;
+    spec.options = {
+        {u"format"_s, u"FORMAT"_s, u"flac (default), shn, wv, ape, tta or m4a"_s},
+        {u"level"_s, u"N"_s, u"flac: 0 to 8 (default 5); ape: 1000, 2000, ... 5000 (default 2000)"_s},
+        {u"mode"_s, u"MODE"_s, u"wv: fast (default) or high"_s},
+        {u"lax"_s, {}, u"flac: allow streams outside the subset; the level is then not used"_s},
+        {u"verify"_s, {}, u"flac: decode while encoding and compare"_s},
+        {u"keep-foreign-metadata"_s, {}, u"flac: keep the chunks of WAV and AIFF files that hold no audio"_s},
+        {u"ffp"_s, {}, u"flac: write a fingerprint list into every output folder afterwards"_s},
+        {u"md5"_s, {}, u"shn: write an MD5 list of the outputs afterwards"_s},
+        {u"overwrite"_s, {}, u"flac with --beside-source: replace outputs that exist without asking"_s},
+    };
+    for (const OptionSpec &option : commonBatchOptions())
+        spec.options.push_back(option);
+    return spec;
+}
+
+} // namespace
+
+const CommandSpec &EncodeCommand::spec() const
+{
+    static const CommandSpec spec = makeSpec();
+    return spec;
+}
+
+bool EncodeCommand::asksBeforeOverwriting(const ParsedArguments &arguments) const
+{
+    return formatOf(arguments) == u"flac" && arguments.has(u"beside-source"_s);
+}
+
+bool EncodeCommand::takes(const QString &) const
+{
+    return true;
+}
+
+void EncodeCommand::check(const ParsedArguments &arguments) const
+{
+    const QString format = formatOf(arguments);
+    for (const QString &option : {u"lax"_s, u"verify"_s, u"keep-foreign-metadata"_s, u"ffp"_s})
+        requireFormat(arguments, option, {u"flac"_s}, format);
+    requireFormat(arguments, u"md5"_s, {u"shn"_s}, format);
+    requireFormat(arguments, u"mode"_s, {u"wv"_s}, format);
+    checkLevel(arguments, format);
+    const QString mode = arguments.value(u"mode"_s);
+    if (arguments.has(u"mode"_s) && mode != u"fast" && mode != u"high")
+        throw UsageError(u"--mode takes fast or high, not \"%1\""_s.arg(mode));
+}
+
+std::unique_ptr<BaseTab> EncodeCommand::makeTab(NURVController &controller, const ParsedArguments &arguments) const
+{
+    const QString format = formatOf(arguments);
+    auto tab = std::make_unique<EncodeTab>(controller);
+    tab->outputFormatMatrix.setSelectedIndex(static_cast<int>(formats().indexOf(format)));
+    tab->displayRelevantOptions();
+    tab->sourceEncodeButton.setOn(arguments.has(u"beside-source"_s));
+    tab->deleteOriginalsButton.setOn(arguments.has(u"delete-originals"_s));
+    tab->generateMD5Button.setOn(arguments.has(u"md5"_s));
+    tab->generateFFPButton.setOn(arguments.has(u"ffp"_s));
+    tab->flacVerifyButton.setOn(arguments.has(u"verify"_s));
+    tab->flacLaxButton.setOn(arguments.has(u"lax"_s));
+    tab->flacKeepForeignMetadataButton.setOn(arguments.has(u"keep-foreign-metadata"_s));
+    tab->wavepackFormatMatrix.setSelectedIndex(arguments.value(u"mode"_s) == u"high" ? 1 : 0);
+    tab->flacSlider.setIntegerValue(kDefaultFlacLevel);
+    if (arguments.has(u"level"_s)) {
+        const int level = arguments.value(u"level"_s).toInt();
+        (format == u"ape" ? tab->apeSlider : tab->flacSlider).setIntegerValue(level);
+    }
+    return tab;
+}
+
+NeededPrograms EncodeCommand::neededPrograms(const ParsedArguments &arguments, const QStringList &files) const
+{
+    const QString format = formatOf(arguments);
+    NeededPrograms programs;
+    for (const QString &file : files)
+        programs.add(programsFor(format, formatWord(file)));
+    if (arguments.has(u"ffp"_s))
+        programs.add({{u"metaflac"_s}, {}});
+    return programs;
+}
+
+} // namespace nurv

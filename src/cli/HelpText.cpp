@@ -1,0 +1,56 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/HelpText.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+constexpr QLatin1String kExitStatus(
+    "Exit status: 0 everything was done; 1 a job failed or something asked for was not\n"
+    "done; 2 wrong usage; 3 a needed program is missing; 130 interrupted.\n");
+
+QString optionText(const OptionSpec &option)
+{
+    return option.valueName.isEmpty() ? u"--"_s + option.name : u"--"_s + option.name + u'=' + option.valueName;
+}
+
+} // namespace
+
+QString generalHelp(const std::vector<const CommandSpec *> &commands)
+{
+    QString text = u"Usage: nurv COMMAND [OPTION]... [PATH]...\n"
+                   "\n"
+                   "Batch work on lossless audio files, without windows.\n"
+                   "\n"
+                   "Commands:\n"_s;
+    for (const CommandSpec *command : commands)
+        text += u"  "_s + command->name.leftJustified(10) + command->summary + u'\n';
+    text += u"\n"
+            "\"nurv COMMAND --help\" tells the options of a command; \"nurv --version\" prints\n"
+            "the version. Options and paths may be mixed; \"--\" ends the options.\n"
+            "\n"_s;
+    return text + kExitStatus;
+}
+
+QString commandHelp(const CommandSpec &command)
+{
+    QString text = u"Usage: nurv %1 %2\n\n%3\n\nOptions:\n"_s.arg(command.name, command.synopsis, command.details);
+    qsizetype width = 0;
+    for (const OptionSpec &option : command.options)
+        width = std::max(width, optionText(option).size());
+    for (const OptionSpec &option : command.options)
+        text += u"  "_s + optionText(option).leftJustified(width + 2) + option.summary + u'\n';
+    return text + u'\n' + kExitStatus;
+}
+
+QString versionText()
+{
+    return u"nurv (Nurv Audio Workbench) " NURV_VERSION "\n"_s;
+}
+
+} // namespace nurv

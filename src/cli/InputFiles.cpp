@@ -1,0 +1,95 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/InputFiles.h"
+
+#include "platform/FileNames.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <optional>
+
+#include <errno.h>
+#include <string.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+QString systemText(int error)
+{
+    return QString::fromLocal8Bit(strerror(error));
+}
+
+/// Why the argument cannot be worked on, or nothing.
+std::optional<QString> obstacle(const QByteArray &path, bool &isFolder)
+{
+    struct stat status {};
+    if (::stat(path.constData(), &status) != 0)
+        return systemText(errno);
+    isFolder = S_ISDIR(status.st_mode);
+    if (!isFolder && !S_ISREG(status.st_mode))
+        return u"it is no regular file"_s;
+    if (::access(path.constData(), R_OK) != 0)
+        return systemText(errno);
+    return std::nullopt;
+}
+
+} // namespace
+
+QString absolutePath(const QString &name)
+{
+    // Joined by hand: the library takes a leading colon for a path of its own.
+    const QString path = name.startsWith(u'/') ? name : QDir::currentPath() + u'/' + name;
+    const qsizetype up = path.lastIndexOf(u"/.."_s);
+    if (up < 0)
+        return QDir::cleanPath(path);
+    const qsizetype rest = up + 3;
+    if (rest < path.size() && path[rest] != u'/')
+        return path;
+    const QString folder = QFileInfo(path.left(rest)).canonicalFilePath();
+    return folder.isEmpty() ? path : QDir::cleanPath(folder + u'/' + path.mid(rest));
+}
+
+InputFiles collectInput(const QList<QByteArray> &arguments, const FileTest &isValid)
+{
+    InputFiles result;
+    for (const QByteArray &argument : arguments) {
+        const std::optional<QString> name = fileNameFromBytes(argument);
+        if (!name) {
+            result.refusals.append(u"%1: the name is not valid UTF-8"_s.arg(displayName(argument)));
+            continue;
+        }
+        bool isFolder = false;
+        if (const std::optional<QString> reason = obstacle(argument, isFolder)) {
+            result.refusals.append(u"%1: %2"_s.arg(*name, *reason));
+            continue;
+        }
+        const FileTest noteRefused = [&](const QString &path) {
+            if (isValid(path))
+                return true;
+            if (!isFolder)
+                result.refusals.append(u"%1: not a file of a kind that this command takes"_s.arg(*name));
+            else if (!isSkippedName(path))
+                result.skipped.append(u"%1: skipped, not of a kind that this command takes"_s.arg(path));
+            return false;
+        };
+        collectFiles(absolutePath(*name), noteRefused, result.intake);
+    }
+    for (const QString &name : std::as_const(result.intake.unreadableNames))
+        result.refusals.append(u"%1: the name is not valid UTF-8"_s.arg(name));
+    for (const QString &folder : std::as_const(result.intake.unreadableFolders))
+        result.refusals.append(u"%1: the folder cannot be read"_s.arg(folder));
+    // Told above by their names; the tab would tell the kinds alone.
+    result.intake.badExtensions.clear();
+    result.intake.unreadableNames.clear();
+    result.intake.unreadableFolders.clear();
+    return result;
+}
+
+} // namespace nurv

@@ -1,0 +1,29 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "app/FileIntake.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+namespace nurv {
+
+/// What the path arguments of a command stand for.
+struct InputFiles {
+    FileIntake intake;    ///< what the tab takes; the refused parts are in `refusals`
+    QStringList refusals; ///< one line for each name that was asked for and cannot be worked on
+    QStringList skipped;  ///< one line for each file in a folder that is of another kind
+};
+
+/// Looks at every argument: files as they are, folders searched as folders
+/// dropped on a window are. Blocks; reads the head of some files.
+[[nodiscard]] InputFiles collectInput(const QList<QByteArray> &arguments, const FileTest &isValid);
+
+/// The absolute path of a name given on the command line. Links are kept, except
+/// in front of "..", where the text alone would lead elsewhere.
+[[nodiscard]] QString absolutePath(const QString &name);
+
+} // namespace nurv

@@ -1,0 +1,61 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "NurvProgram.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+using namespace nurv::test;
+
+namespace {
+
+/// The words that bash offers for the last one of `words`, sorted.
+QStringList completionsOf(const QStringList &words)
+{
+    const QString script = u"source \"$1\"; shift; COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1)); COMPREPLY=(); "
+                           "_nurv; printf '%s\\n' \"${COMPREPLY[@]}\""_s;
+    const ProgramResult result = runProgram(
+        u"bash"_s,
+        QStringList{u"--norc"_s, u"-c"_s, script, u"bash"_s, QString::fromLocal8Bit(NURV_COMPLETION)} + words);
+    EXPECT_EQ(result.exitStatus, 0) << result.errors.constData();
+    QStringList offered = QString::fromUtf8(result.output).split(u'\n', Qt::SkipEmptyParts);
+    offered.sort();
+    return offered;
+}
+
+/// The options that the command's own help lists, sorted.
+QStringList optionsInHelp(const QString &command)
+{
+    QStringList options;
+    const QByteArray help = runNurv({command, u"--help"_s}).output;
+    for (const QByteArray &line : help.split('\n')) {
+        if (line.startsWith("  --"))
+            options.append(QString::fromUtf8(line.trimmed().split(' ').first().split('=').first()));
+    }
+    options.sort();
+    return options;
+}
+
+} // namespace
+
+TEST(Completion, OffersTheCommands)
+{
+    EXPECT_EQ(completionsOf({u"nurv"_s, u""_s}), (QStringList{u"decode"_s, u"doctor"_s, u"encode"_s}));
+    EXPECT_EQ(completionsOf({u"nurv"_s, u"en"_s}), QStringList{u"encode"_s});
+}
+
+TEST(Completion, OffersExactlyTheOptionsThatTheHelpLists)
+{
+    for (const QString &command : {u"encode"_s, u"decode"_s, u"doctor"_s})
+        EXPECT_EQ(completionsOf({u"nurv"_s, command, u"--"_s}), optionsInHelp(command)) << qPrintable(command);
+}
+
+TEST(Completion, OffersTheValuesOfAnOption)
+{
+    EXPECT_EQ(completionsOf({u"nurv"_s, u"encode"_s, u"--format"_s, u""_s}),
+              (QStringList{u"ape"_s, u"flac"_s, u"m4a"_s, u"shn"_s, u"tta"_s, u"wv"_s}));
+    EXPECT_EQ(completionsOf({u"nurv"_s, u"decode"_s, u"--format"_s, u"a"_s}), QStringList{u"aiff"_s});
+    EXPECT_EQ(completionsOf({u"nurv"_s, u"encode"_s, u"--mode"_s, u""_s}), (QStringList{u"fast"_s, u"high"_s}));
+}

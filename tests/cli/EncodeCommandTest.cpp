@@ -1,0 +1,229 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "NurvProgram.h"
+#include "support/AudioFixtures.h"
+#include "support/TestFolder.h"
+#include "support/ToolFolder.h"
+
+#include <QFile>
+#include <QJsonArray>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+using namespace nurv::test;
+
+namespace {
+
+/// The calls that a logged tool was made with, without the program itself.
+QList<QByteArray> callsIn(const TestFolder &folder, const QString &log)
+{
+    QList<QByteArray> calls = folder.read(log).split('\n');
+    calls.removeAll(QByteArray());
+    return calls;
+}
+
+} // namespace
+
+TEST(EncodeCommand, EncodesAFolderIntoAnotherOneWithoutLoss)
+{
+    const TestFolder folder;
+    const QString first = writeWav(folder.path(u"in/a.wav"_s), {.seconds = 0.2});
+    const QString second = writeWav(folder.path(u"in/deep/b 10.wav"_s), {.seconds = 0.2, .seed = 2});
+    const QByteArray before = folder.read(u"in/a.wav"_s);
+    folder.makeFolder(u"out"_s);
+
+    const ProgramResult result = runNurv(
+        {u"encode"_s, u"--format"_s, u"flac"_s, u"--output-dir"_s, folder.path(u"out"_s), folder.path(u"in"_s)});
+
+    EXPECT_EQ(result.exitStatus, 0) << result.errors.constData();
+    EXPECT_EQ(result.output, "");
+    EXPECT_TRUE(sameSound(first, folder.path(u"out/a.flac"_s)));
+    EXPECT_TRUE(sameSound(second, folder.path(u"out/b 10.flac"_s)));
+    EXPECT_EQ(folder.read(u"in/a.wav"_s), before);
+    EXPECT_EQ(folder.list(), (QStringList{u"in/a.wav"_s, u"in/deep/b 10.wav"_s, u"out/a.flac"_s, u"out/b 10.flac"_s}));
+    QList<QByteArray> lines = result.errors.trimmed().split('\n');
+    std::sort(lines.begin(), lines.end());
+    EXPECT_EQ(lines, (QList<QByteArray>{"a.wav: Complete", "b 10.wav: Complete"}));
+}
+
+TEST(EncodeCommand, EveryOptionReachesTheProgram)
+{
+    const TestFolder folder;
+    const QString wav = writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
+    const ToolFolder tools;
+    tools.addLogged(u"flac"_s, folder.path(u"log"_s));
+    const QString flac = folder.path(u"a.flac"_s);
+
+    EXPECT_EQ(runNurv({u"encode"_s, u"--beside-source"_s, u"--level=8"_s, u"--verify"_s, wav}).exitStatus, 0);
+    EXPECT_EQ(
+        runNurv({u"encode"_s, u"--beside-source"_s, u"--lax"_s, u"--keep-foreign-metadata"_s, u"--overwrite"_s, wav})
+            .exitStatus,
+        0);
+    folder.remove(u"a.flac"_s);
+    EXPECT_EQ(runNurv({u"encode"_s, u"--beside-source"_s, wav}).exitStatus, 0);
+
+    const QByteArray source = wav.toUtf8();
+    const QByteArray end = source + "\t-o\t" + flac.toUtf8();
+    EXPECT_EQ(callsIn(folder, u"log"_s),
+              (QList<QByteArray>{"-8\t-V\t" + end, "--lax\t--keep-foreign-metadata\t-f\t" + end, "-5\t" + end}));
+}
+
+TEST(EncodeCommand, ChoicesStoredByTheWindowCountForNothingAndStayAsTheyAre)
+{
+    const TestFolder folder;
+    const QString wav = writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
+    const QByteArray stored = "[General]\nencodeFlacLevel=0\nencodeOutputFormat=1\nencodeToSourceDirectory=0\n"
+                              "flacVerifyButton=1\nflacGenerateFFPButton=1\n";
+    folder.write(u"settings.ini"_s, stored);
+    const ToolFolder tools;
+    tools.addLogged(u"flac"_s, folder.path(u"log"_s));
+
+    const ProgramResult result = runProgram(u"env"_s, {u"NURV_SETTINGS="_s + folder.path(u"settings.ini"_s), nurvPath(),
+                                                       u"encode"_s, u"--beside-source"_s, u"--lax"_s, wav});
+
+    EXPECT_EQ(result.exitStatus, 0) << result.errors.constData();
+    EXPECT_EQ(callsIn(folder, u"log"_s),
+              QList<QByteArray>{"--lax\t" + wav.toUtf8() + "\t-o\t" + folder.path(u"a.flac"_s).toUtf8()});
+    EXPECT_EQ(folder.read(u"settings.ini"_s), stored);
+    EXPECT_FALSE(folder.exists(u"fingerprint.ffp.txt"_s));
+}
+
+TEST(EncodeCommand, PreferencesOfTheUserCount)
+{
+    const TestFolder folder;
+    const QString wav = writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
+    folder.write(u"settings.ini"_s, "[General]\nffpExtension=ffp\ntrashOrDelete=1\n");
+
+    const ProgramResult result =
+        runProgram(u"env"_s, {u"NURV_SETTINGS="_s + folder.path(u"settings.ini"_s), nurvPath(), u"encode"_s,
+                              u"--beside-source"_s, u"--ffp"_s, u"--delete-originals"_s, u"--yes"_s, wav});
+
+    EXPECT_EQ(result.exitStatus, 0) << result.errors.constData();
+    EXPECT_EQ(folder.list(), (QStringList{u"a.flac"_s, u"fingerprint.ffp"_s, u"settings.ini"_s}));
+    const ProgramResult md5 = runProgram(u"metaflac"_s, {u"--show-md5sum"_s, folder.path(u"a.flac"_s)});
+    EXPECT_TRUE(folder.read(u"fingerprint.ffp"_s).split('\n').contains("a.flac:" + md5.output.trimmed()));
+}
+
+TEST(EncodeCommand, NeverRunsMoreJobsAtOnceThanAskedFor)
+{
+    const TestFolder folder;
+    for (const QString &name : {u"a.wav"_s, u"b.wav"_s, u"c.wav"_s})
+        folder.write(name, "x");
+    const ToolFolder tools;
+    // Fails when another one is at work at the same time.
+    tools.addFake(u"flac"_s, "exec=" + folder.write(u"alone.sh"_s, "").toUtf8());
+    folder.write(u"alone.sh"_s, "#!/bin/sh\nmkdir '" + folder.path(u"lock"_s).toUtf8()
+                                    + "' || exit 1\nsleep 0.1\nrmdir '" + folder.path(u"lock"_s).toUtf8() + "'\n");
+    QFile::setPermissions(folder.path(u"alone.sh"_s), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    const QStringList arguments{u"encode"_s, u"--beside-source"_s, folder.path(u"a.wav"_s), folder.path(u"b.wav"_s),
+                                folder.path(u"c.wav"_s)};
+    EXPECT_EQ(runNurv(arguments + QStringList{u"--jobs=1"_s}).exitStatus, 0);
+    EXPECT_EQ(runNurv(arguments + QStringList{u"--jobs=3"_s}).exitStatus, 1);
+}
+
+TEST(EncodeCommand, AFailedJobGivesStatus1AndItsReport)
+{
+    const TestFolder folder;
+    folder.write(u"bad.wav"_s, "this is no sound at all");
+    writeWav(folder.path(u"good.wav"_s), {.seconds = 0.1});
+    const ProgramResult result = runNurv({u"encode"_s, u"--beside-source"_s, u"--jobs=1"_s, folder.path()});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_TRUE(result.errors.contains("bad.wav: Error\n")) << result.errors.constData();
+    EXPECT_TRUE(result.errors.contains("good.wav: Complete\n"));
+    // No output window opens for a job that fails before a good last one.
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.errors.count("nurv: bad.wav failed:\n"), 1) << result.errors.constData();
+    EXPECT_TRUE(result.errors.contains("ERROR")) << result.errors.constData();
+    EXPECT_TRUE(folder.exists(u"good.flac"_s));
+}
+
+TEST(EncodeCommand, TheOutputWindowsTextGoesToStandardOutput)
+{
+    const TestFolder folder;
+    folder.write(u"bad.wav"_s, "this is no sound at all");
+    const ProgramResult result = runNurv({u"encode"_s, u"--beside-source"_s, u"--quiet"_s, folder.path()});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_TRUE(result.output.contains("ERROR")) << result.output.constData();
+    EXPECT_FALSE(result.errors.contains("failed:")) << result.errors.constData();
+}
+
+TEST(EncodeCommand, GivesOneJsonObjectPerJobAndOneForTheBatch)
+{
+    const TestFolder folder;
+    folder.write(u"bad.wav"_s, "this is no sound at all");
+    folder.write(u"cover.jpg"_s, "picture");
+    writeWav(folder.path(u"good \"1\".wav"_s), {.seconds = 0.1});
+    const ProgramResult result =
+        runNurv({u"encode"_s, u"--json"_s, u"--jobs=1"_s, u"--beside-source"_s, folder.path()});
+    EXPECT_EQ(result.exitStatus, 1);
+    const QList<QJsonObject> objects = jsonLines(result.output);
+    ASSERT_EQ(objects.size(), 3) << result.output.constData();
+    EXPECT_EQ(objects[0][u"type"_s], u"job"_s);
+    EXPECT_EQ(objects[0][u"title"_s], u"bad.wav"_s);
+    EXPECT_EQ(objects[0][u"source"_s], folder.path(u"bad.wav"_s));
+    EXPECT_EQ(objects[0][u"status"_s], u"error"_s);
+    EXPECT_TRUE(objects[0][u"report"_s].toString().contains(u"ERROR"_s));
+    EXPECT_EQ(objects[1][u"title"_s], u"good \"1\".wav"_s);
+    EXPECT_EQ(objects[1][u"status"_s], u"complete"_s);
+    EXPECT_EQ(objects[2][u"type"_s], u"batch"_s);
+    EXPECT_EQ(objects[2][u"jobs"_s], 2);
+    EXPECT_EQ(objects[2][u"complete"_s], 1);
+    EXPECT_EQ(objects[2][u"failed"_s], 1);
+    EXPECT_EQ(objects[2][u"canceled"_s], 0);
+    EXPECT_EQ(objects[2][u"exitStatus"_s], 1);
+    EXPECT_EQ(objects[2][u"refused"_s].toArray().size(), 0);
+    EXPECT_EQ(objects[2][u"skipped"_s].toArray().size(), 1);
+}
+
+TEST(EncodeCommand, AMissingProgramGivesStatus3BeforeAnythingIsQueued)
+{
+    const TestFolder folder;
+    writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
+    const ToolFolder tools;
+    const ProgramResult result = runNurv({u"encode"_s, u"--beside-source"_s, folder.path(u"a.wav"_s)});
+    EXPECT_EQ(result.exitStatus, 3);
+    EXPECT_TRUE(result.errors.contains("\"flac\"")) << result.errors.constData();
+    EXPECT_TRUE(result.errors.contains(tools.path().toUtf8()));
+    EXPECT_FALSE(result.errors.contains("a.wav: "));
+    EXPECT_EQ(folder.list(), QStringList{u"a.wav"_s});
+}
+
+TEST(EncodeCommand, AProgramThatVanishesDuringTheBatchGivesStatus3)
+{
+    const TestFolder folder;
+    folder.write(u"a.wav"_s, "x");
+    folder.write(u"b.wav"_s, "x");
+    const ToolFolder tools;
+    tools.addFake(u"flac"_s, "delete=" + tools.path(u"flac"_s).toUtf8());
+    const ProgramResult result = runNurv({u"encode"_s, u"--beside-source"_s, u"--jobs=1"_s, folder.path()});
+    EXPECT_EQ(result.exitStatus, 3);
+    EXPECT_TRUE(result.errors.contains("a.wav: Complete\nb.wav: Error\n") || result.errors.contains("b.wav: Error\n"))
+        << result.errors.constData();
+}
+
+TEST(EncodeCommand, AReaderThatGoesAwayDoesNotStopTheWork)
+{
+    const TestFolder folder;
+    for (int i = 0; i < 4; ++i)
+        writeWav(folder.path(u"%1.wav"_s.arg(i)), {.seconds = 0.1});
+    RunningNurv nurv({u"encode"_s, u"--json"_s, u"--beside-source"_s, folder.path()});
+    nurv.closeOutput();
+    const ProgramResult result = nurv.finish();
+    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_FALSE(result.errors.contains("output")) << result.errors.constData();
+    EXPECT_EQ(folder.list().size(), 8);
+    const ProgramResult help =
+        runProgram(u"bash"_s, {u"-c"_s, u"\"$0\" --help | true; exit ${PIPESTATUS[0]}"_s, nurvPath()});
+    EXPECT_EQ(help.exitStatus, 0);
+    EXPECT_EQ(help.errors, "");
+}
+
+TEST(EncodeCommand, AnOutputThatIsFullIsTold)
+{
+    const ProgramResult result = runProgram(u"bash"_s, {u"-c"_s, u"\"$0\" --help >/dev/full"_s, nurvPath()});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_EQ(result.errors, "nurv: standard output cannot be written: No space left on device\n");
+}

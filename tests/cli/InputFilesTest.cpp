@@ -1,0 +1,105 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/InputFiles.h"
+#include "NurvProgram.h"
+#include "support/AudioFixtures.h"
+#include "support/TestFolder.h"
+
+#include <QDir>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using namespace nurv::test;
+
+TEST(InputFiles, AFileOfAnotherKindIsToldByNameAndGivesStatus1)
+{
+    const TestFolder folder;
+    const QString flac = writeFlac(folder.path(u"a.flac"_s), {.seconds = 0.1});
+    const QString text = folder.write(u"notes.txt"_s, "text");
+    const ProgramResult result = runNurv({u"decode"_s, u"--beside-source"_s, text, flac});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_TRUE(result.errors.contains("nurv: " + text.toUtf8() + ": not a file of a kind that this command takes\n"))
+        << result.errors.constData();
+    EXPECT_TRUE(folder.exists(u"a.wav"_s));
+}
+
+TEST(InputFiles, AFileOfAnotherKindInAFolderIsToldByNameAndNoFailure)
+{
+    const TestFolder folder;
+    writeFlac(folder.path(u"a.flac"_s), {.seconds = 0.1});
+    const QString text = folder.write(u"notes.txt"_s, "text");
+    folder.write(u".DS_Store"_s, "left behind");
+    const ProgramResult result = runNurv({u"decode"_s, u"--beside-source"_s, folder.path()});
+    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_EQ(result.errors,
+              "nurv: " + text.toUtf8() + ": skipped, not of a kind that this command takes\na.flac: Complete\n");
+    folder.remove(u"a.wav"_s);
+    EXPECT_EQ(runNurv({u"decode"_s, u"--beside-source"_s, u"--quiet"_s, folder.path()}).errors, "");
+}
+
+TEST(InputFiles, AMissingFileIsToldAndTheOthersAreWorkedOn)
+{
+    const TestFolder folder;
+    const QString flac = writeFlac(folder.path(u"a.flac"_s), {.seconds = 0.1});
+    const ProgramResult result = runNurv({u"decode"_s, u"--beside-source"_s, folder.path(u"b.flac"_s), flac});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_TRUE(result.errors.contains("b.flac: No such file or directory\n")) << result.errors.constData();
+    EXPECT_TRUE(folder.exists(u"a.wav"_s));
+}
+
+TEST(InputFiles, NothingToDoGivesStatus1AndSaysSo)
+{
+    const TestFolder folder;
+    const ProgramResult result = runNurv({u"decode"_s, u"--beside-source"_s, folder.path()});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_EQ(result.errors, "nurv: there is nothing to decode: no file was found that can be worked on\n");
+    const ProgramResult json = runNurv({u"decode"_s, u"--json"_s, u"--beside-source"_s, folder.path()});
+    ASSERT_EQ(jsonLines(json.output).size(), 1);
+    EXPECT_EQ(jsonLines(json.output)[0][u"jobs"_s], 0);
+}
+
+TEST(InputFiles, NamesThatAreNotUtf8AreToldWhereverTheyStand)
+{
+    const TestFolder folder;
+    const ProgramResult result =
+        runProgram(u"bash"_s, {u"-c"_s,
+                               u"mkdir \"$1/sub\"; touch \"$1\"/$'x\\xff.flac' \"$1\"/sub/$'y\\xfe.flac'; "
+                               "\"$0\" decode --beside-source \"$1\"/$'x\\xff.flac' \"$1/sub\"; status=$?; "
+                               "rm -r \"$1\"/*; exit $status"_s,
+                               nurvPath(), folder.path()});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_TRUE(result.errors.contains("/x\\xFF.flac: the name is not valid UTF-8\n")) << result.errors.constData();
+    EXPECT_TRUE(result.errors.contains("y\\xFE.flac: the name is not valid UTF-8\n")) << result.errors.constData();
+}
+
+TEST(InputFiles, TwoDashesEndTheOptions)
+{
+    const TestFolder folder;
+    writeFlac(folder.path(u"--odd.flac"_s), {.seconds = 0.1});
+    const ProgramResult result = runProgram(
+        u"env"_s, {u"-C"_s, folder.path(), nurvPath(), u"decode"_s, u"--beside-source"_s, u"--"_s, u"--odd.flac"_s});
+    EXPECT_EQ(result.exitStatus, 0) << result.errors.constData();
+    EXPECT_TRUE(folder.exists(u"--odd.wav"_s));
+}
+
+TEST(InputFiles, APipeIsRefusedWithoutBeingOpened)
+{
+    const TestFolder folder;
+    ASSERT_EQ(runProgram(u"mkfifo"_s, {folder.path(u"a.flac"_s)}).exitStatus, 0);
+    const ProgramResult result = runNurv({u"decode"_s, u"--beside-source"_s, folder.path(u"a.flac"_s)});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_TRUE(result.errors.contains("a.flac: it is no regular file\n")) << result.errors.constData();
+}
+
+TEST(InputFiles, AnAbsolutePathKeepsLinksButNotInFrontOfTwoDots)
+{
+    const TestFolder folder;
+    folder.makeFolder(u"real/deep"_s);
+    const QString link = folder.makeLink(u"link"_s, folder.path(u"real/deep"_s));
+    EXPECT_EQ(nurv::absolutePath(link + u"/a.wav"_s), link + u"/a.wav"_s);
+    EXPECT_EQ(nurv::absolutePath(link + u"/../a.wav"_s), folder.path(u"real/a.wav"_s));
+    EXPECT_EQ(nurv::absolutePath(u"./b//c.wav"_s), QDir::currentPath() + u"/b/c.wav"_s);
+    EXPECT_EQ(nurv::absolutePath(u":a.wav"_s), QDir::currentPath() + u"/:a.wav"_s);
+    EXPECT_EQ(nurv::absolutePath(link + u"/..a.wav"_s), link + u"/..a.wav"_s);
+}
