@@ -3,7 +3,6 @@
 #include "app/NURVController.h"
 
 #include "app/BaseTab.h"
-#include "app/FileIntake.h"
 #include "app/PathNames.h"
 #include "app/UserPrompts.h"
 #include "engine/NURVTaskQueue.h"
@@ -142,16 +141,29 @@ bool NURVController::isValidFile(const QString &label, const QString &path) cons
     return takesPlainAudio && CoreAudioHelper::isAiffOrWav(path);
 }
 
-void NURVController::addFiles(const QStringList &paths)
+FileIntake NURVController::collect(const QString &label, const QStringList &paths) const
 {
     const FileTest isAny = [](const QString &) { return true; };
     FileIntake found;
     for (const QString &path : paths)
         collectFiles(QDir::current().absoluteFilePath(path), isAny, found);
-    if (m_selectedLabel == kAboutLabel)
+    const BaseTab *const page = tab(label);
+    if (!page)
+        return found;
+    found.accepted.removeIf([&](const QString &path) { return !passes(label, path); });
+    // Found already, so the tab searches no folder a second time.
+    FileIntake intake = page->collect(found.accepted);
+    intake.unreadableNames += found.unreadableNames;
+    intake.unreadableFolders += found.unreadableFolders;
+    return intake;
+}
+
+void NURVController::addCollected(const QString &label, const FileIntake &found)
+{
+    if (label == kAboutLabel)
         routeByExtension(found);
-    else
-        addToSelectedTab(std::move(found));
+    else if (BaseTab *const page = tab(label))
+        page->addCollected(found);
 }
 
 bool NURVController::passes(const QString &label, const QString &path) const
@@ -163,19 +175,6 @@ bool NURVController::passes(const QString &label, const QString &path) const
     if (label == kEncode && extension == u"M4A")
         return CoreAudioHelper::isAppleLossless(path);
     return accepted.contains(extension);
-}
-
-void NURVController::addToSelectedTab(FileIntake &&found)
-{
-    found.accepted.removeIf([this](const QString &path) { return !passes(m_selectedLabel, path); });
-    BaseTab *const selected = tab(m_selectedLabel);
-    if (!selected)
-        return;
-    // Found already, so the tab searches no folder a second time.
-    FileIntake intake = selected->collect(found.accepted);
-    intake.unreadableNames += found.unreadableNames;
-    intake.unreadableFolders += found.unreadableFolders;
-    selected->addCollected(intake);
 }
 
 void NURVController::routeByExtension(const FileIntake &found)

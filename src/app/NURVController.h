@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "app/FileIntake.h"
+
 #include <QHash>
 #include <QMap>
 #include <QObject>
@@ -16,7 +18,6 @@ class BaseTab;
 class DesktopServices;
 class NURVTaskQueue;
 class UserPrompts;
-struct FileIntake;
 
 /// The application's main controller: registers the settings, owns the job
 /// queue, knows the tabs by the labels of their pages, routes incoming files and
@@ -67,7 +68,12 @@ public:
     /// which must be able to handle them; from the about page each file goes to the
     /// tab that its extension names. Tells the user what could not be read. Blocks
     /// while it searches the folders.
-    void addFiles(const QStringList &paths);
+    void addFiles(const QStringList &paths) { addCollected(m_selectedLabel, collect(m_selectedLabel, paths)); }
+    /// The first half of `addFiles`: searches the folders for what the page can
+    /// handle. Any thread; blocks.
+    [[nodiscard]] FileIntake collect(const QString &label, const QStringList &paths) const;
+    /// The second half of `addFiles`, for the same page.
+    void addCollected(const QString &label, const FileIntake &found);
 
     /// Asks when jobs are queued. True: the application may quit.
     [[nodiscard]] bool applicationShouldTerminate();
@@ -85,7 +91,6 @@ Q_SIGNALS:
 
 private:
     [[nodiscard]] bool passes(const QString &label, const QString &path) const;
-    void addToSelectedTab(FileIntake &&found);
     void routeByExtension(const FileIntake &found);
     void show(const QString &label);
     void didSelectTabViewItem();
