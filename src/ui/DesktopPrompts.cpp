@@ -1,0 +1,123 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/DesktopPrompts.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+/// The button that changes nothing.
+qsizetype dismissingButton(const QStringList &buttons)
+{
+    for (const QString &text : {u"No"_s, u"Cancel"_s}) {
+        if (const qsizetype index = buttons.indexOf(text); index >= 0)
+            return index;
+    }
+    return buttons.size() - 1;
+}
+
+QStringList localPaths(const QFileDialog &dialog)
+{
+    QStringList paths;
+    const QList<QUrl> urls = dialog.selectedUrls();
+    for (const QUrl &url : urls) {
+        if (url.isLocalFile())
+            paths.append(QDir::cleanPath(url.toLocalFile()));
+    }
+    return paths;
+}
+
+void prepare(QFileDialog &dialog, const QString &title, const QString &buttonText)
+{
+    dialog.setObjectName(u"fileDialog"_s);
+    if (!title.isEmpty())
+        dialog.setWindowTitle(title);
+    if (!buttonText.isEmpty())
+        dialog.setLabelText(QFileDialog::Accept, buttonText);
+    dialog.setSupportedSchemes({u"file"_s});
+}
+
+} // namespace
+
+QWidget *DesktopPrompts::owner() const
+{
+    QWidget *const active = QApplication::activeWindow();
+    return active != nullptr ? active : m_mainWindow.data();
+}
+
+QString DesktopPrompts::ask(const Alert &alert)
+{
+    QMessageBox box(owner());
+    box.setObjectName(u"alert"_s);
+    box.setWindowTitle(QApplication::applicationDisplayName());
+    box.setTextFormat(Qt::PlainText);
+    box.setText(alert.title);
+    box.setInformativeText(alert.message);
+    const bool isQuestion = alert.buttons.size() > 1;
+    box.setIcon(isQuestion ? QMessageBox::Question : QMessageBox::Information);
+    const qsizetype dismissing = dismissingButton(alert.buttons);
+    QList<QPushButton *> buttons;
+    for (qsizetype index = 0; index < alert.buttons.size(); ++index) {
+        const auto role = isQuestion && index == dismissing ? QMessageBox::RejectRole : QMessageBox::AcceptRole;
+        QPushButton *const button = box.addButton(alert.buttons.at(index), role);
+        button->setAccessibleName(alert.buttons.at(index));
+        buttons.append(button);
+    }
+    if (buttons.isEmpty()) {
+        box.exec();
+        return {};
+    }
+    box.setDefaultButton(buttons.first());
+    box.setEscapeButton(buttons.at(dismissing));
+    box.exec();
+    for (qsizetype index = 0; index < buttons.size(); ++index) {
+        if (box.clickedButton() == buttons.at(index))
+            return alert.buttons.at(index);
+    }
+    return alert.buttons.at(dismissing);
+}
+
+QStringList DesktopPrompts::chooseFiles(const FileChooser &chooser)
+{
+    QFileDialog dialog(owner());
+    prepare(dialog, chooser.title, chooser.buttonText);
+    dialog.setAcceptMode(QFileDialog::AcceptOpen);
+    dialog.setFileMode(QFileDialog::ExistingFiles);
+    return dialog.exec() == QDialog::Accepted ? localPaths(dialog) : QStringList();
+}
+
+std::optional<QString> DesktopPrompts::chooseFolder(const FileChooser &chooser)
+{
+    QFileDialog dialog(owner());
+    prepare(dialog, chooser.title, chooser.buttonText);
+    dialog.setAcceptMode(QFileDialog::AcceptOpen);
+    dialog.setFileMode(QFileDialog::Directory);
+    dialog.setOption(QFileDialog::ShowDirsOnly);
+    if (dialog.exec() != QDialog::Accepted)
+        return std::nullopt;
+    const QStringList paths = localPaths(dialog);
+    return paths.isEmpty() ? std::nullopt : std::optional(paths.first());
+}
+
+std::optional<QString> DesktopPrompts::chooseSavePath(const QString &suggestedName, const std::optional<QString> &title)
+{
+    QFileDialog dialog(owner());
+    prepare(dialog, title.value_or(QString()), QString());
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.selectFile(suggestedName);
+    if (dialog.exec() != QDialog::Accepted)
+        return std::nullopt;
+    const QStringList paths = localPaths(dialog);
+    return paths.isEmpty() ? std::nullopt : std::optional(paths.first());
+}
+
+} // namespace nurv

@@ -1,0 +1,29 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "app/UserPrompts.h"
+
+#include <QPointer>
+#include <QWidget>
+
+namespace nurv {
+
+/// Asks the user by dialogs; the only place that opens any.
+class DesktopPrompts final : public UserPrompts {
+public:
+    /// The window that dialogs belong to while no other one is active.
+    void setMainWindow(QWidget *window) { m_mainWindow = window; }
+
+    QString ask(const Alert &alert) override;
+    QStringList chooseFiles(const FileChooser &chooser) override;
+    std::optional<QString> chooseFolder(const FileChooser &chooser) override;
+    std::optional<QString> chooseSavePath(const QString &suggestedName, const std::optional<QString> &title) override;
+
+private:
+    [[nodiscard]] QWidget *owner() const;
+
+    QPointer<QWidget> m_mainWindow;
+};
+
+} // namespace nurv

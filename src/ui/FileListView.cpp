@@ -1,0 +1,220 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/FileListView.h"
+
+#include "app/BaseTab.h"
+#include "app/PathNames.h"
+#include "ui/DroppedFiles.h"
+#include "ui/FileListModel.h"
+#include "ui/TextWidth.h"
+
+#include <QContextMenuEvent>
+#include <QDragEnterEvent>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+constexpr double kLeastColumnWidth = 211.0;
+constexpr double kWidthFactor = 1.1;
+constexpr int kHintInset = 12;
+constexpr int kHintRadius = 8;
+
+} // namespace
+
+FileListView::FileListView(BaseTab &tab, QWidget *parent)
+    : QTreeView(parent), m_tab(tab), m_model(new FileListModel(tab, this))
+{
+    setModel(m_model);
+    setRootIsDecorated(false);
+    setUniformRowHeights(true);
+    setAllColumnsShowFocus(true);
+    setAlternatingRowColors(true);
+    setHeaderHidden(true);
+    setTextElideMode(Qt::ElideMiddle);
+    setSelectionMode(QAbstractItemView::ExtendedSelection);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setTabKeyNavigation(false);
+    setAcceptDrops(true);
+    setDropIndicatorShown(false);
+    header()->setStretchLastSection(false);
+    header()->setMinimumSectionSize(1);
+    setAccessibleName(tr("Files to process"));
+    setAccessibleDescription(tr("Drop files or folders here"));
+    widenColumn();
+    connect(&tab, &BaseTab::filesWereAdded, this, &FileListView::widenColumn);
+    connect(&tab, &BaseTab::fileNamesChanged, viewport(), qOverload<>(&QWidget::update));
+    if (tab.usesTableViewContextMenu())
+        createContextMenu();
+}
+
+void FileListView::createContextMenu()
+{
+    m_menu = new QMenu(this);
+    m_menu->setObjectName(u"fileListContextMenu"_s);
+    m_deleteAction = m_menu->addAction(tr("Delete selected file(s)"));
+    m_deleteAction->setObjectName(u"deleteSelectedFiles"_s);
+    connect(m_deleteAction, &QAction::triggered, this, &FileListView::deleteSelectedRows);
+    m_filterMenu = m_menu->addMenu(tr("Delete files with extension:"));
+    m_filterMenu->setObjectName(u"deleteFilesWithExtension"_s);
+    connect(m_menu, &QMenu::aboutToShow, this, &FileListView::rebuildFilterMenu);
+}
+
+void FileListView::rebuildFilterMenu()
+{
+    m_deleteAction->setEnabled(selectionModel()->hasSelection());
+    m_filterMenu->clear();
+    const QStringList extensions = m_tab.listedExtensions();
+    for (const QString &extension : extensions) {
+        // A name may hold the character that marks a mnemonic.
+        QAction *const action = m_filterMenu->addAction(QString(extension).replace(u"&"_s, u"&&"_s));
+        action->setData(extension);
+        connect(action, &QAction::triggered, this, [this, extension] { m_tab.filterGivenExtension(extension); });
+    }
+    m_filterMenu->setEnabled(!extensions.isEmpty());
+}
+
+void FileListView::deleteSelectedRows()
+{
+    const QModelIndexList selected = selectionModel()->selectedRows();
+    QList<int> rows;
+    rows.reserve(selected.size());
+    for (const QModelIndex &index : selected)
+        rows.append(index.row());
+    if (rows.isEmpty())
+        return;
+    const int first = *std::min_element(rows.begin(), rows.end());
+    m_tab.deleteSelectedRows(rows);
+    clearSelection();
+    // The keyboard goes on from where the files were.
+    if (const int left = m_model->rowCount(); left > 0)
+        selectionModel()->setCurrentIndex(m_model->index(std::min(first, left - 1)), QItemSelectionModel::NoUpdate);
+}
+
+double FileListView::neededColumnWidth() const
+{
+    QStringList names;
+    names.reserve(m_tab.fileNames().size());
+    for (const QString &path : m_tab.fileNames())
+        names.append(lastPathComponent(path));
+    return std::max(kLeastColumnWidth, kWidthFactor * widestText(names, font()));
+}
+
+void FileListView::widenColumn()
+{
+    header()->resizeSection(0, static_cast<int>(std::ceil(neededColumnWidth())));
+}
+
+void FileListView::changeEvent(QEvent *event)
+{
+    QTreeView::changeEvent(event);
+    if (event->type() == QEvent::FontChange && m_model != nullptr)
+        widenColumn();
+}
+
+void FileListView::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (!hasLocalFiles(event->mimeData())) {
+        event->ignore();
+        return;
+    }
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    setDragHovers(true);
+}
+
+void FileListView::dragMoveEvent(QDragMoveEvent *event)
+{
+    event->setDropAction(Qt::CopyAction);
+    event->setAccepted(hasLocalFiles(event->mimeData()));
+}
+
+void FileListView::dragLeaveEvent(QDragLeaveEvent *event)
+{
+    setDragHovers(false);
+    event->accept();
+}
+
+void FileListView::dropEvent(QDropEvent *event)
+{
+    setDragHovers(false);
+    const QStringList paths = localFiles(event->mimeData());
+    if (paths.isEmpty()) {
+        event->ignore();
+        return;
+    }
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    Q_EMIT pathsDropped(paths);
+}
+
+void FileListView::setDragHovers(bool hovers)
+{
+    m_dragHovers = hovers;
+    viewport()->update();
+}
+
+void FileListView::contextMenuEvent(QContextMenuEvent *event)
+{
+    if (m_menu == nullptr) {
+        QTreeView::contextMenuEvent(event);
+        return;
+    }
+    const bool byMouse = event->reason() == QContextMenuEvent::Mouse;
+    m_menu->popup(byMouse ? event->globalPos() : viewport()->mapToGlobal(visualRect(currentIndex()).bottomLeft()));
+}
+
+void FileListView::keyPressEvent(QKeyEvent *event)
+{
+    if (m_menu != nullptr && (event->matches(QKeySequence::Delete) || event->key() == Qt::Key_Backspace)) {
+        deleteSelectedRows();
+        event->accept();
+        return;
+    }
+    QTreeView::keyPressEvent(event);
+}
+
+void FileListView::drawRow(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    // The column is as wide as its names; the bar of a selected row goes on to the edge.
+    if (selectionModel()->isSelected(index)) {
+        const auto group = hasFocus() ? QPalette::Active : QPalette::Inactive;
+        painter->fillRect(option.rect, palette().brush(group, QPalette::Highlight));
+    }
+    QTreeView::drawRow(painter, option, index);
+}
+
+void FileListView::paintEvent(QPaintEvent *event)
+{
+    QTreeView::paintEvent(event);
+    const bool isEmpty = m_model->rowCount() == 0;
+    if (!isEmpty && !m_dragHovers)
+        return;
+    QPainter painter(viewport());
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF frame = QRectF(viewport()->rect()).adjusted(kHintInset, kHintInset, -kHintInset, -kHintInset);
+    QColor line = palette().color(m_dragHovers ? QPalette::Highlight : QPalette::PlaceholderText);
+    if (!m_dragHovers)
+        line.setAlphaF(line.alphaF() * 0.6F);
+    painter.setPen(QPen(line, m_dragHovers ? 2.0 : 1.5, Qt::DashLine));
+    painter.drawRoundedRect(frame, kHintRadius, kHintRadius);
+    if (!isEmpty)
+        return;
+    QFont hintFont = font();
+    hintFont.setPointSizeF(hintFont.pointSizeF() * 1.25);
+    painter.setFont(hintFont);
+    painter.setPen(palette().color(QPalette::PlaceholderText));
+    painter.drawText(frame.adjusted(kHintInset, kHintInset, -kHintInset, -kHintInset),
+                     int(Qt::AlignCenter) | int(Qt::TextWordWrap), tr("Drop files or folders here"));
+}
+
+} // namespace nurv

@@ -1,0 +1,343 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/MainWindow.h"
+
+#include "app/NURVController.h"
+#include "app/UserPrompts.h"
+#include "convert/DecodeTab.h"
+#include "convert/EncodeTab.h"
+#include "engine/NURVTaskQueue.h"
+#include "platform/GuiThread.h"
+#include "platform/SettingsStore.h"
+#include "platform/WorkerThreads.h"
+#include "ui/AboutPage.h"
+#include "ui/ApplicationIcon.h"
+#include "ui/DecodePage.h"
+#include "ui/DroppedFiles.h"
+#include "ui/EncodePage.h"
+#include "ui/OutputWindow.h"
+#include "ui/StatusWindow.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QMenuBar>
+#include <QScreen>
+#include <QTabBar>
+#include <QTabWidget>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+constexpr QSize kFirstSize{820, 560};
+constexpr int kCascade = 28;
+constexpr qsizetype kMostOutputWindows = 20;
+const QString kGeometryKey = u"window/geometry"_s;
+const QString kPageKey = u"window/page"_s;
+
+QString pageTitle(const QString &label)
+{
+    static const QHash<QString, QString> titles{
+        {u"decode"_s, MainWindow::tr("Decode")},     {u"encode"_s, MainWindow::tr("Encode")},
+        {u"checksum"_s, MainWindow::tr("Checksum")}, {u"shntool"_s, MainWindow::tr("SHNtool")},
+        {u"fix SBE"_s, MainWindow::tr("Fix SBE")},   {u"util"_s, MainWindow::tr("Util")},
+        {u"Tags"_s, MainWindow::tr("Tags")},         {u"lossy"_s, MainWindow::tr("Lossy")},
+    };
+    return titles.value(label, label);
+}
+
+TabPage *makePage(BaseTab *tab)
+{
+    if (auto *const decodeTab = qobject_cast<DecodeTab *>(tab))
+        return new DecodePage(*decodeTab);
+    if (auto *const encodeTab = qobject_cast<EncodeTab *>(tab))
+        return new EncodePage(*encodeTab);
+    return nullptr;
+}
+
+} // namespace
+
+MainWindow::MainWindow(NURVController &controller, QWidget *parent)
+    : QMainWindow(parent), m_controller(controller), m_tabView(new QTabWidget(this)),
+      m_statusWindow(new StatusWindow(controller.taskQueue(), this))
+{
+    setObjectName(u"mainWindow"_s);
+    setWindowTitle(u"Nurv Audio Workbench"_s);
+    setWindowIcon(applicationIcon());
+    setAcceptDrops(true);
+    m_tabView->setObjectName(u"tabView"_s);
+    m_tabView->setAccessibleName(tr("Tools"));
+    m_tabView->setDocumentMode(true);
+    m_tabView->tabBar()->setObjectName(u"tabBar"_s);
+    m_tabView->tabBar()->setAccessibleName(tr("Tools"));
+    setCentralWidget(m_tabView);
+    createPages();
+    createMenus();
+    connect(m_tabView, &QTabWidget::currentChanged, this, &MainWindow::pageChosen);
+    connect(&controller, &NURVController::pageSelected, this, &MainWindow::showPage);
+    connect(&controller.taskQueue(), &NURVTaskQueue::outputWindowRequested, this, &MainWindow::openOutputWindow);
+    restoreState();
+}
+
+MainWindow::~MainWindow()
+{
+    for (const QPointer<OutputWindow> &window : std::as_const(m_outputWindows))
+        delete window.data();
+}
+
+void MainWindow::createPages()
+{
+    for (const QString &label : NURVController::pageLabels()) {
+        if (label == NURVController::kAboutLabel) {
+            m_tabView->addTab(new AboutPage, tr("About"));
+            m_labels.append(label);
+        } else if (TabPage *const page = makePage(m_controller.tab(label))) {
+            m_tabView->addTab(page, pageTitle(label));
+            m_labels.append(label);
+            m_pages.insert(label, page);
+            connect(page, &TabPage::readinessChanged, this, &MainWindow::showReadiness);
+        }
+    }
+}
+
+QAction *MainWindow::addAction(QMenu *menu, const QString &title, const QString &objectName,
+                               const QKeySequence &shortcut, const std::function<void()> &action)
+{
+    auto *const entry = new QAction(title, this);
+    entry->setObjectName(objectName);
+    entry->setShortcut(shortcut);
+    connect(entry, &QAction::triggered, this, action);
+    menu->addAction(entry);
+    return entry;
+}
+
+void MainWindow::createMenus()
+{
+    createFileMenu();
+    createJobsMenu();
+    createGoMenu();
+    createHelpMenu();
+}
+
+void MainWindow::createFileMenu()
+{
+    QMenu *const menu = menuBar()->addMenu(tr("&File"));
+    m_addFilesAction = addAction(menu, tr("&Add Files…"), u"addFilesAction"_s, QKeySequence::Open, [this] {
+        if (TabPage *const page = currentPage())
+            page->tab().addButtonClick();
+    });
+    m_addFolderAction = addAction(menu, tr("Add &Folder…"), u"addFolderAction"_s,
+                                  QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O), [this] { addFolder(); });
+    menu->addSeparator();
+    QAction *const quit = addAction(menu, tr("&Quit"), u"quitAction"_s, QKeySequence(Qt::CTRL | Qt::Key_Q),
+                                    [this] { requestQuit(); });
+    quit->setMenuRole(QAction::QuitRole);
+}
+
+void MainWindow::createJobsMenu()
+{
+    NURVTaskQueue &queue = m_controller.taskQueue();
+    QMenu *const menu = menuBar()->addMenu(tr("&Jobs"));
+    m_executeAction = addAction(menu, tr("&Execute"), u"executeAction"_s, QKeySequence(Qt::CTRL | Qt::Key_Return),
+                                [this] {
+                                    if (TabPage *const page = currentPage())
+                                        page->execute();
+                                });
+    menu->addSeparator();
+    addAction(menu, tr("&Show Status Window"), u"showStatusAction"_s, QKeySequence(Qt::CTRL | Qt::Key_J),
+              [this] { m_statusWindow->bringToFront(); });
+    m_cancelAllAction = addAction(menu, tr("&Cancel All"), u"cancelAllAction"_s, {},
+                                  [&queue] { queue.cancelAllTasks(); });
+    m_removeErrorsAction = addAction(menu, tr("&Remove Errors"), u"removeErrorsAction"_s, {},
+                                     [&queue] { queue.removeAllErrors(); });
+    m_cancelAllAction->setEnabled(false);
+    connect(&queue, &NURVTaskQueue::taskCountChanged, m_cancelAllAction,
+            [this](int count) { m_cancelAllAction->setEnabled(count > 0); });
+}
+
+void MainWindow::createGoMenu()
+{
+    QMenu *const menu = menuBar()->addMenu(tr("&Go"));
+    for (qsizetype index = 0; index < m_labels.size(); ++index) {
+        const QString label = m_labels.at(index);
+        const QKeySequence shortcut = index < 9 ? QKeySequence(u"Ctrl+%1"_s.arg(index + 1)) : QKeySequence();
+        addAction(menu, m_tabView->tabText(static_cast<int>(index)), u"go.%1"_s.arg(label), shortcut,
+                  [this, label] { m_controller.selectTab(label); });
+    }
+}
+
+void MainWindow::createHelpMenu()
+{
+    QMenu *const menu = menuBar()->addMenu(tr("&Help"));
+    QAction *const about = addAction(menu, tr("&About Nurv Audio Workbench"), u"aboutAction"_s, {},
+                                     [this] { m_controller.selectTab(NURVController::kAboutLabel); });
+    about->setMenuRole(QAction::AboutRole);
+}
+
+TabPage *MainWindow::currentPage() const
+{
+    return qobject_cast<TabPage *>(m_tabView->currentWidget());
+}
+
+void MainWindow::pageChosen(int index)
+{
+    if (index >= 0 && index < m_labels.size())
+        m_controller.selectTab(m_labels.at(index));
+    showReadiness();
+}
+
+void MainWindow::showPage(const QString &label)
+{
+    if (const qsizetype index = m_labels.indexOf(label); index >= 0)
+        m_tabView->setCurrentIndex(static_cast<int>(index));
+}
+
+void MainWindow::showReadiness()
+{
+    const TabPage *const page = currentPage();
+    m_addFilesAction->setEnabled(page != nullptr);
+    m_addFolderAction->setEnabled(page != nullptr);
+    m_executeAction->setEnabled(page != nullptr && page->isReady());
+}
+
+void MainWindow::addFolder()
+{
+    TabPage *const page = currentPage();
+    if (page == nullptr)
+        return;
+    const std::optional<QString> folder =
+        m_controller.prompts().chooseFolder({.title = tr("Choose a folder to add"), .buttonText = tr("Add Folder")});
+    if (folder)
+        page->addPaths({*folder});
+}
+
+void MainWindow::openPaths(const QStringList &paths)
+{
+    if (paths.isEmpty())
+        return;
+    const QString label = m_controller.selectedTabViewItem();
+    const QPointer<TabPage> page = m_pages.value(label);
+    if (page)
+        page->beginAddingFiles();
+    workerThreads::start([&controller = m_controller, window = QPointer<MainWindow>(this), page, label, paths] {
+        FileIntake found = controller.collect(label, paths);
+        postToGuiThread([&controller, window, page, label, found = std::move(found)] {
+            if (!window)
+                return;
+            if (page)
+                page->endAddingFiles();
+            controller.addCollected(label, found);
+        });
+    });
+}
+
+void MainWindow::openOutputWindow(const QString &text, const QString &title)
+{
+    m_outputWindows.removeAll(nullptr);
+    // A batch of jobs with a report each must not bury the desktop.
+    if (m_outputWindows.size() >= kMostOutputWindows) {
+        m_outputWindows.last()->addReport(text, title);
+        return;
+    }
+    auto *const window = new OutputWindow(m_controller.prompts());
+    window->setWindowIcon(windowIcon());
+    window->setTextValue(text, title);
+    m_outputWindows.append(window);
+    // Each window stands a little below and right of the one before, and starts
+    // again at the corner when it would leave the screen.
+    const QRect desk = screen()->availableGeometry();
+    QPoint place = m_outputWindowTopLeft.isNull() ? geometry().topLeft() : m_outputWindowTopLeft;
+    place += QPoint(kCascade, kCascade);
+    if (!desk.contains(QRect(place, window->size())))
+        place = desk.topLeft() + QPoint(kCascade, kCascade);
+    m_outputWindowTopLeft = place;
+    window->move(place);
+    window->show();
+}
+
+QList<OutputWindow *> MainWindow::outputWindows() const
+{
+    QList<OutputWindow *> windows;
+    for (const QPointer<OutputWindow> &window : m_outputWindows) {
+        if (window)
+            windows.append(window);
+    }
+    return windows;
+}
+
+void MainWindow::bringToFront()
+{
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    activateWindow();
+}
+
+void MainWindow::requestQuit()
+{
+    if (m_isClosing || !m_controller.applicationShouldTerminate())
+        return;
+    m_isClosing = true;
+    saveState();
+    Q_EMIT quitConfirmed();
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    // The closed window takes the application with it, so it stays when the
+    // user keeps the jobs.
+    if (m_isClosing || (m_controller.windowShouldClose() && m_controller.applicationShouldTerminate())) {
+        event->accept();
+        if (!std::exchange(m_isClosing, true)) {
+            saveState();
+            Q_EMIT quitConfirmed();
+        }
+        return;
+    }
+    event->ignore();
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (!hasLocalFiles(event->mimeData()))
+        return;
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+}
+
+void MainWindow::dropEvent(QDropEvent *event)
+{
+    const QStringList paths = localFiles(event->mimeData());
+    if (paths.isEmpty())
+        return;
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    openPaths(paths);
+}
+
+void MainWindow::saveState() const
+{
+    SettingsStore &settings = SettingsStore::instance();
+    settings.setValue(kGeometryKey, saveGeometry());
+    settings.setValue(kPageKey, m_labels.value(m_tabView->currentIndex()));
+    settings.sync();
+}
+
+void MainWindow::restoreState()
+{
+    const SettingsStore &settings = SettingsStore::instance();
+    const QByteArray kept = settings.bytes(kGeometryKey);
+    if (kept.isEmpty() || !restoreGeometry(kept))
+        resize(kFirstSize);
+    const QString label = settings.string(kPageKey);
+    m_controller.selectTab(m_labels.contains(label) ? label : m_labels.first());
+    showPage(m_controller.selectedTabViewItem());
+    showReadiness();
+}
+
+} // namespace nurv

@@ -1,0 +1,93 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QHash>
+#include <QList>
+#include <QMainWindow>
+#include <QPointer>
+
+#include <functional>
+
+class QAction;
+class QMenu;
+class QTabWidget;
+
+namespace nurv {
+
+class NURVController;
+class OutputWindow;
+class StatusWindow;
+class TabPage;
+
+/// The main window: one page per tool that is there and the about page, the
+/// menus, and the windows that the queue asks for.
+///
+/// Closing it asks the controller; when the user agrees it emits
+/// `quitConfirmed`, and whoever owns the application ends it.
+class MainWindow final : public QMainWindow {
+    Q_OBJECT
+
+public:
+    /// The controller must outlive the window; its tabs must be there already.
+    explicit MainWindow(NURVController &controller, QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+    [[nodiscard]] TabPage *page(const QString &label) const { return m_pages.value(label); }
+    [[nodiscard]] QTabWidget *tabView() const { return m_tabView; }
+    [[nodiscard]] StatusWindow *statusWindow() const { return m_statusWindow; }
+    /// The output windows that are open, in the order in which they opened.
+    [[nodiscard]] QList<OutputWindow *> outputWindows() const;
+
+    /// Files that arrive with the application. Looks into folders on another
+    /// thread and returns at once.
+    void openPaths(const QStringList &paths);
+    /// Shows the window in front of others.
+    void bringToFront();
+    /// Asks whether the application may quit, and emits `quitConfirmed` if so.
+    void requestQuit();
+    /// Keeps place, size and page for the next start.
+    void saveState() const;
+
+Q_SIGNALS:
+    /// The user wants to quit and nothing speaks against it.
+    void quitConfirmed();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+
+private:
+    void createPages();
+    void createMenus();
+    void createFileMenu();
+    void createJobsMenu();
+    void createGoMenu();
+    void createHelpMenu();
+    QAction *addAction(QMenu *menu, const QString &title, const QString &objectName, const QKeySequence &shortcut,
+                       const std::function<void()> &action);
+    void restoreState();
+    void showPage(const QString &label);
+    void pageChosen(int index);
+    void showReadiness();
+    void openOutputWindow(const QString &text, const QString &title);
+    void addFolder();
+    [[nodiscard]] TabPage *currentPage() const;
+
+    NURVController &m_controller;
+    QTabWidget *m_tabView = nullptr;
+    StatusWindow *m_statusWindow = nullptr;
+    QHash<QString, TabPage *> m_pages;
+    QStringList m_labels; ///< of the pages shown, in their order
+    QAction *m_addFilesAction = nullptr;
+    QAction *m_addFolderAction = nullptr;
+    QAction *m_executeAction = nullptr;
+    QAction *m_cancelAllAction = nullptr;
+    QAction *m_removeErrorsAction = nullptr;
+    QList<QPointer<OutputWindow>> m_outputWindows;
+    QPoint m_outputWindowTopLeft;
+    bool m_isClosing = false;
+};
+
+} // namespace nurv

@@ -1,0 +1,83 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/OptionWidgets.h"
+
+#include "app/Control.h"
+#include "ui/Bindings.h"
+#include "ui/RadioMatrix.h"
+
+#include <QCheckBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QSlider>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+QLabel *addCaption(QHBoxLayout *row, const QString &caption, Control &control, QWidget *parent)
+{
+    auto *const label = new QLabel(caption, parent);
+    row->addWidget(label);
+    follow(label, control);
+    return label;
+}
+
+} // namespace
+
+void addCheckBox(QVBoxLayout *column, CheckControl &control, const QString &title, const QString &objectName,
+                 const QString &toolTip, QWidget *parent)
+{
+    auto *const box = new QCheckBox(title, parent);
+    box->setObjectName(objectName);
+    box->setToolTip(toolTip);
+    box->setAccessibleName(QString(title).remove(u'&'));
+    box->setAccessibleDescription(toolTip);
+    column->addWidget(box);
+    bind(box, control);
+}
+
+void addSlider(QVBoxLayout *column, SliderControl &control, const QString &caption, const QString &objectName,
+               const QString &accessibleName, QWidget *parent)
+{
+    auto *const row = new QHBoxLayout;
+    QLabel *const captionLabel = addCaption(row, caption, control, parent);
+    auto *const slider = new QSlider(Qt::Horizontal, parent);
+    slider->setObjectName(objectName);
+    slider->setAccessibleName(accessibleName);
+    slider->setToolTip(accessibleName);
+    slider->setTickPosition(QSlider::TicksBelow);
+    captionLabel->setBuddy(slider);
+    auto *const value = new QLabel(parent);
+    value->setObjectName(objectName + u"Value"_s);
+    value->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    // The row must not move while the number gets more digits.
+    const QFontMetrics metrics(value->font());
+    value->setMinimumWidth(std::max(metrics.horizontalAdvance(QString::number(control.minimum())),
+                                    metrics.horizontalAdvance(QString::number(control.maximum()))));
+    row->addWidget(slider, 1);
+    row->addWidget(value);
+    column->addLayout(row);
+    bind(slider, value, control);
+}
+
+void addChoice(QVBoxLayout *column, ChoiceControl &control, const QString &caption, const QString &objectName,
+               const QString &accessibleName, QWidget *parent)
+{
+    auto *const row = new QHBoxLayout;
+    addCaption(row, caption, control, parent);
+    auto *const matrix = new RadioMatrix(parent);
+    matrix->setObjectName(objectName);
+    matrix->setAccessibleName(accessibleName);
+    matrix->setToolTip(accessibleName);
+    row->addWidget(matrix, 1);
+    column->addLayout(row);
+    bind(matrix, control);
+}
+
+} // namespace nurv

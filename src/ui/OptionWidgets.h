@@ -1,0 +1,28 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+class QVBoxLayout;
+class QWidget;
+
+namespace nurv {
+
+class CheckControl;
+class ChoiceControl;
+class SliderControl;
+
+// Each adds one bound row of options to a column, with its caption, object name,
+// tool tip and accessible name. `parent` owns the widgets.
+
+void addCheckBox(QVBoxLayout *column, CheckControl &control, const QString &title, const QString &objectName,
+                 const QString &toolTip, QWidget *parent);
+/// Caption, slider and the value as a number.
+void addSlider(QVBoxLayout *column, SliderControl &control, const QString &caption, const QString &objectName,
+               const QString &accessibleName, QWidget *parent);
+/// Caption and a matrix of radio buttons.
+void addChoice(QVBoxLayout *column, ChoiceControl &control, const QString &caption, const QString &objectName,
+               const QString &accessibleName, QWidget *parent);
+
+} // namespace nurv

@@ -1,0 +1,78 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/RunningInstance.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDir>
+#include <QUrl>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+const QString kService = u"org.nurvaudio.Workbench"_s;
+const QString kPath = u"/org/nurvaudio/Workbench"_s;
+const QString kInterface = u"org.freedesktop.Application"_s;
+constexpr int kAnswerLimitMs = 5000;
+
+} // namespace
+
+RunningInstance::RunningInstance(const QDBusConnection &bus, QObject *parent) : QObject(parent), m_bus(bus) {}
+
+RunningInstance::Role RunningInstance::claim()
+{
+    if (!m_bus.isConnected() || m_bus.interface() == nullptr)
+        return Role::Unknown;
+    // The object is there before the name, so that nobody finds the name without it.
+    m_bus.registerObject(kPath, this, QDBusConnection::ExportScriptableSlots);
+    const auto reply = m_bus.interface()->registerService(kService, QDBusConnectionInterface::DontQueueService,
+                                                          QDBusConnectionInterface::DontAllowReplacement);
+    if (!reply.isValid())
+        return Role::Unknown;
+    if (reply.value() == QDBusConnectionInterface::ServiceRegistered)
+        return Role::First;
+    m_bus.unregisterObject(kPath);
+    return Role::Second;
+}
+
+bool RunningInstance::handOver(const QStringList &paths)
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(kService, kPath, kInterface,
+                                                       paths.isEmpty() ? u"Activate"_s : u"Open"_s);
+    const QVariantMap platformData;
+    if (paths.isEmpty()) {
+        call << platformData;
+    } else {
+        QStringList uris;
+        for (const QString &path : paths)
+            uris.append(QString::fromLatin1(QUrl::fromLocalFile(QDir::current().absoluteFilePath(path)).toEncoded()));
+        call << uris << platformData;
+    }
+    return m_bus.call(call, QDBus::Block, kAnswerLimitMs).type() == QDBusMessage::ReplyMessage;
+}
+
+void RunningInstance::Activate(const QVariantMap &)
+{
+    Q_EMIT activationRequested();
+}
+
+void RunningInstance::Open(const QStringList &uris, const QVariantMap &)
+{
+    QStringList paths;
+    for (const QString &uri : uris) {
+        const QUrl url(uri);
+        if (url.isLocalFile())
+            paths.append(QDir::cleanPath(url.toLocalFile()));
+    }
+    Q_EMIT openRequested(paths);
+}
+
+void RunningInstance::ActivateAction(const QString &, const QVariantList &, const QVariantMap &)
+{
+    Q_EMIT activationRequested();
+}
+
+} // namespace nurv

@@ -1,0 +1,77 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QWidget>
+
+#include <memory>
+#include <vector>
+
+class QLabel;
+class QListView;
+class QMenu;
+class QPushButton;
+
+namespace nurv {
+
+class NURVTask;
+class NURVTaskQueue;
+class StatusListModel;
+class StatusQueueCell;
+
+/// The floating window with one row per job of the queue.
+///
+/// Comes to the front once per batch, when the queue asks for it, and goes when
+/// the queue says so; a user who closes it in between keeps it closed until the
+/// next batch.
+class StatusWindow final : public QWidget {
+    Q_OBJECT
+
+public:
+    /// The queue must outlive the window.
+    explicit StatusWindow(NURVTaskQueue &queue, QWidget *parent = nullptr);
+
+    /// Shows the window, in front and with the keyboard.
+    void bringToFront();
+    [[nodiscard]] QListView *list() const { return m_list; }
+    [[nodiscard]] QMenu *contextMenu() const { return m_menu; }
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void timerEvent(QTimerEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+
+private:
+    void createWidgets();
+    void layOut();
+    void createContextMenu();
+    void connectAll();
+    void requestPanel();
+    void closePanel();
+    void showCount();
+    void prepareMenu();
+    void cancelSelected();
+    void cancelLater(const std::shared_ptr<NURVTask> &task);
+    void showReport();
+    [[nodiscard]] std::vector<std::shared_ptr<NURVTask>> selectedTasks() const;
+
+    NURVTaskQueue &m_queue;
+    StatusListModel *m_model;
+    StatusQueueCell *m_cell;
+    QListView *m_list = nullptr;
+    QLabel *m_countLabel = nullptr;
+    QPushButton *m_removeErrorsButton = nullptr;
+    QPushButton *m_cancelAllButton = nullptr;
+    QMenu *m_menu = nullptr;
+    QAction *m_cancelAction = nullptr;
+    QAction *m_reportAction = nullptr;
+    QAction *m_cancelAllAction = nullptr;
+    QAction *m_removeErrorsAction = nullptr;
+    int m_animationTimer = 0;
+    bool m_wasBroughtUp = false; ///< in this batch
+    bool m_showIsPending = false;
+};
+
+} // namespace nurv

@@ -1,0 +1,81 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QWidget>
+
+class QGroupBox;
+class QLabel;
+class QProgressBar;
+class QPushButton;
+class QVBoxLayout;
+
+namespace nurv {
+
+class BaseTab;
+class FileListView;
+
+/// The page of one tool: its file list on the left, its options on the right,
+/// its buttons below. A tool's own page adds the options.
+///
+///     +--------------------+-----------+
+///     | file list          | options   |
+///     +--------------------+-----------+
+///     | Add…  Clear  12 files  Execute |
+///     +--------------------------------+
+class TabPage : public QWidget {
+    Q_OBJECT
+
+public:
+    /// The tab must outlive the page.
+    explicit TabPage(BaseTab &tab, QWidget *parent = nullptr);
+
+    [[nodiscard]] BaseTab &tab() const { return m_tab; }
+    [[nodiscard]] FileListView *fileList() const { return m_fileList; }
+    [[nodiscard]] bool isAddingFiles() const { return m_intakesRunning > 0; }
+    /// Whether Execute may be pressed.
+    [[nodiscard]] bool isReady() const;
+
+    /// Adds files and what lies in folders. Looks into the folders on another
+    /// thread and returns at once.
+    void addPaths(const QStringList &paths);
+    /// Shows that files are being added, and holds Execute back, until as many
+    /// calls of `endAddingFiles` have come.
+    void beginAddingFiles();
+    void endAddingFiles();
+    /// Presses the execute button; nothing while that is disabled.
+    void execute();
+
+Q_SIGNALS:
+    /// Execute may be pressed, or no longer.
+    void readinessChanged(bool isReady);
+
+protected:
+    /// A titled group in the column of options.
+    QVBoxLayout *addOptionGroup(const QString &title, const QString &objectName);
+    /// A group without its layout, to be followed by a control's hidden state.
+    [[nodiscard]] QGroupBox *lastOptionGroup() const { return m_lastGroup; }
+    /// The options are complete: pushes them to the top and sets the tab order.
+    void finishOptions();
+
+private:
+    void createWidgets();
+    void layOut();
+    void connectAll();
+    void showState();
+
+    BaseTab &m_tab;
+    FileListView *m_fileList = nullptr;
+    QPushButton *m_addButton = nullptr;
+    QPushButton *m_clearButton = nullptr;
+    QPushButton *m_executeButton = nullptr;
+    QLabel *m_countLabel = nullptr;
+    QProgressBar *m_busyBar = nullptr;
+    QWidget *m_options = nullptr;
+    QVBoxLayout *m_optionColumn = nullptr;
+    QGroupBox *m_lastGroup = nullptr;
+    int m_intakesRunning = 0;
+    bool m_wasReady = false;
+};
+
+} // namespace nurv

@@ -1,0 +1,23 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/ToolTipText.h"
+
+#include <QTextDocument>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+constexpr int kLongestToolTip = 1500;
+
+} // namespace
+
+QString toolTipText(const QString &plain)
+{
+    const QString shown = plain.size() > kLongestToolTip ? plain.left(kLongestToolTip) + u'…' : plain;
+    return Qt::mightBeRichText(shown) ? Qt::convertFromPlainText(shown, Qt::WhiteSpaceNormal) : shown;
+}
+
+} // namespace nurv
