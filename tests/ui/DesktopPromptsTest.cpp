@@ -1,0 +1,153 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/DesktopPrompts.h"
+
+#include "support/TestFolder.h"
+
+#include <QApplication>
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv::test {
+
+namespace {
+
+/// Does something with the modal dialog as soon as it is there.
+template <typename Dialog>
+class WhenOpen {
+public:
+    explicit WhenOpen(std::function<void(Dialog &)> act)
+    {
+        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this, act = std::move(act)] {
+            auto *const dialog = qobject_cast<Dialog *>(QApplication::activeModalWidget());
+            if (dialog == nullptr || !dialog->isVisible())
+                return;
+            m_timer.stop();
+            ++m_acts;
+            act(*dialog);
+        });
+        m_timer.start(20);
+    }
+    ~WhenOpen() { EXPECT_EQ(m_acts, 1); }
+
+private:
+    QTimer m_timer;
+    int m_acts = 0;
+};
+
+class DesktopPromptsTest : public ::testing::Test {
+protected:
+    DesktopPromptsTest() { QApplication::setAttribute(Qt::AA_DontUseNativeDialogs); }
+
+    TestFolder folder;
+    DesktopPrompts prompts;
+};
+
+QPushButton *buttonOf(const QMessageBox &box, const QString &text)
+{
+    for (QAbstractButton *const button : box.buttons()) {
+        if (button->text() == text)
+            return qobject_cast<QPushButton *>(button);
+    }
+    ADD_FAILURE() << "no button " << text.toStdString();
+    return nullptr;
+}
+
+} // namespace
+
+TEST_F(DesktopPromptsTest, AnAlertShowsItsTextsAndReturnsTheChosenButton)
+{
+    WhenOpen<QMessageBox> user([](QMessageBox &box) {
+        EXPECT_EQ(box.text(), u"Tasks in Progress"_s);
+        EXPECT_EQ(box.informativeText(), u"There are 3 tasks"_s);
+        EXPECT_EQ(box.defaultButton()->text(), u"No"_s);
+        QTest::mouseClick(buttonOf(box, u"Yes"_s), Qt::LeftButton);
+    });
+    EXPECT_EQ(prompts.ask({.title = u"Tasks in Progress"_s, .message = u"There are 3 tasks"_s, .buttons = {u"No"_s, u"Yes"_s}}),
+              u"Yes"_s);
+}
+
+TEST_F(DesktopPromptsTest, ReturnPressesTheDefaultButtonAlsoWhenThatIsYes)
+{
+    WhenOpen<QMessageBox> user([](QMessageBox &box) { QTest::keyClick(&box, Qt::Key_Return); });
+    EXPECT_EQ(prompts.ask({.title = u"Delete?"_s, .message = {}, .buttons = {u"Yes"_s, u"No"_s}}), u"Yes"_s);
+}
+
+TEST_F(DesktopPromptsTest, EscapeChoosesWhatChangesNothing)
+{
+    WhenOpen<QMessageBox> user([](QMessageBox &box) { QTest::keyClick(&box, Qt::Key_Escape); });
+    EXPECT_EQ(prompts.ask({.title = u"Delete?"_s, .message = {}, .buttons = {u"Yes"_s, u"No"_s}}), u"No"_s);
+}
+
+TEST_F(DesktopPromptsTest, AnAlertShowsMarkupAsItIs)
+{
+    WhenOpen<QMessageBox> user([](QMessageBox &box) {
+        EXPECT_EQ(box.textFormat(), Qt::PlainText);
+        QTest::keyClick(&box, Qt::Key_Return);
+    });
+    EXPECT_EQ(prompts.ask({.title = u"<b>x</b>.flac"_s, .message = {}, .buttons = {u"OK"_s}}), u"OK"_s);
+}
+
+TEST_F(DesktopPromptsTest, TheFileChooserHasItsTitleAndButtonAndTakesSeveralFiles)
+{
+    folder.write(u"a.flac"_s, "x");
+    folder.write(u"b.flac"_s, "x");
+    WhenOpen<QFileDialog> user([this](QFileDialog &dialog) {
+        EXPECT_EQ(dialog.windowTitle(), u"Choose files for processing"_s);
+        EXPECT_EQ(dialog.labelText(QFileDialog::Accept), u"Add Files"_s);
+        EXPECT_EQ(dialog.fileMode(), QFileDialog::ExistingFiles);
+        dialog.setDirectory(folder.path());
+        dialog.findChild<QLineEdit *>(u"fileNameEdit"_s)->setText(u"\"a.flac\" \"b.flac\""_s);
+        dialog.findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Open)->click();
+    });
+    QStringList chosen = prompts.chooseFiles({.title = u"Choose files for processing"_s, .buttonText = u"Add Files"_s});
+    chosen.sort();
+    EXPECT_EQ(chosen, (QStringList{folder.path(u"a.flac"_s), folder.path(u"b.flac"_s)}));
+}
+
+TEST_F(DesktopPromptsTest, TheFolderChooserReturnsAFolder)
+{
+    folder.makeFolder(u"out"_s);
+    WhenOpen<QFileDialog> user([this](QFileDialog &dialog) {
+        EXPECT_EQ(dialog.windowTitle(), u"Choose output directory"_s);
+        EXPECT_EQ(dialog.fileMode(), QFileDialog::Directory);
+        dialog.findChild<QLineEdit *>(u"fileNameEdit"_s)->setText(folder.path(u"out"_s));
+        dialog.findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Open)->click();
+    });
+    EXPECT_EQ(prompts.chooseFolder({.title = u"Choose output directory"_s, .buttonText = {}}), folder.path(u"out"_s));
+}
+
+TEST_F(DesktopPromptsTest, ACancelledChooserReturnsNothing)
+{
+    {
+        WhenOpen<QFileDialog> user([](QFileDialog &dialog) { dialog.reject(); });
+        EXPECT_EQ(prompts.chooseFolder({.title = u"Choose output directory"_s, .buttonText = {}}), std::nullopt);
+    }
+    WhenOpen<QFileDialog> user([](QFileDialog &dialog) { dialog.reject(); });
+    EXPECT_TRUE(prompts.chooseFiles({.title = u"Choose files for processing"_s, .buttonText = {}}).isEmpty());
+}
+
+TEST_F(DesktopPromptsTest, TheSaveChooserStartsWithTheSuggestedName)
+{
+    WhenOpen<QFileDialog> user([this](QFileDialog &dialog) {
+        EXPECT_EQ(dialog.windowTitle(), u"Save output"_s);
+        auto *const name = dialog.findChild<QLineEdit *>(u"fileNameEdit"_s);
+        EXPECT_EQ(name->text(), u"report.txt"_s);
+        name->setText(folder.path(u"other.txt"_s));
+        dialog.findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Save)->click();
+    });
+    EXPECT_EQ(prompts.chooseSavePath(u"report.txt"_s, u"Save output"_s), folder.path(u"other.txt"_s));
+}
+
+} // namespace nurv::test

@@ -1,0 +1,160 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/FileListView.h"
+
+#include "support/WaitUntil.h"
+#include "ui/TabPage.h"
+#include "ui/TextWidth.h"
+#include "ui/WindowFixture.h"
+
+#include <QApplication>
+#include <QDragEnterEvent>
+#include <QFontMetricsF>
+#include <QHeaderView>
+#include <QImage>
+#include <QMenu>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv::test {
+
+namespace {
+
+class FileListViewTest : public ::testing::Test, public WindowFixture {
+protected:
+    FileListViewTest() { controller.selectTab(u"decode"_s); }
+
+    FileListView *list = window.page(u"decode"_s)->fileList();
+
+    QString text(int row) const { return list->model()->index(row, 0).data().toString(); }
+    QStringList submenu() const
+    {
+        Q_EMIT list->fileListContextMenu()->aboutToShow();
+        QStringList titles;
+        for (const QAction *const action : list->fileListContextMenuFilterSubMenu()->actions())
+            titles.append(action->text());
+        return titles;
+    }
+};
+
+} // namespace
+
+TEST_F(FileListViewTest, ShowsLastPathComponentsWithTheWholePathAsToolTip)
+{
+    decodeTab.addFiles({folder.write(u"d/b10.flac"_s, "x"), folder.write(u"d/b2.flac"_s, "x")});
+    ASSERT_EQ(list->model()->rowCount(), 2);
+    EXPECT_EQ(text(0), u"b2.flac"_s);
+    EXPECT_EQ(text(1), u"b10.flac"_s);
+    EXPECT_EQ(list->model()->index(1, 0).data(Qt::ToolTipRole).toString(), folder.path(u"d/b10.flac"_s));
+}
+
+TEST_F(FileListViewTest, ShowsNamesThatLookLikeMarkupAsTheyAre)
+{
+    decodeTab.addFiles({folder.write(u"<b>loud<i>.flac"_s, "x")});
+    EXPECT_EQ(text(0), u"<b>loud<i>.flac"_s);
+    const QString toolTip = list->model()->index(0, 0).data(Qt::ToolTipRole).toString();
+    EXPECT_TRUE(toolTip.contains(u"&lt;b&gt;loud"_s)) << toolTip.toStdString();
+}
+
+TEST_F(FileListViewTest, KeepsTheColumnOfShortNamesAtLeast211Wide)
+{
+    decodeTab.addFiles({folder.write(u"a.flac"_s, "x")});
+    EXPECT_EQ(list->header()->sectionSize(0), 211);
+}
+
+TEST_F(FileListViewTest, WidensTheColumnToElevenTenthsOfTheWidestName)
+{
+    const QString name = u"A rather long name of a concert, first night, second set (audience).flac"_s;
+    decodeTab.addFiles({folder.write(u"a.flac"_s, "x"), folder.write(name, "x"), folder.write(u"bb.flac"_s, "x")});
+    const double widest = QFontMetricsF(list->font()).horizontalAdvance(name);
+    ASSERT_GT(widest, 211.0);
+    EXPECT_NEAR(list->header()->sectionSize(0), 1.1 * widest, 1.0);
+}
+
+TEST_F(FileListViewTest, FindsTheWidestOfThousandsOfNames)
+{
+    QStringList names;
+    for (int number = 0; number < 5000; ++number)
+        names.append(u"Track %1 - %2.flac"_s.arg(number).arg(QString(number % 37, number % 2 == 0 ? u'i' : u'W')));
+    const QFontMetricsF metrics(list->font());
+    double widest = 0.0;
+    for (const QString &name : names)
+        widest = std::max(widest, metrics.horizontalAdvance(name));
+    EXPECT_DOUBLE_EQ(widestText(names, list->font()), widest);
+}
+
+TEST_F(FileListViewTest, TakesFilesAndFoldersDroppedOnIt)
+{
+    folder.write(u"album/b10.flac"_s, "x");
+    folder.write(u"album/deep/b2.flac"_s, "x");
+    folder.write(u"album/.DS_Store"_s, "x");
+    show();
+    ASSERT_TRUE(dropOn(list->viewport(), {folder.path(u"album"_s), folder.write(u"one.shn"_s, "x")}));
+    ASSERT_TRUE(waitUntil([&] { return list->model()->rowCount() == 3; }));
+    EXPECT_EQ(decodeTab.fileNames().size(), 3);
+}
+
+TEST_F(FileListViewTest, RefusesADragWithoutFiles)
+{
+    QMimeData data;
+    data.setText(u"no file"_s);
+    QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(list->viewport(), &enter);
+    EXPECT_FALSE(enter.isAccepted());
+}
+
+TEST_F(FileListViewTest, DrawsAHintOnlyWhileItIsEmpty)
+{
+    show();
+    const QImage empty = list->viewport()->grab().toImage();
+    decodeTab.addFiles({folder.write(u"a.flac"_s, "x")});
+    handleWaitingEvents();
+    decodeTab.clearFiles();
+    handleWaitingEvents();
+    EXPECT_EQ(list->viewport()->grab().toImage(), empty);
+    // The centre of the hint holds text: more than the background's one colour.
+    const QRect centre(empty.rect().center() - QPoint(60, 12), QSize(120, 24));
+    const QImage hint = empty.copy(centre);
+    bool hasText = false;
+    for (int x = 0; x < hint.width() && !hasText; ++x)
+        hasText = hint.pixel(x, hint.height() / 2) != empty.pixel(3, 3);
+    EXPECT_TRUE(hasText);
+}
+
+TEST_F(FileListViewTest, RebuildsTheExtensionMenuOnEachOpening)
+{
+    decodeTab.addFiles({folder.write(u"a.flac"_s, "x"), folder.write(u"b.FLAC"_s, "x"), folder.write(u"c.shn"_s, "x")});
+    EXPECT_EQ(submenu(), (QStringList{u"FLAC"_s, u"flac"_s, u"shn"_s}));
+    list->fileListContextMenuFilterSubMenu()->actions().at(1)->trigger();
+    EXPECT_EQ(submenu(), (QStringList{u"FLAC"_s, u"shn"_s}));
+    EXPECT_EQ(text(0), u"b.FLAC"_s);
+}
+
+TEST_F(FileListViewTest, NamesTheItemsOfTheContextMenuAsUsersKnowThem)
+{
+    const QList<QAction *> actions = list->fileListContextMenu()->actions();
+    ASSERT_EQ(actions.size(), 2);
+    EXPECT_EQ(actions.at(0)->text(), u"Delete selected file(s)"_s);
+    EXPECT_EQ(actions.at(1)->text(), u"Delete files with extension:"_s);
+}
+
+TEST_F(FileListViewTest, TheDeleteKeyTakesTheSelectedFilesOffTheList)
+{
+    decodeTab.addFiles({folder.write(u"a.flac"_s, "x"), folder.write(u"b.flac"_s, "x"), folder.write(u"c.flac"_s, "x")});
+    show();
+    list->setFocus();
+    list->setCurrentIndex(list->model()->index(0, 0));
+    QTest::keyClick(list, Qt::Key_Down, Qt::ShiftModifier);
+    QTest::keyClick(list, Qt::Key_Delete);
+    ASSERT_EQ(decodeTab.fileNames().size(), 1);
+    EXPECT_EQ(text(0), u"c.flac"_s);
+    EXPECT_FALSE(list->selectionModel()->hasSelection());
+    EXPECT_TRUE(folder.exists(u"a.flac"_s));
+}
+
+} // namespace nurv::test

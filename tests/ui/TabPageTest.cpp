@@ -1,0 +1,181 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/TabPage.h"
+
+#include "support/WaitUntil.h"
+#include "ui/FileListView.h"
+#include "ui/RadioMatrix.h"
+#include "ui/WindowFixture.h"
+
+#include <QCheckBox>
+#include <QElapsedTimer>
+#include <QGroupBox>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QScrollBar>
+#include <QSlider>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv::test {
+
+namespace {
+
+class TabPageTest : public ::testing::Test, public WindowFixture {
+protected:
+    TabPage *openPage(const QString &label)
+    {
+        controller.selectTab(label);
+        return window.page(label);
+    }
+};
+
+template <typename Widget>
+Widget *part(QWidget *page, const QString &objectName)
+{
+    auto *const widget = page->findChild<Widget *>(objectName);
+    EXPECT_NE(widget, nullptr) << objectName.toStdString();
+    return widget;
+}
+
+} // namespace
+
+TEST_F(TabPageTest, TheAddButtonAsksForFilesAndListsThem)
+{
+    TabPage *const page = openPage(u"decode"_s);
+    show();
+    prompts.expectFiles({.title = u"Choose files for processing"_s, .buttonText = u"Add Files"_s},
+                        {folder.write(u"a.flac"_s, "x"), folder.write(u"b.flac"_s, "x")});
+    QTest::mouseClick(part<QPushButton>(page, u"addButton"_s), Qt::LeftButton);
+    EXPECT_EQ(page->fileList()->model()->rowCount(), 2);
+    EXPECT_EQ(part<QLabel>(page, u"fileCount"_s)->text(), u"2 files"_s);
+}
+
+TEST_F(TabPageTest, ExecuteAndClearWaitForFiles)
+{
+    TabPage *const page = openPage(u"decode"_s);
+    auto *const execute = part<QPushButton>(page, u"executeButton"_s);
+    auto *const clear = part<QPushButton>(page, u"clearButton"_s);
+    EXPECT_FALSE(execute->isEnabled());
+    EXPECT_FALSE(clear->isEnabled());
+    decodeTab.addFiles({folder.write(u"a.flac"_s, "x")});
+    EXPECT_TRUE(execute->isEnabled());
+    clear->click();
+    EXPECT_TRUE(decodeTab.fileNames().isEmpty());
+    EXPECT_FALSE(execute->isEnabled());
+}
+
+TEST_F(TabPageTest, HoldsExecuteBackWhileFoldersAreBeingSearched)
+{
+    TabPage *const page = openPage(u"decode"_s);
+    show();
+    decodeTab.addFiles({folder.write(u"a.flac"_s, "x")});
+    auto *const execute = part<QPushButton>(page, u"executeButton"_s);
+    ASSERT_TRUE(execute->isEnabled());
+    for (int number = 0; number < 300; ++number)
+        folder.write(u"many/%1.flac"_s.arg(number), "x");
+
+    page->addPaths({folder.path(u"many"_s)});
+    EXPECT_FALSE(execute->isEnabled());
+    EXPECT_TRUE(part<QProgressBar>(page, u"addingFilesBar"_s)->isVisible());
+    EXPECT_EQ(part<QLabel>(page, u"fileCount"_s)->text(), u"Adding files…"_s);
+    ASSERT_TRUE(waitUntil([&] { return !page->isAddingFiles(); }));
+    EXPECT_EQ(decodeTab.fileNames().size(), 301);
+    EXPECT_TRUE(execute->isEnabled());
+    EXPECT_FALSE(part<QProgressBar>(page, u"addingFilesBar"_s)->isVisible());
+}
+
+TEST_F(TabPageTest, ExecuteAsksForTheOutputFolderAndKeepsTheListWhenThatIsCancelled)
+{
+    TabPage *const page = openPage(u"decode"_s);
+    decodeTab.addFiles({folder.write(u"a.flac"_s, "x")});
+    prompts.expectOutputFolder(std::nullopt);
+    part<QPushButton>(page, u"executeButton"_s)->click();
+    EXPECT_EQ(prompts.unaskedCount(), 0);
+    EXPECT_EQ(decodeTab.fileNames().size(), 1);
+}
+
+TEST_F(TabPageTest, OffersTheOptionsOfTheChosenFormatOnly)
+{
+    TabPage *const page = openPage(u"encode"_s);
+    auto *const formats = part<RadioMatrix>(page, u"outputFormatMatrix"_s);
+    const auto enabled = [page](const QString &name) { return part<QWidget>(page, name)->isEnabled(); };
+
+    EXPECT_EQ(formats->selectedIndex(), 2) << "FLAC is the default";
+    EXPECT_TRUE(enabled(u"flacSlider"_s));
+    EXPECT_TRUE(enabled(u"generateFFPButton"_s));
+    EXPECT_FALSE(enabled(u"generateMD5Button"_s));
+    EXPECT_FALSE(enabled(u"apeSlider"_s));
+
+    formats->cell(0)->click(); // Shorten
+    EXPECT_FALSE(enabled(u"flacSlider"_s));
+    EXPECT_FALSE(enabled(u"flacVerifyButton"_s));
+    EXPECT_TRUE(enabled(u"generateMD5Button"_s));
+
+    formats->cell(1)->click(); // WavPack
+    EXPECT_FALSE(enabled(u"generateMD5Button"_s));
+    EXPECT_TRUE(enabled(u"wavepackFormatMatrix"_s));
+
+    formats->cell(4)->click(); // Monkey's Audio
+    EXPECT_TRUE(enabled(u"apeSlider"_s));
+    EXPECT_FALSE(enabled(u"wavepackFormatMatrix"_s));
+
+    for (const int withoutOptions : {3, 5}) { // TTA, Apple Lossless
+        formats->cell(withoutOptions)->click();
+        for (const QString &name : {u"flacSlider"_s, u"flacLaxButton"_s, u"generateMD5Button"_s, u"apeSlider"_s,
+                                    u"wavepackFormatMatrix"_s, u"generateFFPButton"_s}) {
+            EXPECT_FALSE(enabled(name)) << name.toStdString();
+        }
+    }
+}
+
+TEST_F(TabPageTest, ShowsTheFlacOptionsOfDecodingOnlyWithFlacFilesInTheList)
+{
+    TabPage *const page = openPage(u"decode"_s);
+    show();
+    auto *const group = part<QGroupBox>(page, u"flacGroup"_s);
+    EXPECT_FALSE(group->isVisible());
+    decodeTab.addFiles({folder.write(u"a.shn"_s, "x")});
+    EXPECT_FALSE(group->isVisible());
+    decodeTab.addFiles({folder.write(u"b.flac"_s, "x")});
+    EXPECT_TRUE(group->isVisible());
+    EXPECT_TRUE(part<QCheckBox>(page, u"decodeFlacThroughErrors"_s)->isVisible());
+    decodeTab.clearFiles();
+    EXPECT_FALSE(group->isVisible());
+}
+
+TEST_F(TabPageTest, ListsAHundredThousandFilesFluently)
+{
+    TabPage *const page = openPage(u"decode"_s);
+    show();
+    FileIntake intake;
+    for (int number = 0; number < 100'000; ++number)
+        intake.accepted.append(u"/music/album %1/track %2.flac"_s.arg(number / 20).arg(number));
+    QElapsedTimer clock;
+    clock.start();
+    decodeTab.addCollected(intake);
+    handleWaitingEvents();
+    page->fileList()->scrollToBottom();
+    handleWaitingEvents();
+    EXPECT_LT(clock.elapsed(), 15'000);
+    EXPECT_EQ(page->fileList()->model()->rowCount(), 100'000);
+    clock.restart();
+    (void)page->fileList()->viewport()->grab();
+    EXPECT_LT(clock.elapsed(), 1'000);
+}
+
+TEST_F(TabPageTest, ElidesNothingButScrollsToTheEndOfALongName)
+{
+    TabPage *const page = openPage(u"decode"_s);
+    show();
+    decodeTab.addFiles({folder.write(QString(200, u'W') + u".flac"_s, "x")});
+    handleWaitingEvents();
+    EXPECT_GT(page->fileList()->horizontalScrollBar()->maximum(), 0);
+}
+
+} // namespace nurv::test

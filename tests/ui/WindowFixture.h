@@ -1,0 +1,40 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "app/NURVController.h"
+#include "app/ScriptedPrompts.h"
+#include "convert/DecodeTab.h"
+#include "convert/EncodeTab.h"
+#include "platform/NullDesktopServices.h"
+#include "support/TestFolder.h"
+#include "ui/MainWindow.h"
+
+#include <QMimeData>
+
+namespace nurv::test {
+
+/// A whole application with a scripted user, its window not shown yet.
+struct WindowFixture {
+    TestFolder folder;
+    ScriptedPrompts prompts;
+    NullDesktopServices services;
+    NURVController controller{prompts, services};
+    DecodeTab decodeTab{controller};
+    EncodeTab encodeTab{controller};
+    MainWindow window{controller};
+
+    /// Shows the window and waits until it has been drawn and has the keyboard.
+    void show();
+    template <typename Widget>
+    [[nodiscard]] Widget *find(const QString &objectName) const
+    {
+        return window.findChild<Widget *>(objectName);
+    }
+};
+
+/// Sends what a drag of these paths onto the widget sends; returns whether the
+/// widget has taken it.
+bool dropOn(QWidget *widget, const QStringList &paths);
+
+} // namespace nurv::test
