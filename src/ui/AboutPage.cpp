@@ -139,18 +139,12 @@ void AboutPage::showStatus(int row, const ProgramStatus &status)
     const bool isFound = status.state == ProgramStatus::State::Found;
     m_missing += isFound ? 0 : 1;
     switch (status.state) {
-    case ProgramStatus::State::Found:
-        item->setText(Found, tr("found"));
-        break;
-    case ProgramStatus::State::NotFound:
-        item->setText(Found, tr("not found"));
-        break;
-    case ProgramStatus::State::NotExecutable:
-        item->setText(Found, tr("not executable"));
-        break;
+    case ProgramStatus::State::Found: item->setText(Found, tr("found")); break;
+    case ProgramStatus::State::NotFound: item->setText(Found, tr("not found")); break;
+    case ProgramStatus::State::NotExecutable: item->setText(Found, tr("not executable")); break;
     }
-    item->setForeground(Found, isFound ? palette().brush(QPalette::Text)
-                                       : QBrush(StatusQueueCell::systemRed(palette())));
+    item->setForeground(Found,
+                        isFound ? palette().brush(QPalette::Text) : QBrush(StatusQueueCell::systemRed(palette())));
     item->setText(Version, status.version);
     item->setText(Path, status.path);
     item->setToolTip(Path, toolTipText(status.path));

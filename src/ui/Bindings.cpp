@@ -16,7 +16,7 @@ namespace nurv {
 namespace {
 
 /// Runs `show` now and after every change of the control, as long as the widget lives.
-template <typename Show>
+template<typename Show>
 void showAlways(QWidget *widget, Control &control, const Show &show)
 {
     show();
@@ -66,8 +66,7 @@ void bind(QComboBox *box, ChoiceControl &control)
         const int index = control.selectedIndex();
         box->setCurrentIndex(index >= 0 && index < box->count() ? index : -1);
     });
-    QObject::connect(box, &QComboBox::activated, &control,
-                     [&control](int index) { control.setSelectedIndex(index); });
+    QObject::connect(box, &QComboBox::activated, &control, [&control](int index) { control.setSelectedIndex(index); });
     follow(box, control);
 }
 

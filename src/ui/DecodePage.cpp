@@ -46,8 +46,8 @@ void DecodePage::addFlacOptions()
     addCheckBox(group, m_decodeTab.decodeFlacThroughErrors, tr("Decode through &errors"), u"decodeFlacThroughErrors"_s,
                 tr("Goes on after damaged places instead of stopping there"), box);
     addCheckBox(group, m_decodeTab.flacKeepForeignMetadataButton, tr("&Keep foreign metadata"),
-                u"flacKeepForeignMetadataButton"_s, tr("Writes back the other chunks that the original WAV or AIFF file had"),
-                box);
+                u"flacKeepForeignMetadataButton"_s,
+                tr("Writes back the other chunks that the original WAV or AIFF file had"), box);
 }
 
 void DecodePage::addOutputOptions()
@@ -57,8 +57,8 @@ void DecodePage::addOutputOptions()
     addCheckBox(group, m_decodeTab.sourceDecodeButton, tr("Save &beside each source file"), u"sourceDecodeButton"_s,
                 tr("Otherwise one output folder is asked for"), parent);
     addCheckBox(group, m_decodeTab.deleteOriginalsButton, tr("Delete &originals afterwards"),
-                u"deleteOriginalsButton"_s, tr("Removes each source file once its output has been made without an error"),
-                parent);
+                u"deleteOriginalsButton"_s,
+                tr("Removes each source file once its output has been made without an error"), parent);
 }
 
 } // namespace nurv

@@ -46,8 +46,8 @@ void EncodePage::addFlacOptions()
     addCheckBox(group, m_encodeTab.flacVerifyButton, tr("&Verify while encoding"), u"flacVerifyButton"_s,
                 tr("Decodes what is being written and compares it with the source"), parent);
     addCheckBox(group, m_encodeTab.flacKeepForeignMetadataButton, tr("&Keep foreign metadata"),
-                u"flacKeepForeignMetadataButton"_s, tr("Stores the other chunks of WAV and AIFF files in the FLAC file"),
-                parent);
+                u"flacKeepForeignMetadataButton"_s,
+                tr("Stores the other chunks of WAV and AIFF files in the FLAC file"), parent);
     addCheckBox(group, m_encodeTab.generateFFPButton, tr("Write fingerpr&ints (FFP)"), u"generateFFPButton"_s,
                 tr("Writes one list of fingerprints in every output folder when all files are done"), parent);
 }
@@ -71,8 +71,8 @@ void EncodePage::addOutputOptions()
     addCheckBox(group, m_encodeTab.sourceEncodeButton, tr("Save &beside each source file"), u"sourceEncodeButton"_s,
                 tr("Otherwise one output folder is asked for"), parent);
     addCheckBox(group, m_encodeTab.deleteOriginalsButton, tr("Delete &originals afterwards"),
-                u"deleteOriginalsButton"_s, tr("Removes each source file once its output has been made without an error"),
-                parent);
+                u"deleteOriginalsButton"_s,
+                tr("Removes each source file once its output has been made without an error"), parent);
 }
 
 } // namespace nurv

@@ -27,14 +27,10 @@ QVariant FileListModel::data(const QModelIndex &index, int role) const
         return {};
     const QString &path = m_tab.fileNames().at(index.row());
     switch (role) {
-    case Qt::DisplayRole:
-        return lastPathComponent(path);
-    case Qt::ToolTipRole:
-        return toolTipText(path);
-    case Qt::AccessibleDescriptionRole:
-        return path;
-    default:
-        return {};
+    case Qt::DisplayRole: return lastPathComponent(path);
+    case Qt::ToolTipRole: return toolTipText(path);
+    case Qt::AccessibleDescriptionRole: return path;
+    default: return {};
     }
 }
 

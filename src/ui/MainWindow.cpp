@@ -134,8 +134,8 @@ void MainWindow::createFileMenu()
     m_addFolderAction = addAction(menu, tr("Add &Folder…"), u"addFolderAction"_s,
                                   QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O), [this] { addFolder(); });
     menu->addSeparator();
-    QAction *const quit = addAction(menu, tr("&Quit"), u"quitAction"_s, QKeySequence(Qt::CTRL | Qt::Key_Q),
-                                    [this] { requestQuit(); });
+    QAction *const quit =
+        addAction(menu, tr("&Quit"), u"quitAction"_s, QKeySequence(Qt::CTRL | Qt::Key_Q), [this] { requestQuit(); });
     quit->setMenuRole(QAction::QuitRole);
 }
 
@@ -143,18 +143,18 @@ void MainWindow::createJobsMenu()
 {
     NURVTaskQueue &queue = m_controller.taskQueue();
     QMenu *const menu = menuBar()->addMenu(tr("&Jobs"));
-    m_executeAction = addAction(menu, tr("&Execute"), u"executeAction"_s, QKeySequence(Qt::CTRL | Qt::Key_Return),
-                                [this] {
-                                    if (TabPage *const page = currentPage())
-                                        page->execute();
-                                });
+    m_executeAction =
+        addAction(menu, tr("&Execute"), u"executeAction"_s, QKeySequence(Qt::CTRL | Qt::Key_Return), [this] {
+            if (TabPage *const page = currentPage())
+                page->execute();
+        });
     menu->addSeparator();
     addAction(menu, tr("&Show Status Window"), u"showStatusAction"_s, QKeySequence(Qt::CTRL | Qt::Key_J),
               [this] { m_statusWindow->bringToFront(); });
-    m_cancelAllAction = addAction(menu, tr("&Cancel All"), u"cancelAllAction"_s, {},
-                                  [&queue] { queue.cancelAllTasks(); });
-    m_removeErrorsAction = addAction(menu, tr("&Remove Errors"), u"removeErrorsAction"_s, {},
-                                     [&queue] { queue.removeAllErrors(); });
+    m_cancelAllAction =
+        addAction(menu, tr("&Cancel All"), u"cancelAllAction"_s, {}, [&queue] { queue.cancelAllTasks(); });
+    m_removeErrorsAction =
+        addAction(menu, tr("&Remove Errors"), u"removeErrorsAction"_s, {}, [&queue] { queue.removeAllErrors(); });
     m_cancelAllAction->setEnabled(false);
     connect(&queue, &NURVTaskQueue::taskCountChanged, m_cancelAllAction,
             [this](int count) { m_cancelAllAction->setEnabled(count > 0); });

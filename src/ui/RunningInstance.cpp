@@ -40,8 +40,8 @@ RunningInstance::Role RunningInstance::claim()
 
 bool RunningInstance::handOver(const QStringList &paths)
 {
-    QDBusMessage call = QDBusMessage::createMethodCall(kService, kPath, kInterface,
-                                                       paths.isEmpty() ? u"Activate"_s : u"Open"_s);
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(kService, kPath, kInterface, paths.isEmpty() ? u"Activate"_s : u"Open"_s);
     const QVariantMap platformData;
     if (paths.isEmpty()) {
         call << platformData;

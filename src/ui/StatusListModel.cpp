@@ -66,16 +66,13 @@ QVariant StatusListModel::data(const QModelIndex &index, int role) const
     if (!job)
         return {};
     switch (role) {
-    case Qt::DisplayRole:
-        return job->textField().text.isEmpty() ? job->title() : job->textField().text;
+    case Qt::DisplayRole: return job->textField().text.isEmpty() ? job->title() : job->textField().text;
     case Qt::ToolTipRole: {
         const QString report = job->error() ? reportOf(*job) : QString();
         return toolTipText(report.isEmpty() ? job->title() : report);
     }
-    case Qt::AccessibleTextRole:
-        return spokenText(*job);
-    default:
-        return {};
+    case Qt::AccessibleTextRole: return spokenText(*job);
+    default: return {};
     }
 }
 

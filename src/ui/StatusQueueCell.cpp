@@ -43,12 +43,9 @@ QColor colorOf(RowColor color, const QStyleOptionViewItem &option, bool isSelect
     if (isSelected)
         return option.palette.color(QPalette::HighlightedText);
     switch (color) {
-    case RowColor::SystemRed:
-        return StatusQueueCell::systemRed(option.palette);
-    case RowColor::DarkGreen:
-        return StatusQueueCell::darkGreen();
-    case RowColor::Text:
-        break;
+    case RowColor::SystemRed: return StatusQueueCell::systemRed(option.palette);
+    case RowColor::DarkGreen: return StatusQueueCell::darkGreen();
+    case RowColor::Text: break;
     }
     return option.palette.color(QPalette::Text);
 }
@@ -61,7 +58,8 @@ void paintLine(QPainter &painter, const QRectF &frame, const RowText &line, cons
     const QFontMetricsF metrics(font);
     QString text = line.text;
     text.replace(u'\n', u' ').replace(u'\r', u' ');
-    painter.drawText(frame, int(Qt::AlignLeft) | int(Qt::AlignVCenter) | int(Qt::TextSingleLine) | int(Qt::TextDontClip),
+    painter.drawText(frame,
+                     int(Qt::AlignLeft) | int(Qt::AlignVCenter) | int(Qt::TextSingleLine) | int(Qt::TextDontClip),
                      metrics.elidedText(text, Qt::ElideMiddle, frame.width()));
 }
 
@@ -235,8 +233,8 @@ bool StatusQueueCell::editorEvent(QEvent *event, QAbstractItemModel *, const QSt
     const NURVTask *const task = StatusListModel::taskAt(index);
     const double scale = pixelsPerPoint(option.widget);
     const QRectF image = layOut(frameOf(option.rect, scale), scale).cancelButton;
-    const bool isOnImage = task != nullptr && !task->cancelButton().hidden && !task->cancelled()
-                           && image.contains(mouse->position());
+    const bool isOnImage =
+        task != nullptr && !task->cancelButton().hidden && !task->cancelled() && image.contains(mouse->position());
     if (event->type() == QEvent::MouseButtonPress) {
         m_pressed = isOnImage ? QPersistentModelIndex(index) : QPersistentModelIndex();
         return isOnImage;
@@ -256,7 +254,8 @@ bool StatusQueueCell::helpEvent(QHelpEvent *event, QAbstractItemView *view, cons
         const double scale = pixelsPerPoint(option.widget);
         const QRectF image = layOut(frameOf(option.rect, scale), scale).cancelButton;
         if (image.contains(QPointF(event->pos()))) {
-            QToolTip::showText(event->globalPos(), task->cancelButton().toolTip, view->viewport(), image.toAlignedRect());
+            QToolTip::showText(event->globalPos(), task->cancelButton().toolTip, view->viewport(),
+                               image.toAlignedRect());
             return true;
         }
     }

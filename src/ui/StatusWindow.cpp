@@ -192,9 +192,8 @@ std::vector<std::shared_ptr<NURVTask>> StatusWindow::selectedTasks() const
 void StatusWindow::prepareMenu()
 {
     const auto tasks = selectedTasks();
-    m_cancelAction->setEnabled(std::any_of(tasks.begin(), tasks.end(), [](const auto &task) {
-        return !task->isDone() && !task->cancelled();
-    }));
+    m_cancelAction->setEnabled(std::any_of(tasks.begin(), tasks.end(),
+                                           [](const auto &task) { return !task->isDone() && !task->cancelled(); }));
     m_reportAction->setEnabled(tasks.size() == 1 && tasks.front()->error());
     m_cancelAllAction->setEnabled(m_queue.taskCount() > 0);
     m_removeErrorsAction->setEnabled(m_removeErrorsButton->isEnabled());

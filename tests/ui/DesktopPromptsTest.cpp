@@ -24,7 +24,7 @@ namespace nurv::test {
 namespace {
 
 /// Does something with the modal dialog as soon as it is there.
-template <typename Dialog>
+template<typename Dialog>
 class WhenOpen {
 public:
     explicit WhenOpen(std::function<void(Dialog &)> act)
@@ -74,7 +74,8 @@ TEST_F(DesktopPromptsTest, AnAlertShowsItsTextsAndReturnsTheChosenButton)
         EXPECT_EQ(box.defaultButton()->text(), u"No"_s);
         QTest::mouseClick(buttonOf(box, u"Yes"_s), Qt::LeftButton);
     });
-    EXPECT_EQ(prompts.ask({.title = u"Tasks in Progress"_s, .message = u"There are 3 tasks"_s, .buttons = {u"No"_s, u"Yes"_s}}),
+    EXPECT_EQ(prompts.ask(
+                  {.title = u"Tasks in Progress"_s, .message = u"There are 3 tasks"_s, .buttons = {u"No"_s, u"Yes"_s}}),
               u"Yes"_s);
 }
 

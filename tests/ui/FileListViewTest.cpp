@@ -145,7 +145,8 @@ TEST_F(FileListViewTest, NamesTheItemsOfTheContextMenuAsUsersKnowThem)
 
 TEST_F(FileListViewTest, TheDeleteKeyTakesTheSelectedFilesOffTheList)
 {
-    decodeTab.addFiles({folder.write(u"a.flac"_s, "x"), folder.write(u"b.flac"_s, "x"), folder.write(u"c.flac"_s, "x")});
+    decodeTab.addFiles(
+        {folder.write(u"a.flac"_s, "x"), folder.write(u"b.flac"_s, "x"), folder.write(u"c.flac"_s, "x")});
     show();
     list->setFocus();
     list->setCurrentIndex(list->model()->index(0, 0));

@@ -54,7 +54,8 @@ protected:
     }
     void expectTasksQuestion(const QString &message, const QString &answer)
     {
-        prompts.expectAsk({.title = u"Tasks in Progress"_s, .message = message, .buttons = {u"No"_s, u"Yes"_s}}, answer);
+        prompts.expectAsk({.title = u"Tasks in Progress"_s, .message = message, .buttons = {u"No"_s, u"Yes"_s}},
+                          answer);
     }
 };
 
@@ -64,12 +65,13 @@ QList<QWidget *> interactiveWidgets(const QWidget &root)
     QList<QWidget *> found;
     for (QWidget *const widget : root.findChildren<QWidget *>()) {
         const bool isInteractive = qobject_cast<QAbstractButton *>(widget) || qobject_cast<QAbstractItemView *>(widget)
-            || (qobject_cast<QAbstractSlider *>(widget) && !qobject_cast<QScrollBar *>(widget))
-            || qobject_cast<QLineEdit *>(widget) || qobject_cast<QPlainTextEdit *>(widget);
+                                   || (qobject_cast<QAbstractSlider *>(widget) && !qobject_cast<QScrollBar *>(widget))
+                                   || qobject_cast<QLineEdit *>(widget) || qobject_cast<QPlainTextEdit *>(widget);
         // The parts that Qt's own widgets are made of have names of its own.
         const bool isPart = widget->objectName().startsWith(u"qt_"_s) || widget->inherits("QHeaderView")
-            || widget->inherits("QTableCornerButton") || widget->inherits("QLineEditIconButton")
-            || (widget->parent() != nullptr && (widget->parent()->inherits("QTabBar") || widget->parent()->inherits("QMenuBar")));
+                            || widget->inherits("QTableCornerButton") || widget->inherits("QLineEditIconButton")
+                            || (widget->parent() != nullptr
+                                && (widget->parent()->inherits("QTabBar") || widget->parent()->inherits("QMenuBar")));
         if (isInteractive && !isPart)
             found.append(widget);
     }
@@ -118,7 +120,8 @@ TEST_F(MainWindowTest, AddsFilesFoldersAndExecutesByShortcuts)
     EXPECT_EQ(decodeTab.fileNames().size(), 1);
 
     folder.write(u"album/b.flac"_s, "x");
-    prompts.expectFolder({.title = u"Choose a folder to add"_s, .buttonText = u"Add Folder"_s}, folder.path(u"album"_s));
+    prompts.expectFolder({.title = u"Choose a folder to add"_s, .buttonText = u"Add Folder"_s},
+                         folder.path(u"album"_s));
     QTest::keyClick(&window, Qt::Key_O, Qt::ControlModifier | Qt::ShiftModifier);
     ASSERT_TRUE(waitUntil([this] { return decodeTab.fileNames().size() == 2; }));
 
@@ -249,9 +252,15 @@ TEST_F(MainWindowTest, CanBeUsedWithTheKeyboardAlone)
         reached.append(QApplication::focusWidget() != nullptr ? QApplication::focusWidget()->objectName() : QString());
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
     }
-    const QStringList wanted{u"fileList"_s,           u"outputFormatMatrix.0"_s,       u"sourceDecodeButton"_s,
-                             u"deleteOriginalsButton"_s, u"decodeFlacThroughErrors"_s, u"flacKeepForeignMetadataButton"_s,
-                             u"addButton"_s,          u"clearButton"_s,                u"executeButton"_s};
+    const QStringList wanted{u"fileList"_s,
+                             u"outputFormatMatrix.0"_s,
+                             u"sourceDecodeButton"_s,
+                             u"deleteOriginalsButton"_s,
+                             u"decodeFlacThroughErrors"_s,
+                             u"flacKeepForeignMetadataButton"_s,
+                             u"addButton"_s,
+                             u"clearButton"_s,
+                             u"executeButton"_s};
     qsizetype place = -1;
     for (const QString &name : wanted) {
         const qsizetype next = reached.indexOf(name, place + 1);

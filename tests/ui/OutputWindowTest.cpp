@@ -105,8 +105,9 @@ TEST_F(OutputWindowTest, TellsWhyItCouldNotSave)
 {
     prompts.expectSavePath(u"Check - night 1.txt"_s, u"Save output"_s, folder.path(u"missing/report.txt"_s));
     const qsizetype before = prompts.shownAlerts().size();
-    prompts.expectAsk({.title = u"The output could not be saved"_s, .message = u"No such file or directory"_s, .buttons = {u"OK"_s}},
-                      u"OK"_s);
+    prompts.expectAsk(
+        {.title = u"The output could not be saved"_s, .message = u"No such file or directory"_s, .buttons = {u"OK"_s}},
+        u"OK"_s);
     output->save();
     EXPECT_EQ(prompts.shownAlerts().size(), before + 1);
 }

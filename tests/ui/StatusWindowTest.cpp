@@ -52,8 +52,8 @@ protected:
     StatusRowLayout partsOf(int row) const
     {
         const double scale = StatusQueueCell::pixelsPerPoint(list);
-        return StatusQueueCell::layOut(
-            StatusQueueCell::frameOf(list->visualRect(list->model()->index(row, 0)), scale), scale);
+        return StatusQueueCell::layOut(StatusQueueCell::frameOf(list->visualRect(list->model()->index(row, 0)), scale),
+                                       scale);
     }
     /// The distinct colours that the list shows within a part of a row.
     std::set<QRgb> colorsIn(const QRectF &part) const
@@ -69,7 +69,8 @@ protected:
     bool isBlank(const QRectF &part) const { return colorsIn(part).size() == 1; }
     void clickCancel(int row) const
     {
-        QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::NoModifier, partsOf(row).cancelButton.center().toPoint());
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::NoModifier,
+                          partsOf(row).cancelButton.center().toPoint());
         handleWaitingEvents();
     }
 };
@@ -123,9 +124,8 @@ TEST_F(StatusWindowTest, ARunningRowShowsNameBarAndCancelImage)
     EXPECT_FALSE(isBlank(partsOf(0).cancelButton));
     const QImage before = list->viewport()->grab(partsOf(0).progressBar.toAlignedRect()).toImage();
     job->show(u"Encoding"_s, 60.0);
-    ASSERT_TRUE(waitUntil([&] {
-        return list->viewport()->grab(partsOf(0).progressBar.toAlignedRect()).toImage() != before;
-    }));
+    ASSERT_TRUE(
+        waitUntil([&] { return list->viewport()->grab(partsOf(0).progressBar.toAlignedRect()).toImage() != before; }));
     EXPECT_EQ(list->model()->index(0, 0).data(Qt::AccessibleTextRole).toString(), u"1.wav, Encoding, 60 percent"_s);
 }
 
@@ -160,9 +160,8 @@ TEST_F(StatusWindowTest, ACancelledRowSaysSoInRed)
     clickCancel(0);
     ASSERT_TRUE(job->cancelled());
     job->finish();
-    ASSERT_TRUE(waitUntil([&] {
-        return colorsIn(partsOf(0).mainLine).contains(StatusQueueCell::systemRed(list->palette()).rgb());
-    }));
+    ASSERT_TRUE(waitUntil(
+        [&] { return colorsIn(partsOf(0).mainLine).contains(StatusQueueCell::systemRed(list->palette()).rgb()); }));
     EXPECT_EQ(list->model()->index(0, 0).data().toString(), u"Canceled"_s);
 }
 

@@ -35,7 +35,7 @@ protected:
     }
 };
 
-template <typename Widget>
+template<typename Widget>
 Widget *part(QWidget *page, const QString &objectName)
 {
     auto *const widget = page->findChild<Widget *>(objectName);

@@ -26,7 +26,7 @@ struct WindowFixture {
 
     /// Shows the window and waits until it has been drawn and has the keyboard.
     void show();
-    template <typename Widget>
+    template<typename Widget>
     [[nodiscard]] Widget *find(const QString &objectName) const
     {
         return window.findChild<Widget *>(objectName);
