@@ -1,0 +1,73 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Encoding to FLAC by `nurv encode` against `xargs -P2` with the same command lines.
+//
+//     EncodeBench NURV short|long
+#include "Measure.h"
+#include "support/AudioFixtures.h"
+#include "support/TestFolder.h"
+
+#include <QCoreApplication>
+#include <QDir>
+
+#include <cstdio>
+
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using namespace nurv::bench;
+
+namespace {
+
+void makeSources(const nurv::test::TestFolder &folder, int count, double seconds)
+{
+    const QString first = nurv::test::writeWav(folder.path(u"in/0000.wav"_s), {.seconds = seconds});
+    for (int i = 1; i < count; ++i) {
+        const QString name = folder.path(u"in/%1.wav"_s.arg(i, 4, 10, QChar(u'0')));
+        // Names of one file: the encoders do the same work, the disk holds it once.
+        if (::link(first.toLocal8Bit().constData(), name.toLocal8Bit().constData()) != 0)
+            qFatal("no link can be made");
+    }
+}
+
+QString emptyFolder(const nurv::test::TestFolder &folder, const QString &name)
+{
+    QDir(folder.path(name)).removeRecursively();
+    return folder.makeFolder(name);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    const QStringList words = QCoreApplication::arguments();
+    const bool isLong = words.value(2) == u"long";
+    if (words.size() != 3 || (!isLong && words[2] != u"short")) {
+        std::fprintf(stderr, "usage: EncodeBench NURV short|long\n");
+        return 2;
+    }
+    const nurv::test::TestFolder folder;
+    const int count = isLong ? 8 : 200;
+    makeSources(folder, count, isLong ? 600.0 : 1.0);
+    const QString flac = qEnvironmentVariable("NURV_TOOLS") + u"/flac"_s;
+
+    const auto ours = [&] {
+        runOrDie(words[1], {u"encode"_s, u"--level=5"_s, u"--jobs=2"_s, u"--quiet"_s, u"--output-dir"_s,
+                            emptyFolder(folder, u"ours"_s), folder.path(u"in"_s)});
+    };
+    const auto theirs = [&] {
+        const QString out = emptyFolder(folder, u"theirs"_s);
+        QByteArray arguments;
+        for (int i = 0; i < count; ++i) {
+            const QString name = u"%1"_s.arg(i, 4, 10, QChar(u'0'));
+            arguments += QByteArray("-5") + '\0' + folder.path(u"in/"_s + name + u".wav"_s).toLocal8Bit() + '\0' + "-o"
+                         + '\0' + (out + u'/' + name + u".flac"_s).toLocal8Bit() + '\0';
+        }
+        runOrDie(u"xargs"_s, {u"-0"_s, u"-P2"_s, u"-n4"_s, flac}, arguments);
+    };
+    theirs(); // the sources come from the disk once
+    compare(isLong ? u"8 WAVs of ten minutes"_s : u"200 WAVs of one second"_s, isLong ? 3 : 7, isLong ? 1.02 : 1.10,
+            ours, theirs);
+    return 0;
+}
