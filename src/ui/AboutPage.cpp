@@ -157,10 +157,10 @@ void AboutPage::finishCheck()
     if (missing == 0)
         m_summary->setText(tr("All external programs have been found."));
     else if (missing == 1)
-        m_summary->setText(tr("One external program is missing; install its package to use what needs it."));
+        m_summary->setText(tr("One external program is missing; what needs it cannot run."));
     else
         m_summary->setText(
-            tr("%1 external programs are missing; install their packages to use what needs them.").arg(missing));
+            tr("%1 external programs are missing; what needs them cannot run.").arg(missing));
     Q_EMIT programsChecked();
 }
 

@@ -14,6 +14,7 @@
 #include <QKeyEvent>
 #include <QMenu>
 #include <QPainter>
+#include <QStyledItemDelegate>
 
 #include <algorithm>
 #include <cmath>
@@ -26,8 +27,20 @@ namespace {
 
 constexpr double kLeastColumnWidth = 211.0;
 constexpr double kWidthFactor = 1.1;
+constexpr int kRowPadding = 4;
 constexpr int kHintInset = 12;
 constexpr int kHintRadius = 8;
+
+/// Gives the rows some air.
+class FileListCell final : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        return QStyledItemDelegate::sizeHint(option, index) + QSize(0, kRowPadding);
+    }
+};
 
 } // namespace
 
@@ -35,10 +48,10 @@ FileListView::FileListView(BaseTab &tab, QWidget *parent)
     : QTreeView(parent), m_tab(tab), m_model(new FileListModel(tab, this))
 {
     setModel(m_model);
+    setItemDelegate(new FileListCell(this));
     setRootIsDecorated(false);
     setUniformRowHeights(true);
     setAllColumnsShowFocus(true);
-    setAlternatingRowColors(true);
     setHeaderHidden(true);
     setTextElideMode(Qt::ElideMiddle);
     setSelectionMode(QAbstractItemView::ExtendedSelection);
@@ -185,7 +198,9 @@ void FileListView::keyPressEvent(QKeyEvent *event)
 
 void FileListView::drawRow(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
 {
-    // The column is as wide as its names; the bar of a selected row goes on to the edge.
+    // The column is as wide as its names; a row goes on to the edge.
+    if (index.row() % 2 == 1)
+        painter->fillRect(option.rect, palette().brush(QPalette::AlternateBase));
     if (selectionModel()->isSelected(index)) {
         const auto group = hasFocus() ? QPalette::Active : QPalette::Inactive;
         painter->fillRect(option.rect, palette().brush(group, QPalette::Highlight));

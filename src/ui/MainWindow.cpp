@@ -34,7 +34,7 @@ namespace nurv {
 
 namespace {
 
-constexpr QSize kFirstSize{820, 560};
+constexpr QSize kFirstSize{880, 700};
 constexpr int kCascade = 28;
 constexpr qsizetype kMostOutputWindows = 20;
 const QString kGeometryKey = u"window/geometry"_s;

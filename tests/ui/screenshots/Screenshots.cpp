@@ -1,0 +1,186 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+// Renders the windows with real content into PNG files:
+//
+//     nurv_screenshots FOLDER [light|dark]
+
+#include "app/NURVController.h"
+#include "convert/DecodeTab.h"
+#include "convert/EncodeTab.h"
+#include "platform/NullDesktopServices.h"
+#include "platform/SettingsStore.h"
+#include "support/WaitUntil.h"
+#include "ui/AboutPage.h"
+#include "ui/DesktopPrompts.h"
+#include "ui/FileListView.h"
+#include "ui/JobInState.h"
+#include "ui/MainWindow.h"
+#include "ui/OutputWindow.h"
+#include "ui/StatusWindow.h"
+#include "ui/TabPage.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QLineEdit>
+#include <QListView>
+#include <QSignalSpy>
+#include <QStyleFactory>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv::test {
+
+namespace {
+
+constexpr QSize kWindowSize{860, 690};
+
+QPalette darkPalette()
+{
+    const QColor window(44, 46, 50);
+    QPalette palette(QColor(56, 59, 64), window);
+    const QColor base(33, 35, 38);
+    const QColor text(232, 233, 235);
+    const QColor accent(61, 126, 214);
+    palette.setColor(QPalette::WindowText, text);
+    palette.setColor(QPalette::Base, base);
+    palette.setColor(QPalette::AlternateBase, QColor(38, 40, 44));
+    palette.setColor(QPalette::Text, text);
+    palette.setColor(QPalette::ButtonText, text);
+    palette.setColor(QPalette::BrightText, Qt::white);
+    palette.setColor(QPalette::ToolTipBase, base);
+    palette.setColor(QPalette::ToolTipText, text);
+    palette.setColor(QPalette::PlaceholderText, QColor(150, 153, 158));
+    palette.setColor(QPalette::Highlight, accent);
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::Link, accent);
+    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, QColor(120, 123, 128));
+    palette.setColor(QPalette::Disabled, QPalette::Highlight, QColor(80, 83, 88));
+    return palette;
+}
+
+QStringList concert(const QString &extension)
+{
+    const QString folder = u"/home/anna/Music/Live/1997-08-16 Aula Magna/"_s;
+    const QStringList songs{u"Tuning and Welcome"_s,  u"River of Glass"_s,         u"The Long Way Down"_s,
+                            u"Ré mineur"_s,           u"Northern Line"_s,          u"Interlude (harmonium)"_s,
+                            u"Paper Boats"_s,         u"A Thousand Small Lamps"_s, u"Encore Break"_s,
+                            u"Sleepwalkers' Waltz"_s, u"Goodnight, City"_s};
+    QStringList paths;
+    for (qsizetype number = 0; number < songs.size(); ++number)
+        paths.append(folder + u"%1 %2.%3"_s.arg(number + 1).arg(songs.at(number), extension));
+    return paths;
+}
+
+void save(QWidget &widget, const QString &path)
+{
+    handleWaitingEvents();
+    if (!widget.grab().save(path, "PNG", 0))
+        std::fprintf(stderr, "cannot write %s\n", qPrintable(path));
+}
+
+void showPages(NURVController &controller, MainWindow &window, const QDir &folder, const QString &suffix)
+{
+    window.resize(kWindowSize);
+    window.show();
+    controller.selectTab(u"decode"_s);
+    window.page(u"decode"_s)->fileList()->clearFocus();
+    save(window, folder.filePath(u"decode-empty-%1.png"_s.arg(suffix)));
+    controller.tab(u"decode"_s)->addMatchedFiles(concert(u"flac"_s));
+    save(window, folder.filePath(u"decode-%1.png"_s.arg(suffix)));
+    controller.selectTab(u"encode"_s);
+    controller.tab(u"encode"_s)->addMatchedFiles(concert(u"wav"_s));
+    FileListView *const list = window.page(u"encode"_s)->fileList();
+    list->setFocus();
+    list->setCurrentIndex(list->model()->index(3, 0));
+    save(window, folder.filePath(u"encode-%1.png"_s.arg(suffix)));
+    auto *const about = window.findChild<AboutPage *>();
+    QSignalSpy checked(about, &AboutPage::programsChecked);
+    controller.selectTab(u"about"_s);
+    if (!waitUntil([&] { return !checked.isEmpty(); }))
+        std::fprintf(stderr, "the programs were not looked for\n");
+    save(window, folder.filePath(u"about-%1.png"_s.arg(suffix)));
+}
+
+void showRows(NURVTaskQueue &queue, StatusWindow &status, const QDir &folder, const QString &suffix)
+{
+    std::vector<std::shared_ptr<JobInState>> jobs;
+    for (const QString &path : concert(u"wav"_s).mid(0, 8))
+        jobs.push_back(std::make_shared<JobInState>(queue, path.section(u'/', -1)));
+    // With a limit of three: the first three run, and each that ends starts the next.
+    for (const auto &job : jobs)
+        queue.addTask(job);
+    jobs[0]->finish();
+    jobs[1]->show(u"Encoding"_s, 34.0);
+    jobs[1]->write(u"2 River of Glass.wav: ERROR: unexpected end of file\n"_s);
+    jobs[1]->finish(true);
+    jobs[2]->show(u"Encoding"_s, 52.0);
+    jobs[2]->setCancelled(true);
+    jobs[2]->finish();
+    jobs[3]->show(u"Encoding"_s, 71.0);
+    jobs[4]->show(u"Verifying"_s, 18.0);
+    jobs[5]->show(u"Copying tags"_s, 0.0);
+    jobs[5]->startIndeterminateProgressBar();
+    status.resize(440, 620);
+    status.bringToFront();
+    handleWaitingEvents();
+    status.list()->clearFocus();
+    save(status, folder.filePath(u"status-%1.png"_s.arg(suffix)));
+}
+
+void showOutput(UserPrompts &prompts, const QDir &folder, const QString &suffix)
+{
+    OutputWindow output(prompts);
+    QString text;
+    for (const QString &path : concert(u"flac"_s)) {
+        const QString name = path.section(u'/', -1);
+        text += name.startsWith(u"2 "_s)
+                    ? name + u": ERROR while decoding data\n"_s
+                    : u"%1: ok, %2 samples\n"_s.arg(name.leftJustified(34)).arg(7'560'000 + 13 * text.size());
+    }
+    output.setTextValue(text, u"1 Tuning and Welcome.flac"_s);
+    output.resize(680, 380);
+    output.show();
+    output.showFindBar();
+    output.findChild<QLineEdit *>(u"findField"_s)->setText(u"error"_s);
+    output.findNext();
+    save(output, folder.filePath(u"output-%1.png"_s.arg(suffix)));
+}
+
+int render(const QDir &folder, const QString &suffix)
+{
+    QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
+    if (suffix == u"dark"_s)
+        QApplication::setPalette(darkPalette());
+    SettingsStore::instance().setPersistence(SettingsStore::Persistence::MemoryOnly);
+    NURVController::registerDefaults();
+    SettingsStore::instance().setValue(u"maxThreads"_s, 3);
+    DesktopPrompts prompts;
+    NullDesktopServices services;
+    NURVController controller(prompts, services);
+    DecodeTab decodeTab(controller);
+    EncodeTab encodeTab(controller);
+    MainWindow window(controller);
+    showPages(controller, window, folder, suffix);
+    showRows(controller.taskQueue(), *window.statusWindow(), folder, suffix);
+    showOutput(prompts, folder, suffix);
+    return 0;
+}
+
+} // namespace
+
+} // namespace nurv::test
+
+int main(int argc, char **argv)
+{
+    QApplication application(argc, argv);
+    const QStringList arguments = QApplication::arguments();
+    if (arguments.size() < 2) {
+        std::fprintf(stderr, "usage: nurv_screenshots FOLDER [light|dark]\n");
+        return 2;
+    }
+    return nurv::test::render(QDir(arguments.at(1)), arguments.value(2, u"light"_s));
+}
