@@ -25,6 +25,13 @@ QStringView secondPiece(QStringView text, QStringView marker)
     return before(text.sliced(text.indexOf(marker) + marker.size()), marker);
 }
 
+/// What the progress bar shows for a figure: a chunk can begin in the middle of
+/// other digits.
+double onTheBar(double figure)
+{
+    return std::clamp(figure, 0.0, 100.0);
+}
+
 /// "ratio=0.532" from the first "ratio=" on; empty without one.
 QStringView ratioIn(QStringView line)
 {
@@ -71,7 +78,7 @@ ChunkReport parseFlacEncoding(QStringView chunk)
     if (percent.isEmpty())
         return report;
     report.status = u"Encoding to Flac: %1% %2"_s.arg(percent, ratio);
-    report.progress = leadingNumber(percent);
+    report.progress = onTheBar(leadingNumber(percent));
     return report;
 }
 
@@ -82,8 +89,9 @@ ChunkReport parseFlacDecoding(QStringView chunk)
     if (!line.contains(u"% "_s))
         return report;
     const QStringView figure = line.contains(u": "_s) ? secondPiece(line, u": ") : QStringView(line);
-    report.progress = leadingNumber(before(figure, u"%"));
-    report.status = u"Decoding Flac: "_s + sixDecimals(*report.progress) + u'%';
+    const double percent = leadingNumber(before(figure, u"%"));
+    report.progress = onTheBar(percent);
+    report.status = u"Decoding Flac: "_s + sixDecimals(percent) + u'%';
     return report;
 }
 
@@ -92,8 +100,9 @@ ChunkReport parseShortenEncoding(QStringView chunk)
     const QString text = trimBackspaces(chunk);
     ChunkReport report{.status = {}, .progress = {}, .results = shntoolResults(text)};
     if (text.contains(u'%')) {
-        report.progress = leadingNumber(before(text, u"%"));
-        report.status = u"Encoding to SHN: "_s + sixDecimals(*report.progress) + u'%';
+        const double percent = leadingNumber(before(text, u"%"));
+        report.progress = onTheBar(percent);
+        report.status = u"Encoding to SHN: "_s + sixDecimals(percent) + u'%';
     }
     return report;
 }
@@ -104,7 +113,7 @@ ChunkReport parseFlacByShntool(QStringView chunk, const QString &type)
     ChunkReport report{.status = {}, .progress = {}, .results = shntoolResults(text)};
     if (text.contains(u'%')) {
         const QStringView percent = before(text, u"%");
-        report.progress = leadingNumber(percent);
+        report.progress = onTheBar(leadingNumber(percent));
         report.status = u"Encoding %1 to Flac: %2%"_s.arg(type, percent);
     }
     return report;
@@ -115,8 +124,9 @@ ChunkReport parseShortenDecoding(QStringView chunk)
     const QString text = trimBackspaces(chunk);
     ChunkReport report{.status = {}, .progress = {}, .results = text};
     if (text.contains(u'%')) {
-        report.progress = leadingNumber(before(text, u"%"));
-        report.status = u"Decoding SHN: "_s + sixDecimals(*report.progress) + u'%';
+        const double percent = leadingNumber(before(text, u"%"));
+        report.progress = onTheBar(percent);
+        report.status = u"Decoding SHN: "_s + sixDecimals(percent) + u'%';
     }
     return report;
 }

@@ -1,0 +1,59 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "convert/DecodeSHNTask.h"
+
+#include "convert/ConvertFixture.h"
+#include "convert/FakeShorten.h"
+#include "convert/Transcript.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+namespace {
+
+class DecodeSHNTaskTest : public test::ConvertFixture {
+protected:
+    test::ToolFolder tools;
+};
+
+TEST_F(DecodeSHNTaskTest, DecodesToWavByteForByte)
+{
+    const QString wav = test::writeWav(folder.path(u"sound.wav"_s));
+    const QString source = folder.write(u"a.shn"_s, test::FakeShorten::magic());
+    tools.addReal(u"shntool"_s);
+    const test::FakeShorten shorten(tools, wav);
+    DecodeTab tab(controller);
+    run(tab, {source});
+    EXPECT_EQ(endedTasks.at(0)->topTextField().text, u"Complete");
+    EXPECT_EQ(out.read(u"a.wav"_s), folder.read(u"sound.wav"_s));
+    EXPECT_EQ(endedTasks.at(0)->results(), nullptr);
+    EXPECT_TRUE(outputWindows.isEmpty());
+}
+
+TEST_F(DecodeSHNTaskTest, ShowsTheFiguresOfARecordedRun)
+{
+    const QString goOn = folder.path(u"go-on"_s);
+    tools.addFake(u"shntool"_s, "replay=" + test::transcriptPath(u"shntool-conv-wav"_s).toUtf8()
+                                    + ";delay=50;out=\\b 97% ;wait-file=" + goOn.toUtf8());
+    DecodeTab tab(controller);
+    prompts.expectOutputFolder(out.path());
+    tab.addFile(folder.path(u"a.shn"_s));
+    tab.executeCommand();
+    const auto task = queuedConversions().at(0);
+    ASSERT_TRUE(test::waitUntil([&] { return task->topTextField().text == u"Decoding SHN: 97.000000%"; }));
+    EXPECT_EQ(task->progressIndicator().value, 97.0);
+    folder.write(u"go-on"_s, "");
+    EXPECT_TRUE(finish());
+}
+
+TEST_F(DecodeSHNTaskTest, ReportsEverythingWhenItFails)
+{
+    tools.addFake(u"shntool"_s, "out=\\b\\bConverting [a.shn] :  0% ;delay=50;out=ERROR\\n;exit=1");
+    DecodeTab tab(controller);
+    run(tab, {folder.path(u"a.shn"_s)});
+    EXPECT_TRUE(endedTasks.at(0)->error());
+    EXPECT_EQ(outputWindows, QStringList{u"Converting [a.shn] :  0% ERROR\n\n"_s});
+}
+
+} // namespace
+} // namespace nurv

@@ -1,0 +1,114 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "convert/ConvertFixture.h"
+#include "convert/FakeShorten.h"
+
+#include "checksum/LogLines.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+namespace {
+
+class DeleteOriginalTest : public test::ConvertFixture {
+protected:
+    DeleteOriginalTest() { set(u"warnOnDelete", false); }
+
+    test::ToolFolder tools;
+};
+
+TEST_F(DeleteOriginalTest, RemovesTheSourceOfASuccessfulConversion)
+{
+    const QString wav = test::writeWav(folder.path(u"a.wav"_s));
+    tools.addReal(u"flac"_s);
+    EncodeTab encode(controller);
+    encode.deleteOriginalsButton.setOn(true);
+    run(encode, {wav});
+    EXPECT_TRUE(folder.list().isEmpty());
+    DecodeTab decode(controller);
+    decode.deleteOriginalsButton.setOn(true);
+    run(decode, {out.path(u"a.flac"_s)});
+    EXPECT_EQ(out.list(), QStringList{u"a.wav"_s});
+}
+
+TEST_F(DeleteOriginalTest, RemovesTheSourceOfEveryJobThatRunsShntool)
+{
+    const QString sound = test::writeWav(folder.path(u"sound.wav"_s));
+    tools.addReal(u"shntool"_s);
+    tools.addReal(u"flac"_s);
+    const test::FakeShorten shorten(tools, sound);
+    const QString forDecoding = folder.write(u"1.shn"_s, test::FakeShorten::magic());
+    const QString forFlac = folder.write(u"2.shn"_s, test::FakeShorten::magic());
+    const QString forShorten = test::writeWav(folder.path(u"3.wav"_s));
+    DecodeTab decode(controller);
+    decode.deleteOriginalsButton.setOn(true);
+    run(decode, {forDecoding});
+    EncodeTab encode(controller);
+    encode.deleteOriginalsButton.setOn(true);
+    run(encode, {forFlac});
+    ASSERT_TRUE(encode.outputFormatMatrix.selectTitle(u"SHN"_s));
+    run(encode, {forShorten});
+    EXPECT_EQ(out.list(), (QStringList{u"1.wav"_s, u"2.flac"_s, u"3.shn"_s}));
+    EXPECT_EQ(folder.list(), QStringList{u"sound.wav"_s});
+}
+
+TEST_F(DeleteOriginalTest, KeepsTheSourceWhenTheProgramFails)
+{
+    const QString wav = test::writeWav(folder.path(u"a.wav"_s));
+    tools.addFake(u"flac"_s, "create=@-1;exit=1");
+    EncodeTab tab(controller);
+    tab.deleteOriginalsButton.setOn(true);
+    run(tab, {wav});
+    EXPECT_TRUE(folder.exists(u"a.wav"_s));
+}
+
+TEST_F(DeleteOriginalTest, KeepsTheSourceWhenTheJobIsCancelledWhileItRuns)
+{
+    const QString wav = test::writeWav(folder.path(u"a.wav"_s));
+    tools.addFake(u"flac"_s, "create=@-1;wait-file=" + folder.path(u"go-on"_s).toUtf8());
+    EncodeTab tab(controller);
+    tab.deleteOriginalsButton.setOn(true);
+    prompts.expectOutputFolder(out.path());
+    tab.addFile(wav);
+    tab.executeCommand();
+    ASSERT_TRUE(test::waitUntil([&] { return out.exists(u"a.flac"_s); }));
+    queue().cancelAllTasks();
+    folder.write(u"go-on"_s, "");
+    ASSERT_TRUE(finish());
+    EXPECT_EQ(endedTasks.at(0)->textField().text, u"Canceled");
+    EXPECT_TRUE(folder.exists(u"a.wav"_s));
+}
+
+TEST_F(DeleteOriginalTest, KeepsASourceThatWasEncodedInPlace)
+{
+    const test::LogLines log;
+    const QString flac = test::writeFlac(folder.path(u"a.flac"_s));
+    const QByteArray before = test::decodedMd5(flac);
+    tools.addReal(u"flac"_s);
+    EncodeTab tab(controller);
+    tab.sourceEncodeButton.setOn(true);
+    tab.deleteOriginalsButton.setOn(true);
+    prompts.expectAsk(u"One of the output files already exists and will be overwritten.  "
+                      "Are you sure you want to continue?"_s, {u"No"_s, u"Yes"_s}, u"Yes"_s);
+    runBeside(tab, {flac});
+    EXPECT_FALSE(endedTasks.at(0)->error());
+    EXPECT_EQ(folder.list(), QStringList{u"a.flac"_s});
+    EXPECT_EQ(test::decodedMd5(flac), before);
+    EXPECT_EQ(log.with(u"Kept"_s).size(), 1);
+}
+
+TEST_F(DeleteOriginalTest, MovesTheSourceToTheTrashWhenTheSettingSaysSo)
+{
+    set(u"trashOrDelete", 1);
+    const QString wav = test::writeWav(folder.path(u"trash me.wav"_s));
+    tools.addReal(u"flac"_s);
+    EncodeTab tab(controller);
+    tab.deleteOriginalsButton.setOn(true);
+    run(tab, {wav});
+    EXPECT_FALSE(folder.exists(u"trash me.wav"_s));
+    const QString trash = QString::fromLocal8Bit(qgetenv("XDG_DATA_HOME")) + u"/Trash/files/trash me.wav"_s;
+    EXPECT_TRUE(QFile::exists(trash));
+}
+
+} // namespace
+} // namespace nurv

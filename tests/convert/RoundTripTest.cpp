@@ -1,0 +1,77 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "convert/ConvertFixture.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+namespace {
+
+using RoundTripTest = test::ConvertFixture;
+
+struct Form {
+    QString name;
+    test::SoundShape shape;
+};
+
+QList<Form> forms()
+{
+    QList<Form> result;
+    for (const int rate : {44100, 48000, 88200, 96000, 176400, 192000}) {
+        for (const int bits : {16, 24}) {
+            for (const int channels : {1, 2, 6}) {
+                result.append({u"%1-%2-%3"_s.arg(rate).arg(bits).arg(channels),
+                               {.rate = rate, .bits = bits, .channels = channels, .frames = rate / 20 + 1,
+                                .extensible = channels > 2}});
+            }
+        }
+    }
+    return result;
+}
+
+TEST_F(RoundTripTest, KeepsEverySampleOfWavAndAiffThroughFlacAndBack)
+{
+    QStringList sources;
+    for (const Form &form : forms()) {
+        sources << test::writeWav(folder.path(u"wav-"_s + form.name + u".wav"_s), form.shape);
+        // The encoder does not know which speakers six channels of AIFF are meant for.
+        if (form.shape.channels <= 2)
+            sources << test::writeAiff(folder.path(u"aiff-"_s + form.name + u".aiff"_s), form.shape);
+    }
+    EncodeTab encode(controller);
+    run(encode, sources);
+    ASSERT_TRUE(outputWindows.isEmpty()) << qPrintable(outputWindows.join(u'\n'));
+    QStringList encoded;
+    for (const QString &name : out.list())
+        encoded.append(out.path(name));
+    ASSERT_EQ(encoded.size(), sources.size());
+
+    for (const QString &format : {u"WAV"_s, u"AIFF"_s}) {
+        DecodeTab decode(controller);
+        ASSERT_TRUE(decode.outputFormatMatrix.selectTitle(format));
+        decode.sourceDecodeButton.setOn(true);
+        runBeside(decode, encoded);
+        ASSERT_TRUE(outputWindows.isEmpty()) << qPrintable(outputWindows.join(u'\n'));
+    }
+    for (const QString &source : sources) {
+        const QString base = source.section(u'/', -1).section(u'.', 0, 0);
+        for (const QString &extension : {u".flac"_s, u".wav"_s, u".aiff"_s})
+            EXPECT_TRUE(test::sameSound(source, out.path(base + extension))) << qPrintable(base + extension);
+    }
+}
+
+TEST_F(RoundTripTest, RefusesSixChannelsOfAiffAndKeepsTheSource)
+{
+    set(u"warnOnDelete", false);
+    const QString source = test::writeAiff(folder.path(u"six.aiff"_s), {.channels = 6});
+    EncodeTab tab(controller);
+    tab.deleteOriginalsButton.setOn(true);
+    run(tab, {source});
+    EXPECT_TRUE(endedTasks.at(0)->error());
+    EXPECT_TRUE(outputWindows.value(0).contains(u"six.aiff: ERROR"_s)) << qPrintable(outputWindows.join(u'\n'));
+    EXPECT_TRUE(out.list().isEmpty());
+    EXPECT_TRUE(folder.exists(u"six.aiff"_s));
+}
+
+} // namespace
+} // namespace nurv
