@@ -28,7 +28,8 @@ QString dateText(const QDateTime &moment)
     const int distance = std::abs(offsetMinutes);
     // Qt writes an offset with a colon, so it is put together here.
     return moment.toString(u"yyyy-MM-dd HH:mm:ss "_s) + (offsetMinutes < 0 ? u'-' : u'+')
-        + QString::number(distance / 60).rightJustified(2, u'0') + QString::number(distance % 60).rightJustified(2, u'0');
+           + QString::number(distance / 60).rightJustified(2, u'0')
+           + QString::number(distance % 60).rightJustified(2, u'0');
 }
 
 QString md5Header(const QString &version, const QDateTime &moment)

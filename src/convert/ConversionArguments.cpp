@@ -20,10 +20,9 @@ QStringList encodeFlac(const FlacEncoding &encoding, const QString &source, cons
 
 QStringList flacByShntool(const FlacEncoding &encoding, const QString &source, const QString &outputFolder)
 {
-    const QString encoder = encoding.lax
-        ? u"cust ext=flac flac --lax -o %f -"_s
-        : u"cust ext=flac flac -"_s + QString::number(encoding.level) + u' '
-            + (encoding.verify ? u" -V "_s : QString()) + u" -o %f -"_s;
+    const QString encoder = encoding.lax ? u"cust ext=flac flac --lax -o %f -"_s
+                                         : u"cust ext=flac flac -"_s + QString::number(encoding.level) + u' '
+                                               + (encoding.verify ? u" -V "_s : QString()) + u" -o %f -"_s;
     return {u"conv"_s, u"-P"_s, u"pct"_s, u"-O"_s, u"never"_s, u"-d"_s, outputFolder, u"-o"_s, encoder, source};
 }
 

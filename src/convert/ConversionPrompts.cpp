@@ -11,7 +11,8 @@ namespace nurv {
 void tellFormatIsNotAvailable(UserPrompts &prompts)
 {
     // There is one button only, so the answer says nothing.
-    static_cast<void>(prompts.ask({.title = u"This format is not available yet"_s, .message = {}, .buttons = {u"OK"_s}}));
+    static_cast<void>(
+        prompts.ask({.title = u"This format is not available yet"_s, .message = {}, .buttons = {u"OK"_s}}));
 }
 
 } // namespace nurv

@@ -20,8 +20,8 @@ bool isSameFile(const QString &left, const QString &right)
     struct stat leftFacts = {};
     struct stat rightFacts = {};
     return ::stat(QFile::encodeName(left).constData(), &leftFacts) == 0
-        && ::stat(QFile::encodeName(right).constData(), &rightFacts) == 0
-        && leftFacts.st_dev == rightFacts.st_dev && leftFacts.st_ino == rightFacts.st_ino;
+           && ::stat(QFile::encodeName(right).constData(), &rightFacts) == 0 && leftFacts.st_dev == rightFacts.st_dev
+           && leftFacts.st_ino == rightFacts.st_ino;
 }
 
 } // namespace

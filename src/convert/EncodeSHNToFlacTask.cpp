@@ -12,9 +12,8 @@ using namespace Qt::StringLiterals;
 
 namespace nurv {
 
-EncodeSHNToFlacTask::EncodeSHNToFlacTask(NURVTaskQueue *queue, const QString &launchPath,
-                                         const QStringList &arguments, const QString &type,
-                                         std::shared_ptr<NURVTaskResults> results)
+EncodeSHNToFlacTask::EncodeSHNToFlacTask(NURVTaskQueue *queue, const QString &launchPath, const QStringList &arguments,
+                                         const QString &type, std::shared_ptr<NURVTaskResults> results)
     : ConversionTask(queue, launchPath, arguments, arguments.value(conversionArguments::kShntoolSource)),
       m_outputPath(arguments.value(conversionArguments::kFlacByShntoolFolder)), m_type(type)
 {

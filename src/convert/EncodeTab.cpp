@@ -47,8 +47,8 @@ struct EncodeTab::Batch {
 
 EncodeTab::EncodeTab(NURVController &controller)
     : BaseTab(controller, u"encode"_s),
-      outputFormatMatrix({u"SHN"_s, u"WV"_s, u"FLAC"_s, u"TTA"_s, u"APE"_s, u"M4A"_s}, 2),
-      flacSlider(0, 8, 1, 5), apeSlider(1000, 5000, 1000, 2000), wavepackFormatMatrix({u"Fast"_s, u"High"_s}, 2)
+      outputFormatMatrix({u"SHN"_s, u"WV"_s, u"FLAC"_s, u"TTA"_s, u"APE"_s, u"M4A"_s}, 2), flacSlider(0, 8, 1, 5),
+      apeSlider(1000, 5000, 1000, 2000), wavepackFormatMatrix({u"Fast"_s, u"High"_s}, 2)
 {
     sourceEncodeButton.bindToSetting(u"encodeToSourceDirectory"_s);
     outputFormatMatrix.bindToSetting(u"encodeOutputFormat"_s);
@@ -106,9 +106,9 @@ bool EncodeTab::formatsAreAvailable(const QString &format) const
     if (format == u"WV" || format == u"TTA" || format == u"APE" || format == u"M4A")
         return false;
     return format != u"FLAC" || std::none_of(fileNames().begin(), fileNames().end(), [](const QString &source) {
-        const QString word = formatWord(source);
-        return word == u"M4A" || word == u"WV";
-    });
+               const QString word = formatWord(source);
+               return word == u"M4A" || word == u"WV";
+           });
 }
 
 bool EncodeTab::chooseOutput(Batch &batch)
@@ -142,8 +142,8 @@ bool EncodeTab::anyOutputExists() const
 QStringList EncodeTab::getFilesFromOutputDirectory(const QString &folder, const QString &extension)
 {
     QStringList paths;
-    const QStringList names = QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System
-                                                     | QDir::NoDotAndDotDot);
+    const QStringList names =
+        QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
     for (const QString &name : names) {
         if (formatWord(name) == extension.toUpper())
             paths.append(joinPath(folder, name));
@@ -229,9 +229,9 @@ std::shared_ptr<ConversionTask> EncodeTab::encodeFLAC(const QString &source, con
                                                      .overwrite = overwrite};
     const QString type = formatWord(source);
     if (type == u"SHN" || type == u"APE") {
-        return std::make_shared<EncodeSHNToFlacTask>(
-            queue, joinPath(pathToCommandLineTools(), u"shntool"_s),
-            conversionArguments::flacByShntool(encoding, source, outputFolder), type, results);
+        return std::make_shared<EncodeSHNToFlacTask>(queue, joinPath(pathToCommandLineTools(), u"shntool"_s),
+                                                     conversionArguments::flacByShntool(encoding, source, outputFolder),
+                                                     type, results);
     }
     const QString output = outputPath(outputFolder, source, u"flac"_s);
     return std::make_shared<EncodeFlacTask>(source, queue, joinPath(pathToCommandLineTools(), u"flac"_s),

@@ -60,9 +60,9 @@ TEST_F(CreateMD5TaskTest, NamesFilesInOtherFoldersFromTheListsFolder)
     const QStringList files{folder.write(u"show/cd1/t01.flac"_s, "abc"), folder.write(u"show/cd2/t01.flac"_s, "abc"),
                             folder.write(u"show/notes.txt"_s, "abc"), folder.write(u"other/x.wav"_s, "abc")};
     run(make(files, folder.path(u"show/md5sum.md5"_s)));
-    EXPECT_EQ(entriesOf(u"show/md5sum.md5"_s),
-              kDigestOfAbc + u" */cd1/t01.flac\n"_s + kDigestOfAbc + u" */cd2/t01.flac\n"_s + kDigestOfAbc
-                  + u" *notes.txt\n"_s + kDigestOfAbc + u" *x.wav\n"_s);
+    EXPECT_EQ(entriesOf(u"show/md5sum.md5"_s), kDigestOfAbc + u" */cd1/t01.flac\n"_s + kDigestOfAbc
+                                                   + u" */cd2/t01.flac\n"_s + kDigestOfAbc + u" *notes.txt\n"_s
+                                                   + kDigestOfAbc + u" *x.wav\n"_s);
 }
 
 TEST_F(CreateMD5TaskTest, ListsAFileThatIsNotThereWithTheDigestOfNothing)

@@ -12,8 +12,8 @@ using AfterBatchListTest = test::ConvertFixture;
 
 test::ProgramResult md5sumCheck(const QString &folder, const QString &list)
 {
-    return test::runProgram(
-        u"sh"_s, {u"-c"_s, u"cd \"$1\" && LC_ALL=C.UTF-8 exec md5sum -c \"$2\""_s, u"sh"_s, folder, list});
+    return test::runProgram(u"sh"_s,
+                            {u"-c"_s, u"cd \"$1\" && LC_ALL=C.UTF-8 exec md5sum -c \"$2\""_s, u"sh"_s, folder, list});
 }
 
 TEST_F(AfterBatchListTest, ListsAllShortenOutputsInOneFile)
@@ -64,7 +64,8 @@ TEST_F(AfterBatchListTest, ListsTheFingerprintsOfEveryFolder)
         QByteArray expected;
         for (const QString &name : {u"a.flac"_s, u"b.flac"_s}) {
             if (folder.exists(disc + u'/' + name))
-                expected += name.toUtf8() + ':'
+                expected +=
+                    name.toUtf8() + ':'
                     + test::runProgram(u"metaflac"_s, {u"--show-md5sum"_s, folder.path(disc + u'/' + name)}).output;
         }
         EXPECT_EQ(folder.read(disc + u"/fingerprint.ffp.txt"_s).split('\n').mid(2).join('\n'), expected);

@@ -20,8 +20,9 @@ TEST(ConversionArguments, EncodeFlacWithALevel)
 
 TEST(ConversionArguments, EncodeFlacWithEveryOptionInTheirOrder)
 {
-    EXPECT_EQ(encodeFlac({.level = 8, .keepForeignMetadata = true, .verify = true, .overwrite = true}, kSource, kOutput),
-              (QStringList{u"-8"_s, u"--keep-foreign-metadata"_s, u"-V"_s, u"-f"_s, kSource, u"-o"_s, kOutput}));
+    EXPECT_EQ(
+        encodeFlac({.level = 8, .keepForeignMetadata = true, .verify = true, .overwrite = true}, kSource, kOutput),
+        (QStringList{u"-8"_s, u"--keep-foreign-metadata"_s, u"-V"_s, u"-f"_s, kSource, u"-o"_s, kOutput}));
 }
 
 TEST(ConversionArguments, PassNoLevelWithLax)
@@ -49,9 +50,8 @@ TEST(ConversionArguments, DropEverythingElseWithLaxThroughShntool)
 
 TEST(ConversionArguments, EncodeAndDecodeShorten)
 {
-    EXPECT_EQ(encodeShorten(kSource, u"/out"_s),
-              (QStringList{u"conv"_s, u"-o"_s, u"shn"_s, u"-P"_s, u"pct"_s, u"-O"_s, u"never"_s, u"-d"_s, u"/out"_s,
-                           kSource}));
+    EXPECT_EQ(encodeShorten(kSource, u"/out"_s), (QStringList{u"conv"_s, u"-o"_s, u"shn"_s, u"-P"_s, u"pct"_s, u"-O"_s,
+                                                              u"never"_s, u"-d"_s, u"/out"_s, kSource}));
     EXPECT_EQ(decodeShorten(u"WAV"_s, u"/in/a.shn"_s, u"/out"_s),
               (QStringList{u"conv"_s, u"-o"_s, u"wav"_s, u"-P"_s, u"pct"_s, u"-O"_s, u"never"_s, u"-d"_s, u"/out"_s,
                            u"/in/a.shn"_s}));

@@ -140,11 +140,12 @@ TEST_F(ConversionBadLuckTest, LeavesNothingOnAFullDisk)
 
 TEST_F(ConversionBadLuckTest, TakesNamesOfAllKinds)
 {
-    const QStringList names{u"a b"_s,   u"it's \"it\""_s, u"line\nend"_s, u"-V"_s,
-                            u"50% off %@"_s, u"音楽"_s,      u"a: b"_s,      QString(250, u'x')};
+    const QStringList names{u"a b"_s,        u"it's \"it\""_s, u"line\nend"_s, u"-V"_s,
+                            u"50% off %@"_s, u"音楽"_s,        u"a: b"_s,      QString(250, u'x')};
     QStringList sources;
     for (qsizetype i = 0; i < names.size(); ++i)
-        sources.append(test::writeWav(folder.path(names.at(i) + u".wav"_s), {.seed = static_cast<std::uint32_t>(i + 1)}));
+        sources.append(
+            test::writeWav(folder.path(names.at(i) + u".wav"_s), {.seed = static_cast<std::uint32_t>(i + 1)}));
     EncodeTab encode(controller);
     run(encode, sources);
     EXPECT_TRUE(outputWindows.isEmpty()) << qPrintable(outputWindows.join(u'\n'));

@@ -77,7 +77,10 @@ protected:
         }
         return tasks;
     }
-    static void set(QStringView key, const QVariant &value) { SettingsStore::instance().setValue(key.toString(), value); }
+    static void set(QStringView key, const QVariant &value)
+    {
+        SettingsStore::instance().setValue(key.toString(), value);
+    }
 
     TestFolder folder;
     TestFolder out;

@@ -18,7 +18,8 @@ protected:
         EXPECT_EQ(test::runProgram(u"metaflac"_s, {u"--set-tag=TITLE=Über uns"_s, u"--set-tag=ARTIST=The Band"_s,
                                                    u"--set-tag=ALBUM=Live"_s, u"--set-tag=TRACKNUMBER=7"_s,
                                                    u"--set-tag=TRACKTOTAL=12"_s, u"--set-tag=GENRE=Jazz"_s, path})
-                      .exitStatus, 0);
+                      .exitStatus,
+                  0);
         return path;
     }
 
@@ -58,9 +59,9 @@ TEST_F(DecodeFlacTaskTest, CopiesNoTagsToAnExtensionInCapitals)
 {
     const QString source = taggedFlac(u"a.flac"_s);
     const QString output = out.path(u"a.AIFF"_s);
-    const auto task = std::make_shared<DecodeFlacTask>(
-        source, &queue(), tools.addReal(u"flac"_s),
-        QStringList{u"-d"_s, u"--force-aiff-format"_s, source, u"-o"_s, output});
+    const auto task =
+        std::make_shared<DecodeFlacTask>(source, &queue(), tools.addReal(u"flac"_s),
+                                         QStringList{u"-d"_s, u"--force-aiff-format"_s, source, u"-o"_s, output});
     queue().addTask(task);
     ASSERT_TRUE(finish());
     EXPECT_TRUE(test::sameSound(source, output));

@@ -11,8 +11,7 @@ using namespace Qt::StringLiterals;
 namespace nurv {
 namespace {
 
-const QString kDeleteQuestion =
-    u"You have chosen to delete the original files.  Are you sure you want to continue?"_s;
+const QString kDeleteQuestion = u"You have chosen to delete the original files.  Are you sure you want to continue?"_s;
 
 class DecodeTabTest : public test::HeldQueueFixture {
 protected:
@@ -91,8 +90,7 @@ TEST_F(DecodeTabTest, DecodesEveryFileInTheOrderOfTheListIntoASetOfItsOwn)
     EXPECT_EQ(tasks[0]->title(), u"2.shn");
     EXPECT_NE(std::dynamic_pointer_cast<DecodeFlacTask>(tasks[1]), nullptr);
     EXPECT_EQ(tasks[1]->launchPath(), tab.pathToCommandLineTools() + u"/flac"_s);
-    EXPECT_EQ(tasks[1]->arguments(),
-              (QStringList{u"-d"_s, folder.path(u"10.flac"_s), u"-o"_s, out.path(u"10.wav"_s)}));
+    EXPECT_EQ(tasks[1]->arguments(), (QStringList{u"-d"_s, folder.path(u"10.flac"_s), u"-o"_s, out.path(u"10.wav"_s)}));
     EXPECT_NE(tasks[0]->results(), tasks[1]->results());
     EXPECT_EQ(tasks[0]->results()->memberCount(), 1);
     EXPECT_TRUE(tab.fileNames().isEmpty());

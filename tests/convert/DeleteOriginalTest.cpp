@@ -89,7 +89,8 @@ TEST_F(DeleteOriginalTest, KeepsASourceThatWasEncodedInPlace)
     tab.sourceEncodeButton.setOn(true);
     tab.deleteOriginalsButton.setOn(true);
     prompts.expectAsk(u"One of the output files already exists and will be overwritten.  "
-                      "Are you sure you want to continue?"_s, {u"No"_s, u"Yes"_s}, u"Yes"_s);
+                      "Are you sure you want to continue?"_s,
+                      {u"No"_s, u"Yes"_s}, u"Yes"_s);
     runBeside(tab, {flac});
     EXPECT_FALSE(endedTasks.at(0)->error());
     EXPECT_EQ(folder.list(), QStringList{u"a.flac"_s});

@@ -42,8 +42,10 @@ protected:
 TEST_F(EncodeFlacTaskTest, ShowsTheFiguresOfARecordedRun)
 {
     const QString goOn = folder.path(u"go-on"_s);
-    const auto task = makeFake("replay=" + test::transcriptPath(u"flac-encode"_s).toUtf8() + ";delay=50;"
-                                   "out=\\b\\b99% complete, ratio=0.370;wait-file=" + goOn.toUtf8(),
+    const auto task = makeFake("replay=" + test::transcriptPath(u"flac-encode"_s).toUtf8()
+                                   + ";delay=50;"
+                                     "out=\\b\\b99% complete, ratio=0.370;wait-file="
+                                   + goOn.toUtf8(),
                                folder.path(u"x.wav"_s));
     EXPECT_EQ(task->textField().text, u"x.wav");
     queue().addTask(task);
@@ -166,7 +168,8 @@ TEST_F(EncodeFlacTaskTest, OverwritesAnOutputBesideItsSourceWhenTheUserAgrees)
     EncodeTab tab(controller);
     tab.sourceEncodeButton.setOn(true);
     prompts.expectAsk(u"One of the output files already exists and will be overwritten.  "
-                      "Are you sure you want to continue?"_s, {u"No"_s, u"Yes"_s}, u"Yes"_s);
+                      "Are you sure you want to continue?"_s,
+                      {u"No"_s, u"Yes"_s}, u"Yes"_s);
     runBeside(tab, {source});
     EXPECT_TRUE(test::sameSound(source, folder.path(u"a.flac"_s)));
 }

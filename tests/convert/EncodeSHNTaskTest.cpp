@@ -47,8 +47,7 @@ TEST_F(EncodeSHNTaskTest, ShowsFiguresAndReportsLinesTwice)
     EXPECT_EQ(task->topTextField().text, u"Encoding to SHN: 45.000000%");
     folder.write(u"go-on"_s, "");
     ASSERT_TRUE(finish());
-    EXPECT_EQ(outputWindows,
-              QStringList{u"Converting [a.wav] Converting [a.wav] :  45% 100% OK\n100% OK\n\n"_s});
+    EXPECT_EQ(outputWindows, QStringList{u"Converting [a.wav] Converting [a.wav] :  45% 100% OK\n100% OK\n\n"_s});
 }
 
 TEST_F(EncodeSHNTaskTest, FailsWithoutAnEncoder)

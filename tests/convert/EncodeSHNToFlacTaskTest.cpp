@@ -22,7 +22,8 @@ protected:
             return bytes;
         };
         const QByteArray item = number(value.size()) + number(0) + key + '\0' + value;
-        return item + "APETAGEX" + number(2000) + number(item.size() + 32) + number(1) + number(0) + QByteArray(8, '\0');
+        return item + "APETAGEX" + number(2000) + number(item.size() + 32) + number(1) + number(0)
+               + QByteArray(8, '\0');
     }
 
     test::ToolFolder tools;

@@ -14,8 +14,7 @@ using namespace Qt::StringLiterals;
 namespace nurv {
 namespace {
 
-const QString kDeleteQuestion =
-    u"You have chosen to delete the original files.  Are you sure you want to continue?"_s;
+const QString kDeleteQuestion = u"You have chosen to delete the original files.  Are you sure you want to continue?"_s;
 const QString kClashQuestion =
     u"One of the output files already exists and will be overwritten.  Are you sure you want to continue?"_s;
 
@@ -120,9 +119,14 @@ TEST_F(EncodeTabTest, EnablesTheOptionsOfTheChosenFormat)
         {u"WV"_s, {&tab.wavepackFormatMatrix}},
         {u"TTA"_s, {}},
         {u"M4A"_s, {}}};
-    const QList<const Control *> options{&tab.generateMD5Button, &tab.flacVerifyButton, &tab.flacLaxButton,
-                                         &tab.flacSlider, &tab.flacKeepForeignMetadataButton, &tab.apeSlider,
-                                         &tab.wavepackFormatMatrix, &tab.generateFFPButton};
+    const QList<const Control *> options{&tab.generateMD5Button,
+                                         &tab.flacVerifyButton,
+                                         &tab.flacLaxButton,
+                                         &tab.flacSlider,
+                                         &tab.flacKeepForeignMetadataButton,
+                                         &tab.apeSlider,
+                                         &tab.wavepackFormatMatrix,
+                                         &tab.generateFFPButton};
     for (const auto &[format, enabled] : rows) {
         choose(format);
         for (const Control *option : options)

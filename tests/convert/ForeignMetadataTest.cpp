@@ -23,7 +23,7 @@ protected:
     [[nodiscard]] QString wavWithChunks() const
     {
         const QByteArray info = "INFO" + test::riffChunk("INAM", QByteArray("Concert\0", 8))
-            + test::riffChunk("IART", QByteArray("Band\0\0", 6));
+                                + test::riffChunk("IART", QByteArray("Band\0\0", 6));
         return folder.write(u"a.wav"_s,
                             test::wavBytes({.seconds = 1}, test::riffChunk("LIST", info),
                                            test::riffChunk("odd ", "seven b") + test::riffChunk("id3 ", "ID3\x03xyz")));
@@ -47,7 +47,9 @@ TEST_F(ForeignMetadataTest, DropsForeignChunksOtherwise)
 TEST_F(ForeignMetadataTest, BringsTheChunksOfAnAiffFileBackWhenAsked)
 {
     QByteArray aiff = test::aiffBytes({.seconds = 1});
-    const QByteArray name("NAME\0\0\0\x08" "Concert!", 16);
+    const QByteArray name("NAME\0\0\0\x08"
+                          "Concert!",
+                          16);
     aiff.insert(12, name);
     const auto size = static_cast<quint32>(aiff.size() - 8);
     for (int byte = 0; byte < 4; ++byte)
