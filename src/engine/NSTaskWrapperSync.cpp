@@ -4,6 +4,7 @@
 
 #include "engine/ToolEnvironment.h"
 #include "platform/ExternalPrograms.h"
+#include "platform/Utf8Text.h"
 
 namespace nurv {
 
@@ -27,7 +28,7 @@ QString NSTaskWrapperSync::runTask()
     if (!result.exit)
         m_totalOutput = missingProgramText(m_command.launchPath, result.startError);
     else
-        m_totalOutput = result.output.isValidUtf8() ? QString::fromUtf8(result.output) : QString();
+        m_totalOutput = fromStrictUtf8(result.output).value_or(QString());
     return m_totalOutput;
 }
 

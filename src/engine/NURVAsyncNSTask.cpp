@@ -5,7 +5,9 @@
 #include "engine/ToolEnvironment.h"
 #include "platform/ExternalPrograms.h"
 #include "platform/GuiThread.h"
+#include "platform/NurvFailure.h"
 
+#include <exception>
 #include <utility>
 
 #include <string.h>
@@ -48,8 +50,7 @@ void NURVAsyncNSTask::startTask()
     m_hasRun = !failure;
     if (!failure)
         return;
-    setError(true);
-    appendResultsForSelf(missingProgramText(m_launchPath, *failure));
+    failWith(missingProgramText(m_launchPath, *failure));
     // The queue holds its lock while it starts a job: the job ends afterwards.
     postToGuiThread([self = shared_from_this()] { self->stopTask(); });
 }
@@ -58,7 +59,7 @@ void NURVAsyncNSTask::taskDataAvailable(const QByteArray &bytes)
 {
     const QString chunk = m_decoder.decode(bytes);
     if (!chunk.isEmpty())
-        processTaskOutput(chunk);
+        runHook([&] { processTaskOutput(chunk); });
 }
 
 void NURVAsyncNSTask::processTaskOutput(const QString &chunk)
@@ -68,6 +69,8 @@ void NURVAsyncNSTask::processTaskOutput(const QString &chunk)
 
 void NURVAsyncNSTask::stopTask()
 {
+    // The queue may let go of a job that stops, and the caller may only refer to it.
+    const std::shared_ptr<NURVTask> self = weak_from_this().lock();
     if (m_task.isRunning() || std::exchange(m_isStopped, true))
         return;
     completeStop();
@@ -77,10 +80,22 @@ void NURVAsyncNSTask::completeStop()
 {
     readExitStatus();
     markStopped();
-    cleanup();
+    runHook([this] { cleanup(); });
     NURVTask::stopTask();
-    finalCleanup();
+    runHook([this] { finalCleanup(); });
     reportCompletion();
+}
+
+void NURVAsyncNSTask::runHook(const std::function<void()> &hook)
+{
+    // Everything here runs in an event handler, which no exception may leave.
+    try {
+        hook();
+    } catch (const NurvFailure &failure) {
+        failWith(failure.reason());
+    } catch (const std::exception &failure) {
+        failWith(QString::fromUtf8(failure.what()));
+    }
 }
 
 void NURVAsyncNSTask::readExitStatus()
@@ -90,7 +105,7 @@ void NURVAsyncNSTask::readExitStatus()
         return;
     setError(true);
     if (exit->signal != 0) {
-        appendResultsForSelf(u"%1 was ended by signal %2 (%3) while working on %4\n"_s.arg(
+        failWith(u"%1 was ended by signal %2 (%3) while working on %4\n"_s.arg(
             m_launchPath.section(u'/', -1), QString::number(exit->signal),
             QString::fromLocal8Bit(strsignal(exit->signal)), title()));
     }

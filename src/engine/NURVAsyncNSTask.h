@@ -8,6 +8,8 @@
 
 #include <QStringList>
 
+#include <functional>
+
 namespace nurv {
 
 /// A job that runs one command-line program.
@@ -54,6 +56,7 @@ protected:
 private:
     void taskDataAvailable(const QByteArray &bytes);
     void readExitStatus();
+    void runHook(const std::function<void()> &hook);
 
     QString m_launchPath;
     QStringList m_arguments;

@@ -22,8 +22,7 @@ void NURVInProcessTask::startTask()
     try {
         workerThreads::start([this, self] { run(); });
     } catch (const std::system_error &failure) {
-        setError(true);
-        appendResultsForSelf(QString::fromLocal8Bit(failure.what()));
+        failWith(QString::fromLocal8Bit(failure.what()));
         // The queue holds its lock while it starts a job: the job ends afterwards.
         postToGuiThread([this, self] { complete(); });
     }
@@ -31,6 +30,8 @@ void NURVInProcessTask::startTask()
 
 void NURVInProcessTask::cancelTask()
 {
+    // The queue may let go of a job that stops, and the caller may only refer to it.
+    const std::shared_ptr<NURVTask> self = shared_from_this();
     setCancelled(true);
     if (!std::exchange(m_started, true))
         complete();
@@ -41,11 +42,9 @@ void NURVInProcessTask::run()
     try {
         doStartTask();
     } catch (const NurvFailure &failure) {
-        setError(true);
-        appendResultsForSelf(failure.reason());
+        failWith(failure.reason());
     } catch (const std::exception &failure) {
-        setError(true);
-        appendResultsForSelf(QString::fromUtf8(failure.what()));
+        failWith(QString::fromUtf8(failure.what()));
     }
     complete();
 }

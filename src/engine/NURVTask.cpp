@@ -23,7 +23,11 @@ NURVTask::NURVTask(NURVTaskQueue *queue)
     m_results->addTaskInSet(*this);
 }
 
-NURVTask::~NURVTask() = default;
+NURVTask::~NURVTask()
+{
+    // A set that still counts the job must not wait for it.
+    m_flags->done = true;
+}
 
 NURVTaskQueue *NURVTask::queue() const
 {
@@ -58,6 +62,8 @@ void NURVTask::becomeActive()
 
 void NURVTask::cancelTask()
 {
+    // The queue may let go of a job that stops, and the caller may only refer to it.
+    const std::shared_ptr<NURVTask> self = weak_from_this().lock();
     m_flags->cancelled = true;
     stopTask();
 }
@@ -96,6 +102,12 @@ void NURVTask::appendResultsForSelf(const QString &text)
 {
     if (m_results)
         m_results->appendResults(text, *this);
+}
+
+void NURVTask::failWith(const QString &reason)
+{
+    setError(true);
+    appendResultsForSelf(reason);
 }
 
 void NURVTask::appendResults(const QString &text)

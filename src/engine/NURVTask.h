@@ -105,6 +105,8 @@ protected:
     void appendResultsForSelf(const QString &text);
     /// Appends to the first slot of its set; nothing once the set is dropped.
     void appendResults(const QString &text);
+    /// Sets the error flag and appends the reason to the job's own slot.
+    void failWith(const QString &reason);
     /// Sets the active flags and shows the cancel button and the progress bar.
     void becomeActive();
     /// The flags of a job that has stopped.

@@ -76,12 +76,16 @@ void NURVTaskQueue::taskCompleted(const std::shared_ptr<NURVTask> &task)
     } catch (const std::exception &failure) {
         qCWarning(engineLog, "Exception in queue taskCompleted: %s", failure.what());
     }
-    if (m_taskArray.empty()) {
-        m_activeTask = 0;
-        m_lowestActivePosition = 0;
-        allowSleep();
-    }
+    if (m_taskArray.empty() && !m_isCancellingAll)
+        becomeEmpty();
     Q_EMIT taskEnded(task);
+}
+
+void NURVTaskQueue::becomeEmpty()
+{
+    m_activeTask = 0;
+    m_lowestActivePosition = 0;
+    allowSleep();
 }
 
 void NURVTaskQueue::finishTask(const std::shared_ptr<NURVTask> &task)
@@ -90,20 +94,23 @@ void NURVTaskQueue::finishTask(const std::shared_ptr<NURVTask> &task)
     {
         const std::scoped_lock lock(m_lock);
         const auto place = std::find(m_taskArray.begin(), m_taskArray.end(), task);
+        if (place == m_taskArray.end())
+            return;
         // Counted down also for a job that was cancelled while it waited and so
         // was never counted as running.
         if (task->isDone())
             --m_activeTask;
-        if (place != m_taskArray.end())
-            m_taskArray.erase(place);
+        m_taskArray.erase(place);
         countChanged();
         startWaitingTasks();
         Q_EMIT scrollRequested(m_lowestActivePosition);
     }
-    if (m_activeTask == 0)
+    if (m_activeTask == 0 && !m_isCancellingAll)
         sweep();
-    if (results && results->taskSetDone())
-        showOutputWindow(results->results(), task->title());
+    if (results && results->takeReport()) {
+        showOutputWindow(results->results(),
+                         task->title().isEmpty() ? std::nullopt : std::optional(task->title()));
+    }
 }
 
 void NURVTaskQueue::startWaitingTasks()
@@ -171,12 +178,25 @@ void NURVTaskQueue::cancelAllTasks()
 
 void NURVTaskQueue::cancelFromLastToFirst()
 {
+    if (m_taskArray.empty())
+        return;
     m_isCancellingAll = true;
     // A copy: a waiting job leaves the list while it is being cancelled.
     const std::deque<std::shared_ptr<NURVTask>> tasks = m_taskArray;
-    for (auto task = tasks.rbegin(); task != tasks.rend(); ++task)
+    for (auto task = tasks.rbegin(); task != tasks.rend(); ++task) {
+        // What would follow a cancelled batch is not wanted either.
+        if (const std::shared_ptr<NURVTaskResults> set = (*task)->results())
+            set->setTaskAfterSetDone(nullptr);
         (*task)->cancelTask();
+    }
     m_isCancellingAll = false;
+
+    // Only the jobs whose programs run to their end are left, and counted.
+    m_activeTask = static_cast<std::int32_t>(m_taskArray.size());
+    if (m_activeTask == 0) {
+        sweep();
+        becomeEmpty();
+    }
 }
 
 void NURVTaskQueue::removeAllErrors()
@@ -214,8 +234,12 @@ void NURVTaskQueue::preventSleep()
 
 void NURVTaskQueue::allowSleep()
 {
-    m_services.releaseSleepAssertion(m_assertionID);
     m_noSleep = false;
+    try {
+        m_services.releaseSleepAssertion(m_assertionID);
+    } catch (const std::exception &failure) {
+        qCWarning(engineLog, "The sleep assertion was not released: %s", failure.what());
+    }
 }
 
 void NURVTaskQueue::showOutputWindow(const QString &text, const std::optional<QString> &title)

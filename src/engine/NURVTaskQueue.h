@@ -25,7 +25,8 @@ class NURVTask;
 ///            └──> panelArray (rows) ──────────────> sweep when nothing is counted as running
 ///
 /// It knows neither widgets nor a console: a status window, a terminal or a test
-/// listens to its signals. Everything runs on the GUI thread.
+/// listens to its signals. Everything runs on the GUI thread; a listener that
+/// adds jobs does so from a later event.
 class NURVTaskQueue : public QObject {
     Q_OBJECT
 
@@ -41,9 +42,10 @@ public:
 
     /// How many jobs have not completed yet, waiting and running.
     [[nodiscard]] int taskCount() const { return static_cast<int>(m_taskArray.size()); }
-    /// Cancels every job, from the last to the first; for the end of the application.
+    /// Cancels every job, from the last to the first, and starts neither a waiting
+    /// job nor what would follow a batch; for the end of the application.
     void killAllTasks();
-    /// Cancels every job, from the last to the first; the user's command.
+    /// The same as a user's command.
     void cancelAllTasks();
     /// Takes the rows of failed jobs out of the list.
     void removeAllErrors();
@@ -73,6 +75,7 @@ Q_SIGNALS:
     void rowChanged(int row);
     /// Rows have been removed; read the list anew.
     void rowsReset();
+    /// The row may have been swept already.
     void scrollRequested(int row);
     void taskCountChanged(int count);
     /// A completed job, once its result set has been examined.
@@ -82,6 +85,7 @@ Q_SIGNALS:
 private:
     void startTask(const std::shared_ptr<NURVTask> &task);
     void finishTask(const std::shared_ptr<NURVTask> &task);
+    void becomeEmpty();
     void startWaitingTasks();
     void sweep();
     void cancelFromLastToFirst();

@@ -4,38 +4,26 @@
 
 #include "engine/NURVTask.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace nurv {
-
-namespace {
-
-bool isSameTask(const std::weak_ptr<const TaskFlags> &a, const std::weak_ptr<const TaskFlags> &b)
-{
-    return !a.owner_before(b) && !b.owner_before(a);
-}
-
-} // namespace
 
 NURVTaskResults::NURVTaskResults() = default;
 NURVTaskResults::~NURVTaskResults() = default;
 
 int NURVTaskResults::slotOf(const NURVTask &task) const
 {
-    const std::weak_ptr<const TaskFlags> flags = task.flags();
-    for (std::size_t i = 0; i < m_tasksInSet.size(); ++i) {
-        if (isSameTask(m_tasksInSet[i], flags))
-            return static_cast<int>(i);
-    }
-    return -1;
+    const auto slot = m_slotOfTask.find(task.flags().get());
+    return slot == m_slotOfTask.end() ? -1 : slot->second;
 }
 
 void NURVTaskResults::addTaskInSet(const NURVTask &task)
 {
     const std::scoped_lock lock(m_lock);
+    const int place = static_cast<int>(m_tasksInSet.size());
     m_tasksInSet.push_back(task.flags());
-    m_resultsBySlot[slotOf(task)] = QString();
+    const int slot = m_slotOfTask.try_emplace(task.flags().get(), place).first->second;
+    m_resultsBySlot[slot] = QString();
 }
 
 int NURVTaskResults::memberCount() const
@@ -92,10 +80,9 @@ QString NURVTaskResults::results(const NURVTask &task) const
 
 bool NURVTaskResults::allDoneLocked() const
 {
-    return std::all_of(m_tasksInSet.begin(), m_tasksInSet.end(), [](const auto &member) {
-        const std::shared_ptr<const TaskFlags> flags = member.lock();
-        return !flags || flags->done;
-    });
+    while (m_firstNotDone < m_tasksInSet.size() && m_tasksInSet[m_firstNotDone]->done)
+        ++m_firstNotDone;
+    return m_firstNotDone == m_tasksInSet.size();
 }
 
 bool NURVTaskResults::allTasksDone() const
@@ -126,6 +113,12 @@ void NURVTaskResults::setTaskAfterSetDone(std::shared_ptr<NURVTask> task)
 {
     const std::scoped_lock lock(m_lock);
     m_taskAfterSetDone = std::move(task);
+}
+
+bool NURVTaskResults::takeReport()
+{
+    const std::scoped_lock lock(m_lock);
+    return m_taskSetDone && !std::exchange(m_isReportTaken, true);
 }
 
 std::shared_ptr<NURVTask> NURVTaskResults::finishIfAllDone()

@@ -4,9 +4,11 @@
 
 #include <QString>
 
+#include <cstddef>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <unordered_map>
 #include <vector>
 
 namespace nurv {
@@ -17,8 +19,9 @@ struct TaskFlags;
 /// The report texts of one batch: one slot per member, joined in the order in
 /// which the members joined, whatever order they end in.
 ///
-/// Owned by its members and by whoever made the batch. Refers to the members
-/// weakly: a member that is gone counts as done. Any thread may call.
+/// Owned by its members and by whoever made the batch. Keeps only the flags of
+/// its members, not the members: a job that is gone has left its flags as done.
+/// Any thread may call.
 class NURVTaskResults {
 public:
     NURVTaskResults();
@@ -55,6 +58,10 @@ public:
     [[nodiscard]] std::shared_ptr<NURVTask> taskAfterSetDone() const;
     void setTaskAfterSetDone(std::shared_ptr<NURVTask> task);
 
+    /// Whether the report of a finished set is to be shown now: true once, to the
+    /// first caller after the set is done.
+    [[nodiscard]] bool takeReport();
+
     /// When every member is done: marks the set done and returns the follow-up
     /// job, to one caller only. Returns nothing otherwise.
     [[nodiscard]] std::shared_ptr<NURVTask> finishIfAllDone();
@@ -64,9 +71,13 @@ private:
     [[nodiscard]] bool allDoneLocked() const;
 
     mutable std::mutex m_lock;
-    std::vector<std::weak_ptr<const TaskFlags>> m_tasksInSet;
+    std::vector<std::shared_ptr<const TaskFlags>> m_tasksInSet;
+    std::unordered_map<const TaskFlags *, int> m_slotOfTask;
     std::map<int, QString> m_resultsBySlot;
+    /// Members before it are done; a job that is done stays so.
+    mutable std::size_t m_firstNotDone = 0;
     bool m_taskSetDone = false;
+    bool m_isReportTaken = false;
     bool m_followUpReleased = false;
     std::shared_ptr<NURVTask> m_taskAfterSetDone;
 };

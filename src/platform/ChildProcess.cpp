@@ -57,6 +57,13 @@ public:
         return *registry;
     }
 
+    ChildRegistry()
+    {
+        // A parent that ignores it hands that on, and then the system reaps the
+        // children and nobody learns how they ended.
+        ::signal(SIGCHLD, SIG_DFL);
+    }
+
     std::mutex lock;
     std::condition_variable changed;
     std::set<pid_t> running;
@@ -201,10 +208,14 @@ ChildExit reap(pid_t pid, int pidFd)
     }
     ChildRegistry &registry = ChildRegistry::instance();
     const std::scoped_lock lock(registry.lock);
-    while (::waitid(P_PIDFD, static_cast<id_t>(pidFd), &info, WEXITED) != 0 && errno == EINTR) {
-    }
+    int waited = 0;
+    do {
+        waited = ::waitid(P_PIDFD, static_cast<id_t>(pidFd), &info, WEXITED);
+    } while (waited != 0 && errno == EINTR);
     registry.running.erase(pid);
     registry.changed.notify_all();
+    if (waited != 0) // reaped by somebody else: never to be taken for a success
+        return {.status = -1, .signal = 0};
     if (info.si_code == CLD_EXITED)
         return {.status = info.si_status, .signal = 0};
     return {.status = 0, .signal = info.si_status};
@@ -283,7 +294,11 @@ void ChildProcess::childExited()
         return;
     m_exitNotifier->setEnabled(false);
     m_exitNotifier.release()->deleteLater();
-    m_killTimer.reset();
+    if (m_killTimer) {
+        // What the child has left of its group; the number is its own until it is reaped.
+        ::kill(-m_pid, SIGKILL);
+        m_killTimer.reset();
+    }
     m_exit = reap(std::exchange(m_pid, -1), m_pidFd);
     closeFd(m_pidFd);
     if (m_outputFd >= 0) {

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/DBusDesktopServices.h"
 
-#include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusReply>
 #include <QFileInfo>
@@ -17,6 +16,7 @@ namespace {
 
 constexpr int kAnswerTimeoutMs = 500;
 constexpr int kNotificationShownMs = -1; // as long as the desktop thinks fit
+constexpr int kScreenSaverPauseMs = 60'000;
 constexpr uchar kNormalUrgency = 1;
 
 const QString kApplicationName = u"Nurv Audio Workbench"_s;
@@ -71,9 +71,18 @@ bool DBusDesktopServices::hasNotificationService()
 {
     if (!m_bus.isConnected())
         return false;
-    QDBusConnectionInterface *const bus = m_bus.interface();
-    return bus->isServiceRegistered(kNotificationService)
-        || bus->activatableServiceNames().value().contains(kNotificationService);
+    // The bus itself answers both at once; the limit is for a bus that hangs.
+    const auto askBus = [this](const QString &method, const QVariantList &arguments) {
+        QDBusMessage question = QDBusMessage::createMethodCall(
+            u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus"_s, method);
+        question.setArguments(arguments);
+        return m_bus.call(question, QDBus::Block, kAnswerTimeoutMs);
+    };
+    const QDBusReply<bool> isRunning = askBus(u"NameHasOwner"_s, {kNotificationService});
+    if (isRunning.isValid() && isRunning.value())
+        return true;
+    const QDBusReply<QStringList> startable = askBus(u"ListActivatableNames"_s, {});
+    return startable.isValid() && startable.value().contains(kNotificationService);
 }
 
 void DBusDesktopServices::deliverNotification(const QString &title, const QString &body)
@@ -94,16 +103,19 @@ void DBusDesktopServices::deliverNotification(const QString &title, const QStrin
 
 std::optional<std::uint32_t> DBusDesktopServices::createSleepAssertion(const QString &reason)
 {
-    if (!m_bus.isConnected())
+    if (!m_bus.isConnected() || !m_screenSaverPause.hasExpired())
         return std::nullopt;
     QDBusMessage inhibit = screenSaverCall(u"Inhibit"_s);
     // Waiting for a service to be started could take longer than the answer.
     inhibit.setAutoStartService(false);
     inhibit << kApplicationName << reason;
     const QDBusReply<uint> identifier = m_bus.call(inhibit, QDBus::Block, kAnswerTimeoutMs);
-    if (!identifier.isValid())
-        return std::nullopt;
-    return identifier.value();
+    if (identifier.isValid())
+        return identifier.value();
+    // Asked again for every job that is added, a service that hangs or is missing
+    // would hold up the window.
+    m_screenSaverPause.setRemainingTime(kScreenSaverPauseMs);
+    return std::nullopt;
 }
 
 void DBusDesktopServices::releaseSleepAssertion(std::uint32_t identifier)

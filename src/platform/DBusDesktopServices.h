@@ -5,6 +5,7 @@
 #include "platform/DesktopServices.h"
 
 #include <QDBusConnection>
+#include <QDeadlineTimer>
 #include <QVariantMap>
 
 namespace nurv {
@@ -13,7 +14,8 @@ namespace nurv {
 /// com.canonical.Unity.LauncherEntry and org.freedesktop.ScreenSaver.
 ///
 /// Without a bus or a service nothing happens, and nothing is said about it. Only
-/// `createSleepAssertion` waits for an answer, for at most half a second.
+/// `createSleepAssertion` and `hasNotificationService` wait for an answer, for at
+/// most half a second.
 class DBusDesktopServices final : public DesktopServices {
 public:
     /// `bus` is the session bus outside tests. Needs an application object.
@@ -31,6 +33,9 @@ private:
     void updateLauncherEntry(const QVariantMap &properties);
 
     QDBusConnection m_bus;
+    /// Not asked before: a service that does not answer, or is not there, is left
+    /// alone for a while.
+    QDeadlineTimer m_screenSaverPause{0};
 };
 
 } // namespace nurv

@@ -2,12 +2,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/GuiThread.h"
 
+#include "platform/PlatformLog.h"
+
 #include <QCoreApplication>
 #include <QEvent>
 #include <QThread>
 
 #include <condition_variable>
 #include <deque>
+#include <exception>
 #include <memory>
 #include <mutex>
 #include <utility>
@@ -24,10 +27,11 @@ struct Request {
 
 class Gate final : public QObject {
 public:
+    // Never destroyed: a worker that outlives the wait at quit still asks here.
     static Gate &instance()
     {
-        static Gate gate;
-        return gate;
+        static Gate *const gate = new Gate;
+        return *gate;
     }
 
     bool ask(const std::function<void()> &work)
@@ -78,14 +82,30 @@ protected:
     }
 
 private:
+    Gate()
+    {
+        if (const QCoreApplication *const application = QCoreApplication::instance())
+            moveToThread(application->thread());
+    }
+
+    static bool runWork(Request &request)
+    {
+        try {
+            request.work();
+            request.work = nullptr;
+            return true;
+        } catch (const std::exception &failure) {
+            qCCritical(platformLog, "Work for the GUI thread failed: %s", failure.what());
+            return false;
+        }
+    }
+
     /// With the lock held.
     bool enqueue(const std::shared_ptr<Request> &request)
     {
         QCoreApplication *const application = QCoreApplication::instance();
         if (m_isClosed || !application)
             return false;
-        if (thread() != application->thread())
-            moveToThread(application->thread());
         m_requests.push_back(request);
         if (!std::exchange(m_isWakeUpPosted, true))
             QCoreApplication::postEvent(this, new QEvent(QEvent::User));
@@ -102,10 +122,9 @@ private:
             const std::shared_ptr<Request> request = std::move(m_requests.front());
             m_requests.pop_front();
             lock.unlock();
-            request->work();
-            request->work = nullptr;
+            const bool hasRun = runWork(*request);
             lock.lock();
-            request->hasRun = true;
+            request->hasRun = hasRun;
             request->isFinished = true;
             m_finished.notify_all();
         }

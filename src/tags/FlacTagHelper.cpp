@@ -50,8 +50,9 @@ QStringList FlacTagHelper::showFormatArguments(const QString &path, const QStrin
 QString FlacTagHelper::valueInOutput(const QString &output, QStringView tagKey)
 {
     const QString trimmed = trimWhitespaceAndNewlines(output);
-    // Messages come in the same stream, and they hold "=" too.
-    if (!trimmed.startsWith(tagKey.toString() + u'=', Qt::CaseInsensitive))
+    // Messages come in the same stream, before the tag, and they hold "=" too.
+    const QString start = tagKey.toString() + u'=';
+    if (!trimmed.startsWith(start, Qt::CaseInsensitive) && !trimmed.contains(u'\n' + start, Qt::CaseInsensitive))
         return u""_s;
     return trimmed.mid(trimmed.lastIndexOf(u'=') + 1);
 }

@@ -55,8 +55,11 @@ public:
 private:
     static File open(TagEditStream &stream)
     {
+        // Also for the kinds that do not take the factory: it sets the encoding
+        // that their frames are written in.
+        [[maybe_unused]] auto *const factory = frameFactory();
         if constexpr (std::is_same_v<File, TagLib::MPEG::File> || std::is_same_v<File, TagLib::FLAC::File>)
-            return File(&stream, frameFactory(), false);
+            return File(&stream, factory, false);
         else
             return File(&stream, false);
     }

@@ -210,11 +210,15 @@ Text fieldText(const TagLib::Ogg::FieldListMap &fields, QStringView key)
     return qtText(field->second.toString(" "));
 }
 
-void removeEverything(TagLib::FLAC::File &file, TagLib::Ogg::XiphComment &comment)
+/// With `keepDate`, all but the date: it is replaced once the file is saved, and
+/// must not be lost when that fails.
+void removeEverything(TagLib::FLAC::File &file, TagLib::Ogg::XiphComment &comment, bool keepDate)
 {
     const TagLib::Ogg::FieldListMap fields = comment.fieldListMap();
-    for (const auto &[name, values] : fields)
-        comment.removeFields(name.upper());
+    for (const auto &[name, values] : fields) {
+        if (!keepDate || name.upper() != "DATE")
+            comment.removeFields(name.upper());
+    }
     comment.removeAllPictures();
     file.removePictures();
 }
@@ -446,7 +450,7 @@ void TagLibTagsHelper::writeTagsForFLACFile(const QString &path, const TagsObjec
         TagLib::Ogg::XiphComment &comment = *file.xiphComment(true);
         fileDate = fieldText(comment.fieldListMap(), FlacTagHelper::kDate);
         if (writeEmptyTags) {
-            removeEverything(file, comment);
+            removeEverything(file, comment, hasText(tagObject.dateText()) || hasText(fileDate));
             if (!file.save())
                 throw NurvFailure(u"Unable to save the tags."_s);
         }

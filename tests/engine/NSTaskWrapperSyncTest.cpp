@@ -67,6 +67,16 @@ TEST(NSTaskWrapperSync, GivesNoTextForBytesThatAreNoUtf8)
     EXPECT_EQ(fake({u"out=good \\xff bad"_s}).runTask(), QString());
 }
 
+TEST(NSTaskWrapperSync, KeepsALeadingByteOrderMark)
+{
+    EXPECT_EQ(fake({u"out=\\xef\\xbb\\xbfx"_s}).runTask(), u"\ufeffx");
+}
+
+TEST(NSTaskWrapperSync, GivesAnEmptyTextForASilentTool)
+{
+    EXPECT_EQ(fake({u"exit=1"_s}).runTask(), QString());
+}
+
 TEST(NSTaskWrapperSync, NamesAMissingTool)
 {
     const test::ToolFolder tools;

@@ -75,6 +75,15 @@ TEST_F(NURVAsyncNSTaskFileOutputRedirectionTest, TakesNoPartInItsSetAtTheEnd)
     EXPECT_FALSE(set->taskSetDone());
 }
 
+TEST_F(NURVAsyncNSTaskFileOutputRedirectionTest, WritesWhatAFailedToolWrote)
+{
+    const auto task = make({u"out=half"_s, u"exit=1"_s});
+    runToEnd(task);
+    EXPECT_TRUE(task->error());
+    EXPECT_EQ(folder.read(u"out.txt"_s), "half\n");
+    EXPECT_EQ(outputWindows, 0);
+}
+
 TEST_F(NURVAsyncNSTaskFileOutputRedirectionTest, IgnoresAFileThatCannotBeWritten)
 {
     const auto task = std::make_shared<NURVAsyncNSTaskFileOutputRedirection>(
@@ -87,9 +96,17 @@ TEST_F(NURVAsyncNSTaskFileOutputRedirectionTest, IgnoresAFileThatCannotBeWritten
 TEST_F(NURVAsyncNSTaskFileOutputRedirectionTest, WritesNoFileWhenCancelledWhileWaiting)
 {
     folder.write(u"out.txt"_s, "kept");
+    const auto running = std::make_shared<test::HeldTask>(&queue);
+    const auto running2 = std::make_shared<test::HeldTask>(&queue);
     const auto task = make({u"out=x"_s});
+    for (const auto &held : {running, running2})
+        held->setResults(nullptr);
+    queue.addTasks({running, running2, task});
     task->cancelTask();
+    EXPECT_EQ(queue.taskCount(), 2);
     EXPECT_EQ(folder.read(u"out.txt"_s), "kept");
+    running->finish();
+    running2->finish();
     EXPECT_EQ(outputWindows, 0);
 }
 

@@ -3,6 +3,7 @@
 #include "engine/NURVAsyncNSTask.h"
 
 #include "engine/TestTasks.h"
+#include "platform/NotificationCenter.h"
 #include "platform/ResourceFolder.h"
 #include "support/TestFolder.h"
 #include "support/WaitUntil.h"
@@ -124,6 +125,52 @@ TEST_F(NURVAsyncNSTaskTest, LeavesTheQueueWhenCancelledWhileItWaits)
     EXPECT_TRUE(waiting->chunks.isEmpty());
     running->finish();
     running2->finish();
+}
+
+TEST_F(NURVAsyncNSTaskTest, FailsWithTheTextOfAHookThatThrows)
+{
+    for (const QString &hook : {u"processTaskOutput"_s, u"cleanup"_s, u"finalCleanup"_s}) {
+        const auto task = std::make_shared<ScriptedTask>(&queue, QStringList{u"out=x"_s});
+        task->throwingHook = hook;
+        queue.addTask(task);
+        ASSERT_TRUE(waitUntil([this] { return queue.taskCount() == 0; })) << hook.toStdString();
+        EXPECT_TRUE(task->error());
+        EXPECT_TRUE(task->results()->results().endsWith(u"planted\n"_s));
+    }
+}
+
+TEST_F(NURVAsyncNSTaskTest, ShowsTheErrorThatOnlyItsParserSaw)
+{
+    const auto task = std::make_shared<ScriptedTask>(&queue, QStringList{u"out=x"_s, u"exit=0"_s});
+    task->parserSetsError = true;
+    queue.addTask(task);
+    ASSERT_TRUE(waitUntil([this] { return queue.taskCount() == 0; }));
+    EXPECT_EQ(task->topTextField().text, u"Error");
+}
+
+TEST_F(NURVAsyncNSTaskTest, RunsItsHooksAlsoWhenTheToolFailed)
+{
+    EXPECT_EQ(run({u"exit=1"_s})->steps,
+              (QStringList{u"cleanup, Waiting..."_s, u"done"_s, u"finalCleanup, Error"_s}));
+}
+
+TEST_F(NURVAsyncNSTaskTest, SurvivesThatTheQueueLetsGoOfItWhileItIsCancelled)
+{
+    NotificationCenter::instance().post(QString::fromUtf16(NURVMaxThreadsChangedNotification), 1);
+    const auto running = std::make_shared<test::HeldTask>(&queue);
+    queue.addTask(running);
+    queue.addTask(std::make_shared<ScriptedTask>(&queue, QStringList{}));
+    const std::weak_ptr<NURVTask> waiting = queue.panelArray()[1];
+    // The count falls to zero, and the sweep lets go of the last reference.
+    queue.panelArray()[1]->cancelTask();
+    EXPECT_TRUE(waiting.expired());
+    running->finish();
+}
+
+TEST_F(NURVAsyncNSTaskTest, CompletesWhenTheToolEndsLongAfterItsOutput)
+{
+    const auto task = run({u"out=x"_s, u"delay=150"_s, u"exit=2"_s});
+    EXPECT_TRUE(task->error());
 }
 
 TEST_F(NURVAsyncNSTaskTest, DescribesItselfByItsCommandLine)

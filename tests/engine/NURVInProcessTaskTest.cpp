@@ -102,6 +102,20 @@ TEST_F(NURVInProcessTaskTest, EndsWhenItsWorkNoticesThatItIsCancelled)
     EXPECT_EQ(ended, 1);
 }
 
+TEST_F(NURVInProcessTaskTest, CompletesOnceWhenCancelledTwice)
+{
+    const auto task = make([](WorkTask &self) {
+        while (!self.cancelled())
+            QThread::msleep(1);
+    });
+    queue.addTask(task);
+    task->cancelTask();
+    task->cancelTask();
+    ASSERT_TRUE(waitUntil([this] { return queue.taskCount() == 0; }));
+    task->cancelTask();
+    EXPECT_EQ(ended, 1);
+}
+
 TEST_F(NURVInProcessTaskTest, NeverStartsOnceCancelledWhileWaiting)
 {
     std::atomic<int> runs = 0;

@@ -216,10 +216,117 @@ TEST_F(NURVTaskQueueTest, CancelsEveryJobWithoutStartingAnother)
     EXPECT_EQ(queue->activeTask(), 0);
 }
 
+TEST_F(NURVTaskQueueTest, KeepsToItsLimitInABatchAddedAfterCancelAll)
+{
+    add(100);
+    queue->cancelAllTasks();
+    EXPECT_EQ(queue->activeTask(), 2) << "the two that run to their end";
+    EXPECT_TRUE(services.notifications.isEmpty());
+    EXPECT_EQ(panelCloses, 0);
+    EXPECT_GE(queue->rowOf(*tasks[0]), 0) << "a job that runs keeps its row";
+    tasks.clear();
+    add(10);
+    EXPECT_EQ(started(), QString()) << "no place is free";
+    for (int i = 0; i < 2; ++i)
+        std::static_pointer_cast<HeldTask>(queue->panelArray()[static_cast<std::size_t>(i)])->finish();
+    EXPECT_EQ(started(), u"12");
+}
+
+TEST_F(NURVTaskQueueTest, EndsTheRunWhenEveryCancelledJobWasWaiting)
+{
+    add(3);
+    for (const int i : {0, 1})
+        tasks[static_cast<std::size_t>(i)]->stopTask(); // ended, the queue not told yet
+    queue->cancelAllTasks();
+    EXPECT_EQ(tasks[2]->starts, 0);
+    EXPECT_EQ(queue->taskCount(), 0);
+    EXPECT_EQ(queue->activeTask(), 0);
+    EXPECT_TRUE(queue->panelArray().empty());
+    EXPECT_EQ(services.notifications.size(), 1);
+}
+
+TEST_F(NURVTaskQueueTest, KeepsAFailedJobThatWasAlsoCancelledAfterTheSweep)
+{
+    add(2);
+    tasks[0]->setCancelled(true);
+    tasks[0]->finish(true);
+    tasks[1]->setCancelled(true);
+    tasks[1]->finish();
+    ASSERT_EQ(queue->panelArray().size(), 1U);
+    EXPECT_EQ(queue->panelArray().front(), tasks[0]);
+}
+
+TEST_F(NURVTaskQueueTest, ForgetsTheSleepStepAlsoWhenTheReleaseFails)
+{
+    add(1);
+    services.failsToRelease = true;
+    tasks[0]->finish();
+    EXPECT_FALSE(queue->noSleep());
+    EXPECT_EQ(queue->activeTask(), 0);
+}
+
+TEST_F(NURVTaskQueueTest, CallsTheWindowOfAJobWithoutTitleOutput)
+{
+    const auto task = std::make_shared<HeldTask>(queue.get());
+    queue->addTask(task);
+    task->write(u"text"_s);
+    task->finish();
+    EXPECT_EQ(windows, QStringList{u"Output|text\n"_s});
+}
+
+TEST_F(NURVTaskQueueTest, OpensOneWindowWhenTwoMembersSeeTheSetDone)
+{
+    const auto set = std::make_shared<NURVTaskResults>();
+    add(2);
+    for (const auto &task : tasks) {
+        task->setResults(set);
+        set->addTaskInSet(*task);
+        task->stopTask();
+    }
+    for (const auto &task : tasks)
+        queue->taskCompleted(task);
+    EXPECT_EQ(windows.size(), 1);
+}
+
+TEST_F(NURVTaskQueueTest, IgnoresACompletionThatItHasHadAlready)
+{
+    add(3);
+    tasks[0]->finish();
+    queue->taskCompleted(tasks[0]);
+    EXPECT_EQ(queue->activeTask(), 2);
+}
+
+TEST_F(NURVTaskQueueTest, BringsThePanelToTheFrontForEveryAddedAndEveryStartedJob)
+{
+    int requests = 0;
+    QObject::connect(queue.get(), &NURVTaskQueue::panelRequested, queue.get(), [&] { ++requests; });
+    add(3);
+    EXPECT_EQ(requests, 3);
+    tasks[0]->finish();
+    EXPECT_EQ(requests, 4);
+}
+
+TEST_F(NURVTaskQueueTest, RunsTwentyThousandJobsOfOneSet)
+{
+    const auto set = std::make_shared<NURVTaskResults>();
+    add(20000);
+    for (const auto &task : tasks) {
+        task->setResults(set);
+        set->addTaskInSet(*task);
+    }
+    for (const auto &task : tasks)
+        task->finish();
+    EXPECT_TRUE(set->taskSetDone());
+    EXPECT_EQ(windows.size(), 1);
+}
+
 TEST_F(NURVTaskQueueTest, StartsJobsAgainAfterAllWereCancelled)
 {
     add(3);
+    int resets = 0;
+    QObject::connect(queue.get(), &NURVTaskQueue::rowsReset, queue.get(), [&] { ++resets; });
     queue->killAllTasks();
+    EXPECT_EQ(resets, 1);
     tasks[0]->finish();
     tasks[1]->finish();
     add(2);

@@ -96,6 +96,14 @@ TEST_F(NURVTaskResultsTest, CountsAMemberThatIsGoneAsDone)
     EXPECT_TRUE(set.allTasksDone());
 }
 
+TEST_F(NURVTaskResultsTest, GivesTheReportToOneCallerOnly)
+{
+    EXPECT_FALSE(set.takeReport());
+    set.setTaskSetDone(true);
+    EXPECT_TRUE(set.takeReport());
+    EXPECT_FALSE(set.takeReport());
+}
+
 TEST_F(NURVTaskResultsTest, HandsTheFollowUpJobToOneCallerOnly)
 {
     const auto next = std::make_shared<NURVTask>(nullptr);

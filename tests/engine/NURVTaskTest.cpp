@@ -220,6 +220,24 @@ TEST_F(FollowUp, IsQueuedByTheLastMemberToStop)
     next->finish();
 }
 
+TEST_F(FollowUp, IsQueuedAlsoWhenAMemberFailed)
+{
+    first->finish(true);
+    second->finish();
+    EXPECT_TRUE(waitUntil([this] { return next->starts == 1; }));
+    next->finish();
+}
+
+TEST_F(FollowUp, IsNotQueuedAfterCancelAll)
+{
+    queue.cancelAllTasks();
+    first->finish();
+    second->finish();
+    test::handleWaitingEvents();
+    EXPECT_EQ(next->starts, 0);
+    EXPECT_EQ(queue.taskCount(), 0);
+}
+
 TEST_F(FollowUp, IsNotQueuedWhenItRunsAlready)
 {
     next->startTask();

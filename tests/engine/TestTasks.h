@@ -41,9 +41,15 @@ public:
         assertionReasons.append(reason);
         return assertion;
     }
-    void releaseSleepAssertion(std::uint32_t id) override { released.push_back(id); }
+    void releaseSleepAssertion(std::uint32_t id) override
+    {
+        released.push_back(id);
+        if (failsToRelease)
+            throw std::runtime_error("planted");
+    }
 
     bool failsToSetBadge = false;
+    bool failsToRelease = false;
     bool hasNotifications = true;
     std::optional<std::uint32_t> assertion = 7;
     std::vector<int> badges;
@@ -95,21 +101,35 @@ public:
 
     QStringList chunks;
     QStringList steps; ///< the order of the hooks
+    QString throwingHook; ///< the name of the hook that throws
+    bool parserSetsError = false;
 
 protected:
     void processTaskOutput(const QString &chunk) override
     {
         chunks.append(chunk);
+        if (parserSetsError)
+            setError(true);
+        throwIn(QStringLiteral("processTaskOutput"));
         NURVAsyncNSTask::processTaskOutput(chunk);
     }
     void cleanup() override
     {
         steps.append(QStringLiteral("cleanup, %1").arg(topTextField().text));
         steps.append(isDone() ? QStringLiteral("done") : QStringLiteral("not done"));
+        throwIn(QStringLiteral("cleanup"));
     }
     void finalCleanup() override
     {
         steps.append(QStringLiteral("finalCleanup, %1").arg(topTextField().text));
+        throwIn(QStringLiteral("finalCleanup"));
+    }
+
+private:
+    void throwIn(const QString &hook) const
+    {
+        if (throwingHook == hook)
+            throw std::runtime_error("planted");
     }
 };
 

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdlib>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -162,6 +163,30 @@ TEST(ChildProcess, LeavesNeitherZombiesNorDescriptorsBehind)
     EXPECT_EQ(openDescriptors(), before);
     EXPECT_FALSE(hasChildren());
     EXPECT_EQ(children::runningCount(), 0);
+}
+
+// In a process of its own: the signal's disposition is inherited at its start.
+TEST(ChildProcess, KnowsHowAChildEndedAlthoughItsParentIgnoredSigchld)
+{
+    EXPECT_EXIT(
+        {
+            ::signal(SIGCHLD, SIG_IGN);
+            const ChildResult result = runChild(fake({u"exit=3"_s}));
+            std::_Exit(result.exit && !result.exit->succeeded() ? 42 : 1);
+        },
+        ::testing::ExitedWithCode(42), "");
+}
+
+TEST(ChildProcess, StartsFromAProcessWithoutStandardStreams)
+{
+    EXPECT_EXIT(
+        {
+            for (const int fd : {0, 1, 2})
+                ::close(fd);
+            const ChildResult result = runChild(fake({u"out=a"_s, u"err=b"_s, u"fds"_s}));
+            std::_Exit(result.output == "abfds: 0 1 2\n" ? 42 : 1);
+        },
+        ::testing::ExitedWithCode(42), "");
 }
 
 TEST(RunChild, ReturnsOutputAndExit)

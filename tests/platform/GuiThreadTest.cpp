@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <stdexcept>
 #include <thread>
 #include <vector>
 
@@ -107,6 +108,15 @@ TEST_F(GuiThread, WakesEveryWaiterWhenTheGateCloses)
         worker.join();
     EXPECT_EQ(refused, 8);
     EXPECT_TRUE(runOnGuiThread([] {})) << "the GUI thread itself needs no gate";
+}
+
+TEST_F(GuiThread, WakesTheWorkerWhoseWorkThrew)
+{
+    std::atomic<int> answer = -1;
+    std::thread worker([&] { answer = runOnGuiThread([] { throw std::runtime_error("planted"); }) ? 1 : 0; });
+    EXPECT_TRUE(waitUntil([&] { return answer >= 0; }));
+    worker.join();
+    EXPECT_EQ(answer, 0);
 }
 
 TEST_F(GuiThread, DropsPostedWorkWhenTheGateCloses)
