@@ -3,23 +3,16 @@
 #include "platform/SettingsStore.h"
 
 #include "platform/PlatformLog.h"
-#include "platform/SystemError.h"
 #include "platform/TextNumbers.h"
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
-#include <QSettings>
 #include <QStandardPaths>
 #include <QTimer>
 
-#include <cerrno>
 #include <chrono>
-#include <cstdio>
-
-#include <fcntl.h>
-#include <sys/stat.h>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -28,36 +21,8 @@ namespace nurv {
 namespace {
 
 constexpr std::chrono::milliseconds kSyncDelay{300};
-constexpr qint64 kLargestFile = 4 * 1024 * 1024;
-
-// QSettings reads anything and keeps what looks like a key, so whether the file is
-// an INI file at all is decided here. Returns what is wrong with it.
-std::optional<QString> defectOf(const QString &path)
-{
-    const QFileInfo info(path);
-    if (!info.exists())
-        return std::nullopt;
-    if (!info.isFile())
-        return u"it is no regular file"_s;
-    if (info.size() > kLargestFile)
-        return u"it is too large"_s;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return file.errorString();
-    const QByteArray contents = file.read(kLargestFile);
-    if (contents.contains('\0') || !contents.isValidUtf8())
-        return u"it is no text"_s;
-    int number = 0;
-    for (const QByteArray &rawLine : contents.split('\n')) {
-        ++number;
-        const QByteArray line = rawLine.trimmed();
-        const bool isSection = line.startsWith('[') && line.endsWith(']');
-        if (!line.isEmpty() && !line.startsWith(';') && !line.startsWith('#') && !isSection
-            && line.indexOf('=') <= 0)
-            return u"line %1 is neither a section nor a value"_s.arg(number);
-    }
-    return std::nullopt;
-}
+/// Stored when a file was set aside: a key without a value may have had one.
+const QString kLossMark = u"valuesWereLost"_s;
 
 // An unquoted comma makes a list of a text that somebody typed into the file.
 QString textOf(const QVariant &value)
@@ -134,10 +99,9 @@ std::optional<QVariant> asBytes(const QVariant &value)
 } // namespace
 
 SettingsStore::SettingsStore(const QString &filePath, QObject *parent)
-    : QObject(parent), m_filePath(QDir::current().absoluteFilePath(filePath))
+    : QObject(parent), m_file(QDir::current().absoluteFilePath(filePath))
 {
-    const std::lock_guard lock(m_mutex);
-    load();
+    take(m_file.read());
 }
 
 SettingsStore::~SettingsStore()
@@ -179,6 +143,17 @@ int SettingsStore::integer(const QString &key) const
     return valueOrDefault(key, asInteger).toInt();
 }
 
+std::optional<int> SettingsStore::reliableInteger(const QString &key) const
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        const auto stored = m_values.constFind(key);
+        if (stored == m_values.cend() ? m_valuesMayBeLost : !asInteger(*stored))
+            return std::nullopt;
+    }
+    return integer(key);
+}
+
 bool SettingsStore::boolean(const QString &key) const
 {
     return valueOrDefault(key, asBoolean).toBool();
@@ -204,7 +179,7 @@ QVariant SettingsStore::valueOrDefault(const QString &key,
         if (!m_reported.contains(key)) {
             m_reported.insert(key);
             qCWarning(platformLog).noquote()
-                << m_filePath + u": the value of "_s + key + u" is not of its kind; the default is used"_s;
+                << filePath() + u": the value of "_s + key + u" is not of its kind; the default is used"_s;
         }
     }
     return convert(m_defaults.value(key)).value_or(QVariant());
@@ -230,6 +205,10 @@ void SettingsStore::store(const QString &key, const std::optional<QVariant> &val
         else
             m_values.remove(key);
         if (m_persistence == Persistence::File) {
+            if (value)
+                m_stored.insert(key, *value);
+            else
+                m_stored.remove(key);
             m_pending.insert(key);
             scheduleSync();
         }
@@ -244,10 +223,11 @@ void SettingsStore::store(const QString &key, const std::optional<QVariant> &val
 
 void SettingsStore::setPersistence(Persistence persistence)
 {
-    const std::lock_guard lock(m_mutex);
-    if (m_persistence == Persistence::File && persistence == Persistence::MemoryOnly)
-        writePending();
-    m_persistence = persistence;
+    {
+        const std::lock_guard lock(m_mutex);
+        m_persistence = persistence;
+    }
+    writePending();
 }
 
 SettingsStore::Persistence SettingsStore::persistence() const
@@ -258,16 +238,17 @@ SettingsStore::Persistence SettingsStore::persistence() const
 
 bool SettingsStore::sync()
 {
-    const std::lock_guard lock(m_mutex);
     return writePending();
 }
 
 void SettingsStore::reload()
 {
-    const std::lock_guard lock(m_mutex);
-    m_pending.clear();
-    m_reported.clear();
-    load();
+    const std::lock_guard fileLock(m_fileMutex);
+    {
+        const std::lock_guard lock(m_mutex);
+        m_pending.clear();
+    }
+    take(m_file.read());
 }
 
 void SettingsStore::scheduleSync()
@@ -278,81 +259,88 @@ void SettingsStore::scheduleSync()
     // The timer must start on the store's own thread, whichever thread stored.
     QMetaObject::invokeMethod(
         this, [this] { QTimer::singleShot(kSyncDelay, this, [this] {
-            const std::lock_guard lock(m_mutex);
-            m_syncScheduled = false;
+            {
+                const std::lock_guard lock(m_mutex);
+                m_syncScheduled = false;
+            }
             writePending();
         }); },
         Qt::QueuedConnection);
 }
 
-void SettingsStore::load()
+void SettingsStore::take(const SettingsFile::Contents &contents)
 {
-    m_values.clear();
-    const std::optional<QString> defect = defectOf(m_filePath);
-    if (defect) {
+    using State = SettingsFile::State;
+    if (contents.state == State::Damaged)
         qCWarning(platformLog).noquote()
-            << m_filePath + u" cannot be used, "_s + *defect + u"; the defaults are used"_s;
-        return;
-    }
-    if (!QFileInfo::exists(m_filePath))
-        return;
-    const QSettings file(m_filePath, QSettings::IniFormat);
-    for (const QString &key : file.allKeys())
-        m_values.insert(key, file.value(key));
+            << filePath() + u": "_s + contents.defect + u"; the rest of the file is used"_s;
+    else if (contents.state == State::Unusable || contents.state == State::Inaccessible)
+        qCWarning(platformLog).noquote()
+            << filePath() + u" cannot be used, "_s + contents.defect + u"; the defaults are used"_s;
+    const std::lock_guard lock(m_mutex);
+    m_values = contents.values;
+    m_stored = contents.values;
+    m_reported.clear();
+    m_fileWasRead = contents.state != State::Inaccessible;
+    m_valuesMayBeLost = (contents.state != State::Healthy && contents.state != State::Missing)
+        || contents.values.contains(kLossMark);
 }
 
 bool SettingsStore::writePending()
 {
-    if (m_pending.isEmpty())
+    const std::lock_guard fileLock(m_fileMutex);
+    QSet<QString> pending;
+    {
+        const std::lock_guard lock(m_mutex);
+        pending = std::exchange(m_pending, {});
+    }
+    if (pending.isEmpty())
         return true;
-    const std::optional<QString> failure = tryToWritePending();
+    const std::optional<QString> failure = tryToWrite(pending);
+    if (failure) {
+        const std::lock_guard lock(m_mutex);
+        m_pending += pending;
+    }
     if (failure && !m_writeFailureReported)
-        qCWarning(platformLog).noquote() << m_filePath + u" cannot be written: "_s + *failure;
+        qCWarning(platformLog).noquote() << filePath() + u" cannot be written: "_s + *failure;
     m_writeFailureReported = failure.has_value();
-    if (!failure)
-        m_pending.clear();
     return !failure;
 }
 
-std::optional<QString> SettingsStore::tryToWritePending()
+std::optional<QString> SettingsStore::tryToWrite(const QSet<QString> &pending)
 {
-    errno = 0;
-    if (!QDir().mkpath(QFileInfo(m_filePath).path())
-        || (defectOf(m_filePath) && !keepCorruptFile()))
-        return systemErrorText(errno);
-    // The file exists, empty and private, before any value is in it.
-    (void)QFile(m_filePath).open(QIODevice::WriteOnly | QIODevice::NewOnly,
-                                 QFile::ReadOwner | QFile::WriteOwner);
-    QSettings file(m_filePath, QSettings::IniFormat);
-    for (const QString &key : std::as_const(m_pending)) {
-        if (const auto value = m_values.constFind(key); value != m_values.cend())
-            file.setValue(key, *value);
-        else
-            file.remove(key);
-    }
-    file.sync();
-    if (file.status() != QSettings::NoError)
-        return u"the disk is full or the folder is read-only"_s;
-    if (::chmod(QFile::encodeName(m_filePath).constData(), 0600) != 0)
-        return systemErrorText(errno);
-    return std::nullopt;
-}
-
-bool SettingsStore::keepCorruptFile()
-{
-    const QByteArray from = QFile::encodeName(m_filePath);
-    for (int number = 1; number <= 1000; ++number) {
-        const QByteArray suffix = number == 1 ? QByteArray() : "." + QByteArray::number(number);
-        const QByteArray to = from + ".corrupt" + suffix;
-        if (::renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0) {
-            qCWarning(platformLog).noquote()
-                << m_filePath + u" is kept as "_s + QFile::decodeName(to);
-            return true;
+    using State = SettingsFile::State;
+    const SettingsFile::Contents present = m_file.read();
+    if (present.state == State::Inaccessible)
+        return present.defect;
+    const bool isHealthy = present.state == State::Healthy || present.state == State::Missing;
+    SettingsFile::Changes changes;
+    QVariantMap whole;
+    {
+        const std::lock_guard lock(m_mutex);
+        if (!m_fileWasRead)
+            m_valuesMayBeLost = present.values.contains(kLossMark);
+        if (!isHealthy) {
+            m_valuesMayBeLost = true;
+            m_stored.insert(kLossMark, true);
         }
-        if (errno != EEXIST)
-            return false;
+        whole = m_stored;
+        // What another process has stored meanwhile is newer than what was read.
+        for (auto value = present.values.cbegin(); value != present.values.cend(); ++value) {
+            if (!pending.contains(value.key()))
+                whole.insert(value.key(), value.value());
+            if (!m_fileWasRead && !m_values.contains(value.key()) && !pending.contains(value.key())) {
+                m_values.insert(value.key(), value.value());
+                m_stored.insert(value.key(), value.value());
+            }
+        }
+        m_fileWasRead = true;
+        for (const QString &key : pending) {
+            const auto value = m_stored.constFind(key);
+            changes.insert(key, value == m_stored.cend() ? std::nullopt : std::optional(*value));
+        }
     }
-    return false;
+    return isHealthy ? m_file.change(changes) : m_file.replaceCorrupt(whole);
 }
 
 } // namespace nurv

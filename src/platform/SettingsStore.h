@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/SettingsFile.h"
+
 #include <QByteArray>
 #include <QObject>
 #include <QSet>
@@ -25,8 +27,11 @@ namespace nurv {
 /// under other keys stay. The file is replaced as a whole, never half-written,
 /// and readable by its owner only.
 ///
-/// A file that cannot be read or makes no sense gives the defaults and one line in
-/// the log; it is kept as `<file>.corrupt` when the first value is stored.
+/// Of a file with lines that make no sense the others count; one that is no text
+/// gives the defaults. Either way the log has one line, and when the next value is
+/// stored the file is kept as `<file>.corrupt` and a new one holds every known value
+/// and the mark "valuesWereLost", so that `reliableInteger` stays careful. A file
+/// that cannot even be opened gives the defaults and is left alone.
 ///
 /// Reading and storing are safe from any thread; `changed` is emitted on the
 /// thread that stored the value.
@@ -49,7 +54,7 @@ public:
     /// `nurv/workbench.ini` in the XDG config folder, or what `NURV_SETTINGS` names.
     [[nodiscard]] static QString defaultFilePath();
 
-    [[nodiscard]] QString filePath() const { return m_filePath; }
+    [[nodiscard]] QString filePath() const { return m_file.path(); }
 
     /// Adds to the defaults; a key given again takes the new one.
     void registerDefaults(const QVariantMap &defaults);
@@ -57,6 +62,9 @@ public:
     /// Integers that stand as text read by `leadingInteger`; a text without any
     /// number is not of this kind. A key without value and default gives 0.
     [[nodiscard]] int integer(const QString &key) const;
+    /// The same, for choices that must not be guessed: nothing when a value was or
+    /// may have been stored that cannot be read.
+    [[nodiscard]] std::optional<int> reliableInteger(const QString &key) const;
     /// "true", "yes", "on", numbers other than 0 and their opposites.
     [[nodiscard]] bool boolean(const QString &key) const;
     [[nodiscard]] QString string(const QString &key) const;
@@ -84,23 +92,28 @@ Q_SIGNALS:
     void changed(const QString &key);
 
 private:
-    void load();
+    void take(const SettingsFile::Contents &contents);
     void store(const QString &key, const std::optional<QVariant> &value);
     [[nodiscard]] QVariant valueOrDefault(const QString &key,
                                           std::optional<QVariant> (*convert)(const QVariant &)) const;
     void scheduleSync();
     bool writePending();
-    [[nodiscard]] std::optional<QString> tryToWritePending();
-    bool keepCorruptFile();
+    [[nodiscard]] std::optional<QString> tryToWrite(const QSet<QString> &pending);
 
-    const QString m_filePath;
+    const SettingsFile m_file;
+    /// One thread at a time reads or writes the file. Taken before `m_mutex`, which
+    /// is never held while the disk works: nobody waits for it to read a setting.
+    std::mutex m_fileMutex;
     mutable std::mutex m_mutex;
     QVariantMap m_defaults;
     QVariantMap m_values;
+    QVariantMap m_stored; ///< what belongs into the file: less what stays in memory
     QSet<QString> m_pending; ///< keys whose state in the file is behind
     mutable QSet<QString> m_reported; ///< ill-typed keys that the log has
     Persistence m_persistence = Persistence::File;
-    bool m_writeFailureReported = false;
+    bool m_valuesMayBeLost = false;
+    bool m_fileWasRead = false;
+    bool m_writeFailureReported = false; ///< under m_fileMutex
     bool m_syncScheduled = false;
 };
 
