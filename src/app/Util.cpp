@@ -88,7 +88,9 @@ QString Util::generateTempFileName2(const std::optional<QString> &folder, const 
 
 void Util::deleteFile(const QString &path)
 {
-    if (SettingsStore::instance().integer(u"trashOrDelete"_s) != 0) {
+    // In doubt about the user's choice the file stays recoverable.
+    const std::optional<int> choice = SettingsStore::instance().reliableInteger(u"trashOrDelete"_s);
+    if (!choice || *choice != 0) {
         // Its log line tells why a file has stayed.
         static_cast<void>(moveToTrash(path));
         return;

@@ -22,8 +22,9 @@ public:
     [[nodiscard]] static QString generateTempFileName2(const std::optional<QString> &folder,
                                                        const std::optional<QString> &extension);
     /// Removes one file, or link, as the setting "trashOrDelete" says: 0 for good,
-    /// else into the trash. Reports nothing to the caller; a file that cannot be
-    /// removed stays, with a line in the log. Folders are never deleted for good.
+    /// else into the trash, also when the stored choice cannot be read. Reports
+    /// nothing to the caller; a file that cannot be removed stays, with a line in
+    /// the log. Folders are never deleted for good.
     static void deleteFile(const QString &path);
 };
 

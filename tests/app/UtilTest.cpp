@@ -202,6 +202,14 @@ TEST_F(UtilTest, MovesIntoTheTrashWhenTheUserWantsThat)
     }
 }
 
+TEST_F(UtilTest, MovesIntoTheTrashWhenTheStoredChoiceCannotBeRead)
+{
+    const test::SettingForTest unreadable(u"trashOrDelete"_s, u"perhaps"_s);
+    Util::deleteFile(folder.write(u"in doubt.flac"_s, "music"));
+    EXPECT_FALSE(folder.exists(u"in doubt.flac"_s));
+    EXPECT_TRUE(filesInTrash().contains(u"in doubt.flac"_s));
+}
+
 TEST_F(UtilTest, RemovesALinkAndNotWhatItNames)
 {
     const QString original = folder.write(u"a.flac"_s, "music");
