@@ -9,7 +9,6 @@
 #include "platform/ResourceFolder.h"
 #include "platform/SettingsStore.h"
 
-#include <QDir>
 #include <QTimer>
 
 #include <algorithm>
@@ -45,7 +44,7 @@ FileIntake BaseTab::collect(const QStringList &paths) const
     const FileTest isValid = [this](const QString &path) { return m_controller.isValidFile(m_label, path); };
     FileIntake intake;
     for (const QString &given : paths) {
-        const QString path = QDir::current().absoluteFilePath(given);
+        const QString path = absolutePath(given);
         if (isFolder(path))
             collectFiles(path, isValid, intake);
         else if (isValid(path))

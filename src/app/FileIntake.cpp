@@ -6,7 +6,9 @@
 #include "app/PathNames.h"
 #include "platform/FileNames.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <algorithm>
 #include <cerrno>
@@ -37,11 +39,15 @@ public:
         const QByteArray name = QFile::encodeName(path);
         struct stat facts = {};
         if (::stat(name.constData(), &facts) != 0) {
-            if (errno == EACCES && !m_ancestors.empty())
+            if (errno == ENOENT || m_ancestors.empty())
+                takeFile(path);
+            else if (errno == EACCES && !canLookInto(folderOf(path)))
                 return false;
-            takeFile(path);
+            else
+                m_intake.unreachableFiles.append(path);
         } else if (!S_ISDIR(facts.st_mode)) {
-            takeFile(path);
+            if (S_ISREG(facts.st_mode) || m_ancestors.empty())
+                takeFile(path);
         } else if (mayEnter(name, {facts.st_dev, facts.st_ino})) {
             m_ancestors.emplace_back(facts.st_dev, facts.st_ino);
             visitEntries(path);
@@ -51,6 +57,12 @@ public:
     }
 
 private:
+    static bool canLookInto(const QString &folder)
+    {
+        struct stat facts = {};
+        return ::stat(QFile::encodeName(joinPath(folder, u"."_s)).constData(), &facts) == 0;
+    }
+
     bool mayEnter(const QByteArray &name, const FolderIdentity &folder)
     {
         if (std::find(m_ancestors.begin(), m_ancestors.end(), folder) != m_ancestors.end())
@@ -118,6 +130,17 @@ bool isFolder(const QString &path)
     return ::stat(QFile::encodeName(path).constData(), &facts) == 0 && S_ISDIR(facts.st_mode);
 }
 
+QString absolutePath(const QString &name)
+{
+    // Joined by hand: the library takes a leading colon for a path of its own.
+    const QString path = joinPath(name.startsWith(u'/') ? QString() : QDir::currentPath(), name);
+    const qsizetype up = path.endsWith(u"/.."_s) ? path.size() - 3 : path.lastIndexOf(u"/../"_s);
+    if (up < 0)
+        return QDir::cleanPath(path);
+    const QString folder = QFileInfo(path.left(up + 3)).canonicalFilePath();
+    return folder.isEmpty() ? path : QDir::cleanPath(joinPath(folder, path.mid(up + 3)));
+}
+
 void collectFiles(const QString &path, const FileTest &isValid, FileIntake &intake)
 {
     FolderWalk(isValid, intake).visit(path);
@@ -128,6 +151,7 @@ std::optional<Alert> unreadableAlert(const FileIntake &intake)
     Alert alert{.title = u"Some files could not be read and were skipped"_s, .message = {}, .buttons = {u"OK"_s}};
     appendNames(alert.message, u"File names that are not valid UTF-8:"_s, intake.unreadableNames);
     appendNames(alert.message, u"Folders that cannot be read:"_s, intake.unreadableFolders);
+    appendNames(alert.message, u"Files that cannot be reached:"_s, intake.unreachableFiles);
     return alert.message.isEmpty() ? std::nullopt : std::optional(alert);
 }
 

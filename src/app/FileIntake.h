@@ -19,6 +19,7 @@ struct FileIntake {
     QSet<QString> badExtensions;   ///< extensions of refused files, as written
     QStringList unreadableNames;   ///< paths whose names are no valid UTF-8, made printable
     QStringList unreadableFolders; ///< folders that could not be listed to their end
+    QStringList unreachableFiles;  ///< entries that could not even be looked at
 };
 
 /// Whether a file is one of interest.
@@ -29,6 +30,11 @@ using FileTest = std::function<bool(const QString &path)>;
 
 /// Whether the path exists and is a folder, or a link to one.
 [[nodiscard]] bool isFolder(const QString &path);
+
+/// The absolute path of a name relative to the current folder, without "." and "..",
+/// and with one slash between its parts: one file, one path. Links in it stay, but
+/// for what stands before a "..", which the system follows too.
+[[nodiscard]] QString absolutePath(const QString &name);
 
 /// Every file at or under `path` that passes `isValid`, less the skipped names, in
 /// the file system's order. Follows symbolic links, but never into a folder that it

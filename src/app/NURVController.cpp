@@ -9,8 +9,6 @@
 #include "platform/CoreAudioHelper.h"
 #include "platform/SettingsStore.h"
 
-#include <QDir>
-
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -146,7 +144,7 @@ FileIntake NURVController::collect(const QString &label, const QStringList &path
     const FileTest isAny = [](const QString &) { return true; };
     FileIntake found;
     for (const QString &path : paths)
-        collectFiles(QDir::current().absoluteFilePath(path), isAny, found);
+        collectFiles(absolutePath(path), isAny, found);
     const BaseTab *const page = tab(label);
     if (!page)
         return found;
@@ -155,6 +153,7 @@ FileIntake NURVController::collect(const QString &label, const QStringList &path
     FileIntake intake = page->collect(found.accepted);
     intake.unreadableNames += found.unreadableNames;
     intake.unreadableFolders += found.unreadableFolders;
+    intake.unreachableFiles += found.unreachableFiles;
     return intake;
 }
 

@@ -4,9 +4,7 @@
 
 #include "platform/FileNames.h"
 
-#include <QDir>
 #include <QFile>
-#include <QFileInfo>
 
 #include <optional>
 
@@ -42,20 +40,6 @@ std::optional<QString> obstacle(const QByteArray &path, bool &isFolder)
 
 } // namespace
 
-QString absolutePath(const QString &name)
-{
-    // Joined by hand: the library takes a leading colon for a path of its own.
-    const QString path = name.startsWith(u'/') ? name : QDir::currentPath() + u'/' + name;
-    const qsizetype up = path.lastIndexOf(u"/.."_s);
-    if (up < 0)
-        return QDir::cleanPath(path);
-    const qsizetype rest = up + 3;
-    if (rest < path.size() && path[rest] != u'/')
-        return path;
-    const QString folder = QFileInfo(path.left(rest)).canonicalFilePath();
-    return folder.isEmpty() ? path : QDir::cleanPath(folder + u'/' + path.mid(rest));
-}
-
 InputFiles collectInput(const QList<QByteArray> &arguments, const FileTest &isValid)
 {
     InputFiles result;
@@ -85,10 +69,13 @@ InputFiles collectInput(const QList<QByteArray> &arguments, const FileTest &isVa
         result.refusals.append(u"%1: the name is not valid UTF-8"_s.arg(name));
     for (const QString &folder : std::as_const(result.intake.unreadableFolders))
         result.refusals.append(u"%1: the folder cannot be read"_s.arg(folder));
+    for (const QString &file : std::as_const(result.intake.unreachableFiles))
+        result.refusals.append(u"%1: the file cannot be reached"_s.arg(file));
     // Told above by their names; the tab would tell the kinds alone.
     result.intake.badExtensions.clear();
     result.intake.unreadableNames.clear();
     result.intake.unreadableFolders.clear();
+    result.intake.unreachableFiles.clear();
     return result;
 }
 

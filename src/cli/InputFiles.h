@@ -22,8 +22,4 @@ struct InputFiles {
 /// dropped on a window are. Blocks; reads the head of some files.
 [[nodiscard]] InputFiles collectInput(const QList<QByteArray> &arguments, const FileTest &isValid);
 
-/// The absolute path of a name given on the command line. Links are kept, except
-/// in front of "..", where the text alone would lead elsewhere.
-[[nodiscard]] QString absolutePath(const QString &name);
-
 } // namespace nurv

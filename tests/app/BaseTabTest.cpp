@@ -69,6 +69,16 @@ TEST_F(BaseTabTest, KeepsOneEntryOfAFileAddedTwice)
     EXPECT_THAT(decode.fileNames(), ElementsAre(path));
 }
 
+TEST_F(BaseTabTest, KeepsOneEntryOfAFileThatIsWrittenInTwoWays)
+{
+    const QString path = folder.write(u"disc/a.flac"_s, "x");
+    const QStringList ways{path, folder.path(u"disc//a.flac"_s), folder.path(u"./disc/../disc/a.flac"_s)};
+    decode.addFiles(ways);
+    EXPECT_THAT(decode.fileNames(), ElementsAre(path));
+    application.controller.addFiles(ways);
+    EXPECT_THAT(decode.fileNames(), ElementsAre(path));
+}
+
 TEST_F(BaseTabTest, AnnouncesAFileOnlyWhenItIsNew)
 {
     int changes = 0;

@@ -6,6 +6,7 @@
 #include "app/RawNamedFile.h"
 #include "support/TestFolder.h"
 
+#include <QDir>
 #include <QFile>
 
 #include <gmock/gmock.h>
@@ -22,6 +23,7 @@ using namespace Qt::StringLiterals;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::UnorderedElementsAre;
+using ::testing::UnorderedElementsAreArray;
 
 namespace nurv {
 
@@ -122,8 +124,9 @@ TEST(FileIntake, EndsOnLinksThatLeadBack)
     folder.makeLink(u"a/b/up"_s, folder.path());
     folder.makeLink(u"a/b/circle"_s, folder.path(u"a/b/circle"_s));
     const FileIntake intake = collectedFrom(folder.path());
-    EXPECT_THAT(intake.accepted, UnorderedElementsAre(file, folder.path(u"a/b/circle"_s)));
+    EXPECT_THAT(intake.accepted, ElementsAre(file));
     EXPECT_THAT(intake.unreadableFolders, IsEmpty());
+    EXPECT_THAT(intake.unreachableFiles, ElementsAre(folder.path(u"a/b/circle"_s)));
 }
 
 TEST(FileIntake, EndsSoonWhereManyFoldersLinkToEachOther)
@@ -189,6 +192,38 @@ TEST(FileIntake, NamesFoldersThatCannotBeListed)
     EXPECT_THAT(intake.unreadableFolders, ElementsAre(folder.path(u"locked"_s)));
 }
 
+TEST(FileIntake, GoesOnBehindAnEntryThatCannotBeReached)
+{
+    const test::TestFolder folder;
+    const test::TestFolder elsewhere;
+    elsewhere.write(u"locked/x.flac"_s, "x");
+    QStringList files;
+    for (int number = 0; number < 20; ++number) {
+        files.append(folder.write(u"%1.flac"_s.arg(number), "x"));
+        folder.makeLink(u"link %1.flac"_s.arg(number), elsewhere.path(u"locked/x.flac"_s));
+    }
+    folder.makeLink(u"endless.flac"_s, folder.path(u"endless.flac"_s));
+    folder.makeLink(u"long.flac"_s, u'/' + QString(300, u'n'));
+    const LockedFolder locked(elsewhere.path(u"locked"_s), 0);
+    const BoundByModes bound;
+    const FileIntake intake = collectedFrom(folder.path());
+    EXPECT_THAT(intake.accepted, UnorderedElementsAreArray(files));
+    EXPECT_EQ(intake.unreachableFiles.size(), 22);
+    EXPECT_TRUE(intake.unreachableFiles.contains(folder.path(u"long.flac"_s)));
+    EXPECT_THAT(intake.unreadableFolders, IsEmpty());
+}
+
+TEST(FileIntake, TakesOnlyRegularFilesFromFolders)
+{
+    const test::TestFolder folder;
+    const QString file = folder.write(u"a.flac"_s, "x");
+    const QString gone = folder.makeLink(u"broken.flac"_s, folder.path(u"gone"_s));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(folder.path(u"pipe.flac"_s)).constData(), 0600), 0);
+    folder.makeLink(u"device.flac"_s, u"/dev/null"_s);
+    EXPECT_THAT(collectedFrom(folder.path()).accepted, UnorderedElementsAre(file, gone));
+    EXPECT_THAT(collectedFrom(folder.path(u"pipe.flac"_s)).accepted, ElementsAre(folder.path(u"pipe.flac"_s)));
+}
+
 TEST(FileIntake, NamesFoldersThatShowNamesOnly)
 {
     const test::TestFolder folder;
@@ -198,6 +233,30 @@ TEST(FileIntake, NamesFoldersThatShowNamesOnly)
     const FileIntake intake = collectedFrom(folder.path());
     EXPECT_THAT(intake.accepted, IsEmpty());
     EXPECT_THAT(intake.unreadableFolders, ElementsAre(folder.path(u"names only"_s)));
+}
+
+TEST(AbsolutePath, GivesOnePathToOneFile)
+{
+    const QString here = QDir::currentPath();
+    const QString expected = here + u"/x.wav"_s;
+    for (const QString &name : {u"x.wav"_s, u"./x.wav"_s, u".//./x.wav"_s, here + u"//x.wav"_s, here + u"/./x.wav"_s})
+        EXPECT_EQ(absolutePath(name), expected);
+    EXPECT_EQ(absolutePath(u"/music//a/"_s), u"/music/a"_s);
+    EXPECT_EQ(absolutePath(u"/"_s), u"/"_s);
+    EXPECT_EQ(absolutePath(u":/x.wav"_s), here + u"/:/x.wav"_s);
+}
+
+TEST(AbsolutePath, KeepsLinksButLeadsUpFromWhatTheyName)
+{
+    const test::TestFolder folder;
+    const QString file = folder.write(u"far/disc/x.wav"_s, "x");
+    folder.write(u"x.wav"_s, "x");
+    folder.makeLink(u"link"_s, folder.path(u"far/disc"_s));
+    EXPECT_EQ(absolutePath(folder.path(u"link/./x.wav"_s)), folder.path(u"link/x.wav"_s));
+    EXPECT_EQ(absolutePath(folder.path(u"far/../x.wav"_s)), folder.path(u"x.wav"_s));
+    EXPECT_EQ(absolutePath(folder.path(u"link/../disc/x.wav"_s)), file);
+    EXPECT_EQ(absolutePath(folder.path(u"link/.."_s)), folder.path(u"far"_s));
+    EXPECT_EQ(absolutePath(folder.path(u"far/..//..hidden.wav"_s)), folder.path(u"..hidden.wav"_s));
 }
 
 TEST(UnreadableAlert, SaysNothingWithoutNeed)
@@ -213,11 +272,13 @@ TEST(UnreadableAlert, NamesFilesAndFolders)
     FileIntake intake;
     intake.unreadableNames = {u"/m/caf\\xE9.flac"_s};
     intake.unreadableFolders = {u"/m/locked"_s, u"/m/gone"_s};
+    intake.unreachableFiles = {u"/m/far.flac"_s};
     const std::optional<Alert> alert = unreadableAlert(intake);
     ASSERT_TRUE(alert.has_value());
     EXPECT_EQ(alert->title, u"Some files could not be read and were skipped"_s);
     EXPECT_EQ(alert->message,
-              u"File names that are not valid UTF-8:\n/m/caf\\xE9.flac\n\nFolders that cannot be read:\n/m/locked\n/m/gone"_s);
+              u"File names that are not valid UTF-8:\n/m/caf\\xE9.flac\n\nFolders that cannot be read:\n/m/locked\n/m/gone"
+              "\n\nFiles that cannot be reached:\n/m/far.flac"_s);
     EXPECT_THAT(alert->buttons, ElementsAre(u"OK"_s));
 }
 
