@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <string_view>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -83,6 +84,32 @@ int copyRange(int source, std::int64_t offset, std::int64_t length, int target, 
         length -= static_cast<std::int64_t>(got);
     }
     return 0;
+}
+
+/// New bytes in the place of old ones; either may be the longer.
+struct Overwrite {
+    std::int64_t start = 0;
+    std::string_view newBytes;
+    std::string oldBytes;
+};
+
+/// Leaves out what is the same at both ends: bytes that are not written cannot be
+/// lost, and blocks that TagLib only repeats stay untouched.
+Overwrite differingPart(Overwrite whole)
+{
+    const auto same = std::mismatch(whole.newBytes.begin(), whole.newBytes.end(), whole.oldBytes.begin(),
+                                    whole.oldBytes.end());
+    const auto head = static_cast<std::size_t>(same.first - whole.newBytes.begin());
+    whole.start += static_cast<std::int64_t>(head);
+    whole.newBytes.remove_prefix(head);
+    whole.oldBytes.erase(0, head);
+    if (whole.newBytes.size() != whole.oldBytes.size())
+        return whole;
+    const auto sameEnd = std::mismatch(whole.newBytes.rbegin(), whole.newBytes.rend(), whole.oldBytes.rbegin());
+    const auto tail = static_cast<std::size_t>(sameEnd.first - whole.newBytes.rbegin());
+    whole.newBytes.remove_suffix(tail);
+    whole.oldBytes.resize(whole.oldBytes.size() - tail);
+    return whole;
 }
 
 /// Gives the replacement what the file carries besides its bytes. What may not be
@@ -299,33 +326,32 @@ std::optional<QString> TagEditStream::commitInPlace()
             return systemErrorText(error);
         }
     }
-    // What is about to go, so that it can come back.
-    std::vector<std::pair<std::int64_t, std::string>> oldBytes;
-    const auto keepOld = [&](std::int64_t start, std::int64_t end, int &error) {
-        end = std::min(end, m_fileLength);
-        if (start >= end)
-            return;
-        std::string bytes(static_cast<std::size_t>(end - start), '\0');
-        if (readFully(file, bytes.data(), bytes.size(), start, error) == bytes.size())
-            oldBytes.emplace_back(start, std::move(bytes));
-        else if (error == 0)
-            error = EIO;
-    };
     int error = 0;
+    // What is about to go, so that it can come back.
+    const auto oldBytesOf = [&](std::int64_t start, std::int64_t end) {
+        const std::int64_t length = std::max<std::int64_t>(0, std::min(end, m_fileLength) - start);
+        std::string bytes(static_cast<std::size_t>(length), '\0');
+        if (readFully(file, bytes.data(), bytes.size(), start, error) < bytes.size() && error == 0)
+            error = EIO;
+        return bytes;
+    };
+    std::vector<Overwrite> overwrites;
     std::int64_t pieceStart = 0;
     for (const Piece &piece : m_pieces) {
         if (piece.isNew)
-            keepOld(pieceStart, pieceStart + piece.length, error);
+            overwrites.push_back(differingPart({.start = pieceStart,
+                                                .newBytes = std::string_view(m_newBytes).substr(
+                                                    static_cast<std::size_t>(piece.offset),
+                                                    static_cast<std::size_t>(piece.length)),
+                                                .oldBytes = oldBytesOf(pieceStart, pieceStart + piece.length)}));
         pieceStart += piece.length;
     }
-    keepOld(m_length, m_fileLength, error);
+    if (growth < 0)
+        overwrites.push_back({.start = m_length, .newBytes = {}, .oldBytes = oldBytesOf(m_length, m_fileLength)});
 
-    pieceStart = 0;
-    for (const Piece &piece : m_pieces) {
-        if (piece.isNew && error == 0)
-            error =
-                writeFully(file, m_newBytes.data() + piece.offset, static_cast<std::size_t>(piece.length), pieceStart);
-        pieceStart += piece.length;
+    for (const Overwrite &overwrite : overwrites) {
+        if (error == 0)
+            error = writeFully(file, overwrite.newBytes.data(), overwrite.newBytes.size(), overwrite.start);
     }
     if (error == 0 && growth < 0 && ::ftruncate(file, m_length) != 0)
         error = errno;
@@ -333,8 +359,8 @@ std::optional<QString> TagEditStream::commitInPlace()
         error = errno;
     if (error == 0)
         return std::nullopt;
-    for (const auto &[start, bytes] : oldBytes)
-        static_cast<void>(writeFully(file, bytes.data(), bytes.size(), start));
+    for (const Overwrite &overwrite : overwrites)
+        static_cast<void>(writeFully(file, overwrite.oldBytes.data(), overwrite.oldBytes.size(), overwrite.start));
     static_cast<void>(::ftruncate(file, m_fileLength));
     return systemErrorText(error);
 }

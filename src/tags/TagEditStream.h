@@ -20,7 +20,7 @@ namespace nurv {
 ///
 ///     TagLib ──> pieces: [of the file] [new bytes] [of the file] ... ──commit──> file
 ///
-/// A commit either overwrites and appends bytes in place, when no byte of the file
+/// A commit either overwrites the bytes that differ and appends in place, when no byte of the file
 /// that is kept has to move and the room for growth could be reserved; or it writes
 /// the new file beside the old one, flushes it and renames it over, with mode, owner
 /// and extended attributes kept. So a full disk, a failing disk or a crash costs

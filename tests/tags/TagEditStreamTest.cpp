@@ -201,6 +201,33 @@ TEST(TagEditStream, EditsInPlaceWhenNoKeptByteMoves)
     EXPECT_EQ(inodeOf(path), inode);
 }
 
+TEST(TagEditStream, WritesInPlaceOnlyWhatDiffers)
+{
+    const TestFolder folder;
+    const QString path = folder.write(u"a"_s, QByteArray());
+    constexpr qsizetype kSize = 1 << 20;
+    ASSERT_TRUE(QFile::resize(path, kSize)); // a hole: whatever is written takes room
+    const auto blocksUsed = [&path] {
+        struct stat info = {};
+        EXPECT_EQ(::stat(QFile::encodeName(path).constData(), &info), 0);
+        return info.st_blocks;
+    };
+    ASSERT_EQ(blocksUsed(), 0);
+    QByteArray edited(kSize, '\0');
+    const auto commitEdited = [&] {
+        TagEditStream stream(path, Access::Edit);
+        stream.writeBlock(bytes(edited));
+        return stream.commit();
+    };
+    EXPECT_EQ(commitEdited(), std::nullopt);
+    EXPECT_EQ(blocksUsed(), 0);
+    edited[kSize / 2] = 'x';
+    EXPECT_EQ(commitEdited(), std::nullopt);
+    EXPECT_EQ(folder.read(u"a"_s), edited);
+    EXPECT_GT(blocksUsed(), 0);
+    EXPECT_LT(blocksUsed(), kSize / 512 / 4);
+}
+
 TEST(TagEditStream, ReplacesTheFileWithItsModeAndAttributesWhenBytesMove)
 {
     const TestFolder folder;
@@ -255,6 +282,28 @@ TEST(TagEditStream, LeavesTheFileAsItWasWhenTheDiskIsFull)
         EXPECT_EQ(folder.read(u"a"_s), before) << place;
         EXPECT_EQ(folder.list(), QStringList{u"a"_s}) << place;
     }
+}
+
+TEST(TagEditStream, TakesTheFirstWriteBackWhenTheSecondFails)
+{
+    const TestFolder folder;
+    const QByteArray before(100'000, 'o');
+    const QString path = folder.write(u"a"_s, before);
+    const ino_t inode = inodeOf(path);
+    TagEditStream stream(path, Access::Edit);
+    stream.seek(10);
+    stream.writeBlock(bytes("first"));
+    stream.seek(90'000);
+    stream.writeBlock(bytes("second"));
+    {
+        const FileSizeLimit limit(50'000);
+        EXPECT_EQ(stream.commit(), u"File too large"_s);
+    }
+    EXPECT_EQ(folder.read(u"a"_s), before);
+    EXPECT_EQ(inodeOf(path), inode);
+    // Nothing but the second write was in the way.
+    EXPECT_EQ(stream.commit(), std::nullopt);
+    EXPECT_EQ(folder.read(u"a"_s).mid(10, 6), QByteArray("firsto"));
 }
 
 TEST(TagEditStream, RefusesToCommitAfterAFailedRead)
