@@ -129,16 +129,24 @@ QString nameInTrash(const QString &name, int attempt)
     return attempt == 1 ? shortened : shortened + u'.' + QString::number(attempt);
 }
 
+// A file may lie in the trash without its info file; its name is taken, too.
+bool renameWhereNothingIs(const QByteArray &from, const QByteArray &to)
+{
+    struct stat present = {};
+    if (::lstat(to.constData(), &present) == 0) {
+        errno = EEXIST;
+        return false;
+    }
+    return ::rename(from.constData(), to.constData()) == 0;
+}
+
 // The info file has reserved the name, so the plain rename is safe where the file
 // system knows no other.
 bool renameWithoutReplacing(const QByteArray &from, const QByteArray &to)
 {
     if (::renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0)
         return true;
-    struct stat present = {};
-    if ((errno != EINVAL && errno != ENOSYS) || ::lstat(to.constData(), &present) == 0)
-        return false;
-    return ::rename(from.constData(), to.constData()) == 0;
+    return (errno == EINVAL || errno == ENOSYS) && renameWhereNothingIs(from, to);
 }
 
 bool writeInfo(FileDescriptor file, const QByteArray &info)

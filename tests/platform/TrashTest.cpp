@@ -12,12 +12,32 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 
+#include <cerrno>
+
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using nurv::moveToTrash;
 using nurv::test::TestFolder;
+
+namespace {
+
+bool g_replacingOnly = false;
+
+}
+
+// Stands before the system's: some file systems know no such flag, and none of
+// them is at hand here.
+extern "C" int renameat2(int fromFolder, const char *from, int toFolder, const char *to, unsigned int flags) noexcept
+{
+    if (g_replacingOnly && flags != 0) {
+        errno = EINVAL;
+        return -1;
+    }
+    return static_cast<int>(::syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags));
+}
 
 namespace {
 
@@ -80,6 +100,24 @@ TEST(Trash, KeepsEveryFileOfTheSameName)
     EXPECT_EQ(folder.read(u"data/Trash/files/a.wav.2"_s), QByteArray("2"));
     EXPECT_EQ(folder.read(u"data/Trash/files/a.wav.3"_s), QByteArray("3"));
     EXPECT_TRUE(folder.read(u"data/Trash/info/a.wav.3.trashinfo"_s).contains("/a.wav\n"));
+}
+
+TEST(Trash, LeavesAStrayFileAloneOnFileSystemsThatCanOnlyReplace)
+{
+    const TestFolder folder;
+    const DataHome home(folder.path(u"data"_s));
+    folder.write(u"data/Trash/files/a.wav"_s, "stray");
+    g_replacingOnly = true;
+    const bool moved = moveToTrash(folder.write(u"a.wav"_s, "1"));
+    const bool movedAnother = moveToTrash(folder.write(u"b.wav"_s, "2"));
+    g_replacingOnly = false;
+    EXPECT_TRUE(moved);
+    EXPECT_TRUE(movedAnother);
+    EXPECT_EQ(folder.list(),
+              (QStringList{u"data/Trash/files/a.wav"_s, u"data/Trash/files/a.wav.2"_s, u"data/Trash/files/b.wav"_s,
+                           u"data/Trash/info/a.wav.2.trashinfo"_s, u"data/Trash/info/b.wav.trashinfo"_s}));
+    EXPECT_EQ(folder.read(u"data/Trash/files/a.wav"_s), QByteArray("stray"));
+    EXPECT_EQ(folder.read(u"data/Trash/files/a.wav.2"_s), QByteArray("1"));
 }
 
 TEST(Trash, TakesALinkItselfAndAFolderWhole)
