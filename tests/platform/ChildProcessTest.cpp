@@ -8,6 +8,7 @@
 
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
 
 #include <gtest/gtest.h>
 
@@ -46,6 +47,15 @@ qsizetype openDescriptors()
 bool hasChildren()
 {
     return ::waitpid(-1, nullptr, WNOHANG) != -1;
+}
+
+// Whether a process that is not our child is gone, or waits only for its parent.
+bool hasEnded(pid_t pid)
+{
+    if (::kill(pid, 0) != 0 && errno == ESRCH)
+        return true;
+    QFile status(u"/proc/%1/stat"_s.arg(pid));
+    return status.open(QIODevice::ReadOnly) && status.readAll().contains(") Z ");
 }
 
 struct Recorder {
@@ -127,9 +137,14 @@ TEST(ChildProcess, TerminatesTheWholeProcessGroup)
     Recorder child;
     ASSERT_EQ(child.process.start(fake({u"grandchild=60000"_s, u"hang"_s})), std::nullopt);
     ASSERT_TRUE(waitUntil([&] { return child.output.contains('\n'); }));
+    bool isNumber = false;
+    const pid_t grandchild = child.output.trimmed().split(' ').last().toInt(&isNumber);
+    ASSERT_TRUE(isNumber) << child.output.constData();
+    ASSERT_FALSE(hasEnded(grandchild));
     child.process.terminate();
     ASSERT_TRUE(waitUntil([&] { return child.finishes > 0; }));
     EXPECT_EQ(child.process.exitState()->signal, SIGTERM);
+    EXPECT_TRUE(waitUntil([&] { return hasEnded(grandchild); }));
 }
 
 TEST(ChildProcess, KillsWhatIgnoresTermination)
