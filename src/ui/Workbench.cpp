@@ -92,7 +92,8 @@ void Workbench::quit()
         return;
     m_controller->applicationWillTerminate();
     shutDown(m_controller->taskQueue());
-    QApplication::quit();
+    // Not quit(), which asks every window whether it may close.
+    QApplication::exit(0);
 }
 
 } // namespace nurv
