@@ -21,6 +21,8 @@ target_include_directories(nurv_options INTERFACE "${CMAKE_SOURCE_DIR}/src")
 if(NURV_SANITIZE)
   add_compile_options(-fsanitize=${NURV_SANITIZE} -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${NURV_SANITIZE})
+  # Optimised builds check Qt's own assertions, too.
+  add_compile_definitions(QT_FORCE_ASSERTS)
   if(NURV_SANITIZE MATCHES "undefined")
     add_compile_options(-fno-sanitize-recover=undefined)
   endif()
