@@ -66,6 +66,7 @@ void ConversionTask::copyTags(const std::function<void()> &copy)
     } catch (const NurvFailure &failure) {
         qCWarning(convertLog).noquote() << "Tags not copied:" << fileName() << "->" << outputFile() << ':'
                                         << failure.reason();
+        m_sourceHasTheOnlyTags = true;
     }
 }
 
@@ -75,6 +76,10 @@ void ConversionTask::deleteSourceIfDone()
         return;
     if (isSameFile(m_fileName, outputFile())) {
         qCWarning(convertLog).noquote() << "Kept, since it is the output itself:" << m_fileName;
+        return;
+    }
+    if (m_sourceHasTheOnlyTags) {
+        qCWarning(convertLog).noquote() << "Kept, since only it has the tags:" << m_fileName;
         return;
     }
     Util::deleteFile(m_fileName);

@@ -41,7 +41,8 @@ protected:
     /// the output then stays without tags and the job's state stays as it is.
     void copyTags(const std::function<void()> &copy);
     /// Deletes the source if that was asked for and the job succeeded. A source that
-    /// is the output itself stays: it is the only copy.
+    /// is the output itself, or whose tags could not be copied, stays: it is the only
+    /// copy. The log says so.
     void deleteSourceIfDone();
     /// Lets go of the result set unless the job failed: nothing is to be reported.
     void dropResultsUnlessFailed();
@@ -49,6 +50,7 @@ protected:
 private:
     QString m_fileName;
     bool m_deleteOriginal = false;
+    bool m_sourceHasTheOnlyTags = false;
 };
 
 } // namespace nurv

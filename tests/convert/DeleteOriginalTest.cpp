@@ -98,6 +98,27 @@ TEST_F(DeleteOriginalTest, KeepsASourceThatWasEncodedInPlace)
     EXPECT_EQ(log.with(u"Kept"_s).size(), 1);
 }
 
+TEST_F(DeleteOriginalTest, KeepsASourceWhoseTagsCouldNotBeCopied)
+{
+    const QString aiff = test::writeAiff(folder.path(u"a.aiff"_s));
+    EncodeTab tab(controller);
+    tab.deleteOriginalsButton.setOn(true);
+    {
+        const test::LogLines log;
+        tools.addFake(u"flac"_s, "create=@-1"); // succeeds with a file that takes no tags
+        run(tab, {aiff});
+        EXPECT_FALSE(endedTasks.at(0)->error());
+        EXPECT_EQ(folder.list(), QStringList{u"a.aiff"_s});
+        EXPECT_EQ(log.with(u"Kept, since only it has the tags: "_s + aiff).size(), 1);
+    }
+    out.remove(u"a.flac"_s);
+    ASSERT_TRUE(QFile::remove(tools.path(u"flac"_s)));
+    tools.addReal(u"flac"_s);
+    run(tab, {aiff});
+    EXPECT_EQ(folder.list(), QStringList());
+    EXPECT_EQ(out.list(), QStringList{u"a.flac"_s});
+}
+
 TEST_F(DeleteOriginalTest, MovesTheSourceToTheTrashWhenTheSettingSaysSo)
 {
     set(u"trashOrDelete", 1);
