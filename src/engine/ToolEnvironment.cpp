@@ -2,11 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/ToolEnvironment.h"
 
+#include "platform/ProcessEnvironment.h"
 #include "platform/ResourceFolder.h"
-
-#include <QFile>
-
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -21,13 +18,7 @@ constexpr QStringView kDefaultPath = u"/usr/local/bin:/usr/bin:/bin";
 
 ChildEnvironment toolEnvironment()
 {
-    ChildEnvironment result;
-    for (char **entry = environ; entry && *entry; ++entry) {
-        const QByteArray text(*entry);
-        const qsizetype equals = text.indexOf('=');
-        if (equals > 0)
-            result.insert(QFile::decodeName(text.left(equals)), QFile::decodeName(text.mid(equals + 1)));
-    }
+    ChildEnvironment result = processEnvironment();
     appendToPATH(result, pathToCommandLineTools());
     return result;
 }

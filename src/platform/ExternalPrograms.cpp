@@ -3,11 +3,11 @@
 #include "platform/ExternalPrograms.h"
 
 #include "platform/ChildProcess.h"
+#include "platform/ProcessEnvironment.h"
 #include "platform/RegularExpression.h"
 #include "platform/ResourceFolder.h"
 
 #include <QFileInfo>
-#include <QProcessEnvironment>
 
 #include <algorithm>
 
@@ -82,9 +82,7 @@ ProgramStatus checkProgram(const ExternalProgram &program)
     ChildCommand command;
     command.launchPath = status.path;
     command.arguments = program.versionArguments;
-    const QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const QString &variable : environment.keys())
-        command.environment.insert(variable, environment.value(variable));
+    command.environment = processEnvironment();
     const ChildResult result = runChild(command);
     if (!result.exit)
         return status;

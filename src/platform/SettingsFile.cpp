@@ -145,10 +145,9 @@ QVariantMap allValues(const QSettings &file)
 
 SettingsFile::Contents damagedContents(const SoundLines &sound)
 {
-    SettingsFile::Contents contents{
-        .state = SettingsFile::State::Damaged,
-        .values = {},
-        .defect = u"line %1 makes no sense"_s.arg(sound.firstRefused)};
+    SettingsFile::Contents contents{.state = SettingsFile::State::Damaged,
+                                    .values = {},
+                                    .defect = u"line %1 makes no sense"_s.arg(sound.firstRefused)};
     if (sound.refused > 1)
         contents.defect += u", and %1 more"_s.arg(sound.refused - 1);
     QTemporaryFile copy;
@@ -189,7 +188,8 @@ int keepCorruptFile(const QString &path)
         int error = ::link(from.constData(), to.constData()) == 0 ? 0 : errno;
         // File systems without links.
         if (error == EPERM || error == EOPNOTSUPP || error == ENOSYS)
-            error = ::renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0 ? 0 : errno;
+            error =
+                ::renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0 ? 0 : errno;
         if (error == 0)
             qCWarning(platformLog).noquote() << path + u" is kept as "_s + QFile::decodeName(to);
         if (error != EEXIST)

@@ -1,0 +1,28 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/ProcessEnvironment.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+TEST(ProcessEnvironment, ReachesAChildByteForByte)
+{
+    const QByteArray value = "a=b \xF0\x9D\x84\x9E e\xCC\x81 ";
+    ASSERT_EQ(::setenv("NURV_TEST_VALUE", value.constData(), 1), 0);
+    ASSERT_EQ(::setenv("NURV_TEST_EMPTY", "", 1), 0);
+    const ChildResult result = runChild({.launchPath = u"/usr/bin/env"_s,
+                                         .arguments = {},
+                                         .environment = processEnvironment(),
+                                         .workingDirectory = {}});
+    ::unsetenv("NURV_TEST_VALUE");
+    ::unsetenv("NURV_TEST_EMPTY");
+    EXPECT_TRUE(result.output.contains("NURV_TEST_VALUE=" + value + '\n')) << result.output.constData();
+    EXPECT_TRUE(result.output.contains("NURV_TEST_EMPTY=\n")) << result.output.constData();
+}
+
+} // namespace nurv
