@@ -3,6 +3,7 @@
 #include "ui/Workbench.h"
 
 #include "app/ApplicationShutdown.h"
+#include "app/FileIntake.h"
 #include "app/NURVController.h"
 #include "convert/DecodeTab.h"
 #include "convert/EncodeTab.h"
@@ -13,7 +14,6 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
-#include <QDir>
 
 #include <utility>
 
@@ -33,7 +33,7 @@ QStringList filesOfCommandLine(const QApplication &application)
     parser.process(application);
     QStringList paths;
     for (const QString &argument : parser.positionalArguments())
-        paths.append(QDir::cleanPath(QDir::current().absoluteFilePath(argument)));
+        paths.append(absolutePath(argument));
     return paths;
 }
 
