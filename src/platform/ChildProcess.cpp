@@ -32,6 +32,7 @@ namespace nurv {
 namespace {
 
 using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t kReadSize = 64 * 1024;
 /// A grandchild can hold the pipe open after the child has gone.
@@ -361,7 +362,57 @@ void ChildProcess::terminate()
     m_killTimer->start(kKillGrace);
 }
 
-ChildResult runChild(const ChildCommand &command)
+namespace {
+
+/// Milliseconds until `moment` for poll(2): -1 for none, 0 when it has passed.
+int millisecondsUntil(const std::optional<Clock::time_point> &moment)
+{
+    if (!moment)
+        return -1;
+    return static_cast<int>(
+        std::max(0ms, std::chrono::ceil<std::chrono::milliseconds>(*moment - Clock::now())).count());
+}
+
+/// Reads to the end of the output, to the deadline, or to the end of the time that
+/// a grandchild may hold the pipe after the child's exit.
+void collectOutput(const SpawnedChild &child, const std::optional<Clock::time_point> &deadline, QByteArray &output)
+{
+    std::optional<Clock::time_point> giveUp;
+    while (true) {
+        std::array<pollfd, 2> fds{pollfd{child.outputFd, POLLIN, 0}, pollfd{child.pidFd, POLLIN, 0}};
+        const int ready = ::poll(fds.data(), giveUp ? 1 : 2, millisecondsUntil(giveUp ? giveUp : deadline));
+        if (ready < 0 && errno == EINTR)
+            continue;
+        if (ready <= 0)
+            return;
+        if (fds[0].revents != 0) {
+            const std::optional<QByteArray> bytes = readOnce(child.outputFd);
+            if (bytes && bytes->isEmpty())
+                return;
+            if (bytes)
+                output += *bytes;
+            // Whoever goes on writing must not keep the caller here.
+            if ((giveUp && Clock::now() > *giveUp + kKillGrace) || (deadline && Clock::now() > *deadline))
+                return;
+        } else if (!giveUp && fds[1].revents != 0) {
+            giveUp = Clock::now() + kHeldPipeLimit;
+        }
+    }
+}
+
+bool endsBefore(int pidFd, const Clock::time_point &deadline)
+{
+    pollfd fd{pidFd, POLLIN, 0};
+    int ready = 0;
+    do {
+        ready = ::poll(&fd, 1, millisecondsUntil(deadline));
+    } while (ready < 0 && errno == EINTR);
+    return ready > 0;
+}
+
+} // namespace
+
+ChildResult runChild(const ChildCommand &command, std::optional<std::chrono::milliseconds> limit)
 {
     ChildResult result;
     SpawnedChild child;
@@ -370,33 +421,10 @@ ChildResult runChild(const ChildCommand &command)
         return result;
     }
     ::fcntl(child.outputFd, F_SETFL, O_NONBLOCK);
-    std::optional<std::chrono::steady_clock::time_point> giveUp;
-    while (true) {
-        int timeoutMs = -1;
-        if (giveUp) {
-            const auto left = *giveUp - std::chrono::steady_clock::now();
-            timeoutMs = static_cast<int>(
-                std::max(0ms, std::chrono::duration_cast<std::chrono::milliseconds>(left)).count());
-        }
-        std::array<pollfd, 2> fds{pollfd{child.outputFd, POLLIN, 0}, pollfd{child.pidFd, POLLIN, 0}};
-        const int ready = ::poll(fds.data(), giveUp ? 1 : 2, timeoutMs);
-        if (ready < 0 && errno == EINTR)
-            continue;
-        if (ready <= 0)
-            break;
-        if (fds[0].revents != 0) {
-            const std::optional<QByteArray> bytes = readOnce(child.outputFd);
-            if (bytes && bytes->isEmpty())
-                break;
-            if (bytes)
-                result.output += *bytes;
-            // A grandchild that goes on writing must not keep the caller here.
-            if (giveUp && std::chrono::steady_clock::now() > *giveUp + kKillGrace)
-                break;
-        } else if (!giveUp && fds[1].revents != 0) {
-            giveUp = std::chrono::steady_clock::now() + kHeldPipeLimit;
-        }
-    }
+    const std::optional<Clock::time_point> deadline = limit ? std::optional(Clock::now() + *limit) : std::nullopt;
+    collectOutput(child, deadline, result.output);
+    if (deadline && !endsBefore(child.pidFd, *deadline))
+        ::kill(-child.pid, SIGKILL);
     closeFd(child.outputFd);
     result.exit = reap(child.pid, child.pidFd);
     closeFd(child.pidFd);
@@ -419,8 +447,8 @@ void children::terminateAll(std::chrono::milliseconds grace, bool refuseNew)
                 || info.si_pid != 0;
         });
     };
-    const auto deadline = std::chrono::steady_clock::now() + grace;
-    while (!noneLeft() && std::chrono::steady_clock::now() < deadline)
+    const auto deadline = Clock::now() + grace;
+    while (!noneLeft() && Clock::now() < deadline)
         registry.changed.wait_for(lock, 10ms);
     for (const pid_t group : registry.running)
         ::kill(-group, SIGKILL);

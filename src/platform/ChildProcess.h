@@ -94,9 +94,11 @@ private:
     bool m_isFinished = false;
 };
 
-/// Runs a program to the end of its output on the calling thread.
-/// Blocks; meant for worker threads and for quick queries.
-[[nodiscard]] ChildResult runChild(const ChildCommand &command);
+/// Runs a program to the end of its output on the calling thread. Blocks; meant for
+/// worker threads and for quick queries. A program that still runs after `limit`
+/// is killed with its process group; without a limit it may take its time.
+[[nodiscard]] ChildResult runChild(const ChildCommand &command,
+                                   std::optional<std::chrono::milliseconds> limit = std::nullopt);
 
 /// The children of this process, of every thread.
 namespace children {

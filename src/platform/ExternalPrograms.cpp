@@ -10,12 +10,17 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <chrono>
 
 using namespace Qt::StringLiterals;
 
 namespace nurv {
 
 namespace {
+
+/// A program that waits for something when asked for its version must not hold up
+/// the list of the others.
+constexpr std::chrono::seconds kVersionLimit{5};
 
 QString versionIn(const QString &output)
 {
@@ -83,7 +88,7 @@ ProgramStatus checkProgram(const ExternalProgram &program)
     command.launchPath = status.path;
     command.arguments = program.versionArguments;
     command.environment = processEnvironment();
-    const ChildResult result = runChild(command);
+    const ChildResult result = runChild(command, kVersionLimit);
     if (!result.exit)
         return status;
     status.state = ProgramStatus::State::Found;
