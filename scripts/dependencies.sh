@@ -53,6 +53,10 @@ nurv_install_missing() {
     printf 'Installing missing packages: %s\n' "${missing[*]}" >&2
     local -a as_root=(env)
     if ((EUID != 0)); then
+        if ! command -v sudo >/dev/null; then
+            printf 'There is no sudo here. Run this as root, then try again:\n  apt-get install %s\n' "${missing[*]}" >&2
+            return 1
+        fi
         as_root=(sudo env)
     fi
     as_root+=(DEBIAN_FRONTEND=noninteractive apt-get -q -y -o DPkg::Lock::Timeout=300)

@@ -19,11 +19,11 @@ namespace nurv {
 
 namespace {
 
-/// A limit below one, from a settings file that somebody wrote by hand, would
-/// leave every job waiting for ever.
+/// A limit from a settings file that somebody wrote by hand: below one it would
+/// leave every job waiting for ever, without a bound it would start them all.
 int usableLimit(int limit)
 {
-    return std::max(limit, 1);
+    return std::clamp(limit, 1, NURVTaskQueue::kMostThreads);
 }
 
 } // namespace

@@ -31,6 +31,9 @@ class NURVTaskQueue : public QObject {
     Q_OBJECT
 
 public:
+    /// The most jobs that may run at once, whatever is asked for.
+    static constexpr int kMostThreads = 256;
+
     /// `services` must outlive the queue. The limit is the setting "maxThreads".
     explicit NURVTaskQueue(DesktopServices &services, QObject *parent = nullptr);
     ~NURVTaskQueue() override;

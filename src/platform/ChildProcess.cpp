@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/ChildProcess.h"
 
+#include "platform/SystemError.h"
+
 #include <QFile>
 #include <QPointer>
 #include <QSocketNotifier>
@@ -20,7 +22,6 @@
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
-#include <string.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -70,11 +71,6 @@ public:
     std::set<pid_t> running;
     bool refusesNew = false;
 };
-
-QString errorText(int error)
-{
-    return QString::fromLocal8Bit(strerror(error));
-}
 
 void closeFd(int &fd)
 {
@@ -256,7 +252,7 @@ std::optional<QString> ChildProcess::start(const ChildCommand &command)
 {
     SpawnedChild child;
     if (const int error = spawn(command, child); error != 0)
-        return errorText(error);
+        return systemErrorText(error);
     m_pid = child.pid;
     m_pidFd = child.pidFd;
     m_outputFd = child.outputFd;
@@ -417,7 +413,7 @@ ChildResult runChild(const ChildCommand &command, std::optional<std::chrono::mil
     ChildResult result;
     SpawnedChild child;
     if (const int error = spawn(command, child); error != 0) {
-        result.startError = errorText(error);
+        result.startError = systemErrorText(error);
         return result;
     }
     ::fcntl(child.outputFd, F_SETFL, O_NONBLOCK);

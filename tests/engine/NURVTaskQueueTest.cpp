@@ -84,6 +84,13 @@ TEST_F(NURVTaskQueueTest, TakesItsLimitFromTheSetting)
     EXPECT_EQ(started(), u"123");
 }
 
+TEST_F(NURVTaskQueueTest, RunsNoMoreThan256JobsWhateverTheSetting)
+{
+    SettingsStore::instance().setValue(u"maxThreads"_s, 100000);
+    makeQueue();
+    EXPECT_EQ(queue->maxThreads(), 256);
+}
+
 TEST_F(NURVTaskQueueTest, RunsOneJobWhenTheSettingIsUnusable)
 {
     SettingsStore::instance().setValue(u"maxThreads"_s, 0);
