@@ -136,7 +136,7 @@ void BatchRun::outputWindowRequested(const QString &text, const QString &title)
 void BatchRun::taskEnded(const std::shared_ptr<NURVTask> &task)
 {
     const std::shared_ptr<NURVTaskResults> results = task->results();
-    const QString report = results ? results->results(*task) : QString();
+    const QString report = task->report();
     const bool wasShown = std::exchange(m_outputWasShown, false);
     if (wasShown) {
         std::erase_if(m_failedReports, [&](const FailedReport &failed) { return failed.results.lock() == results; });

@@ -11,9 +11,14 @@
 
 #include <sys/stat.h>
 
+using namespace Qt::StringLiterals;
+
 namespace nurv {
 
 namespace {
+
+/// Of a longer output only the end is kept: that is where programs say what failed.
+constexpr qsizetype kLongestReport = 65'536;
 
 bool isSameFile(const QString &left, const QString &right)
 {
@@ -35,8 +40,31 @@ ConversionTask::ConversionTask(NURVTaskQueue *queue, const QString &launchPath, 
     setTextFieldValue();
 }
 
+QString ConversionTask::report() const
+{
+    if (!error())
+        return NURVAsyncNSTask::report();
+    return fileName() + u":\n"_s + toolOutput::asOnATerminal(m_ownText);
+}
+
+void ConversionTask::keepForReport(const QString &text)
+{
+    m_ownText += text;
+    if (m_ownText.size() > kLongestReport)
+        m_ownText.remove(0, m_ownText.size() - kLongestReport);
+}
+
+void ConversionTask::failWith(const QString &reason)
+{
+    NURVAsyncNSTask::failWith(reason);
+    if (!m_ownText.isEmpty() && !m_ownText.endsWith(u'\n'))
+        keepForReport(u"\n"_s);
+    keepForReport(reason);
+}
+
 void ConversionTask::processTaskOutput(const QString &chunk)
 {
+    keepForReport(chunk);
     const toolOutput::ChunkReport report = parseOutput(chunk);
     if (report.status) {
         setTopTextFieldString(*report.status);
@@ -87,8 +115,10 @@ void ConversionTask::deleteSourceIfDone()
 
 void ConversionTask::dropResultsUnlessFailed()
 {
-    if (!error())
-        setResults(nullptr);
+    if (error())
+        return;
+    setResults(nullptr);
+    m_ownText.clear();
 }
 
 } // namespace nurv

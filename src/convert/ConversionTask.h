@@ -27,12 +27,17 @@ public:
     [[nodiscard]] bool deleteOriginal() const { return m_deleteOriginal; }
     void setDeleteOriginal(bool deleteOriginal) { m_deleteOriginal = deleteOriginal; }
 
+    /// Of a failed job: the source's path, then the end of what its program wrote,
+    /// then why the job failed. The slots of the set tell no member from another.
+    [[nodiscard]] QString report() const override;
+
 protected:
     /// Names the job's row after the source.
     ConversionTask(NURVTaskQueue *queue, const QString &launchPath, const QStringList &arguments,
                    const QString &fileName);
 
     void processTaskOutput(const QString &chunk) final;
+    void failWith(const QString &reason) final;
     [[nodiscard]] virtual toolOutput::ChunkReport parseOutput(const QString &chunk) const = 0;
 
     /// Shows the next status line.
@@ -48,7 +53,10 @@ protected:
     void dropResultsUnlessFailed();
 
 private:
+    void keepForReport(const QString &text);
+
     QString m_fileName;
+    QString m_ownText; ///< what `report` is made of, as it was written
     bool m_deleteOriginal = false;
     bool m_sourceHasTheOnlyTags = false;
 };

@@ -61,6 +61,27 @@ QString shntoolResults(QStringView text)
 
 } // namespace
 
+QString asOnATerminal(QStringView text)
+{
+    QString lines;
+    qsizetype lineBegin = 0;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar character = text[i];
+        const bool endsLine = i + 1 < text.size() && text[i + 1] == u'\n';
+        if (character == u'\b') {
+            lines.truncate(std::max(lineBegin, lines.size() - 1));
+        } else if (character == u'\r') {
+            if (!endsLine)
+                lines.truncate(lineBegin);
+        } else {
+            lines += character;
+            if (character == u'\n')
+                lineBegin = lines.size();
+        }
+    }
+    return lines;
+}
+
 ChunkReport parseFlacEncoding(QStringView chunk)
 {
     const QString line = trimWhitespaceAndNewlines(trimBackspaces(chunk));

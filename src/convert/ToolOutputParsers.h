@@ -19,6 +19,10 @@ struct ChunkReport {
     QString results;                ///< to be appended to the report
 };
 
+/// The lines as a terminal ends up with them: backspaces and carriage returns take
+/// back what stands before them in the line, so that of all figures the last is left.
+[[nodiscard]] QString asOnATerminal(QStringView text);
+
 /// `flac` encoding: "x.wav: 45% complete, ratio=0.532".
 [[nodiscard]] ChunkReport parseFlacEncoding(QStringView chunk);
 /// `flac` decoding: "x.flac: 45% complete".

@@ -48,10 +48,13 @@ void NURVAsyncNSTask::startTask()
 
     const std::optional<QString> failure = m_task.start(command);
     m_hasRun = !failure;
-    if (!failure)
-        return;
-    failWith(missingProgramText(m_launchPath, *failure));
-    // The queue holds its lock while it starts a job: the job ends afterwards.
+    if (failure)
+        failToStart(missingProgramText(m_launchPath, *failure));
+}
+
+void NURVAsyncNSTask::failToStart(const QString &reason)
+{
+    failWith(reason);
     postToGuiThread([self = shared_from_this()] { self->stopTask(); });
 }
 

@@ -9,6 +9,7 @@
 #include <QStringList>
 
 #include <functional>
+#include <optional>
 
 namespace nurv {
 
@@ -49,9 +50,15 @@ protected:
     /// The stop itself; runs once, when no program runs any more.
     virtual void completeStop();
 
+    /// Ends the job in error from `startTask`, without a program. The stop follows
+    /// by a later event: the queue holds its lock while it starts a job.
+    void failToStart(const QString &reason);
+
     /// Whether the program was started; false for a job cancelled while waiting
     /// and for a program that could not be started.
     [[nodiscard]] bool hasRun() const { return m_hasRun; }
+    /// How the program ended, whatever the job's flags say; nothing before.
+    [[nodiscard]] std::optional<ChildExit> exitState() const { return m_task.exitState(); }
 
 private:
     void taskDataAvailable(const QByteArray &bytes);

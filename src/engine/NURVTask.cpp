@@ -39,6 +39,11 @@ void NURVTask::setResults(std::shared_ptr<NURVTaskResults> results)
     m_results = std::move(results);
 }
 
+QString NURVTask::report() const
+{
+    return m_results ? m_results->results(*this) : QString();
+}
+
 void NURVTask::startTask()
 {
     runOnGuiThread([this] { doStartTaskOnMainThread(); });

@@ -67,6 +67,9 @@ public:
     /// The set the job reports into; nothing once it has been dropped.
     [[nodiscard]] std::shared_ptr<NURVTaskResults> results() const { return m_results; }
     void setResults(std::shared_ptr<NURVTaskResults> results);
+    /// What there is to say about this one job, whatever its set joins and shows:
+    /// the text of its own slot, unless the job knows better. GUI thread.
+    [[nodiscard]] virtual QString report() const;
 
     [[nodiscard]] NURVTaskQueue *queue() const;
 
@@ -106,7 +109,7 @@ protected:
     /// Appends to the first slot of its set; nothing once the set is dropped.
     void appendResults(const QString &text);
     /// Sets the error flag and appends the reason to the job's own slot.
-    void failWith(const QString &reason);
+    virtual void failWith(const QString &reason);
     /// Sets the active flags and shows the cancel button and the progress bar.
     void becomeActive();
     /// The flags of a job that has stopped.

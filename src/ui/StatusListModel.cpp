@@ -4,7 +4,6 @@
 
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskQueue.h"
-#include "engine/NURVTaskResults.h"
 #include "ui/ToolTipText.h"
 
 #include <algorithm>
@@ -51,8 +50,7 @@ NURVTask *StatusListModel::taskAt(const QModelIndex &index)
 
 QString StatusListModel::reportOf(const NURVTask &task)
 {
-    const std::shared_ptr<NURVTaskResults> results = task.results();
-    return results ? results->results(task).trimmed() : QString();
+    return task.report().trimmed();
 }
 
 int StatusListModel::rowCount(const QModelIndex &parent) const

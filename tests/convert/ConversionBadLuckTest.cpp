@@ -68,6 +68,64 @@ TEST_F(ConversionBadLuckTest, NamesTheSignalThatKilledTheProgramAndTheFile)
     expectFailure(wav, test::wavBytes({}), {u"flac"_s, u"signal 9"_s, u"a.wav"_s});
 }
 
+TEST_F(ConversionBadLuckTest, GivesEveryFailedJobOfABatchAReportOfItsOwn)
+{
+    const test::ToolFolder tools;
+    tools.addReal(u"flac"_s);
+    const QStringList sources{folder.write(u"1.wav"_s, test::wavBytes({}).first(16)), folder.write(u"2.wav"_s, ""),
+                              folder.write(u"3.raw"_s, "raw")};
+    NotificationCenter::instance().post(QString::fromUtf16(NURVMaxThreadsChangedNotification), 1);
+    EncodeTab tab(controller);
+    run(tab, sources);
+    ASSERT_EQ(endedTasks.size(), 3U);
+    for (std::size_t i = 0; i < 3; ++i) {
+        const QString report = endedTasks[i]->report();
+        EXPECT_TRUE(report.startsWith(sources.at(static_cast<qsizetype>(i)) + u":\n"_s)) << qPrintable(report);
+        EXPECT_EQ(report.count(u"ERROR"_s), 1) << qPrintable(report);
+    }
+    EXPECT_TRUE(endedTasks[0]->report().contains(u"1.wav: ERROR"_s));
+    EXPECT_TRUE(endedTasks[1]->report().contains(u"2.wav is not a WAVE file"_s));
+    // Of a raw file flac says what it needs, but not which file it is.
+    EXPECT_TRUE(endedTasks[2]->report().contains(u"ERROR: for encoding a raw file"_s)) << qPrintable(endedTasks[2]->report());
+}
+
+TEST_F(ConversionBadLuckTest, NamesTheFileWhenTheProgramFailsWithoutAWord)
+{
+    const test::ToolFolder tools;
+    tools.addFake(u"flac"_s, "exit=1");
+    const QString wav = test::writeWav(folder.path(u"a.wav"_s));
+    EncodeTab tab(controller);
+    run(tab, {wav});
+    expectFailure(wav, test::wavBytes({}), {});
+    EXPECT_EQ(endedTasks.at(0)->report(), wav + u":\n"_s);
+}
+
+TEST_F(ConversionBadLuckTest, ReportsTheLastFigureAndWhyTheJobFailed)
+{
+    const test::ToolFolder tools;
+    tools.addFake(u"flac"_s, "out=a.wav: 1% complete\\b\\b\\b\\b\\b\\b\\b\\b\\b\\b\\b;delay=20;out=57% complete;signal=9");
+    const QString wav = test::writeWav(folder.path(u"a.wav"_s));
+    EncodeTab tab(controller);
+    run(tab, {wav});
+    const QStringList lines = endedTasks.at(0)->report().split(u'\n');
+    ASSERT_GE(lines.size(), 3);
+    EXPECT_EQ(lines[0], wav + u':');
+    EXPECT_EQ(lines[1], u"a.wav: 57% complete");
+    EXPECT_TRUE(lines[2].contains(u"signal 9"_s)) << qPrintable(lines[2]);
+}
+
+TEST_F(ConversionBadLuckTest, KeepsTheEndOfAnEndlessReport)
+{
+    const test::ToolFolder tools;
+    tools.addFake(u"flac"_s, "flood=300000;out=\\nthe end\\n;exit=1");
+    const QString wav = test::writeWav(folder.path(u"a.wav"_s));
+    EncodeTab tab(controller);
+    run(tab, {wav});
+    const QString report = endedTasks.at(0)->report();
+    EXPECT_EQ(report.size(), 65'536 + wav.size() + 2);
+    EXPECT_TRUE(report.endsWith(u"\nthe end\n"_s));
+}
+
 TEST_F(ConversionBadLuckTest, RefusesEmptyFiles)
 {
     const QString wav = folder.write(u"empty.wav"_s, "");

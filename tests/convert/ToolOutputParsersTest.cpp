@@ -223,5 +223,13 @@ TEST(ToolOutputParsers, StandEveryCutOfARecordedRun)
     }
 }
 
+TEST(ToolOutputParsers, LeavesOfOverwrittenFiguresWhatATerminalShows)
+{
+    EXPECT_EQ(asOnATerminal(u"a: 1%\b\b2%\b\b3%\nb"), u"a: 3%\nb");
+    EXPECT_EQ(asOnATerminal(u"\b\b\bERROR\n\b\bx"), u"ERROR\nx");
+    EXPECT_EQ(asOnATerminal(u"1%\r2%\r\nend\r\n"), u"2%\nend\n");
+    EXPECT_EQ(asOnATerminal(u""), u"");
+}
+
 } // namespace
 } // namespace nurv::toolOutput
