@@ -9,6 +9,8 @@
 
 #include <QFile>
 
+#include <optional>
+
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
@@ -38,6 +40,16 @@ ConversionTask::ConversionTask(NURVTaskQueue *queue, const QString &launchPath, 
     setTitle(lastPathComponent(fileName));
     setTextFieldString(title());
     setTextFieldValue();
+}
+
+void ConversionTask::startTask()
+{
+    if (const std::optional<QString> other = m_claim.take(outputFile(), fileName(), m_batch.get())) {
+        becomeActive();
+        failToStart(u"%1: its output %2 is made from %3\n"_s.arg(fileName(), lastPathComponent(outputFile()), *other));
+        return;
+    }
+    NURVAsyncNSTask::startTask();
 }
 
 QString ConversionTask::report() const

@@ -2,11 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "convert/OutputClaim.h"
 #include "convert/ToolOutputParsers.h"
 #include "engine/NURVAsyncNSTask.h"
 
 #include <functional>
 #include <memory>
+#include <utility>
 
 namespace nurv {
 
@@ -27,6 +29,12 @@ public:
     [[nodiscard]] bool deleteOriginal() const { return m_deleteOriginal; }
     void setDeleteOriginal(bool deleteOriginal) { m_deleteOriginal = deleteOriginal; }
 
+    /// Makes the job a member of a batch. Before the start.
+    void setBatch(std::shared_ptr<ConversionBatch> batch) { m_batch = std::move(batch); }
+
+    /// Fails when another running job, or an earlier one of the batch, makes the output.
+    void startTask() final;
+
     /// Of a failed job: the source's path, then the end of what its program wrote,
     /// then why the job failed. The slots of the set tell no member from another.
     [[nodiscard]] QString report() const override;
@@ -38,6 +46,8 @@ protected:
 
     void processTaskOutput(const QString &chunk) final;
     void failWith(const QString &reason) final;
+    /// Lets go of the output, before the queue starts further jobs.
+    void finalCleanup() override { m_claim.release(); }
     [[nodiscard]] virtual toolOutput::ChunkReport parseOutput(const QString &chunk) const = 0;
 
     /// Shows the next status line.
@@ -57,6 +67,8 @@ private:
 
     QString m_fileName;
     QString m_ownText; ///< what `report` is made of, as it was written
+    std::shared_ptr<ConversionBatch> m_batch;
+    OutputClaim m_claim;
     bool m_deleteOriginal = false;
     bool m_sourceHasTheOnlyTags = false;
 };

@@ -81,7 +81,7 @@ void DecodeTab::queueTasks(const std::optional<QString> &chosenFolder)
     NURVTaskQueue *const queue = &nurvController().taskQueue();
     const QString format = outputFormatMatrix.selectedTitle();
     std::vector<std::shared_ptr<ConversionTask>> tasks;
-    // Sources of one name share an output, and only one of them will be in it.
+    // Sources of one name share an output, and only the first of them will be in it.
     QHash<QString, int> sharers;
     for (const QString &source : fileNames()) {
         const QString folder = chosenFolder ? *chosenFolder : folderOf(source);
@@ -96,8 +96,10 @@ void DecodeTab::queueTasks(const std::optional<QString> &chosenFolder)
         ++sharers[task->outputFile()];
         tasks.push_back(task);
     }
+    const auto batch = std::make_shared<ConversionBatch>();
     for (const std::shared_ptr<ConversionTask> &task : tasks) {
         task->setDeleteOriginal(deleteOriginalsButton.isOn() && sharers.value(task->outputFile()) == 1);
+        task->setBatch(batch);
         queue->addTask(task);
     }
 }

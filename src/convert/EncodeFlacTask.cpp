@@ -47,6 +47,7 @@ void EncodeFlacTask::getAiffTags()
 void EncodeFlacTask::finalCleanup()
 {
     dropResultsUnlessFailed();
+    ConversionTask::finalCleanup();
 }
 
 } // namespace nurv

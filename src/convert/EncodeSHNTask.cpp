@@ -36,6 +36,7 @@ void EncodeSHNTask::cleanup()
 void EncodeSHNTask::finalCleanup()
 {
     dropResultsUnlessFailed();
+    ConversionTask::finalCleanup();
 }
 
 } // namespace nurv

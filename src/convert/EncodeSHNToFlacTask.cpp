@@ -47,6 +47,7 @@ void EncodeSHNToFlacTask::getApeTags()
 void EncodeSHNToFlacTask::finalCleanup()
 {
     dropResultsUnlessFailed();
+    ConversionTask::finalCleanup();
 }
 
 } // namespace nurv

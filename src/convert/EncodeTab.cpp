@@ -189,12 +189,13 @@ std::shared_ptr<NURVTask> EncodeTab::ffpTask(const Batch &batch) const
 
 void EncodeTab::queueTasks(const Batch &batch)
 {
-    // Sources of one name share an output, and only one of them will be in it.
+    // Sources of one name share an output, and only the first of them will be in it.
     QHash<QString, int> sharers;
     for (const QString &source : fileNames())
         ++sharers[batch.outputFor(source)];
 
     NURVTaskQueue *const queue = &nurvController().taskQueue();
+    const auto conversions = std::make_shared<ConversionBatch>();
     for (const QString &source : fileNames()) {
         std::shared_ptr<ConversionTask> task;
         if (batch.format == u"SHN")
@@ -205,6 +206,7 @@ void EncodeTab::queueTasks(const Batch &batch)
             continue;
         batch.results->addTaskInSet(*task);
         task->setDeleteOriginal(deleteOriginalsButton.isOn() && sharers.value(batch.outputFor(source)) == 1);
+        task->setBatch(conversions);
         queue->addTask(task);
     }
 }

@@ -1,0 +1,38 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QHash>
+#include <QString>
+
+#include <optional>
+
+namespace nurv {
+
+/// What the conversions of one press of the button have in common.
+struct ConversionBatch {
+    /// The source of every output that was begun, by the output's place.
+    QHash<QString, QString> sourceOfOutput;
+};
+
+/// A conversion's right to make its output: no two make one file at the same time,
+/// and of one batch only the first does. GUI thread.
+class OutputClaim {
+public:
+    OutputClaim() = default;
+    ~OutputClaim() { release(); }
+    OutputClaim(const OutputClaim &) = delete;
+    OutputClaim &operator=(const OutputClaim &) = delete;
+
+    /// Takes `output` for `source`, as a member of `batch` if there is one. Returns
+    /// nothing when it is granted, else the source that has it. One folder under two
+    /// names is still one folder. At most once.
+    [[nodiscard]] std::optional<QString> take(const QString &output, const QString &source, ConversionBatch *batch);
+    /// Gives the output back to other batches; in its own batch it stays taken.
+    void release();
+
+private:
+    QString m_place; ///< empty: nothing is held
+};
+
+} // namespace nurv
