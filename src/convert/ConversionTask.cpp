@@ -31,6 +31,19 @@ bool isSameFile(const QString &left, const QString &right)
            && leftFacts.st_ino == rightFacts.st_ino;
 }
 
+/// Also true for a link that leads nowhere.
+bool isThere(const QString &path)
+{
+    struct stat facts = {};
+    return ::lstat(QFile::encodeName(path).constData(), &facts) == 0;
+}
+
+/// Where flac works when it replaces an output, source or not.
+QString temporaryOf(const QString &output)
+{
+    return output + u".tmp,fl-ac+en'c"_s;
+}
+
 } // namespace
 
 ConversionTask::ConversionTask(NURVTaskQueue *queue, const QString &launchPath, const QStringList &arguments,
@@ -49,7 +62,39 @@ void ConversionTask::startTask()
         failToStart(u"%1: its output %2 is made from %3\n"_s.arg(fileName(), lastPathComponent(outputFile()), *other));
         return;
     }
+    m_outputExisted = isThere(outputFile());
+    m_temporaryExisted = isThere(temporaryOf(outputFile()));
     NURVAsyncNSTask::startTask();
+}
+
+void ConversionTask::completeStop()
+{
+    removeHalfMadeFiles();
+    NURVAsyncNSTask::completeStop();
+}
+
+void ConversionTask::removeHalfMadeFiles() const
+{
+    const std::optional<ChildExit> exit = exitState();
+    // A program that ends by itself cleans up by itself, or means to leave what it leaves.
+    if (!exit || exit->signal == 0)
+        return;
+    if (!m_temporaryExisted)
+        removeHalfMade(temporaryOf(outputFile()));
+    if (!m_outputExisted && !isSameFile(fileName(), outputFile()))
+        removeHalfMade(outputFile());
+}
+
+void ConversionTask::removeHalfMade(const QString &path) const
+{
+    if (isThere(path) && !QFile::remove(path))
+        qCWarning(convertLog).noquote() << "Half made and not removed:" << path;
+}
+
+bool ConversionTask::programSucceeded() const
+{
+    const std::optional<ChildExit> exit = exitState();
+    return exit && exit->succeeded();
 }
 
 QString ConversionTask::report() const
@@ -98,8 +143,10 @@ void ConversionTask::showStatus(const QString &text)
 void ConversionTask::copyTags(const std::function<void()> &copy)
 {
     // A job that was cancelled while it waited, or whose program is missing, made no
-    // output: whatever has that name belongs to someone else.
-    if (!hasRun())
+    // output, and one that was refused the place made none either: whatever has that
+    // name belongs to someone else.
+    const bool hasOutput = hasRun() && isThere(outputFile()) && (programSucceeded() || !m_outputExisted);
+    if (!hasOutput)
         return;
     try {
         copy();

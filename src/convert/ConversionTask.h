@@ -48,12 +48,17 @@ protected:
     void failWith(const QString &reason) final;
     /// Lets go of the output, before the queue starts further jobs.
     void finalCleanup() override { m_claim.release(); }
+    /// Removes what a killed program left half made, then stops.
+    void completeStop() final;
     [[nodiscard]] virtual toolOutput::ChunkReport parseOutput(const QString &chunk) const = 0;
 
     /// Shows the next status line.
     void showStatus(const QString &text);
-    /// Runs `copy`, which copies tags to the output. What it throws goes to the log:
-    /// the output then stays without tags and the job's state stays as it is.
+    /// Whether the program ended well, whatever became of the job.
+    [[nodiscard]] bool programSucceeded() const;
+    /// Runs `copy`, which copies tags to the output, unless the output is not this
+    /// job's: it was there before and the program failed. What `copy` throws goes to
+    /// the log: the output then stays without tags and the job's state as it is.
     void copyTags(const std::function<void()> &copy);
     /// Deletes the source if that was asked for and the job succeeded. A source that
     /// is the output itself, or whose tags could not be copied, stays: it is the only
@@ -64,11 +69,15 @@ protected:
 
 private:
     void keepForReport(const QString &text);
+    void removeHalfMadeFiles() const;
+    void removeHalfMade(const QString &path) const;
 
     QString m_fileName;
     QString m_ownText; ///< what `report` is made of, as it was written
     std::shared_ptr<ConversionBatch> m_batch;
     OutputClaim m_claim;
+    bool m_outputExisted = false;
+    bool m_temporaryExisted = false;
     bool m_deleteOriginal = false;
     bool m_sourceHasTheOnlyTags = false;
 };

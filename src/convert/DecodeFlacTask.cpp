@@ -29,7 +29,7 @@ void DecodeFlacTask::cleanup()
 {
     // Before the row is painted, so that the set opens no output window.
     dropResultsUnlessFailed();
-    if (formatWord(outputFile()) == u"AIFF" && formatWord(fileName()) == u"FLAC")
+    if (programSucceeded() && formatWord(outputFile()) == u"AIFF" && formatWord(fileName()) == u"FLAC")
         copyTags([this] { getFlacTags(); });
     deleteSourceIfDone();
 }

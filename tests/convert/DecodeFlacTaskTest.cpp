@@ -44,6 +44,19 @@ TEST_F(DecodeFlacTaskTest, CopiesTagsToAiff)
     EXPECT_TRUE(outputWindows.isEmpty());
 }
 
+TEST_F(DecodeFlacTaskTest, LeavesAnAiffFileAloneThatItMayNotReplace)
+{
+    const QString source = taggedFlac(u"a.flac"_s);
+    test::writeAiff(out.path(u"a.aiff"_s));
+    const QByteArray before = out.read(u"a.aiff"_s);
+    tools.addReal(u"flac"_s);
+    DecodeTab tab(controller);
+    ASSERT_TRUE(tab.outputFormatMatrix.selectTitle(u"AIFF"_s));
+    run(tab, {source});
+    EXPECT_TRUE(endedTasks.at(0)->error());
+    EXPECT_EQ(out.read(u"a.aiff"_s), before);
+}
+
 TEST_F(DecodeFlacTaskTest, CopiesNoTagsToWav)
 {
     const QString source = taggedFlac(u"a.flac"_s);

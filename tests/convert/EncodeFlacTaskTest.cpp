@@ -121,14 +121,30 @@ TEST_F(EncodeFlacTaskTest, CopiesNoTagsForWavSources)
 TEST_F(EncodeFlacTaskTest, CopiesTagsAlsoWhenTheEncoderFails)
 {
     const QString source = taggedAiff(u"a.aiff"_s);
-    const QString output = test::writeFlac(out.path(u"a.flac"_s));
-    tools.addReal(u"flac"_s);
+    const QString made = test::writeFlac(folder.path(u"made.flac"_s));
+    const QString output = out.path(u"a.flac"_s);
+    tools.addFake(u"flac"_s, "copy=" + made.toUtf8() + ':' + output.toUtf8() + ";exit=1");
     tools.addReal(u"metaflac"_s);
     EncodeTab tab(controller);
     run(tab, {source});
     ASSERT_EQ(endedTasks.size(), 1U);
     EXPECT_TRUE(endedTasks[0]->error());
     EXPECT_TRUE(test::metaflacTags(output).contains(u"TITLE=Über uns = %1"_s));
+}
+
+TEST_F(EncodeFlacTaskTest, LeavesTheTagsOfAFileAloneThatItMayNotReplace)
+{
+    const QString source = taggedAiff(u"a.aiff"_s);
+    const QString output = test::writeFlac(out.path(u"a.flac"_s));
+    ASSERT_EQ(test::runProgram(u"metaflac"_s, {u"--set-tag=TITLE=Another song"_s, output}).exitStatus, 0);
+    const QByteArray before = out.read(u"a.flac"_s);
+    tools.addReal(u"flac"_s);
+    tools.addReal(u"metaflac"_s);
+    EncodeTab tab(controller);
+    run(tab, {source});
+    ASSERT_EQ(endedTasks.size(), 1U);
+    EXPECT_TRUE(endedTasks[0]->error());
+    EXPECT_EQ(out.read(u"a.flac"_s), before);
 }
 
 TEST_F(EncodeFlacTaskTest, KeepsItsStateWhenTagsCannotBeWritten)

@@ -98,7 +98,7 @@ TEST_F(SharedOutputTest, WaitsForNoOtherBatchButRefusesItsOutput)
     prompts.expectOutputFolder(out.path());
     tab.addFile(first);
     tab.executeCommand();
-    ASSERT_TRUE(test::waitUntil([&] { return out.read(u"a.flac"_s) == "made"; }));
+    ASSERT_TRUE(test::waitUntil([&] { return out.exists(u"a.flac"_s) && out.read(u"a.flac"_s) == "made"; }));
     prompts.expectOutputFolder(alias);
     tab.addFile(second);
     tab.executeCommand();
