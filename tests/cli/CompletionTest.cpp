@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "NurvProgram.h"
+#include "PseudoTerminal.h"
 
 #include <gtest/gtest.h>
 
@@ -58,4 +59,13 @@ TEST(Completion, OffersTheValuesOfAnOption)
               (QStringList{u"ape"_s, u"flac"_s, u"m4a"_s, u"shn"_s, u"tta"_s, u"wv"_s}));
     EXPECT_EQ(completionsOf({u"nurv"_s, u"decode"_s, u"--format"_s, u"a"_s}), QStringList{u"aiff"_s});
     EXPECT_EQ(completionsOf({u"nurv"_s, u"encode"_s, u"--mode"_s, u""_s}), (QStringList{u"fast"_s, u"high"_s}));
+}
+
+TEST(Completion, CompletesAValueBehindAnEqualsSignWhereTheUserTypesIt)
+{
+    PseudoTerminal terminal(120, 24, u"/bin/bash"_s, {u"--norc"_s, u"--noprofile"_s, u"-i"_s});
+    terminal.type("source '" + QByteArray(NURV_COMPLETION) + "' && echo is''ready\n");
+    ASSERT_TRUE(terminal.waitFor("isready")) << terminal.received().constData();
+    terminal.type("nurv encode --format=fl\t");
+    EXPECT_TRUE(terminal.waitFor("--format=flac")) << terminal.received().constData();
 }

@@ -26,6 +26,9 @@ expect 'encode' nurv e
 expect 'encode decode doctor' nurv ''
 expect 'flac' nurv encode --format f
 expect 'wav aiff' nurv decode --format ''
+expect 'flac' nurv encode --format = fl
+expect 'wav aiff' nurv decode --format =
+expect 'scripts' nurv encode --output-dir = scr
 expect 'fast high' nurv encode --mode ''
 expect '--delete-originals' nurv encode --d
 expect '--beside-source' nurv decode --b
