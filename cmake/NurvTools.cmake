@@ -29,4 +29,5 @@ function(nurv_tool name)
     AUTOMOC OFF
     RUNTIME_OUTPUT_DIRECTORY "${NURV_TOOLS_DIR}")
   set_property(GLOBAL APPEND PROPERTY NURV_BUNDLED_TOOLS ${name})
+  set_property(TARGET nurv_platform APPEND PROPERTY NURV_BUNDLED_TOOLS ${name})
 endfunction()

@@ -50,6 +50,8 @@ QString providerOf(const ExternalProgram &program)
 {
     if (!program.isBundled)
         return program.package;
+    if (!isPartOfThisBuild(program))
+        return u"not included yet"_s;
     return program.package.isEmpty() ? u"bundled"_s : u"bundled + "_s + program.package;
 }
 

@@ -34,6 +34,8 @@ QString providerText(const ExternalProgram &program)
 {
     if (!program.isBundled)
         return u"It is provided by the package \"%1\"."_s.arg(program.package);
+    if (!isPartOfThisBuild(program))
+        return u"It is not included in this version of Nurv Audio Workbench."_s;
     const QString bundled = u"It is part of Nurv Audio Workbench; installing that again restores it."_s;
     return program.package.isEmpty()
         ? bundled
@@ -72,6 +74,12 @@ const ExternalProgram *findExternalProgram(const QString &name)
     const auto found = std::find_if(programs.begin(), programs.end(),
                                     [&](const ExternalProgram &program) { return program.name == name; });
     return found == programs.end() ? nullptr : &*found;
+}
+
+bool isPartOfThisBuild(const ExternalProgram &program)
+{
+    static const QStringList bundled = QString::fromLatin1(NURV_BUNDLED_TOOLS).split(u':');
+    return bundled.contains(program.name);
 }
 
 ProgramStatus checkProgram(const ExternalProgram &program)

@@ -12,11 +12,14 @@ namespace nurv {
 /// One program that the system starts.
 struct ExternalProgram {
     QString name;             ///< in the resource folder
-    bool isBundled = false;   ///< comes with this application
+    bool isBundled = false;   ///< the application's own, not a package's
     QString package;          ///< of Debian; for a bundled program, what it needs itself
     QString purpose;          ///< for people: "encodes and decodes FLAC"
     QStringList versionArguments;
 };
+
+/// Whether a bundled program was built with this version of the application.
+[[nodiscard]] bool isPartOfThisBuild(const ExternalProgram &program);
 
 /// What became of a search for a program.
 struct ProgramStatus {

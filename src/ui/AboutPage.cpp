@@ -73,7 +73,7 @@ void AboutPage::createWidgets()
     for (const ExternalProgram &program : externalPrograms()) {
         auto *const item = new QTreeWidgetItem(m_programs, {program.name});
         item->setToolTip(Name, toolTipText(program.purpose));
-        item->setText(Package, program.isBundled ? tr("included") : program.package);
+        item->setText(Package, !program.isBundled ? program.package : isPartOfThisBuild(program) ? tr("included") : tr("not included yet"));
     }
     m_programs->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     m_programs->header()->setStretchLastSection(true);
