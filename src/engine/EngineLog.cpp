@@ -5,5 +5,6 @@
 namespace nurv {
 
 Q_LOGGING_CATEGORY(engineLog, "nurv.engine")
+Q_LOGGING_CATEGORY(failedJobLog, "nurv.engine.jobs")
 
 } // namespace nurv

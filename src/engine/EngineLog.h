@@ -7,5 +7,7 @@
 namespace nurv {
 
 Q_DECLARE_LOGGING_CATEGORY(engineLog)
+/// The failures of jobs, which their rows and reports tell too.
+Q_DECLARE_LOGGING_CATEGORY(failedJobLog)
 
 } // namespace nurv

@@ -171,7 +171,7 @@ void NURVTask::setGuiFields()
             m_topTextField.text = u"Error"_s;
             m_textField.color = RowColor::SystemRed;
             m_progressIndicator.animated = false;
-            qCWarning(engineLog).noquote() << description() << "Error";
+            qCWarning(failedJobLog).noquote() << description() << "Error";
         } else {
             m_textField.color = RowColor::DarkGreen;
             m_topTextField.text = u"Complete"_s;
