@@ -148,7 +148,7 @@ FileIntake NURVController::collect(const QString &label, const QStringList &path
     const BaseTab *const page = tab(label);
     if (!page)
         return found;
-    found.accepted.removeIf([&](const QString &path) { return !passes(label, path); });
+    found.accepted.removeIf([&](const QString &path) { return !takesFromFolder(label, path); });
     // Found already, so the tab searches no folder a second time.
     FileIntake intake = page->collect(found.accepted);
     intake.unreadableNames += found.unreadableNames;
@@ -165,7 +165,7 @@ void NURVController::addCollected(const QString &label, const FileIntake &found)
         page->addCollected(found);
 }
 
-bool NURVController::passes(const QString &label, const QString &path) const
+bool NURVController::takesFromFolder(const QString &label, const QString &path) const
 {
     const QStringList accepted = extensions(label);
     if (accepted.isEmpty() || label == kChecksum)

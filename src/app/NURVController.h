@@ -61,6 +61,10 @@ public:
     [[nodiscard]] QStringList extensions(const QString &label) const { return m_extensionMap.value(label); }
     /// Whether the page can handle the file. Any thread; may read the file's header.
     [[nodiscard]] bool isValidFile(const QString &label, const QString &path) const;
+    /// Whether the page takes the file out of a folder that arrives with the
+    /// application: its extension must be one of the page's. Any thread; may read the
+    /// file's header.
+    [[nodiscard]] bool takesFromFolder(const QString &label, const QString &path) const;
 
     /// Files that arrive with the application: dropped on it, opened with it.
     void openFiles(const QStringList &paths) { addFiles(paths); }
@@ -90,7 +94,6 @@ Q_SIGNALS:
     void pageSelected(const QString &label);
 
 private:
-    [[nodiscard]] bool passes(const QString &label, const QString &path) const;
     void routeByExtension(const FileIntake &found);
     void show(const QString &label);
     void didSelectTabViewItem();

@@ -5,7 +5,9 @@
 #include "platform/FileNames.h"
 
 #include <algorithm>
+#include <numeric>
 #include <optional>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -17,6 +19,36 @@ bool looksLikeOption(const QByteArray &word)
 {
     // A lone dash is a name like any other.
     return word.size() > 1 && word.startsWith('-');
+}
+
+/// The number of letters to insert, remove or replace that make one word of the other.
+qsizetype distance(const QString &from, const QString &to)
+{
+    std::vector<qsizetype> row(static_cast<std::size_t>(to.size()) + 1);
+    std::iota(row.begin(), row.end(), 0);
+    for (const QChar letter : from) {
+        qsizetype diagonal = row[0]++;
+        for (std::size_t i = 1; i < row.size(); ++i) {
+            const qsizetype replaced = diagonal + (letter == to[static_cast<qsizetype>(i) - 1] ? 0 : 1);
+            diagonal = row[i];
+            row[i] = std::min({replaced, row[i] + 1, row[i - 1] + 1});
+        }
+    }
+    return row.back();
+}
+
+/// The known option that may have been meant, or nothing.
+std::optional<QString> similarOption(const CommandSpec &command, const QString &written)
+{
+    constexpr qsizetype kLikelySlips = 2;
+    constexpr qsizetype kShortestName = 3;
+    if (written.size() < kShortestName)
+        return std::nullopt;
+    for (const OptionSpec &option : command.options) {
+        if (option.name.startsWith(written) || distance(written, option.name) <= kLikelySlips)
+            return option.name;
+    }
+    return std::nullopt;
 }
 
 QString optionValue(const QString &name, const QByteArray &bytes)
@@ -67,8 +99,11 @@ ParsedArguments parseArguments(const CommandSpec &command, const QList<QByteArra
         const QByteArray written = equals < 0 ? word : word.left(equals);
         const QString name = written == "-h" ? u"help"_s : QString::fromUtf8(written.mid(2));
         const OptionSpec *const option = written.startsWith("--") || written == "-h" ? command.option(name) : nullptr;
-        if (!option)
-            throw UsageError(u"unknown option \"%1\""_s.arg(displayName(written)));
+        if (!option) {
+            const std::optional<QString> meant = similarOption(command, name);
+            const QString hint = meant ? u" (did you mean --%1?)"_s.arg(*meant) : QString();
+            throw UsageError(u"unknown option \"%1\""_s.arg(displayName(written)) + hint);
+        }
         if (option->valueName.isEmpty()) {
             if (equals >= 0)
                 throw UsageError(u"--%1 takes no value"_s.arg(name));

@@ -22,8 +22,6 @@ public:
     virtual ~BatchCommand() = default;
 
     [[nodiscard]] virtual const CommandSpec &spec() const = 0;
-    /// Whether the command asks about outputs that exist, with these options.
-    [[nodiscard]] virtual bool asksBeforeOverwriting(const ParsedArguments &arguments) const = 0;
     /// Whether the tab makes a job for a file that its page accepts.
     [[nodiscard]] virtual bool takes(const QString &path) const = 0;
     /// Throws UsageError for values out of range and options that do not go together.

@@ -12,23 +12,20 @@
 #include "cli/HelpText.h"
 #include "cli/InputFiles.h"
 #include "cli/LogOutput.h"
+#include "cli/OutputFolder.h"
 #include "platform/FileNames.h"
 #include "platform/NotificationCenter.h"
 #include "platform/NullDesktopServices.h"
 #include "platform/SettingsStore.h"
 
 #include <QCoreApplication>
-#include <QFileInfo>
 
 #include <array>
 #include <memory>
 #include <optional>
+#include <utility>
 
-#include <errno.h>
 #include <signal.h>
-#include <stdlib.h>
-#include <string.h>
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -51,50 +48,35 @@ std::vector<const CommandSpec *> allSpecs()
     return specs;
 }
 
-void checkQuestions(const BatchCommand &command, const ParsedArguments &arguments)
+void checkQuestions(const ParsedArguments &arguments)
 {
     const bool saysNo = arguments.has(u"no"_s);
     if (saysNo && arguments.has(u"yes"_s))
         throw UsageError(u"--yes and --no cannot both be given"_s);
     if (saysNo && arguments.has(u"delete-originals"_s))
         throw UsageError(u"--no and --delete-originals cannot both be given"_s);
-    if (!arguments.has(u"overwrite"_s))
-        return;
-    if (saysNo)
+    if (saysNo && arguments.has(u"overwrite"_s))
         throw UsageError(u"--no and --overwrite cannot both be given"_s);
-    if (!command.asksBeforeOverwriting(arguments)) {
-        throw UsageError(u"--overwrite goes with --format flac and --beside-source only; "
-                         "elsewhere an output that exists is never replaced"_s);
-    }
 }
 
-/// The folder of --output-dir, or nothing with --beside-source. Throws UsageError.
+/// The folder of --output-dir; nothing with --beside-source, and when the terminal
+/// will be asked for it. Throws UsageError.
 std::optional<QString> outputFolder(const ParsedArguments &arguments)
 {
     const bool isBesideSource = arguments.has(u"beside-source"_s);
-    if (isBesideSource == arguments.has(u"output-dir"_s)) {
-        throw UsageError(isBesideSource ? u"--output-dir and --beside-source cannot both be given"_s
-                                        : u"--output-dir DIR or --beside-source is needed"_s);
-    }
+    if (isBesideSource && arguments.has(u"output-dir"_s))
+        throw UsageError(u"--output-dir and --beside-source cannot both be given"_s);
     if (isBesideSource)
         return std::nullopt;
-    const QString name = arguments.value(u"output-dir"_s);
-    const QString folder = absolutePath(name);
-    const QFileInfo info(folder);
-    if (!info.exists())
-        throw UsageError(u"the output folder does not exist: %1"_s.arg(name));
-    if (!info.isDir())
-        throw UsageError(u"the output folder is no folder: %1"_s.arg(name));
-    // Asking for the permission says too little: the file system may be read-only.
-    QByteArray probe = folder.toUtf8() + "/.nurv-XXXXXX";
-    const int fd = ::mkstemp(probe.data());
-    if (fd < 0) {
-        throw UsageError(
-            u"the output folder cannot be written: %1 (%2)"_s.arg(name, QString::fromLocal8Bit(::strerror(errno))));
+    if (!arguments.has(u"output-dir"_s)) {
+        if (!Console::canAsk())
+            throw UsageError(u"--output-dir DIR or --beside-source is needed"_s);
+        return std::nullopt;
     }
-    ::close(fd);
-    ::unlink(probe.constData());
-    return folder;
+    const OutputFolder folder = checkOutputFolder(arguments.value(u"output-dir"_s));
+    if (!folder.obstacle.isEmpty())
+        throw UsageError(folder.obstacle);
+    return folder.path;
 }
 
 PromptAnswers answersOf(const ParsedArguments &arguments)
@@ -148,8 +130,15 @@ ExitStatus CliApplication::runCommand(const QByteArray &name, const QList<QByteA
             spec = candidate;
     }
     if (!spec) {
-        const QString what = name.startsWith('-') ? u"option"_s : u"command"_s;
-        return tellUsageError({}, UsageError(u"unknown %1 \"%2\""_s.arg(what, displayName(name))));
+        if (name.startsWith('-')) {
+            return tellUsageError(
+                {}, UsageError(u"unknown option \"%1\"; the options of a command come after it"_s.arg(displayName(name))));
+        }
+        QStringList names;
+        for (const CommandSpec *known : allSpecs())
+            names.append(known->name);
+        return tellUsageError({}, UsageError(u"unknown command \"%1\"; there are %2"_s.arg(
+                                      displayName(name), names.join(u", "_s))));
     }
     try {
         const ParsedArguments arguments = parseArguments(*spec, words);
@@ -176,12 +165,12 @@ ExitStatus CliApplication::runCommand(const QByteArray &name, const QList<QByteA
 ExitStatus CliApplication::runBatch(const BatchCommand &command, const ParsedArguments &arguments)
 {
     command.check(arguments);
-    checkQuestions(command, arguments);
+    if (arguments.operands.isEmpty())
+        throw UsageError(u"no files are given"_s);
+    checkQuestions(arguments);
     ConsolePrompts prompts(m_console, answersOf(arguments));
     if (arguments.has(u"jobs"_s))
         static_cast<void>(arguments.number(u"jobs"_s, 1, kMaximumJobs));
-    if (arguments.operands.isEmpty())
-        throw UsageError(u"no files are given"_s);
 
     const LogOutput log(m_console);
     const QCoreApplication application(m_argc, m_argv);
@@ -196,12 +185,20 @@ ExitStatus CliApplication::runBatch(const BatchCommand &command, const ParsedArg
     }
     const std::unique_ptr<BaseTab> tab = command.makeTab(controller, arguments);
 
-    const InputFiles input = collectInput(arguments.operands, [&](const QString &path) {
+    const FileTest isValid = [&](const QString &path) {
         return command.takes(path) && controller.isValidFile(tab->label(), path);
-    });
+    };
+    const FileTest isValidInFolder = [&](const QString &path) {
+        return controller.takesFromFolder(tab->label(), path) && isValid(path);
+    };
+    const InputFiles input = collectInput(arguments.operands, isValid, isValidInFolder);
     for (const QString &line : input.refusals)
         m_console.writeNote(line);
     if (!arguments.has(u"quiet"_s)) {
+        if (arguments.has(u"overwrite"_s) && !arguments.has(u"beside-source"_s)) {
+            m_console.writeNote(u"--overwrite counts for --beside-source only: "
+                                "an output that exists in the output folder is never replaced"_s);
+        }
         for (const QString &line : input.skipped)
             m_console.writeNote(line);
     }
@@ -216,9 +213,14 @@ ExitStatus CliApplication::runBatch(const BatchCommand &command, const ParsedArg
     if (tab->fileNames().isEmpty()) {
         m_console.writeNote(
             u"there is nothing to %1: no file was found that can be worked on"_s.arg(command.spec().name));
-    } else if (const QStringList missing = programs.missing(); !missing.isEmpty()) {
-        for (const QString &text : missing)
-            m_console.writeNote(text);
+    } else if (const QStringList missing = tab->isAvailable() ? programs.missing() : QStringList();
+               !missing.isEmpty()) {
+        for (const QString &text : missing) {
+            QStringList lines = text.split(u'\n');
+            m_console.writeNote(lines.takeFirst());
+            for (const QString &line : std::as_const(lines))
+                m_console.writeLine(u"    "_s + line);
+        }
         status = ExitStatus::MissingProgram;
     } else {
         status = batch.run(*tab);

@@ -3,6 +3,7 @@
 #include "cli/ConsolePrompts.h"
 
 #include "cli/Console.h"
+#include "cli/OutputFolder.h"
 
 #include <array>
 #include <utility>
@@ -32,8 +33,12 @@ QString safeButton(const Alert &alert)
 
 QString textOf(const Alert &alert)
 {
-    const QString text = alert.message.isEmpty() ? alert.title : alert.title + u' ' + alert.message;
-    return text.simplified();
+    if (alert.message.isEmpty())
+        return alert.title.simplified();
+    const QString separator = !alert.title.isEmpty() && alert.title.back().isPunct() ? u" "_s : u": "_s;
+    // The lines of a message are the names of a list.
+    return alert.title.simplified() + separator
+        + alert.message.split(u'\n', Qt::SkipEmptyParts).join(u", "_s).simplified();
 }
 
 /// The button that the typed line stands for: its name or the beginning of it.
@@ -141,9 +146,30 @@ QStringList ConsolePrompts::chooseFiles(const FileChooser &)
     return {};
 }
 
-std::optional<QString> ConsolePrompts::chooseFolder(const FileChooser &)
+std::optional<QString> ConsolePrompts::chooseFolder(const FileChooser &chooser)
 {
-    return m_answers.outputFolder;
+    if (m_answers.outputFolder)
+        return m_answers.outputFolder;
+    if (!Console::canAsk()) {
+        m_outcome = Outcome::Unanswered;
+        return std::nullopt;
+    }
+    while (true) {
+        m_console.writeQuestion(u"%1 [Enter alone: cancel]: "_s.arg(chooser.title));
+        const std::optional<QString> line = readLine();
+        if (!line)
+            m_console.writeLine(QString());
+        const QString name = line.value_or(QString()).trimmed();
+        if (name.isEmpty()) {
+            if (m_outcome != Outcome::Interrupted)
+                m_outcome = Outcome::Declined;
+            return std::nullopt;
+        }
+        const OutputFolder folder = checkOutputFolder(withHomeFolder(name));
+        if (folder.obstacle.isEmpty())
+            return folder.path;
+        m_console.writeNote(folder.obstacle);
+    }
 }
 
 std::optional<QString> ConsolePrompts::chooseSavePath(const QString &, const std::optional<QString> &)

@@ -10,7 +10,7 @@ class Console;
 
 /// What the options say to the questions of a tab.
 struct PromptAnswers {
-    std::optional<QString> outputFolder; ///< the answer to a folder chooser
+    std::optional<QString> outputFolder; ///< the answer to a folder chooser; else the terminal is asked
     std::optional<bool> answerAll;       ///< --yes, --no
     bool overwrite = false;              ///< the answer to the question about existing outputs
 };

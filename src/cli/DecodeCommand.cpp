@@ -64,11 +64,6 @@ const CommandSpec &DecodeCommand::spec() const
     return spec;
 }
 
-bool DecodeCommand::asksBeforeOverwriting(const ParsedArguments &) const
-{
-    return false;
-}
-
 bool DecodeCommand::takes(const QString &path) const
 {
     // The tab lists files without an extension too, but makes no job for them.

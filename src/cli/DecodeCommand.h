@@ -10,7 +10,6 @@ namespace nurv {
 class DecodeCommand final : public BatchCommand {
 public:
     [[nodiscard]] const CommandSpec &spec() const override;
-    [[nodiscard]] bool asksBeforeOverwriting(const ParsedArguments &arguments) const override;
     [[nodiscard]] bool takes(const QString &path) const override;
     void check(const ParsedArguments &arguments) const override;
     [[nodiscard]] std::unique_ptr<BaseTab> makeTab(NURVController &controller,

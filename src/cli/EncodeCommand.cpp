@@ -133,11 +133,6 @@ const CommandSpec &EncodeCommand::spec() const
     return spec;
 }
 
-bool EncodeCommand::asksBeforeOverwriting(const ParsedArguments &arguments) const
-{
-    return formatOf(arguments) == u"flac" && arguments.has(u"beside-source"_s);
-}
-
 bool EncodeCommand::takes(const QString &) const
 {
     return true;
@@ -146,7 +141,7 @@ bool EncodeCommand::takes(const QString &) const
 void EncodeCommand::check(const ParsedArguments &arguments) const
 {
     const QString format = formatOf(arguments);
-    for (const QString &option : {u"lax"_s, u"verify"_s, u"keep-foreign-metadata"_s, u"ffp"_s})
+    for (const QString &option : {u"lax"_s, u"verify"_s, u"keep-foreign-metadata"_s, u"ffp"_s, u"overwrite"_s})
         requireFormat(arguments, option, {u"flac"_s}, format);
     requireFormat(arguments, u"md5"_s, {u"shn"_s}, format);
     requireFormat(arguments, u"mode"_s, {u"wv"_s}, format);

@@ -40,7 +40,7 @@ std::optional<QString> obstacle(const QByteArray &path, bool &isFolder)
 
 } // namespace
 
-InputFiles collectInput(const QList<QByteArray> &arguments, const FileTest &isValid)
+InputFiles collectInput(const QList<QByteArray> &arguments, const FileTest &isValid, const FileTest &isValidInFolder)
 {
     InputFiles result;
     for (const QByteArray &argument : arguments) {
@@ -49,13 +49,17 @@ InputFiles collectInput(const QList<QByteArray> &arguments, const FileTest &isVa
             result.refusals.append(u"%1: the name is not valid UTF-8"_s.arg(displayName(argument)));
             continue;
         }
+        if (name->isEmpty()) {
+            result.refusals.append(u"an empty name stands for no file"_s);
+            continue;
+        }
         bool isFolder = false;
         if (const std::optional<QString> reason = obstacle(argument, isFolder)) {
             result.refusals.append(u"%1: %2"_s.arg(*name, *reason));
             continue;
         }
         const FileTest noteRefused = [&](const QString &path) {
-            if (isValid(path))
+            if (isFolder ? isValidInFolder(path) : isValid(path))
                 return true;
             if (!isFolder)
                 result.refusals.append(u"%1: not a file of a kind that this command takes"_s.arg(*name));

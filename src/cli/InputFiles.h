@@ -19,7 +19,9 @@ struct InputFiles {
 };
 
 /// Looks at every argument: files as they are, folders searched as folders
-/// dropped on a window are. Blocks; reads the head of some files.
-[[nodiscard]] InputFiles collectInput(const QList<QByteArray> &arguments, const FileTest &isValid);
+/// dropped on a window are. `isValid` is for files that were named themselves,
+/// `isValidInFolder` for what a folder holds. Blocks; may read the head of files.
+[[nodiscard]] InputFiles collectInput(const QList<QByteArray> &arguments, const FileTest &isValid,
+                                      const FileTest &isValidInFolder);
 
 } // namespace nurv

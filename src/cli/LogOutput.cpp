@@ -6,6 +6,7 @@
 #include "platform/GuiThread.h"
 
 #include <QCoreApplication>
+#include <QLoggingCategory>
 #include <QtGlobal>
 
 #include <cstdlib>
@@ -43,6 +44,8 @@ void writeMessage(QtMsgType type, const QMessageLogContext &context, const QStri
 LogOutput::LogOutput(Console &console)
 {
     g_console = &console;
+    // The lines and reports of the jobs tell their failures; QT_LOGGING_RULES still wins.
+    QLoggingCategory::setFilterRules(u"nurv.engine.jobs=false"_s);
     qInstallMessageHandler(writeMessage);
 }
 

@@ -53,8 +53,8 @@ void DecodeTab::executeCommand()
 {
     if (fileNames().isEmpty())
         return;
-    if (listsUnavailableFormat()) {
-        tellFormatIsNotAvailable(nurvController().prompts());
+    if (const QStringList sources = unavailableSources(); !sources.isEmpty()) {
+        tellFormatIsNotAvailable(nurvController().prompts(), sources);
         return;
     }
     if (!confirmDeletingOriginals(deleteOriginalsButton.isOn()))
@@ -69,11 +69,9 @@ void DecodeTab::executeCommand()
     clearFiles();
 }
 
-bool DecodeTab::listsUnavailableFormat() const
+QStringList DecodeTab::unavailableSources() const
 {
-    static const QStringList unavailable{u"WV"_s, u"TTA"_s, u"M4A"_s, u"APE"_s};
-    return std::any_of(fileNames().begin(), fileNames().end(),
-                       [](const QString &source) { return unavailable.contains(formatWord(source)); });
+    return sourcesOfFormats(fileNames(), {u"WV"_s, u"TTA"_s, u"M4A"_s, u"APE"_s});
 }
 
 void DecodeTab::queueTasks(const std::optional<QString> &chosenFolder)

@@ -32,6 +32,7 @@ public:
     /// Shows or hides the two FLAC options and their label.
     void showFLacOptions(bool show);
     void clearFiles() override;
+    [[nodiscard]] bool isAvailable() const override { return unavailableSources().isEmpty(); }
     void executeCommand() override;
 
     [[nodiscard]] std::shared_ptr<ConversionTask> decodeFlac(const QString &source, const QString &outputFolder,
@@ -43,7 +44,8 @@ protected:
     void filesAdded() override;
 
 private:
-    [[nodiscard]] bool listsUnavailableFormat() const;
+    /// The listed files that there are no jobs for.
+    [[nodiscard]] QStringList unavailableSources() const;
     void queueTasks(const std::optional<QString> &chosenFolder);
 };
 

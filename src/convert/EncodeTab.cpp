@@ -89,8 +89,8 @@ void EncodeTab::executeCommand()
     if (fileNames().isEmpty())
         return;
     Batch batch{.format = outputFormat(), .chosenFolder = {}, .overwrite = false, .results = {}};
-    if (!formatsAreAvailable(batch.format)) {
-        tellFormatIsNotAvailable(nurvController().prompts());
+    if (const QStringList what = unavailable(); !what.isEmpty()) {
+        tellFormatIsNotAvailable(nurvController().prompts(), what);
         return;
     }
     if (!confirmDeletingOriginals(deleteOriginalsButton.isOn()) || !chooseOutput(batch))
@@ -101,14 +101,12 @@ void EncodeTab::executeCommand()
     clearFiles();
 }
 
-bool EncodeTab::formatsAreAvailable(const QString &format) const
+QStringList EncodeTab::unavailable() const
 {
+    const QString format = outputFormat();
     if (format == u"WV" || format == u"TTA" || format == u"APE" || format == u"M4A")
-        return false;
-    return format != u"FLAC" || std::none_of(fileNames().begin(), fileNames().end(), [](const QString &source) {
-               const QString word = formatWord(source);
-               return word == u"M4A" || word == u"WV";
-           });
+        return {format};
+    return format == u"FLAC" ? sourcesOfFormats(fileNames(), {u"M4A"_s, u"WV"_s}) : QStringList();
 }
 
 bool EncodeTab::chooseOutput(Batch &batch)

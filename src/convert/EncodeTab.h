@@ -42,6 +42,7 @@ public:
     [[nodiscard]] QString outputFormat() const;
 
     void displayRelevantOptions() override;
+    [[nodiscard]] bool isAvailable() const override { return unavailable().isEmpty(); }
     void executeCommand() override;
 
     /// A job that reports into `results`, whose member it is not yet.
@@ -64,7 +65,8 @@ public:
 private:
     struct Batch;
 
-    [[nodiscard]] bool formatsAreAvailable(const QString &format) const;
+    /// The chosen format or the listed files that there are no jobs for.
+    [[nodiscard]] QStringList unavailable() const;
     /// Finds out where the outputs go and whether they replace files. False: the user
     /// does not want to go on.
     [[nodiscard]] bool chooseOutput(Batch &batch);

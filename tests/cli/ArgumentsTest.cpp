@@ -46,9 +46,11 @@ TEST(Arguments, WrongUsageGivesOneSentenceAndAHintAndStatus2)
     const QString wav = folder.write(u"a.wav"_s, "no sound");
     const std::vector<std::pair<QStringList, QByteArray>> cases{
         {{}, "nurv: a command is needed."},
-        {{u"rip"_s}, "nurv: unknown command \"rip\"."},
-        {{u"--frob"_s}, "nurv: unknown option \"--frob\"."},
-        {{u"encode"_s, u"--levle"_s, u"5"_s}, "nurv encode: unknown option \"--levle\"."},
+        {{u"rip"_s}, "nurv: unknown command \"rip\"; there are encode, decode, doctor."},
+        {{u"--frob"_s}, "nurv: unknown option \"--frob\"; the options of a command come after it."},
+        {{u"encode"_s, u"--levle"_s, u"5"_s}, "nurv encode: unknown option \"--levle\" (did you mean --level?)."},
+        {{u"encode"_s, wav, u"--out"_s, out}, "nurv encode: unknown option \"--out\" (did you mean --output-dir?)."},
+        {{u"encode"_s}, "nurv encode: no files are given."},
         {{u"encode"_s, u"-x"_s}, "nurv encode: unknown option \"-x\"."},
         {{u"encode"_s, wav, u"--level"_s}, "nurv encode: --level needs a value (N)."},
         {{u"encode"_s, u"--verify=yes"_s}, "nurv encode: --verify takes no value."},
@@ -83,9 +85,10 @@ TEST(Arguments, WrongUsageGivesOneSentenceAndAHintAndStatus2)
          "nurv encode: --yes and --no cannot both be given."},
         {{u"encode"_s, u"--no"_s, u"--delete-originals"_s, u"--beside-source"_s, wav},
          "nurv encode: --no and --delete-originals cannot both be given."},
-        {{u"encode"_s, u"--overwrite"_s, u"--output-dir"_s, out, wav},
-         "nurv encode: --overwrite goes with --format flac and --beside-source only; elsewhere an output that "
-         "exists is never replaced."},
+        {{u"encode"_s, u"--overwrite"_s, u"--format=shn"_s, u"--output-dir"_s, out, wav},
+         "nurv encode: --overwrite goes with --format flac only, not with shn."},
+        {{u"encode"_s, u"--overwrite"_s, u"--no"_s, u"--beside-source"_s, wav},
+         "nurv encode: --no and --overwrite cannot both be given."},
         {{u"encode"_s, u"--jobs=0"_s, u"--beside-source"_s, wav},
          "nurv encode: --jobs takes a whole number from 1 to 256, not \"0\"."},
         {{u"decode"_s, u"--format=flac"_s, u"--beside-source"_s, wav},
@@ -114,6 +117,8 @@ TEST(Arguments, TheOutputFolderMustExistAndBeWritable)
     };
     EXPECT_TRUE(errorFor(folder.path(u"new"_s)).startsWith("nurv encode: the output folder does not exist: "));
     EXPECT_FALSE(folder.exists(u"new"_s));
+    EXPECT_TRUE(errorFor(u"~/new"_s).contains("~/new (the shell puts the home folder in only after a blank: "
+                                              "--output-dir ~/new)"));
     EXPECT_TRUE(errorFor(wav).startsWith("nurv encode: the output folder is no folder: "));
     // The kernel's own folder takes no files, not even from root.
     EXPECT_EQ(folder.list(), QStringList{u"a.wav"_s});

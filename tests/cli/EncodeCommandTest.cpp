@@ -186,9 +186,37 @@ TEST(EncodeCommand, AMissingProgramGivesStatus3BeforeAnythingIsQueued)
     const ProgramResult result = runNurv({u"encode"_s, u"--beside-source"_s, folder.path(u"a.wav"_s)});
     EXPECT_EQ(result.exitStatus, 3);
     EXPECT_TRUE(result.errors.contains("\"flac\"")) << result.errors.constData();
-    EXPECT_TRUE(result.errors.contains(tools.path().toUtf8()));
+    EXPECT_TRUE(result.errors.contains("\n    It was looked for in the folder " + tools.path().toUtf8() + ".\n"));
     EXPECT_FALSE(result.errors.contains("a.wav: "));
     EXPECT_EQ(folder.list(), QStringList{u"a.wav"_s});
+}
+
+TEST(EncodeCommand, AFormatWithoutJobsIsToldBeforeAnyMissingProgram)
+{
+    const TestFolder folder;
+    writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
+    const QString ape = folder.write(u"b.ape"_s, "x");
+    const ToolFolder tools;
+    for (const QString &format : {u"wv"_s, u"tta"_s, u"ape"_s, u"m4a"_s}) {
+        const ProgramResult result =
+            runNurv({u"encode"_s, u"--format"_s, format, u"--beside-source"_s, folder.path(u"a.wav"_s)});
+        EXPECT_EQ(result.exitStatus, 1) << qPrintable(format);
+        EXPECT_EQ(result.errors, "nurv: This format is not available yet: " + format.toUpper().toUtf8() + "\n");
+    }
+    const ProgramResult decode = runNurv({u"decode"_s, u"--beside-source"_s, ape});
+    EXPECT_EQ(decode.exitStatus, 1);
+    EXPECT_EQ(decode.errors, "nurv: This format is not available yet: " + ape.toUtf8() + "\n");
+}
+
+TEST(EncodeCommand, AFailureIsNotLoggedBesidesItsLineAndItsReport)
+{
+    const TestFolder folder;
+    folder.write(u"bad.wav"_s, "this is no sound at all");
+    for (const QStringList &options : {QStringList(), QStringList{u"--quiet"_s}}) {
+        const ProgramResult result = runNurv(QStringList{u"encode"_s, u"--beside-source"_s, folder.path()} + options);
+        EXPECT_EQ(result.exitStatus, 1);
+        EXPECT_FALSE(result.errors.contains("nurv.engine")) << result.errors.constData();
+    }
 }
 
 TEST(EncodeCommand, AProgramThatVanishesDuringTheBatchGivesStatus3)

@@ -38,6 +38,23 @@ TEST(InputFiles, AFileOfAnotherKindInAFolderIsToldByNameAndNoFailure)
     EXPECT_EQ(runNurv({u"decode"_s, u"--beside-source"_s, u"--quiet"_s, folder.path()}).errors, "");
 }
 
+TEST(InputFiles, AFolderGivesOnlyFilesWithAnExtensionOfThePage)
+{
+    const TestFolder folder;
+    const QString wav = writeWav(folder.path(u"in/a.wav"_s), {.seconds = 0.1});
+    writeWav(folder.path(u"in/take one"_s), {.seconds = 0.1});
+    const QString notes = folder.write(u"in/README"_s, "text");
+    const ProgramResult result = runNurv({u"encode"_s, u"--beside-source"_s, folder.path(u"in"_s)});
+    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_TRUE(result.errors.contains("nurv: " + notes.toUtf8() + ": skipped")) << result.errors.constData();
+    EXPECT_EQ(folder.list(),
+              (QStringList{u"in/README"_s, u"in/a.flac"_s, u"in/a.wav"_s, u"in/take one"_s}));
+
+    // What is named itself is taken without one.
+    EXPECT_EQ(runNurv({u"encode"_s, u"--beside-source"_s, folder.path(u"in/take one"_s)}).exitStatus, 0);
+    EXPECT_TRUE(sameSound(folder.path(u"in/take one"_s), folder.path(u"in/take one.flac"_s)));
+}
+
 TEST(InputFiles, AMissingFileIsToldAndTheOthersAreWorkedOn)
 {
     const TestFolder folder;
@@ -71,6 +88,14 @@ TEST(InputFiles, NamesThatAreNotUtf8AreToldWhereverTheyStand)
     EXPECT_EQ(result.exitStatus, 1);
     EXPECT_TRUE(result.errors.contains("/x\\xFF.flac: the name is not valid UTF-8\n")) << result.errors.constData();
     EXPECT_TRUE(result.errors.contains("y\\xFE.flac: the name is not valid UTF-8\n")) << result.errors.constData();
+}
+
+TEST(InputFiles, AnEmptyNameIsToldAsWhatItIs)
+{
+    const TestFolder folder;
+    const ProgramResult result = runNurv({u"decode"_s, u"--beside-source"_s, QString()});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_TRUE(result.errors.startsWith("nurv: an empty name stands for no file\n")) << result.errors.constData();
 }
 
 TEST(InputFiles, TwoDashesEndTheOptions)

@@ -86,3 +86,44 @@ TEST(Questions, CtrlCAtAQuestionEndsWithStatus130)
     EXPECT_EQ(terminal.finish(), 130);
     EXPECT_EQ(folder.list(), QStringList{u"a.wav"_s});
 }
+
+TEST(Questions, OnATerminalTheUserIsAskedForTheOutputFolder)
+{
+    const TestFolder folder;
+    const QString wav = writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
+    folder.makeFolder(u"out"_s);
+    PseudoTerminal terminal(200, 24, nurvPath(), {u"encode"_s, wav});
+    ASSERT_TRUE(terminal.waitFor("Choose output directory [Enter alone: cancel]: "));
+    terminal.type(folder.path(u"none"_s).toUtf8() + "\n");
+    ASSERT_TRUE(terminal.waitFor("nurv: the output folder does not exist: " + folder.path(u"none"_s).toUtf8()));
+    terminal.type(folder.path(u"out"_s).toUtf8() + "\n");
+    EXPECT_EQ(terminal.finish(), 0) << terminal.received().constData();
+    EXPECT_EQ(folder.list(), (QStringList{u"a.wav"_s, u"out/a.flac"_s}));
+}
+
+TEST(Questions, AnEmptyAnswerAndTheEndOfTheInputGiveNoOutputFolder)
+{
+    const TestFolder folder;
+    const QString wav = writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
+    for (const QByteArray &keys : {QByteArray("\n"), QByteArray("\x04")}) {
+        PseudoTerminal terminal(200, 24, nurvPath(), {u"encode"_s, wav});
+        ASSERT_TRUE(terminal.waitFor("Choose output directory"));
+        terminal.type(keys);
+        EXPECT_EQ(terminal.finish(), 1) << terminal.received().constData();
+        EXPECT_EQ(folder.list(), QStringList{u"a.wav"_s});
+    }
+}
+
+TEST(Questions, OverwriteReplacesNothingInAnOutputFolderAndSaysSo)
+{
+    const TestFolder folder;
+    const QString wav = writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
+    folder.write(u"out/a.flac"_s, "precious");
+    const ProgramResult result =
+        runNurv({u"encode"_s, u"--overwrite"_s, u"--output-dir"_s, folder.path(u"out"_s), wav});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_TRUE(result.errors.startsWith("nurv: --overwrite counts for --beside-source only: "
+                                         "an output that exists in the output folder is never replaced\n"))
+        << result.errors.constData();
+    EXPECT_EQ(folder.read(u"out/a.flac"_s), "precious");
+}

@@ -345,7 +345,9 @@ TEST_F(EncodeTabTest, AnswersFormatsWithoutJobsBeforeAnyOtherQuestion)
     tab.deleteOriginalsButton.setOn(true);
     for (const QString &format : {u"WV"_s, u"TTA"_s, u"APE"_s, u"M4A"_s}) {
         choose(format);
-        prompts.expectAsk(u"This format is not available yet"_s, {u"OK"_s}, u"OK"_s);
+        prompts.expectAsk(
+            {.title = u"This format is not available yet"_s, .message = format, .buttons = {u"OK"_s}},
+            u"OK"_s);
         press({u"a.wav"_s});
         EXPECT_EQ(queue().taskCount(), 0);
         EXPECT_EQ(tab.fileNames().size(), 1);
@@ -355,7 +357,9 @@ TEST_F(EncodeTabTest, AnswersFormatsWithoutJobsBeforeAnyOtherQuestion)
 TEST_F(EncodeTabTest, AnswersSourcesWithoutJobsBeforeAnyOtherQuestion)
 {
     for (const QString &source : {u"b.M4A"_s, u"b.wv"_s}) {
-        prompts.expectAsk(u"This format is not available yet"_s, {u"OK"_s}, u"OK"_s);
+        prompts.expectAsk(
+            {.title = u"This format is not available yet"_s, .message = folder.path(source), .buttons = {u"OK"_s}},
+            u"OK"_s);
         press({u"a.wav"_s, source});
         EXPECT_EQ(queue().taskCount(), 0);
         EXPECT_EQ(tab.fileNames().size(), 2);
