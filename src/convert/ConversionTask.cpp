@@ -9,6 +9,7 @@
 
 #include <QFile>
 
+#include <algorithm>
 #include <optional>
 
 #include <sys/stat.h>
@@ -99,7 +100,7 @@ bool ConversionTask::programSucceeded() const
 
 QString ConversionTask::report() const
 {
-    if (!error())
+    if (!error() && !m_toldOfDamage)
         return NURVAsyncNSTask::report();
     return fileName() + u":\n"_s + toolOutput::asOnATerminal(m_ownText);
 }
@@ -107,6 +108,13 @@ QString ConversionTask::report() const
 void ConversionTask::keepForReport(const QString &text)
 {
     m_ownText += text;
+    // A marker can be spread over two chunks.
+    const qsizetype fresh = std::min(m_ownText.size(), text.size() + toolOutput::kLongestDamageMarker);
+    if (toolOutput::tellsOfDamage(QStringView(m_ownText).last(fresh))) {
+        m_toldOfDamage = true;
+        if (m_batch)
+            m_batch->toldOfDamage = true;
+    }
     if (m_ownText.size() > kLongestReport)
         m_ownText.remove(0, m_ownText.size() - kLongestReport);
 }
@@ -165,6 +173,10 @@ void ConversionTask::deleteSourceIfDone()
         qCWarning(convertLog).noquote() << "Kept, since it is the output itself:" << m_fileName;
         return;
     }
+    if (m_toldOfDamage) {
+        qCWarning(convertLog).noquote() << "Kept, since its program told of damage:" << m_fileName;
+        return;
+    }
     if (m_sourceHasTheOnlyTags) {
         qCWarning(convertLog).noquote() << "Kept, since only it has the tags:" << m_fileName;
         return;
@@ -174,7 +186,7 @@ void ConversionTask::deleteSourceIfDone()
 
 void ConversionTask::dropResultsUnlessFailed()
 {
-    if (error())
+    if (error() || m_toldOfDamage || (m_batch && m_batch->toldOfDamage))
         return;
     setResults(nullptr);
     m_ownText.clear();

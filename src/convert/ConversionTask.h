@@ -35,7 +35,7 @@ public:
     /// Fails when another running job, or an earlier one of the batch, makes the output.
     void startTask() final;
 
-    /// Of a failed job: the source's path, then the end of what its program wrote,
+    /// Of a job that failed or met damage: the source's path, then the end of what its program wrote,
     /// then why the job failed. The slots of the set tell no member from another.
     [[nodiscard]] QString report() const override;
 
@@ -61,10 +61,11 @@ protected:
     /// the log: the output then stays without tags and the job's state as it is.
     void copyTags(const std::function<void()> &copy);
     /// Deletes the source if that was asked for and the job succeeded. A source that
-    /// is the output itself, or whose tags could not be copied, stays: it is the only
-    /// copy. The log says so.
+    /// is the output itself, whose tags could not be copied, or of which the program
+    /// said that it is damaged, stays: it is the only copy. The log says so.
     void deleteSourceIfDone();
-    /// Lets go of the result set unless the job failed: nothing is to be reported.
+    /// Lets go of the result set unless the job failed or its batch met damage:
+    /// nothing is to be reported.
     void dropResultsUnlessFailed();
 
 private:
@@ -76,6 +77,7 @@ private:
     QString m_ownText; ///< what `report` is made of, as it was written
     std::shared_ptr<ConversionBatch> m_batch;
     OutputClaim m_claim;
+    bool m_toldOfDamage = false;
     bool m_outputExisted = false;
     bool m_temporaryExisted = false;
     bool m_deleteOriginal = false;

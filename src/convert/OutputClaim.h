@@ -13,6 +13,9 @@ namespace nurv {
 struct ConversionBatch {
     /// The source of every output that was begun, by the output's place.
     QHash<QString, QString> sourceOfOutput;
+    /// Whether the program of a member told of damage and went on: the report is
+    /// then shown at the end of the batch, although no job failed.
+    bool toldOfDamage = false;
 };
 
 /// A conversion's right to make its output: no two make one file at the same time,

@@ -4,6 +4,8 @@
 
 #include "platform/TextNumbers.h"
 
+#include <QStringList>
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -60,6 +62,12 @@ QString shntoolResults(QStringView text)
 }
 
 } // namespace
+
+bool tellsOfDamage(QStringView text)
+{
+    static const QStringList markers{u"*** Got error code"_s, u"MD5 signature mismatch"_s, u"unexpected EOF"_s};
+    return std::any_of(markers.begin(), markers.end(), [&](const QString &marker) { return text.contains(marker); });
+}
 
 QString asOnATerminal(QStringView text)
 {

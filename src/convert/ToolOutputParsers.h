@@ -19,6 +19,12 @@ struct ChunkReport {
     QString results;                ///< to be appended to the report
 };
 
+/// Whether the text says that a source is damaged or cut short: flac goes on after
+/// that, when it was told to or when it takes what is there, and ends with status 0.
+[[nodiscard]] bool tellsOfDamage(QStringView text);
+/// No marker that `tellsOfDamage` knows is longer.
+inline constexpr qsizetype kLongestDamageMarker = 32;
+
 /// The lines as a terminal ends up with them: backspaces and carriage returns take
 /// back what stands before them in the line, so that of all figures the last is left.
 [[nodiscard]] QString asOnATerminal(QStringView text);

@@ -119,6 +119,59 @@ TEST_F(DeleteOriginalTest, KeepsASourceWhoseTagsCouldNotBeCopied)
     EXPECT_EQ(out.list(), QStringList{u"a.flac"_s});
 }
 
+TEST_F(DeleteOriginalTest, KeepsADamagedSourceThatWasDecodedThroughItsErrors)
+{
+    const test::LogLines log;
+    test::writeFlac(folder.path(u"whole.flac"_s), {.seconds = 5});
+    QByteArray bytes = folder.read(u"whole.flac"_s);
+    folder.remove(u"whole.flac"_s);
+    const QString cut = folder.write(u"cut.flac"_s, bytes.first(60'000));
+    const QString broken = folder.write(u"broken.flac"_s, QByteArray(bytes).replace(60'000, 100, QByteArray(100, 'x')));
+    const QString mismatch = folder.write(u"mismatch.flac"_s, QByteArray(bytes).replace(26, 16, QByteArray(16, 'x')));
+    tools.addReal(u"flac"_s);
+    DecodeTab tab(controller);
+    tab.deleteOriginalsButton.setOn(true);
+    tab.decodeFlacThroughErrors.setOn(true);
+    run(tab, {cut, broken, mismatch});
+    ASSERT_EQ(endedTasks.size(), 3U);
+    EXPECT_EQ(folder.list(), (QStringList{u"broken.flac"_s, u"cut.flac"_s, u"mismatch.flac"_s}));
+    EXPECT_EQ(log.with(u"Kept, since its program told of damage"_s).size(), 3);
+    for (const auto &task : endedTasks) {
+        EXPECT_FALSE(task->error());
+        EXPECT_TRUE(task->report().contains(u"MD5 signature mismatch"_s)) << qPrintable(task->report());
+    }
+    EXPECT_EQ(outputWindows.size(), 3);
+}
+
+TEST_F(DeleteOriginalTest, KeepsATruncatedSourceThatWasEncoded)
+{
+    const QString wav = folder.write(u"a.wav"_s, test::wavBytes({}).first(100'000));
+    const QString aiff = folder.write(u"b.aiff"_s, test::aiffBytes({}).first(100'000));
+    const QString whole = test::writeWav(folder.path(u"c.wav"_s));
+    tools.addReal(u"flac"_s);
+    EncodeTab tab(controller);
+    tab.deleteOriginalsButton.setOn(true);
+    run(tab, {wav, aiff, whole});
+    ASSERT_EQ(endedTasks.size(), 3U);
+    EXPECT_EQ(folder.list(), (QStringList{u"a.wav"_s, u"b.aiff"_s}));
+    ASSERT_EQ(outputWindows.size(), 1);
+    EXPECT_TRUE(outputWindows[0].contains(u"a.wav: WARNING: unexpected EOF"_s)) << qPrintable(outputWindows[0]);
+    // A WAV file's end is taken for the end of its sound, an AIFF file's is an error.
+    for (const auto &task : endedTasks)
+        EXPECT_EQ(task->error(), task->title() == u"b.aiff") << qPrintable(task->report());
+}
+
+TEST_F(DeleteOriginalTest, NoticesDamageThatIsToldInTwoPieces)
+{
+    tools.addFake(u"flac"_s, "create=@-1;append=@-1:x;out=\\b\\b*** Got err;delay=100;out=or code 0:LOST_SYNC\\n");
+    const QString flac = folder.write(u"a.flac"_s, "fLaC");
+    DecodeTab tab(controller);
+    tab.deleteOriginalsButton.setOn(true);
+    run(tab, {flac});
+    EXPECT_FALSE(endedTasks.at(0)->error());
+    EXPECT_TRUE(folder.exists(u"a.flac"_s));
+}
+
 TEST_F(DeleteOriginalTest, MovesTheSourceToTheTrashWhenTheSettingSaysSo)
 {
     set(u"trashOrDelete", 1);

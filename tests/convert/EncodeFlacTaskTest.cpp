@@ -202,6 +202,21 @@ TEST_F(EncodeFlacTaskTest, FailsInsteadOfOverwritingInTheChosenFolder)
     EXPECT_TRUE(outputWindows.value(0).contains(u"already exists"_s)) << qPrintable(outputWindows.join(u'|'));
 }
 
+TEST_F(EncodeFlacTaskTest, RefusesATruncatedFlacFile)
+{
+    test::writeFlac(folder.path(u"whole.flac"_s), {.seconds = 5});
+    const QString source = folder.write(u"cut.flac"_s, folder.read(u"whole.flac"_s).first(60'000));
+    tools.addReal(u"flac"_s);
+    set(u"warnOnDelete", false);
+    EncodeTab tab(controller);
+    tab.deleteOriginalsButton.setOn(true);
+    run(tab, {source});
+    EXPECT_TRUE(endedTasks.at(0)->error());
+    EXPECT_TRUE(endedTasks.at(0)->report().contains(u"cut.flac: ERROR"_s)) << qPrintable(endedTasks.at(0)->report());
+    EXPECT_TRUE(out.list().isEmpty());
+    EXPECT_TRUE(folder.exists(u"cut.flac"_s));
+}
+
 TEST_F(EncodeFlacTaskTest, EncodesWithLax)
 {
     const QString source = test::writeWav(folder.path(u"a.wav"_s));
