@@ -4,9 +4,9 @@
 
 #include "app/PathNames.h"
 #include "checksum/ChecksumList.h"
-#include "checksum/ChecksumLog.h"
 #include "checksum/Fingerprint.h"
 #include "platform/ExternalPrograms.h"
+#include "platform/GuiThread.h"
 #include "platform/NurvFailure.h"
 #include "platform/ResourceFolder.h"
 #include "platform/SettingsStore.h"
@@ -67,7 +67,7 @@ void CreateFFPTask::doCreateFFP(const QStringList &files, const QString &outputD
     const QString path = listPath(outputDir);
     QString reason;
     if (!writeTextFileAtomically(path, list, &reason))
-        qCWarning(checksumLog).noquote() << "Unable to write" << path << ':' << reason;
+        warn(u"Unable to write %1: %2"_s.arg(path, reason));
 }
 
 QString CreateFFPTask::listPath(const QString &outputDir) const
@@ -80,9 +80,10 @@ QString CreateFFPTask::listPath(const QString &outputDir) const
 
 void CreateFFPTask::stopTask()
 {
-    // A list that was made has nothing to report: no output window opens for it.
+    // A list that was made has nothing to report: no output window opens for it. The
+    // queue reads the set on its own thread.
     if (!error())
-        setResults(nullptr);
+        runOnGuiThread([this] { setResults(nullptr); });
     NURVTask::stopTask();
 }
 

@@ -13,7 +13,7 @@ namespace nurv {
 /// the map has for the folder, in their order.
 ///
 /// For a file that cannot be read the list holds what metaflac said. A list that
-/// cannot be written is told to the log only; without metaflac the job fails and
+/// cannot be written is told to the log and as a warning of the job; without metaflac the job fails and
 /// writes no list. Cancelled, it writes no further list; it looks between files.
 class CreateFFPTask final : public NURVInProcessTask {
 public:

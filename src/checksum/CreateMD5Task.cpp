@@ -4,8 +4,8 @@
 
 #include "app/PathNames.h"
 #include "checksum/ChecksumList.h"
-#include "checksum/ChecksumLog.h"
 #include "checksum/MD5Helper.h"
+#include "platform/GuiThread.h"
 #include "platform/TextFile.h"
 #include "platform/Version.h"
 
@@ -36,11 +36,11 @@ void CreateMD5Task::doCreateMd5()
     const QString listFolder = folderOf(m_outputPath);
     qsizetype done = 0;
     for (const QString &path : m_fileNames) {
-        if (cancelled())
-            return;
         setTextFieldString(lastPathComponent(path));
         setTextFieldValue();
-        const QString digest = MD5Helper::getMD5FromFile(path);
+        const QString digest = MD5Helper::getMD5FromFile(path, [this] { return cancelled(); });
+        if (cancelled())
+            return;
         ++done;
         setProgressIndicatorValue(static_cast<double>(done) * 100.0 / static_cast<double>(m_fileNames.size()));
         setTopTextFieldString(u"Creating MD5 Hash"_s);
@@ -53,14 +53,15 @@ void CreateMD5Task::doCreateMd5()
     setTopTextFieldValue();
     QString reason;
     if (!writeTextFileAtomically(m_outputPath, list, &reason))
-        qCWarning(checksumLog).noquote() << "Unable to write" << m_outputPath << ':' << reason;
+        warn(u"Unable to write %1: %2"_s.arg(m_outputPath, reason));
 }
 
 void CreateMD5Task::stopTask()
 {
-    // A list that was made has nothing to report: no output window opens for it.
+    // A list that was made has nothing to report: no output window opens for it. The
+    // queue reads the set on its own thread.
     if (!error())
-        setResults(nullptr);
+        runOnGuiThread([this] { setResults(nullptr); });
     NURVTask::stopTask();
 }
 

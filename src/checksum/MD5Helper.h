@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <functional>
+
 namespace nurv {
 
 /// The MD5 digest (RFC 1321) of whole files.
@@ -12,7 +14,9 @@ public:
     /// The digest of the file's bytes, 32 lower-case hexadecimal digits. A file that
     /// cannot be opened is read as empty; the log says so. Throws NurvFailure when
     /// the machine refuses MD5. Any thread; blocks for the reading of the file.
-    [[nodiscard]] static QString getMD5FromFile(const QString &path);
+    /// `isStopped` is asked before every block of 1 MiB; once it says yes the text
+    /// is empty.
+    [[nodiscard]] static QString getMD5FromFile(const QString &path, const std::function<bool()> &isStopped = {});
 };
 
 } // namespace nurv

@@ -149,6 +149,7 @@ void BatchRun::taskEnded(const std::shared_ptr<NURVTask> &task)
             m_failedReports.push_back({task->title(), report, results});
     } else {
         ++m_completeCount;
+        m_warnings.append(task->warnings());
     }
     if (m_options.json) {
         m_console.writeOutput(jsonLine({{u"type"_s, u"job"_s},
@@ -212,6 +213,8 @@ void BatchRun::printUnseenReports()
 {
     if (m_options.json)
         return;
+    for (const QString &warning : std::as_const(m_warnings))
+        m_console.writeNote(warning);
     for (const FailedReport &failed : std::as_const(m_failedReports)) {
         m_console.writeNote(u"%1 failed:"_s.arg(failed.title));
         const QStringList lines = failed.text.trimmed().split(u'\n', Qt::SkipEmptyParts);
@@ -230,7 +233,7 @@ ExitStatus BatchRun::status() const
         return ExitStatus::Usage;
     if (m_prompts.outcome() == ConsolePrompts::Outcome::Declined)
         return ExitStatus::Failed;
-    return m_canceledCount > 0 || m_addedCount == 0 ? ExitStatus::Failed : ExitStatus::Ok;
+    return m_canceledCount > 0 || !m_warnings.isEmpty() || m_addedCount == 0 ? ExitStatus::Failed : ExitStatus::Ok;
 }
 
 void BatchRun::printBatchObject(ExitStatus exitStatus, const QStringList &refusals, const QStringList &skipped)
@@ -244,6 +247,7 @@ void BatchRun::printBatchObject(ExitStatus exitStatus, const QStringList &refusa
                                     {u"canceled"_s, m_canceledCount},
                                     {u"refused"_s, QJsonArray::fromStringList(refusals)},
                                     {u"skipped"_s, QJsonArray::fromStringList(skipped)},
+                                    {u"warnings"_s, QJsonArray::fromStringList(m_warnings)},
                                     {u"outputs"_s, m_outputs},
                                     {u"exitStatus"_s, static_cast<int>(exitStatus)}}));
 }

@@ -84,6 +84,7 @@ private:
     QHash<const NURVTask *, QString> m_sourceOf;
     QJsonArray m_outputs;
     std::vector<FailedReport> m_failedReports;
+    QStringList m_warnings; ///< of jobs that ended well
     int m_addedCount = 0;
     int m_completeCount = 0;
     int m_failedCount = 0;

@@ -115,6 +115,12 @@ void NURVTask::failWith(const QString &reason)
     appendResultsForSelf(reason);
 }
 
+void NURVTask::warn(const QString &text)
+{
+    m_warnings.append(text);
+    qCWarning(engineLog).noquote() << text;
+}
+
 void NURVTask::appendResults(const QString &text)
 {
     if (m_results)

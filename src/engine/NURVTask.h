@@ -6,6 +6,7 @@
 
 #include <QPointer>
 #include <QString>
+#include <QStringList>
 
 #include <atomic>
 #include <memory>
@@ -71,6 +72,10 @@ public:
     /// the text of its own slot, unless the job knows better. GUI thread.
     [[nodiscard]] virtual QString report() const;
 
+    /// What a job that ended well could not do besides, one line each; usually empty.
+    /// Read it once the job has ended.
+    [[nodiscard]] const QStringList &warnings() const { return m_warnings; }
+
     [[nodiscard]] NURVTaskQueue *queue() const;
 
     // The next texts and the next progress value: written by the job's thread,
@@ -110,6 +115,8 @@ protected:
     void appendResults(const QString &text);
     /// Sets the error flag and appends the reason to the job's own slot.
     virtual void failWith(const QString &reason);
+    /// Adds to the job's warnings and tells the log. The job's own thread.
+    void warn(const QString &text);
     /// Sets the active flags and shows the cancel button and the progress bar.
     void becomeActive();
     /// The flags of a job that has stopped.
@@ -125,6 +132,7 @@ private:
     std::shared_ptr<TaskFlags> m_flags = std::make_shared<TaskFlags>();
     std::shared_ptr<NURVTaskResults> m_results;
     QString m_title;
+    QStringList m_warnings;
     QString m_topTextFieldString;
     QString m_textFieldString;
     double m_progressIndicatorValue = 0.0;

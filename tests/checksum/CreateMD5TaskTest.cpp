@@ -115,6 +115,8 @@ TEST_F(CreateMD5TaskTest, LogsAListThatCannotBeWritten)
     run(task);
     EXPECT_FALSE(task->error());
     EXPECT_EQ(task->topTextField().text, u"Complete");
+    ASSERT_EQ(task->warnings().size(), 1);
+    EXPECT_TRUE(task->warnings().first().contains(folder.path(u"no such folder/md5sum.md5"_s)));
     EXPECT_EQ(log.with(u"no such folder/md5sum.md5"_s).size(), 1);
 }
 

@@ -39,6 +39,17 @@ TEST(MD5Helper, ReadsAFileThatIsNotThereAsEmptyAndSaysSoInTheLog)
     EXPECT_EQ(log.with(u"/nowhere/at all.wav"_s).size(), 1);
 }
 
+TEST(MD5Helper, StopsBetweenTheBlocksOfAFile)
+{
+    const test::TestFolder folder;
+    const QString path = folder.write(u"three"_s, QByteArray(3 * 1'048'576, '\0'));
+    int asked = 0;
+    EXPECT_EQ(MD5Helper::getMD5FromFile(path, [&] { return ++asked == 2; }), QString());
+    EXPECT_EQ(asked, 2);
+    EXPECT_EQ(MD5Helper::getMD5FromFile(folder.write(u"abc"_s, "abc"), [] { return false; }),
+              u"900150983cd24fb0d6963f7d28e17f72");
+}
+
 TEST(MD5Helper, ReadsAFolderAsEmpty)
 {
     const test::LogLines log;

@@ -150,6 +150,18 @@ TEST(EncodeCommand, TheOutputWindowsTextGoesToStandardOutput)
     EXPECT_FALSE(result.errors.contains("failed:")) << result.errors.constData();
 }
 
+TEST(EncodeCommand, FailsWhenTheListOfTheOutputsCannotBeWritten)
+{
+    const TestFolder folder;
+    writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
+    const QString list = folder.makeFolder(u"fingerprint.ffp.txt"_s);
+    const ProgramResult result =
+        runNurv({u"encode"_s, u"--ffp"_s, u"--beside-source"_s, folder.path(u"a.wav"_s)});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_TRUE(result.errors.contains("Unable to write " + list.toUtf8())) << result.errors.constData();
+    EXPECT_TRUE(folder.exists(u"a.flac"_s));
+}
+
 TEST(EncodeCommand, GivesOneJsonObjectPerJobAndOneForTheBatch)
 {
     const TestFolder folder;
