@@ -9,6 +9,7 @@
 #include "platform/ResourceFolder.h"
 #include "platform/SettingsStore.h"
 
+#include <QPointer>
 #include <QTimer>
 
 #include <algorithm>
@@ -43,10 +44,13 @@ FileIntake BaseTab::collect(const QStringList &paths) const
 {
     const FileTest isValid = [this](const QString &path) { return m_controller.isValidFile(m_label, path); };
     FileIntake intake;
+    const StopTest mustStop = [this] { return m_controller.mustStopSearching(); };
     for (const QString &given : paths) {
+        if (mustStop())
+            break;
         const QString path = absolutePath(given);
         if (isFolder(path))
-            collectFiles(path, isValid, intake);
+            collectFiles(path, isValid, intake, mustStop);
         else if (isValid(path))
             intake.accepted.append(path);
         else
@@ -56,6 +60,14 @@ FileIntake BaseTab::collect(const QStringList &paths) const
 }
 
 void BaseTab::addCollected(const FileIntake &intake)
+{
+    m_controller.whenListsMayChange([tab = QPointer<BaseTab>(this), intake] {
+        if (tab)
+            tab->takeCollected(intake);
+    });
+}
+
+void BaseTab::takeCollected(const FileIntake &intake)
 {
     append(intake.accepted);
     sortFileNames();
@@ -108,11 +120,15 @@ void BaseTab::filesAdded()
     Q_EMIT filesWereAdded();
 }
 
+QStringList BaseTab::chooseFiles()
+{
+    return m_controller.prompts().chooseFiles(
+        {.title = u"Choose files for processing"_s, .buttonText = u"Add Files"_s});
+}
+
 void BaseTab::addButtonClick()
 {
-    const QStringList paths = m_controller.prompts().chooseFiles(
-        {.title = u"Choose files for processing"_s, .buttonText = u"Add Files"_s});
-    if (!paths.isEmpty())
+    if (const QStringList paths = chooseFiles(); !paths.isEmpty())
         addFiles(paths);
 }
 

@@ -49,9 +49,11 @@ public:
     /// The first half of `addFiles`: searches the folders and looks at the files.
     /// Any thread; blocks.
     [[nodiscard]] FileIntake collect(const QStringList &paths) const;
-    /// The second half of `addFiles`.
+    /// The second half of `addFiles`. While a tab executes, the files wait.
     void addCollected(const FileIntake &intake);
-    /// Asks for files and adds them.
+    /// Asks for files; empty when cancelled.
+    [[nodiscard]] QStringList chooseFiles();
+    /// Asks for files and adds them. Blocks while it looks at them.
     void addButtonClick();
     void clearButtonClick() { clearFiles(); }
     virtual void clearFiles();
@@ -98,6 +100,7 @@ protected:
 
 private:
     void append(const QStringList &paths);
+    void takeCollected(const FileIntake &intake);
     void removeIf(const std::function<bool(const QString &path)> &isUnwanted);
     void sortFileNames();
     void showBadFileMessages(const QList<Alert> &messages);

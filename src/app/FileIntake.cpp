@@ -30,12 +30,17 @@ using FolderIdentity = std::pair<dev_t, ino_t>;
 
 class FolderWalk {
 public:
-    FolderWalk(const FileTest &isValid, FileIntake &intake) : m_isValid(isValid), m_intake(intake) {}
+    FolderWalk(const FileTest &isValid, FileIntake &intake, const StopTest &mustStop)
+        : m_isValid(isValid), m_intake(intake), m_mustStop(mustStop)
+    {
+    }
 
     // Returns false when the folder that holds the path does not let one look at
     // its entries.
     bool visit(const QString &path)
     {
+        if (m_mustStop && m_mustStop())
+            return true;
         const QByteArray name = QFile::encodeName(path);
         struct stat facts = {};
         if (::stat(name.constData(), &facts) != 0) {
@@ -98,6 +103,7 @@ private:
 
     const FileTest &m_isValid;
     FileIntake &m_intake;
+    const StopTest &m_mustStop;
     std::vector<FolderIdentity> m_ancestors;
     std::set<FolderIdentity> m_linkedFolders;
 };
@@ -141,9 +147,9 @@ QString absolutePath(const QString &name)
     return folder.isEmpty() ? path : QDir::cleanPath(joinPath(folder, path.mid(up + 3)));
 }
 
-void collectFiles(const QString &path, const FileTest &isValid, FileIntake &intake)
+void collectFiles(const QString &path, const FileTest &isValid, FileIntake &intake, const StopTest &mustStop)
 {
-    FolderWalk(isValid, intake).visit(path);
+    FolderWalk(isValid, intake, mustStop).visit(path);
 }
 
 std::optional<Alert> unreadableAlert(const FileIntake &intake)

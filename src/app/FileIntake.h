@@ -25,6 +25,9 @@ struct FileIntake {
 /// Whether a file is one of interest.
 using FileTest = std::function<bool(const QString &path)>;
 
+/// Whether a search must give up, since the application quits. Any thread.
+using StopTest = std::function<bool()>;
+
 /// Whether the name is one that file browsers leave behind: ".DS_Store", ".TOC.plist".
 [[nodiscard]] bool isSkippedName(const QString &path);
 
@@ -39,9 +42,9 @@ using FileTest = std::function<bool(const QString &path)>;
 /// Every file at or under `path` that passes `isValid`, less the skipped names, in
 /// the file system's order. Follows symbolic links, but never into a folder that it
 /// is in already, and into a folder behind several links only once: links cannot
-/// make it run without end. A path that does not exist counts as a file.
-/// Any thread; blocks.
-void collectFiles(const QString &path, const FileTest &isValid, FileIntake &intake);
+/// make it run without end. A path that does not exist counts as a file. Asks
+/// `mustStop` before every entry. Any thread; blocks.
+void collectFiles(const QString &path, const FileTest &isValid, FileIntake &intake, const StopTest &mustStop = {});
 
 /// The message that names what could not be read; nothing when there is nothing to
 /// tell. Of a long list it shows the beginning, and the log has the rest.

@@ -144,11 +144,11 @@ FileIntake NURVController::collect(const QString &label, const QStringList &path
     const FileTest isAny = [](const QString &) { return true; };
     FileIntake found;
     for (const QString &path : paths)
-        collectFiles(absolutePath(path), isAny, found);
+        collectFiles(absolutePath(path), isAny, found, [this] { return mustStopSearching(); });
     const BaseTab *const page = tab(label);
     if (!page)
         return found;
-    found.accepted.removeIf([&](const QString &path) { return !takesFromFolder(label, path); });
+    found.accepted.removeIf([&](const QString &path) { return mustStopSearching() || !takesFromFolder(label, path); });
     // Found already, so the tab searches no folder a second time.
     FileIntake intake = page->collect(found.accepted);
     intake.unreadableNames += found.unreadableNames;
@@ -160,7 +160,7 @@ FileIntake NURVController::collect(const QString &label, const QStringList &path
 void NURVController::addCollected(const QString &label, const FileIntake &found)
 {
     if (label == kAboutLabel)
-        routeByExtension(found);
+        whenListsMayChange([this, found] { routeByExtension(found); });
     else if (BaseTab *const page = tab(label))
         page->addCollected(found);
 }
@@ -210,6 +210,24 @@ void NURVController::routeByExtension(const FileIntake &found)
         m_prompts.ask(*unreadable);
 }
 
+void NURVController::execute(BaseTab &tab)
+{
+    ++m_executions;
+    tab.executeCommand();
+    if (--m_executions > 0)
+        return;
+    for (const std::function<void()> &change : std::exchange(m_waitingChanges, {}))
+        change();
+}
+
+void NURVController::whenListsMayChange(const std::function<void()> &change)
+{
+    if (m_executions > 0)
+        m_waitingChanges.append(change);
+    else
+        change();
+}
+
 bool NURVController::applicationShouldTerminate()
 {
     const int count = m_taskQueue->taskCount();
@@ -229,6 +247,7 @@ bool NURVController::windowShouldClose()
 
 void NURVController::applicationWillTerminate()
 {
+    m_mustStopSearching = true;
     m_taskQueue->killAllTasks();
     m_taskQueue->allowSleep();
 }

@@ -5,11 +5,14 @@
 #include "app/FileIntake.h"
 
 #include <QHash>
+#include <QList>
 #include <QMap>
 #include <QObject>
 #include <QString>
 #include <QStringList>
 
+#include <atomic>
+#include <functional>
 #include <memory>
 
 namespace nurv {
@@ -79,11 +82,19 @@ public:
     /// The second half of `addFiles`, for the same page.
     void addCollected(const QString &label, const FileIntake &found);
 
+    /// Lets the tab execute. Files that arrive before it has returned join their
+    /// lists then: the tab walks its list, and clears it, while it asks the user.
+    void execute(BaseTab &tab);
+    /// Runs `change` at once, or after the tab that executes. GUI thread.
+    void whenListsMayChange(const std::function<void()> &change);
+    /// Whether searches of folders must give up. Any thread.
+    [[nodiscard]] bool mustStopSearching() const { return m_mustStopSearching; }
+
     /// Asks when jobs are queued. True: the application may quit.
     [[nodiscard]] bool applicationShouldTerminate();
     /// Asks whether to quit. True: the main window may close.
     [[nodiscard]] bool windowShouldClose();
-    /// Cancels every job and lets the machine sleep. `shutDown` goes on from here.
+    /// Cancels every job, ends the searches of folders and lets the machine sleep. `shutDown` goes on from here.
     void applicationWillTerminate();
 
     /// "Nurv Audio Workbench <version>" and "(Build <build>)" for the about page.
@@ -103,6 +114,9 @@ private:
     QMap<QString, BaseTab *> m_tabMap;
     const QHash<QString, QStringList> m_extensionMap; ///< read on any thread
     QString m_selectedLabel;
+    int m_executions = 0;
+    QList<std::function<void()>> m_waitingChanges;
+    std::atomic<bool> m_mustStopSearching = false;
 };
 
 } // namespace nurv

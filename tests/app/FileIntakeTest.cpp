@@ -292,4 +292,17 @@ TEST(UnreadableAlert, ShowsTheBeginningOfALongList)
     EXPECT_TRUE(alert->message.endsWith(u"\n/m/20\nand 3 more"_s));
 }
 
+TEST(FileIntake, GivesUpAtTheNextEntryWhenItMustStop)
+{
+    test::TestFolder folder;
+    for (int number = 0; number < 50; ++number)
+        folder.write(u"deep/%1.flac"_s.arg(number), "x");
+    int looks = 0;
+    FileIntake intake;
+    collectFiles(folder.path(), kAny, intake, [&looks] { return ++looks > 12; });
+    // The two folders were looked at before the files.
+    EXPECT_EQ(intake.accepted.size(), 10);
+    EXPECT_EQ(unreadableAlert(intake), std::nullopt);
+}
+
 } // namespace nurv

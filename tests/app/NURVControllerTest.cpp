@@ -250,4 +250,32 @@ TEST_F(NURVControllerTest, TellsItsVersionAndBuild)
     EXPECT_EQ(NURVController::buildText(), u"(Build " NURV_VERSION ")"_s);
 }
 
+TEST_F(NURVControllerTest, HoldsFilesThatArriveWhileATabExecutesUntilItHasReturned)
+{
+    test::CountingTab &decode = application.tab(u"decode"_s);
+    decode.addMatchedFiles({u"/music/1.flac"_s});
+    decode.whileExecuting = [&] {
+        FileIntake found;
+        found.accepted = {u"/music/2.flac"_s};
+        decode.addCollected(found);
+        controller.selectTab(NURVController::kAboutLabel);
+        found.accepted = {u"/music/3.flac"_s};
+        controller.addCollected(NURVController::kAboutLabel, found);
+        EXPECT_EQ(decode.fileNames(), QStringList{u"/music/1.flac"_s});
+        // What a tab does when its jobs are queued.
+        decode.clearFiles();
+    };
+    controller.execute(decode);
+    EXPECT_EQ(decode.fileNames(), (QStringList{u"/music/2.flac"_s, u"/music/3.flac"_s}));
+}
+
+TEST_F(NURVControllerTest, EndsTheSearchesOfFoldersWhenItTerminates)
+{
+    folder.write(u"a.flac"_s, "x");
+    EXPECT_EQ(controller.collect(u"decode"_s, {folder.path()}).accepted.size(), 1);
+    controller.applicationWillTerminate();
+    EXPECT_TRUE(controller.collect(u"decode"_s, {folder.path()}).accepted.isEmpty());
+    EXPECT_TRUE(application.tab(u"decode"_s).collect({folder.path(u"a.flac"_s)}).accepted.isEmpty());
+}
+
 } // namespace nurv

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace nurv::test {
@@ -95,6 +97,8 @@ std::optional<ScriptedPrompts::Answer> ScriptedPrompts::answerTo(const QString &
     }
     const Answer answer = m_script.front().answer;
     m_script.pop_front();
+    if (const auto work = std::exchange(m_duringNextQuestion, nullptr))
+        work();
     return answer;
 }
 

@@ -8,7 +8,9 @@
 #include <QStringList>
 
 #include <deque>
+#include <functional>
 #include <optional>
+#include <utility>
 #include <variant>
 
 namespace nurv::test {
@@ -35,6 +37,8 @@ public:
     void expectSavePath(const QString &suggestedName, const std::optional<QString> &title,
                         const std::optional<QString> &answer);
 
+    /// Does this once while the next question is on the screen, before its answer.
+    void duringNextQuestion(std::function<void()> work) { m_duringNextQuestion = std::move(work); }
     /// How many scripted answers nobody has asked for yet.
     [[nodiscard]] int unaskedCount() const { return static_cast<int>(m_script.size()); }
     /// Every alert that was shown, scripted or not.
@@ -58,6 +62,7 @@ private:
 
     std::deque<Step> m_script;
     QList<Alert> m_shownAlerts;
+    std::function<void()> m_duringNextQuestion;
 };
 
 } // namespace nurv::test

@@ -11,6 +11,7 @@
 #include <QString>
 #include <QVariant>
 
+#include <functional>
 #include <map>
 #include <memory>
 
@@ -41,8 +42,14 @@ public:
 
     int displayRequests = 0;
     int additions = 0;
+    std::function<void()> whileExecuting;
 
     void displayRelevantOptions() override { ++displayRequests; }
+    void executeCommand() override
+    {
+        if (whileExecuting)
+            whileExecuting();
+    }
 
     using BaseTab::chooseOutputFolder;
     using BaseTab::confirmDeletingOriginals;
