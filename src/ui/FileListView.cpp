@@ -4,7 +4,6 @@
 
 #include "app/BaseTab.h"
 #include "app/PathNames.h"
-#include "ui/DroppedFiles.h"
 #include "ui/FileListModel.h"
 #include "ui/TextWidth.h"
 
@@ -160,14 +159,14 @@ void FileListView::dragLeaveEvent(QDragLeaveEvent *event)
 void FileListView::dropEvent(QDropEvent *event)
 {
     setDragHovers(false);
-    const QStringList paths = localFiles(event->mimeData());
-    if (paths.isEmpty()) {
+    const GivenFiles files = localFiles(event->mimeData());
+    if (files.isEmpty()) {
         event->ignore();
         return;
     }
     event->setDropAction(Qt::CopyAction);
     event->accept();
-    Q_EMIT pathsDropped(paths);
+    Q_EMIT filesDropped(files);
 }
 
 void FileListView::setDragHovers(bool hovers)

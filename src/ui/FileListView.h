@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "ui/GivenFiles.h"
+
 #include <QTreeView>
 
 class QMenu;
@@ -28,7 +30,7 @@ public:
     void deleteSelectedRows();
 
 Q_SIGNALS:
-    void pathsDropped(const QStringList &paths);
+    void filesDropped(const GivenFiles &files);
 
 protected:
     void dragEnterEvent(QDragEnterEvent *event) override;

@@ -13,8 +13,8 @@
 #include "ui/AboutPage.h"
 #include "ui/ApplicationIcon.h"
 #include "ui/DecodePage.h"
-#include "ui/DroppedFiles.h"
 #include "ui/EncodePage.h"
+#include "ui/GivenFiles.h"
 #include "ui/OutputWindow.h"
 #include "ui/StatusWindow.h"
 
@@ -129,7 +129,7 @@ void MainWindow::createFileMenu()
     QMenu *const menu = menuBar()->addMenu(tr("&File"));
     m_addFilesAction = addAction(menu, tr("&Add Files…"), u"addFilesAction"_s, QKeySequence::Open, [this] {
         if (TabPage *const page = currentPage())
-            page->tab().addButtonClick();
+            page->chooseFiles();
     });
     m_addFolderAction = addAction(menu, tr("Add &Folder…"), u"addFolderAction"_s,
                                   QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O), [this] { addFolder(); });
@@ -151,11 +151,13 @@ void MainWindow::createJobsMenu()
     menu->addSeparator();
     addAction(menu, tr("&Show Status Window"), u"showStatusAction"_s, QKeySequence(Qt::CTRL | Qt::Key_J),
               [this] { m_statusWindow->bringToFront(); });
-    m_cancelAllAction =
-        addAction(menu, tr("&Cancel All"), u"cancelAllAction"_s, {}, [&queue] { queue.cancelAllTasks(); });
-    m_removeErrorsAction =
-        addAction(menu, tr("&Remove Errors"), u"removeErrorsAction"_s, {}, [&queue] { queue.removeAllErrors(); });
+    m_cancelAllAction = addAction(menu, tr("&Cancel All"), u"cancelAllAction"_s,
+                                  QKeySequence(Qt::CTRL | Qt::Key_Period), [&queue] { queue.cancelAllTasks(); });
+    m_removeErrorsAction = addAction(menu, tr("&Remove Errors"), u"removeErrorsAction"_s,
+                                     QKeySequence(Qt::CTRL | Qt::Key_E), [&queue] { queue.removeAllErrors(); });
     m_cancelAllAction->setEnabled(false);
+    m_removeErrorsAction->setEnabled(false);
+    connect(m_statusWindow, &StatusWindow::hasErrorsChanged, m_removeErrorsAction, &QAction::setEnabled);
     connect(&queue, &NURVTaskQueue::taskCountChanged, m_cancelAllAction,
             [this](int count) { m_cancelAllAction->setEnabled(count > 0); });
 }
@@ -218,14 +220,20 @@ void MainWindow::addFolder()
 
 void MainWindow::openPaths(const QStringList &paths)
 {
-    if (paths.isEmpty())
+    openFiles({.paths = paths, .refused = {}});
+}
+
+void MainWindow::openFiles(const GivenFiles &files)
+{
+    if (files.isEmpty() || m_isClosing)
         return;
     const QString label = m_controller.selectedTabViewItem();
     const QPointer<TabPage> page = m_pages.value(label);
     if (page)
         page->beginAddingFiles();
-    workerThreads::start([&controller = m_controller, window = QPointer<MainWindow>(this), page, label, paths] {
-        FileIntake found = controller.collect(label, paths);
+    workerThreads::start([&controller = m_controller, window = QPointer<MainWindow>(this), page, label, files] {
+        FileIntake found = controller.collect(label, files.paths);
+        found.unreadableNames = files.refused + found.unreadableNames;
         postToGuiThread([&controller, window, page, label, found = std::move(found)] {
             if (!window)
                 return;
@@ -238,6 +246,8 @@ void MainWindow::openPaths(const QStringList &paths)
 
 void MainWindow::openOutputWindow(const QString &text, const QString &title)
 {
+    if (m_isClosing)
+        return;
     m_outputWindows.removeAll(nullptr);
     // A batch of jobs with a report each must not bury the desktop.
     if (m_outputWindows.size() >= kMostOutputWindows) {
@@ -253,6 +263,8 @@ void MainWindow::openOutputWindow(const QString &text, const QString &title)
     const QRect desk = screen()->availableGeometry();
     QPoint place = m_outputWindowTopLeft.isNull() ? geometry().topLeft() : m_outputWindowTopLeft;
     place += QPoint(kCascade, kCascade);
+    if (m_outputWindows.size() == 1 && window->hasKeptPlace())
+        place = window->pos();
     if (!desk.contains(QRect(place, window->size())))
         place = desk.topLeft() + QPoint(kCascade, kCascade);
     m_outputWindowTopLeft = place;
@@ -283,7 +295,6 @@ void MainWindow::requestQuit()
     if (m_isClosing || !m_controller.applicationShouldTerminate())
         return;
     m_isClosing = true;
-    saveState();
     Q_EMIT quitConfirmed();
 }
 
@@ -293,13 +304,21 @@ void MainWindow::closeEvent(QCloseEvent *event)
     // user keeps the jobs.
     if (m_isClosing || (m_controller.windowShouldClose() && m_controller.applicationShouldTerminate())) {
         event->accept();
-        if (!std::exchange(m_isClosing, true)) {
-            saveState();
+        if (!std::exchange(m_isClosing, true))
             Q_EMIT quitConfirmed();
-        }
         return;
     }
     event->ignore();
+}
+
+void MainWindow::prepareToQuit()
+{
+    m_isClosing = true;
+    saveState();
+    for (OutputWindow *const output : outputWindows())
+        output->hide();
+    m_statusWindow->hide();
+    hide();
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent *event)
@@ -312,12 +331,12 @@ void MainWindow::dragEnterEvent(QDragEnterEvent *event)
 
 void MainWindow::dropEvent(QDropEvent *event)
 {
-    const QStringList paths = localFiles(event->mimeData());
-    if (paths.isEmpty())
+    const GivenFiles files = localFiles(event->mimeData());
+    if (files.isEmpty())
         return;
     event->setDropAction(Qt::CopyAction);
     event->accept();
-    openPaths(paths);
+    openFiles(files);
 }
 
 void MainWindow::saveState() const
@@ -325,6 +344,12 @@ void MainWindow::saveState() const
     SettingsStore &settings = SettingsStore::instance();
     settings.setValue(kGeometryKey, saveGeometry());
     settings.setValue(kPageKey, m_labels.value(m_tabView->currentIndex()));
+    m_statusWindow->saveState();
+    if (const QList<OutputWindow *> outputs = outputWindows(); !outputs.isEmpty())
+        outputs.last()->saveState();
+    // A tab stores its options when it shows those that matter.
+    for (const TabPage *const page : m_pages)
+        page->tab().displayRelevantOptions();
     settings.sync();
 }
 

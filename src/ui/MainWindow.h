@@ -15,6 +15,7 @@ class QTabWidget;
 
 namespace nurv {
 
+struct GivenFiles;
 class NURVController;
 class OutputWindow;
 class StatusWindow;
@@ -42,12 +43,17 @@ public:
     /// Files that arrive with the application. Looks into folders on another
     /// thread and returns at once.
     void openPaths(const QStringList &paths);
+    /// The same, and tells which names were refused already.
+    void openFiles(const GivenFiles &files);
     /// Shows the window in front of others.
     void bringToFront();
     /// Asks whether the application may quit, and emits `quitConfirmed` if so.
     void requestQuit();
-    /// Keeps place, size and page for the next start.
+    /// Keeps places, sizes, page and options for the next start.
     void saveState() const;
+    /// The application ends, whatever the user says: keeps the state, hides every
+    /// window and asks nothing any more.
+    void prepareToQuit();
 
 Q_SIGNALS:
     /// The user wants to quit and nothing speaks against it.

@@ -3,6 +3,7 @@
 #include "ui/OutputWindow.h"
 
 #include "app/UserPrompts.h"
+#include "platform/SettingsStore.h"
 #include "platform/TextFile.h"
 
 #include <QApplication>
@@ -30,6 +31,7 @@ namespace {
 constexpr int kMargin = 10;
 constexpr int kPointSize = 10;
 constexpr QSize kFirstSize{720, 480};
+const QString kGeometryKey = u"window/outputGeometry"_s;
 
 /// Courier, or the system's own monospaced font where that is not installed.
 QFont reportFont()
@@ -70,7 +72,10 @@ OutputWindow::OutputWindow(UserPrompts &prompts, QWidget *parent) : QWidget(pare
     createWidgets();
     layOut();
     addShortcuts();
-    resize(kFirstSize);
+    const QByteArray kept = SettingsStore::instance().bytes(kGeometryKey);
+    m_hasKeptPlace = !kept.isEmpty() && restoreGeometry(kept);
+    if (!m_hasKeptPlace)
+        resize(kFirstSize);
     m_textField->setFocus();
 }
 
@@ -219,6 +224,17 @@ void OutputWindow::find(bool backwards)
     }
     m_textField->setTextCursor(start);
     m_findNote->setText(tr("Not found"));
+}
+
+void OutputWindow::saveState() const
+{
+    SettingsStore::instance().setValue(kGeometryKey, saveGeometry());
+}
+
+void OutputWindow::closeEvent(QCloseEvent *event)
+{
+    saveState();
+    QWidget::closeEvent(event);
 }
 
 void OutputWindow::keyPressEvent(QKeyEvent *event)

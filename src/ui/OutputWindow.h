@@ -25,6 +25,10 @@ public:
     /// Adds a further report below, under its title.
     void addReport(const QString &text, const QString &title);
     [[nodiscard]] QString text() const;
+    /// Keeps place and size for the next window; closing does so too.
+    void saveState() const;
+    /// Whether the window stands where an earlier one stood.
+    [[nodiscard]] bool hasKeptPlace() const { return m_hasKeptPlace; }
 
     /// Asks where, and writes the text as UTF-8.
     void save();
@@ -38,6 +42,7 @@ public:
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
 
 private:
     void createWidgets();
@@ -51,6 +56,7 @@ private:
     QWidget *m_findBar = nullptr;
     QLineEdit *m_findField = nullptr;
     QLabel *m_findNote = nullptr;
+    bool m_hasKeptPlace = false;
 };
 
 } // namespace nurv

@@ -4,8 +4,6 @@
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
-#include <QDir>
-#include <QUrl>
 
 using namespace Qt::StringLiterals;
 
@@ -38,19 +36,13 @@ RunningInstance::Role RunningInstance::claim()
     return Role::Second;
 }
 
-bool RunningInstance::handOver(const QStringList &paths)
+bool RunningInstance::handOver(const QStringList &uris)
 {
     QDBusMessage call =
-        QDBusMessage::createMethodCall(kService, kPath, kInterface, paths.isEmpty() ? u"Activate"_s : u"Open"_s);
-    const QVariantMap platformData;
-    if (paths.isEmpty()) {
-        call << platformData;
-    } else {
-        QStringList uris;
-        for (const QString &path : paths)
-            uris.append(QString::fromLatin1(QUrl::fromLocalFile(QDir::current().absoluteFilePath(path)).toEncoded()));
-        call << uris << platformData;
-    }
+        QDBusMessage::createMethodCall(kService, kPath, kInterface, uris.isEmpty() ? u"Activate"_s : u"Open"_s);
+    if (!uris.isEmpty())
+        call << uris;
+    call << QVariantMap();
     return m_bus.call(call, QDBus::Block, kAnswerLimitMs).type() == QDBusMessage::ReplyMessage;
 }
 
@@ -61,13 +53,7 @@ void RunningInstance::Activate(const QVariantMap &)
 
 void RunningInstance::Open(const QStringList &uris, const QVariantMap &)
 {
-    QStringList paths;
-    for (const QString &uri : uris) {
-        const QUrl url(uri);
-        if (url.isLocalFile())
-            paths.append(QDir::cleanPath(url.toLocalFile()));
-    }
-    Q_EMIT openRequested(paths);
+    Q_EMIT openRequested(filesOfUris(uris));
 }
 
 void RunningInstance::ActivateAction(const QString &, const QVariantList &, const QVariantMap &)

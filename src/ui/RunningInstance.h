@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "ui/GivenFiles.h"
+
 #include <QDBusConnection>
 #include <QObject>
 #include <QStringList>
@@ -28,11 +30,11 @@ public:
     [[nodiscard]] Role claim();
     /// Hands the files to the running application and brings it to the front.
     /// False when it does not answer. Blocks until it has, for a few seconds at most.
-    [[nodiscard]] bool handOver(const QStringList &paths);
+    [[nodiscard]] bool handOver(const QStringList &uris);
 
 Q_SIGNALS:
     void activationRequested();
-    void openRequested(const QStringList &paths);
+    void openRequested(const GivenFiles &files);
 
 public Q_SLOTS: // called over the bus
     Q_SCRIPTABLE void Activate(const QVariantMap &platformData);

@@ -4,6 +4,7 @@
 
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskQueue.h"
+#include "platform/SettingsStore.h"
 #include "ui/StatusListModel.h"
 #include "ui/StatusQueueCell.h"
 
@@ -31,6 +32,7 @@ namespace {
 constexpr int kMargin = 10;
 constexpr QSize kFirstSize{480, 420};
 constexpr std::chrono::milliseconds kAnimationInterval{40};
+const QString kGeometryKey = u"window/statusGeometry"_s;
 
 } // namespace
 
@@ -45,7 +47,10 @@ StatusWindow::StatusWindow(NURVTaskQueue &queue, QWidget *parent)
     createContextMenu();
     connectAll();
     showCount();
-    resize(kFirstSize);
+    const QByteArray kept = SettingsStore::instance().bytes(kGeometryKey);
+    m_hasPlace = !kept.isEmpty() && restoreGeometry(kept);
+    if (!m_hasPlace)
+        resize(kFirstSize);
 }
 
 void StatusWindow::createWidgets()
@@ -163,6 +168,12 @@ void StatusWindow::bringToFront()
     activateWindow();
 }
 
+void StatusWindow::saveState() const
+{
+    if (m_hasPlace)
+        SettingsStore::instance().setValue(kGeometryKey, saveGeometry());
+}
+
 void StatusWindow::showCount()
 {
     const int waiting = m_queue.taskCount();
@@ -176,6 +187,8 @@ void StatusWindow::showCount()
     const bool hasErrors = std::any_of(rows.begin(), rows.end(), [](const auto &task) { return task->error(); });
     m_removeErrorsButton->setEnabled(hasErrors);
     m_cancelAllButton->setEnabled(waiting > 0);
+    if (std::exchange(m_hasErrors, hasErrors) != hasErrors)
+        Q_EMIT hasErrorsChanged(hasErrors);
 }
 
 std::vector<std::shared_ptr<NURVTask>> StatusWindow::selectedTasks() const
@@ -262,6 +275,7 @@ bool StatusWindow::eventFilter(QObject *watched, QEvent *event)
 void StatusWindow::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
+    m_hasPlace = true;
     if (m_animationTimer == 0)
         m_animationTimer = startTimer(kAnimationInterval);
 }

@@ -33,8 +33,14 @@ public:
 
     /// Shows the window, in front and with the keyboard.
     void bringToFront();
+    /// Keeps place and size for the next start.
+    void saveState() const;
     [[nodiscard]] QListView *list() const { return m_list; }
     [[nodiscard]] QMenu *contextMenu() const { return m_menu; }
+
+Q_SIGNALS:
+    /// There are rows of failed jobs, or no longer.
+    void hasErrorsChanged(bool hasErrors);
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
@@ -72,6 +78,8 @@ private:
     int m_animationTimer = 0;
     bool m_wasBroughtUp = false; ///< in this batch
     bool m_showIsPending = false;
+    bool m_hasPlace = false; ///< on the screen, now or at the last start
+    bool m_hasErrors = false;
 };
 
 } // namespace nurv

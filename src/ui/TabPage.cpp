@@ -3,9 +3,11 @@
 #include "ui/TabPage.h"
 
 #include "app/BaseTab.h"
+#include "app/NURVController.h"
 #include "platform/GuiThread.h"
 #include "platform/WorkerThreads.h"
 #include "ui/FileListView.h"
+#include "ui/GivenFiles.h"
 
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -126,11 +128,11 @@ void TabPage::layOut()
 
 void TabPage::connectAll()
 {
-    connect(m_addButton, &QPushButton::clicked, &m_tab, &BaseTab::addButtonClick);
+    connect(m_addButton, &QPushButton::clicked, this, &TabPage::chooseFiles);
     connect(m_clearButton, &QPushButton::clicked, &m_tab, &BaseTab::clearButtonClick);
-    connect(m_executeButton, &QPushButton::clicked, &m_tab, &BaseTab::executeCommand);
+    connect(m_executeButton, &QPushButton::clicked, this, [this] { m_tab.nurvController().execute(m_tab); });
     connect(&m_tab, &BaseTab::fileNamesChanged, this, &TabPage::showState);
-    connect(m_fileList, &FileListView::pathsDropped, this, &TabPage::addPaths);
+    connect(m_fileList, &FileListView::filesDropped, this, &TabPage::addFiles);
 }
 
 QVBoxLayout *TabPage::addOptionGroup(const QString &title, const QString &objectName)
@@ -158,15 +160,26 @@ void TabPage::finishOptions()
     setTabOrder(m_clearButton, m_executeButton);
 }
 
+void TabPage::chooseFiles()
+{
+    addPaths(m_tab.chooseFiles());
+}
+
 void TabPage::addPaths(const QStringList &paths)
 {
-    if (paths.isEmpty())
+    addFiles({.paths = paths, .refused = {}});
+}
+
+void TabPage::addFiles(const GivenFiles &files)
+{
+    if (files.isEmpty())
         return;
     beginAddingFiles();
-    // The worker may outlast the page when the application quits in the middle of
-    // a large folder: it then finds no page to hand its files to.
-    workerThreads::start([&tab = m_tab, page = QPointer<TabPage>(this), paths] {
-        FileIntake intake = tab.collect(paths);
+    // The tab outlives the worker, which gives up when the application quits; the
+    // page may be gone by then.
+    workerThreads::start([&tab = m_tab, page = QPointer<TabPage>(this), files] {
+        FileIntake intake = tab.collect(files.paths);
+        intake.unreadableNames = files.refused + intake.unreadableNames;
         postToGuiThread([page, intake = std::move(intake)] {
             if (!page)
                 return;

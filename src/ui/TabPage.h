@@ -14,6 +14,7 @@ namespace nurv {
 
 class BaseTab;
 class FileListView;
+struct GivenFiles;
 
 /// The page of one tool: its file list on the left, its options on the right,
 /// its buttons below. A tool's own page adds the options.
@@ -39,6 +40,10 @@ public:
     /// Adds files and what lies in folders. Looks into the folders on another
     /// thread and returns at once.
     void addPaths(const QStringList &paths);
+    /// The same, and tells which names were refused already.
+    void addFiles(const GivenFiles &files);
+    /// Asks for files and adds them.
+    void chooseFiles();
     /// Shows that files are being added, and holds Execute back, until as many
     /// calls of `endAddingFiles` have come.
     void beginAddingFiles();

@@ -30,8 +30,12 @@ void handleBy(void (*handler)(int))
     struct sigaction action = {};
     action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
-    for (const int number : kSignals)
-        ::sigaction(number, &action, nullptr);
+    for (const int number : kSignals) {
+        struct sigaction present = {};
+        // Whoever started the program with the signal ignored (nohup) wants that kept.
+        if (::sigaction(number, nullptr, &present) == 0 && present.sa_handler != SIG_IGN)
+            ::sigaction(number, &action, nullptr);
+    }
 }
 
 } // namespace

@@ -10,7 +10,8 @@
 namespace nurv {
 
 /// SIGINT, SIGTERM and SIGHUP as an event of the GUI thread, so that jobs and
-/// their programs end in order. One at a time per process.
+/// their programs end in order. One that the program was started to ignore stays
+/// ignored. One object at a time per process.
 class TerminationSignals final : public QObject {
     Q_OBJECT
 

@@ -3,18 +3,23 @@
 #include "ui/Workbench.h"
 
 #include "app/ApplicationShutdown.h"
-#include "app/FileIntake.h"
 #include "app/NURVController.h"
 #include "convert/DecodeTab.h"
 #include "convert/EncodeTab.h"
+#include "platform/FileNames.h"
+#include "platform/SettingsStore.h"
 #include "ui/ApplicationIcon.h"
+#include "ui/GivenFiles.h"
 #include "ui/MainWindow.h"
 #include "ui/RunningInstance.h"
 #include "ui/TerminationSignals.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QFile>
 
+#include <cstdlib>
+#include <optional>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -23,18 +28,26 @@ namespace nurv {
 
 namespace {
 
-QStringList filesOfCommandLine(const QApplication &application)
+QStringList urisOfCommandLine(int argc, char **argv)
 {
+    QStringList arguments;
+    QStringList uris;
+    for (int index = 0; index < argc; ++index) {
+        // The application's own list of arguments has lost the bytes of such a name.
+        if (const std::optional<QString> text = fileNameFromBytes(argv[index]))
+            arguments.append(*text);
+        else
+            uris.append(uriOfArgument(argv[index]));
+    }
     QCommandLineParser parser;
     parser.setApplicationDescription(Workbench::tr("Batch work on lossless audio files"));
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addPositionalArgument(u"files"_s, Workbench::tr("Files and folders to open"), u"[files...]"_s);
-    parser.process(application);
-    QStringList paths;
+    parser.process(arguments);
     for (const QString &argument : parser.positionalArguments())
-        paths.append(absolutePath(argument));
-    return paths;
+        uris.append(uriOfArgument(QFile::encodeName(argument)));
+    return uris;
 }
 
 } // namespace
@@ -49,21 +62,20 @@ int Workbench::run(int &argc, char **argv)
     QApplication::setWindowIcon(applicationIcon());
     QApplication::setQuitOnLastWindowClosed(false);
 
-    const QStringList paths = filesOfCommandLine(application);
+    const QStringList uris = urisOfCommandLine(argc, argv);
     RunningInstance instance;
-    if (instance.claim() == RunningInstance::Role::Second && instance.handOver(paths))
+    if (instance.claim() == RunningInstance::Role::Second && instance.handOver(uris))
         return 0;
 
     Workbench workbench;
     MainWindow &window = workbench.window();
     connect(&instance, &RunningInstance::activationRequested, &window, &MainWindow::bringToFront);
-    connect(&instance, &RunningInstance::openRequested, &window, [&window](const QStringList &files) {
+    connect(&instance, &RunningInstance::openRequested, &window, [&window](const GivenFiles &files) {
         window.bringToFront();
-        window.openPaths(files);
+        window.openFiles(files);
     });
     window.show();
-    if (!paths.isEmpty())
-        window.openPaths(paths);
+    window.openFiles(filesOfUris(uris));
     return QApplication::exec();
 }
 
@@ -78,10 +90,7 @@ Workbench::Workbench()
     m_services.setWindow(m_window.get());
     connect(m_window.get(), &MainWindow::quitConfirmed, this, &Workbench::quit);
     auto *const signalsToEnd = new TerminationSignals(this);
-    connect(signalsToEnd, &TerminationSignals::received, this, [this] {
-        m_window->saveState();
-        quit();
-    });
+    connect(signalsToEnd, &TerminationSignals::received, this, &Workbench::quit);
 }
 
 Workbench::~Workbench() = default;
@@ -90,8 +99,14 @@ void Workbench::quit()
 {
     if (std::exchange(m_hasQuit, true))
         return;
+    m_window->prepareToQuit();
     m_controller->applicationWillTerminate();
-    shutDown(m_controller->taskQueue());
+    if (!shutDown(m_controller->taskQueue())) {
+        // A worker that hangs in the file system still uses what an orderly end
+        // would destroy.
+        SettingsStore::instance().sync();
+        std::_Exit(EXIT_SUCCESS);
+    }
     // Not quit(), which asks every window whether it may close.
     QApplication::exit(0);
 }

@@ -117,7 +117,7 @@ TEST_F(MainWindowTest, AddsFilesFoldersAndExecutesByShortcuts)
     prompts.expectFiles({.title = u"Choose files for processing"_s, .buttonText = u"Add Files"_s},
                         {folder.write(u"a.flac"_s, "x")});
     QTest::keyClick(&window, Qt::Key_O, Qt::ControlModifier);
-    EXPECT_EQ(decodeTab.fileNames().size(), 1);
+    ASSERT_TRUE(waitUntil([this] { return decodeTab.fileNames().size() == 1; }));
 
     folder.write(u"album/b.flac"_s, "x");
     prompts.expectFolder({.title = u"Choose a folder to add"_s, .buttonText = u"Add Folder"_s},
@@ -326,6 +326,85 @@ TEST_F(MainWindowTest, TheAboutPageListsEveryExternalProgram)
 TEST_F(MainWindowTest, TheBuiltInIconIsThere)
 {
     EXPECT_FALSE(window.windowIcon().pixmap(64, 64).isNull());
+}
+
+TEST_F(MainWindowTest, CancelsAllAndRemovesErrorsByShortcutsWhileThereIsSomethingToDo)
+{
+    show();
+    QAction *const cancelAll = action(u"cancelAllAction"_s);
+    QAction *const removeErrors = action(u"removeErrorsAction"_s);
+    EXPECT_FALSE(cancelAll->isEnabled());
+    EXPECT_FALSE(removeErrors->isEnabled());
+    const auto job = std::make_shared<JobInState>(controller.taskQueue(), u"1.wav"_s);
+    controller.taskQueue().addTask(job);
+    ASSERT_TRUE(cancelAll->isEnabled());
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    QTest::keyClick(&window, Qt::Key_Period, Qt::ControlModifier);
+    EXPECT_EQ(job->cancels, 1);
+    job->finish(true);
+    EXPECT_FALSE(cancelAll->isEnabled());
+    ASSERT_TRUE(waitUntil([&] { return removeErrors->isEnabled(); }));
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    QTest::keyClick(&window, Qt::Key_E, Qt::ControlModifier);
+    EXPECT_TRUE(controller.taskQueue().panelArray().empty());
+    EXPECT_TRUE(waitUntil([&] { return !removeErrors->isEnabled(); }));
+}
+
+TEST_F(MainWindowTest, RemembersTheSizesOfTheStatusAndTheOutputWindow)
+{
+    show();
+    window.statusWindow()->bringToFront();
+    window.statusWindow()->resize(511, 333);
+    controller.taskQueue().showOutputWindow(u"report\n"_s, u"One"_s);
+    window.outputWindows().first()->resize(612, 344);
+    handleWaitingEvents();
+    window.saveState();
+    MainWindow other(controller);
+    EXPECT_EQ(other.statusWindow()->size(), QSize(511, 333));
+    window.outputWindows().first()->resize(622, 355);
+    handleWaitingEvents();
+    window.outputWindows().first()->close();
+    OutputWindow next(prompts);
+    EXPECT_TRUE(next.hasKeptPlace());
+    EXPECT_EQ(next.size(), QSize(622, 355));
+}
+
+TEST_F(MainWindowTest, StoresTheOptionsThatAreStoredWithTheChoiceOfAFormat)
+{
+    SettingsStore &settings = SettingsStore::instance();
+    encodeTab.flacVerifyButton.setOn(true);
+    encodeTab.generateFFPButton.setOn(false);
+    window.saveState();
+    EXPECT_EQ(settings.integer(u"flacVerifyButton"_s), 1);
+    EXPECT_EQ(settings.integer(u"flacGenerateFFPButton"_s), 0);
+    encodeTab.flacVerifyButton.setOn(false);
+    encodeTab.generateFFPButton.setOn(true);
+    window.saveState();
+    EXPECT_EQ(settings.integer(u"flacVerifyButton"_s), 0);
+    EXPECT_EQ(settings.integer(u"flacGenerateFFPButton"_s), 1);
+}
+
+TEST_F(MainWindowTest, AsksNothingAndHidesEveryWindowWhenItHasToGo)
+{
+    show();
+    const auto job = std::make_shared<JobInState>(controller.taskQueue(), u"1.wav"_s);
+    controller.taskQueue().addTask(job);
+    window.statusWindow()->bringToFront();
+    controller.taskQueue().showOutputWindow(u"report\n"_s, u"One"_s);
+    QSignalSpy quit(&window, &MainWindow::quitConfirmed);
+    window.prepareToQuit();
+    EXPECT_FALSE(window.isVisible());
+    EXPECT_FALSE(window.statusWindow()->isVisible());
+    EXPECT_FALSE(window.outputWindows().first()->isVisible());
+    EXPECT_TRUE(window.close());
+    EXPECT_TRUE(quit.isEmpty());
+    controller.taskQueue().showOutputWindow(u"late\n"_s, u"Two"_s);
+    EXPECT_EQ(window.outputWindows().size(), 1);
+    window.openPaths({folder.write(u"late.flac"_s, "x")});
+    EXPECT_FALSE(window.page(u"decode"_s)->isAddingFiles());
+    job->finish();
 }
 
 } // namespace nurv::test

@@ -43,12 +43,12 @@ private:
 };
 
 /// Runs a blocking call while this thread answers it.
-bool handOverFromElsewhere(RunningInstance &instance, const QStringList &paths)
+bool handOverFromElsewhere(RunningInstance &instance, const QStringList &uris)
 {
     std::atomic<bool> isDone = false;
     bool accepted = false;
     std::thread caller([&] {
-        accepted = instance.handOver(paths);
+        accepted = instance.handOver(uris);
         isDone = true;
     });
     EXPECT_TRUE(waitUntil([&] { return isDone.load(); }));
@@ -66,9 +66,11 @@ TEST_F(RunningInstanceTest, ASecondOneHandsItsFilesToTheFirst)
     ASSERT_EQ(second.claim(), RunningInstance::Role::Second);
     QSignalSpy opened(&first, &RunningInstance::openRequested);
     const QString odd = u"/music/50% off #1 – Ré.flac"_s;
-    ASSERT_TRUE(handOverFromElsewhere(second, {odd, u"/music/album"_s}));
+    ASSERT_TRUE(handOverFromElsewhere(second, {uriOfArgument(odd.toUtf8()), uriOfArgument("/music/R\xe9")}));
     ASSERT_TRUE(waitUntil([&] { return opened.size() == 1; }));
-    EXPECT_EQ(opened.at(0).at(0).toStringList(), (QStringList{odd, u"/music/album"_s}));
+    const auto files = opened.at(0).at(0).value<GivenFiles>();
+    EXPECT_EQ(files.paths, QStringList{odd});
+    EXPECT_EQ(files.refused, QStringList{u"/music/R\\xE9"_s});
 }
 
 TEST_F(RunningInstanceTest, ASecondOneWithoutFilesBringsTheFirstToTheFront)

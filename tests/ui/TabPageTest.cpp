@@ -2,8 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/TabPage.h"
 
+#include "engine/NURVTaskQueue.h"
+#include "platform/SettingsStore.h"
 #include "support/WaitUntil.h"
 #include "ui/FileListView.h"
+#include "ui/GivenFiles.h"
 #include "ui/RadioMatrix.h"
 #include "ui/WindowFixture.h"
 
@@ -52,7 +55,8 @@ TEST_F(TabPageTest, TheAddButtonAsksForFilesAndListsThem)
     prompts.expectFiles({.title = u"Choose files for processing"_s, .buttonText = u"Add Files"_s},
                         {folder.write(u"a.flac"_s, "x"), folder.write(u"b.flac"_s, "x")});
     QTest::mouseClick(part<QPushButton>(page, u"addButton"_s), Qt::LeftButton);
-    EXPECT_EQ(page->fileList()->model()->rowCount(), 2);
+    EXPECT_TRUE(page->isAddingFiles());
+    ASSERT_TRUE(waitUntil([&] { return page->fileList()->model()->rowCount() == 2; }));
     EXPECT_EQ(part<QLabel>(page, u"fileCount"_s)->text(), u"2 files"_s);
 }
 
@@ -176,6 +180,41 @@ TEST_F(TabPageTest, ElidesNothingButScrollsToTheEndOfALongName)
     decodeTab.addFiles({folder.write(QString(200, u'W') + u".flac"_s, "x")});
     handleWaitingEvents();
     EXPECT_GT(page->fileList()->horizontalScrollBar()->maximum(), 0);
+}
+
+TEST_F(TabPageTest, FilesThatArriveWhileTheUserIsAskedStayOnTheList)
+{
+    TabPage *const page = openPage(u"encode"_s);
+    show();
+    encodeTab.sourceEncodeButton.setOn(true);
+    encodeTab.deleteOriginalsButton.setOn(true);
+    encodeTab.addFiles({folder.write(u"a.wav"_s, "no sound")});
+    ASSERT_TRUE(SettingsStore::instance().boolean(u"warnOnDelete"_s));
+    prompts.expectAsk(u"You have chosen to delete the original files.  Are you sure you want to continue?"_s,
+                      {u"Yes"_s, u"No"_s}, u"Yes"_s);
+    // As an open request over the bus does while the question is on the screen.
+    prompts.duringNextQuestion([this] {
+        FileIntake late;
+        late.accepted = {folder.path(u"b.wav"_s)};
+        encodeTab.addCollected(late);
+    });
+    page->execute();
+    EXPECT_EQ(encodeTab.fileNames(), QStringList{folder.path(u"b.wav"_s)});
+    EXPECT_EQ(controller.taskQueue().panelArray().size(), 1U);
+    ASSERT_TRUE(waitUntil([this] { return controller.taskQueue().taskCount() == 0; }));
+}
+
+TEST_F(TabPageTest, TellsTheNamesOfADropThatAreNoValidUtf8)
+{
+    TabPage *const page = openPage(u"decode"_s);
+    decodeTab.setRefusalMessageDelay(0);
+    prompts.expectAsk({.title = u"Some files could not be read and were skipped"_s,
+                       .message = u"File names that are not valid UTF-8:\n/music/R\\xE9.flac"_s,
+                       .buttons = {u"OK"_s}},
+                      u"OK"_s);
+    page->addFiles({.paths = {folder.write(u"a.flac"_s, "x")}, .refused = {u"/music/R\\xE9.flac"_s}});
+    ASSERT_TRUE(waitUntil([this] { return prompts.unaskedCount() == 0; }));
+    EXPECT_EQ(decodeTab.fileNames().size(), 1);
 }
 
 } // namespace nurv::test
