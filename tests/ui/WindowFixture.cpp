@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/WindowFixture.h"
 
+#include "platform/WorkerThreads.h"
 #include "support/WaitUntil.h"
 
 #include <QApplication>
@@ -14,6 +15,11 @@
 #include <gtest/gtest.h>
 
 namespace nurv::test {
+
+WindowFixture::~WindowFixture()
+{
+    EXPECT_TRUE(waitUntil([] { return workerThreads::runningCount() == 0; }));
+}
 
 void WindowFixture::show()
 {

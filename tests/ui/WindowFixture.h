@@ -24,6 +24,12 @@ struct WindowFixture {
     EncodeTab encodeTab{controller};
     MainWindow window{controller};
 
+    WindowFixture() = default;
+    /// Waits for the workers, as the application does at its end.
+    ~WindowFixture();
+    WindowFixture(const WindowFixture &) = delete;
+    WindowFixture &operator=(const WindowFixture &) = delete;
+
     /// Shows the window and waits until it has been drawn and has the keyboard.
     void show();
     template<typename Widget>
