@@ -5,12 +5,17 @@
 #include "app/PathNames.h"
 #include "app/Util.h"
 #include "convert/ConvertLog.h"
+#include "convert/DeletionCheck.h"
+#include "platform/GuiThread.h"
 #include "platform/NurvFailure.h"
+#include "platform/WorkerThreads.h"
 
 #include <QFile>
 
 #include <algorithm>
+#include <memory>
 #include <optional>
+#include <system_error>
 
 #include <sys/stat.h>
 
@@ -71,7 +76,25 @@ void ConversionTask::startTask()
 void ConversionTask::completeStop()
 {
     removeHalfMadeFiles();
-    NURVAsyncNSTask::completeStop();
+    if (!m_deleteOriginal || cancelled() || !programSucceeded()) {
+        NURVAsyncNSTask::completeStop();
+        return;
+    }
+    // The disk may take its time, so a worker waits for it; until then the job stays
+    // active. When the application ends meanwhile, the source simply stays.
+    const auto self = std::static_pointer_cast<ConversionTask>(shared_from_this());
+    const auto stop = [self](bool isOnDisk) {
+        self->m_outputIsOnDisk = isOnDisk;
+        self->NURVAsyncNSTask::completeStop();
+    };
+    try {
+        workerThreads::start([stop, output = outputFile()] {
+            postToGuiThread([stop, isOnDisk = flushToDisk(output)] { stop(isOnDisk); });
+        });
+    } catch (const std::system_error &failure) {
+        qCWarning(convertLog, "The output was not flushed: %s", failure.what());
+        stop(false);
+    }
 }
 
 void ConversionTask::removeHalfMadeFiles() const
@@ -165,20 +188,25 @@ void ConversionTask::copyTags(const std::function<void()> &copy)
     }
 }
 
+std::optional<QString> ConversionTask::reasonToKeepOriginal() const
+{
+    if (const std::optional<QString> reason = reasonToKeepSource(m_fileName, outputFile()))
+        return reason;
+    if (m_toldOfDamage)
+        return u"its program told of damage"_s;
+    if (m_sourceHasTheOnlyTags)
+        return u"only it has the tags"_s;
+    if (!m_outputIsOnDisk)
+        return u"its output may not be on the disk yet"_s;
+    return std::nullopt;
+}
+
 void ConversionTask::deleteSourceIfDone()
 {
     if (!m_deleteOriginal || error() || cancelled())
         return;
-    if (isSameFile(m_fileName, outputFile())) {
-        qCWarning(convertLog).noquote() << "Kept, since it is the output itself:" << m_fileName;
-        return;
-    }
-    if (m_toldOfDamage) {
-        qCWarning(convertLog).noquote() << "Kept, since its program told of damage:" << m_fileName;
-        return;
-    }
-    if (m_sourceHasTheOnlyTags) {
-        qCWarning(convertLog).noquote() << "Kept, since only it has the tags:" << m_fileName;
+    if (const std::optional<QString> reason = reasonToKeepOriginal()) {
+        qCWarning(convertLog).noquote() << "Kept, since" << *reason + u':' << m_fileName;
         return;
     }
     Util::deleteFile(m_fileName);

@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <utility>
 
 namespace nurv {
@@ -48,7 +49,8 @@ protected:
     void failWith(const QString &reason) final;
     /// Lets go of the output, before the queue starts further jobs.
     void finalCleanup() override { m_claim.release(); }
-    /// Removes what a killed program left half made, then stops.
+    /// Removes what a killed program left half made, has an output that is to replace
+    /// its source written to the disk, then stops.
     void completeStop() final;
     [[nodiscard]] virtual toolOutput::ChunkReport parseOutput(const QString &chunk) const = 0;
 
@@ -60,15 +62,16 @@ protected:
     /// job's: it was there before and the program failed. What `copy` throws goes to
     /// the log: the output then stays without tags and the job's state as it is.
     void copyTags(const std::function<void()> &copy);
-    /// Deletes the source if that was asked for and the job succeeded. A source that
-    /// is the output itself, whose tags could not be copied, or of which the program
-    /// said that it is damaged, stays: it is the only copy. The log says so.
+    /// Deletes the source if that was asked for, the job succeeded, and nothing speaks
+    /// against it: see `reasonToKeepOriginal`. What stays is named in the log.
     void deleteSourceIfDone();
     /// Lets go of the result set unless the job failed or its batch met damage:
     /// nothing is to be reported.
     void dropResultsUnlessFailed();
 
 private:
+    /// Why the source may be the only copy of something although the job succeeded.
+    [[nodiscard]] std::optional<QString> reasonToKeepOriginal() const;
     void keepForReport(const QString &text);
     void removeHalfMadeFiles() const;
     void removeHalfMade(const QString &path) const;
@@ -81,6 +84,7 @@ private:
     bool m_outputExisted = false;
     bool m_temporaryExisted = false;
     bool m_deleteOriginal = false;
+    bool m_outputIsOnDisk = false;
     bool m_sourceHasTheOnlyTags = false;
 };
 

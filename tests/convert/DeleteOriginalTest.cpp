@@ -62,6 +62,43 @@ TEST_F(DeleteOriginalTest, KeepsTheSourceWhenTheProgramFails)
     EXPECT_TRUE(folder.exists(u"a.wav"_s));
 }
 
+TEST_F(DeleteOriginalTest, KeepsTheSourceOfAProgramThatSucceedsWithoutOutput)
+{
+    const QString wav = test::writeWav(folder.path(u"a.wav"_s));
+    tools.addFake(u"flac"_s, "exit=0");
+    EncodeTab tab(controller);
+    tab.deleteOriginalsButton.setOn(true);
+    run(tab, {wav});
+    EXPECT_TRUE(folder.exists(u"a.wav"_s));
+}
+
+TEST_F(DeleteOriginalTest, KeepsAWavThatHoldsMoreThanItsHeaderSays)
+{
+    QByteArray bytes = test::wavBytes({.seconds = 2.0});
+    const qsizetype size = bytes.indexOf("data") + 4;
+    bytes.replace(size, 4, QByteArray("\x00\x10\x00\x00", 4)); // 4096 of some 350,000 bytes
+    const QString wav = folder.write(u"a.wav"_s, bytes);
+    tools.addReal(u"flac"_s);
+    EncodeTab tab(controller);
+    tab.deleteOriginalsButton.setOn(true);
+    run(tab, {wav});
+    EXPECT_TRUE(out.exists(u"a.flac"_s)) << "flac is content with it";
+    EXPECT_EQ(folder.read(u"a.wav"_s), bytes);
+}
+
+TEST_F(DeleteOriginalTest, StaysActiveUntilTheOutputIsOnTheDisk)
+{
+    const QString wav = test::writeWav(folder.path(u"a.wav"_s));
+    tools.addReal(u"flac"_s);
+    EncodeTab tab(controller);
+    tab.deleteOriginalsButton.setOn(true);
+    bool wasThere = false;
+    QObject::connect(&controller.taskQueue(), &NURVTaskQueue::taskEnded, &tab,
+                     [&] { wasThere = out.exists(u"a.flac"_s) && !folder.exists(u"a.wav"_s); });
+    run(tab, {wav});
+    EXPECT_TRUE(wasThere) << "when the queue is told, the source has gone and its output stands";
+}
+
 TEST_F(DeleteOriginalTest, KeepsTheSourceWhenTheJobIsCancelledWhileItRuns)
 {
     const QString wav = test::writeWav(folder.path(u"a.wav"_s));
@@ -105,7 +142,7 @@ TEST_F(DeleteOriginalTest, KeepsASourceWhoseTagsCouldNotBeCopied)
     tab.deleteOriginalsButton.setOn(true);
     {
         const test::LogLines log;
-        tools.addFake(u"flac"_s, "create=@-1"); // succeeds with a file that takes no tags
+        tools.addFake(u"flac"_s, "append=@-1:no sound"); // succeeds with a file that takes no tags
         run(tab, {aiff});
         EXPECT_FALSE(endedTasks.at(0)->error());
         EXPECT_EQ(folder.list(), QStringList{u"a.aiff"_s});
