@@ -70,6 +70,7 @@ void AboutPage::createWidgets()
     m_programs->setUniformRowHeights(true);
     m_programs->setAlternatingRowColors(true);
     m_programs->setTextElideMode(Qt::ElideMiddle);
+    m_programs->setAllColumnsShowFocus(true);
     for (const ExternalProgram &program : externalPrograms()) {
         auto *const item = new QTreeWidgetItem(m_programs, {program.name});
         item->setToolTip(Name, toolTipText(program.purpose));

@@ -30,7 +30,8 @@ constexpr int kRowPadding = 4;
 constexpr int kHintInset = 12;
 constexpr int kHintRadius = 8;
 
-/// Gives the rows some air.
+/// Gives the rows some air, and leaves their background to the view, which paints
+/// it beyond the column.
 class FileListCell final : public QStyledItemDelegate {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
@@ -38,6 +39,19 @@ public:
     [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override
     {
         return QStyledItemDelegate::sizeHint(option, index) + QSize(0, kRowPadding);
+    }
+    void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        QStyleOptionViewItem cell = option;
+        if (cell.state.testFlag(QStyle::State_Selected)) {
+            const bool hasKeyboard = option.widget != nullptr && option.widget->hasFocus();
+            const auto group = hasKeyboard ? QPalette::Active : QPalette::Inactive;
+            cell.palette.setColor(QPalette::Text, option.palette.color(group, QPalette::HighlightedText));
+            cell.state.setFlag(QStyle::State_Selected, false);
+            cell.state.setFlag(QStyle::State_HasFocus, false);
+        }
+        cell.state.setFlag(QStyle::State_MouseOver, false);
+        QStyledItemDelegate::paint(painter, cell, index);
     }
 };
 
@@ -50,7 +64,6 @@ FileListView::FileListView(BaseTab &tab, QWidget *parent)
     setItemDelegate(new FileListCell(this));
     setRootIsDecorated(false);
     setUniformRowHeights(true);
-    setAllColumnsShowFocus(true);
     setHeaderHidden(true);
     setTextElideMode(Qt::ElideMiddle);
     setSelectionMode(QAbstractItemView::ExtendedSelection);

@@ -10,6 +10,7 @@
 #include "platform/SettingsStore.h"
 #include "ui/ApplicationIcon.h"
 #include "ui/GivenFiles.h"
+#include "ui/LegibleStyle.h"
 #include "ui/MainWindow.h"
 #include "ui/RunningInstance.h"
 #include "ui/TerminationSignals.h"
@@ -61,6 +62,7 @@ int Workbench::run(int &argc, char **argv)
     QApplication::setDesktopFileName(u"org.nurvaudio.Workbench"_s);
     QApplication::setWindowIcon(applicationIcon());
     QApplication::setQuitOnLastWindowClosed(false);
+    LegibleStyle::install();
 
     const QStringList uris = urisOfCommandLine(argc, argv);
     RunningInstance instance;

@@ -18,6 +18,12 @@ public:
         setProgressIndicatorValue(percent);
         updateStatus();
     }
+    /// What a conversion does when it is made.
+    void showTitle()
+    {
+        setTextFieldString(title());
+        setTextFieldValue();
+    }
     void write(const QString &text) { appendResultsForSelf(text); }
     /// What every job does at its end: stops and tells the queue.
     void finish(bool failed = false)

@@ -15,6 +15,7 @@
 #include "ui/DesktopPrompts.h"
 #include "ui/FileListView.h"
 #include "ui/JobInState.h"
+#include "ui/LegibleStyle.h"
 #include "ui/MainWindow.h"
 #include "ui/OutputWindow.h"
 #include "ui/StatusWindow.h"
@@ -25,7 +26,6 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QSignalSpy>
-#include <QStyleFactory>
 
 #include <cstdio>
 
@@ -39,14 +39,14 @@ constexpr QSize kWindowSize{860, 690};
 
 QPalette darkPalette()
 {
-    const QColor window(44, 46, 50);
-    QPalette palette(QColor(56, 59, 64), window);
-    const QColor base(33, 35, 38);
+    const QColor window(0x2d, 0x2d, 0x30);
+    QPalette palette(QColor(0x3e, 0x3e, 0x42), window);
+    const QColor base(0x1e, 0x1e, 0x1e);
     const QColor text(232, 233, 235);
     const QColor accent(61, 126, 214);
     palette.setColor(QPalette::WindowText, text);
     palette.setColor(QPalette::Base, base);
-    palette.setColor(QPalette::AlternateBase, QColor(38, 40, 44));
+    palette.setColor(QPalette::AlternateBase, QColor(0x25, 0x25, 0x27));
     palette.setColor(QPalette::Text, text);
     palette.setColor(QPalette::ButtonText, text);
     palette.setColor(QPalette::BrightText, Qt::white);
@@ -111,8 +111,10 @@ void showRows(NURVTaskQueue &queue, StatusWindow &status, const QDir &folder, co
     for (const QString &path : concert(u"wav"_s).mid(0, 8))
         jobs.push_back(std::make_shared<JobInState>(queue, path.section(u'/', -1)));
     // With a limit of three: the first three run, and each that ends starts the next.
-    for (const auto &job : jobs)
+    for (const auto &job : jobs) {
+        job->showTitle();
         queue.addTask(job);
+    }
     jobs[0]->finish();
     jobs[1]->show(u"Encoding"_s, 34.0);
     jobs[1]->write(u"2 River of Glass.wav: ERROR: unexpected end of file\n"_s);
@@ -152,7 +154,7 @@ void showOutput(UserPrompts &prompts, const QDir &folder, const QString &suffix)
 
 int render(const QDir &folder, const QString &suffix)
 {
-    QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
+    QApplication::setStyle(new LegibleStyle);
     if (suffix == u"dark"_s)
         QApplication::setPalette(darkPalette());
     SettingsStore::instance().setPersistence(SettingsStore::Persistence::MemoryOnly);
