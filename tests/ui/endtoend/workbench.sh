@@ -128,4 +128,27 @@ until_true 20 bash -c "! kill -0 $main" || fail "SIGTERM does not end it"
 status=0
 wait "$main" || status=$?
 ((status == 0)) || fail "after SIGTERM it ended with $status"
+
+# Nor with a job running and a question on the screen; the programs end with it.
+sox -n -r 96000 -b 24 -c 2 "$home/long.wav" synth 600 noise
+sed -i 's/^page=.*/page=encode/' "$NURV_SETTINGS"
+"$workbench" "$home/long.wav" & main=$!; started+=("$main")
+until_true 30 has_window '^Nurv Audio Workbench$' || fail "it does not start a third time"
+main_window=$(window '^Nurv Audio Workbench$')
+flac_runs() { pgrep --parent "$main" --exact flac; }
+for attempt in 1 2 3 4 5 6 7 8 9 10; do
+    execute
+    until_true 3 flac_runs && break
+    ((attempt < 10)) || fail "the long job does not start"
+done
+encoder=$(flac_runs)
+xdotool windowactivate --sync "$main_window" key --clearmodifiers ctrl+shift+o
+until_true 20 has_window '^Choose a folder to add$' || fail "no folder dialog"
+kill -0 "$encoder" || fail "the long job was too short"
+kill -TERM "$main"
+until_true 20 bash -c "! kill -0 $main" || fail "SIGTERM does not end it while it asks"
+status=0
+wait "$main" || status=$?
+((status == 0)) || fail "after SIGTERM with a job it ended with $status"
+! kill -0 "$encoder" 2>/dev/null || fail "its program still runs"
 echo "passed"
