@@ -37,7 +37,8 @@ double luminance(const QColor &color)
 /// The contrast ratio of the accessibility guidelines, which ask for 3 around controls.
 double contrast(const QColor &one, const QColor &other)
 {
-    const auto [darker, lighter] = std::minmax(luminance(one), luminance(other));
+    // The list form returns values; the other one would refer to what is gone.
+    const auto [darker, lighter] = std::minmax({luminance(one), luminance(other)});
     return (lighter + 0.05) / (darker + 0.05);
 }
 
