@@ -8,6 +8,7 @@
 #include "engine/NURVTaskQueue.h"
 #include "platform/ChildProcess.h"
 #include "platform/GuiThread.h"
+#include "platform/NotificationCenter.h"
 #include "platform/WorkerThreads.h"
 #include "support/TestFolder.h"
 #include "support/WaitUntil.h"
@@ -104,6 +105,25 @@ TEST_F(ApplicationShutdown, EndsRunningProgramsAndReapsThem)
     EXPECT_TRUE(one->cancelled());
     EXPECT_TRUE(two->cancelled());
     EXPECT_TRUE(two->isDone());
+}
+
+TEST_F(ApplicationShutdown, EndsTwentyJobsInFlight)
+{
+    NotificationCenter::instance().post(QString::fromUtf16(NURVMaxThreadsChangedNotification), 20);
+    std::atomic<int> workers = 0;
+    for (int i = 0; i < 10; ++i) {
+        addShell(u"sleep 60"_s);
+        queue().addTask(std::make_shared<FunctionTask>(&queue(), [&workers](FunctionTask &self) {
+            ++workers;
+            while (!self.cancelled())
+                std::this_thread::sleep_for(1ms);
+        }));
+    }
+    ASSERT_TRUE(test::waitUntil([&] { return workers == 10 && children::runningCount() == 10; }));
+    EXPECT_TRUE(shutDown(queue()));
+    EXPECT_EQ(children::runningCount(), 0);
+    EXPECT_EQ(workerThreads::runningCount(), 0);
+    EXPECT_TRUE(hasNoChild());
 }
 
 TEST_F(ApplicationShutdown, KillsAProgramThatWillNotEnd)
