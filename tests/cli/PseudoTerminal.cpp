@@ -15,6 +15,7 @@
 #include <signal.h>
 #include <stdlib.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 namespace nurv::test {
@@ -38,6 +39,11 @@ PseudoTerminal::PseudoTerminal(int columns, int rows, const QString &program, co
     const winsize size{static_cast<unsigned short>(rows), static_cast<unsigned short>(columns), 0, 0};
     m_pid = ::forkpty(&m_fd, nullptr, nullptr, &size);
     if (m_pid == 0) {
+        // Ctrl-C would throw away what has not been read yet, and the line feeds in it.
+        termios settings{};
+        ::tcgetattr(0, &settings);
+        settings.c_lflag |= NOFLSH;
+        ::tcsetattr(0, TCSANOW, &settings);
         ::setenv("TERM", "xterm", 1);
         ::execv(pointers[0], pointers.data());
         ::_exit(127);
