@@ -1,0 +1,50 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+
+namespace nurv {
+
+class InputFile;
+
+/// A buffered writer to a file or to standard output. A named file is written beside its
+/// place under a temporary name and put there by `commit()`. Whatever ends the program
+/// before, also SIGTERM, SIGINT and SIGHUP, leaves neither it nor the temporary file.
+class OutputFile {
+public:
+    /// `name` is a path, or "-" for standard output. Throws ToolError(Write), and
+    /// ToolError(BadArguments) where `input` is the same file.
+    OutputFile(const std::string &name, const InputFile &input);
+    /// Removes the temporary file of an output that was not committed.
+    ~OutputFile();
+    OutputFile(const OutputFile &) = delete;
+    OutputFile &operator=(const OutputFile &) = delete;
+
+    /// Throws ToolError(Write), or ClosedPipe.
+    void write(std::span<const uint8_t> bytes);
+
+    /// Hands what is buffered to the system. Throws as `write`.
+    void flush();
+
+    /// Whether the output can be written again at an earlier place.
+    [[nodiscard]] bool isSeekable() const;
+
+    /// Writes over bytes that are written already; the position stays at the end.
+    /// Seekable outputs only. Throws as `write`.
+    void overwrite(uint64_t offset, std::span<const uint8_t> bytes);
+
+    /// Bytes written so far.
+    [[nodiscard]] uint64_t position() const;
+
+    [[nodiscard]] bool isStandardOutput() const;
+
+    /// Flushes and gives a named file its name, replacing what had it. An output to a
+    /// device or a named pipe is written straight away and has nothing to rename.
+    void commit();
+};
+
+} // namespace nurv

@@ -1,0 +1,69 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace nurv {
+
+class InputFile;
+
+/// What a RIFF/WAVE `fmt ` chunk says, with the subformat of WAVE_FORMAT_EXTENSIBLE
+/// resolved into `formatTag`.
+struct WaveFormat {
+    uint16_t formatTag = 0; // 1 = integer PCM, 3 = float
+    bool isExtensible = false;
+    uint16_t channels = 0;
+    uint32_t sampleRateHz = 0;
+    uint16_t blockAlign = 0;
+    uint16_t bitsPerSample = 0; // of the container
+
+    [[nodiscard]] bool isIntegerPcm() const { return formatTag == 1; }
+};
+
+/// Reads a WAV file from its start to its end in three pieces, whatever it comes from:
+///
+///     header (to the end of the `data` chunk's head) | payload | trailing bytes
+///
+/// The payload is min(declared size, bytes present), in whole sample frames; what
+/// remains of a frame, the pad byte and later chunks are trailing bytes. The three
+/// together are the input, byte for byte.
+class WaveReader {
+public:
+    /// Reads up to the first payload byte. Throws ToolError(InvalidInput) when no `fmt `
+    /// and `data` chunk is found in the first 64 MiB.
+    explicit WaveReader(InputFile &input);
+
+    [[nodiscard]] const WaveFormat &format() const;
+
+    /// All bytes before the payload.
+    [[nodiscard]] std::span<const uint8_t> header() const;
+
+    /// What the `data` chunk says of itself. Pipes say 0 or 0xFFFFFFFF when unknown.
+    [[nodiscard]] uint32_t declaredDataBytes() const;
+
+    /// Whether the declared size is one of those that mean "to the end of the input":
+    /// 0 with bytes following, or 0xFFFFFFFF. The payload is then read to the end. Call
+    /// `treatUnknownSizeAsDeclared` first to have it as it stands.
+    [[nodiscard]] bool hasUnknownSize() const;
+    void treatUnknownSizeAsDeclared();
+
+    /// Reads whole sample frames into `bytes`, whose size is a multiple of the block align.
+    /// Returns the bytes read, fewer than asked for at the end of the payload only.
+    size_t readPayload(std::span<uint8_t> bytes);
+
+    /// Payload bytes read so far.
+    [[nodiscard]] uint64_t payloadBytesRead() const;
+
+    /// After the payload: reads the next trailing bytes, 0 at the end of the input.
+    size_t readTrailing(std::span<uint8_t> bytes);
+};
+
+/// The canonical 44-byte head of a WAV file of integer PCM. Sizes beyond 32 bits are
+/// written as 0xFFFFFFFF.
+[[nodiscard]] std::vector<uint8_t> canonicalWaveHeader(const WaveFormat &format, uint64_t dataBytes);
+
+} // namespace nurv
