@@ -13,11 +13,12 @@
 #include <QSettings>
 
 #include <chrono>
+#include <cstdio>
 #include <future>
 #include <thread>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using nurv::SettingsStore;
@@ -50,21 +51,27 @@ private:
     QtMessageHandler m_former;
 };
 
-// While it lives, nothing can be opened: the process is out of descriptors.
-class WithoutDescriptors {
+// While it lives, nothing in the folder can be opened, nor made: the folder's name is
+// a link to itself.
+class OutOfReach {
 public:
-    WithoutDescriptors()
+    explicit OutOfReach(const QString &folder)
+        : m_name(QFile::encodeName(folder)), m_away(m_name + ".away")
     {
-        EXPECT_EQ(::getrlimit(RLIMIT_NOFILE, &m_former), 0);
-        const rlimit none{.rlim_cur = 0, .rlim_max = m_former.rlim_max};
-        EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+        EXPECT_EQ(::rename(m_name.constData(), m_away.constData()), 0);
+        EXPECT_EQ(::symlink(m_name.constData(), m_name.constData()), 0);
     }
-    ~WithoutDescriptors() { EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &m_former), 0); }
-    WithoutDescriptors(const WithoutDescriptors &) = delete;
-    WithoutDescriptors &operator=(const WithoutDescriptors &) = delete;
+    ~OutOfReach()
+    {
+        EXPECT_EQ(::unlink(m_name.constData()), 0);
+        EXPECT_EQ(::rename(m_away.constData(), m_name.constData()), 0);
+    }
+    OutOfReach(const OutOfReach &) = delete;
+    OutOfReach &operator=(const OutOfReach &) = delete;
 
 private:
-    rlimit m_former{};
+    QByteArray m_name;
+    QByteArray m_away;
 };
 
 class SettingsStoreFile : public ::testing::Test {
@@ -371,7 +378,7 @@ TEST_F(SettingsStoreFile, IsLeftAloneWhileItCannotBeOpened)
     SettingsStore store(path());
     store.setValue(u"maxThreads"_s, 4);
     {
-        const WithoutDescriptors outOfDescriptors;
+        const OutOfReach outOfReach(m_folder.path(u"nurv"_s));
         EXPECT_FALSE(store.sync());
     }
     EXPECT_EQ(contents(), healthy);
@@ -436,7 +443,7 @@ TEST_F(SettingsStoreFile, GivesItsValuesOnceItCanBeOpenedAgain)
     write("[General]\ntrashOrDelete=1\nmaxThreads=3\n");
     std::optional<SettingsStore> store;
     {
-        const WithoutDescriptors outOfDescriptors;
+        const OutOfReach outOfReach(m_folder.path(u"nurv"_s));
         store.emplace(path());
     }
     store->registerDefaults({{key, 0}});
