@@ -19,6 +19,14 @@ foreach(pair IN LISTS NURV_DISTRIBUTION_TOOLS)
 file(CREATE_LINK \"/usr/bin/${program}\" \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/lib/nurv/tools/${link}\" SYMBOLIC)")
 endforeach()
 
+# nurv_tool_library(<folder> SOURCES ... LINKS ...): what a program of our own is made
+# of, as the library nurv_<folder>. No Qt.
+function(nurv_tool_library name)
+  nurv_library(${name} ${ARGN})
+  target_include_directories(nurv_${name} PUBLIC "${CMAKE_SOURCE_DIR}/tools")
+  set_target_properties(nurv_${name} PROPERTIES AUTOMOC OFF)
+endfunction()
+
 # nurv_tool(<name> SOURCES ... LINKS ...): a program of our own in the resource
 # folder. It starts without Qt, like any other command-line tool.
 function(nurv_tool name)
@@ -29,5 +37,16 @@ function(nurv_tool name)
     AUTOMOC OFF
     RUNTIME_OUTPUT_DIRECTORY "${NURV_TOOLS_DIR}")
   set_property(GLOBAL APPEND PROPERTY NURV_BUNDLED_TOOLS ${name})
-  set_property(TARGET nurv_platform APPEND PROPERTY NURV_BUNDLED_TOOLS ${name})
+  if(TARGET nurv_platform)
+    set_property(TARGET nurv_platform APPEND PROPERTY NURV_BUNDLED_TOOLS ${name})
+  endif()
+endfunction()
+
+# nurv_fuzzer(<Name> LINKS ...): fuzz/<Name>Fuzzer.cpp as a program of that name.
+function(nurv_fuzzer name)
+  cmake_parse_arguments(ARG "" "" "LINKS" ${ARGN})
+  add_executable(${name}Fuzzer ${name}Fuzzer.cpp)
+  target_link_libraries(${name}Fuzzer PRIVATE nurv_options ${ARG_LINKS})
+  target_link_options(${name}Fuzzer PRIVATE -fsanitize=fuzzer)
+  set_target_properties(${name}Fuzzer PROPERTIES AUTOMOC OFF)
 endfunction()

@@ -8,7 +8,7 @@
 readonly NURV_BUILD_PACKAGES=(
     build-essential ccache cmake ninja-build pkg-config
     libavcodec-dev libavformat-dev libavutil-dev libswresample-dev
-    libgl-dev libicu-dev libssl-dev libtag1-dev qt6-base-dev qt6-svg-dev
+    libgl-dev libicu-dev libssl-dev libtag1-dev qt6-base-dev qt6-svg-dev zlib1g-dev
 )
 readonly NURV_RUNTIME_PACKAGES=(
     atomicparsley ffmpeg flac genisoimage icedax lame opus-tools shntool sox wavpack
@@ -19,8 +19,8 @@ readonly NURV_TEST_PACKAGES=(
     appstream desktop-file-utils imagemagick libgmock-dev libgtest-dev man-db mediainfo openbox
     python3 python3-dbusmock python3-gi shellcheck xauth xdotool xvfb
 )
-# For those who change the sources: formatting and static checks.
-readonly NURV_DEVELOPMENT_PACKAGES=(clang-format clang-tidy git)
+# For those who change the sources: formatting, static checks, fuzzing.
+readonly NURV_DEVELOPMENT_PACKAGES=(clang clang-format clang-tidy git)
 
 # nurv_missing_packages PACKAGE...: prints those that are not installed.
 nurv_missing_packages() {

@@ -2,18 +2,24 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/FileDescriptor.h"
+
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace nurv {
 
 class InputFile;
+class TemporaryFile;
 
 /// A buffered writer to a file or to standard output. A named file is written beside its
 /// place under a temporary name and put there by `commit()`. Whatever ends the program
 /// before, also SIGTERM, SIGINT and SIGHUP, leaves neither it nor the temporary file.
+/// A symbolic link stays: the file that it names is replaced.
 class OutputFile {
 public:
     /// `name` is a path, or "-" for standard output. Throws ToolError(Write), and
@@ -45,6 +51,23 @@ public:
     /// Flushes and gives a named file its name, replacing what had it. An output to a
     /// device or a named pipe is written straight away and has nothing to rename.
     void commit();
+
+private:
+    void openNamed(const InputFile &input);
+    void openStandardOutput(const InputFile &input);
+    void writeThrough(std::span<const uint8_t> bytes);
+    [[noreturn]] void failWrite(int error) const;
+
+    std::string m_name; ///< for messages
+    std::unique_ptr<TemporaryFile> m_temporary;
+    FileDescriptor m_direct; ///< of what is written straight away
+    int m_descriptor = -1;   ///< of one or the other
+    bool m_isStandardOutput = false;
+    bool m_isSeekable = false;
+    /// Where the file stood when it was handed over as standard output.
+    uint64_t m_origin = 0;
+    uint64_t m_written = 0; ///< bytes handed to the system
+    std::vector<uint8_t> m_buffer;
 };
 
 } // namespace nurv

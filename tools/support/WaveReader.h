@@ -34,7 +34,8 @@ struct WaveFormat {
 class WaveReader {
 public:
     /// Reads up to the first payload byte. Throws ToolError(InvalidInput) when no `fmt `
-    /// and `data` chunk is found in the first 64 MiB.
+    /// and `data` chunk is found in the first 64 MiB, or the `fmt ` chunk contradicts
+    /// itself, and ToolError(UnsupportedFormat) for RF64 and big-endian files.
     explicit WaveReader(InputFile &input);
 
     [[nodiscard]] const WaveFormat &format() const;
@@ -60,10 +61,25 @@ public:
 
     /// After the payload: reads the next trailing bytes, 0 at the end of the input.
     size_t readTrailing(std::span<uint8_t> bytes);
+
+private:
+    std::span<const uint8_t> takeIntoHeader(uint64_t count);
+    void readUpToPayload();
+    void readFormat(std::span<const uint8_t> chunk);
+
+    InputFile &m_input;
+    WaveFormat m_format;
+    std::vector<uint8_t> m_header;
+    uint32_t m_declaredDataBytes = 0;
+    bool m_hasUnknownSize = false;
+    uint64_t m_payloadLimit = 0; ///< bytes, in whole sample frames
+    uint64_t m_payloadBytesRead = 0;
+    std::vector<uint8_t> m_partialFrame; ///< the first of the trailing bytes
 };
 
-/// The canonical 44-byte head of a WAV file of integer PCM. Sizes beyond 32 bits are
-/// written as 0xFFFFFFFF.
+/// The canonical 44-byte head of a WAV file of integer PCM. It counts the pad byte that
+/// the caller writes after an odd number of data bytes. Sizes beyond 32 bits are written
+/// as 0xFFFFFFFF.
 [[nodiscard]] std::vector<uint8_t> canonicalWaveHeader(const WaveFormat &format, uint64_t dataBytes);
 
 } // namespace nurv

@@ -1,0 +1,173 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "support/OutputFile.h"
+
+#include "support/InputFile.h"
+#include "support/SystemCalls.h"
+#include "support/TemporaryFile.h"
+#include "support/ToolError.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <stdexcept>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace nurv {
+
+namespace {
+
+constexpr size_t kBufferBytes = 128 * 1024;
+constexpr int kLongestLinkChain = 40;
+
+/// What the name stands for after following symbolic links, also where that does not
+/// exist yet. Returns an empty text for a chain without an end.
+std::string withoutLinks(const std::string &name)
+{
+    namespace fs = std::filesystem;
+    fs::path path = name;
+    for (int links = 0; links < kLongestLinkChain; ++links) {
+        std::error_code notALink;
+        const fs::path target = fs::read_symlink(path, notALink);
+        if (notALink)
+            return path;
+        path = path.parent_path() / target;
+    }
+    return {};
+}
+
+/// Only a regular file loses what is read from it when it is written.
+void refuseTheSameFile(const struct stat &output, const InputFile &input)
+{
+    struct stat status {};
+    if (S_ISREG(output.st_mode) && ::fstat(input.descriptor(), &status) == 0 && status.st_dev == output.st_dev
+        && status.st_ino == output.st_ino) {
+        throw ToolError(ToolError::Kind::BadArguments, "the output is the same file as the input: " + input.name());
+    }
+}
+
+} // namespace
+
+OutputFile::OutputFile(const std::string &name, const InputFile &input)
+    : m_name(name == "-" ? "standard output" : name), m_isStandardOutput(name == "-")
+{
+    if (m_isStandardOutput)
+        openStandardOutput(input);
+    else
+        openNamed(input);
+    m_buffer.reserve(kBufferBytes);
+}
+
+OutputFile::~OutputFile() = default;
+
+void OutputFile::openStandardOutput(const InputFile &input)
+{
+    m_direct = FileDescriptor(::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3));
+    struct stat status {};
+    if (!m_direct.isOpen() || ::fstat(m_direct.get(), &status) != 0)
+        failWrite(errno);
+    refuseTheSameFile(status, input);
+    m_descriptor = m_direct.get();
+    // What is open for appending goes to the end, whatever the offset.
+    if (S_ISREG(status.st_mode) && (::fcntl(m_descriptor, F_GETFL) & O_APPEND) == 0) {
+        const off_t origin = ::lseek(m_descriptor, 0, SEEK_CUR);
+        m_isSeekable = origin >= 0;
+        m_origin = m_isSeekable ? static_cast<uint64_t>(origin) : 0;
+    }
+}
+
+void OutputFile::openNamed(const InputFile &input)
+{
+    struct stat status {};
+    const bool exists = ::stat(m_name.c_str(), &status) == 0;
+    if (exists && S_ISDIR(status.st_mode))
+        failWrite(EISDIR);
+    if (exists && !S_ISREG(status.st_mode)) {
+        m_direct = FileDescriptor(::open(m_name.c_str(), O_WRONLY | O_CLOEXEC));
+        if (!m_direct.isOpen())
+            failWrite(errno);
+        m_descriptor = m_direct.get();
+        return;
+    }
+    if (exists) {
+        refuseTheSameFile(status, input);
+        // A rename asks for no right to write the file that it replaces.
+        if (::faccessat(AT_FDCWD, m_name.c_str(), W_OK, AT_EACCESS) != 0)
+            failWrite(errno);
+    }
+    const std::string destination = withoutLinks(m_name);
+    if (destination.empty())
+        failWrite(m_name.empty() ? ENOENT : ELOOP);
+    m_temporary = std::make_unique<TemporaryFile>(destination);
+    m_descriptor = m_temporary->descriptor();
+    m_isSeekable = true;
+}
+
+void OutputFile::write(std::span<const uint8_t> bytes)
+{
+    if (bytes.size() > kBufferBytes - m_buffer.size())
+        flush();
+    if (bytes.size() >= kBufferBytes)
+        writeThrough(bytes);
+    else
+        m_buffer.insert(m_buffer.end(), bytes.begin(), bytes.end());
+}
+
+void OutputFile::flush()
+{
+    writeThrough(m_buffer);
+    m_buffer.clear();
+}
+
+bool OutputFile::isSeekable() const
+{
+    return m_isSeekable;
+}
+
+void OutputFile::overwrite(uint64_t offset, std::span<const uint8_t> bytes)
+{
+    if (!m_isSeekable || offset > position() || bytes.size() > position() - offset)
+        throw std::logic_error("nothing is written there that could be written again");
+    flush();
+    if (!writeAllAt(m_descriptor, bytes, m_origin + offset))
+        failWrite(errno);
+}
+
+uint64_t OutputFile::position() const
+{
+    return m_written + m_buffer.size();
+}
+
+bool OutputFile::isStandardOutput() const
+{
+    return m_isStandardOutput;
+}
+
+void OutputFile::commit()
+{
+    flush();
+    if (m_temporary)
+        m_temporary->moveToDestination();
+    else if (!m_direct.close())
+        failWrite(errno);
+    m_descriptor = -1;
+}
+
+void OutputFile::writeThrough(std::span<const uint8_t> bytes)
+{
+    if (!writeAll(m_descriptor, bytes))
+        failWrite(errno);
+    m_written += bytes.size();
+}
+
+void OutputFile::failWrite(int error) const
+{
+    if (error == EPIPE)
+        throw ClosedPipe();
+    throw ToolError(ToolError::Kind::Write, "cannot write " + m_name + ": " + errorText(error));
+}
+
+} // namespace nurv

@@ -1,0 +1,136 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "support/TemporaryFile.h"
+
+#include "support/SystemCalls.h"
+#include "support/ToolError.h"
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <random>
+#include <string_view>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace nurv {
+
+namespace {
+
+constexpr std::array kEndingSignals{SIGTERM, SIGINT, SIGHUP};
+
+/// The paths that a signal removes: all that a handler may touch.
+std::array<std::atomic<const char *>, 8> g_paths;
+static_assert(std::atomic<const char *>::is_always_lock_free);
+
+void removeAndDie(int signal)
+{
+    for (const std::atomic<const char *> &path : g_paths) {
+        if (const char *name = path.load())
+            ::unlink(name);
+    }
+    // The action is the default one again, and the exit status shall tell the signal.
+    ::raise(signal);
+}
+
+/// Holds the ending signals back while a file exists that `g_paths` does not know.
+class SignalPause {
+public:
+    SignalPause()
+    {
+        sigset_t ending;
+        sigemptyset(&ending);
+        for (const int signal : kEndingSignals)
+            sigaddset(&ending, signal);
+        ::pthread_sigmask(SIG_BLOCK, &ending, &m_former);
+    }
+    ~SignalPause() { ::pthread_sigmask(SIG_SETMASK, &m_former, nullptr); }
+    SignalPause(const SignalPause &) = delete;
+    SignalPause &operator=(const SignalPause &) = delete;
+
+private:
+    sigset_t m_former;
+};
+
+[[noreturn]] void failWrite(const std::string &name, int error)
+{
+    throw ToolError(ToolError::Kind::Write, "cannot write " + name + ": " + errorText(error));
+}
+
+std::string randomName()
+{
+    constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz0123456789";
+    std::random_device random;
+    std::uniform_int_distribution<size_t> letter(0, kLetters.size() - 1);
+    std::string name = ".nurv-";
+    for (int i = 0; i < 12; ++i)
+        name += kLetters[letter(random)];
+    return name + ".part";
+}
+
+} // namespace
+
+TemporaryFile::TemporaryFile(const std::string &destination) : m_destination(destination)
+{
+    const SignalPause pause;
+    create();
+    for (m_slot = 0; m_slot < g_paths.size(); ++m_slot) {
+        const char *none = nullptr;
+        if (g_paths[m_slot].compare_exchange_strong(none, m_path.c_str()))
+            return;
+    }
+    ::unlink(m_path.c_str());
+    failWrite(m_destination, EMFILE);
+}
+
+TemporaryFile::~TemporaryFile()
+{
+    if (!m_path.empty()) {
+        ::unlink(m_path.c_str());
+        forget();
+    }
+}
+
+void TemporaryFile::moveToDestination()
+{
+    if (!m_descriptor.close() || std::rename(m_path.c_str(), m_destination.c_str()) != 0)
+        failWrite(m_destination, errno);
+    forget();
+}
+
+void TemporaryFile::create()
+{
+    const size_t slash = m_destination.rfind('/');
+    const std::string folder = slash == std::string::npos ? "" : m_destination.substr(0, slash + 1);
+    do {
+        m_path = folder + randomName();
+        // Not mkstemp, whose mode shuts everybody else out.
+        m_descriptor = FileDescriptor(::open(m_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    } while (!m_descriptor.isOpen() && (errno == EEXIST || errno == EINTR));
+    if (!m_descriptor.isOpen())
+        failWrite(m_destination, errno);
+}
+
+void TemporaryFile::forget()
+{
+    g_paths[m_slot].store(nullptr);
+    m_path.clear();
+}
+
+void removeTemporaryFilesOnSignals()
+{
+    for (const int signal : kEndingSignals) {
+        struct sigaction action {};
+        if (::sigaction(signal, nullptr, &action) != 0 || action.sa_handler == SIG_IGN)
+            continue;
+        action = {};
+        action.sa_handler = removeAndDie;
+        action.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER);
+        ::sigaction(signal, &action, nullptr);
+    }
+}
+
+} // namespace nurv

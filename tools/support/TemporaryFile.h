@@ -1,0 +1,43 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/FileDescriptor.h"
+
+#include <cstddef>
+#include <string>
+
+namespace nurv {
+
+/// A new file under a hidden name of its own, in the folder of the file that it shall
+/// become. It is removed with this object, and by a signal that ends the program once
+/// `removeTemporaryFilesOnSignals` was called. At most eight live at a time.
+class TemporaryFile {
+public:
+    /// Open for writing, with the mode of any new file. Throws ToolError(Write).
+    explicit TemporaryFile(const std::string &destination);
+    ~TemporaryFile();
+    TemporaryFile(const TemporaryFile &) = delete;
+    TemporaryFile &operator=(const TemporaryFile &) = delete;
+
+    [[nodiscard]] int descriptor() const { return m_descriptor.get(); }
+
+    /// Closes the file and gives it the destination's name, in place of what had it.
+    /// Throws ToolError(Write).
+    void moveToDestination();
+
+private:
+    void create();
+    void forget();
+
+    std::string m_destination;
+    std::string m_path;
+    size_t m_slot = 0;
+    FileDescriptor m_descriptor;
+};
+
+/// From here on SIGTERM, SIGINT and SIGHUP remove the temporary files, then end the
+/// program as they would have. One that was ignored stays ignored.
+void removeTemporaryFilesOnSignals();
+
+} // namespace nurv

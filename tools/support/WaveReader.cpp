@@ -1,0 +1,200 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "support/WaveReader.h"
+
+#include "support/Bytes.h"
+#include "support/InputFile.h"
+#include "support/ToolError.h"
+
+#include <algorithm>
+#include <limits>
+#include <string>
+#include <string_view>
+
+namespace nurv {
+
+namespace {
+
+constexpr uint64_t kMaxHeaderBytes = 64 * 1024 * 1024;
+constexpr uint32_t kUnknownSize = 0xFFFFFFFF;
+constexpr uint16_t kPcm = 1;
+constexpr uint16_t kExtensible = 0xFFFE;
+constexpr size_t kPlainFormatBytes = 16;
+constexpr size_t kExtensibleFormatBytes = 40;
+constexpr size_t kSubformatOffset = 24;
+/// What follows the format tag in the subformat GUIDs that stand for one.
+constexpr uint8_t kSubformatTail[] = {0x00, 0x00, 0x00, 0x00, 0x10, 0x00, 0x80,
+                                      0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
+
+bool isNamed(std::span<const uint8_t> bytes, std::string_view fourCharacters)
+{
+    return bytes.size() >= fourCharacters.size()
+           && std::equal(fourCharacters.begin(), fourCharacters.end(), bytes.begin(),
+                         [](char left, uint8_t right) { return static_cast<uint8_t>(left) == right; });
+}
+
+[[noreturn]] void refuse(const InputFile &input, const std::string &why)
+{
+    throw ToolError(ToolError::Kind::InvalidInput, input.name() + ": " + why);
+}
+
+} // namespace
+
+WaveReader::WaveReader(InputFile &input) : m_input(input)
+{
+    readUpToPayload();
+}
+
+void WaveReader::readUpToPayload()
+{
+    const std::span<const uint8_t> head = takeIntoHeader(12);
+    if (isNamed(head, "RF64") || isNamed(head, "RIFX")) {
+        throw ToolError(ToolError::Kind::UnsupportedFormat, m_input.name() + ": "
+                                                                + std::string(head.begin(), head.begin() + 4)
+                                                                + " files are not supported, only RIFF WAV files");
+    }
+    if (head.size() < 12 || !isNamed(head, "RIFF") || !isNamed(head.subspan(8), "WAVE"))
+        refuse(m_input, "this is no WAV file");
+    for (;;) {
+        const std::span<const uint8_t> chunk = takeIntoHeader(8);
+        if (chunk.size() < 8)
+            refuse(m_input, "the WAV file has no data chunk");
+        const uint32_t size = littleEndian32(chunk.data() + 4);
+        if (isNamed(chunk, "data")) {
+            m_declaredDataBytes = size;
+            break;
+        }
+        const bool isFormat = isNamed(chunk, "fmt ");
+        const uint64_t paddedSize = uint64_t{size} + (size & 1);
+        const std::span<const uint8_t> contents = takeIntoHeader(paddedSize);
+        if (contents.size() < paddedSize)
+            refuse(m_input, "the WAV file has no data chunk");
+        if (isFormat)
+            readFormat(contents.first(size));
+    }
+    if (m_format.blockAlign == 0)
+        refuse(m_input, "the WAV file has no fmt chunk before its data chunk");
+    treatUnknownSizeAsDeclared();
+    if (m_declaredDataBytes == kUnknownSize || (m_declaredDataBytes == 0 && !m_input.peek(1).empty())) {
+        m_hasUnknownSize = true;
+        m_payloadLimit = std::numeric_limits<uint64_t>::max();
+    }
+}
+
+/// Adds that many bytes to the header, fewer at the end of the input, and returns them.
+std::span<const uint8_t> WaveReader::takeIntoHeader(uint64_t count)
+{
+    if (count > kMaxHeaderBytes - m_header.size())
+        refuse(m_input, "the WAV file has no data chunk in its first 64 MiB");
+    const size_t start = m_header.size();
+    // In steps: the count comes from the file, which may be much shorter.
+    constexpr uint64_t kStep = 64 * 1024;
+    for (uint64_t left = count; left > 0;) {
+        const auto step = static_cast<size_t>(std::min(left, kStep));
+        const size_t end = m_header.size();
+        m_header.resize(end + step);
+        const size_t present = m_input.read(std::span(m_header).subspan(end));
+        m_header.resize(end + present);
+        if (present < step)
+            break;
+        left -= step;
+    }
+    return std::span<const uint8_t>(m_header).subspan(start);
+}
+
+void WaveReader::readFormat(std::span<const uint8_t> chunk)
+{
+    if (chunk.size() < kPlainFormatBytes)
+        refuse(m_input, "the fmt chunk of the WAV file is too short");
+    m_format = {};
+    m_format.formatTag = littleEndian16(chunk.data());
+    m_format.channels = littleEndian16(chunk.data() + 2);
+    m_format.sampleRateHz = littleEndian32(chunk.data() + 4);
+    m_format.blockAlign = littleEndian16(chunk.data() + 12);
+    m_format.bitsPerSample = littleEndian16(chunk.data() + 14);
+    m_format.isExtensible = m_format.formatTag == kExtensible;
+    if (m_format.isExtensible && chunk.size() >= kExtensibleFormatBytes
+        && std::ranges::equal(chunk.subspan(kSubformatOffset + 2, sizeof kSubformatTail), kSubformatTail)) {
+        m_format.formatTag = littleEndian16(chunk.data() + kSubformatOffset);
+    }
+    if (m_format.channels == 0 || m_format.blockAlign == 0)
+        refuse(m_input, "the WAV file has no channels");
+    const uint32_t bytesPerSample = (m_format.bitsPerSample + 7U) / 8;
+    if (m_format.isIntegerPcm() && m_format.blockAlign != m_format.channels * bytesPerSample)
+        refuse(m_input, "the fmt chunk of the WAV file contradicts itself");
+}
+
+const WaveFormat &WaveReader::format() const
+{
+    return m_format;
+}
+
+std::span<const uint8_t> WaveReader::header() const
+{
+    return m_header;
+}
+
+uint32_t WaveReader::declaredDataBytes() const
+{
+    return m_declaredDataBytes;
+}
+
+bool WaveReader::hasUnknownSize() const
+{
+    return m_hasUnknownSize;
+}
+
+void WaveReader::treatUnknownSizeAsDeclared()
+{
+    m_hasUnknownSize = false;
+    m_payloadLimit = m_declaredDataBytes - m_declaredDataBytes % m_format.blockAlign;
+}
+
+size_t WaveReader::readPayload(std::span<uint8_t> bytes)
+{
+    const auto wanted = static_cast<size_t>(std::min<uint64_t>(bytes.size(), m_payloadLimit - m_payloadBytesRead));
+    const size_t present = m_input.read(bytes.first(wanted));
+    const size_t whole = present - present % m_format.blockAlign;
+    m_partialFrame.insert(m_partialFrame.end(), bytes.begin() + static_cast<std::ptrdiff_t>(whole),
+                          bytes.begin() + static_cast<std::ptrdiff_t>(present));
+    m_payloadBytesRead += whole;
+    return whole;
+}
+
+uint64_t WaveReader::payloadBytesRead() const
+{
+    return m_payloadBytesRead;
+}
+
+size_t WaveReader::readTrailing(std::span<uint8_t> bytes)
+{
+    const size_t partial = std::min(m_partialFrame.size(), bytes.size());
+    const auto end = m_partialFrame.begin() + static_cast<std::ptrdiff_t>(partial);
+    std::copy(m_partialFrame.begin(), end, bytes.begin());
+    m_partialFrame.erase(m_partialFrame.begin(), end);
+    return partial + m_input.read(bytes.subspan(partial));
+}
+
+std::vector<uint8_t> canonicalWaveHeader(const WaveFormat &format, uint64_t dataBytes)
+{
+    constexpr size_t kHeaderBytes = 44;
+    const auto inField = [](uint64_t size) { return static_cast<uint32_t>(std::min<uint64_t>(size, kUnknownSize)); };
+    const auto putName = [](uint8_t *at, std::string_view name) { std::copy(name.begin(), name.end(), at); };
+    std::vector<uint8_t> header(kHeaderBytes);
+    uint8_t *const at = header.data();
+    putName(at, "RIFF");
+    putLittleEndian32(at + 4, inField(kHeaderBytes - 8 + dataBytes + dataBytes % 2));
+    putName(at + 8, "WAVEfmt ");
+    putLittleEndian32(at + 16, kPlainFormatBytes);
+    putLittleEndian16(at + 20, kPcm);
+    putLittleEndian16(at + 22, format.channels);
+    putLittleEndian32(at + 24, format.sampleRateHz);
+    putLittleEndian32(at + 28, inField(uint64_t{format.sampleRateHz} * format.blockAlign));
+    putLittleEndian16(at + 32, format.blockAlign);
+    putLittleEndian16(at + 34, format.bitsPerSample);
+    putName(at + 36, "data");
+    putLittleEndian32(at + 40, inField(dataBytes));
+    return header;
+}
+
+} // namespace nurv
