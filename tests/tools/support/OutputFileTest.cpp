@@ -1,0 +1,227 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "support/OutputFile.h"
+
+#include "support/InputFile.h"
+#include "support/TestFolder.h"
+#include "support/ToolError.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv::test {
+
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+std::span<const uint8_t> bytesOf(std::string_view text)
+{
+    return {reinterpret_cast<const uint8_t *>(text.data()), text.size()};
+}
+
+/// A folder with an input, and a closed pipe that is an error, as in the programs.
+class OutputFileTest : public ::testing::Test {
+protected:
+    OutputFileTest() : m_formerAction(std::signal(SIGPIPE, SIG_IGN)) { m_folder.write(u"in"_s, "input"); }
+    ~OutputFileTest() override { std::signal(SIGPIPE, m_formerAction); }
+
+    [[nodiscard]] std::string path(const QString &name) const { return m_folder.path(name).toStdString(); }
+    [[nodiscard]] InputFile input() const { return InputFile(path(u"in"_s)); }
+
+    /// The failure of opening an output of that name.
+    [[nodiscard]] std::optional<ToolError> failureOf(const std::string &name) const
+    {
+        try {
+            const OutputFile output(name, input());
+        } catch (const ToolError &error) {
+            return error;
+        }
+        ADD_FAILURE() << name << " was opened";
+        return std::nullopt;
+    }
+
+    void expectFailure(const QString &name, ToolError::Kind kind, const char *text) const
+    {
+        if (const std::optional<ToolError> error = failureOf(path(name))) {
+            EXPECT_EQ(error->kind(), kind);
+            EXPECT_THAT(error->what(), HasSubstr(text));
+        }
+    }
+
+    TestFolder m_folder;
+
+private:
+    void (*m_formerAction)(int);
+};
+
+TEST_F(OutputFileTest, ReplacesAFileOnlyWhenAllIsWritten)
+{
+    m_folder.write(u"out"_s, "former");
+    {
+        OutputFile output(path(u"out"_s), input());
+        output.write(bytesOf("new"));
+        output.flush();
+        EXPECT_EQ(m_folder.read(u"out"_s), "former");
+        ASSERT_EQ(m_folder.list().size(), 3);
+        EXPECT_THAT(m_folder.list().front().toStdString(), StartsWith(".nurv-"));
+        EXPECT_EQ(m_folder.read(m_folder.list().front()), "new");
+        output.commit();
+        EXPECT_EQ(m_folder.read(u"out"_s), "new");
+    }
+    EXPECT_EQ(m_folder.list(), (QStringList{u"in"_s, u"out"_s}));
+}
+
+TEST_F(OutputFileTest, LeavesNothingWhenItIsGivenUp)
+{
+    m_folder.write(u"out"_s, "former");
+    {
+        OutputFile output(path(u"out"_s), input());
+        output.write(bytesOf(std::string(300'000, 'x')));
+        OutputFile another(path(u"another"_s), input());
+        EXPECT_EQ(m_folder.list().size(), 4);
+    }
+    EXPECT_EQ(m_folder.list(), (QStringList{u"in"_s, u"out"_s}));
+    EXPECT_EQ(m_folder.read(u"out"_s), "former");
+}
+
+TEST_F(OutputFileTest, KeepsTheOrderOfSmallAndLargeWrites)
+{
+    std::string expected;
+    OutputFile output(path(u"out"_s), input());
+    for (const size_t size : {1U, 100'000U, 50'000U, 131'072U, 131'071U, 2U, 500'000U, 0U, 3U}) {
+        const std::string block(size, static_cast<char>('a' + expected.size() % 26));
+        output.write(bytesOf(block));
+        expected += block;
+        EXPECT_EQ(output.position(), expected.size());
+    }
+    output.commit();
+    EXPECT_EQ(m_folder.read(u"out"_s).toStdString(), expected);
+}
+
+TEST_F(OutputFileTest, WritesAgainWhatIsWritten)
+{
+    OutputFile output(path(u"out"_s), input());
+    EXPECT_TRUE(output.isSeekable());
+    output.write(bytesOf("0123456789"));
+    output.overwrite(2, bytesOf("ab"));
+    output.write(bytesOf("end"));
+    output.overwrite(9, bytesOf("cdef"));
+    EXPECT_EQ(output.position(), 13U);
+    EXPECT_THROW(output.overwrite(13, bytesOf("x")), std::logic_error);
+    EXPECT_THROW(output.overwrite(UINT64_MAX, bytesOf("xy")), std::logic_error);
+    output.write(bytesOf("!"));
+    output.commit();
+    EXPECT_EQ(m_folder.read(u"out"_s), "01ab45678cdef!");
+}
+
+TEST_F(OutputFileTest, HasTheModeOfAnyNewFile)
+{
+    const mode_t former = ::umask(0);
+    for (const mode_t mask : {0022U, 0077U, 0002U}) {
+        ::umask(mask);
+        OutputFile output(path(u"out"_s), input());
+        output.commit();
+        struct stat status {};
+        EXPECT_EQ(::stat(path(u"out"_s).c_str(), &status), 0);
+        EXPECT_EQ(status.st_mode & 0777U, 0666U & ~mask);
+    }
+    ::umask(former);
+}
+
+TEST_F(OutputFileTest, ReplacesTheFileThatALinkNames)
+{
+    m_folder.write(u"music/real"_s, "former");
+    m_folder.makeLink(u"link"_s, u"music/real"_s);
+    m_folder.makeLink(u"twice"_s, u"link"_s);
+    m_folder.makeLink(u"new"_s, m_folder.path(u"music/fresh"_s));
+    for (const QString &name : {u"twice"_s, u"new"_s}) {
+        OutputFile output(path(name), input());
+        output.write(bytesOf("new"));
+        output.commit();
+    }
+    EXPECT_TRUE(QFileInfo(m_folder.path(u"twice"_s)).isSymLink());
+    EXPECT_TRUE(QFileInfo(m_folder.path(u"link"_s)).isSymLink());
+    EXPECT_EQ(m_folder.read(u"music/real"_s), "new");
+    EXPECT_EQ(m_folder.read(u"music/fresh"_s), "new");
+    EXPECT_EQ(m_folder.list(),
+              (QStringList{u"in"_s, u"link"_s, u"music/fresh"_s, u"music/real"_s, u"new"_s, u"twice"_s}));
+}
+
+TEST_F(OutputFileTest, RefusesTheFileThatIsRead)
+{
+    m_folder.makeLink(u"link"_s, u"in"_s);
+    ASSERT_EQ(::link(path(u"in"_s).c_str(), path(u"hard"_s).c_str()), 0);
+    for (const QString &name : {u"in"_s, u"link"_s, u"hard"_s, u"./in"_s})
+        expectFailure(name, ToolError::Kind::BadArguments, "the output is the same file as the input: ");
+    EXPECT_EQ(m_folder.read(u"in"_s), "input");
+}
+
+TEST_F(OutputFileTest, RefusesWhatCannotBeWritten)
+{
+    m_folder.makeFolder(u"folder"_s);
+    m_folder.makeLink(u"round"_s, u"round"_s);
+    expectFailure(u"folder"_s, ToolError::Kind::Write, "folder: Is a directory");
+    expectFailure(u"none/out"_s, ToolError::Kind::Write, "none/out: No such file or directory");
+    expectFailure(u"in/out"_s, ToolError::Kind::Write, "in/out: Not a directory");
+    expectFailure(u"round"_s, ToolError::Kind::Write, "round: Too many levels of symbolic links");
+    EXPECT_THAT(failureOf("")->what(), HasSubstr("No such file or directory"));
+}
+
+TEST_F(OutputFileTest, RefusesAFileThatIsWriteProtected)
+{
+    if (::geteuid() == 0)
+        GTEST_SKIP() << "the superuser may write everything";
+    m_folder.write(u"kept"_s, "kept");
+    ASSERT_TRUE(QFile::setPermissions(m_folder.path(u"kept"_s), QFile::ReadOwner));
+    expectFailure(u"kept"_s, ToolError::Kind::Write, "kept: Permission denied");
+}
+
+TEST_F(OutputFileTest, TellsThatADeviceIsFull)
+{
+    OutputFile output("/dev/full", input());
+    EXPECT_FALSE(output.isSeekable());
+    output.write(bytesOf("x"));
+    try {
+        output.commit();
+        FAIL() << "a full device took a byte";
+    } catch (const ToolError &error) {
+        EXPECT_EQ(error.kind(), ToolError::Kind::Write);
+        EXPECT_STREQ(error.what(), "cannot write /dev/full: No space left on device");
+    }
+}
+
+TEST_F(OutputFileTest, WritesToANamedPipeAsItIs)
+{
+    ASSERT_EQ(::mkfifo(path(u"pipe"_s).c_str(), 0600), 0);
+    const int reader = ::open(path(u"pipe"_s).c_str(), O_RDONLY | O_NONBLOCK);
+    OutputFile output(path(u"pipe"_s), input());
+    EXPECT_FALSE(output.isSeekable());
+    output.write(bytesOf("abc"));
+    output.flush();
+    char block[10] = {};
+    EXPECT_EQ(::read(reader, block, sizeof block), 3);
+    EXPECT_STREQ(block, "abc");
+    ::close(reader);
+    output.write(bytesOf("d"));
+    EXPECT_THROW(output.flush(), ClosedPipe);
+    EXPECT_EQ(m_folder.list(), (QStringList{u"in"_s, u"pipe"_s}));
+}
+
+} // namespace
+
+} // namespace nurv::test
