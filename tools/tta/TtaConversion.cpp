@@ -1,0 +1,161 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tta/TtaConversion.h"
+
+#include "support/InputFile.h"
+#include "support/OutputFile.h"
+#include "support/ToolError.h"
+#include "support/WaveReader.h"
+#include "tta/TtaReader.h"
+#include "tta/TtaWriter.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <optional>
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace nurv {
+
+namespace {
+
+constexpr uint16_t kFloat = 3;
+
+/// Runs the work; a failure that says nothing of the file gets its name.
+template <typename Work>
+auto namingInput(const InputFile &input, const Work &work)
+{
+    try {
+        return work();
+    } catch (const ToolError &error) {
+        if (error.kind() != ToolError::Kind::UnsupportedFormat)
+            throw;
+        throw ToolError(error.kind(), input.name() + ": " + error.what());
+    }
+}
+
+/// "3, 5, 8-12", cut short after some ranges.
+std::string listed(const std::vector<uint64_t> &numbers)
+{
+    constexpr int kMaxRanges = 20;
+    std::string text;
+    int ranges = 0;
+    for (size_t start = 0, end; start < numbers.size(); start = end) {
+        if (++ranges > kMaxRanges)
+            return text + " ...";
+        for (end = start + 1; end < numbers.size() && numbers[end] == numbers[end - 1] + 1;)
+            ++end;
+        text += (text.empty() ? "" : ", ") + std::to_string(numbers[start]);
+        if (end - start > 1)
+            text += "-" + std::to_string(numbers[end - 1]);
+    }
+    return text;
+}
+
+/// The payload, where the input's size tells it.
+std::optional<uint64_t> payloadByteCount(const InputFile &input, const WaveReader &wave)
+{
+    if (!input.size())
+        return std::nullopt;
+    const uint64_t present = *input.size() - std::min(input.position(), *input.size());
+    const uint64_t declared = wave.hasUnknownSize() ? std::numeric_limits<uint64_t>::max() : wave.declaredDataBytes();
+    return std::min(present, declared);
+}
+
+TtaHeader headerFor(const WaveFormat &format)
+{
+    if (!format.isIntegerPcm())
+        throw ToolError(ToolError::Kind::UnsupportedFormat,
+                        (format.formatTag == kFloat ? "floating-point sound"
+                                                    : "WAV format " + std::to_string(format.formatTag))
+                            + std::string(" is not supported, only integer PCM"));
+    TtaHeader header;
+    header.channels = format.channels;
+    header.bitsPerSample = format.bitsPerSample;
+    header.sampleRateHz = format.sampleRateHz;
+    header.check();
+    return header;
+}
+
+WaveFormat waveFormatFor(const TtaHeader &header)
+{
+    WaveFormat format;
+    format.formatTag = 1;
+    format.channels = header.channels;
+    format.sampleRateHz = header.sampleRateHz;
+    format.blockAlign = static_cast<uint16_t>(header.blockAlign());
+    format.bitsPerSample = header.bitsPerSample;
+    return format;
+}
+
+} // namespace
+
+bool looksLikeWave(InputFile &input)
+{
+    const std::span<const uint8_t> head = input.peek(12);
+    const std::string_view text(reinterpret_cast<const char *>(head.data()), head.size());
+    return text.starts_with("RIFF") && text.ends_with("WAVE");
+}
+
+void encodeWaveToTta(InputFile &input, OutputFile &output, const std::string &temporaryFolder,
+                     const TtaProgress &progress)
+{
+    WaveReader wave(input);
+    const TtaHeader header = namingInput(input, [&] { return headerFor(wave.format()); });
+    const std::optional<uint64_t> payloadBytes = payloadByteCount(input, wave);
+    std::optional<uint64_t> samples;
+    if (payloadBytes)
+        samples = *payloadBytes / header.blockAlign();
+    namingInput(input, [&] {
+        TtaWriter writer(output, header, samples, temporaryFolder);
+        std::vector<uint8_t> pcm(writer.frameBytes());
+        while (const size_t count = wave.readPayload(pcm)) {
+            writer.writeFrame(std::span(pcm).first(count));
+            progress(wave.payloadBytesRead(), payloadBytes.value_or(0));
+        }
+        writer.finish();
+    });
+}
+
+void decodeTtaToWave(InputFile &input, OutputFile &output, const TtaProgress &progress)
+{
+    TtaReader reader(input);
+    const TtaHeader &header = reader.header();
+    output.write(canonicalWaveHeader(waveFormatFor(header), header.pcmByteCount()));
+    // At once: some readers want no more.
+    output.flush();
+    for (uint64_t frame = 0; frame < header.frameCount(); ++frame) {
+        const TtaFrameState state = reader.readFrame();
+        if (state != TtaFrameState::Good)
+            throw ToolError(ToolError::Kind::Damaged, input.name() + ": " + reader.describe(state));
+        output.write(reader.pcm());
+        output.flush();
+        progress(frame + 1, header.frameCount());
+    }
+    if (header.pcmByteCount() % 2 != 0)
+        output.write(std::array<uint8_t, 1>{});
+}
+
+std::string testTta(InputFile &input, const TtaProgress &progress)
+{
+    TtaReader reader(input);
+    const uint64_t frames = reader.header().frameCount();
+    std::string first;
+    std::vector<uint64_t> damaged;
+    for (uint64_t frame = 0; frame < frames; ++frame) {
+        const TtaFrameState state = reader.readFrame();
+        if (state != TtaFrameState::Good) {
+            if (damaged.empty())
+                first = reader.describe(state);
+            damaged.push_back(frame + 1);
+        }
+        progress(frame + 1, frames);
+    }
+    if (damaged.size() < 2)
+        return first;
+    return first + "; " + std::to_string(damaged.size()) + " frames are not good: " + listed(damaged);
+}
+
+} // namespace nurv

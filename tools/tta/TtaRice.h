@@ -1,0 +1,66 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+namespace nurv {
+
+/// The adaptive Rice parameters of one channel (TTA1, frame coding). A value below
+/// 2^k0 is written in k0 bits; a larger one less 2^k0 as a unary and a k1-bit part.
+struct TtaRice {
+    struct Parameter {
+        uint32_t k = 10;
+        uint32_t mean = 1U << (10 + 4); // 16 times the moving mean of the values
+
+        [[gnu::always_inline]] void adapt(uint32_t value)
+        {
+            mean += value - (mean >> 4);
+            step(mean < kThresholds[k], mean > kThresholds[k + 1]);
+        }
+
+        /// `adapt` when the condition holds, without a branch that is hard to foresee.
+        [[gnu::always_inline]] void adaptIf(bool condition, uint32_t value)
+        {
+            mean = condition ? mean + value - (mean >> 4) : mean;
+            step(condition & (mean < kThresholds[k]), condition & (mean > kThresholds[k + 1]));
+        }
+
+    private:
+        [[gnu::always_inline]] void step(bool down, bool up)
+        {
+            if (down) [[unlikely]]
+                --k;
+            else if (up) [[unlikely]]
+                ++k;
+        }
+    };
+
+    /// [k]: 2^(k+4), at most 2^31. The first and the last keep k within 0 to 31.
+    static constexpr std::array<uint32_t, 33> kThresholds = [] {
+        std::array<uint32_t, 33> thresholds{};
+        for (uint32_t k = 1; k < 32; ++k)
+            thresholds[k] = k < 27 ? 1U << (k + 4) : 1U << 31;
+        thresholds[32] = UINT32_MAX;
+        return thresholds;
+    }();
+
+    Parameter shallow; // k0
+    Parameter deep;    // k1
+
+    /// 0, 1, -1, 2, -2 ... as 0, 1, 2, 3, 4 ...
+    [[gnu::always_inline]] static uint32_t fold(int32_t value)
+    {
+        const uint32_t twice = static_cast<uint32_t>(value) << 1;
+        return value > 0 ? twice - 1 : 0 - twice;
+    }
+
+    [[gnu::always_inline]] static int32_t unfold(uint32_t value)
+    {
+        const uint32_t half = (value >> 1) + (value & 1);
+        return static_cast<int32_t>((value & 1) != 0 ? half : 0 - half);
+    }
+};
+
+} // namespace nurv
