@@ -23,4 +23,4 @@ install(FILES "${data}/org.nurvaudio.Workbench.desktop" DESTINATION "${CMAKE_INS
 install(FILES "${data}/org.nurvaudio.Workbench.metainfo.xml" DESTINATION "${CMAKE_INSTALL_DATADIR}/metainfo")
 install(DIRECTORY "${data}/icons/hicolor" DESTINATION "${CMAKE_INSTALL_DATADIR}/icons")
 install(FILES "${data}/completions/nurv" DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions")
-install(FILES "${data}/man/nurv.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
+install(DIRECTORY "${data}/man/" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" FILES_MATCHING PATTERN "*.1")
