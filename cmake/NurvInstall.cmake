@@ -15,6 +15,11 @@ endforeach()
 get_property(tools GLOBAL PROPERTY NURV_BUNDLED_TOOLS)
 foreach(tool IN LISTS tools)
   add_dependencies(products ${tool})
+  # A former version may have installed a link here, which install() would write through.
+  install(CODE "set(tool \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/lib/nurv/tools/${tool}\")
+if(IS_SYMLINK \"\${tool}\")
+  file(REMOVE \"\${tool}\")
+endif()")
   install(TARGETS ${tool} RUNTIME DESTINATION lib/nurv/tools)
 endforeach()
 

@@ -8,8 +8,8 @@ set(NURV_TOOLS_DIR "${CMAKE_BINARY_DIR}/lib/nurv/tools")
 file(MAKE_DIRECTORY "${NURV_TOOLS_DIR}")
 # <name in the resource folder>=<program of the distribution>
 set(NURV_DISTRIBUTION_TOOLS
-  flac=flac metaflac=metaflac shntool=shntool wavpack=wavpack wvunpack=wvunpack lame=lame
-  opusenc=opusenc sox=sox cdda2wav=icedax AtomicParsley=AtomicParsley)
+  flac=flac metaflac=metaflac wavpack=wavpack wvunpack=wvunpack lame=lame opusenc=opusenc
+  sox=sox cdda2wav=icedax AtomicParsley=AtomicParsley)
 foreach(pair IN LISTS NURV_DISTRIBUTION_TOOLS)
   string(REPLACE "=" ";" parts "${pair}")
   list(GET parts 0 link)
@@ -31,6 +31,10 @@ endfunction()
 # folder. It starts without Qt, like any other command-line tool.
 function(nurv_tool name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  # Where a link to the distribution's program stood, nothing may be written through it.
+  if(IS_SYMLINK "${NURV_TOOLS_DIR}/${name}")
+    file(REMOVE "${NURV_TOOLS_DIR}/${name}")
+  endif()
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE nurv_options ${ARG_LINKS})
   set_target_properties(${name} PROPERTIES

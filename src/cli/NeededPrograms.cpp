@@ -28,9 +28,12 @@ bool isProgram(const QString &path)
     return file.isFile() && file.isExecutable();
 }
 
+/// A text for a program that cannot be started from the resource folder.
 QString missingText(const QString &name)
 {
     const QString path = toolPath(name);
+    if (isProgram(path))
+        return missingProgramText(path, u"the program that it stands in front of is not there"_s);
     return missingProgramText(path, QFileInfo::exists(path) ? u"it is not an executable file"_s : u"it is not there"_s);
 }
 
@@ -46,7 +49,7 @@ QStringList NeededPrograms::missing() const
 {
     QStringList texts;
     for (const QString &name : launched) {
-        if (!isProgram(toolPath(name)))
+        if (!isProgram(toolPath(name)) || lacksItsPackage(name))
             texts.append(missingText(name));
     }
     for (const QString &name : helpers) {

@@ -71,10 +71,17 @@ void AboutPage::createWidgets()
     m_programs->setAlternatingRowColors(true);
     m_programs->setTextElideMode(Qt::ElideMiddle);
     m_programs->setAllColumnsShowFocus(true);
+    const auto packageText = [](const ExternalProgram &program) {
+        if (!program.isBundled)
+            return program.package;
+        if (!isPartOfThisBuild(program))
+            return tr("not included yet");
+        return program.package.isEmpty() ? tr("included") : tr("included, needs %1").arg(program.package);
+    };
     for (const ExternalProgram &program : externalPrograms()) {
         auto *const item = new QTreeWidgetItem(m_programs, {program.name});
         item->setToolTip(Name, toolTipText(program.purpose));
-        item->setText(Package, !program.isBundled ? program.package : isPartOfThisBuild(program) ? tr("included") : tr("not included yet"));
+        item->setText(Package, packageText(program));
     }
     m_programs->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     m_programs->header()->setStretchLastSection(true);

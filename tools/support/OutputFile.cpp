@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/OutputFile.h"
 
+#include "support/Destination.h"
 #include "support/InputFile.h"
 #include "support/SystemCalls.h"
 #include "support/TemporaryFile.h"
@@ -9,7 +10,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <filesystem>
 #include <stdexcept>
 
 #include <fcntl.h>
@@ -21,23 +21,6 @@ namespace nurv {
 namespace {
 
 constexpr size_t kBufferBytes = 128 * 1024;
-constexpr int kLongestLinkChain = 40;
-
-/// What the name stands for after following symbolic links, also where that does not
-/// exist yet. Returns an empty text for a chain without an end.
-std::string withoutLinks(const std::string &name)
-{
-    namespace fs = std::filesystem;
-    fs::path path = name;
-    for (int links = 0; links < kLongestLinkChain; ++links) {
-        std::error_code notALink;
-        const fs::path target = fs::read_symlink(path, notALink);
-        if (notALink)
-            return path;
-        path = path.parent_path() / target;
-    }
-    return {};
-}
 
 /// Only a regular file loses what is read from it when it is written.
 void refuseTheSameFile(const struct stat &output, const InputFile &input)
@@ -83,25 +66,16 @@ void OutputFile::openNamed(const InputFile &input)
 {
     struct stat status {};
     const bool exists = ::stat(m_name.c_str(), &status) == 0;
-    if (exists && S_ISDIR(status.st_mode))
-        failWrite(EISDIR);
-    if (exists && !S_ISREG(status.st_mode)) {
+    if (exists && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode)) {
         m_direct = FileDescriptor(::open(m_name.c_str(), O_WRONLY | O_CLOEXEC));
         if (!m_direct.isOpen())
             failWrite(errno);
         m_descriptor = m_direct.get();
         return;
     }
-    if (exists) {
+    if (exists)
         refuseTheSameFile(status, input);
-        // A rename asks for no right to write the file that it replaces.
-        if (::faccessat(AT_FDCWD, m_name.c_str(), W_OK, AT_EACCESS) != 0)
-            failWrite(errno);
-    }
-    const std::string destination = withoutLinks(m_name);
-    if (destination.empty())
-        failWrite(m_name.empty() ? ENOENT : ELOOP);
-    m_temporary = std::make_unique<TemporaryFile>(destination);
+    m_temporary = std::make_unique<TemporaryFile>(destinationOf(m_name));
     m_descriptor = m_temporary->descriptor();
     m_isSeekable = true;
 }

@@ -1,0 +1,154 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "support/AudioFixtures.h"
+#include "support/TestFolder.h"
+#include "support/TestProgram.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <gmock/gmock.h>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv::test {
+
+namespace {
+
+using ::testing::HasSubstr;
+
+QString frontEnd()
+{
+    return QString::fromLocal8Bit(NURV_SHNTOOL);
+}
+
+/// Runs the program and takes its name out of what it writes.
+ProgramResult runNameless(const QString &program, const QStringList &arguments, const QByteArray &input = {})
+{
+    ProgramResult result = runProgram(program, arguments, input);
+    result.output.replace(QFile::encodeName(program), "shntool");
+    result.errors.replace(QFile::encodeName(program), "shntool");
+    return result;
+}
+
+class Shntool : public ::testing::Test {
+protected:
+    Shntool()
+    {
+        writeWav(m_folder.path(u"a.wav"_s), {.frames = 588 * 75});
+        writeFlac(m_folder.path(u"b.flac"_s), {.frames = 588 * 80, .seed = 2});
+        m_folder.write(u"no sound.wav"_s, "RIFF but no more");
+    }
+
+    [[nodiscard]] QString path(const QString &name) const { return m_folder.path(name); }
+
+    TestFolder m_folder;
+};
+
+TEST_F(Shntool, AnswersAsTheDistributionsProgram)
+{
+    const QString a = path(u"a.wav"_s);
+    const QString b = path(u"b.flac"_s);
+    const QStringList calls[] = {
+        {u"-v"_s},
+        {u"-h"_s},
+        {u"-f"_s},
+        {},
+        {u"--help"_s},
+        {u"no-such-mode"_s},
+        {u"len"_s, a, b},
+        {u"len"_s, path(u"missing.wav"_s)},
+        {u"len"_s, path(u"no sound.wav"_s)},
+        {u"info"_s, a, b},
+        {u"hash"_s, u"-m"_s, a, b},
+        {u"hash"_s, u"-x"_s, a},
+        {u"cmp"_s, a, b},
+        {u"cmp"_s, a, a},
+        {u"conv"_s, u"-h"_s},
+        {u"conv"_s, u"-x"_s, a},
+        {u"conv"_s, u"-O"_s, u"never"_s, u"-d"_s, path(u"missing"_s), a},
+        {u"cue"_s, a, b},
+    };
+    for (const QStringList &call : calls) {
+        const ProgramResult expected = runNameless(u"/usr/bin/shntool"_s, call);
+        const ProgramResult result = runNameless(frontEnd(), call);
+        EXPECT_EQ(result.exitStatus, expected.exitStatus) << qPrintable(call.join(u' '));
+        EXPECT_EQ(result.output, expected.output) << qPrintable(call.join(u' '));
+        EXPECT_EQ(result.errors, expected.errors) << qPrintable(call.join(u' '));
+    }
+}
+
+TEST_F(Shntool, ConvertsToTheNameThatIsGiven)
+{
+    const QString out = path(u"given name.wav"_s);
+    const ProgramResult result = runProgram(frontEnd(), {u"conv"_s, u"-P"_s, u"pct"_s, u"-O"_s, u"always"_s, u"-o"_s,
+                                                         u"wav"_s, u"-n"_s, out, path(u"b.flac"_s)});
+    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_EQ(result.output, "");
+    EXPECT_TRUE(result.errors.startsWith("Converting [" + QFile::encodeName(path(u"b.flac"_s)) + "] (0:01.05) --> ["))
+        << result.errors.constData();
+    EXPECT_TRUE(result.errors.endsWith("100% OK\n")) << result.errors.constData();
+    EXPECT_EQ(m_folder.read(u"given name.wav"_s), wavBytes({.frames = 588 * 80, .seed = 2}));
+    EXPECT_EQ(m_folder.list(), (QStringList{u"a.wav"_s, u"b.flac"_s, u"given name.wav"_s, u"no sound.wav"_s}));
+}
+
+TEST_F(Shntool, EncodesToTheNameThatIsGiven)
+{
+    const QString out = path(u"any.ending"_s);
+    const ProgramResult result =
+        runProgram(frontEnd(), {u"conv"_s, u"-O"_s, u"never"_s, u"-o"_s, u"cust ext=flac flac -s -8 -o %f -"_s, u"-n"_s,
+                                out, path(u"a.wav"_s)});
+    EXPECT_EQ(result.exitStatus, 0) << result.errors.constData();
+    EXPECT_TRUE(sameSound(out, path(u"a.wav"_s)));
+}
+
+TEST_F(Shntool, TakesNamesOfAllKinds)
+{
+    m_folder.write(u"-source.flac"_s, m_folder.read(u"b.flac"_s));
+    const QByteArray expected = wavBytes({.frames = 588 * 80, .seed = 2});
+    // A shell makes the names and passes them byte for byte, whatever the locale.
+    for (const QString &name : {u"'-dash.wav'"_s, u"$'two\\nlines.wav'"_s, u"$'100% [x] \\' \".wav'"_s,
+                                u"$'no utf-8 \\xff\\xfe.wav'"_s, u"$(printf '%0255d')"_s}) {
+        const QString line = u"cd \"$1\" && name=%1 && \"$0\" conv -q -O never -n \"$name\" -- -source.flac "
+                             "&& [ $(ls -Aq | wc -l) = 5 ] && cat -- \"$name\" && rm -- \"$name\""_s.arg(name);
+        const ProgramResult result = runProgram(u"/bin/bash"_s, {u"-c"_s, line, frontEnd(), m_folder.path()});
+        EXPECT_EQ(result.exitStatus, 0) << qPrintable(name) << result.errors.constData();
+        EXPECT_TRUE(result.output == expected) << qPrintable(name);
+    }
+}
+
+TEST_F(Shntool, ReportsAnEncoderThatFailedAndKeepsTheFormerFile)
+{
+    const QString out = path(u"out.mp3"_s);
+    m_folder.write(u"out.mp3"_s, "former");
+    const ProgramResult result = runProgram(frontEnd(), {u"conv"_s, u"-O"_s, u"always"_s, u"-o"_s,
+                                                         u"cust ext=mp3 false %f"_s, u"-n"_s, out, path(u"a.wav"_s)});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_THAT(result.errors.toStdString(), HasSubstr("shntool [conv]: warning: "));
+    EXPECT_EQ(m_folder.read(u"out.mp3"_s), "former");
+    EXPECT_EQ(m_folder.list(), (QStringList{u"a.wav"_s, u"b.flac"_s, u"no sound.wav"_s, u"out.mp3"_s}));
+}
+
+TEST_F(Shntool, ReportsASourceThatIsNoSound)
+{
+    const QString out = path(u"out.wav"_s);
+    for (const QString &source : {u"no sound.wav"_s, u"missing.flac"_s}) {
+        const ProgramResult result =
+            runProgram(frontEnd(), {u"conv"_s, u"-O"_s, u"always"_s, u"-n"_s, out, path(source)});
+        EXPECT_EQ(result.exitStatus, 1);
+        EXPECT_THAT(result.errors.toStdString(), HasSubstr("shntool [conv]: warning: "));
+        EXPECT_FALSE(m_folder.exists(u"out.wav"_s));
+    }
+}
+
+TEST_F(Shntool, NamesAWrongUseOfTheNameInOneLine)
+{
+    const ProgramResult result = runProgram(frontEnd(), {u"conv"_s, path(u"a.wav"_s), u"-n"_s});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.errors, "shntool [conv]: error: option -n needs the name of the file to make\n");
+}
+
+} // namespace
+
+} // namespace nurv::test

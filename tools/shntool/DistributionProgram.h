@@ -1,0 +1,20 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace nurv {
+
+/// The folder that this program is in, links followed.
+[[nodiscard]] std::string ownFolder();
+
+/// The shntool of the distribution: `usual` where that exists, else the first along
+/// PATH that is not this program. Nothing where there is none.
+[[nodiscard]] std::optional<std::string> findDistributionProgram(const std::string &usual);
+
+/// PATH with the folder at its end, unless it is among them.
+[[nodiscard]] std::string pathWithFolder(const std::string &folder);
+
+} // namespace nurv

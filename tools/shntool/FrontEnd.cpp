@@ -1,0 +1,141 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shntool/FrontEnd.h"
+
+#include "shntool/ChildSupervisor.h"
+#include "shntool/DistributionProgram.h"
+#include "shntool/NamedConversion.h"
+#include "shntool/PrivateFolder.h"
+#include "support/Destination.h"
+#include "support/SystemCalls.h"
+#include "support/ToolError.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string_view>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace nurv {
+
+namespace {
+
+constexpr int kFailed = 1;
+
+[[noreturn]] void failWrite(const std::string &text)
+{
+    throw ToolError(ToolError::Kind::Write, text);
+}
+
+/// Refuses what the conversion must not, or cannot, replace.
+void checkOutput(const NamedConversion &conversion)
+{
+    struct stat output {};
+    if (::stat(conversion.output.c_str(), &output) != 0)
+        return;
+    struct stat source {};
+    if (conversion.source && ::stat(conversion.source->c_str(), &source) == 0 && source.st_dev == output.st_dev
+        && source.st_ino == output.st_ino) {
+        failWrite("output file would overwrite input file -- skipping: [" + conversion.output + "]");
+    }
+    if (!S_ISREG(output.st_mode) && !S_ISDIR(output.st_mode))
+        failWrite("this is no regular file: [" + conversion.output + "]");
+    if (conversion.overwrite == NamedConversion::Overwrite::Never)
+        failWrite("output file already exists -- skipping: [" + conversion.output + "]");
+    if (conversion.overwrite == NamedConversion::Overwrite::Ask) {
+        failWrite("output file already exists: [" + conversion.output + "]  use \"-O always\" to replace it");
+    }
+}
+
+/// The one file that the conversion has made.
+std::string fileMadeIn(const PrivateFolder &folder)
+{
+    const std::vector<std::string> files = folder.contents();
+    if (files.size() != 1 || !std::filesystem::is_regular_file(files.front())) {
+        failWrite("the conversion made " + std::to_string(files.size()) + " files, but one is needed for option -n");
+    }
+    return files.front();
+}
+
+void moveInPlace(const std::string &file, const std::string &destination, bool mayReplace)
+{
+    const auto move = [&](unsigned flags) {
+        return ::renameat2(AT_FDCWD, file.c_str(), AT_FDCWD, destination.c_str(), flags) == 0;
+    };
+    bool isDone = move(mayReplace ? 0 : RENAME_NOREPLACE);
+    // Not every file system knows the flag. The name was free when the conversion began.
+    if (!isDone && !mayReplace && errno == EINVAL && ::access(destination.c_str(), F_OK) != 0)
+        isDone = move(0);
+    if (!isDone)
+        failWrite("cannot write " + destination + ": " + errorText(errno));
+}
+
+/// How a conversion ended: by the signal, where that is not 0, else with the status.
+struct Ending {
+    int signal = 0;
+    int status = 0;
+};
+
+Ending convert(const NamedConversion &conversion, const std::string &program, const std::string &programName)
+{
+    checkOutput(conversion);
+    const std::string destination = destinationOf(conversion.output);
+    ChildSupervisor supervisor;
+    const PrivateFolder folder(destination);
+    std::vector<std::string> words{programName, "conv"};
+    words.insert(words.end(), conversion.options.begin(), conversion.options.end());
+    words.insert(words.end(), {"-d", folder.path()});
+    // A decoder would take a leading dash for an option, as would the program itself.
+    if (conversion.source)
+        words.push_back(conversion.source->starts_with('-') ? "./" + *conversion.source : *conversion.source);
+    const int end = supervisor.run(program, std::move(words));
+    if (supervisor.endingSignal() != 0)
+        return {.signal = supervisor.endingSignal()};
+    if (WIFSIGNALED(end))
+        return {.signal = WTERMSIG(end)};
+    if (WEXITSTATUS(end) == 0) {
+        moveInPlace(fileMadeIn(folder), destination, conversion.overwrite == NamedConversion::Overwrite::Always);
+    }
+    return {.status = WEXITSTATUS(end)};
+}
+
+void printError(const char *prefix, const std::string &text)
+{
+    std::fprintf(stderr, "%s: %s\n", prefix, text.c_str());
+}
+
+} // namespace
+
+int runFrontEnd(int argc, char **argv, const std::string &usualProgram)
+{
+    const std::optional<std::string> program = findDistributionProgram(usualProgram);
+    if (!program) {
+        printError("shntool", "the shntool of the distribution is not installed; the package \"shntool\" provides it");
+        return kNothingToHandOverTo;
+    }
+    try {
+        ::setenv("PATH", pathWithFolder(ownFolder()).c_str(), 1);
+        const std::vector<std::string> arguments(argv, argv + argc);
+        if (arguments.size() > 1 && arguments[1] == "conv") {
+            if (const auto conversion = parseNamedConversion(std::span(arguments).subspan(2))) {
+                const Ending ending = convert(*conversion, *program, arguments.front());
+                if (ending.signal != 0)
+                    dieBySignal(ending.signal);
+                return ending.status;
+            }
+        }
+    } catch (const std::exception &error) {
+        printError("shntool [conv]: error", error.what());
+        return kFailed;
+    }
+    ::execv(program->c_str(), argv);
+    printError("shntool", "cannot start " + *program + ": " + errorText(errno));
+    return kNothingToHandOverTo;
+}
+
+} // namespace nurv
