@@ -280,7 +280,7 @@ TEST_F(EncodeTabTest, AsksBeforeAnOutputBesideItsSourceIsOverwritten)
     EXPECT_EQ(tasks[0]->arguments(),
               (QStringList{u"-5"_s, u"-f"_s, folder.path(u"a.wav"_s), u"-o"_s, folder.path(u"a.flac"_s)}));
     EXPECT_TRUE(tasks[1]->arguments().contains(u"-f"_s));
-    EXPECT_FALSE(tasks[2]->arguments().join(u' ').contains(u"-f"_s));
+    EXPECT_FALSE((tasks[2]->arguments().join(u' ') + u' ').contains(u" -f "_s));
 }
 
 TEST_F(EncodeTabTest, AsksOnlyOnceForSeveralFolders)
