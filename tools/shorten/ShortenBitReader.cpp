@@ -148,7 +148,8 @@ void ShortenBitReader::failAtEnd() const
 
 void ShortenBitReader::failTooLarge() const
 {
-    throw ToolError(ToolError::Kind::Damaged, m_input.name() + ": the Shorten stream is damaged: a number is too large");
+    throw ToolError(ToolError::Kind::Damaged,
+                    m_input.name() + ": the Shorten stream is damaged: a number is too large");
 }
 
 } // namespace nurv::shorten

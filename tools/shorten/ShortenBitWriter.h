@@ -42,10 +42,10 @@ private:
 
     ByteSink m_sink;
     std::vector<uint8_t> m_buffer;
-    size_t m_size = 0;          ///< whole bytes in the buffer
-    uint64_t m_handedOver = 0;  ///< bytes
-    uint64_t m_cache = 0;       ///< the bits of the next byte, from the top
-    unsigned m_cachedBits = 0;  ///< 0 to 7
+    size_t m_size = 0;         ///< whole bytes in the buffer
+    uint64_t m_handedOver = 0; ///< bytes
+    uint64_t m_cache = 0;      ///< the bits of the next byte, from the top
+    unsigned m_cachedBits = 0; ///< 0 to 7
 };
 
 } // namespace nurv::shorten

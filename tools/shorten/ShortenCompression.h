@@ -10,7 +10,7 @@
 namespace nurv {
 class WaveReader;
 struct WaveFormat;
-}
+} // namespace nurv
 
 namespace nurv::shorten {
 

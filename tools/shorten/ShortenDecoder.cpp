@@ -57,17 +57,10 @@ void ShortenDecoder::decodeRest()
 {
     for (; m_function != Function::Quit; m_function = readFunction()) {
         switch (m_function) {
-        case Function::Verbatim:
-            copyVerbatim();
-            break;
-        case Function::BlockSize:
-            changeBlockSize();
-            break;
-        case Function::BitShift:
-            changeShift();
-            break;
-        default:
-            decodeBlock(m_function);
+        case Function::Verbatim: copyVerbatim(); break;
+        case Function::BlockSize: changeBlockSize(); break;
+        case Function::BitShift: changeShift(); break;
+        default: decodeBlock(m_function);
         }
     }
     if (m_channel != 0)
@@ -97,7 +90,8 @@ void ShortenDecoder::readStreamHeader()
     m_header.version = head.back();
     if (m_header.version > kMaxVersion) {
         throw ToolError(ToolError::Kind::UnsupportedFormat, m_input.name() + ": Shorten files of version "
-                            + std::to_string(m_header.version) + " are not supported");
+                                                                + std::to_string(m_header.version)
+                                                                + " are not supported");
     }
     m_header.fileType = FileType{readHeaderField(4)};
     m_header.channels = readHeaderField(0);
@@ -122,7 +116,8 @@ void ShortenDecoder::readStreamHeader()
 void ShortenDecoder::checkHeader() const
 {
     if (!isKnown(m_header.fileType)) {
-        throw ToolError(ToolError::Kind::UnsupportedFormat, m_input.name() + ": Shorten files of sample type "
+        throw ToolError(ToolError::Kind::UnsupportedFormat,
+                        m_input.name() + ": Shorten files of sample type "
                             + std::to_string(static_cast<uint32_t>(m_header.fileType))
                             + " (logarithmic samples, or unknown) are not supported");
     }
@@ -205,9 +200,7 @@ void ShortenDecoder::predictDiff(Function function, Channel &channel)
     uint32_t slope = last - bits(samples.data()[-2]);
     uint32_t bend = slope - (bits(samples.data()[-2]) - bits(samples.data()[-3]));
     switch (function) {
-    case Function::Diff0:
-        addTo(samples, channel.means.level(m_shift));
-        break;
+    case Function::Diff0: addTo(samples, channel.means.level(m_shift)); break;
     case Function::Diff1:
         for (int32_t &sample : samples)
             sample = wrapped(last += bits(sample));

@@ -80,13 +80,10 @@ enum class FileType : uint32_t {
 [[nodiscard]] constexpr int32_t startMean(FileType type)
 {
     switch (type) {
-    case FileType::Unsigned8:
-        return 128;
+    case FileType::Unsigned8: return 128;
     case FileType::Unsigned16BigEndian:
-    case FileType::Unsigned16LittleEndian:
-        return 32768;
-    default:
-        return 0;
+    case FileType::Unsigned16LittleEndian: return 32768;
+    default: return 0;
     }
 }
 

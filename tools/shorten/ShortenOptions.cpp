@@ -23,8 +23,8 @@ uint32_t number(char option, const std::string &text, uint32_t least, uint32_t m
     const char *const end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, value);
     if (error != std::errc{} || stop != end || value < least || value > most) {
-        badArguments(dashed(option) + " takes a number from " + std::to_string(least) + " to "
-                     + std::to_string(most) + ", not '" + text + "'");
+        badArguments(dashed(option) + " takes a number from " + std::to_string(least) + " to " + std::to_string(most)
+                     + ", not '" + text + "'");
     }
     return value;
 }
@@ -35,20 +35,16 @@ std::string whyRefused(char option)
     switch (option) {
     case 'n':
     case 'q':
-    case 'r':
-        return "lossy compression is not supported";
+    case 'r': return "lossy compression is not supported";
     case 'k':
     case 'e':
     case 'i':
     case 's':
-    case 'S':
-        return "seek tables are written while compressing to a named file, and never by themselves";
+    case 'S': return "seek tables are written while compressing to a named file, and never by themselves";
     case 'a':
     case 'c':
-    case 'd':
-        return "only WAV files are compressed, whose header says it all";
-    default:
-        return {};
+    case 'd': return "only WAV files are compressed, whose header says it all";
+    default: return {};
     }
 }
 
@@ -101,15 +97,9 @@ private:
             value = m_arguments[m_next++];
         }
         switch (option) {
-        case 'b':
-            m_options.blockSize = number(option, value, 1, kMaxBlockSize);
-            break;
-        case 'm':
-            m_options.meanCount = number(option, value, 0, kMaxMeanCount);
-            break;
-        case 'v':
-            m_options.wantsSeekTable = number(option, value, 2, 3) == 3;
-            break;
+        case 'b': m_options.blockSize = number(option, value, 1, kMaxBlockSize); break;
+        case 'm': m_options.meanCount = number(option, value, 0, kMaxMeanCount); break;
+        case 'v': m_options.wantsSeekTable = number(option, value, 2, 3) == 3; break;
         case 'p':
             if (value != "0")
                 badArguments("-p " + value + ": linear prediction is not offered, only -p 0");

@@ -3,15 +3,15 @@
 #include "shorten/ShortenSamples.h"
 
 #include <algorithm>
-#include <cstring>
 #include <bit>
+#include <cstring>
 #include <limits>
 
 namespace nurv::shorten {
 
 namespace {
 
-template <typename Sample, bool isBigEndian>
+template<typename Sample, bool isBigEndian>
 void store(std::span<const int32_t> samples, unsigned shift, uint8_t *at, size_t channels)
 {
     using Limits = std::numeric_limits<Sample>;
@@ -35,18 +35,12 @@ void store(std::span<const int32_t> samples, unsigned shift, uint8_t *at, size_t
 void storeSamples(FileType type, std::span<const int32_t> samples, unsigned shift, uint8_t *at, size_t channels)
 {
     switch (type) {
-    case FileType::Signed8:
-        return store<int8_t, false>(samples, shift, at, channels);
-    case FileType::Unsigned8:
-        return store<uint8_t, false>(samples, shift, at, channels);
-    case FileType::Signed16BigEndian:
-        return store<int16_t, true>(samples, shift, at, channels);
-    case FileType::Unsigned16BigEndian:
-        return store<uint16_t, true>(samples, shift, at, channels);
-    case FileType::Signed16LittleEndian:
-        return store<int16_t, false>(samples, shift, at, channels);
-    case FileType::Unsigned16LittleEndian:
-        return store<uint16_t, false>(samples, shift, at, channels);
+    case FileType::Signed8: return store<int8_t, false>(samples, shift, at, channels);
+    case FileType::Unsigned8: return store<uint8_t, false>(samples, shift, at, channels);
+    case FileType::Signed16BigEndian: return store<int16_t, true>(samples, shift, at, channels);
+    case FileType::Unsigned16BigEndian: return store<uint16_t, true>(samples, shift, at, channels);
+    case FileType::Signed16LittleEndian: return store<int16_t, false>(samples, shift, at, channels);
+    case FileType::Unsigned16LittleEndian: return store<uint16_t, false>(samples, shift, at, channels);
     }
 }
 

@@ -33,7 +33,7 @@ constexpr size_t kShiftField = 22;
 constexpr size_t kHistoryField = 24;
 constexpr size_t kMeansField = 48;
 
-template <typename Table>
+template<typename Table>
 void putAll(uint8_t *at, const Table &table)
 {
     for (const auto &channel : table) {
@@ -71,8 +71,7 @@ void ShortenSeekTable::addPoint(const ShortenSeekPoint &point)
     uint8_t *const entry = &*m_entries.end() - kEntryBytes;
     putLittleEndian32(entry + kFrameField, static_cast<uint32_t>(point.frame));
     putLittleEndian32(entry + kFillStartField, static_cast<uint32_t>(fillStart));
-    putLittleEndian16(entry + kBytesTakenField,
-                      static_cast<uint16_t>(words * kWordBytes - fills * kReaderBufferBytes));
+    putLittleEndian16(entry + kBytesTakenField, static_cast<uint16_t>(words * kWordBytes - fills * kReaderBufferBytes));
     putLittleEndian16(entry + kBitsLeftField, static_cast<uint16_t>(words * 32 - point.bitPosition));
     putLittleEndian16(entry + kShiftField, static_cast<uint16_t>(point.shift));
     putAll(entry + kHistoryField, point.history);

@@ -47,8 +47,8 @@ private:
     uint64_t m_nextFrame = 0;
     bool m_isTooLong = false;
     std::vector<uint8_t> m_entries;
-    uint64_t m_watched = 0;         ///< bytes of the bit stream
-    size_t m_firstWithoutWord = 0;  ///< in `m_entries`
+    uint64_t m_watched = 0;        ///< bytes of the bit stream
+    size_t m_firstWithoutWord = 0; ///< in `m_entries`
 };
 
 } // namespace nurv::shorten

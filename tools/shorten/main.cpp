@@ -7,6 +7,7 @@
 #include "shorten/ShortenSeekTable.h"
 #include "support/InputFile.h"
 #include "support/OutputFile.h"
+#include "support/ToolError.h"
 #include "support/ToolMain.h"
 #include "support/WaveReader.h"
 
@@ -17,22 +18,22 @@ namespace {
 using namespace nurv;
 using namespace nurv::shorten;
 
-constexpr const char *kHelp =
-    "Usage: shorten [-v 2] [-b FRAMES] [-m MEANS] [IN [OUT]]\n"
-    "       shorten -x [IN [OUT]]\n"
-    "\n"
-    "Compresses WAV files (8 or 16 bits, 1 to 8 channels) to Shorten files, or restores\n"
-    "them. IN and OUT are '-' or missing for standard input and standard output.\n"
-    "\n"
-    "  -x          restore the file that a Shorten file (versions 0 to 3) was made of\n"
-    "  -v 2|3      3, the default: append a seek table where OUT is a named file;\n"
-    "              2: never append one\n"
-    "  -b FRAMES   block size, 1 to 65535 sample frames (256)\n"
-    "  -m MEANS    block means to remember, 0 to 32768 (4)\n"
-    "  --help      show this text\n"
-    "  --version   show the version\n"
-    "\n"
-    "The exit status is 0, or 1 when anything failed; then OUT is as it was before.\n";
+constexpr const char *kHelp = "Usage: shorten [-v 2] [-b FRAMES] [-m MEANS] [IN [OUT]]\n"
+                              "       shorten -x [IN [OUT]]\n"
+                              "\n"
+                              "Compresses WAV files (8 or 16 bits, 1 to 8 channels) to Shorten files, or restores\n"
+                              "them. IN and OUT are '-' or missing for standard input and standard output.\n"
+                              "\n"
+                              "  -x          restore the file that a Shorten file (versions 0 to 3) was made of\n"
+                              "  -v 2|3      3, the default: append a seek table where OUT is a named file;\n"
+                              "              2: never append one\n"
+                              "  -b FRAMES   block size, 1 to 65535 sample frames (256)\n"
+                              "  -m MEANS    block means to remember, 0 to 32768 (4)\n"
+                              "  --help      show this text\n"
+                              "  --version   show the version\n"
+                              "\n"
+                              "The exit status is 0, or 1 when anything failed. Then a named OUT is as it was\n"
+                              "before; standard output got what could be restored.\n";
 
 void compress(const ShortenOptions &options)
 {
@@ -61,7 +62,13 @@ void restore(const ShortenOptions &options)
     decoder.decodeHead();
     // Whoever wants the header alone can have it, and close the pipe.
     output.flush();
-    decoder.decodeRest();
+    try {
+        decoder.decodeRest();
+    } catch (const ToolError &) {
+        // What could be restored may be all that is left of a recording.
+        output.flush();
+        throw;
+    }
     output.commit();
 }
 

@@ -8,6 +8,20 @@
 
 namespace nurv::shorten::test {
 
+namespace {
+
+/// One channel's samples of a block.
+std::vector<int32_t> blockOf(const std::vector<int32_t> &samples, unsigned channels, unsigned channel, size_t start,
+                             size_t frames)
+{
+    std::vector<int32_t> block;
+    for (size_t frame = start; frame < start + frames; ++frame)
+        block.push_back(samples[frame * channels + channel]);
+    return block;
+}
+
+} // namespace
+
 ReferenceStream::ReferenceStream(const Settings &settings) : m_settings(settings)
 {
     if (m_settings.version == 0) {
@@ -183,6 +197,42 @@ void ReferenceStream::endBlock(std::span<const int64_t> block)
     }
     state.past.insert(state.past.end(), block.begin(), block.end());
     m_channel = (m_channel + 1) % m_states.size();
+}
+
+Bytes mixedStream(const Wave &wave, ReferenceStream::Settings settings, bool endBit)
+{
+    settings.channels = wave.channels;
+    settings.fileType = wave.bits == 8 ? 2 : 5;
+    if (settings.version == 0)
+        settings.maxOrder = 0;
+    ReferenceStream stream(settings);
+    const uint32_t blockSize = settings.version == 0 ? 256 : settings.blockSize;
+    stream.verbatim(wave.header({}, wave.data().size(), 0));
+    std::vector<int32_t> samples = wave.samples();
+    if (wave.bits == 8) {
+        for (int32_t &sample : samples)
+            sample += 128;
+    }
+    const std::vector<std::vector<int32_t>> predictors = {{60, -29}, {31}, {90, -87, 28}};
+    unsigned turn = 0;
+    for (size_t start = 0; start < wave.frames; start += blockSize) {
+        const size_t frames = std::min<size_t>(blockSize, wave.frames - start);
+        if (frames < blockSize)
+            stream.setBlockSize(static_cast<uint32_t>(frames));
+        for (unsigned channel = 0; channel < wave.channels; ++channel, ++turn) {
+            const std::vector<int32_t> block = blockOf(samples, wave.channels, channel, start, frames);
+            const unsigned energy = wave.bits == 8 ? 4 : 9;
+            const std::vector<int32_t> &predictor = predictors[turn / 5 % predictors.size()];
+            if (std::ranges::count(block, 0) == std::ssize(block))
+                stream.zero();
+            else if (turn % 5 == 4 && predictor.size() <= settings.maxOrder && frames >= 3)
+                stream.linear(predictor, energy, block);
+            else
+                stream.diff(turn % 4, energy, block);
+        }
+    }
+    stream.quit();
+    return stream.finish(endBit);
 }
 
 } // namespace nurv::shorten::test

@@ -22,7 +22,7 @@ public:
         uint32_t blockSize = 256; ///< version 0: always 256
         uint32_t maxOrder = 0;
         uint32_t meanCount = 4;
-        Bytes skipped{};          ///< written to the output in front of everything
+        Bytes skipped{}; ///< written to the output in front of everything
     };
     explicit ReferenceStream(const Settings &settings);
 
@@ -62,5 +62,9 @@ private:
     size_t m_channel = 0;
     std::vector<bool> m_bits;
 };
+
+/// The stream of a WAV file that goes through all the predictors in turns, QLPC as far as
+/// the settings allow it. Channels and file type are the file's.
+[[nodiscard]] Bytes mixedStream(const Wave &wave, ReferenceStream::Settings settings, bool endBit = true);
 
 } // namespace nurv::shorten::test

@@ -1,8 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "shorten/ShortenDecoder.h"
 #include "ReferenceStream.h"
 #include "ShortenTestSupport.h"
-#include "shorten/ShortenDecoder.h"
+#include "support/CorpusReplay.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,53 +17,6 @@ using namespace nurv::shorten::test;
 using testing::HasSubstr;
 
 namespace {
-
-/// One channel's samples of a block.
-std::vector<int32_t> blockOf(const std::vector<int32_t> &samples, unsigned channels, unsigned channel, size_t start,
-                             size_t frames)
-{
-    std::vector<int32_t> block;
-    for (size_t frame = start; frame < start + frames; ++frame)
-        block.push_back(samples[frame * channels + channel]);
-    return block;
-}
-
-/// A stream of a WAV file that goes through the predictors in turns.
-Bytes mixedStream(const Wave &wave, ReferenceStream::Settings settings, bool endBit = true)
-{
-    settings.channels = wave.channels;
-    settings.fileType = wave.bits == 8 ? 2 : 5;
-    if (settings.version == 0)
-        settings.maxOrder = 0;
-    ReferenceStream stream(settings);
-    const uint32_t blockSize = settings.version == 0 ? 256 : settings.blockSize;
-    stream.verbatim(wave.header({}, wave.data().size(), 0));
-    std::vector<int32_t> samples = wave.samples();
-    if (wave.bits == 8) {
-        for (int32_t &sample : samples)
-            sample += 128;
-    }
-    const std::vector<std::vector<int32_t>> predictors = {{60, -29}, {31}, {90, -87, 28}, {}};
-    unsigned turn = 0;
-    for (size_t start = 0; start < wave.frames; start += blockSize) {
-        const size_t frames = std::min<size_t>(blockSize, wave.frames - start);
-        if (frames < blockSize)
-            stream.setBlockSize(static_cast<uint32_t>(frames));
-        for (unsigned channel = 0; channel < wave.channels; ++channel, ++turn) {
-            const std::vector<int32_t> block = blockOf(samples, wave.channels, channel, start, frames);
-            const unsigned energy = wave.bits == 8 ? 4 : 9;
-            const std::vector<int32_t> &predictor = predictors[turn / 5 % predictors.size()];
-            if (std::ranges::count(block, 0) == std::ssize(block))
-                stream.zero();
-            else if (turn % 5 == 4 && predictor.size() <= settings.maxOrder && frames >= 3)
-                stream.linear(predictor, energy, block);
-            else
-                stream.diff(turn % 4, energy, block);
-        }
-    }
-    stream.quit();
-    return stream.finish(endBit);
-}
 
 /// A stream without any samples: its header, VERBATIM "x", QUIT.
 Bytes tinyStream(const ReferenceStream::Settings &settings = {})
@@ -114,8 +68,9 @@ TEST(ShortenDecoder, KeepsMoreHistoryThanABlockHolds)
     const std::vector<int32_t> predictor = {11, 7, -5, 3, 2};
     const std::vector<int32_t> last = {33, -44};
     stream.linear(predictor, 5, last);
+    stream.linear({}, 5, last);
     stream.diff(2, 5, last);
-    for (const int32_t sample : {33, -44, 33, -44})
+    for (const int32_t sample : {33, -44, 33, -44, 33, -44})
         append(expected, littleEndian(static_cast<uint32_t>(sample), 2));
     stream.quit();
     EXPECT_EQ(decoded(stream.finish()), expected);
@@ -275,7 +230,9 @@ TEST(ShortenDecoder, RefusesCommandsThatMakeNoSense)
     EXPECT_THAT(afterHeader([](Stream &s) { s.setBlockSize(0); }), HasSubstr("block size is 0"));
     EXPECT_THAT(afterHeader([](Stream &s) { s.setBlockSize(70000); }), HasSubstr("block size is 70000"));
     EXPECT_THAT(afterHeader([&](Stream &s) { s.diff(1, 26, samples); }), HasSubstr("energy is 26"));
-    EXPECT_THAT(afterHeader([&](Stream &s) { s.linear(std::vector<int32_t>{1, 2, 3}, 3, samples); }),
+    EXPECT_THAT(afterHeader([&](Stream &s) {
+                    s.linear(std::vector<int32_t>{1, 2, 3}, 3, samples);
+                }),
                 HasSubstr("order is 3"));
     EXPECT_THAT(afterHeader([&](Stream &s) { s.diff(1, 3, samples); }), HasSubstr("between the channels"));
     EXPECT_THAT(afterHeader([&](Stream &s) {
@@ -289,6 +246,11 @@ TEST(ShortenDecoder, RefusesCommandsThatMakeNoSense)
                     s.uvar(33, 2);
                 }),
                 HasSubstr("too large"));
+}
+
+TEST(ShortenDecoder, SurvivesTheCorpus)
+{
+    EXPECT_TRUE(nurv::test::replayCorpus(QString::fromLocal8Bit(NURV_CORPUS)));
 }
 
 TEST(ShortenDecoder, EndsAtZerosWithoutEnd)

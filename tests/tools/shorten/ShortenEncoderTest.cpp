@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "ShortenTestSupport.h"
 #include "shorten/ShortenCompression.h"
+#include "ShortenTestSupport.h"
 #include "support/InputFile.h"
 #include "support/ToolError.h"
 #include "support/WaveReader.h"
@@ -21,11 +21,12 @@ namespace {
 constexpr const char *kSmallStream = "616a6b6702fbb17009f9255952a4d1a8d30804020157a0d5a8b66b6dd2411080"
                                      "40201018040a0144d64020110d8c0a0104804420164b0dd2c30c8040200bbc6c"
                                      "0c81fffa00046c0c71fffe007240000000";
-constexpr const char *kSmallTable = "5345454b0100000051000000"
-                                    "00000000510000000500000010003c0013000c6cbc0b0000"
-                                    "0000000000000000000000000000000000000000000000000000000000000000000000000000000000000000"
-                                    "000000000000000000000000"
-                                    "6800000053484e414d50534b";
+constexpr const char *kSmallTable =
+    "5345454b0100000051000000"
+    "00000000510000000500000010003c0013000c6cbc0b0000"
+    "0000000000000000000000000000000000000000000000000000000000000000000000000000000000000000"
+    "000000000000000000000000"
+    "6800000053484e414d50534b";
 
 Bytes smallWave()
 {
@@ -183,8 +184,8 @@ TEST(ShortenEncoder, RestoresPartialFramesAndJunk)
 TEST(ShortenEncoder, RestoresWhateverSizeIsDeclared)
 {
     const Wave wave{.frames = 3000};
-    for (const size_t declared : {size_t{0}, size_t{1}, size_t{4001}, size_t{12001}, size_t{20000}, size_t{0x7FFFF000},
-                                  size_t{0xFFFFFFFF}}) {
+    for (const size_t declared :
+         {size_t{0}, size_t{1}, size_t{4001}, size_t{12001}, size_t{20000}, size_t{0x7FFFF000}, size_t{0xFFFFFFFF}}) {
         SCOPED_TRACE(declared);
         Bytes file = wave.header({}, declared, 0);
         append(file, wave.data());

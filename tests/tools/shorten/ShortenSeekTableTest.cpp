@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "ShortenTestSupport.h"
 #include "shorten/ShortenSeekTable.h"
+#include "ShortenTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -99,8 +99,8 @@ private:
         std::vector<int32_t> &means = m_means[channel];
         const auto meanCount = static_cast<int32_t>(m_meanCount);
         const int32_t level = meanCount == 0
-            ? means[0]
-            : std::accumulate(means.begin(), means.end(), meanCount / 2) / meanCount >> m_shift;
+                                  ? means[0]
+                                  : std::accumulate(means.begin(), means.end(), meanCount / 2) / meanCount >> m_shift;
         const uint32_t energy = function == 8 ? 0 : uvar(3);
         int64_t sum = blockSize / 2;
         std::vector<int32_t> block;
@@ -122,7 +122,7 @@ private:
     uint32_t wordAt(size_t at) const
     {
         return uint32_t{m_file[at]} << 24 | uint32_t{m_file[at + 1]} << 16 | uint32_t{m_file[at + 2]} << 8
-            | m_file[at + 3];
+               | m_file[at + 3];
     }
 
     bool bit()

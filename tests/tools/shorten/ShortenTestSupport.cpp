@@ -28,26 +28,16 @@ double sample(Sound sound, size_t frame, unsigned channel, std::mt19937 &random)
     const double noise = static_cast<double>(random()) / 2147483648.0 - 1.0;
     const auto tone = [&](double hz) { return std::sin(2 * std::numbers::pi * hz * t + channel); };
     switch (sound) {
-    case Sound::Silence:
-        return 0;
-    case Sound::Square:
-        return frame / 50 % 2 == 0 ? 1 : -1;
-    case Sound::Alternation:
-        return (frame + channel) % 2 == 0 ? 1 : -1;
-    case Sound::Noise:
-        return noise;
-    case Sound::Sweep:
-        return 0.9 * tone(20 + 4000 * t);
-    case Sound::Music:
-        return 0.3 * tone(220) + 0.2 * tone(331.5) + 0.1 * tone(1760) + 0.01 * noise;
-    case Sound::Offset:
-        return frame < 600 ? 0.25 : 0.25 + 0.002 * noise;
-    case Sound::Bursts:
-        return frame / 300 % 3 == 0 ? noise : 0;
-    case Sound::Shifts:
-        return 0.8 * tone(440);
-    case Sound::Ramp:
-        return static_cast<double>(frame % 2000) / 1000.0 - 1.0;
+    case Sound::Silence: return 0;
+    case Sound::Square: return frame / 50 % 2 == 0 ? 1 : -1;
+    case Sound::Alternation: return (frame + channel) % 2 == 0 ? 1 : -1;
+    case Sound::Noise: return noise;
+    case Sound::Sweep: return 0.9 * tone(20 + 4000 * t);
+    case Sound::Music: return 0.3 * tone(220) + 0.2 * tone(331.5) + 0.1 * tone(1760) + 0.01 * noise;
+    case Sound::Offset: return frame < 600 ? 0.25 : 0.25 + 0.002 * noise;
+    case Sound::Bursts: return frame / 300 % 3 == 0 ? noise : 0;
+    case Sound::Shifts: return 0.8 * tone(440);
+    case Sound::Ramp: return static_cast<double>(frame % 2000) / 1000.0 - 1.0;
     }
     return 0;
 }
@@ -88,7 +78,8 @@ std::vector<int32_t> Wave::samples() const
     values.reserve(frames * channels);
     for (size_t frame = 0; frame < frames; ++frame) {
         for (unsigned channel = 0; channel < channels; ++channel) {
-            const double value = std::clamp(std::round(sample(sound, frame, channel, random) * scale), -scale, scale - 1);
+            const double value =
+                std::clamp(std::round(sample(sound, frame, channel, random) * scale), -scale, scale - 1);
             auto coded = static_cast<int32_t>(value);
             if (sound == Sound::Shifts)
                 coded &= -(1 << (frame / 400 % (bits - 3)));
@@ -166,8 +157,7 @@ Bytes encoded(std::span<const uint8_t> wave, uint32_t blockSize, uint32_t meanCo
     Bytes stream;
     ShortenSeekTable table;
     ShortenEncoder encoder(
-        header, [&stream](std::span<const uint8_t> bytes) { append(stream, bytes); },
-        withSeekTable ? &table : nullptr);
+        header, [&stream](std::span<const uint8_t> bytes) { append(stream, bytes); }, withSeekTable ? &table : nullptr);
     const uint64_t size = encodeWave(reader, header, encoder);
     if (size != stream.size())
         throw std::logic_error("the encoder miscounts its bytes");

@@ -33,7 +33,7 @@ enum class Sound {
     Shifts, ///< low-order bits that are 0 for changing stretches
     Ramp,
 };
-inline constexpr Sound kAllSounds[] = {Sound::Silence, Sound::Square, Sound::Alternation, Sound::Noise, Sound::Sweep,
+inline constexpr Sound kAllSounds[] = {Sound::Silence, Sound::Square, Sound::Alternation, Sound::Noise,  Sound::Sweep,
                                        Sound::Music,   Sound::Offset, Sound::Bursts,      Sound::Shifts, Sound::Ramp};
 void PrintTo(Sound sound, std::ostream *out);
 
