@@ -57,7 +57,7 @@ void compare(const QString &title, int rounds, double goal, const std::function<
         ratios.append(ourTimes.last() / theirTimes.last());
     }
     const auto [least, most] = std::minmax_element(ratios.cbegin(), ratios.cend());
-    std::printf("%s: %.0f ms against %.0f ms with xargs (medians of %d), ratio %.3f, goal %.2f; "
+    std::printf("%s: %.0f ms against %.0f ms (medians of %d), ratio %.3f, goal %.2f; "
                 "ratios of the rounds %.3f to %.3f\n",
                 qPrintable(title), median(ourTimes), median(theirTimes), rounds, median(ourTimes) / median(theirTimes),
                 goal, *least, *most);

@@ -87,7 +87,7 @@ int main(int argc, char **argv)
     for (int i = 0; i < jobs; ++i)
         lines += "exit=0\n";
     compare(
-        u"%1 jobs that end at once"_s.arg(jobs), 3, 1.5, [&] { runThroughQueue(program, jobs); },
+        u"%1 jobs that end at once, against xargs"_s.arg(jobs), 3, 1.5, [&] { runThroughQueue(program, jobs); },
         [&] {
             runOrDie(u"xargs"_s, {u"-P2"_s, u"-n1"_s, program}, lines);
         });
