@@ -315,6 +315,13 @@ std::optional<QString> TagEditStream::commit()
     return keepsBytesInPlace() ? commitInPlace() : commitByReplacement();
 }
 
+std::optional<QString> TagEditStream::commitAsNewFile()
+{
+    if (m_readError != 0)
+        return systemErrorText(m_readError);
+    return m_isEdited ? commitByReplacement() : std::nullopt;
+}
+
 std::optional<QString> TagEditStream::commitInPlace()
 {
     const int file = m_file.get();
@@ -363,6 +370,35 @@ std::optional<QString> TagEditStream::commitInPlace()
         static_cast<void>(writeFully(file, overwrite.oldBytes.data(), overwrite.oldBytes.size(), overwrite.start));
     static_cast<void>(::ftruncate(file, m_fileLength));
     return systemErrorText(error);
+}
+
+void TagEditStream::appendRange(std::int64_t start, std::int64_t length)
+{
+    if (m_readOnly || !isOpen())
+        return;
+    start = std::clamp<std::int64_t>(start, 0, m_length);
+    length = std::clamp<std::int64_t>(length, 0, m_length - start);
+    const auto first = static_cast<std::ptrdiff_t>(splitAt(start));
+    const auto last = static_cast<std::ptrdiff_t>(splitAt(start + length));
+    const std::vector<Piece> range(m_pieces.begin() + first, m_pieces.begin() + last);
+    m_pieces.insert(m_pieces.end(), range.begin(), range.end());
+    m_length += length;
+    m_isEdited = m_isEdited || length > 0;
+}
+
+std::optional<QString> TagEditStream::writeTo(const QString &path)
+{
+    if (m_readError != 0)
+        return systemErrorText(m_readError);
+    FileDescriptor target(::open(QFile::encodeName(path).constData(), O_WRONLY | O_TRUNC | O_CLOEXEC | O_NOFOLLOW));
+    if (!target.isOpen())
+        return systemErrorText(errno);
+    if (const int error = writePieces(target.get()); error != 0)
+        return systemErrorText(error);
+    copyAttributes(m_file.get(), target.get());
+    if (::fsync(target.get()) != 0 || !target.close())
+        return systemErrorText(errno);
+    return std::nullopt;
 }
 
 int TagEditStream::writePieces(int target) const

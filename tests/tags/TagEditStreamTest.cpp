@@ -9,10 +9,8 @@
 
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <random>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 
@@ -42,30 +40,6 @@ ino_t inodeOf(const QString &path)
     EXPECT_EQ(::stat(QFile::encodeName(path).constData(), &info), 0);
     return info.st_ino;
 }
-
-/// While it lives no file of this process grows beyond the limit, as on a full disk.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t limit)
-    {
-        m_formerAction = std::signal(SIGXFSZ, SIG_IGN);
-        EXPECT_EQ(::getrlimit(RLIMIT_FSIZE, &m_former), 0);
-        rlimit lowered = m_former;
-        lowered.rlim_cur = limit;
-        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &lowered), 0);
-    }
-    ~FileSizeLimit()
-    {
-        ::setrlimit(RLIMIT_FSIZE, &m_former);
-        std::signal(SIGXFSZ, m_formerAction);
-    }
-    FileSizeLimit(const FileSizeLimit &) = delete;
-    FileSizeLimit &operator=(const FileSizeLimit &) = delete;
-
-private:
-    rlimit m_former = {};
-    void (*m_formerAction)(int) = nullptr;
-};
 
 } // namespace
 
@@ -317,4 +291,56 @@ TEST(TagEditStream, RefusesToCommitAfterAFailedRead)
     stream.insert(bytes("head"), 0, 0);
     EXPECT_TRUE(stream.commit().has_value());
     EXPECT_EQ(folder.read(u"a"_s), QByteArray(10, 'o'));
+}
+
+TEST(TagEditStream, AppendsRangesOfOldAndNewBytes)
+{
+    const TestFolder folder;
+    const QString path = folder.write(u"a"_s, "0123456789");
+    TagEditStream stream(path, Access::Edit);
+    stream.insert(bytes("abc"), 4, 1);
+    stream.appendRange(3, 3);
+    stream.appendRange(0, 0);
+    stream.appendRange(13, 2);
+    stream.appendRange(14, 99);
+    EXPECT_EQ(allOf(stream), QByteArray("0123abc567893ababbab"));
+    stream.removeBlock(0, 12);
+    EXPECT_EQ(stream.commit(), std::nullopt);
+    EXPECT_EQ(folder.read(u"a"_s), QByteArray("3ababbab"));
+}
+
+TEST(TagEditStream, WritesTheEditedContentsIntoAnotherFile)
+{
+    const TestFolder folder;
+    const QString path = folder.write(u"a"_s, "0123456789");
+    ASSERT_EQ(::chmod(QFile::encodeName(path).constData(), 0640), 0);
+    const QString other = folder.write(u"b"_s, QByteArray(100, 'o'));
+    TagEditStream stream(path, Access::Edit);
+    stream.insert(bytes("abc"), 4, 1);
+    EXPECT_EQ(stream.writeTo(other), std::nullopt);
+    EXPECT_EQ(folder.read(u"b"_s), QByteArray("0123abc56789"));
+    EXPECT_EQ(folder.read(u"a"_s), QByteArray("0123456789"));
+    struct stat info = {};
+    ASSERT_EQ(::stat(QFile::encodeName(other).constData(), &info), 0);
+    EXPECT_EQ(info.st_mode & 07777U, 0640U);
+    EXPECT_TRUE(stream.writeTo(folder.path(u"missing"_s)).has_value());
+    EXPECT_TRUE(stream.writeTo(folder.makeLink(u"link"_s, other)).has_value());
+    const FileSizeLimit limit(5);
+    EXPECT_EQ(stream.writeTo(other), u"File too large"_s);
+    EXPECT_EQ(folder.read(u"a"_s), QByteArray("0123456789"));
+}
+
+TEST(TagEditStream, ReplacesTheFileWhenToldSoThoughNoKeptByteMoves)
+{
+    const TestFolder folder;
+    const QString path = folder.write(u"a"_s, "0123456789");
+    const ino_t inode = inodeOf(path);
+    TagEditStream stream(path, Access::Edit);
+    EXPECT_EQ(stream.commitAsNewFile(), std::nullopt);
+    EXPECT_EQ(inodeOf(path), inode) << "nothing was edited";
+    stream.insert(bytes("tail"), 10, 0);
+    EXPECT_EQ(stream.commitAsNewFile(), std::nullopt);
+    EXPECT_EQ(folder.read(u"a"_s), QByteArray("0123456789tail"));
+    EXPECT_NE(inodeOf(path), inode);
+    EXPECT_EQ(folder.list(), QStringList{u"a"_s});
 }
