@@ -1,0 +1,243 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tags/AACTagsHelper.h"
+
+#include "engine/NSTaskWrapperSync.h"
+#include "platform/NurvFailure.h"
+#include "platform/ResourceFolder.h"
+#include "platform/TextNumbers.h"
+#include "platform/Version.h"
+#include "tags/Mp4Movie.h"
+#include "tags/Mp4Optimizer.h"
+#include "tags/TagEditStream.h"
+#include "tags/TagsLog.h"
+
+#include <id3v1genres.h>
+
+#include <exception>
+#include <mutex>
+#include <new>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+using Text = TagsObject::Text;
+
+constexpr FourCharacters kName = fourCharacters("\251nam");
+constexpr FourCharacters kArtist = fourCharacters("\251ART");
+constexpr FourCharacters kAlbumArtist = fourCharacters("aART");
+constexpr FourCharacters kAlbum = fourCharacters("\251alb");
+constexpr FourCharacters kComment = fourCharacters("\251cmt");
+constexpr FourCharacters kTrack = fourCharacters("trkn");
+constexpr FourCharacters kDisk = fourCharacters("disk");
+constexpr FourCharacters kYear = fourCharacters("\251day");
+constexpr FourCharacters kGenre = fourCharacters("\251gen");
+constexpr FourCharacters kGenreNumber = fourCharacters("gnre");
+constexpr FourCharacters kWriter = fourCharacters("\251wrt");
+constexpr FourCharacters kTool = fourCharacters("\251too");
+constexpr FourCharacters kCoverArt = fourCharacters("covr");
+
+constexpr int kTrackSize = 8;
+constexpr int kDiskSize = 6;
+
+std::mutex providerMutex;
+AACTagsHelper::QuickTimeVersionProvider quickTimeVersionProvider;
+
+std::optional<std::uint32_t> quickTimeVersion()
+{
+    AACTagsHelper::QuickTimeVersionProvider provider;
+    {
+        const std::lock_guard lock(providerMutex);
+        provider = quickTimeVersionProvider;
+    }
+    return provider ? provider() : std::nullopt;
+}
+
+QString toolText(std::uint32_t version, const Text &encoderSettings)
+{
+    const auto digit = [version](int bit) { return QString::number(version >> bit & 0xfU); };
+    return u"Nurv "_s + shortVersionString() + u", QuickTime "_s + digit(24) + u'.' + digit(20) + u'.' + digit(16)
+           + u", "_s + encoderSettings.value_or(QString());
+}
+
+std::uint16_t number(const Text &text)
+{
+    return static_cast<std::uint16_t>(leadingInteger(text.value_or(QString())));
+}
+
+/// The genre as text, or the one that a number of the old list stands for.
+std::optional<QString> genreOf(const Mp4Movie &movie)
+{
+    if (std::optional<QString> text = movie.text(kGenre))
+        return text;
+    const std::optional<Mp4Movie::Value> value = movie.value(kGenreNumber);
+    if (!value || value->bytes.size() < 2)
+        return std::nullopt;
+    const int index = mp4Number<std::uint16_t>(value->bytes, 0) - 1; // counted from 1
+    return QString::fromStdString(TagLib::ID3v1::genre(index).to8Bit(true));
+}
+
+TagsObject readItems(const Mp4Movie &movie)
+{
+    TagsObject tags;
+    AACTagsHelper::setBlankTags(tags);
+    const auto read = [&tags](std::optional<QString> text, void (TagsObject::*set)(Text)) {
+        if (text)
+            (tags.*set)(std::move(text));
+    };
+    read(movie.text(kName), &TagsObject::setTitleText);
+    read(movie.text(kArtist), &TagsObject::setArtistText);
+    read(movie.text(kYear), &TagsObject::setDateText);
+    read(movie.text(kAlbum), &TagsObject::setAlbumText);
+    const Mp4Movie::NumberAndTotal disk = movie.numbers(kDisk);
+    tags.setDiscText(QString::number(disk.number));
+    tags.setDiscTotalText(QString::number(disk.total));
+    const Mp4Movie::NumberAndTotal track = movie.numbers(kTrack);
+    tags.setTrackText(QString::number(track.number));
+    tags.setTrackTotalText(QString::number(track.total));
+    read(movie.text(kComment), &TagsObject::setCommentText);
+    read(genreOf(movie), &TagsObject::setGenreText);
+    read(movie.text(kWriter), &TagsObject::setComposerText);
+    if (const std::optional<Mp4Movie::Value> picture = movie.value(kCoverArt))
+        tags.setAlbumArt(albumArtFromBytes(picture->bytes));
+    return tags;
+}
+
+/// Returns false when the file's metadata cannot take items.
+bool writeItems(Mp4Movie &movie, const TagsObject &tags, bool writeEmptyTags, bool encoding)
+{
+    bool isWritten = true;
+    const auto writes = [&](const Text &text) { return writeEmptyTags || (text && !text->isEmpty()); };
+    const auto write = [&](FourCharacters item, const Text &text) {
+        if (writes(text))
+            isWritten = movie.setText(item, text.value_or(QString())) && isWritten;
+    };
+    const auto writeNumbers = [&](FourCharacters item, const Text &text, const Text &total, int size) {
+        if (writes(text))
+            isWritten = movie.setNumbers(item, {.number = number(text), .total = number(total)}, size) && isWritten;
+    };
+    write(kName, tags.titleText());
+    write(kArtist, tags.artistText());
+    write(kAlbumArtist, tags.artistText());
+    write(kAlbum, tags.albumText());
+    write(kComment, tags.commentText());
+    writeNumbers(kTrack, tags.trackText(), tags.trackTotalText(), kTrackSize);
+    writeNumbers(kDisk, tags.discText(), tags.discTotalText(), kDiskSize);
+    write(kYear, tags.dateText());
+    write(kGenre, tags.genreText());
+    // A number left beside the text would contradict it.
+    if (writes(tags.genreText()))
+        isWritten = movie.removeItem(kGenreNumber) && isWritten;
+    write(kWriter, tags.composerText());
+    if (tags.albumArt()) {
+        try {
+            const QByteArray png = getBitmapDataForImage(tags.albumArt(), ImageFileType::Png);
+            isWritten = movie.setFirstPicture(png) && isWritten;
+        } catch (const NurvFailure &failure) {
+            qCWarning(tagsLog, "Picture left out: %s", failure.what());
+        }
+    }
+    if (encoding) {
+        if (const std::optional<std::uint32_t> version = quickTimeVersion())
+            isWritten = movie.setText(kTool, toolText(*version, tags.encoderSettings())) && isWritten;
+    }
+    return isWritten;
+}
+
+/// Puts the movie box into the place of the file's and saves. Returns nothing on success, else why
+/// not; then the file is as it was.
+std::optional<QString> save(TagEditStream &stream, const Mp4Layout &layout, const Mp4Box &oldBox, Mp4Movie &movie)
+{
+    if (!movie.fitsTheLimit())
+        return u"the tags are too large for this kind of file"_s;
+    const std::int64_t growth = movie.box().size() - oldBox.size;
+    if (growth != 0) {
+        if (layout.namesPlaces() || movie.isFragmented())
+            return u"the file has movie fragments or other boxes that name places in it"_s;
+        const auto follow = [&](std::uint64_t offset) -> std::optional<std::uint64_t> {
+            if (offset <= static_cast<std::uint64_t>(oldBox.offset))
+                return offset;
+            const std::uint64_t moved = offset + static_cast<std::uint64_t>(growth); // modulo 2^64 when it shrinks
+            const bool isOverflow = growth > 0 && moved < offset;
+            if (offset < static_cast<std::uint64_t>(oldBox.end()) || isOverflow)
+                return std::nullopt;
+            return moved;
+        };
+        if (std::optional<QString> reason = movie.mapChunkOffsets(follow))
+            return reason;
+    }
+    const QByteArray box = movie.box();
+    stream.insert({box.constData(), static_cast<unsigned int>(box.size())}, static_cast<unsigned long>(oldBox.offset),
+                  static_cast<unsigned long>(oldBox.size));
+    return stream.commitAsNewFile();
+}
+
+void writeTags(const QString &path, const TagsObject &tags, bool writeEmptyTags, bool encoding)
+{
+    TagEditStream stream(path, TagEditStream::Access::Edit);
+    const Mp4Layout layout = Mp4Layout::of(stream);
+    std::optional<Mp4Movie> movie = Mp4Movie::of(stream, layout);
+    if (!movie)
+        throw NurvFailure(u"Unable to open the output file for tagging."_s);
+    if (!writeItems(*movie, tags, writeEmptyTags, encoding))
+        throw NurvFailure(u"Unable to save the tags: the metadata is damaged or of another kind."_s);
+    if (const std::optional<QString> reason = save(stream, layout, *layout.only(fourCharacters("moov")), *movie))
+        throw NurvFailure(u"Unable to save the tags: %1."_s.arg(*reason));
+}
+
+} // namespace
+
+TagsObject AACTagsHelper::tagsForFile(const QString &path)
+{
+    try {
+        TagEditStream stream(path, TagEditStream::Access::Read);
+        if (const std::optional<Mp4Movie> movie = Mp4Movie::of(stream, Mp4Layout::of(stream)))
+            return readItems(*movie);
+    } catch (const std::bad_alloc &) {
+        throw NurvFailure(u"Unable to allocate memory."_s);
+    }
+    throw NurvFailure(u"Unable to open the file for reading."_s);
+}
+
+void AACTagsHelper::writeTagsForFile(const QString &path, const TagsObject &tagObject, bool writeEmptyTags,
+                                     bool encoding)
+{
+    try {
+        writeTags(path, tagObject, writeEmptyTags, encoding);
+    } catch (const std::bad_alloc &) {
+        throw NurvFailure(u"Unable to allocate memory."_s);
+    }
+    Mp4Optimizer::optimizeInPlace(path);
+}
+
+void AACTagsHelper::setBlankTags(TagsObject &tagObject)
+{
+    tagObject.setTitleText(u""_s);
+    tagObject.setArtistText(u""_s);
+    tagObject.setDateText(u""_s);
+    tagObject.setAlbumText(u""_s);
+    tagObject.setDiscText(u""_s);
+    tagObject.setTrackText(u""_s);
+    tagObject.setCommentText(u""_s);
+    tagObject.setGenreText(u""_s);
+    tagObject.setComposerText(u""_s);
+}
+
+void AACTagsHelper::makeGapless(const QString &path)
+{
+    NSTaskWrapperSync parsley(toolPath(u"AtomicParsley"_s), {path, u"--overWrite"_s, u"--gapless"_s, u"--true"_s});
+    parsley.environment().insert(u"AP_PADDING"_s, u"\"DEFAULT_PAD=0:MAX_PAD=0\""_s);
+    parsley.runTask();
+}
+
+void AACTagsHelper::setQuickTimeVersionProvider(QuickTimeVersionProvider provider)
+{
+    const std::lock_guard lock(providerMutex);
+    quickTimeVersionProvider = std::move(provider);
+}
+
+} // namespace nurv

@@ -1,0 +1,52 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "tags/TagsObject.h"
+
+#include <QString>
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+
+namespace nurv {
+
+/// Reads and writes the metadata items of MPEG-4 audio files (AAC and Apple Lossless, "m4a").
+///
+///     record ──> items of the movie box ──> file ──> optimised order ──> file
+///
+/// Only the items that a record has are touched; all others keep their bytes. The operations
+/// throw NurvFailure, block, and may be called from any thread, but not twice at a time for
+/// one file. Paths are absolute.
+class AACTagsHelper {
+public:
+    /// A new record. Track, disc and their totals are always set, to "0" where the file has
+    /// none. Throws for what is no MPEG-4 file or cannot be read.
+    [[nodiscard]] static TagsObject tagsForFile(const QString &path);
+
+    /// Writes the texts that are not empty, with `writeEmptyTags` all of them, and the picture if there is one.
+    /// The artist is written as album artist, too; the record's own album artist is
+    /// not written. With `encoding`, and where a QuickTime version is known, the encoding tool is written.
+    ///
+    /// Then optimises the file (Mp4Optimizer). The file is as it was when the tags cannot be written; it holds
+    /// the new tags in the old order when it cannot be optimised.
+    static void writeTagsForFile(const QString &path, const TagsObject &tagObject, bool writeEmptyTags, bool encoding);
+
+    /// Empties title, artist, date, album, disc, track, comment, genre and composer; leaves
+    /// the other fields.
+    static void setBlankTags(TagsObject &tagObject);
+
+    /// Marks the file as gapless by a run of `AtomicParsley`, whose success is not looked
+    /// at. Throws nothing.
+    static void makeGapless(const QString &path);
+
+    /// The version of QuickTime on this machine, one digit in each of the 4 bits from bits
+    /// 24, 20 and 16 on; nothing where there is none.
+    using QuickTimeVersionProvider = std::function<std::optional<std::uint32_t>()>;
+    /// Who is asked for it, on the thread that writes. Without a provider, which is how it
+    /// starts, there is none.
+    static void setQuickTimeVersionProvider(QuickTimeVersionProvider provider);
+};
+
+} // namespace nurv

@@ -1,0 +1,124 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tags/Mp4Boxes.h"
+
+#include <QtEndian>
+
+#include <algorithm>
+
+namespace nurv {
+
+namespace {
+
+constexpr std::int64_t kHeadSize = 8;
+constexpr std::int64_t kLongHeadSize = 16;
+
+/// The box whose head stands at the start of `head`, which has 8 to 16 bytes; nothing when
+/// it does not fit into `room`.
+std::optional<Mp4Box> boxOf(const QByteArray &head, std::int64_t offset, std::int64_t room)
+{
+    Mp4Box box{.type = mp4Number<FourCharacters>(head, 4), .offset = offset, .headerSize = kHeadSize};
+    const auto size = mp4Number<std::uint32_t>(head, 0);
+    if (size == 1) {
+        if (head.size() < kLongHeadSize)
+            return std::nullopt;
+        const auto longSize = mp4Number<std::uint64_t>(head, kHeadSize);
+        if (longSize > static_cast<std::uint64_t>(room))
+            return std::nullopt;
+        box.headerSize = kLongHeadSize;
+        box.size = static_cast<std::int64_t>(longSize);
+    } else if (size == 0) {
+        box.size = room;
+        box.reachesEndOfFile = true;
+    } else {
+        box.size = size;
+    }
+    if (box.size < box.headerSize || box.size > room)
+        return std::nullopt;
+    return box;
+}
+
+} // namespace
+
+template<typename Number>
+Number mp4Number(const QByteArray &bytes, std::int64_t offset)
+{
+    Q_ASSERT(offset >= 0 && offset + static_cast<std::int64_t>(sizeof(Number)) <= bytes.size());
+    return qFromBigEndian<Number>(bytes.constData() + offset);
+}
+
+template std::uint16_t mp4Number<std::uint16_t>(const QByteArray &, std::int64_t);
+template std::uint32_t mp4Number<std::uint32_t>(const QByteArray &, std::int64_t);
+template std::uint64_t mp4Number<std::uint64_t>(const QByteArray &, std::int64_t);
+
+std::optional<Mp4Boxes> mp4BoxesIn(const QByteArray &bytes, std::int64_t begin, std::int64_t end)
+{
+    Mp4Boxes boxes;
+    for (std::int64_t offset = begin; offset < end;) {
+        const std::int64_t room = end - offset;
+        if (room < kHeadSize || boxes.size() == kMostMp4Boxes)
+            return std::nullopt;
+        const QByteArray head = QByteArray::fromRawData(bytes.constData() + offset, std::min(room, kLongHeadSize));
+        const std::optional<Mp4Box> box = boxOf(head, offset, room);
+        if (!box || box->reachesEndOfFile)
+            return std::nullopt;
+        boxes.push_back(*box);
+        offset = box->end();
+    }
+    return boxes;
+}
+
+QByteArray mp4Box(FourCharacters type, const QByteArray &contents)
+{
+    QByteArray box(kHeadSize, '\0');
+    qToBigEndian(static_cast<std::uint32_t>(contents.size() + kHeadSize), box.data());
+    qToBigEndian(type, box.data() + 4);
+    return box + contents;
+}
+
+Mp4Layout Mp4Layout::of(TagLib::IOStream &file)
+{
+    Mp4Layout layout;
+    const std::int64_t length = file.length();
+    std::int64_t offset = 0;
+    while (offset < length && layout.boxes.size() < kMostMp4Boxes) {
+        file.seek(offset);
+        const TagLib::ByteVector head = file.readBlock(kLongHeadSize);
+        if (head.size() < kHeadSize)
+            break;
+        const std::optional<Mp4Box> box =
+            boxOf(QByteArray(head.data(), static_cast<qsizetype>(head.size())), offset, length - offset);
+        if (!box)
+            break;
+        layout.boxes.push_back(*box);
+        offset = box->end();
+    }
+    layout.isWhole = length > 0 && offset == length;
+    return layout;
+}
+
+const Mp4Box *Mp4Layout::only(FourCharacters type) const
+{
+    const Mp4Box *found = nullptr;
+    for (const Mp4Box &box : boxes) {
+        if (box.type != type)
+            continue;
+        if (found != nullptr)
+            return nullptr;
+        found = &box;
+    }
+    return found;
+}
+
+bool Mp4Layout::contains(FourCharacters type) const
+{
+    return std::any_of(boxes.begin(), boxes.end(), [type](const Mp4Box &box) { return box.type == type; });
+}
+
+bool Mp4Layout::namesPlaces() const
+{
+    return contains(fourCharacters("moof")) || contains(fourCharacters("mfra")) || contains(fourCharacters("sidx"))
+           || contains(fourCharacters("meta"));
+}
+
+} // namespace nurv

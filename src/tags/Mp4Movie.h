@@ -1,0 +1,93 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "tags/Mp4Boxes.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+
+namespace nurv {
+
+/// The movie box of an MPEG-4 file, in memory: the metadata items and the places
+/// of the sound in the file.
+///
+///     moov ─┬─ trak ── mdia ── minf ── stbl ── stco / co64   the chunk offsets
+///           └─ udta ── meta ── ilst ── items                 the metadata
+///
+/// Everything that is not changed keeps its bytes: foreign items, items of kinds that
+/// nobody knows, further pictures. A plain value.
+class Mp4Movie {
+public:
+    /// One `data` box of an item.
+    struct Value {
+        std::uint32_t type = 0; ///< well-known type: 1 UTF-8, 2 UTF-16, 13 JPEG, 14 PNG, ...
+        QByteArray bytes;
+    };
+    struct NumberAndTotal {
+        std::uint16_t number = 0;
+        std::uint16_t total = 0;
+    };
+
+    /// The movie of the file; nothing when it has not exactly one, and when that is
+    /// damaged, compressed or beyond 128 MiB.
+    [[nodiscard]] static std::optional<Mp4Movie> of(TagLib::IOStream &file, const Mp4Layout &layout);
+
+    /// The first value of the first item of this name.
+    [[nodiscard]] std::optional<Value> value(FourCharacters item) const;
+    /// The value as text, up to the first zero character.
+    [[nodiscard]] std::optional<QString> text(FourCharacters item) const;
+    /// The value as a number and its total; what is missing is 0.
+    [[nodiscard]] NumberAndTotal numbers(FourCharacters item) const;
+
+    // These replace all values of the item and make the item where there is none. They
+    // return false, and change nothing, when the metadata is damaged or of another kind.
+    [[nodiscard]] bool setText(FourCharacters item, const QString &text);
+    /// `size` is how many bytes this item's value has, at least 6.
+    [[nodiscard]] bool setNumbers(FourCharacters item, NumberAndTotal numbers, int size);
+    /// Puts the picture in the place of the first one; others stay.
+    [[nodiscard]] bool setFirstPicture(const QByteArray &png);
+    [[nodiscard]] bool removeItem(FourCharacters item);
+
+    /// Puts what `map` gives in the place of each chunk offset. Returns nothing on success,
+    /// else why not: `map` gave nothing, a table is damaged or has no room for the number,
+    /// or the movie names places in the file that are no chunk offsets. The movie must then
+    /// no longer be used.
+    [[nodiscard]] std::optional<QString> mapChunkOffsets(
+        const std::function<std::optional<std::uint64_t>(std::uint64_t)> &map);
+
+    /// The whole box, as it is written.
+    [[nodiscard]] QByteArray box() const;
+    /// Whether it fits into the limit that `of` sets.
+    [[nodiscard]] bool fitsTheLimit() const;
+    /// Whether movie fragments may follow.
+    [[nodiscard]] bool isFragmented() const;
+
+private:
+    /// The boxes on the way to the items, as far as they exist.
+    struct Path {
+        std::optional<Mp4Box> userData;
+        std::optional<Mp4Box> metadata;
+        std::optional<Mp4Box> items;
+        bool hasHandler = false; ///< the metadata says of which kind it is
+        bool isUsable = true;    ///< false: damaged, or the metadata is of another kind
+    };
+
+    explicit Mp4Movie(QByteArray contents) : m_contents(std::move(contents)) {}
+    [[nodiscard]] Path findItems() const;
+    /// The boxes of the metadata items; nothing when they are damaged.
+    [[nodiscard]] std::optional<Mp4Boxes> itemBoxes() const;
+    /// The boxes inside the item; empty when there are none or they are damaged.
+    [[nodiscard]] Mp4Boxes valueBoxes(const Mp4Box &item) const;
+    [[nodiscard]] bool setItem(FourCharacters item, const QByteArray &newBox);
+    void replaceItems(const Path &path, const QByteArray &items);
+    [[nodiscard]] std::optional<Mp4Boxes> boxesAt(const Mp4Boxes &parents, FourCharacters type) const;
+
+    QByteArray m_contents; ///< of the box, without its head
+};
+
+} // namespace nurv
