@@ -13,6 +13,8 @@
 
 #include <optional>
 
+#include <unistd.h>
+
 namespace {
 
 using namespace nurv;
@@ -75,6 +77,8 @@ void restore(const ShortenOptions &options)
 int run(std::span<const std::string> arguments)
 {
     const ShortenOptions options = ShortenOptions::parse(arguments);
+    if (options.output == "-" && ::isatty(STDOUT_FILENO) == 1)
+        badArguments("no output is named, and standard output is a terminal");
     if (options.isDecoding)
         restore(options);
     else

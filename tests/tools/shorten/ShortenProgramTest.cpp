@@ -222,6 +222,18 @@ TEST(ShortenProgram, NamesWrongArgumentsAndWhereHelpIs)
     EXPECT_EQ(runProgram(shorten(), {u"--version"_s}).output, "shorten (Nurv Audio Workbench) " NURV_VERSION "\n");
 }
 
+TEST(ShortenProgram, WritesNoSoundToATerminal)
+{
+    const TestFolder folder;
+    folder.write(u"in.wav"_s, asArray(Wave{}.file()));
+    const QString line = u"cd \"$1\" && script -qec \"$0 in.wav\" /dev/null"_s;
+    const ProgramResult result = runShell(line, {folder.path()});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_EQ(result.output, "shorten: no output is named, and standard output is a terminal\r\n"
+                             "Try 'shorten --help'.\r\n");
+    EXPECT_EQ(folder.list(), QStringList{u"in.wav"_s});
+}
+
 TEST(ShortenProgram, RestoresTenMinutesWithTheMemoryOfTenSeconds)
 {
     const Wave tenSeconds{.frames = 441'000};
