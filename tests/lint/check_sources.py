@@ -24,8 +24,21 @@ ALLOWED = {
     "ui": {"platform", "engine", "app", "tags", "checksum", "convert"},
 }
 
+# The same of the folders under tools, whose programs use no Qt.
+ALLOWED_TOOLS = {
+    "support": set(),
+    "shorten": {"support"},
+    "tta": {"support"},
+    "ape": {"support"},
+    "shntool": {"support"},
+}
+# What of src the tools may include: headers that need neither Qt nor a library.
+SHARED_WITH_TOOLS = {"platform/FileDescriptor.h"}
+
 MAX_LINES = 600
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
+QT_HEADER = re.compile(r"Q[A-Z]|Qt|qt|q[a-z]+\.h$")
+TOOL_PROGRAM = re.compile(r"^\s*nurv_tool\((\S+)", re.MULTILINE)
 DIALOG_CLASS = re.compile(r"\b(QMessageBox|QFileDialog|QInputDialog|QErrorMessage)\b")
 DIALOG_EXEC = re.compile(r"\bQDialog::exec\b|\b\w*(?:[dD]ialog|[pP]anel)\w*(?:\.|->)exec\s*\(")
 SPDX = (
@@ -61,6 +74,28 @@ def check_layers(path, folder, lines):
             yield f'{path}:{number}: "{target}" does not name a folder under src'
         elif other != folder and other not in ALLOWED[folder]:
             yield f"{path}:{number}: {folder} must not include {target}"
+
+
+def check_tool_includes(path, folder, lines):
+    """A folder under tools, or the fuzzers, which stand above all of these."""
+    allowed = ALLOWED_TOOLS.keys() if folder == "fuzz" else ALLOWED_TOOLS[folder] | {folder}
+    for number, line in enumerate(lines, 1):
+        match = INCLUDE.match(line)
+        if not match:
+            continue
+        target = match.group(2)
+        if QT_HEADER.match(target):
+            yield f"{path}:{number}: {target}: the bundled programs use no Qt"
+        elif match.group(1) == '"' and target.split("/")[0] not in allowed and target not in SHARED_WITH_TOOLS:
+            yield f"{path}:{number}: {folder} must not include {target}"
+
+
+def check_manual_pages(root):
+    for path in sorted((root / "tools").rglob("CMakeLists.txt")):
+        for program in TOOL_PROGRAM.findall(path.read_text(encoding="utf-8")):
+            page = f"data/man/nurv-{program}.1"
+            if not (root / page).is_file():
+                yield f"{path.relative_to(root)}:1: {program} has no manual page {page}"
 
 
 def check_widgets(path, folder, lines, widgets_headers):
@@ -105,9 +140,17 @@ def check_tree(root, widgets_headers):
         faults += check_layers(relative, folder, lines)
         faults += check_widgets(relative, folder, lines, widgets_headers)
         faults += check_dialogs(relative, folder, lines)
-    for top in ("tests", "tools", "bench"):
+    for top in ("tests", "tools", "fuzz", "bench"):
         for path in source_files(root, top):
             faults += check_head(path.relative_to(root), path.read_text(encoding="utf-8").splitlines())
+    for path in source_files(root, "tools") + source_files(root, "fuzz"):
+        relative = path.relative_to(root)
+        folder = "fuzz" if relative.parts[0] == "fuzz" else relative.parts[1]
+        if folder != "fuzz" and folder not in ALLOWED_TOOLS:
+            faults.append(f"{relative}:1: {folder} has no place among the tools yet")
+            continue
+        faults += check_tool_includes(relative, folder, without_comments(path.read_text(encoding="utf-8")).splitlines())
+    faults += check_manual_pages(root)
     return faults
 
 
