@@ -1,0 +1,54 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ape/ApeDecoder.h"
+
+#include "ape/ApeFrameDecoder.h"
+#include "support/WaveReader.h"
+
+#include <array>
+
+namespace nurv {
+
+namespace {
+
+WaveFormat waveFormat(const ApeHeader &header)
+{
+    WaveFormat format;
+    format.formatTag = 1;
+    format.channels = header.channels;
+    format.sampleRateHz = header.sampleRateHz;
+    format.blockAlign = static_cast<uint16_t>(header.bytesPerBlock());
+    format.bitsPerSample = header.bitsPerSample;
+    return format;
+}
+
+} // namespace
+
+ApeDecoder::ApeDecoder(InputFile &input, ApeInstructionSet set) : m_reader(input), m_set(set) {}
+
+void ApeDecoder::decode(const ApeFileReader::Sink &sink, const std::function<void(size_t)> &onBlocks)
+{
+    const uint64_t pcmBytes = header().totalBlocks() * header().bytesPerBlock();
+    if (!hasStoredHeader())
+        sink(canonicalWaveHeader(waveFormat(header()), pcmBytes));
+    m_reader.readStoredHeader(sink);
+    decodeFrames(sink, onBlocks);
+    m_reader.readStoredTrailing(sink);
+    if (!hasStoredHeader() && pcmBytes % 2 != 0)
+        sink(std::array<uint8_t, 1>{});
+    m_reader.checkMd5();
+}
+
+bool ApeDecoder::hasStoredHeader() const
+{
+    return (header().formatFlags & kApeFlagMakeWaveHeader) == 0;
+}
+
+void ApeDecoder::decodeFrames(const ApeFileReader::Sink &sink, const std::function<void(size_t)> &onBlocks)
+{
+    ApeFrameDecoder decoder(*apeLevelFromNumber(header().level), header().bitsPerSample, header().channels, m_set);
+    for (uint32_t i = 0; i < header().totalFrames; ++i)
+        sink(decoder.decode(m_reader.readFrame(), header().blocksOfFrame(i), onBlocks));
+}
+
+} // namespace nurv

@@ -1,0 +1,36 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/FileDescriptor.h"
+
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <string>
+
+namespace nurv {
+
+/// A file without a name for bytes that must wait; the system removes it however the
+/// program ends.
+class SpoolFile {
+public:
+    /// Throws ToolError(Write).
+    explicit SpoolFile(const std::string &folder);
+
+    /// Throws ToolError(Write).
+    void write(std::span<const uint8_t> bytes);
+
+    /// Hands all that was written to `work`, in pieces. Throws ToolError(Read).
+    void read(const std::function<void(std::span<const uint8_t>)> &work) const;
+
+private:
+    std::string m_folder;
+    FileDescriptor m_descriptor;
+};
+
+/// Where a spool file belongs: beside the output, for which there must be room anyway;
+/// for standard output ("-") in the folder for temporary files.
+[[nodiscard]] std::string spoolFolder(const std::string &outputName);
+
+} // namespace nurv
