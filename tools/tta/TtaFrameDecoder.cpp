@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tta/TtaFrameDecoder.h"
 
+#include "tta/TtaChannels.h"
 #include "tta/TtaFilter.h"
 #include "tta/TtaSample.h"
 
@@ -24,14 +25,14 @@ template <int BytesPerSample, unsigned Channels>
     TtaBitReader::Position position = reader.begin();
     uint8_t *const end = pcm.data() + pcm.size();
     for (uint8_t *at = pcm.data(); at != end;) {
-        for (unsigned c = 0; c < count; ++c) {
+        forEachChannel<Channels>(count, [&](unsigned c) __attribute__((always_inline)) {
             const int32_t error = position.readCode(reader, rice[c]);
             auto &[fixed, filter] = predictors[c];
             const int32_t residual = filter.predict() + error;
             filter.learn(residual, error);
             fixed.previous = residual + fixed.prediction();
             samples[c] = fixed.previous;
-        }
+        });
         if (count > 1) {
             samples[count - 1] += samples[count - 2] / 2;
             for (unsigned c = count - 1; c-- > 0;)

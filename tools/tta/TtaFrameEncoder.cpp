@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tta/TtaFrameEncoder.h"
 
+#include "tta/TtaChannels.h"
 #include "tta/TtaFilter.h"
 #include "tta/TtaSample.h"
 
@@ -32,14 +33,14 @@ template <int BytesPerSample, unsigned Channels>
                 samples[c] = samples[c + 1] - samples[c];
             samples[count - 1] -= samples[count - 2] / 2;
         }
-        for (unsigned c = 0; c < count; ++c) {
+        forEachChannel<Channels>(count, [&](unsigned c) __attribute__((always_inline)) {
             auto &[fixed, filter] = predictors[c];
             const int32_t residual = samples[c] - fixed.prediction();
             fixed.previous = samples[c];
             const int32_t error = residual - filter.predict();
             filter.learn(residual, error);
             position.writeCode(writer, rice[c], error);
-        }
+        });
     }
     writer.finish(position);
 }
