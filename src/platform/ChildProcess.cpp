@@ -39,6 +39,8 @@ constexpr std::size_t kReadSize = 64 * 1024;
 /// A grandchild can hold the pipe open after the child has gone.
 constexpr auto kHeldPipeLimit = 100ms;
 constexpr auto kKillGrace = 500ms;
+/// How long a follower of a silent child waits for an answer.
+constexpr auto kFollowerPoll = 100ms;
 /// The largest capacity an unprivileged pipe can have (pipe(7)).
 constexpr std::size_t kPipeCapacity = 1024 * 1024;
 
@@ -424,6 +426,102 @@ ChildResult runChild(const ChildCommand &command, std::optional<std::chrono::mil
     closeFd(child.outputFd);
     result.exit = reap(child.pid, child.pidFd);
     closeFd(child.pidFd);
+    return result;
+}
+
+namespace {
+
+/// Waits for the exit of a child that has closed its output. Returns false when the
+/// follower does not want to wait.
+bool waitForExit(const SpawnedChild &child, const ChildFollower &follower)
+{
+    while (!endsBefore(child.pidFd, Clock::now() + kFollowerPoll)) {
+        if (follower.isUnwanted && follower.isUnwanted())
+            return false;
+    }
+    return true;
+}
+
+/// Reads to the end of the output and waits for the exit. Returns false when the
+/// follower has had enough before.
+bool follow(const SpawnedChild &child, const ChildFollower &follower)
+{
+    std::optional<Clock::time_point> giveUp;
+    while (true) {
+        std::array<pollfd, 2> fds{pollfd{child.outputFd, POLLIN, 0}, pollfd{child.pidFd, POLLIN, 0}};
+        const Clock::time_point tick = Clock::now() + kFollowerPoll;
+        const int ready = ::poll(fds.data(), giveUp ? 1 : 2, millisecondsUntil(giveUp ? *giveUp : tick));
+        if (ready < 0 && errno != EINTR)
+            return true;
+        if (ready <= 0) {
+            if (giveUp && Clock::now() >= *giveUp)
+                return true;
+            if (follower.isUnwanted && follower.isUnwanted())
+                return false;
+        } else if (fds[0].revents != 0) {
+            const std::optional<QByteArray> bytes = readOnce(child.outputFd);
+            if (bytes && bytes->isEmpty())
+                return waitForExit(child, follower);
+            if (bytes && !follower.take(*bytes))
+                return false;
+            if (giveUp && Clock::now() > *giveUp + kKillGrace)
+                return true;
+        } else if (!giveUp && fds[1].revents != 0) {
+            giveUp = Clock::now() + kHeldPipeLimit;
+        }
+    }
+}
+
+/// SIGTERM to the process group; what of it is left half a second later is killed.
+void endGroup(const SpawnedChild &child)
+{
+    ::kill(-child.pid, SIGTERM);
+    static_cast<void>(endsBefore(child.pidFd, Clock::now() + kKillGrace));
+    // Not reaped yet, so the number is still its own.
+    ::kill(-child.pid, SIGKILL);
+}
+
+/// A child of `followChild`: ended, if it still runs, and reaped in any case.
+class FollowedChild {
+public:
+    explicit FollowedChild(const SpawnedChild &child) : m_child(child) {}
+    FollowedChild(const FollowedChild &) = delete;
+    FollowedChild &operator=(const FollowedChild &) = delete;
+    ~FollowedChild()
+    {
+        if (m_child.pid >= 0)
+            finish(true);
+    }
+
+    ChildExit finish(bool early)
+    {
+        // Whatever it still wants to write, nobody reads it.
+        closeFd(m_child.outputFd);
+        if (early)
+            endGroup(m_child);
+        const ChildExit exit = reap(std::exchange(m_child.pid, -1), m_child.pidFd);
+        closeFd(m_child.pidFd);
+        return exit;
+    }
+
+private:
+    SpawnedChild m_child;
+};
+
+} // namespace
+
+ChildResult followChild(const ChildCommand &command, const ChildFollower &follower)
+{
+    ChildResult result;
+    SpawnedChild child;
+    if (const int error = spawn(command, child); error != 0) {
+        result.startError = systemErrorText(error);
+        return result;
+    }
+    ::fcntl(child.outputFd, F_SETFL, O_NONBLOCK);
+    FollowedChild followed(child);
+    result.wasStopped = !follow(child, follower);
+    result.exit = followed.finish(result.wasStopped);
     return result;
 }
 

@@ -9,6 +9,7 @@
 #include <QStringList>
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -43,6 +44,16 @@ struct ChildResult {
     QByteArray output; ///< standard output and standard error, interleaved as written
     std::optional<ChildExit> exit; ///< nothing when the program could not be started
     QString startError; ///< why it could not be started
+    bool wasStopped = false; ///< by a `ChildFollower`, before its output had ended
+};
+
+/// What `followChild` asks of its caller, on the caller's thread.
+struct ChildFollower {
+    /// Takes the bytes of one read, never empty. False: enough, the child is ended.
+    std::function<bool(const QByteArray &bytes)> take;
+    /// Asked several times a second while there is nothing to read; true ends the child.
+    /// Without it the child is waited for as long as it runs.
+    std::function<bool()> isUnwanted;
 };
 
 /// One running child, driven by the event loop of the GUI thread.
@@ -99,6 +110,12 @@ private:
 /// is killed with its process group; without a limit it may take its time.
 [[nodiscard]] ChildResult runChild(const ChildCommand &command,
                                    std::optional<std::chrono::milliseconds> limit = std::nullopt);
+
+/// Runs a program on the calling thread and hands its output over as it comes. Blocks
+/// until the child has been reaped. A child that is ended early loses its pipe and gets
+/// SIGTERM with its process group, then SIGKILL half a second later. What `take` throws
+/// ends the child too and goes on to the caller. The result has no output.
+[[nodiscard]] ChildResult followChild(const ChildCommand &command, const ChildFollower &follower);
 
 /// The children of this process, of every thread.
 namespace children {
