@@ -3,7 +3,6 @@
 #include "cli/BatchRun.h"
 
 #include "app/BaseTab.h"
-#include "app/PathNames.h"
 #include "cli/Console.h"
 #include "cli/ConsolePrompts.h"
 #include "cli/InterruptWatcher.h"
@@ -55,7 +54,7 @@ QString statusWord(const NURVTask &task)
 BatchRun::BatchRun(NURVTaskQueue &queue, ConsolePrompts &prompts, Console &console, Options options)
     : m_queue(queue), m_prompts(prompts), m_console(console), m_options(std::move(options))
 {
-    connect(&queue, &NURVTaskQueue::rowAppended, this, &BatchRun::rowAppended);
+    connect(&queue, &NURVTaskQueue::rowAppended, this, [this] { ++m_addedCount; });
     connect(&queue, &NURVTaskQueue::taskEnded, this, &BatchRun::taskEnded);
     connect(&queue, &NURVTaskQueue::outputWindowRequested, this, &BatchRun::outputWindowRequested);
 }
@@ -64,7 +63,6 @@ BatchRun::~BatchRun() = default;
 
 ExitStatus BatchRun::run(BaseTab &tab)
 {
-    m_sources = tab.fileNames();
     InterruptWatcher watcher;
     connect(&watcher, &InterruptWatcher::interrupted, this, &BatchRun::interrupted);
     connect(&watcher, &InterruptWatcher::terminated, this, &BatchRun::terminated);
@@ -109,21 +107,6 @@ void BatchRun::waitForWorkers()
     }
 }
 
-void BatchRun::rowAppended(int row)
-{
-    ++m_addedCount;
-    const NURVTask *const task = m_queue.panelArray()[static_cast<std::size_t>(row)].get();
-    // Jobs are added in the order of the list; a job that stands for no file of
-    // it (a checksum list of the outputs) comes last.
-    for (qsizetype i = m_nextSource; i < m_sources.size(); ++i) {
-        if (lastPathComponent(m_sources[i]) != task->title())
-            continue;
-        m_sourceOf.insert(task, m_sources[i]);
-        m_nextSource = i + 1;
-        return;
-    }
-}
-
 void BatchRun::outputWindowRequested(const QString &text, const QString &title)
 {
     m_outputWasShown = true;
@@ -154,11 +137,10 @@ void BatchRun::taskEnded(const std::shared_ptr<NURVTask> &task)
     if (m_options.json) {
         m_console.writeOutput(jsonLine({{u"type"_s, u"job"_s},
                                         {u"title"_s, task->title()},
-                                        {u"source"_s, m_sourceOf.value(task.get())},
+                                        {u"source"_s, task->sourcePath()},
                                         {u"status"_s, statusWord(*task)},
                                         {u"report"_s, report}}));
     }
-    m_sourceOf.remove(task.get());
     endWhenIdle();
 }
 

@@ -4,7 +4,6 @@
 
 #include "cli/ExitStatus.h"
 
-#include <QHash>
 #include <QJsonArray>
 #include <QObject>
 #include <QStringList>
@@ -62,7 +61,6 @@ private:
         std::weak_ptr<NURVTaskResults> results;
     };
 
-    void rowAppended(int row);
     void taskEnded(const std::shared_ptr<NURVTask> &task);
     void outputWindowRequested(const QString &text, const QString &title);
     void interrupted();
@@ -79,9 +77,6 @@ private:
     Console &m_console;
     Options m_options;
     QEventLoop *m_loop = nullptr;
-    QStringList m_sources;      ///< the tab's list when the batch began
-    qsizetype m_nextSource = 0; ///< the first one that no job has been seen for
-    QHash<const NURVTask *, QString> m_sourceOf;
     QJsonArray m_outputs;
     std::vector<FailedReport> m_failedReports;
     QStringList m_warnings; ///< of jobs that ended well

@@ -18,14 +18,27 @@ void NURVInProcessTask::startTask()
         return;
     // The queue must not take the job for a waiting one before its thread runs.
     becomeActive();
+    if (const std::optional<QString> reason = reasonNotToStart())
+        failToStart(*reason);
+    else
+        startWorker();
+}
+
+void NURVInProcessTask::startWorker()
+{
     const std::shared_ptr<NURVTask> self = shared_from_this();
     try {
         workerThreads::start([this, self] { run(); });
     } catch (const std::system_error &failure) {
-        failWith(QString::fromLocal8Bit(failure.what()));
-        // The queue holds its lock while it starts a job: the job ends afterwards.
-        postToGuiThread([this, self] { complete(); });
+        failToStart(QString::fromLocal8Bit(failure.what()));
     }
+}
+
+void NURVInProcessTask::failToStart(const QString &reason)
+{
+    failWith(reason);
+    // The queue holds its lock while it starts a job: the job ends afterwards.
+    postToGuiThread([this, self = shared_from_this()] { complete(); });
 }
 
 void NURVInProcessTask::cancelTask()
@@ -53,6 +66,7 @@ void NURVInProcessTask::complete()
 {
     stopTask();
     reportCompletion();
+    afterCompletion();
 }
 
 } // namespace nurv

@@ -4,13 +4,16 @@
 
 #include "engine/NURVTask.h"
 
-#include <atomic>
+#include <QString>
+
+#include <optional>
 
 namespace nurv {
 
 /// A job that does its work on a thread of its own.
 ///
 ///     startTask (GUI thread) ──> worker: doStartTask ──> stopTask ──> the queue is told
+///                                                                     └──> afterCompletion
 ///
 /// A failure that leaves `doStartTask` as an exception sets the error flag and
 /// its text becomes the job's result text. Cancelling a waiting job ends it at
@@ -23,13 +26,21 @@ public:
     void cancelTask() final;
 
 protected:
+    /// Asked on the GUI thread when the queue starts the job. A reason ends it in error
+    /// without a worker; the text becomes its result text.
+    [[nodiscard]] virtual std::optional<QString> reasonNotToStart() { return std::nullopt; }
     /// The work, on the worker thread. Sets the first status line, calls
     /// `showStarted`, works, and looks at `cancelled` between its steps.
     virtual void doStartTask() = 0;
+    /// What is left to do once the queue has been told of the end, on the thread that told
+    /// it: the worker, or the GUI thread for a job that never had one. Must not throw.
+    virtual void afterCompletion() {}
     /// Shows the row as active, and waits until it is.
     void showStarted() { NURVTask::startTask(); }
 
 private:
+    void startWorker();
+    void failToStart(const QString &reason);
     void run();
     void complete();
 

@@ -62,6 +62,10 @@ public:
     /// The job's name as its row shows it, usually the input file's name.
     [[nodiscard]] const QString &title() const { return m_title; }
     void setTitle(const QString &title) { m_title = title; }
+    /// The file that the job works on, as an absolute path; empty for a job that stands
+    /// for no single file.
+    [[nodiscard]] const QString &sourcePath() const { return m_sourcePath; }
+    void setSourcePath(const QString &path) { m_sourcePath = path; }
     /// What the log line of a failed job names: the title, or the command line.
     [[nodiscard]] virtual QString description() const { return m_title; }
 
@@ -132,6 +136,7 @@ private:
     std::shared_ptr<TaskFlags> m_flags = std::make_shared<TaskFlags>();
     std::shared_ptr<NURVTaskResults> m_results;
     QString m_title;
+    QString m_sourcePath;
     QStringList m_warnings;
     QString m_topTextFieldString;
     QString m_textFieldString;

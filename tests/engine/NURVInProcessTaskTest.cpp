@@ -4,6 +4,7 @@
 
 #include "engine/TestTasks.h"
 #include "platform/NurvFailure.h"
+#include "platform/WorkerThreads.h"
 #include "support/WaitUntil.h"
 
 #include <QCoreApplication>
@@ -12,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <optional>
 #include <stdexcept>
 
 using namespace Qt::StringLiterals;
@@ -43,6 +45,24 @@ struct InProcess : ::testing::Test {
 };
 
 using NURVInProcessTaskTest = InProcess;
+
+/// A job that may be refused its start, and that writes down what happens.
+class OrderedTask final : public NURVInProcessTask {
+public:
+    explicit OrderedTask(NURVTaskQueue *queue) : NURVInProcessTask(queue) {}
+
+    std::optional<QString> refusal;
+    QStringList steps; ///< read it when no thread runs any more
+
+protected:
+    std::optional<QString> reasonNotToStart() override
+    {
+        steps.append(QThread::currentThread() == qApp->thread() ? u"asked"_s : u"asked on a worker"_s);
+        return refusal;
+    }
+    void doStartTask() override { steps.append(u"work"_s); }
+    void afterCompletion() override { steps.append(queue()->taskCount() == 0 ? u"after the queue"_s : u"too early"_s); }
+};
 
 TEST_F(NURVInProcessTaskTest, WorksOnAThreadOfItsOwnAndLeavesTheQueue)
 {
@@ -130,6 +150,26 @@ TEST_F(NURVInProcessTaskTest, NeverStartsOnceCancelledWhileWaiting)
     held2->finish();
     test::handleWaitingEvents();
     EXPECT_EQ(runs, 0);
+}
+
+TEST_F(NURVInProcessTaskTest, AsksBeforeTheWorkAndGoesOnAfterTheQueueWasTold)
+{
+    const auto task = std::make_shared<OrderedTask>(&queue);
+    ASSERT_TRUE(runToEnd(task));
+    ASSERT_TRUE(waitUntil([] { return workerThreads::runningCount() == 0; }));
+    EXPECT_EQ(task->steps, (QStringList{u"asked"_s, u"work"_s, u"after the queue"_s}));
+    EXPECT_EQ(task->topTextField().text, u"Complete");
+}
+
+TEST_F(NURVInProcessTaskTest, EndsInErrorWithoutAWorkerWhenItsStartIsRefused)
+{
+    const auto task = std::make_shared<OrderedTask>(&queue);
+    task->refusal = u"no room"_s;
+    ASSERT_TRUE(runToEnd(task));
+    EXPECT_EQ(task->steps, (QStringList{u"asked"_s, u"after the queue"_s}));
+    EXPECT_TRUE(task->error());
+    EXPECT_EQ(task->results()->results(), u"no room\n");
+    EXPECT_EQ(ended, 1);
 }
 
 } // namespace
