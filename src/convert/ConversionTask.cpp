@@ -2,47 +2,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "convert/ConversionTask.h"
 
-#include "app/PathNames.h"
-#include "app/Util.h"
 #include "convert/ConvertLog.h"
 #include "convert/DeletionCheck.h"
 #include "platform/GuiThread.h"
 #include "platform/NurvFailure.h"
 #include "platform/WorkerThreads.h"
 
-#include <QFile>
-
-#include <algorithm>
 #include <memory>
 #include <optional>
 #include <system_error>
-
-#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
 namespace nurv {
 
 namespace {
-
-/// Of a longer output only the end is kept: that is where programs say what failed.
-constexpr qsizetype kLongestReport = 65'536;
-
-bool isSameFile(const QString &left, const QString &right)
-{
-    struct stat leftFacts = {};
-    struct stat rightFacts = {};
-    return ::stat(QFile::encodeName(left).constData(), &leftFacts) == 0
-           && ::stat(QFile::encodeName(right).constData(), &rightFacts) == 0 && leftFacts.st_dev == rightFacts.st_dev
-           && leftFacts.st_ino == rightFacts.st_ino;
-}
-
-/// Also true for a link that leads nowhere.
-bool isThere(const QString &path)
-{
-    struct stat facts = {};
-    return ::lstat(QFile::encodeName(path).constData(), &facts) == 0;
-}
 
 /// Where flac works when it replaces an output, source or not.
 QString temporaryOf(const QString &output)
@@ -54,21 +28,17 @@ QString temporaryOf(const QString &output)
 
 ConversionTask::ConversionTask(NURVTaskQueue *queue, const QString &launchPath, const QStringList &arguments,
                                const QString &fileName)
-    : NURVAsyncNSTask(queue, launchPath, arguments), m_fileName(fileName)
+    : NURVAsyncNSTask(queue, launchPath, arguments), Conversion(*this, fileName)
 {
-    setTitle(lastPathComponent(fileName));
-    setTextFieldString(title());
-    setTextFieldValue();
 }
 
 void ConversionTask::startTask()
 {
-    if (const std::optional<QString> other = m_claim.take(outputFile(), fileName(), m_batch.get())) {
+    if (const std::optional<QString> reason = takeOutput()) {
         becomeActive();
-        failToStart(u"%1: its output %2 is made from %3\n"_s.arg(fileName(), lastPathComponent(outputFile()), *other));
+        failToStart(*reason);
         return;
     }
-    m_outputExisted = isThere(outputFile());
     m_temporaryExisted = isThere(temporaryOf(outputFile()));
     NURVAsyncNSTask::startTask();
 }
@@ -76,7 +46,7 @@ void ConversionTask::startTask()
 void ConversionTask::completeStop()
 {
     removeHalfMadeFiles();
-    if (!m_deleteOriginal || cancelled() || !programSucceeded()) {
+    if (!deleteOriginal() || cancelled() || !programSucceeded()) {
         NURVAsyncNSTask::completeStop();
         return;
     }
@@ -84,7 +54,7 @@ void ConversionTask::completeStop()
     // active. When the application ends meanwhile, the source simply stays.
     const auto self = std::static_pointer_cast<ConversionTask>(shared_from_this());
     const auto stop = [self](bool isOnDisk) {
-        self->m_outputIsOnDisk = isOnDisk;
+        self->setOutputIsOnDisk(isOnDisk);
         self->NURVAsyncNSTask::completeStop();
     };
     try {
@@ -105,14 +75,8 @@ void ConversionTask::removeHalfMadeFiles() const
         return;
     if (!m_temporaryExisted)
         removeHalfMade(temporaryOf(outputFile()));
-    if (!m_outputExisted && !isSameFile(fileName(), outputFile()))
+    if (!outputExisted() && !outputIsSource())
         removeHalfMade(outputFile());
-}
-
-void ConversionTask::removeHalfMade(const QString &path) const
-{
-    if (isThere(path) && !QFile::remove(path))
-        qCWarning(convertLog).noquote() << "Half made and not removed:" << path;
 }
 
 bool ConversionTask::programSucceeded() const
@@ -123,31 +87,13 @@ bool ConversionTask::programSucceeded() const
 
 QString ConversionTask::report() const
 {
-    if (!error() && !m_toldOfDamage)
-        return NURVAsyncNSTask::report();
-    return fileName() + u":\n"_s + toolOutput::asOnATerminal(m_ownText);
-}
-
-void ConversionTask::keepForReport(const QString &text)
-{
-    m_ownText += text;
-    // A marker can be spread over two chunks.
-    const qsizetype fresh = std::min(m_ownText.size(), text.size() + toolOutput::kLongestDamageMarker);
-    if (toolOutput::tellsOfDamage(QStringView(m_ownText).last(fresh))) {
-        m_toldOfDamage = true;
-        if (m_batch)
-            m_batch->toldOfDamage = true;
-    }
-    if (m_ownText.size() > kLongestReport)
-        m_ownText.remove(0, m_ownText.size() - kLongestReport);
+    return reportInstead(NURVAsyncNSTask::report());
 }
 
 void ConversionTask::failWith(const QString &reason)
 {
     NURVAsyncNSTask::failWith(reason);
-    if (!m_ownText.isEmpty() && !m_ownText.endsWith(u'\n'))
-        keepForReport(u"\n"_s);
-    keepForReport(reason);
+    keepReasonForReport(reason);
 }
 
 void ConversionTask::processTaskOutput(const QString &chunk)
@@ -159,8 +105,10 @@ void ConversionTask::processTaskOutput(const QString &chunk)
         setProgressIndicatorValue(report.progress.value_or(0.0));
         updateStatus();
     }
-    setTextFieldString(title());
-    setTextFieldValue();
+    if (report.repaintsTitle) {
+        setTextFieldString(title());
+        setTextFieldValue();
+    }
     // The first slot, whichever member of the set this job is.
     appendResults(report.results);
 }
@@ -176,7 +124,7 @@ void ConversionTask::copyTags(const std::function<void()> &copy)
     // A job that was cancelled while it waited, or whose program is missing, made no
     // output, and one that was refused the place made none either: whatever has that
     // name belongs to someone else.
-    const bool hasOutput = hasRun() && isThere(outputFile()) && (programSucceeded() || !m_outputExisted);
+    const bool hasOutput = hasRun() && isThere(outputFile()) && (programSucceeded() || !outputExisted());
     if (!hasOutput)
         return;
     try {
@@ -184,40 +132,8 @@ void ConversionTask::copyTags(const std::function<void()> &copy)
     } catch (const NurvFailure &failure) {
         qCWarning(convertLog).noquote() << "Tags not copied:" << fileName() << "->" << outputFile() << ':'
                                         << failure.reason();
-        m_sourceHasTheOnlyTags = true;
+        keepSourceForItsTags();
     }
-}
-
-std::optional<QString> ConversionTask::reasonToKeepOriginal() const
-{
-    if (const std::optional<QString> reason = reasonToKeepSource(m_fileName, outputFile()))
-        return reason;
-    if (m_toldOfDamage)
-        return u"its program told of damage"_s;
-    if (m_sourceHasTheOnlyTags)
-        return u"only it has the tags"_s;
-    if (!m_outputIsOnDisk)
-        return u"its output may not be on the disk yet"_s;
-    return std::nullopt;
-}
-
-void ConversionTask::deleteSourceIfDone()
-{
-    if (!m_deleteOriginal || error() || cancelled())
-        return;
-    if (const std::optional<QString> reason = reasonToKeepOriginal()) {
-        qCWarning(convertLog).noquote() << "Kept, since" << *reason + u':' << m_fileName;
-        return;
-    }
-    Util::deleteFile(m_fileName);
-}
-
-void ConversionTask::dropResultsUnlessFailed()
-{
-    if (error() || m_toldOfDamage || (m_batch && m_batch->toldOfDamage))
-        return;
-    setResults(nullptr);
-    m_ownText.clear();
 }
 
 } // namespace nurv

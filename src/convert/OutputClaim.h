@@ -5,6 +5,7 @@
 #include <QHash>
 #include <QString>
 
+#include <atomic>
 #include <optional>
 
 namespace nurv {
@@ -14,12 +15,13 @@ struct ConversionBatch {
     /// The source of every output that was begun, by the output's place.
     QHash<QString, QString> sourceOfOutput;
     /// Whether the program of a member told of damage and went on: the report is
-    /// then shown at the end of the batch, although no job failed.
-    bool toldOfDamage = false;
+    /// then shown at the end of the batch, although no job failed. Any thread.
+    std::atomic<bool> toldOfDamage = false;
 };
 
 /// A conversion's right to make its output: no two make one file at the same time,
-/// and of one batch only the first does. GUI thread.
+/// and of one batch only the first does. Any thread; with a batch only the
+/// GUI thread takes.
 class OutputClaim {
 public:
     OutputClaim() = default;

@@ -14,6 +14,8 @@ namespace nurv::toolOutput {
 
 namespace {
 
+constexpr QStringView kToWav = u"Decoding to WAV: ";
+
 QStringView before(QStringView text, QStringView marker)
 {
     const qsizetype place = text.indexOf(marker);
@@ -47,6 +49,30 @@ QStringView withoutSecondFigure(QStringView ratio)
 {
     const qsizetype percent = ratio.indexOf(u'%');
     return percent < 0 ? ratio : ratio.first(std::max<qsizetype>(percent - 2, 0));
+}
+
+/// The text from the first digit on; empty without one.
+QStringView fromFirstDigit(QStringView text)
+{
+    const auto digit = std::find_if(text.begin(), text.end(), [](QChar character) { return character.isDigit(); });
+    return text.sliced(digit - text.begin());
+}
+
+/// "label: 45.000000%" for the figure at the start of the text before the first "%".
+void showFigure(ChunkReport &report, QStringView text, const QString &label)
+{
+    const double percent = leadingNumber(before(text, u"%"));
+    report.progress = onTheBar(percent);
+    report.status = label + sixDecimals(percent) + u'%';
+}
+
+ChunkReport parseFlacDecodingAs(QStringView chunk, const QString &label)
+{
+    const QString line = trimWhitespaceAndNewlines(trimBackspaces(chunk));
+    ChunkReport report{.status = {}, .progress = {}, .results = line, .repaintsTitle = true};
+    if (line.contains(u"% "_s))
+        showFigure(report, line.contains(u": "_s) ? secondPiece(line, u": ") : QStringView(line), label);
+    return report;
 }
 
 /// What every conversion by shntool to a compressed format reports.
@@ -93,7 +119,7 @@ QString asOnATerminal(QStringView text)
 ChunkReport parseFlacEncoding(QStringView chunk)
 {
     const QString line = trimWhitespaceAndNewlines(trimBackspaces(chunk));
-    ChunkReport report{.status = {}, .progress = {}, .results = line};
+    ChunkReport report{.status = {}, .progress = {}, .results = line, .repaintsTitle = true};
     if (!line.contains(u'%'))
         return report;
     QStringView percent;
@@ -113,33 +139,22 @@ ChunkReport parseFlacEncoding(QStringView chunk)
 
 ChunkReport parseFlacDecoding(QStringView chunk)
 {
-    const QString line = trimWhitespaceAndNewlines(trimBackspaces(chunk));
-    ChunkReport report{.status = {}, .progress = {}, .results = line};
-    if (!line.contains(u"% "_s))
-        return report;
-    const QStringView figure = line.contains(u": "_s) ? secondPiece(line, u": ") : QStringView(line);
-    const double percent = leadingNumber(before(figure, u"%"));
-    report.progress = onTheBar(percent);
-    report.status = u"Decoding Flac: "_s + sixDecimals(percent) + u'%';
-    return report;
+    return parseFlacDecodingAs(chunk, u"Decoding Flac: "_s);
 }
 
 ChunkReport parseShortenEncoding(QStringView chunk)
 {
     const QString text = trimBackspaces(chunk);
-    ChunkReport report{.status = {}, .progress = {}, .results = shntoolResults(text)};
-    if (text.contains(u'%')) {
-        const double percent = leadingNumber(before(text, u"%"));
-        report.progress = onTheBar(percent);
-        report.status = u"Encoding to SHN: "_s + sixDecimals(percent) + u'%';
-    }
+    ChunkReport report{.status = {}, .progress = {}, .results = shntoolResults(text), .repaintsTitle = true};
+    if (text.contains(u'%'))
+        showFigure(report, text, u"Encoding to SHN: "_s);
     return report;
 }
 
 ChunkReport parseFlacByShntool(QStringView chunk, const QString &type)
 {
     const QString text = trimBackspaces(chunk);
-    ChunkReport report{.status = {}, .progress = {}, .results = shntoolResults(text)};
+    ChunkReport report{.status = {}, .progress = {}, .results = shntoolResults(text), .repaintsTitle = true};
     if (text.contains(u'%')) {
         const QStringView percent = before(text, u"%");
         report.progress = onTheBar(leadingNumber(percent));
@@ -151,13 +166,94 @@ ChunkReport parseFlacByShntool(QStringView chunk, const QString &type)
 ChunkReport parseShortenDecoding(QStringView chunk)
 {
     const QString text = trimBackspaces(chunk);
-    ChunkReport report{.status = {}, .progress = {}, .results = text};
-    if (text.contains(u'%')) {
-        const double percent = leadingNumber(before(text, u"%"));
-        report.progress = onTheBar(percent);
-        report.status = u"Decoding SHN: "_s + sixDecimals(percent) + u'%';
-    }
+    ChunkReport report{.status = {}, .progress = {}, .results = text, .repaintsTitle = true};
+    if (text.contains(u'%'))
+        showFigure(report, text, u"Decoding SHN: "_s);
     return report;
+}
+
+ChunkReport parseWavpackEncoding(QStringView chunk)
+{
+    const QString text = trimBackspaces(chunk);
+    ChunkReport report{.status = {}, .progress = {}, .results = text};
+    if (text.contains(u"% done..."_s))
+        showFigure(report, text, u"Encoding to Wavpack: "_s);
+    return report;
+}
+
+ChunkReport parseWavpackDecoding(QStringView chunk, const QString &label)
+{
+    const QString text = trimBackspaces(chunk);
+    ChunkReport report{.status = {}, .progress = {}, .results = text + text};
+    if (text.contains(u"% done..."_s))
+        showFigure(report, text, label);
+    return report;
+}
+
+bool wavpackTellsOfError(QStringView text)
+{
+    return text.contains(u"couldn't read all samples, file may be corrupt!!"_s) || asksToOverwrite(text);
+}
+
+bool asksToOverwrite(QStringView text)
+{
+    return text.contains(u"overwrite"_s) && text.contains(u"(yes/no/all)?"_s);
+}
+
+ChunkReport parseTta(QStringView chunk, const QString &label)
+{
+    static const QString marker = u"Percent Progress: "_s;
+    const QString text = trimBackspaces(chunk);
+    ChunkReport report{.status = {}, .progress = {}, .results = text + text};
+    if (const qsizetype place = text.indexOf(marker); place >= 0)
+        showFigure(report, QStringView(text).sliced(place + marker.size()), label);
+    return report;
+}
+
+ChunkReport parseMonkeysAudio(QStringView chunk, const QString &label)
+{
+    ChunkReport report{.status = {}, .progress = {}, .results = chunk.toString()};
+    if (!chunk.contains(u"Progress: "_s) || !chunk.contains(u'%') || !chunk.contains(u"seconds remaining, "_s))
+        return report;
+    const QStringView figure = fromFirstDigit(chunk);
+    const QStringView percent = before(figure, u"%");
+    const qsizetype bracket = figure.indexOf(u" (", percent.size());
+    const QStringView rest = bracket < 0 ? QStringView() : fromFirstDigit(figure.sliced(bracket));
+    const QStringView seconds = before(rest, u" seconds remaining");
+    report.progress = onTheBar(leadingNumber(percent));
+    report.status = u"%1: %2%   %3 seconds remaining"_s.arg(label, percent, seconds);
+    return report;
+}
+
+bool monkeysAudioTellsOfError(QStringView text)
+{
+    return text.contains(u"Error: 10"_s) || text.contains(u"Error: 2000"_s);
+}
+
+ChunkReport parseShortenToWav(QStringView chunk)
+{
+    const QString text = trimBackspaces(chunk);
+    ChunkReport report{.status = {}, .progress = {}, .results = shntoolResults(text)};
+    showFigure(report, text.contains(u'%') ? QStringView(text) : QStringView(u"-1"), kToWav.toString());
+    return report;
+}
+
+ChunkReport parseFlacToWav(QStringView chunk)
+{
+    return parseFlacDecodingAs(chunk, kToWav.toString());
+}
+
+ChunkReport parseMonkeysAudioToWav(QStringView chunk)
+{
+    ChunkReport report = parseMonkeysAudio(chunk, u"Decoding to WAV"_s);
+    report.results.clear();
+    report.repaintsTitle = true;
+    return report;
+}
+
+ChunkReport parseWavpackToWav(QStringView chunk)
+{
+    return parseWavpackDecoding(chunk, kToWav.toString());
 }
 
 } // namespace nurv::toolOutput

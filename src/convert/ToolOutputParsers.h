@@ -17,6 +17,7 @@ struct ChunkReport {
     std::optional<QString> status;  ///< the next status line; nothing: it stays
     std::optional<double> progress; ///< 0 to 100; comes with `status`
     QString results;                ///< to be appended to the report
+    bool repaintsTitle = false;     ///< the main line is set to the title again
 };
 
 /// Whether the text says that a source is damaged or cut short: flac goes on after
@@ -43,5 +44,40 @@ inline constexpr qsizetype kLongestDamageMarker = 32;
 [[nodiscard]] ChunkReport parseFlacByShntool(QStringView chunk, const QString &type);
 /// From Shorten.
 [[nodiscard]] ChunkReport parseShortenDecoding(QStringView chunk);
+
+
+// `wavpack`, `wvunpack`: "creating x.wv,  45% done...", backspaces, " 46% done...", ….
+
+/// To WavPack.
+[[nodiscard]] ChunkReport parseWavpackEncoding(QStringView chunk);
+/// From WavPack: the status line is `label`, the figure and "%". Every chunk is in the
+/// report twice.
+[[nodiscard]] ChunkReport parseWavpackDecoding(QStringView chunk, const QString &label);
+/// Whether `wavpack` gives up. `text` may be several chunks: a marker can be spread.
+[[nodiscard]] bool wavpackTellsOfError(QStringView text);
+/// Whether `wavpack` or `wvunpack` asks what nobody answers: may it replace a file?
+[[nodiscard]] bool asksToOverwrite(QStringView text);
+
+/// `ttaenc`: "Percent Progress: 45". Every chunk is in the report twice.
+[[nodiscard]] ChunkReport parseTta(QStringView chunk, const QString &label);
+
+/// `mac`: "Progress: 45.2% (12 seconds remaining, 27 seconds total)".
+[[nodiscard]] ChunkReport parseMonkeysAudio(QStringView chunk, const QString &label);
+/// Whether `mac` says that it failed. `text` may be several chunks.
+[[nodiscard]] bool monkeysAudioTellsOfError(QStringView text);
+
+// Decoding to the WAV file that an Apple Lossless encoding begins with.
+
+/// `shntool`. The status line is set by every chunk; without a figure it says -1.
+[[nodiscard]] ChunkReport parseShortenToWav(QStringView chunk);
+/// `flac`.
+[[nodiscard]] ChunkReport parseFlacToWav(QStringView chunk);
+/// `mac`. Reports nothing.
+[[nodiscard]] ChunkReport parseMonkeysAudioToWav(QStringView chunk);
+/// `wvunpack`.
+[[nodiscard]] ChunkReport parseWavpackToWav(QStringView chunk);
+
+/// How much text before a chunk can belong to a marker in it.
+inline constexpr qsizetype kLongestErrorMarker = 8192;
 
 } // namespace nurv::toolOutput
