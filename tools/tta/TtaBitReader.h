@@ -93,8 +93,9 @@ inline int32_t TtaBitReader::Position::readCode(TtaBitReader &reader, TtaRice &r
 {
     fill(reader);
     const auto ones = static_cast<uint32_t>(std::countr_one(m_bits));
-    const bool isDeep = ones != 0;
-    const uint32_t k = isDeep ? rice.deep.k : rice.shallow.k;
+    // A mask.
+    const uint32_t isDeep = 0U - static_cast<uint32_t>(m_bits & 1);
+    const uint32_t k = rice.k(isDeep);
     uint32_t value;
     if (ones + 1 + k > 56) [[unlikely]] {
         const LongCode code = reader.readLongCode(*this, k);
@@ -102,11 +103,11 @@ inline int32_t TtaBitReader::Position::readCode(TtaBitReader &reader, TtaRice &r
         value = code.value;
     } else {
         const uint64_t mask = (uint64_t{1} << k) - 1;
-        value = ((ones - isDeep) << k) + static_cast<uint32_t>((m_bits >> (ones + 1)) & mask);
+        value = ((ones + isDeep) << k) + static_cast<uint32_t>((m_bits >> (ones + 1)) & mask);
         take(ones + 1 + k);
     }
-    rice.deep.adaptIf(isDeep, value);
-    value += static_cast<uint32_t>(isDeep) << rice.shallow.k;
+    rice.deep.adapt(value, isDeep);
+    value += (1U << rice.shallow.k) & isDeep;
     rice.shallow.adapt(value);
     return TtaRice::unfold(value);
 }

@@ -71,12 +71,13 @@ inline void TtaBitWriter::Position::writeCode(TtaBitWriter &writer, TtaRice &ric
 {
     uint32_t value = TtaRice::fold(code);
     const uint32_t limit = 1U << rice.shallow.k;
-    const bool isDeep = value >= limit;
-    const uint32_t k = isDeep ? rice.deep.k : rice.shallow.k;
+    // A mask: the borrow of the subtraction.
+    const auto isDeep = ~static_cast<uint32_t>((uint64_t{value} - limit) >> 32);
+    const uint32_t k = rice.k(isDeep);
     rice.shallow.adapt(value);
-    value -= isDeep ? limit : 0;
-    rice.deep.adaptIf(isDeep, value);
-    const uint32_t ones = (value >> k) + isDeep;
+    value -= limit & isDeep;
+    rice.deep.adapt(value, isDeep);
+    const uint32_t ones = (value >> k) - isDeep;
     const uint32_t low = value & ((1U << k) - 1);
     if (ones + 1 + k > 56) [[unlikely]]
         *this = writer.putLongCode(*this, ones, low, k);

@@ -104,10 +104,15 @@ TtaFrameState TtaReader::readFrame()
 {
     const uint64_t frame = m_framesRead++;
     const uint32_t size = m_frameSizes[frame];
-    m_pcm.resize(size_t{m_header.samplesInFrame(frame)} * m_header.blockAlign());
+    const size_t samples = m_header.samplesInFrame(frame);
     m_frameBytesLeft = size - std::min(size, kCrcBytes);
     m_frameCrc = 0;
-    const bool isComplete = m_decoder.decode(m_bitReader, m_pcm);
+    bool isComplete = false;
+    // Every sample takes at least a bit: room is made for samples that can be there only.
+    if (m_frameBytesLeft * 8 >= samples * m_header.channels) {
+        m_pcm.resize(samples * m_header.blockAlign());
+        isComplete = m_decoder.decode(m_bitReader, m_pcm);
+    }
     const bool isIntact = frameCrcMatches();
     if (m_isTruncated)
         return TtaFrameState::Truncated;

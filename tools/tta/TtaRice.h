@@ -14,25 +14,14 @@ struct TtaRice {
         uint32_t k = 10;
         uint32_t mean = 1U << (10 + 4); // 16 times the moving mean of the values
 
-        [[gnu::always_inline]] void adapt(uint32_t value)
+        /// All bits of `mask` are 1, or all are 0: nothing is to be done then. Which of the
+        /// two is as good as random, and a branch would cost more than the work.
+        [[gnu::always_inline]] void adapt(uint32_t value, uint32_t mask = ~0U)
         {
-            mean += value - (mean >> 4);
-            step(mean < kThresholds[k], mean > kThresholds[k + 1]);
-        }
-
-        /// `adapt` when the condition holds, without a branch that is hard to foresee.
-        [[gnu::always_inline]] void adaptIf(bool condition, uint32_t value)
-        {
-            mean = condition ? mean + value - (mean >> 4) : mean;
-            step(condition & (mean < kThresholds[k]), condition & (mean > kThresholds[k + 1]));
-        }
-
-    private:
-        [[gnu::always_inline]] void step(bool down, bool up)
-        {
-            if (down) [[unlikely]]
+            mean += (value - (mean >> 4)) & mask;
+            if ((mean | ~mask) < kThresholds[k]) [[unlikely]]
                 --k;
-            else if (up) [[unlikely]]
+            else if ((mean & mask) > kThresholds[k + 1]) [[unlikely]]
                 ++k;
         }
     };
@@ -52,14 +41,20 @@ struct TtaRice {
     /// 0, 1, -1, 2, -2 ... as 0, 1, 2, 3, 4 ...
     [[gnu::always_inline]] static uint32_t fold(int32_t value)
     {
-        const uint32_t twice = static_cast<uint32_t>(value) << 1;
-        return value > 0 ? twice - 1 : 0 - twice;
+        const auto isNotPositive = static_cast<uint32_t>((int64_t{value} - 1) >> 63);
+        return ((static_cast<uint32_t>(value) << 1) - 1) ^ isNotPositive;
     }
 
     [[gnu::always_inline]] static int32_t unfold(uint32_t value)
     {
-        const uint32_t half = (value >> 1) + (value & 1);
-        return static_cast<int32_t>((value & 1) != 0 ? half : 0 - half);
+        const uint32_t isEven = (value & 1) - 1;
+        return static_cast<int32_t>((((value >> 1) + (value & 1)) ^ isEven) - isEven);
+    }
+
+    /// The parameter of a value: `isDeep` is a mask.
+    [[gnu::always_inline]] uint32_t k(uint32_t isDeep) const
+    {
+        return shallow.k ^ ((shallow.k ^ deep.k) & isDeep);
     }
 };
 
