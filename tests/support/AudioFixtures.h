@@ -18,7 +18,7 @@ namespace nurv::test {
 struct SoundShape {
     int rate = 44100;        ///< Hz
     int bits = 16;           ///< 8, 16, 24 or 32 bits per sample
-    int channels = 2;        ///< 1 to 6
+    int channels = 2;        ///< 1 to 8
     double seconds = 1.0;    ///< used when `frames` is 0
     std::int64_t frames = 0; ///< length in frames
     std::uint32_t seed = 1;
