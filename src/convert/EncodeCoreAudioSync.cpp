@@ -1,0 +1,247 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "convert/EncodeCoreAudioSync.h"
+
+#include "convert/ConvertLog.h"
+#include "engine/NURVTask.h"
+#include "engine/NURVTaskResults.h"
+#include "platform/AudioFileReader.h"
+#include "platform/AudioFileWriter.h"
+#include "platform/NurvFailure.h"
+
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+constexpr std::uint32_t kBufferBytes = 32768;
+/// Left, right, centre, low frequencies, left and right surround.
+constexpr std::uint32_t kSurroundBitmap = 0x3F;
+constexpr std::uint32_t kSurroundChannels = 6;
+
+QString formatName(FourCharCode formatType, FourCharCode fileType)
+{
+    switch (formatType) {
+    case kFormatAAC: return u"AAC"_s;
+    case kFormatAppleLossless: return u"Apple Lossless"_s;
+    case kFormatLinearPCM: return fileType == kFileAIFF ? u"AIFF"_s : u"WAV"_s;
+    default: return {};
+    }
+}
+
+/// Throws the reason with the status in the place of "%1", unless the status is good.
+void check(AudioFileStatus status, const QString &reason)
+{
+    if (status != AudioFileStatus::Ok)
+        throw NurvFailure(QString(reason).replace(u"%1"_s, statusText(status)));
+}
+
+/// The same, telling the log something else.
+void check(AudioFileStatus status, const QString &logText, const QString &reason)
+{
+    if (status != AudioFileStatus::Ok)
+        qCWarning(convertLog).noquote() << logText;
+    check(status, reason);
+}
+
+std::uint32_t workingBits(const AudioStreamDescription &source)
+{
+    if (source.formatId != kFormatAppleLossless)
+        return source.bitsPerChannel == 0 ? 16 : source.bitsPerChannel;
+    switch (source.formatFlags) {
+    case kAppleLossless16Bit: return 16;
+    case kAppleLossless20Bit: return 20;
+    case kAppleLossless24Bit: return 24;
+    case kAppleLossless32Bit: return 32;
+    default: return source.bitsPerChannel;
+    }
+}
+
+AudioStreamDescription workingFormat(const AudioStreamDescription &source)
+{
+    AudioStreamDescription working;
+    working.sampleRate = source.sampleRate;
+    working.formatId = kFormatLinearPCM;
+    working.formatFlags = kBigEndianIntegers;
+    working.bitsPerChannel = workingBits(source);
+    working.channelsPerFrame = source.channelsPerFrame;
+    // 20 bits come to 2 bytes here, which no reader delivers: better than to lose bits.
+    working.bytesPerFrame = working.bitsPerChannel / 8 * working.channelsPerFrame;
+    working.bytesPerPacket = working.bytesPerFrame;
+    working.framesPerPacket = 1;
+    return working;
+}
+
+std::uint32_t appleLosslessFlags(std::uint32_t bits)
+{
+    switch (bits) {
+    case 16: return kAppleLossless16Bit;
+    case 20: return kAppleLossless20Bit;
+    case 24: return kAppleLossless24Bit;
+    case 32: return kAppleLossless32Bit;
+    default: return 0;
+    }
+}
+
+double aacRate(double sourceRate)
+{
+    if (sourceRate == 96000.0 || sourceRate == 192000.0)
+        return 48000.0;
+    if (sourceRate == 88200.0 || sourceRate == 176400.0)
+        return 44100.0;
+    return sourceRate;
+}
+
+AudioEncoder &converterOf(AudioFileWriter &output)
+{
+    AudioEncoder *const converter = output.converter();
+    check(converter ? AudioFileStatus::Ok : AudioFileStatus::NotOpen,
+          u"ExtAudioFileGetProperty kExtAudioFileProperty_AudioConverter failure"_s,
+          u"kExtAudioFileProperty_AudioConverter failed %1"_s);
+    return *converter;
+}
+
+} // namespace
+
+EncodeCoreAudioSync::EncodeCoreAudioSync(NURVTask &task, const QString &fileName, const QString &outputFile,
+                                         FourCharCode formatType, FourCharCode fileType)
+    : m_task(task), m_fileName(fileName), m_outFile(outputFile), m_formatType(formatType), m_fileType(fileType),
+      m_formatStringValue(formatName(formatType, fileType))
+{
+}
+
+void EncodeCoreAudioSync::doEncodeCall()
+{
+    try {
+        AudioFileReader source;
+        AudioFileWriter output;
+        convert(source, output);
+    } catch (const NurvFailure &failure) {
+        qCWarning(convertLog).noquote() << "Exception" << failure.reason();
+        m_failureText =
+            u"Error encoding "_s + m_fileName + u" to "_s + m_formatStringValue + u":\n"_s + failure.reason();
+        m_task.setError(true);
+        if (const auto results = m_task.results())
+            results->setResults(m_failureText);
+    }
+}
+
+void EncodeCoreAudioSync::convert(AudioFileReader &source, AudioFileWriter &output)
+{
+    check(source.open(m_fileName), u"ExtAudioFileOpenURL failed %1"_s);
+    AudioStreamDescription format;
+    check(source.fileDataFormat(format),
+          u"input ExtAudioFileGetProperty kExtAudioFileProperty_FileDataFormat failed %1"_s);
+    std::int64_t totalFrames = 0;
+    check(source.lengthFrames(totalFrames),
+          u"input ExtAudioFileGetProperty kExtAudioFileProperty_FileLengthFrames failed %1"_s);
+
+    const AudioStreamDescription working = workingFormat(format);
+    check(output.create(m_outFile, m_fileType, outputFormat(format, working), source),
+          u"ExtAudioFileCreateWithURL failed %1"_s);
+    const auto precision =
+        m_formatType == kFormatAAC ? AudioFileReader::Precision::Rounded : AudioFileReader::Precision::Exact;
+    check(source.setClientFormat(working, precision),
+          u"ExtAudioFileSetProperty inFile, kExtAudioFileProperty_ClientDataFormat failed"_s);
+    const AudioFileStatus status = output.setClientFormat(working);
+    check(status, u"Error "_s + QString::number(static_cast<std::int32_t>(status)),
+          u"ExtAudioFileSetProperty outFile, kExtAudioFileProperty_ClientDataFormat failed"_s);
+    if (m_formatType == kFormatAAC) {
+        setAACSettings(output);
+        if (working.channelsPerFrame == kSurroundChannels)
+            setAACSurroundChannelFormatSettings(output);
+    }
+    copy(source, output, working, totalFrames);
+    // What the system reports only at the end is a failed write all the same. Nobody
+    // asks whether a cancelled conversion is complete.
+    if (const AudioFileStatus closed = output.close(); !m_task.cancelled())
+        check(closed, u"ExtAudioFileWrite failed"_s);
+}
+
+AudioStreamDescription EncodeCoreAudioSync::outputFormat(const AudioStreamDescription &source,
+                                                         const AudioStreamDescription &working) const
+{
+    AudioStreamDescription output;
+    output.sampleRate = source.sampleRate;
+    output.formatId = m_formatType;
+    output.channelsPerFrame = source.channelsPerFrame;
+    switch (m_formatType) {
+    case kFormatAAC: output.sampleRate = aacRate(source.sampleRate); break;
+    case kFormatAppleLossless:
+        output.formatFlags = appleLosslessFlags(working.bitsPerChannel);
+        output.bitsPerChannel = source.bitsPerChannel;
+        break;
+    case kFormatLinearPCM:
+        output = working;
+        output.formatFlags = m_fileType == kFileWave ? kLittleEndianIntegers : kBigEndianIntegers;
+        break;
+    default: break;
+    }
+    return output;
+}
+
+void EncodeCoreAudioSync::copy(AudioFileReader &source, AudioFileWriter &output, const AudioStreamDescription &working,
+                               std::int64_t totalFrames)
+{
+    std::vector<std::uint8_t> buffer(kBufferBytes);
+    const std::uint32_t framesPerPass = kBufferBytes / working.bytesPerFrame;
+    double lastShown = 0.0;
+    for (std::int64_t pass = 1; !m_task.cancelled(); ++pass) {
+        std::uint32_t frames = framesPerPass;
+        check(source.read(buffer.data(), frames), u"ExtAudioFileRead failed"_s);
+        if (frames == 0)
+            return;
+        check(output.write(buffer.data(), frames), u"ExtAudioFileWrite failed"_s);
+        // Files that do not tell their length show none.
+        if (totalFrames == 0)
+            continue;
+        const double percent = static_cast<double>(pass * frames) * 100.0 / static_cast<double>(totalFrames);
+        if (percent > lastShown + 1.0) {
+            showProgress(percent);
+            lastShown = percent;
+        }
+    }
+}
+
+void EncodeCoreAudioSync::showProgress(double percent)
+{
+    m_task.setTopTextFieldString(u"Encoding to "_s + m_formatStringValue + u": "_s + QString::number(percent, 'f', 6)
+                                 + u'%');
+    m_task.setProgressIndicatorValue(percent);
+    m_task.updateStatus();
+}
+
+void EncodeCoreAudioSync::setAACSettings(AudioFileWriter &output) const
+{
+    AudioEncoder &converter = converterOf(output);
+    if (m_bitrate != 0) {
+        check(converter.setBitRate(m_bitrate), u"ExtAudioFileGetProperty kAudioConverterEncodeBitRate failure"_s,
+              u"kAudioConverterEncodeBitRate failed %1"_s);
+    }
+    if (m_quality != 0) {
+        check(converter.setQuality(m_quality), u"AudioConverterSetProperty vbrq failure"_s,
+              u"AudioConverterSetProperty vbrqfailed"_s);
+    }
+    check(converter.setBitRateMode(m_mode), u"AudioConverterSetProperty kAudioCodecBitRateFormat failure"_s,
+          u"kAudioCodecBitRateFormat failed"_s);
+    AudioEncoderSettings settings;
+    check(converter.getSettings(settings), u"AudioConverterGetProperty kAudioConverterPropertySettings failure"_s,
+          u"kAudioConverterPropertySettings failed"_s);
+    check(output.setConverterConfig(settings),
+          u"ExtAudioFileSetProperty kExtAudioFileProperty_ConverterConfig failure"_s,
+          u"kExtAudioFileProperty_ConverterConfig failed"_s);
+}
+
+void EncodeCoreAudioSync::setAACSurroundChannelFormatSettings(AudioFileWriter &output) const
+{
+    AudioEncoder &converter = converterOf(output);
+    if (converter.setInputChannelLayout(kSurroundBitmap) != AudioFileStatus::Ok)
+        qCWarning(convertLog) << "AudioConverterSetProperty kAudioConverterInputChannelLayout failure";
+    if (converter.setOutputChannelLayout(kSurroundBitmap) != AudioFileStatus::Ok)
+        qCWarning(convertLog) << "AudioConverterSetProperty kAudioConverterOutputChannelLayout failure";
+}
+
+} // namespace nurv
