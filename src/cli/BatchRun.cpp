@@ -16,7 +16,6 @@
 
 #include <QCoreApplication>
 #include <QEventLoop>
-#include <QJsonDocument>
 #include <QJsonObject>
 #include <QPointer>
 #include <QTimer>
@@ -38,11 +37,6 @@ constexpr auto kTerminationGrace = 500ms;
 /// What the jobs get to clean up after their programs have been ended.
 constexpr auto kCleanupLimit = 5s;
 constexpr auto kWorkerPoll = 10ms;
-
-QString jsonLine(const QJsonObject &object)
-{
-    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)) + u'\n';
-}
 
 QString statusWord(const NURVTask &task)
 {
@@ -135,11 +129,11 @@ void BatchRun::taskEnded(const std::shared_ptr<NURVTask> &task)
         m_warnings.append(task->warnings());
     }
     if (m_options.json) {
-        m_console.writeOutput(jsonLine({{u"type"_s, u"job"_s},
-                                        {u"title"_s, task->title()},
-                                        {u"source"_s, task->sourcePath()},
-                                        {u"status"_s, statusWord(*task)},
-                                        {u"report"_s, report}}));
+        m_console.writeJson({{u"type"_s, u"job"_s},
+                             {u"title"_s, task->title()},
+                             {u"source"_s, task->sourcePath()},
+                             {u"status"_s, statusWord(*task)},
+                             {u"report"_s, report}});
     }
     endWhenIdle();
 }
@@ -222,16 +216,16 @@ void BatchRun::printBatchObject(ExitStatus exitStatus, const QStringList &refusa
 {
     if (!m_options.json)
         return;
-    m_console.writeOutput(jsonLine({{u"type"_s, u"batch"_s},
-                                    {u"jobs"_s, m_addedCount},
-                                    {u"complete"_s, m_completeCount},
-                                    {u"failed"_s, m_failedCount},
-                                    {u"canceled"_s, m_canceledCount},
-                                    {u"refused"_s, QJsonArray::fromStringList(refusals)},
-                                    {u"skipped"_s, QJsonArray::fromStringList(skipped)},
-                                    {u"warnings"_s, QJsonArray::fromStringList(m_warnings)},
-                                    {u"outputs"_s, m_outputs},
-                                    {u"exitStatus"_s, static_cast<int>(exitStatus)}}));
+    m_console.writeJson({{u"type"_s, u"batch"_s},
+                         {u"jobs"_s, m_addedCount},
+                         {u"complete"_s, m_completeCount},
+                         {u"failed"_s, m_failedCount},
+                         {u"canceled"_s, m_canceledCount},
+                         {u"refused"_s, QJsonArray::fromStringList(refusals)},
+                         {u"skipped"_s, QJsonArray::fromStringList(skipped)},
+                         {u"warnings"_s, QJsonArray::fromStringList(m_warnings)},
+                         {u"outputs"_s, m_outputs},
+                         {u"exitStatus"_s, static_cast<int>(exitStatus)}});
 }
 
 } // namespace nurv

@@ -3,11 +3,15 @@
 #include "cli/Console.h"
 
 #include "cli/TextWidth.h"
+#include "platform/SystemError.h"
+#include "platform/WriteAll.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
 
 #include <utility>
 
 #include <errno.h>
-#include <string.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -16,21 +20,6 @@ using namespace Qt::StringLiterals;
 namespace nurv {
 
 namespace {
-
-/// Returns 0, or the error number.
-int writeAll(int fd, const QByteArray &bytes)
-{
-    qsizetype written = 0;
-    while (written < bytes.size()) {
-        const ssize_t count =
-            ::write(fd, bytes.constData() + written, static_cast<std::size_t>(bytes.size() - written));
-        if (count < 0 && errno != EINTR)
-            return errno;
-        if (count > 0)
-            written += count;
-    }
-    return 0;
-}
 
 void writeError(const QByteArray &bytes)
 {
@@ -82,16 +71,22 @@ void Console::writeOutput(const QString &text)
         return;
     if (m_outputIsTerminal)
         eraseLiveLines();
-    const int error = writeAll(STDOUT_FILENO, (m_outputIsTerminal ? printableText(text) : text).toUtf8());
+    const bool isWritten = writeAll(STDOUT_FILENO, (m_outputIsTerminal ? printableText(text) : text).toUtf8());
+    const int error = errno;
     if (m_outputIsTerminal)
         drawLiveLines();
-    if (error == 0)
+    if (isWritten)
         return;
     m_outputIsGone = true;
     if (error == EPIPE)
         return;
     m_outputFailed = true;
-    writeNote(u"standard output cannot be written: %1"_s.arg(QString::fromLocal8Bit(strerror(error))));
+    writeNote(u"standard output cannot be written: %1"_s.arg(systemErrorText(error)));
+}
+
+void Console::writeJson(const QJsonObject &object)
+{
+    writeOutput(QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)) + u'\n');
 }
 
 void Console::writeNote(const QString &line)

@@ -2,10 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QByteArray>
 #include <QList>
 #include <QString>
 #include <QStringList>
+
+class QJsonObject;
 
 namespace nurv {
 
@@ -35,6 +36,8 @@ public:
 
     /// Writes text to standard output, as it stands unless that is a terminal.
     void writeOutput(const QString &text);
+    /// Writes the object as one line to standard output.
+    void writeJson(const QJsonObject &object);
     /// Writes "nurv: <line>" to standard error.
     void writeNote(const QString &line);
     /// Writes the line to standard error.

@@ -7,7 +7,6 @@
 #include "platform/ExternalPrograms.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 #include <QStringList>
 
@@ -89,28 +88,24 @@ QString readableReport(const std::vector<Finding> &findings)
     return table(rows);
 }
 
-QString jsonReport(const std::vector<Finding> &findings, const QStringList &missing, ExitStatus status)
+void printJsonReport(Console &console, const std::vector<Finding> &findings, const QStringList &missing,
+                     ExitStatus status)
 {
-    QString text;
-    const auto addLine = [&text](const QJsonObject &object) {
-        text += QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)) + u'\n';
-    };
     for (const Finding &finding : findings) {
-        addLine({{u"type"_s, u"program"_s},
-                 {u"name"_s, finding.program.name},
-                 {u"found"_s, isFound(finding)},
-                 {u"state"_s, stateText(finding)},
-                 {u"path"_s, finding.status.path},
-                 {u"version"_s, finding.status.version},
-                 {u"package"_s, finding.program.package},
-                 {u"bundled"_s, finding.program.isBundled},
-                 {u"required"_s, isRequired(finding.program.name)},
-                 {u"purpose"_s, finding.program.purpose}});
+        console.writeJson({{u"type"_s, u"program"_s},
+                           {u"name"_s, finding.program.name},
+                           {u"found"_s, isFound(finding)},
+                           {u"state"_s, stateText(finding)},
+                           {u"path"_s, finding.status.path},
+                           {u"version"_s, finding.status.version},
+                           {u"package"_s, finding.program.package},
+                           {u"bundled"_s, finding.program.isBundled},
+                           {u"required"_s, isRequired(finding.program.name)},
+                           {u"purpose"_s, finding.program.purpose}});
     }
-    addLine({{u"type"_s, u"doctor"_s},
-             {u"missing"_s, QJsonArray::fromStringList(missing)},
-             {u"exitStatus"_s, static_cast<int>(status)}});
-    return text;
+    console.writeJson({{u"type"_s, u"doctor"_s},
+                       {u"missing"_s, QJsonArray::fromStringList(missing)},
+                       {u"exitStatus"_s, static_cast<int>(status)}});
 }
 
 CommandSpec makeSpec()
@@ -158,7 +153,7 @@ ExitStatus DoctorCommand::run(const ParsedArguments &arguments, Console &console
     }
     const ExitStatus status = requiredIsMissing ? ExitStatus::MissingProgram : ExitStatus::Ok;
     if (arguments.has(u"json"_s))
-        console.writeOutput(jsonReport(findings, missing, status));
+        printJsonReport(console, findings, missing, status);
     else if (!arguments.has(u"quiet"_s))
         console.writeOutput(readableReport(findings));
     return status;

@@ -3,13 +3,12 @@
 #include "cli/InputFiles.h"
 
 #include "platform/FileNames.h"
-
-#include <QFile>
+#include "platform/SystemError.h"
 
 #include <optional>
+#include <utility>
 
 #include <errno.h>
-#include <string.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -19,22 +18,17 @@ namespace nurv {
 
 namespace {
 
-QString systemText(int error)
-{
-    return QString::fromLocal8Bit(strerror(error));
-}
-
 /// Why the argument cannot be worked on, or nothing.
 std::optional<QString> obstacle(const QByteArray &path, bool &isFolder)
 {
     struct stat status {};
     if (::stat(path.constData(), &status) != 0)
-        return systemText(errno);
+        return systemErrorText(errno);
     isFolder = S_ISDIR(status.st_mode);
     if (!isFolder && !S_ISREG(status.st_mode))
         return u"it is no regular file"_s;
     if (::access(path.constData(), R_OK) != 0)
-        return systemText(errno);
+        return systemErrorText(errno);
     return std::nullopt;
 }
 

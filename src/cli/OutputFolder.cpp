@@ -3,6 +3,7 @@
 #include "cli/OutputFolder.h"
 
 #include "app/FileIntake.h"
+#include "platform/SystemError.h"
 
 #include <QDir>
 #include <QFile>
@@ -10,7 +11,6 @@
 
 #include <errno.h>
 #include <stdlib.h>
-#include <string.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -34,7 +34,7 @@ QString obstacleAt(const QString &path, const QString &name)
     QByteArray probe = QFile::encodeName(path) + "/.nurv-XXXXXX";
     const int fd = ::mkstemp(probe.data());
     if (fd < 0)
-        return u"the output folder cannot be written: %1 (%2)"_s.arg(name, QString::fromLocal8Bit(::strerror(errno)));
+        return u"the output folder cannot be written: %1 (%2)"_s.arg(name, systemErrorText(errno));
     ::close(fd);
     ::unlink(probe.constData());
     return {};

@@ -4,6 +4,7 @@
 
 #include "platform/FileDescriptor.h"
 #include "platform/SystemError.h"
+#include "platform/WriteAll.h"
 
 #include <QFile>
 #include <QRandomGenerator>
@@ -28,20 +29,6 @@ bool failWithErrno(QString *reason)
     if (reason)
         *reason = systemErrorText(errno);
     return false;
-}
-
-bool writeAll(int descriptor, const QByteArray &contents)
-{
-    qsizetype written = 0;
-    while (written < contents.size()) {
-        const ssize_t count = ::write(descriptor, contents.constData() + written,
-                                      static_cast<size_t>(contents.size() - written));
-        if (count < 0 && errno != EINTR)
-            return false;
-        if (count > 0)
-            written += count;
-    }
-    return true;
 }
 
 // The file that a link leads to, also when that file does not exist yet.

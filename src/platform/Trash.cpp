@@ -5,6 +5,7 @@
 #include "platform/FileDescriptor.h"
 #include "platform/PlatformLog.h"
 #include "platform/SystemError.h"
+#include "platform/WriteAll.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -16,6 +17,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <optional>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -151,8 +153,7 @@ bool renameWithoutReplacing(const QByteArray &from, const QByteArray &to)
 
 bool writeInfo(FileDescriptor file, const QByteArray &info)
 {
-    return ::write(file.get(), info.constData(), static_cast<size_t>(info.size())) == info.size()
-        && file.close();
+    return writeAll(file.get(), info) && file.close();
 }
 
 // The info file reserves the name; only then the file moves.
