@@ -3,9 +3,9 @@
 #include "checksum/CreateFFPTask.h"
 
 #include "checksum/ChecksumFixture.h"
-#include "checksum/LogLines.h"
 #include "engine/NURVTaskResults.h"
 #include "support/AudioFixtures.h"
+#include "support/LogLines.h"
 #include "support/TestProgram.h"
 #include "support/ToolFolder.h"
 

@@ -3,8 +3,8 @@
 #include "checksum/CreateMD5Task.h"
 
 #include "checksum/ChecksumFixture.h"
-#include "checksum/LogLines.h"
 #include "engine/NURVTaskResults.h"
+#include "support/LogLines.h"
 
 #include <QFile>
 

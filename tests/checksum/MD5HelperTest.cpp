@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "checksum/MD5Helper.h"
 
-#include "checksum/LogLines.h"
+#include "support/LogLines.h"
 #include "support/TestFolder.h"
 
 #include <gtest/gtest.h>

@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "checksum/LogLines.h"
 #include "convert/EncodeCoreAudioSync.h"
 #include "engine/TestTasks.h"
 #include "support/AudioFixtures.h"
+#include "support/LogLines.h"
 #include "support/TestFolder.h"
 #include "support/TestProgram.h"
 #include "support/WaitUntil.h"

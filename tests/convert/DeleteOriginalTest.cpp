@@ -2,8 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "convert/ConvertFixture.h"
 #include "convert/FakeShorten.h"
-
-#include "checksum/LogLines.h"
+#include "support/LogLines.h"
 
 using namespace Qt::StringLiterals;
 

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "convert/EncodeFlacTask.h"
 
-#include "checksum/LogLines.h"
 #include "convert/ConvertFixture.h"
 #include "convert/Transcript.h"
+#include "support/LogLines.h"
 
 using namespace Qt::StringLiterals;
 

@@ -3,9 +3,8 @@
 #include "engine/NURVTask.h"
 
 #include "engine/TestTasks.h"
+#include "support/LogLines.h"
 #include "support/WaitUntil.h"
-
-#include <QLoggingCategory>
 
 #include <gtest/gtest.h>
 
@@ -67,19 +66,13 @@ TEST(NURVTask, TurnsGreenWhenComplete)
     EXPECT_FALSE(task->isActive());
 }
 
-QStringList *logLines = nullptr;
-
 TEST(NURVTask, TurnsRedAndIsLoggedWhenItFailed)
 {
-    QStringList lines;
-    logLines = &lines;
-    const QtMessageHandler former = qInstallMessageHandler(
-        [](QtMsgType, const QMessageLogContext &, const QString &text) { logLines->append(text); });
+    const test::LogLines log;
     const auto task = makeTask();
     task->startTask();
     task->setError(true);
     task->stopTask();
-    qInstallMessageHandler(former);
 
     EXPECT_EQ(task->topTextField().text, u"Error");
     EXPECT_EQ(task->textField().text, u"a.wav");
@@ -87,7 +80,7 @@ TEST(NURVTask, TurnsRedAndIsLoggedWhenItFailed)
     EXPECT_FALSE(task->progressIndicator().hidden);
     EXPECT_FALSE(task->progressIndicator().animated);
     EXPECT_TRUE(task->cancelButton().hidden);
-    EXPECT_EQ(lines, QStringList{u"a.wav Error"_s});
+    EXPECT_EQ(log.with(QString()), QStringList{u"a.wav Error"_s});
 }
 
 TEST(NURVTask, SaysCanceledAndLeavesTheStatusLineAndTheBar)

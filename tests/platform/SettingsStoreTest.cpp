@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/SettingsStore.h"
 
+#include "support/LogLines.h"
 #include "support/TestFolder.h"
 #include "support/WaitUntil.h"
 
@@ -22,6 +23,7 @@
 
 using namespace Qt::StringLiterals;
 using nurv::SettingsStore;
+using nurv::test::LogLines;
 using nurv::test::TestFolder;
 
 namespace {
@@ -29,27 +31,6 @@ namespace {
 const QVariantMap kDefaults{{u"maxThreads"_s, 2},
                             {u"warnOnDelete"_s, true},
                             {u"shntoolNamesFormat"_s, u"%number. %name %time"_s}};
-
-// The log lines written while it lives.
-class LogLines {
-public:
-    LogLines()
-    {
-        s_lines.clear();
-        m_former = qInstallMessageHandler([](QtMsgType, const QMessageLogContext &context, const QString &text) {
-            if (qstrcmp(context.category, "nurv.platform") == 0)
-                s_lines.append(text);
-        });
-    }
-    ~LogLines() { qInstallMessageHandler(m_former); }
-    LogLines(const LogLines &) = delete;
-    LogLines &operator=(const LogLines &) = delete;
-    [[nodiscard]] static const QStringList &lines() { return s_lines; }
-
-private:
-    static inline QStringList s_lines;
-    QtMessageHandler m_former;
-};
 
 // While it lives, nothing in the folder can be opened, nor made: the folder's name is
 // a link to itself.
@@ -278,7 +259,7 @@ TEST_F(SettingsStoreFile, GivesTheDefaultAndOneLogLineForAValueOfAnotherKind)
         EXPECT_TRUE(store.boolean(u"warnOnDelete"_s));
         EXPECT_EQ(store.string(u"shntoolNamesFormat"_s), u"%number. %name %time"_s);
     }
-    EXPECT_EQ(LogLines::lines().size(), 3) << LogLines::lines().join(u'\n').toStdString();
+    EXPECT_EQ(log.of(u"nurv.platform"_s).size(), 3) << log.of(u"nurv.platform"_s).join(u'\n').toStdString();
 }
 
 TEST_F(SettingsStoreFile, LosesOnlyTheLinesThatMakeNoSense)
@@ -297,7 +278,7 @@ TEST_F(SettingsStoreFile, LosesOnlyTheLinesThatMakeNoSense)
             const SettingsStore store(path());
             EXPECT_EQ(store.integer(u"trashOrDelete"_s), 1) << text.toStdString();
             EXPECT_EQ(store.string(u"ffpExtension"_s), u"a.txt"_s) << text.toStdString();
-            EXPECT_EQ(LogLines::lines().size(), 1) << text.toStdString();
+            EXPECT_EQ(log.of(u"nurv.platform"_s).size(), 1) << text.toStdString();
         }
     }
 }
@@ -315,7 +296,7 @@ TEST_F(SettingsStoreFile, MayBeginWithAByteOrderMark)
     write("\xEF\xBB\xBF[General]\ntrashOrDelete=1\n");
     const LogLines log;
     EXPECT_EQ(SettingsStore(path()).reliableInteger(u"trashOrDelete"_s), 1);
-    EXPECT_EQ(LogLines::lines(), QStringList());
+    EXPECT_EQ(log.of(u"nurv.platform"_s), QStringList());
 }
 
 TEST_F(SettingsStoreFile, IsKeptBesideWhenItIsCorruptAndReplaced)
@@ -338,7 +319,7 @@ TEST_F(SettingsStoreFile, IsKeptBesideWhenItIsCorruptAndReplaced)
         SettingsStore store(file);
         store.registerDefaults(kDefaults);
         EXPECT_EQ(store.integer(u"maxThreads"_s), 2);
-        EXPECT_EQ(LogLines::lines().size(), 1) << corrupt.bytes.left(80).toStdString();
+        EXPECT_EQ(log.of(u"nurv.platform"_s).size(), 1) << corrupt.bytes.left(80).toStdString();
         EXPECT_EQ(folder.read(u"s.ini"_s), corrupt.bytes);
         store.setValue(u"maxThreads"_s, 8);
         ASSERT_TRUE(store.sync());
@@ -470,7 +451,7 @@ TEST_F(SettingsStoreFile, StaysInMemoryAndSaysSoWhenItCannotBeWritten)
     const LogLines log;
     EXPECT_FALSE(store.sync());
     EXPECT_FALSE(store.sync());
-    EXPECT_EQ(LogLines::lines().size(), 1);
+    EXPECT_EQ(log.of(u"nurv.platform"_s).size(), 1);
     EXPECT_EQ(store.integer(u"maxThreads"_s), 4);
     m_folder.remove(u"file"_s);
     EXPECT_TRUE(store.sync());
