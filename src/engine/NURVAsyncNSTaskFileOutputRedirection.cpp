@@ -6,6 +6,8 @@
 #include "engine/NURVTaskResults.h"
 #include "platform/TextFile.h"
 
+using namespace Qt::StringLiterals;
+
 namespace nurv {
 
 NURVAsyncNSTaskFileOutputRedirection::NURVAsyncNSTaskFileOutputRedirection(
@@ -36,8 +38,9 @@ void NURVAsyncNSTaskFileOutputRedirection::completeStop()
     const QString text = results() ? results()->results() : QString();
     setResults(nullptr);
     NURVAsyncNSTask::completeStop();
-    if (hasRun() && !writeTextFileAtomically(m_fileName, text))
-        qCWarning(engineLog).noquote() << "Unable to write" << m_fileName;
+    QString reason;
+    if (hasRun() && !writeTextFileAtomically(m_fileName, text, &reason))
+        qCWarning(engineLog).noquote() << u"Unable to write %1: %2"_s.arg(m_fileName, reason);
 }
 
 } // namespace nurv

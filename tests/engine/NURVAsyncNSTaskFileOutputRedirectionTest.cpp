@@ -3,6 +3,7 @@
 #include "engine/NURVAsyncNSTaskFileOutputRedirection.h"
 
 #include "engine/TestTasks.h"
+#include "support/LogLines.h"
 #include "support/TestFolder.h"
 #include "support/WaitUntil.h"
 
@@ -84,13 +85,16 @@ TEST_F(NURVAsyncNSTaskFileOutputRedirectionTest, WritesWhatAFailedToolWrote)
     EXPECT_EQ(outputWindows, 0);
 }
 
-TEST_F(NURVAsyncNSTaskFileOutputRedirectionTest, IgnoresAFileThatCannotBeWritten)
+TEST_F(NURVAsyncNSTaskFileOutputRedirectionTest, OnlyLogsThatAFileCannotBeWrittenAndWhy)
 {
+    const test::LogLines log;
     const auto task = std::make_shared<NURVAsyncNSTaskFileOutputRedirection>(
         folder.path(u"missing/out.txt"_s), &queue, test::fakeToolPath(), QStringList{u"out=x"_s});
     runToEnd(task);
     EXPECT_EQ(task->topTextField().text, u"Complete");
     EXPECT_TRUE(folder.list().isEmpty());
+    EXPECT_EQ(log.of(u"nurv.engine"_s),
+              QStringList{u"Unable to write %1: No such file or directory"_s.arg(folder.path(u"missing/out.txt"_s))});
 }
 
 TEST_F(NURVAsyncNSTaskFileOutputRedirectionTest, WritesNoFileWhenCancelledWhileWaiting)
