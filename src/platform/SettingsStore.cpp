@@ -7,7 +7,6 @@
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QFileInfo>
 #include <QStandardPaths>
 #include <QTimer>
 
@@ -228,12 +227,6 @@ void SettingsStore::setPersistence(Persistence persistence)
         m_persistence = persistence;
     }
     writePending();
-}
-
-SettingsStore::Persistence SettingsStore::persistence() const
-{
-    const std::lock_guard lock(m_mutex);
-    return m_persistence;
 }
 
 bool SettingsStore::sync()

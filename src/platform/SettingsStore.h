@@ -79,7 +79,6 @@ public:
     /// Choosing `MemoryOnly` writes what was stored before; choosing `File` again
     /// leaves what was stored in memory out of the file.
     void setPersistence(Persistence persistence);
-    [[nodiscard]] Persistence persistence() const;
 
     /// Writes what is not written yet. Returns false, with a line in the log, when
     /// that is not possible; it is tried again with the next value stored.

@@ -29,9 +29,4 @@ QString Utf8ChunkDecoder::decode(const QByteArray &chunk)
     return text.value_or(QString());
 }
 
-QString Utf8ChunkDecoder::finish()
-{
-    return fromStrictUtf8(std::exchange(m_held, {})).value_or(QString());
-}
-
 } // namespace nurv

@@ -18,11 +18,6 @@ public:
     /// no UTF-8 gives no text at all; so do held bytes that it does not continue.
     [[nodiscard]] QString decode(const QByteArray &chunk);
 
-    /// The text of what is still held at the end of the stream. Held bytes are the
-    /// start of a sequence that never ended, so this text is empty; the decoder is
-    /// ready for another stream afterwards.
-    QString finish();
-
 private:
     QByteArray m_held;
 };

@@ -2,8 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/WorkerThreads.h"
 
+#include "platform/PlatformLog.h"
+
 #include <condition_variable>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -50,6 +53,16 @@ void start(std::function<void()> work)
         const std::scoped_lock lock(registry().lock);
         --registry().running;
         throw;
+    }
+}
+
+void startOrRun(const std::function<void()> &work)
+{
+    try {
+        start(work);
+    } catch (const std::system_error &error) {
+        qCWarning(platformLog, "no thread to work on: %s", error.what());
+        work();
     }
 }
 

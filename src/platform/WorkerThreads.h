@@ -11,6 +11,10 @@ namespace nurv::workerThreads {
 /// std::system_error when the system gives no thread.
 void start(std::function<void()> work);
 
+/// The same, but on this thread when the system gives no other: for work that
+/// must be done, and a caller that cannot fail.
+void startOrRun(const std::function<void()> &work);
+
 /// Waits until every started thread has ended, at most `limit`.
 /// Returns whether all have.
 [[nodiscard]] bool waitForAll(std::chrono::milliseconds limit);

@@ -125,7 +125,7 @@ void AboutPage::checkPrograms()
     m_isChecking = true;
     m_missing = 0;
     m_summary->setText(tr("Looking for the external programs…"));
-    workerThreads::start([page = QPointer<AboutPage>(this)] {
+    workerThreads::startOrRun([page = QPointer<AboutPage>(this)] {
         const std::vector<ExternalProgram> &programs = externalPrograms();
         for (std::size_t row = 0; row < programs.size(); ++row) {
             const ProgramStatus status = checkProgram(programs[row]);

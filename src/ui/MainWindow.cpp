@@ -18,7 +18,6 @@
 #include "ui/OutputWindow.h"
 #include "ui/StatusWindow.h"
 
-#include <QApplication>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QMenuBar>
@@ -218,11 +217,6 @@ void MainWindow::addFolder()
         page->addPaths({*folder});
 }
 
-void MainWindow::openPaths(const QStringList &paths)
-{
-    openFiles({.paths = paths, .refused = {}});
-}
-
 void MainWindow::openFiles(const GivenFiles &files)
 {
     if (files.isEmpty() || m_isClosing)
@@ -231,7 +225,7 @@ void MainWindow::openFiles(const GivenFiles &files)
     const QPointer<TabPage> page = m_pages.value(label);
     if (page)
         page->beginAddingFiles();
-    workerThreads::start([&controller = m_controller, window = QPointer<MainWindow>(this), page, label, files] {
+    workerThreads::startOrRun([&controller = m_controller, window = QPointer<MainWindow>(this), page, label, files] {
         FileIntake found = controller.collect(label, files.paths);
         found.unreadableNames = files.refused + found.unreadableNames;
         postToGuiThread([&controller, window, page, label, found = std::move(found)] {

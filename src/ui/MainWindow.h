@@ -40,10 +40,8 @@ public:
     /// The output windows that are open, in the order in which they opened.
     [[nodiscard]] QList<OutputWindow *> outputWindows() const;
 
-    /// Files that arrive with the application. Looks into folders on another
-    /// thread and returns at once.
-    void openPaths(const QStringList &paths);
-    /// The same, and tells which names were refused already.
+    /// Files that arrive with the application, and the names that were refused
+    /// already. Looks into folders on another thread and returns at once.
     void openFiles(const GivenFiles &files);
     /// Shows the window in front of others.
     void bringToFront();

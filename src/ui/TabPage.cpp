@@ -177,7 +177,7 @@ void TabPage::addFiles(const GivenFiles &files)
     beginAddingFiles();
     // The tab outlives the worker, which gives up when the application quits; the
     // page may be gone by then.
-    workerThreads::start([&tab = m_tab, page = QPointer<TabPage>(this), files] {
+    workerThreads::startOrRun([&tab = m_tab, page = QPointer<TabPage>(this), files] {
         FileIntake intake = tab.collect(files.paths);
         intake.unreadableNames = files.refused + intake.unreadableNames;
         postToGuiThread([page, intake = std::move(intake)] {

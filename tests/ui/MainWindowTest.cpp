@@ -8,6 +8,7 @@
 #include "support/WaitUntil.h"
 #include "ui/AboutPage.h"
 #include "ui/FileListView.h"
+#include "ui/GivenFiles.h"
 #include "ui/JobInState.h"
 #include "ui/OutputWindow.h"
 #include "ui/StatusWindow.h"
@@ -407,7 +408,7 @@ TEST_F(MainWindowTest, AsksNothingAndHidesEveryWindowWhenItHasToGo)
     EXPECT_TRUE(quit.isEmpty());
     controller.taskQueue().showOutputWindow(u"late\n"_s, u"Two"_s);
     EXPECT_EQ(window.outputWindows().size(), 1);
-    window.openPaths({folder.write(u"late.flac"_s, "x")});
+    window.openFiles({.paths = {folder.write(u"late.flac"_s, "x")}, .refused = {}});
     EXPECT_FALSE(window.page(u"decode"_s)->isAddingFiles());
     job->finish();
 }
