@@ -3,7 +3,7 @@
 #include "app/ApplicationShutdown.h"
 
 #include "app/AppLog.h"
-#include "engine/NURVTaskQueue.h"
+#include "app/NURVController.h"
 #include "platform/ChildProcess.h"
 #include "platform/GuiThread.h"
 #include "platform/WorkerThreads.h"
@@ -39,10 +39,9 @@ void reapChildren()
 
 } // namespace
 
-bool shutDown(NURVTaskQueue &queue)
+bool shutDown(NURVController &controller)
 {
-    queue.killAllTasks();
-    queue.allowSleep();
+    controller.applicationWillTerminate();
     children::terminateAll(kTerminateGrace, true);
     guiThreadGate::close();
     reapChildren();

@@ -4,11 +4,11 @@
 
 namespace nurv {
 
-class NURVTaskQueue;
+class NURVController;
 
 /// The end of the application, after the user has agreed to it:
 ///
-///     cancel every job ──> end the children ──> close the GUI-thread gate ──> wait for the workers
+///     cancel searches and jobs ──> end the children ──> close the GUI-thread gate ──> wait for the workers
 ///
 /// Children get SIGTERM, and SIGKILL 500 ms later; no further one starts. Workers
 /// that wait for the GUI thread are woken and have 5 seconds to end. No child is
@@ -17,6 +17,6 @@ class NURVTaskQueue;
 ///
 /// GUI thread; blocks for at most about 7 seconds, usually for some milliseconds.
 /// Returns whether everything has ended; what has not is in the log.
-bool shutDown(NURVTaskQueue &queue);
+bool shutDown(NURVController &controller);
 
 } // namespace nurv

@@ -8,6 +8,7 @@
 #include "engine/NURVTaskQueue.h"
 #include "platform/CoreAudioHelper.h"
 #include "platform/SettingsStore.h"
+#include "platform/Version.h"
 
 #include <utility>
 
@@ -254,13 +255,12 @@ void NURVController::applicationWillTerminate()
 
 QString NURVController::titleText()
 {
-    return u"Nurv Audio Workbench "_s + QStringLiteral(NURV_VERSION);
+    return u"Nurv Audio Workbench "_s + shortVersionString();
 }
 
 QString NURVController::buildText()
 {
-    // A release is built once, so its build is its version.
-    return u"(Build "_s + QStringLiteral(NURV_VERSION) + u')';
+    return u"(Build "_s + buildVersion() + u')';
 }
 
 } // namespace nurv

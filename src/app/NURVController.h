@@ -94,7 +94,8 @@ public:
     [[nodiscard]] bool applicationShouldTerminate();
     /// Asks whether to quit. True: the main window may close.
     [[nodiscard]] bool windowShouldClose();
-    /// Cancels every job, ends the searches of folders and lets the machine sleep. `shutDown` goes on from here.
+    /// Cancels every job, ends the searches of folders and lets the machine sleep.
+    /// The first step of `shutDown`.
     void applicationWillTerminate();
 
     /// "Nurv Audio Workbench <version>" and "(Build <build>)" for the about page.

@@ -5,13 +5,13 @@
 #include "app/BaseTab.h"
 #include "cli/Console.h"
 #include "cli/ConsolePrompts.h"
-#include "cli/InterruptWatcher.h"
 #include "cli/RowDisplay.h"
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskQueue.h"
 #include "engine/NURVTaskResults.h"
 #include "platform/ChildProcess.h"
 #include "platform/GuiThread.h"
+#include "platform/TerminationSignals.h"
 #include "platform/WorkerThreads.h"
 
 #include <QCoreApplication>
@@ -57,10 +57,10 @@ BatchRun::~BatchRun() = default;
 
 ExitStatus BatchRun::run(BaseTab &tab)
 {
-    InterruptWatcher watcher;
-    connect(&watcher, &InterruptWatcher::interrupted, this, &BatchRun::interrupted);
-    connect(&watcher, &InterruptWatcher::terminated, this, &BatchRun::terminated);
-    m_prompts.setInterruptDescriptor(watcher.descriptor());
+    const TerminationSignals signalsToEnd;
+    connect(&signalsToEnd, &TerminationSignals::interrupted, this, &BatchRun::interrupted);
+    connect(&signalsToEnd, &TerminationSignals::terminated, this, &BatchRun::terminated);
+    m_prompts.setInterruptDescriptor(signalsToEnd.descriptor());
     std::optional<RowDisplay> rows;
     if (!m_options.quiet)
         rows.emplace(m_queue, m_console);
@@ -96,6 +96,7 @@ void BatchRun::waitForWorkers()
             deadline = std::chrono::steady_clock::now() + kCleanupLimit;
             guiThreadGate::close();
         } else if (std::chrono::steady_clock::now() > *deadline) {
+            m_console.writeNote(u"%1 job(s) have not ended in time"_s.arg(workerThreads::runningCount()));
             break;
         }
     }

@@ -19,7 +19,6 @@ namespace nurv {
 class BaseTab;
 class Console;
 class ConsolePrompts;
-class InterruptWatcher;
 class NURVTask;
 class NURVTaskQueue;
 class NURVTaskResults;

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/HelpText.h"
 
+#include "platform/Version.h"
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -50,7 +52,7 @@ QString commandHelp(const CommandSpec &command)
 
 QString versionText()
 {
-    return u"nurv (Nurv Audio Workbench) " NURV_VERSION "\n"_s;
+    return u"nurv (Nurv Audio Workbench) %1\n"_s.arg(shortVersionString());
 }
 
 } // namespace nurv

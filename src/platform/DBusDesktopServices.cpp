@@ -4,9 +4,6 @@
 
 #include <QDBusMessage>
 #include <QDBusReply>
-#include <QFileInfo>
-
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -33,16 +30,6 @@ QDBusMessage screenSaverCall(const QString &method)
 } // namespace
 
 DBusDesktopServices::DBusDesktopServices(const QDBusConnection &bus) : m_bus(bus) {}
-
-QDBusConnection DBusDesktopServices::sessionBus()
-{
-    // Without an address the library would start a bus of its own, where nobody
-    // listens, and wait for it.
-    const QString userBus = u"/run/user/%1/bus"_s.arg(::getuid());
-    if (qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS") && !QFileInfo::exists(userBus))
-        return QDBusConnection(u"no session bus"_s);
-    return QDBusConnection::sessionBus();
-}
 
 void DBusDesktopServices::setBadge(int count)
 {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "platform/DesktopServices.h"
+#include "platform/SessionBus.h"
 
 #include <QDBusConnection>
 #include <QDeadlineTimer>
@@ -29,7 +30,6 @@ public:
     void releaseSleepAssertion(std::uint32_t identifier) override;
 
 private:
-    static QDBusConnection sessionBus();
     void updateLauncherEntry(const QVariantMap &properties);
 
     QDBusConnection m_bus;

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/SessionBus.h"
 #include "ui/GivenFiles.h"
 
 #include <QDBusConnection>
@@ -24,7 +25,7 @@ public:
         Unknown, ///< there is no bus
     };
 
-    explicit RunningInstance(const QDBusConnection &bus = QDBusConnection::sessionBus(), QObject *parent = nullptr);
+    explicit RunningInstance(const QDBusConnection &bus = sessionBus(), QObject *parent = nullptr);
 
     /// Takes the name, unless another one has it.
     [[nodiscard]] Role claim();

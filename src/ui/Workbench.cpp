@@ -8,12 +8,13 @@
 #include "convert/EncodeTab.h"
 #include "platform/FileNames.h"
 #include "platform/SettingsStore.h"
+#include "platform/TerminationSignals.h"
+#include "platform/Version.h"
 #include "ui/ApplicationIcon.h"
 #include "ui/GivenFiles.h"
 #include "ui/LegibleStyle.h"
 #include "ui/MainWindow.h"
 #include "ui/RunningInstance.h"
-#include "ui/TerminationSignals.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -58,7 +59,7 @@ int Workbench::run(int &argc, char **argv)
     QApplication application(argc, argv);
     QApplication::setApplicationName(u"nurv-workbench"_s);
     QApplication::setApplicationDisplayName(u"Nurv Audio Workbench"_s);
-    QApplication::setApplicationVersion(QStringLiteral(NURV_VERSION));
+    QApplication::setApplicationVersion(shortVersionString());
     QApplication::setDesktopFileName(u"org.nurvaudio.Workbench"_s);
     QApplication::setWindowIcon(applicationIcon());
     QApplication::setQuitOnLastWindowClosed(false);
@@ -92,7 +93,8 @@ Workbench::Workbench()
     m_services.setWindow(m_window.get());
     connect(m_window.get(), &MainWindow::quitConfirmed, this, &Workbench::quit);
     auto *const signalsToEnd = new TerminationSignals(this);
-    connect(signalsToEnd, &TerminationSignals::received, this, &Workbench::quit);
+    connect(signalsToEnd, &TerminationSignals::interrupted, this, &Workbench::quit);
+    connect(signalsToEnd, &TerminationSignals::terminated, this, &Workbench::quit);
 }
 
 Workbench::~Workbench() = default;
@@ -102,8 +104,7 @@ void Workbench::quit()
     if (std::exchange(m_hasQuit, true))
         return;
     m_window->prepareToQuit();
-    m_controller->applicationWillTerminate();
-    if (!shutDown(m_controller->taskQueue())) {
+    if (!shutDown(*m_controller)) {
         // A worker that hangs in the file system still uses what an orderly end
         // would destroy.
         SettingsStore::instance().sync();

@@ -6,7 +6,6 @@
 #include "ui/WindowDesktopServices.h"
 
 #include <QObject>
-#include <QStringList>
 
 #include <memory>
 

@@ -89,7 +89,7 @@ bool hasNoChild()
 
 TEST_F(ApplicationShutdown, IsQuickWithNothingToDo)
 {
-    EXPECT_TRUE(shutDown(queue()));
+    EXPECT_TRUE(shutDown(application.controller));
 }
 
 TEST_F(ApplicationShutdown, EndsRunningProgramsAndReapsThem)
@@ -99,7 +99,7 @@ TEST_F(ApplicationShutdown, EndsRunningProgramsAndReapsThem)
     ASSERT_TRUE(waitForFile(u"one"_s) && waitForFile(u"two"_s));
     QElapsedTimer time;
     time.start();
-    EXPECT_TRUE(shutDown(queue()));
+    EXPECT_TRUE(shutDown(application.controller));
     EXPECT_LT(time.elapsed(), 5000);
     EXPECT_TRUE(hasNoChild());
     EXPECT_TRUE(one->cancelled());
@@ -120,7 +120,7 @@ TEST_F(ApplicationShutdown, EndsTwentyJobsInFlight)
         }));
     }
     ASSERT_TRUE(test::waitUntil([&] { return workers == 10 && children::runningCount() == 10; }));
-    EXPECT_TRUE(shutDown(queue()));
+    EXPECT_TRUE(shutDown(application.controller));
     EXPECT_EQ(children::runningCount(), 0);
     EXPECT_EQ(workerThreads::runningCount(), 0);
     EXPECT_TRUE(hasNoChild());
@@ -132,7 +132,7 @@ TEST_F(ApplicationShutdown, KillsAProgramThatWillNotEnd)
     ASSERT_TRUE(waitForFile(u"ready"_s));
     QElapsedTimer time;
     time.start();
-    EXPECT_TRUE(shutDown(queue()));
+    EXPECT_TRUE(shutDown(application.controller));
     EXPECT_GE(time.elapsed(), 500);
     EXPECT_LT(time.elapsed(), 5000);
     EXPECT_TRUE(hasNoChild());
@@ -150,7 +150,7 @@ TEST_F(ApplicationShutdown, StartsNoWaitingJobAndNoFurtherProgram)
     add(u"first"_s);
     add(u"second"_s);
     ASSERT_TRUE(waitForFile(u"first"_s));
-    EXPECT_TRUE(shutDown(single));
+    EXPECT_TRUE(shutDown(other.controller));
     EXPECT_FALSE(runChild({.launchPath = u"/bin/true"_s, .arguments = {}, .environment = {}, .workingDirectory = {}})
                      .exit.has_value());
     EXPECT_FALSE(folder.exists(u"second"_s));
@@ -173,7 +173,7 @@ TEST_F(ApplicationShutdown, WakesAWorkerThatWaitsForTheGuiThread)
     isWaiting.wait(false);
     QElapsedTimer time;
     time.start();
-    EXPECT_TRUE(shutDown(queue()));
+    EXPECT_TRUE(shutDown(application.controller));
     EXPECT_TRUE(hasEnded);
     EXPECT_LT(time.elapsed(), 3000);
     EXPECT_EQ(workerThreads::runningCount(), 0);
@@ -190,7 +190,7 @@ TEST_F(ApplicationShutdown, EndsTheProgramThatAWorkerWaitsFor)
         succeeded = result.exit && result.exit->succeeded();
     }));
     ASSERT_TRUE(waitForFile(u"ready"_s));
-    EXPECT_TRUE(shutDown(queue()));
+    EXPECT_TRUE(shutDown(application.controller));
     EXPECT_FALSE(succeeded);
     EXPECT_TRUE(hasNoChild());
 }
@@ -201,7 +201,7 @@ TEST_F(ApplicationShutdown, GivesUpOnAWorkerThatDoesNotEndInFiveSeconds)
     queue().addTask(std::make_shared<FunctionTask>(&queue(), [&](FunctionTask &) { mayEnd.wait(false); }));
     QElapsedTimer time;
     time.start();
-    EXPECT_FALSE(shutDown(queue()));
+    EXPECT_FALSE(shutDown(application.controller));
     EXPECT_GE(time.elapsed(), 5000);
     EXPECT_LT(time.elapsed(), 9000);
     mayEnd = true;
