@@ -13,14 +13,17 @@
 #include "cli/InputFiles.h"
 #include "cli/LogOutput.h"
 #include "cli/OutputFolder.h"
+#include "engine/NURVTaskQueue.h"
 #include "platform/FileNames.h"
 #include "platform/NotificationCenter.h"
 #include "platform/NullDesktopServices.h"
 #include "platform/SettingsStore.h"
+#include "platform/WorkerThreads.h"
 
 #include <QCoreApplication>
 
 #include <array>
+#include <cstdlib>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -32,8 +35,6 @@ using namespace Qt::StringLiterals;
 namespace nurv {
 
 namespace {
-
-constexpr int kMaximumJobs = 256;
 
 const EncodeCommand kEncode;
 const DecodeCommand kDecode;
@@ -169,8 +170,9 @@ ExitStatus CliApplication::runBatch(const BatchCommand &command, const ParsedArg
         throw UsageError(u"no files are given"_s);
     checkQuestions(arguments);
     ConsolePrompts prompts(m_console, answersOf(arguments));
+    std::optional<int> jobs;
     if (arguments.has(u"jobs"_s))
-        static_cast<void>(arguments.number(u"jobs"_s, 1, kMaximumJobs));
+        jobs = arguments.number(u"jobs"_s, 1, NURVTaskQueue::kMostThreads);
 
     const LogOutput log(m_console);
     const QCoreApplication application(m_argc, m_argv);
@@ -179,10 +181,8 @@ ExitStatus CliApplication::runBatch(const BatchCommand &command, const ParsedArg
     SettingsStore::instance().setPersistence(SettingsStore::Persistence::MemoryOnly);
     NullDesktopServices services;
     NURVController controller(prompts, services);
-    if (arguments.has(u"jobs"_s)) {
-        NotificationCenter::instance().post(QString::fromUtf16(NURVMaxThreadsChangedNotification),
-                                            arguments.value(u"jobs"_s).toInt());
-    }
+    if (jobs)
+        NotificationCenter::instance().post(QString::fromUtf16(NURVMaxThreadsChangedNotification), *jobs);
     const std::unique_ptr<BaseTab> tab = command.makeTab(controller, arguments);
 
     const FileTest isValid = [&](const QString &path) {
@@ -228,6 +228,10 @@ ExitStatus CliApplication::runBatch(const BatchCommand &command, const ParsedArg
     if (status == ExitStatus::Ok && !input.refusals.isEmpty())
         status = ExitStatus::Failed;
     batch.printBatchObject(status, input.refusals, input.skipped);
+    // A worker that hangs in the file system still uses what an orderly end would
+    // destroy. Everything is written already: the console keeps nothing back.
+    if (workerThreads::runningCount() > 0)
+        std::_Exit(static_cast<int>(status));
     return status;
 }
 

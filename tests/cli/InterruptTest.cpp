@@ -5,9 +5,12 @@
 #include "support/ToolFolder.h"
 #include "support/WaitUntil.h"
 
+#include <QFile>
+
 #include <gtest/gtest.h>
 
 #include <signal.h>
+#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 using namespace nurv::test;
@@ -117,4 +120,21 @@ TEST_F(Interrupt, TheBatchObjectTellsWhatWasCanceled)
     ASSERT_EQ(objects.size(), 4);
     EXPECT_EQ(objects.last()[u"canceled"_s], 3);
     EXPECT_EQ(objects.last()[u"exitStatus"_s], 130);
+}
+
+TEST_F(Interrupt, AJobThatHangsInTheFileSystemIsNotWaitedForLong)
+{
+    tools.addFake(u"shorten"_s, "exit=0");
+    tools.addFake(u"shntool"_s, "create=" + folder.path(u"started"_s).toUtf8()
+                                    + ";wait-file=" + folder.path(u"go"_s).toUtf8());
+    RunningNurv nurv({u"encode"_s, u"--format=shn"_s, u"--md5"_s, u"--beside-source"_s, folder.path(u"a.wav"_s)});
+    ASSERT_TRUE(waitForStart());
+    // Whoever reads the output for its digest waits for a writer that never comes.
+    ASSERT_EQ(::mkfifo(QFile::encodeName(folder.path(u"a.shn"_s)).constData(), 0600), 0);
+    folder.write(u"go"_s, "");
+    ASSERT_TRUE(nurv.waitForError("a.wav: Complete\n"));
+    nurv.sendSignal(SIGTERM);
+    const ProgramResult result = nurv.finish();
+    EXPECT_EQ(result.exitStatus, 130);
+    EXPECT_TRUE(result.errors.contains("nurv: 1 job(s) have not ended in time\n")) << result.errors.constData();
 }
