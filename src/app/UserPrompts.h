@@ -14,7 +14,12 @@ struct Alert {
     QString title;
     QString message;
     QStringList buttons; ///< the first one is the default
+    bool asksToOverwrite = false;
 };
+
+/// The button that changes nothing: "No" or "Cancel" when there is one, else the
+/// last. Empty without buttons.
+[[nodiscard]] QString dismissingButton(const Alert &alert);
 
 struct FileChooser {
     QString title;
@@ -28,8 +33,8 @@ class UserPrompts {
 public:
     virtual ~UserPrompts() = default;
 
-    /// Returns the chosen button's text. Dismissing the alert chooses the
-    /// button that changes nothing: "No" or "Cancel" when there is one, else the last.
+    /// Returns the chosen button's text. Dismissing the alert chooses its
+    /// `dismissingButton`.
     virtual QString ask(const Alert &alert) = 0;
     /// Returns the chosen files; empty when cancelled.
     virtual QStringList chooseFiles(const FileChooser &chooser) = 0;

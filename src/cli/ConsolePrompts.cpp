@@ -18,19 +18,6 @@ namespace nurv {
 
 namespace {
 
-/// The beginning of the question that the option --overwrite answers.
-constexpr QStringView kClashQuestion = u"One of the output files already exists";
-
-/// The button that changes nothing.
-QString safeButton(const Alert &alert)
-{
-    for (const QString &button : {u"No"_s, u"Cancel"_s}) {
-        if (alert.buttons.contains(button))
-            return button;
-    }
-    return alert.buttons.isEmpty() ? QString() : alert.buttons.last();
-}
-
 QString textOf(const Alert &alert)
 {
     if (alert.message.isEmpty())
@@ -47,7 +34,7 @@ std::optional<QString> buttonFor(const Alert &alert, const QString &line)
 {
     const QString typed = line.trimmed();
     if (typed.isEmpty())
-        return safeButton(alert);
+        return dismissingButton(alert);
     for (const QString &button : alert.buttons) {
         if (button.startsWith(typed, Qt::CaseInsensitive))
             return button;
@@ -66,10 +53,9 @@ QString ConsolePrompts::ask(const Alert &alert)
 {
     if (alert.buttons.size() < 2) {
         m_console.writeNote(textOf(alert));
-        return safeButton(alert);
+        return dismissingButton(alert);
     }
-    const bool isClash = alert.title.startsWith(kClashQuestion);
-    if (isClash && m_answers.overwrite)
+    if (alert.asksToOverwrite && m_answers.overwrite)
         return answered(alert, u"Yes"_s);
     if (m_answers.answerAll)
         return answered(alert, *m_answers.answerAll ? u"Yes"_s : u"No"_s);
@@ -78,15 +64,15 @@ QString ConsolePrompts::ask(const Alert &alert)
 
     m_outcome = Outcome::Unanswered;
     m_console.writeNote(u"%1 Answered \"%2\", since there is no terminal to ask on; %3 answers \"Yes\"."_s.arg(
-        textOf(alert), safeButton(alert), isClash ? u"--overwrite"_s : u"--yes"_s));
-    return safeButton(alert);
+        textOf(alert), dismissingButton(alert), alert.asksToOverwrite ? u"--overwrite"_s : u"--yes"_s));
+    return dismissingButton(alert);
 }
 
 /// Notes what the answer means and gives it in the words of the alert.
 QString ConsolePrompts::answered(const Alert &alert, const QString &button)
 {
-    const QString chosen = alert.buttons.contains(button) ? button : safeButton(alert);
-    if (chosen == safeButton(alert)) {
+    const QString chosen = alert.buttons.contains(button) ? button : dismissingButton(alert);
+    if (chosen == dismissingButton(alert)) {
         m_outcome = Outcome::Declined;
         m_console.writeNote(u"%1 Answered \"%2\"."_s.arg(textOf(alert), chosen));
     }
@@ -95,7 +81,7 @@ QString ConsolePrompts::answered(const Alert &alert, const QString &button)
 
 QString ConsolePrompts::askOnTerminal(const Alert &alert)
 {
-    const QString safe = safeButton(alert);
+    const QString safe = dismissingButton(alert);
     while (true) {
         m_console.writeQuestion(u"%1 [%2, default %3] "_s.arg(textOf(alert), alert.buttons.join(u'/'), safe));
         const std::optional<QString> line = readLine();

@@ -120,7 +120,8 @@ bool EncodeTab::chooseOutput(Batch &batch)
     const Alert question{.title = u"One of the output files already exists and will be overwritten.  "
                                   "Are you sure you want to continue?"_s,
                          .message = {},
-                         .buttons = {u"No"_s, u"Yes"_s}};
+                         .buttons = {u"No"_s, u"Yes"_s},
+                         .asksToOverwrite = true};
     batch.overwrite = nurvController().prompts().ask(question) == u"Yes";
     return batch.overwrite;
 }

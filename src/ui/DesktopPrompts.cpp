@@ -14,16 +14,6 @@ namespace nurv {
 
 namespace {
 
-/// The button that changes nothing.
-qsizetype dismissingButton(const QStringList &buttons)
-{
-    for (const QString &text : {u"No"_s, u"Cancel"_s}) {
-        if (const qsizetype index = buttons.indexOf(text); index >= 0)
-            return index;
-    }
-    return buttons.size() - 1;
-}
-
 QStringList localPaths(const QFileDialog &dialog)
 {
     QStringList paths;
@@ -63,7 +53,7 @@ QString DesktopPrompts::ask(const Alert &alert)
     box.setInformativeText(alert.message);
     const bool isQuestion = alert.buttons.size() > 1;
     box.setIcon(isQuestion ? QMessageBox::Question : QMessageBox::Information);
-    const qsizetype dismissing = dismissingButton(alert.buttons);
+    const qsizetype dismissing = alert.buttons.indexOf(dismissingButton(alert));
     QList<QPushButton *> buttons;
     for (qsizetype index = 0; index < alert.buttons.size(); ++index) {
         const auto role = isQuestion && index == dismissing ? QMessageBox::RejectRole : QMessageBox::AcceptRole;

@@ -33,15 +33,6 @@ QString worded(const QString &suggestedName, const std::optional<QString> &title
     return u"save panel "_s + (title ? quoted(*title) : u"without a title"_s) + u", name "_s + quoted(suggestedName);
 }
 
-QString harmlessButton(const Alert &alert)
-{
-    for (const QString &button : {u"No"_s, u"Cancel"_s}) {
-        if (alert.buttons.contains(button))
-            return button;
-    }
-    return alert.buttons.isEmpty() ? QString() : alert.buttons.last();
-}
-
 } // namespace
 
 ScriptedPrompts::~ScriptedPrompts()
@@ -106,7 +97,7 @@ QString ScriptedPrompts::ask(const Alert &alert)
 {
     m_shownAlerts.append(alert);
     const std::optional<Answer> answer = answerTo(worded(alert));
-    return answer ? std::get<QString>(*answer) : harmlessButton(alert);
+    return answer ? std::get<QString>(*answer) : dismissingButton(alert);
 }
 
 QStringList ScriptedPrompts::chooseFiles(const FileChooser &chooser)

@@ -48,6 +48,14 @@ TEST(Questions, AnOutputThatExistsStaysUnlessOverwritingIsAskedFor)
     EXPECT_TRUE(unanswered.errors.contains(kClashQuestion + " Answered \"No\"")) << unanswered.errors.constData();
     EXPECT_TRUE(unanswered.errors.contains("--overwrite answers \"Yes\""));
 
+    // The option answers no other question.
+    const QString other = writeWav(folder.path(u"b.wav"_s), {.seconds = 0.1});
+    const ProgramResult deleting =
+        runNurv({u"encode"_s, u"--beside-source"_s, u"--overwrite"_s, u"--delete-originals"_s, other});
+    EXPECT_EQ(deleting.exitStatus, 2);
+    EXPECT_TRUE(deleting.errors.contains(kDeleteQuestion + " Answered \"No\"")) << deleting.errors.constData();
+    EXPECT_TRUE(folder.exists(u"b.wav"_s));
+
     const ProgramResult declined = runNurv({u"encode"_s, u"--beside-source"_s, u"--no"_s, wav});
     EXPECT_EQ(declined.exitStatus, 1);
     EXPECT_EQ(declined.errors, "nurv: " + kClashQuestion + " Answered \"No\".\n");
