@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/TextFile.h"
+#include "platform/DecodeText.h"
 
 #include "platform/Utf8Text.h"
 
@@ -8,6 +8,7 @@
 #include <array>
 #include <cstring>
 #include <memory>
+#include <optional>
 
 #include <unicode/ucnv.h>
 #include <unicode/ucsdet.h>

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/FileNameCollator.h"
 
+#include "platform/IcuText.h"
 #include "platform/PlatformLog.h"
 
 #include <algorithm>
@@ -10,6 +11,7 @@
 #include <cstring>
 #include <memory>
 #include <numeric>
+#include <utility>
 #include <vector>
 
 #include <unicode/coll.h>
@@ -59,12 +61,6 @@ const icu::Collator *collator()
     return shared.get();
 }
 
-icu::UnicodeString readOnlyAlias(const QString &text)
-{
-    return icu::UnicodeString(false, reinterpret_cast<const UChar *>(text.utf16()),
-                              static_cast<int32_t>(text.size()));
-}
-
 // The sort keys of a list, one behind the other.
 class SortKeys {
 public:
@@ -74,7 +70,7 @@ public:
         std::array<std::uint8_t, 512> shortKey;
         for (const QString &text : texts) {
             m_starts.push_back(m_bytes.size());
-            const icu::UnicodeString alias = readOnlyAlias(text);
+            const icu::UnicodeString alias = icuAliasOf(text);
             const auto length = static_cast<size_t>(
                 rules.getSortKey(alias, shortKey.data(), static_cast<int32_t>(shortKey.size())));
             if (length <= shortKey.size()) {
@@ -110,7 +106,7 @@ int FileNameCollator::compare(const QString &left, const QString &right)
     if (const icu::Collator *rules = collator()) {
         UErrorCode status = U_ZERO_ERROR;
         const UCollationResult result =
-            rules->compare(readOnlyAlias(left), readOnlyAlias(right), status);
+            rules->compare(icuAliasOf(left), icuAliasOf(right), status);
         if (U_SUCCESS(status) && result != UCOL_EQUAL)
             return result == UCOL_LESS ? -1 : 1;
     }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/RegularExpression.h"
 
+#include "platform/IcuText.h"
 #include "platform/PlatformLog.h"
 
 #include <limits>
@@ -17,12 +18,6 @@ namespace {
 // In ICU's unit, which is about a millisecond of matching.
 constexpr int32_t kTimeLimit = 1000;
 
-// An alias of the text: nothing is copied, and the text must outlive it.
-icu::UnicodeString aliasOf(QStringView text)
-{
-    return icu::UnicodeString(false, text.utf16(), static_cast<int32_t>(text.size()));
-}
-
 QString toQString(const icu::UnicodeString &text)
 {
     return QString(reinterpret_cast<const QChar *>(text.getBuffer()), text.length());
@@ -31,7 +26,7 @@ QString toQString(const icu::UnicodeString &text)
 // One search over one text.
 class Search {
 public:
-    Search(const icu::RegexPattern &pattern, QStringView text) : m_input(aliasOf(text))
+    Search(const icu::RegexPattern &pattern, QStringView text) : m_input(icuAliasOf(text))
     {
         if (text.size() > std::numeric_limits<int32_t>::max()) {
             m_status = U_INDEX_OUTOFBOUNDS_ERROR;
@@ -62,7 +57,7 @@ public:
     {
         if (U_FAILURE(m_status))
             return text.toString();
-        const icu::UnicodeString result = m_matcher->replaceAll(aliasOf(replacement), m_status);
+        const icu::UnicodeString result = m_matcher->replaceAll(icuAliasOf(replacement), m_status);
         return U_SUCCESS(m_status) ? toQString(result) : text.toString();
     }
 
@@ -122,7 +117,7 @@ RegularExpression::RegularExpression(const QString &pattern, unsigned options)
     UErrorCode status = U_ZERO_ERROR;
     UParseError where = {};
     std::unique_ptr<icu::RegexPattern> compiled(
-        icu::RegexPattern::compile(aliasOf(pattern), flags, where, status));
+        icu::RegexPattern::compile(icuAliasOf(pattern), flags, where, status));
     if (U_FAILURE(status)) {
         m_errorText = u"%1 at line %2, character %3"_s.arg(QString::fromLatin1(u_errorName(status)))
                           .arg(where.line)

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/TextFile.h"
 
+#include "platform/DecodeText.h"
 #include "platform/FileDescriptor.h"
 #include "platform/SystemError.h"
 #include "platform/WriteAll.h"

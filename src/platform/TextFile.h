@@ -9,11 +9,6 @@
 
 namespace nurv {
 
-/// The text of `bytes`, which came from a file in an unknown encoding: by its
-/// byte-order mark, else as UTF-8 when every byte fits, else in the encoding that
-/// the detector is sure of, else as Windows-1252. The mark itself is dropped.
-[[nodiscard]] QString decodeText(const QByteArray &bytes);
-
 /// The whole text of a regular file, decoded by `decodeText`; nothing when it
 /// cannot be read, is no regular file, or is larger than 64 MiB (no text file
 /// that the system reads comes near that). `reason`, when given, receives why.

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/DBusDesktopServices.h"
 #include "platform/NullDesktopServices.h"
+#include "platform/SessionBus.h"
 
 #include "support/TestFolder.h"
 #include "support/WaitUntil.h"
@@ -11,9 +12,12 @@
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QElapsedTimer>
+#include <QFileInfo>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QStandardPaths>
+
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using namespace nurv;
@@ -202,6 +206,20 @@ TEST(DesktopServices, DoNothingWithoutABus)
     EXPECT_EQ(desktop.createSleepAssertion(u"x"_s), std::nullopt);
     desktop.releaseSleepAssertion(1);
     EXPECT_LT(timer.elapsed(), 1000);
+}
+
+TEST(SessionBus, IsNotEvenLookedForWithoutAnAddress)
+{
+    if (QFileInfo::exists(u"/run/user/%1/bus"_s.arg(::getuid())))
+        GTEST_SKIP() << "the user has a bus that needs no address";
+    const QByteArray former = qgetenv("DBUS_SESSION_BUS_ADDRESS");
+    qunsetenv("DBUS_SESSION_BUS_ADDRESS");
+    const QDBusConnection bus = sessionBus();
+    if (!former.isNull())
+        qputenv("DBUS_SESSION_BUS_ADDRESS", former);
+    EXPECT_FALSE(bus.isConnected());
+    // One that was looked for has a name, connected or not.
+    EXPECT_EQ(bus.name(), QString());
 }
 
 TEST(DesktopServices, OfTheCommandLinePromiseNothing)
