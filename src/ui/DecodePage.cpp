@@ -5,34 +5,21 @@
 #include "convert/DecodeTab.h"
 #include "ui/Bindings.h"
 #include "ui/OptionWidgets.h"
-#include "ui/RadioMatrix.h"
 
-#include <QCheckBox>
 #include <QGroupBox>
-#include <QLabel>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
 
 namespace nurv {
 
-DecodePage::DecodePage(DecodeTab &tab, QWidget *parent) : TabPage(tab, parent), m_decodeTab(tab)
+DecodePage::DecodePage(DecodeTab &tab, QWidget *parent) : ConversionPage(tab, parent), m_decodeTab(tab)
 {
     setObjectName(u"decodePage"_s);
-    addFormats();
-    addOutputOptions();
+    addFormats(tab.outputFormatMatrix, {tr("&WAV"), tr("A&IFF")});
+    addOutputOptions(tab.sourceDecodeButton, u"sourceDecodeButton"_s, tab.deleteOriginalsButton);
     addFlacOptions();
     finishOptions();
-}
-
-void DecodePage::addFormats()
-{
-    QVBoxLayout *const group = addOptionGroup(tr("Output format"), u"formatGroup"_s);
-    auto *const formats = new RadioMatrix(lastOptionGroup());
-    formats->setObjectName(u"outputFormatMatrix"_s);
-    formats->setAccessibleName(tr("Output format"));
-    group->addWidget(formats);
-    bind(formats, m_decodeTab.outputFormatMatrix, {tr("&WAV"), tr("A&IFF")});
 }
 
 void DecodePage::addFlacOptions()
@@ -48,17 +35,6 @@ void DecodePage::addFlacOptions()
     addCheckBox(group, m_decodeTab.flacKeepForeignMetadataButton, tr("&Keep foreign metadata"),
                 u"flacKeepForeignMetadataButton"_s,
                 tr("Writes back the other chunks that the original WAV or AIFF file had"), box);
-}
-
-void DecodePage::addOutputOptions()
-{
-    QVBoxLayout *const group = addOptionGroup(tr("Files"), u"filesGroup"_s);
-    QWidget *const parent = lastOptionGroup();
-    addCheckBox(group, m_decodeTab.sourceDecodeButton, tr("Save &beside each source file"), u"sourceDecodeButton"_s,
-                tr("Otherwise one output folder is asked for"), parent);
-    addCheckBox(group, m_decodeTab.deleteOriginalsButton, tr("Delete &originals afterwards"),
-                u"deleteOriginalsButton"_s,
-                tr("Removes each source file once its output has been made without an error"), parent);
 }
 
 } // namespace nurv

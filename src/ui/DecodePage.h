@@ -2,14 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "ui/TabPage.h"
+#include "ui/ConversionPage.h"
 
 namespace nurv {
 
 class DecodeTab;
 
 /// The options of the decode tab.
-class DecodePage final : public TabPage {
+class DecodePage final : public ConversionPage {
     Q_OBJECT
 
 public:
@@ -17,9 +17,7 @@ public:
     explicit DecodePage(DecodeTab &tab, QWidget *parent = nullptr);
 
 private:
-    void addFormats();
     void addFlacOptions();
-    void addOutputOptions();
 
     DecodeTab &m_decodeTab;
 };

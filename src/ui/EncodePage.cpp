@@ -3,11 +3,8 @@
 #include "ui/EncodePage.h"
 
 #include "convert/EncodeTab.h"
-#include "ui/Bindings.h"
 #include "ui/OptionWidgets.h"
-#include "ui/RadioMatrix.h"
 
-#include <QCheckBox>
 #include <QGroupBox>
 #include <QVBoxLayout>
 
@@ -15,25 +12,15 @@ using namespace Qt::StringLiterals;
 
 namespace nurv {
 
-EncodePage::EncodePage(EncodeTab &tab, QWidget *parent) : TabPage(tab, parent), m_encodeTab(tab)
+EncodePage::EncodePage(EncodeTab &tab, QWidget *parent) : ConversionPage(tab, parent), m_encodeTab(tab)
 {
     setObjectName(u"encodePage"_s);
-    addFormats();
+    addFormats(tab.outputFormatMatrix, {tr("&Shorten"), tr("&WavPack"), tr("F&LAC"), tr("&TTA"), tr("&Monkey's Audio"),
+                                        tr("A&pple Lossless")});
     addFlacOptions();
     addOtherOptions();
-    addOutputOptions();
+    addOutputOptions(tab.sourceEncodeButton, u"sourceEncodeButton"_s, tab.deleteOriginalsButton);
     finishOptions();
-}
-
-void EncodePage::addFormats()
-{
-    QVBoxLayout *const group = addOptionGroup(tr("Output format"), u"formatGroup"_s);
-    auto *const formats = new RadioMatrix(lastOptionGroup());
-    formats->setObjectName(u"outputFormatMatrix"_s);
-    formats->setAccessibleName(tr("Output format"));
-    group->addWidget(formats);
-    bind(formats, m_encodeTab.outputFormatMatrix,
-         {tr("&Shorten"), tr("&WavPack"), tr("F&LAC"), tr("&TTA"), tr("&Monkey's Audio"), tr("A&pple Lossless")});
 }
 
 void EncodePage::addFlacOptions()
@@ -62,17 +49,6 @@ void EncodePage::addOtherOptions()
               parent);
     addSlider(group, m_encodeTab.apeSlider, tr("Monkey's"), u"apeSlider"_s, tr("Monkey's Audio compression level"),
               parent);
-}
-
-void EncodePage::addOutputOptions()
-{
-    QVBoxLayout *const group = addOptionGroup(tr("Files"), u"filesGroup"_s);
-    QWidget *const parent = lastOptionGroup();
-    addCheckBox(group, m_encodeTab.sourceEncodeButton, tr("Save &beside each source file"), u"sourceEncodeButton"_s,
-                tr("Otherwise one output folder is asked for"), parent);
-    addCheckBox(group, m_encodeTab.deleteOriginalsButton, tr("Delete &originals afterwards"),
-                u"deleteOriginalsButton"_s,
-                tr("Removes each source file once its output has been made without an error"), parent);
 }
 
 } // namespace nurv

@@ -2,14 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "ui/TabPage.h"
+#include "ui/ConversionPage.h"
 
 namespace nurv {
 
 class EncodeTab;
 
 /// The options of the encode tab.
-class EncodePage final : public TabPage {
+class EncodePage final : public ConversionPage {
     Q_OBJECT
 
 public:
@@ -17,10 +17,8 @@ public:
     explicit EncodePage(EncodeTab &tab, QWidget *parent = nullptr);
 
 private:
-    void addFormats();
     void addFlacOptions();
     void addOtherOptions();
-    void addOutputOptions();
 
     EncodeTab &m_encodeTab;
 };

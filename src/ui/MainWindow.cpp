@@ -17,6 +17,7 @@
 #include "ui/GivenFiles.h"
 #include "ui/OutputWindow.h"
 #include "ui/StatusWindow.h"
+#include "ui/WindowPlace.h"
 
 #include <QCloseEvent>
 #include <QDragEnterEvent>
@@ -336,7 +337,7 @@ void MainWindow::dropEvent(QDropEvent *event)
 void MainWindow::saveState() const
 {
     SettingsStore &settings = SettingsStore::instance();
-    settings.setValue(kGeometryKey, saveGeometry());
+    windowPlace::keep(*this, kGeometryKey);
     settings.setValue(kPageKey, m_labels.value(m_tabView->currentIndex()));
     m_statusWindow->saveState();
     if (const QList<OutputWindow *> outputs = outputWindows(); !outputs.isEmpty())
@@ -349,11 +350,8 @@ void MainWindow::saveState() const
 
 void MainWindow::restoreState()
 {
-    const SettingsStore &settings = SettingsStore::instance();
-    const QByteArray kept = settings.bytes(kGeometryKey);
-    if (kept.isEmpty() || !restoreGeometry(kept))
-        resize(kFirstSize);
-    const QString label = settings.string(kPageKey);
+    windowPlace::restore(*this, kGeometryKey, kFirstSize);
+    const QString label = SettingsStore::instance().string(kPageKey);
     m_controller.selectTab(m_labels.contains(label) ? label : m_labels.first());
     showPage(m_controller.selectedTabViewItem());
     showReadiness();

@@ -3,8 +3,8 @@
 #include "ui/OutputWindow.h"
 
 #include "app/UserPrompts.h"
-#include "platform/SettingsStore.h"
 #include "platform/TextFile.h"
+#include "ui/WindowPlace.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -72,10 +72,7 @@ OutputWindow::OutputWindow(UserPrompts &prompts, QWidget *parent) : QWidget(pare
     createWidgets();
     layOut();
     addShortcuts();
-    const QByteArray kept = SettingsStore::instance().bytes(kGeometryKey);
-    m_hasKeptPlace = !kept.isEmpty() && restoreGeometry(kept);
-    if (!m_hasKeptPlace)
-        resize(kFirstSize);
+    m_hasKeptPlace = windowPlace::restore(*this, kGeometryKey, kFirstSize);
     m_textField->setFocus();
 }
 
@@ -228,7 +225,7 @@ void OutputWindow::find(bool backwards)
 
 void OutputWindow::saveState() const
 {
-    SettingsStore::instance().setValue(kGeometryKey, saveGeometry());
+    windowPlace::keep(*this, kGeometryKey);
 }
 
 void OutputWindow::closeEvent(QCloseEvent *event)

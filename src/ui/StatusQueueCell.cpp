@@ -16,8 +16,6 @@
 #include <algorithm>
 #include <cmath>
 
-using namespace Qt::StringLiterals;
-
 namespace nurv {
 
 namespace {

@@ -4,9 +4,9 @@
 
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskQueue.h"
-#include "platform/SettingsStore.h"
 #include "ui/StatusListModel.h"
 #include "ui/StatusQueueCell.h"
+#include "ui/WindowPlace.h"
 
 #include <QContextMenuEvent>
 #include <QHBoxLayout>
@@ -47,10 +47,7 @@ StatusWindow::StatusWindow(NURVTaskQueue &queue, QWidget *parent)
     createContextMenu();
     connectAll();
     showCount();
-    const QByteArray kept = SettingsStore::instance().bytes(kGeometryKey);
-    m_hasPlace = !kept.isEmpty() && restoreGeometry(kept);
-    if (!m_hasPlace)
-        resize(kFirstSize);
+    m_hasPlace = windowPlace::restore(*this, kGeometryKey, kFirstSize);
 }
 
 void StatusWindow::createWidgets()
@@ -171,7 +168,7 @@ void StatusWindow::bringToFront()
 void StatusWindow::saveState() const
 {
     if (m_hasPlace)
-        SettingsStore::instance().setValue(kGeometryKey, saveGeometry());
+        windowPlace::keep(*this, kGeometryKey);
 }
 
 void StatusWindow::showCount()

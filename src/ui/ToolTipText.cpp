@@ -4,8 +4,6 @@
 
 #include <QTextDocument>
 
-using namespace Qt::StringLiterals;
-
 namespace nurv {
 
 namespace {

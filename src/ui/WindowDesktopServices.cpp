@@ -33,12 +33,12 @@ void WindowDesktopServices::sendBadge()
     if (m_badge == m_sentBadge)
         return;
     m_sentBadge = m_badge;
-    m_bus.setBadge(m_badge);
+    m_desktop.setBadge(m_badge);
 }
 
 void WindowDesktopServices::deliverNotification(const QString &title, const QString &body)
 {
-    m_bus.deliverNotification(title, body);
+    m_desktop.deliverNotification(title, body);
 }
 
 void WindowDesktopServices::requestAttention()
@@ -49,12 +49,12 @@ void WindowDesktopServices::requestAttention()
 
 std::optional<std::uint32_t> WindowDesktopServices::createSleepAssertion(const QString &reason)
 {
-    return m_bus.createSleepAssertion(reason);
+    return m_desktop.createSleepAssertion(reason);
 }
 
 void WindowDesktopServices::releaseSleepAssertion(std::uint32_t identifier)
 {
-    m_bus.releaseSleepAssertion(identifier);
+    m_desktop.releaseSleepAssertion(identifier);
 }
 
 } // namespace nurv

@@ -20,7 +20,7 @@ public:
     void setWindow(QWidget *window) { m_window = window; }
 
     void setBadge(int count) override;
-    [[nodiscard]] bool hasNotificationService() override { return m_bus.hasNotificationService(); }
+    [[nodiscard]] bool hasNotificationService() override { return m_desktop.hasNotificationService(); }
     void deliverNotification(const QString &title, const QString &body) override;
     void requestAttention() override;
     std::optional<std::uint32_t> createSleepAssertion(const QString &reason) override;
@@ -29,7 +29,7 @@ public:
 private:
     void sendBadge();
 
-    DBusDesktopServices m_bus;
+    DBusDesktopServices m_desktop;
     QPointer<QWidget> m_window;
     QTimer m_badgeTimer;
     int m_badge = 0;
