@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 
 # One interface target carries the language standard, the warnings and the Qt
-# definitions; every target of the project links it privately.
+# definitions; every target of the project links it.
 add_library(nurv_options INTERFACE)
 target_compile_features(nurv_options INTERFACE cxx_std_20)
 target_compile_options(nurv_options INTERFACE

@@ -12,7 +12,6 @@
 #include <QPointer>
 #include <QTimer>
 
-#include <algorithm>
 #include <exception>
 
 using namespace Qt::StringLiterals;

@@ -13,7 +13,6 @@
 #include <QDir>
 #include <QFile>
 #include <QRandomGenerator>
-#include <QStringView>
 
 #include <cerrno>
 #include <cstdlib>

@@ -6,8 +6,6 @@
 
 #include <unicode/uchar.h>
 
-#include <algorithm>
-
 namespace nurv {
 
 namespace {

@@ -5,6 +5,7 @@
 #include "engine/NURVAsyncNSTask.h"
 
 #include <optional>
+#include <utility>
 
 namespace nurv {
 
