@@ -3,34 +3,18 @@
 #include "ape/ApeDecoder.h"
 
 #include "ape/ApeFrameDecoder.h"
-#include "support/WaveReader.h"
 
 #include <array>
 
 namespace nurv {
 
-namespace {
-
-WaveFormat waveFormat(const ApeHeader &header)
-{
-    WaveFormat format;
-    format.formatTag = 1;
-    format.channels = header.channels;
-    format.sampleRateHz = header.sampleRateHz;
-    format.blockAlign = static_cast<uint16_t>(header.bytesPerBlock());
-    format.bitsPerSample = header.bitsPerSample;
-    return format;
-}
-
-} // namespace
-
 ApeDecoder::ApeDecoder(InputFile &input, ApeInstructionSet set) : m_reader(input), m_set(set) {}
 
-void ApeDecoder::decode(const ApeFileReader::Sink &sink, const std::function<void(size_t)> &onBlocks)
+void ApeDecoder::decode(const Sink &sink, const std::function<void(size_t)> &onBlocks)
 {
     const uint64_t pcmBytes = header().totalBlocks() * header().bytesPerBlock();
     if (!hasStoredHeader())
-        sink(canonicalWaveHeader(waveFormat(header()), pcmBytes));
+        sink(apeWaveHeader(header(), pcmBytes));
     m_reader.readStoredHeader(sink);
     decodeFrames(sink, onBlocks);
     m_reader.readStoredTrailing(sink);
@@ -44,7 +28,7 @@ bool ApeDecoder::hasStoredHeader() const
     return (header().formatFlags & kApeFlagMakeWaveHeader) == 0;
 }
 
-void ApeDecoder::decodeFrames(const ApeFileReader::Sink &sink, const std::function<void(size_t)> &onBlocks)
+void ApeDecoder::decodeFrames(const Sink &sink, const std::function<void(size_t)> &onBlocks)
 {
     ApeFrameDecoder decoder(*apeLevelFromNumber(header().level), header().bitsPerSample, header().channels, m_set);
     for (uint32_t i = 0; i < header().totalFrames; ++i)

@@ -5,8 +5,8 @@
 #include "ape/ApeError.h"
 #include "ape/ApeFormat.h"
 #include "ape/ApeMd5.h"
+#include "ape/ApeSource.h"
 
-#include <functional>
 #include <span>
 #include <vector>
 
@@ -29,7 +29,7 @@ public:
 /// begin at any byte of it. The parts are read in this order, each once.
 class ApeFileReader {
 public:
-    using Sink = std::function<void(std::span<const uint8_t>)>;
+    using Sink = ApeSource::Sink;
 
     /// Reads up to the seek table, and checks that everything is in its limits. Throws
     /// ApeOlderVersion, or ApeError with the number that says what is wrong.

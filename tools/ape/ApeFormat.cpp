@@ -3,6 +3,7 @@
 #include "ape/ApeFormat.h"
 
 #include "support/Bytes.h"
+#include "support/WaveReader.h"
 
 #include <zlib.h>
 
@@ -111,6 +112,17 @@ uint32_t ApeHeader::blocksOfFrame(uint32_t frame) const
 uint32_t apeFrameCrc(std::span<const uint8_t> pcm)
 {
     return static_cast<uint32_t>(::crc32_z(0, pcm.data(), pcm.size())) >> 1;
+}
+
+std::vector<uint8_t> apeWaveHeader(const ApeHeader &header, uint64_t pcmBytes)
+{
+    WaveFormat format;
+    format.formatTag = 1;
+    format.channels = header.channels;
+    format.sampleRateHz = header.sampleRateHz;
+    format.blockAlign = static_cast<uint16_t>(header.bytesPerBlock());
+    format.bitsPerSample = header.bitsPerSample;
+    return canonicalWaveHeader(format, pcmBytes);
 }
 
 } // namespace nurv

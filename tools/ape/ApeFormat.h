@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <vector>
 
 namespace nurv {
 
@@ -74,5 +75,8 @@ constexpr uint32_t kEqualChannels = 4;
 
 /// The checksum of a frame's PCM as the frame holds it.
 [[nodiscard]] uint32_t apeFrameCrc(std::span<const uint8_t> pcm);
+
+/// The WAV header for a file that holds none. Level and frames of `header` do not matter.
+[[nodiscard]] std::vector<uint8_t> apeWaveHeader(const ApeHeader &header, uint64_t pcmBytes);
 
 } // namespace nurv

@@ -36,7 +36,7 @@ inline void encodeWideRemainder(ApeRangeEncoder &coder, uint32_t remainder, uint
     encodeUniform(coder, remainder & ((uint32_t{1} << bits) - 1), uint32_t{1} << bits);
 }
 
-inline void encodeResidual(ApeRangeEncoder &coder, ResidualScale &scale, int32_t residual)
+[[gnu::always_inline]] inline void encodeResidual(ApeRangeEncoder &coder, ResidualScale &scale, int32_t residual)
 {
     const auto bits = static_cast<uint32_t>(residual);
     const uint32_t folded = residual > 0 ? 2 * bits - 1 : 0 - 2 * bits;
@@ -64,7 +64,7 @@ inline uint32_t decodeWideRemainder(ApeRangeDecoder &coder, uint32_t pivot)
     return (high << bits) + decodeUniform(coder, uint32_t{1} << bits);
 }
 
-inline int32_t decodeResidual(ApeRangeDecoder &coder, ResidualScale &scale)
+[[gnu::always_inline]] inline int32_t decodeResidual(ApeRangeDecoder &coder, ResidualScale &scale)
 {
     const uint32_t pivot = scale.pivot();
     uint32_t multiple = decodeSymbol(coder);

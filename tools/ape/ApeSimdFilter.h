@@ -17,6 +17,13 @@ inline __m128i loadUnaligned(const int16_t *from)
     return _mm_loadu_si128(reinterpret_cast<const __m128i *>(from));
 }
 
+/// Eight bytes as 16-bit values.
+inline __m128i loadWidened(const int8_t *from)
+{
+    const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i *>(from));
+    return _mm_srai_epi16(_mm_unpacklo_epi8(bytes, bytes), 8);
+}
+
 inline __m128i load(const int16_t *from)
 {
     return _mm_load_si128(reinterpret_cast<const __m128i *>(from));
@@ -60,13 +67,13 @@ public:
 
 private:
     static constexpr int kRecent = 8;
-    static constexpr int kWindow = 512;
+    static constexpr int kWindow = 256;
     static_assert(kOrder % 16 == 0);
 
     int32_t adaptAndMultiply()
     {
         const int16_t *const values = m_values + m_at - kOrder;
-        const int16_t *const steps = m_steps + m_at - kOrder - 1; // as they were before the last one
+        const int8_t *const steps = m_steps + m_at - kOrder - 1; // as they were before the last one
         const __m128i sign = _mm_set1_epi16(static_cast<int16_t>(m_sign));
 
         int16_t *const recentWeights = m_weights + kOrder;
@@ -76,7 +83,7 @@ private:
         __m128i sums = _mm_madd_epi16(recent, m_recentValues);
 
         int16_t *const oldestWeights = m_weights + kRecent;
-        const __m128i oldest = _mm_add_epi16(load(oldestWeights), _mm_mullo_epi16(loadUnaligned(steps), sign));
+        const __m128i oldest = _mm_add_epi16(load(oldestWeights), _mm_mullo_epi16(loadWidened(steps), sign));
         store(oldestWeights, oldest);
         sums = _mm_add_epi32(sums, _mm_madd_epi16(oldest, loadUnaligned(values)));
         if constexpr (kOrder > 16)
@@ -87,7 +94,7 @@ private:
     }
 
     /// All but the first and last eight weights.
-    __m128i adaptAndMultiplyMiddle(const int16_t *values, const int16_t *steps, __m128i sign)
+    __m128i adaptAndMultiplyMiddle(const int16_t *values, const int8_t *steps, __m128i sign)
     {
         int16_t *const weights = m_weights + 2 * kRecent;
 #ifdef __AVX2__
@@ -95,24 +102,25 @@ private:
             return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(from));
         };
         const __m256i wideSign = _mm256_broadcastsi128_si256(sign);
-        __m256i sums[2] = {_mm256_setzero_si256(), _mm256_setzero_si256()};
+        __m256i sums = _mm256_setzero_si256();
         for (int i = 0; i < kOrder - 16; i += 16) {
             auto *const at = reinterpret_cast<__m256i *>(weights + i);
-            const __m256i adapted =
-                _mm256_add_epi16(_mm256_load_si256(at), _mm256_sign_epi16(wide(steps + i), wideSign));
+            const __m256i adapted = _mm256_add_epi16(
+                _mm256_load_si256(at),
+                _mm256_sign_epi16(_mm256_cvtepi8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i *>(steps + i))),
+                                  wideSign));
             _mm256_store_si256(at, adapted);
-            sums[i / 16 % 2] = _mm256_add_epi32(sums[i / 16 % 2], _mm256_madd_epi16(adapted, wide(values + i)));
+            sums = _mm256_add_epi32(sums, _mm256_madd_epi16(adapted, wide(values + i)));
         }
-        const __m256i sum = _mm256_add_epi32(sums[0], sums[1]);
-        return _mm_add_epi32(_mm256_castsi256_si128(sum), _mm256_extracti128_si256(sum, 1));
+        return _mm_add_epi32(_mm256_castsi256_si128(sums), _mm256_extracti128_si256(sums, 1));
 #else
-        __m128i sums[2] = {_mm_setzero_si128(), _mm_setzero_si128()};
+        __m128i sums = _mm_setzero_si128();
         for (int i = 0; i < kOrder - 16; i += 8) {
-            const __m128i adapted = _mm_add_epi16(load(weights + i), _mm_mullo_epi16(loadUnaligned(steps + i), sign));
+            const __m128i adapted = _mm_add_epi16(load(weights + i), _mm_mullo_epi16(loadWidened(steps + i), sign));
             store(weights + i, adapted);
-            sums[i / 8 % 2] = _mm_add_epi32(sums[i / 8 % 2], _mm_madd_epi16(adapted, loadUnaligned(values + i)));
+            sums = _mm_add_epi32(sums, _mm_madd_epi16(adapted, loadUnaligned(values + i)));
         }
-        return _mm_add_epi32(sums[0], sums[1]);
+        return sums;
 #endif
     }
 
@@ -129,7 +137,7 @@ private:
         const __m128i clamped = _mm_packs_epi32(_mm_cvtsi32_si128(value), _mm_setzero_si128());
         m_recentValues = pushedInto(m_recentValues, clamped);
         m_values[m_at] = static_cast<int16_t>(_mm_cvtsi128_si32(clamped));
-        m_steps[m_at] = static_cast<int16_t>(m_lastStep);
+        m_steps[m_at] = static_cast<int8_t>(m_lastStep);
         if (++m_at == kHistory)
             moveToFront();
     }
@@ -147,7 +155,7 @@ private:
     /// Oldest first, from `kRecent` on: so the first vector of 16 is aligned.
     alignas(32) int16_t m_weights[kRecent + kOrder] = {};
     int16_t m_values[kHistory] = {}; ///< oldest first, up to `m_at`
-    int16_t m_steps[kHistory] = {};  ///< an eighth of PlainFilter's when new
+    int8_t m_steps[kHistory] = {};   ///< an eighth of PlainFilter's when new
     __m128i m_recentValues = _mm_setzero_si128();
     __m128i m_recentSteps = _mm_setzero_si128(); ///< without the last one
     int m_at = kKept;
