@@ -91,8 +91,8 @@ int ChildSupervisor::waitFor(pid_t child)
         for (pid_t ended = 0; (ended = ::waitpid(-1, &status, WNOHANG)) > 0;) {
             if (ended != child)
                 continue;
-            if (m_endingSignal != 0)
-                endOrphans();
+            if (m_endingSignal != 0 || WIFSIGNALED(status))
+                endOrphans(m_endingSignal != 0 ? m_endingSignal : SIGTERM);
             return status;
         }
     }
@@ -100,7 +100,7 @@ int ChildSupervisor::waitFor(pid_t child)
 
 /// An encoder whose input ends takes that for the end of the sound: it has to be gone
 /// before its file is removed.
-void ChildSupervisor::endOrphans()
+void ChildSupervisor::endOrphans(int signal)
 {
     const auto limit = std::chrono::steady_clock::now() + kOrphanLimit;
     sigset_t childEnded;
@@ -108,7 +108,7 @@ void ChildSupervisor::endOrphans()
     sigaddset(&childEnded, SIGCHLD);
     while (std::chrono::steady_clock::now() < limit) {
         for (const pid_t orphan : childrenOfThisProcess())
-            ::kill(orphan, m_endingSignal);
+            ::kill(orphan, signal);
         pid_t ended = 0;
         while ((ended = ::waitpid(-1, nullptr, WNOHANG)) > 0) {
         }

@@ -33,7 +33,7 @@ public:
 
 private:
     int waitFor(pid_t child);
-    void endOrphans();
+    void endOrphans(int signal);
 
     sigset_t m_held;
     sigset_t m_formerMask;

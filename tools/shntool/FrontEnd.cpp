@@ -9,6 +9,7 @@
 #include "support/Destination.h"
 #include "support/SystemCalls.h"
 #include "support/ToolError.h"
+#include "support/ToolMain.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -26,6 +27,20 @@ namespace nurv {
 namespace {
 
 constexpr int kFailed = 1;
+
+constexpr const char *kHelp =
+    "Usage: shntool [ARGUMENT]...\n"
+    "       shntool conv [OPTION]... -n FILE SOURCE\n"
+    "\n"
+    "Starts the shntool of the distribution with the same arguments; 'shntool -h' is its\n"
+    "own help. It finds the programs shorten, ttaenc and mac beside this one.\n"
+    "\n"
+    "  conv -n FILE   convert SOURCE and name the result FILE; -O always replaces a file\n"
+    "                 that is there. All other options are those of shntool conv.\n"
+    "  --help         show this text\n"
+    "  --version      show the version\n"
+    "\n"
+    "The exit status is that of shntool.\n";
 
 [[noreturn]] void failWrite(const std::string &text)
 {
@@ -113,6 +128,9 @@ void printError(const char *prefix, const std::string &text)
 
 int runFrontEnd(int argc, char **argv, const std::string &usualProgram)
 {
+    // shntool itself knows neither.
+    if (argc == 2 && (std::string_view(argv[1]) == "--help" || std::string_view(argv[1]) == "--version"))
+        return toolMain({.name = "shntool", .help = kHelp}, argc, argv, [](std::span<const std::string>) { return 0; });
     const std::optional<std::string> program = findDistributionProgram(usualProgram);
     if (!program) {
         printError("shntool", "the shntool of the distribution is not installed; the package \"shntool\" provides it");

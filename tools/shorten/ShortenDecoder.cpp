@@ -3,6 +3,7 @@
 #include "shorten/ShortenDecoder.h"
 
 #include "shorten/ShortenSamples.h"
+#include "support/Id3v2.h"
 #include "support/InputFile.h"
 #include "support/ToolError.h"
 
@@ -47,7 +48,7 @@ ShortenDecoder::ShortenDecoder(InputFile &input, ByteSink sink)
 
 void ShortenDecoder::decodeHead()
 {
-    skipTags();
+    skipId3v2Tags(m_input);
     readStreamHeader();
     for (m_function = readFunction(); m_function == Function::Verbatim; m_function = readFunction())
         copyVerbatim();
@@ -65,21 +66,6 @@ void ShortenDecoder::decodeRest()
     }
     if (m_channel != 0)
         fail("it ends between the channels of a block");
-}
-
-/// ID3v2: "ID3", two bytes of version, one of flags, and the size in four times 7 bits.
-void ShortenDecoder::skipTags()
-{
-    constexpr size_t kTagHeaderBytes = 10;
-    constexpr uint8_t kHasFooter = 0x10;
-    for (;;) {
-        const std::span<const uint8_t> tag = m_input.peek(kTagHeaderBytes);
-        if (tag.size() < kTagHeaderBytes || tag[0] != 'I' || tag[1] != 'D' || tag[2] != '3')
-            return;
-        uint64_t size = kTagHeaderBytes + ((tag[5] & kHasFooter) != 0 ? kTagHeaderBytes : 0);
-        size += uint64_t{tag[6] & 0x7FU} << 21 | (tag[7] & 0x7FU) << 14 | (tag[8] & 0x7FU) << 7 | (tag[9] & 0x7FU);
-        m_input.skip(size);
-    }
 }
 
 void ShortenDecoder::readStreamHeader()

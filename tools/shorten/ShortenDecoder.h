@@ -50,7 +50,6 @@ private:
         std::vector<int32_t> samples; ///< the history, then the block
     };
 
-    void skipTags();
     void readStreamHeader();
     void checkHeader() const;
     [[nodiscard]] uint32_t readHeaderField(unsigned lowBits);

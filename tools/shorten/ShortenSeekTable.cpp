@@ -68,7 +68,7 @@ void ShortenSeekTable::addPoint(const ShortenSeekPoint &point)
     if (m_isTooLong)
         return;
     m_entries.resize(m_entries.size() + kEntryBytes);
-    uint8_t *const entry = &*m_entries.end() - kEntryBytes;
+    uint8_t *const entry = m_entries.data() + m_entries.size() - kEntryBytes;
     putLittleEndian32(entry + kFrameField, static_cast<uint32_t>(point.frame));
     putLittleEndian32(entry + kFillStartField, static_cast<uint32_t>(fillStart));
     putLittleEndian16(entry + kBytesTakenField, static_cast<uint16_t>(words * kWordBytes - fills * kReaderBufferBytes));

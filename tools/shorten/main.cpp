@@ -13,7 +13,6 @@
 
 #include <optional>
 
-#include <unistd.h>
 
 namespace {
 
@@ -40,11 +39,11 @@ constexpr const char *kHelp = "Usage: shorten [-v 2] [-b FRAMES] [-m MEANS] [IN 
 void compress(const ShortenOptions &options)
 {
     InputFile input(options.input);
+    OutputFile output(options.output, input);
     WaveReader wave(input);
     StreamHeader header = streamHeaderFor(wave.format(), input.name());
     header.blockSize = options.blockSize;
     header.meanCount = options.meanCount;
-    OutputFile output(options.output, input);
     std::optional<ShortenSeekTable> table;
     if (options.wantsSeekTable && !output.isStandardOutput() && ShortenSeekTable::canDescribe(header))
         table.emplace();
@@ -77,8 +76,6 @@ void restore(const ShortenOptions &options)
 int run(std::span<const std::string> arguments)
 {
     const ShortenOptions options = ShortenOptions::parse(arguments);
-    if (options.output == "-" && ::isatty(STDOUT_FILENO) == 1)
-        badArguments("no output is named, and standard output is a terminal");
     if (options.isDecoding)
         restore(options);
     else

@@ -52,6 +52,8 @@ void OutputFile::openStandardOutput(const InputFile &input)
     struct stat status {};
     if (!m_direct.isOpen() || ::fstat(m_direct.get(), &status) != 0)
         failWrite(errno);
+    if (::isatty(m_direct.get()) == 1)
+        throw ToolError(ToolError::Kind::BadArguments, "the output is a terminal, which shows no sound");
     refuseTheSameFile(status, input);
     m_descriptor = m_direct.get();
     // What is open for appending goes to the end, whatever the offset.

@@ -18,7 +18,7 @@ class TemporaryFile;
 
 /// A buffered writer to a file or to standard output. A named file is written beside its
 /// place under a temporary name and put there by `commit()`. Whatever ends the program
-/// before, also SIGTERM, SIGINT and SIGHUP, leaves neither it nor the temporary file.
+/// before, also a signal that asks it to, leaves neither it nor the temporary file.
 /// A symbolic link stays: the file that it names is replaced.
 class OutputFile {
 public:

@@ -20,7 +20,7 @@ namespace nurv {
 
 namespace {
 
-constexpr std::array kEndingSignals{SIGTERM, SIGINT, SIGHUP};
+constexpr std::array kEndingSignals{SIGTERM, SIGINT, SIGHUP, SIGQUIT, SIGXCPU};
 
 /// The paths that a signal removes: all that a handler may touch.
 std::array<std::atomic<const char *>, 8> g_paths;

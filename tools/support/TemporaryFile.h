@@ -36,7 +36,7 @@ private:
     FileDescriptor m_descriptor;
 };
 
-/// From here on SIGTERM, SIGINT and SIGHUP remove the temporary files, then end the
+/// From here on SIGTERM, SIGINT, SIGHUP, SIGQUIT and SIGXCPU remove the temporary files, then end the
 /// program as they would have. One that was ignored stays ignored.
 void removeTemporaryFilesOnSignals();
 

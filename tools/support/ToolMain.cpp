@@ -67,6 +67,8 @@ int toolMain(const ToolText &text, int argc, char **argv, const std::function<in
 {
     // A closed pipe is an error of write(2), so that what is left behind is cleaned up.
     std::signal(SIGPIPE, SIG_IGN);
+    // So is a file that would grow beyond the limit of the system.
+    std::signal(SIGXFSZ, SIG_IGN);
     occupyStandardStreams();
     removeTemporaryFilesOnSignals();
     const auto fail = [&](const ToolError &error) {

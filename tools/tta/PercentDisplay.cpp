@@ -21,7 +21,9 @@ PercentDisplay::~PercentDisplay()
 
 void PercentDisplay::show(uint64_t done, uint64_t total)
 {
-    const uint64_t percent = total == 0 ? 100 : std::min(done, total) * 100 / total;
+    if (total == 0)
+        return;
+    const uint64_t percent = std::min(done, total) * 100 / total;
     if (percent <= m_percent)
         return;
     m_percent = percent;

@@ -54,14 +54,23 @@ std::string listed(const std::vector<uint64_t> &numbers)
     return text;
 }
 
-/// The payload, where the input's size tells it.
-std::optional<uint64_t> payloadByteCount(const InputFile &input, const WaveReader &wave)
+/// The whole sample frames of the payload, where the input's size tells them.
+std::optional<uint64_t> sampleFrameCount(const InputFile &input, const WaveReader &wave)
 {
     if (!input.size())
         return std::nullopt;
     const uint64_t present = *input.size() - std::min(input.position(), *input.size());
     const uint64_t declared = wave.hasUnknownSize() ? std::numeric_limits<uint64_t>::max() : wave.declaredDataBytes();
-    return std::min(present, declared);
+    return std::min(present, declared) / wave.format().blockAlign;
+}
+
+/// How many sample frames to expect for showing progress: a pipe's header may be wrong,
+/// so nothing else relies on it. 0 where nothing is said.
+uint64_t expectedFrameCount(const std::optional<uint64_t> &counted, const WaveReader &wave)
+{
+    if (counted)
+        return *counted;
+    return wave.hasUnknownSize() ? 0 : wave.declaredDataBytes() / wave.format().blockAlign;
 }
 
 TtaHeader headerFor(const WaveFormat &format)
@@ -104,16 +113,14 @@ void encodeWaveToTta(InputFile &input, OutputFile &output, const std::string &te
 {
     WaveReader wave(input);
     const TtaHeader header = namingInput(input, [&] { return headerFor(wave.format()); });
-    const std::optional<uint64_t> payloadBytes = payloadByteCount(input, wave);
-    std::optional<uint64_t> samples;
-    if (payloadBytes)
-        samples = *payloadBytes / header.blockAlign();
+    const std::optional<uint64_t> samples = sampleFrameCount(input, wave);
+    const uint64_t expected = expectedFrameCount(samples, wave);
     namingInput(input, [&] {
         TtaWriter writer(output, header, samples, temporaryFolder);
         std::vector<uint8_t> pcm(writer.frameBytes());
         while (const size_t count = wave.readPayload(pcm)) {
             writer.writeFrame(std::span(pcm).first(count));
-            progress(wave.payloadBytesRead(), payloadBytes.value_or(0));
+            progress(wave.payloadBytesRead() / header.blockAlign(), expected);
         }
         writer.finish();
     });

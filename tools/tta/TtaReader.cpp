@@ -3,6 +3,7 @@
 #include "tta/TtaReader.h"
 
 #include "support/Bytes.h"
+#include "support/Id3v2.h"
 #include "support/InputFile.h"
 #include "support/ToolError.h"
 #include "tta/TtaCrc.h"
@@ -47,22 +48,6 @@ TtaHeader readHeader(InputFile &input, TtaHeader::Crc crc)
 }
 
 } // namespace
-
-void skipId3v2Tags(InputFile &input)
-{
-    constexpr size_t kTagHeaderBytes = 10;
-    constexpr uint8_t kHasFooter = 0x10;
-    for (;;) {
-        const std::span<const uint8_t> tag = input.peek(kTagHeaderBytes);
-        if (tag.size() < kTagHeaderBytes || !startsWith(tag, "ID3"))
-            return;
-        uint64_t size = kTagHeaderBytes + ((tag[5] & kHasFooter) != 0 ? kTagHeaderBytes : 0);
-        // ID3v2, section 3.1: four times seven bits.
-        for (size_t i = 0; i < 4; ++i)
-            size += uint64_t{tag[6 + i] & 0x7FU} << (21 - 7 * i);
-        input.skip(size);
-    }
-}
 
 bool looksLikeTta(InputFile &input)
 {

@@ -62,9 +62,6 @@ private:
     std::vector<uint8_t> m_pcm;
 };
 
-/// Passes over the ID3v2 tags in front of a file.
-void skipId3v2Tags(InputFile &input);
-
 /// Whether the input, just opened, begins as a TTA1 file. Takes the tags in front of it,
 /// but nothing of any other file.
 [[nodiscard]] bool looksLikeTta(InputFile &input);

@@ -84,7 +84,7 @@ void TtaWriter::finish()
     m_header = withSamples(m_header, m_sampleCount);
     if (m_spool) {
         m_output.write(head());
-        m_spool->copyTo(m_output);
+        m_spool->read([this](std::span<const uint8_t> bytes) { m_output.write(bytes); });
     } else {
         m_output.overwrite(0, head());
     }

@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "support/SpoolFile.h"
 #include "tta/TtaBitWriter.h"
 #include "tta/TtaFrameEncoder.h"
 #include "tta/TtaHeader.h"
-#include "tta/TtaSpool.h"
 
 #include <cstdint>
 #include <optional>
@@ -49,7 +49,7 @@ private:
     OutputFile &m_output;
     TtaHeader m_header;
     std::optional<uint64_t> m_promisedSamples;
-    std::optional<TtaSpool> m_spool;
+    std::optional<SpoolFile> m_spool;
     uint64_t m_sampleCount = 0;
     std::vector<uint32_t> m_frameSizes; // bytes, the CRC included
     uint64_t m_frameSize = 0;

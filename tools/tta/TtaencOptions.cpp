@@ -4,7 +4,6 @@
 
 #include "support/ToolMain.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <system_error>
 
@@ -75,17 +74,6 @@ std::string TtaencOptions::outputName(const std::string &extension) const
     if (std::filesystem::exists(std::filesystem::symlink_status(name, ignored)))
         badArguments(name + " is there already; name it with -o to have it replaced");
     return name;
-}
-
-std::string TtaencOptions::temporaryFolder(const std::string &outputName)
-{
-    if (outputName != kStandardStream) {
-        const std::filesystem::path folder = std::filesystem::path(outputName).parent_path();
-        return folder.empty() ? "." : folder;
-    }
-    // Not /tmp by itself, which may be memory.
-    const char *folder = std::getenv("TMPDIR");
-    return folder != nullptr && *folder != '\0' ? folder : "/var/tmp";
 }
 
 } // namespace nurv

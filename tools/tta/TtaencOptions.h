@@ -22,9 +22,6 @@ struct TtaencOptions {
     /// ToolError(BadArguments) when a file of that name is there already: only an output
     /// that was named is replaced.
     [[nodiscard]] std::string outputName(const std::string &extension) const;
-
-    /// Where large temporary files go: to the folder of that output, or that of the system.
-    [[nodiscard]] static std::string temporaryFolder(const std::string &outputName);
 };
 
 } // namespace nurv

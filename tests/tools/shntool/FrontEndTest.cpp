@@ -80,6 +80,15 @@ TEST_F(FrontEnd, HandsArgumentsStreamsAndStatusOver)
     EXPECT_EQ(result.errors, "errors\n");
 }
 
+TEST_F(FrontEnd, AnswersTheQuestionsThatTheProgramDoesNotKnow)
+{
+    standIn("echo asked");
+    EXPECT_THAT(runProgram(program(), {u"--help"_s}).output.toStdString(), HasSubstr("conv -n FILE"));
+    EXPECT_EQ(runProgram(program(), {u"--version"_s}).output, "shntool (Nurv Audio Workbench) " NURV_VERSION "\n");
+    EXPECT_EQ(runProgram(program(), {u"len"_s, u"--help"_s}).output, "asked\n");
+    EXPECT_EQ(runProgram(program(), {u"-h"_s}).output, "asked\n");
+}
+
 TEST_F(FrontEnd, AddsItsFolderToTheEndOfPath)
 {
     standIn("printf '%s' \"$PATH\"");

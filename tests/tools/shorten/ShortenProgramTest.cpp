@@ -229,7 +229,7 @@ TEST(ShortenProgram, WritesNoSoundToATerminal)
     const QString line = u"cd \"$1\" && script -qec \"$0 in.wav\" /dev/null"_s;
     const ProgramResult result = runShell(line, {folder.path()});
     EXPECT_EQ(result.exitStatus, 1);
-    EXPECT_EQ(result.output, "shorten: no output is named, and standard output is a terminal\r\n"
+    EXPECT_EQ(result.output, "shorten: the output is a terminal, which shows no sound\r\n"
                              "Try 'shorten --help'.\r\n");
     EXPECT_EQ(folder.list(), QStringList{u"in.wav"_s});
 }

@@ -176,8 +176,19 @@ TEST_P(EndedBySignal, LeavesTheFormerFileAndNothingElse)
     EXPECT_EQ(folder.read(u"out"_s), "former");
 }
 
-INSTANTIATE_TEST_SUITE_P(ToolMain, EndedBySignal, ::testing::Values(SIGTERM, SIGINT, SIGHUP),
+INSTANTIATE_TEST_SUITE_P(ToolMain, EndedBySignal, ::testing::Values(SIGTERM, SIGINT, SIGHUP, SIGQUIT, SIGXCPU),
                          [](const auto &tested) { return std::string(::sigabbrev_np(tested.param)); });
+
+TEST(ToolMain, TellsThatAFileMayNotGrowAndLeavesNothing)
+{
+    const TestFolder folder;
+    const QString in = folder.write(u"in"_s, QByteArray(300'000, 'x'));
+    const ProgramResult result =
+        runShell(u"ulimit -f 100; \"$0\" \"$1\" \"$2\""_s, {in, folder.path(u"out"_s)});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_THAT(result.errors.toStdString(), ::testing::HasSubstr("File too large"));
+    EXPECT_EQ(folder.list(), QStringList{u"in"_s});
+}
 
 TEST(ToolMain, GoesOnIgnoringAHangUp)
 {

@@ -92,17 +92,6 @@ TEST(TtaencOptions, ReplacesOnlyAnOutputThatWasNamed)
     EXPECT_THROW(static_cast<void>(parsed({folder.path(u"y.wav"_s).toStdString()}).outputName(".tta")), ToolError);
 }
 
-TEST(TtaencOptions, PutsLargeTemporaryFilesBesideTheOutput)
-{
-    EXPECT_EQ(TtaencOptions::temporaryFolder("some/x.tta"), "some");
-    EXPECT_EQ(TtaencOptions::temporaryFolder("/x.tta"), "/");
-    EXPECT_EQ(TtaencOptions::temporaryFolder("x.tta"), ".");
-    qputenv("TMPDIR", "/some/where");
-    EXPECT_EQ(TtaencOptions::temporaryFolder("-"), "/some/where");
-    qunsetenv("TMPDIR");
-    EXPECT_EQ(TtaencOptions::temporaryFolder("-"), "/var/tmp");
-}
-
 } // namespace
 
 } // namespace nurv::test

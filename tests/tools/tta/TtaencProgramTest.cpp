@@ -110,6 +110,30 @@ TEST(TtaencProgram, CountsToAHundredInStepsOfOneWrite)
     EXPECT_EQ(writes.output, "100\n") << writes.errors.constData();
 }
 
+TEST(TtaencProgram, ShowsNoProgressWhereTheLengthIsUnknown)
+{
+    const TestFolder folder;
+    const auto errorsOf = [&](const QByteArray &input) {
+        return runTtaenc({u"-e"_s, u"-o"_s, folder.path(u"x.tta"_s), u"-"_s}, input).errors;
+    };
+    EXPECT_EQ(errorsOf(withDeclaredSize(wav(), 0xFFFFFFFF)), "");
+    EXPECT_EQ(errorsOf(withDeclaredSize(wav(), 0)), "");
+    EXPECT_THAT(errorsOf(wav()).toStdString(), ::testing::EndsWith("Percent Progress: 100\n"));
+    // What is left of a sample frame counts for nothing.
+    const QString odd = folder.write(u"odd.wav"_s, withDeclaredSize(wav(), 40003).first(40047));
+    EXPECT_THAT(runTtaenc({odd, u"-o"_s, folder.path(u"odd.tta"_s)}).errors.toStdString(),
+                ::testing::EndsWith("Percent Progress: 100\n"));
+}
+
+TEST(TtaencProgram, WritesNoSoundToATerminal)
+{
+    const TestFolder folder;
+    const QString path = folder.write(u"in.wav"_s, wav());
+    const ProgramResult result = runShell(u"script -qec \"$0 -e -o - '$1'\" /dev/null"_s, {path});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_EQ(result.output, "ttaenc: the output is a terminal, which shows no sound\r\nTry 'ttaenc --help'.\r\n");
+}
+
 TEST(TtaencProgram, EncodesPipesWhoseLengthIsUnknownOrWrong)
 {
     const TestFolder folder;
