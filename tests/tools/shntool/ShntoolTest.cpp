@@ -54,7 +54,7 @@ TEST_F(Shntool, AnswersAsTheDistributionsProgram)
         {u"-h"_s},
         {u"-f"_s},
         {},
-        {u"--help"_s},
+        {u"--no-such-option"_s},
         {u"no-such-mode"_s},
         {u"len"_s, a, b},
         {u"len"_s, path(u"missing.wav"_s)},
