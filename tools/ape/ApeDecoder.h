@@ -22,7 +22,6 @@ public:
 
 private:
     [[nodiscard]] const ApeHeader &header() const { return m_reader.header(); }
-    [[nodiscard]] bool hasStoredHeader() const;
     void decodeFrames(const Sink &sink, const std::function<void(size_t)> &onBlocks);
 
     ApeFileReader m_reader;

@@ -18,6 +18,8 @@ namespace {
 /// Programs that write to a pipe announce about this much when they do not know better.
 constexpr uint32_t kLeastGuess = 0x7FFF0000;
 constexpr uint32_t kRiffSizeOffset = 4;
+/// What programs write that do not know it.
+constexpr uint32_t kUnknownSize = 0xFFFFFFFF;
 constexpr uint32_t kRiffHeadBytes = 8;
 
 } // namespace
@@ -54,7 +56,7 @@ void ApeEncoder::settleSize()
     // The chunks that follow an empty data chunk are no sound where the whole file is
     // accounted for; where it is not, a recording was not finished.
     const uint64_t riffBytes = littleEndian32(m_wave.header().data() + kRiffSizeOffset);
-    if (riffBytes + kRiffHeadBytes >= *size) {
+    if (riffBytes != kUnknownSize && riffBytes + kRiffHeadBytes >= *size) {
         m_wave.treatUnknownSizeAsDeclared();
         m_isLengthUncertain = false;
     }

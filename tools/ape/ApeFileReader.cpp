@@ -4,6 +4,7 @@
 
 #include "ape/ApeFrameDecoder.h"
 #include "support/Bytes.h"
+#include "support/Id3v2.h"
 #include "support/InputFile.h"
 
 #include <algorithm>
@@ -44,7 +45,7 @@ ApeOlderVersion::ApeOlderVersion(uint16_t version)
 
 ApeFileReader::ApeFileReader(InputFile &input) : m_input(input)
 {
-    skipId3v2();
+    skipId3v2Tags(m_input);
     m_start = m_input.position();
     readDescriptor();
     readHeader();
@@ -56,19 +57,9 @@ void ApeFileReader::refuse(ApeErrorNumber number, const std::string &why) const
     throw ApeError(number, m_input.name() + ": " + why);
 }
 
-void ApeFileReader::skipId3v2()
+const std::string &ApeFileReader::inputName() const
 {
-    constexpr size_t kTagHeadBytes = 10;
-    constexpr uint8_t kHasFooter = 0x10;
-    for (;;) {
-        const std::span<const uint8_t> head = m_input.peek(kTagHeadBytes);
-        if (head.size() < kTagHeadBytes || !isNamed(head, "ID3"))
-            return;
-        uint64_t size = 0;
-        for (size_t i = 6; i < kTagHeadBytes; ++i)
-            size = size << 7 | (head[i] & 0x7F);
-        m_input.skip(kTagHeadBytes + size + ((head[5] & kHasFooter) != 0 ? kTagHeadBytes : 0));
-    }
+    return m_input.name();
 }
 
 void ApeFileReader::readDescriptor()
@@ -120,6 +111,8 @@ void ApeFileReader::readHeader()
         refuse(ApeErrorNumber::UnsupportedBitDepth, "only 8, 16 and 24 bits per sample are supported");
     if (m_header.formatFlags >= kFirstUnknownFlag)
         refuse(ApeErrorNumber::UnsupportedFileType, "only files made from WAV files are supported");
+    if ((m_header.formatFlags & kApeFlagMakeWaveHeader) != 0 && hasStoredHeader())
+        refuse(ApeErrorNumber::InvalidInputFile, "the header is damaged");
     if (m_header.totalFrames == 0)
         refuse(ApeErrorNumber::InputTooSmall, "the file holds no sound");
     if (m_header.finalFrameBlocks == 0 || m_header.finalFrameBlocks > m_header.blocksPerFrame)

@@ -37,6 +37,9 @@ public:
 
     [[nodiscard]] const ApeHeader &header() const { return m_header; }
 
+    /// Whether the file has a WAV header of its own. Otherwise the decoder makes one.
+    [[nodiscard]] bool hasStoredHeader() const { return m_descriptor.storedHeaderBytes > 0; }
+
     void readStoredHeader(const Sink &sink);
 
     /// The next of `header().totalFrames` frames, the right way round, with
@@ -45,11 +48,12 @@ public:
 
     void readStoredTrailing(const Sink &sink);
 
+    [[nodiscard]] const std::string &inputName() const;
+
     /// After all parts. Throws ApeError(InvalidChecksum).
     void checkMd5();
 
 private:
-    void skipId3v2();
     void readDescriptor();
     void readHeader();
     void readSeekTable();

@@ -35,6 +35,8 @@ ApeFileWriter::ApeFileWriter(OutputFile &output, const ApeHeader &header, std::s
 
 void ApeFileWriter::addFrame(std::span<const uint8_t> frame, uint32_t blocks)
 {
+    if (!m_waiting && m_frameStarts.size() == m_seekEntries)
+        throw ApeError(ApeErrorNumber::Read, "the input changed while it was read");
     m_frameStarts.push_back(m_streamBytes);
     m_header.finalFrameBlocks = blocks;
     addStream(frame);

@@ -24,19 +24,20 @@ class OutputFile;
 class ApeFileWriter {
 public:
     /// `header` has everything but the numbers of frames and blocks, which the frames
-    /// give. More frames than expected must not come.
+    /// give.
     ApeFileWriter(OutputFile &output, const ApeHeader &header, std::span<const uint8_t> storedHeader,
                   std::optional<uint32_t> expectedFrames, const std::string &spoolFolder);
     ApeFileWriter(const ApeFileWriter &) = delete;
     ApeFileWriter &operator=(const ApeFileWriter &) = delete;
 
+    /// Throws ApeError(Read) when more frames come than were expected.
     void addFrame(std::span<const uint8_t> frame, uint32_t blocks);
 
     /// After the frames. Throws ApeError(InputTooLarge) beyond 4 GiB.
     void addStoredTrailing(std::span<const uint8_t> bytes);
 
-    /// Only where the expected number of frames is not known.
-    /// The decoder shall make a WAV header of its own. Nothing may be stored behind the frames.
+    /// The decoder shall make a WAV header of its own. Only where the number of frames was
+    /// not expected, and with nothing stored behind them.
     void forgetStoredHeader();
 
     /// Writes the rest. The output is not committed.

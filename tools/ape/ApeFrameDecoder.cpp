@@ -63,12 +63,12 @@ ApeFrameDecoder::Head ApeFrameDecoder::readHead(std::span<const uint8_t> frame)
 {
     Head head{.bytes = kWordBytes};
     if (frame.size() < kWordBytes)
-        failFrame("a frame is too short");
+        failFrame("it is too short");
     const uint32_t word = bigEndian32(frame.data());
     head.crc = word & ~kApeSpecialCodeFollows;
     if ((word & kApeSpecialCodeFollows) != 0) {
         if (frame.size() < 2 * kWordBytes)
-            failFrame("a frame is too short");
+            failFrame("it is too short");
         head.special = bigEndian32(frame.data() + kWordBytes);
         head.bytes += kWordBytes;
     }
@@ -95,7 +95,7 @@ void ApeFrameDecoder::decodeSamples(std::span<const uint8_t> coded, bool asMono,
         else
             m_coder->decodeStereo(coder, m_samples.data(), blocks, sums);
         if (coder.isCorrupt || coder.end() > coded.data() + coded.size())
-            failFrame("the coded samples of a frame are damaged");
+            failFrame("its coded samples are damaged");
         for (size_t i = blocks; i-- > 0 && asMono && m_channels == 2;)
             m_samples[2 * i] = m_samples[2 * i + 1] = m_samples[i];
         writePcm(std::span(m_samples).first(blocks * m_channels), m_bitsPerSample, pcm);
@@ -108,7 +108,7 @@ void ApeFrameDecoder::decodeSamples(std::span<const uint8_t> coded, bool asMono,
 void ApeFrameDecoder::check(uint32_t crc) const
 {
     if (apeFrameCrc(m_pcm) != crc)
-        throw ApeError(ApeErrorNumber::InvalidChecksum, "the checksum of a frame does not match its samples");
+        throw ApeError(ApeErrorNumber::InvalidChecksum, "its checksum does not match its samples");
 }
 
 } // namespace nurv

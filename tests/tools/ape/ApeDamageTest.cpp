@@ -61,6 +61,7 @@ TEST_F(ApeDamage, HasTheNumberThatTellsItsKind)
     EXPECT_EQ(errorOf(changed(4, 0x8C)), 1014);                     // version 3980
     EXPECT_EQ(errorOf(changed(52, 1)), 1002);                       // level
     EXPECT_EQ(errorOf(changed(54, 64)), 1013);                      // flags: not from a WAV file
+    EXPECT_EQ(errorOf(changed(54, 32)), 1002);                      // flags: no header, but there is one
     EXPECT_EQ(errorOf(changed(64, 0)), 1008);                       // no frame
     EXPECT_EQ(errorOf(changed(68, 12)), 1005);                      // bits
     EXPECT_EQ(errorOf(changed(70, 3)), 1007);                       // channels

@@ -35,15 +35,15 @@ TEST_P(MacAgainstFfmpeg, HasEverySampleDecoded)
     const TestFolder folder;
     for (const Sound sound : {Sound::Silence, Sound::Square, Sound::Alternation, Sound::Noise, Sound::Bursts,
                               Sound::Sweep, Sound::EqualChannels, Sound::OneChannel, Sound::Music}) {
-        // ffmpeg sums in 64 bits here and has wrong samples where the sums overflow.
-        if (level == ApeLevel::Insane && bits == 24 && sound != Sound::Silence)
-            continue;
         SCOPED_TRACE(static_cast<int>(sound));
         const QByteArray pcm = pcmOf(makeSamples(sound, shape, 100000), shape);
         const QString wavPath = folder.write(u"a.wav"_s, wavOf(pcm, shape));
         const QString apePath = folder.path(u"a.ape"_s);
         ASSERT_EQ(runMac({wavPath, apePath, levelOption(level)}).exitStatus, 0);
-        EXPECT_TRUE(isSame(decodedByFfmpeg(apePath, bits), pcm));
+        // ffmpeg sums in 64 bits here and has wrong samples where the sums overflow.
+        if (level != ApeLevel::Insane || bits != 24 || sound == Sound::Silence) {
+            EXPECT_TRUE(isSame(decodedByFfmpeg(apePath, bits), pcm));
+        }
         ASSERT_EQ(runMac({apePath, folder.path(u"b.wav"_s), u"-d"_s}).exitStatus, 0);
         EXPECT_TRUE(isSame(folder.read(u"b.wav"_s), wavOf(pcm, shape)));
     }

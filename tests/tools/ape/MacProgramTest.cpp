@@ -144,10 +144,11 @@ TEST(MacProgram, ReadsARecordingThatWasNotFinished)
 {
     const TestFolder folder;
     QByteArray unfinished = withDeclaredSize(wav(), 0);
-    unfinished.replace(4, 4, QByteArray(4, '\0'));
-    const QString path = folder.write(u"a.wav"_s, unfinished);
-    ASSERT_EQ(runMac({path, folder.path(u"a.ape"_s), u"-c2000"_s}).exitStatus, 0);
-    EXPECT_TRUE(isSame(runMac({folder.path(u"a.ape"_s), u"-"_s, u"-d"_s}).output, wav()));
+    for (const char size : {'\0', '\xFF'}) {
+        const QString path = folder.write(u"a.wav"_s, unfinished.replace(4, 4, QByteArray(4, size)));
+        ASSERT_EQ(runMac({path, folder.path(u"a.ape"_s), u"-c2000"_s}).exitStatus, 0);
+        EXPECT_TRUE(isSame(runMac({folder.path(u"a.ape"_s), u"-"_s, u"-d"_s}).output, wav()));
+    }
 }
 
 TEST(MacProgram, ReportsFailuresByTheNumberThatItsCallersLookFor)
@@ -187,7 +188,7 @@ TEST(MacProgram, TellsADamagedFrameBehindItsProgress)
         EXPECT_EQ(result.exitStatus, 1);
         EXPECT_THAT(
             result.errors.toStdString(),
-            ::testing::MatchesRegex("[DV][a-z]+\\.\\.\\.\n(Progress: [^\r\n]*\r)+\nmac: [^\n]*\nError: 10(09|10)\n"));
+            ::testing::MatchesRegex("[DV][a-z]+\\.\\.\\.\n(Progress: [^\r\n]*\r)+\nmac: [^\n]*a\\.ape: frame 1 of [0-9]+: its [^\n]*\nError: 10(09|10)\n"));
     }
     EXPECT_EQ(folder.read(u"former.wav"_s), "former");
     EXPECT_EQ(folder.list(), (QStringList{u"a.ape"_s, u"former.wav"_s}));
