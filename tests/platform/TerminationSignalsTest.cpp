@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/TerminationSignals.h"
 
+#include "platform/PlatformLog.h"
 #include "support/WaitUntil.h"
 
 #include <gtest/gtest.h>
@@ -99,6 +100,8 @@ TEST(TerminationSignals, LeaveASignalIgnoredThatTheProgramWasStartedToIgnore)
 
 TEST(TerminationSignals, EndTheProcessAsEverWithoutAPipe)
 {
+    // A sanitizer that meets the log's stream for the first time takes a pipe to look at it.
+    qCWarning(platformLog).noquote() << "about to take all descriptors away";
     rlimit former = {};
     ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &former), 0);
     const rlimit none{0, former.rlim_max};
