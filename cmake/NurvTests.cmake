@@ -4,6 +4,9 @@ find_package(GTest REQUIRED)
 find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
 include(GoogleTest)
 
+# All tests with that label, for builds that run no others.
+add_custom_target(unit_tests)
+
 # nurv_test(<name> LABELS ... SOURCES ... LINKS ...): one test executable per
 # folder, run headless with a home folder of its own. Tests of views link
 # nurv_gui_test_support, whose application object can show widgets.
@@ -18,6 +21,9 @@ function(nurv_test name)
   set_target_properties(${name}_test PROPERTIES
     UNITY_BUILD OFF
     RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
+  if("unit" IN_LIST ARG_LABELS)
+    add_dependencies(unit_tests ${name}_test)
+  endif()
   gtest_discover_tests(${name}_test
     DISCOVERY_MODE PRE_TEST
     DISCOVERY_TIMEOUT 60
