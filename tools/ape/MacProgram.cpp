@@ -52,6 +52,11 @@ void decode(const MacOptions &options, InputFile &input, ApeSource &source, ApeP
     OutputFile output(options.output, input);
     progress.start("Decompressing...", source.totalBlocks());
     bool isFirst = true;
+    const auto onBlocks = [&](size_t blocks) {
+        progress.add(blocks);
+        // A frame may take a second.
+        output.checkReader();
+    };
     source.decode(
         [&](std::span<const uint8_t> bytes) {
             output.write(bytes);
@@ -59,7 +64,7 @@ void decode(const MacOptions &options, InputFile &input, ApeSource &source, ApeP
             if (std::exchange(isFirst, false))
                 output.flush();
         },
-        [&](size_t blocks) { progress.add(blocks); });
+        onBlocks);
     output.commit();
 }
 

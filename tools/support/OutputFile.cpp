@@ -13,6 +13,7 @@
 #include <stdexcept>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -96,6 +97,13 @@ void OutputFile::flush()
 {
     writeThrough(m_buffer);
     m_buffer.clear();
+}
+
+void OutputFile::checkReader() const
+{
+    pollfd reader{.fd = m_descriptor, .events = 0, .revents = 0};
+    if (::poll(&reader, 1, 0) == 1 && (reader.revents & POLLERR) != 0)
+        throw ClosedPipe();
 }
 
 bool OutputFile::isSeekable() const

@@ -36,6 +36,10 @@ public:
     /// Hands what is buffered to the system. Throws as `write`.
     void flush();
 
+    /// Throws ClosedPipe where the reader of a pipe went away: before work for a write
+    /// that would only find that out.
+    void checkReader() const;
+
     /// Whether the output can be written again at an earlier place.
     [[nodiscard]] bool isSeekable() const;
 

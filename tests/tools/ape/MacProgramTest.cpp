@@ -237,6 +237,28 @@ TEST(MacProgram, EndsQuietlyWhenItsReaderGoesAway)
     }
 }
 
+TEST(MacProgram, DecodesNoFrameForAReaderThatWentAway)
+{
+    // One frame of 25 seconds: the times of the processor tell how much of it was decoded.
+    const TestFolder folder;
+    const QString path = folder.write(u"x.ape"_s, encoded(wavOf(Sound::Music, {}, 44100 * 25), ApeLevel::Insane));
+    const ProgramResult times =
+        runProgram(u"python3"_s, {u"-c"_s,
+                                  u"import os,subprocess,sys\n"
+                                  "def seconds(child):\n"
+                                  "    _, status, usage = os.wait4(child.pid, 0)\n"
+                                  "    return usage.ru_utime + usage.ru_stime\n"
+                                  "command = sys.argv[1:] + ['-', '-d']\n"
+                                  "whole = seconds(subprocess.Popen(command, stdout=subprocess.DEVNULL))\n"
+                                  "child = subprocess.Popen(command, stdout=subprocess.PIPE)\n"
+                                  "child.stdout.read(44)\n"
+                                  "child.stdout.close()\n"
+                                  "header = seconds(child)\n"
+                                  "print('little' if header < whole / 2 else f'{header} of {whole} s')\n"_s,
+                                  mac(), path});
+    EXPECT_EQ(times.output, "little\n") << times.errors.constData();
+}
+
 TEST(MacProgram, WritesTheHeaderBeforeItHasTheFirstFrame)
 {
     QProcess process;

@@ -222,6 +222,18 @@ TEST_F(OutputFileTest, WritesToANamedPipeAsItIs)
     EXPECT_EQ(m_folder.list(), (QStringList{u"in"_s, u"pipe"_s}));
 }
 
+TEST_F(OutputFileTest, TellsWithoutAWriteThatTheReaderWentAway)
+{
+    ASSERT_EQ(::mkfifo(path(u"pipe"_s).c_str(), 0600), 0);
+    const int reader = ::open(path(u"pipe"_s).c_str(), O_RDONLY | O_NONBLOCK);
+    const OutputFile output(path(u"pipe"_s), input());
+    EXPECT_NO_THROW(output.checkReader());
+    ::close(reader);
+    EXPECT_THROW(output.checkReader(), ClosedPipe);
+    EXPECT_NO_THROW(OutputFile(path(u"file"_s), input()).checkReader());
+    EXPECT_NO_THROW(OutputFile("/dev/null", input()).checkReader());
+}
+
 } // namespace
 
 } // namespace nurv::test
