@@ -5,6 +5,7 @@
 #include "ape/ApeError.h"
 #include "ape/ApePcm.h"
 #include "support/Bytes.h"
+#include "support/Id3v2.h"
 #include "support/InputFile.h"
 
 extern "C" {
@@ -111,6 +112,7 @@ void ApeLegacyDecoder::openCodec()
 /// A file with a descriptor tells where they are.
 void ApeLegacyDecoder::findStoredParts()
 {
+    skipId3v2Tags(m_input);
     const uint64_t start = m_input.position();
     std::array<uint8_t, kApeDescriptorBytes> bytes{};
     if (m_input.read(bytes) < bytes.size() || littleEndian32(bytes.data()) != 0x2043414D)

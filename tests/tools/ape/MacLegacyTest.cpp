@@ -95,6 +95,10 @@ TEST(MacLegacy, GivesBackTheStoredPartsOfVersion3980)
     ape.replace(4, 2, QByteArray::fromHex("8c0f"));
     const QString path = folder.write(u"a.ape"_s, ape);
     EXPECT_TRUE(isSame(runMac({path, u"-"_s, u"-d"_s}).output, wav));
+    // Behind a tag, too.
+    const QByteArray tag = QByteArray::fromHex("49443303000000000014") + QByteArray(20, 't');
+    const QString tagged = folder.write(u"tagged.ape"_s, tag + ape);
+    EXPECT_TRUE(isSame(runMac({tagged, u"-"_s, u"-d"_s}).output, wav));
 }
 
 TEST(MacLegacy, ReportsDamageByNumber)
