@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <vector>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace nurv {
@@ -37,10 +38,30 @@ std::vector<std::string> foldersOf(const std::string &path)
     return folders;
 }
 
-bool isAnotherProgram(const std::string &path)
+/// The front ends that handed over before they came to this one, as identityOf tells them.
+/// Each leaves itself there: copies of one could start each other for ever.
+constexpr char kFrontEnds[] = "NURV_SHNTOOL_FRONT_ENDS";
+
+/// "DEVICE:INODE ", nothing of what is no executable file.
+std::string identityOf(const std::string &path)
 {
-    std::error_code error;
-    return fs::is_regular_file(path, error) && ::access(path.c_str(), X_OK) == 0 && !fs::equivalent(path, kSelf, error);
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode) || ::access(path.c_str(), X_OK) != 0)
+        return {};
+    return std::to_string(status.st_dev) + ':' + std::to_string(status.st_ino) + ' ';
+}
+
+/// This program among them.
+std::string frontEnds()
+{
+    const char *former = std::getenv(kFrontEnds);
+    return (former ? former : " ") + identityOf(kSelf);
+}
+
+bool isDistributionProgram(const std::string &path, const std::string &frontEnds)
+{
+    const std::string identity = identityOf(path);
+    return !identity.empty() && frontEnds.find(' ' + identity) == std::string::npos;
 }
 
 } // namespace
@@ -52,12 +73,14 @@ std::string ownFolder()
 
 std::optional<std::string> findDistributionProgram(const std::string &usual)
 {
-    if (isAnotherProgram(usual))
+    const std::string passedOver = frontEnds();
+    ::setenv(kFrontEnds, passedOver.c_str(), 1);
+    if (isDistributionProgram(usual, passedOver))
         return usual;
     for (const std::string &folder : foldersOf(searchPath())) {
         // An empty entry is the current folder.
         const std::string path = (folder.empty() ? "." : folder) + "/shntool";
-        if (isAnotherProgram(path))
+        if (isDistributionProgram(path, passedOver))
             return path;
     }
     return std::nullopt;

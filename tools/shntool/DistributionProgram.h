@@ -11,7 +11,8 @@ namespace nurv {
 [[nodiscard]] std::string ownFolder();
 
 /// The shntool of the distribution: `usual` where that exists, else the first along
-/// PATH that is not this program. Nothing where there is none.
+/// PATH that is not this program, nor another copy of it: one found by mistake is told
+/// by the environment what is none. Nothing where there is none.
 [[nodiscard]] std::optional<std::string> findDistributionProgram(const std::string &usual);
 
 /// PATH with the folder at its end, unless it is among them.

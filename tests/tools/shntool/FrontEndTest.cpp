@@ -108,6 +108,24 @@ TEST_F(FrontEnd, NeverStartsItself)
     EXPECT_EQ(runProgram(program(), {u"len"_s}).output, "found\n");
 }
 
+TEST_F(FrontEnd, PassesOverOtherCopiesOfItself)
+{
+    QByteArray path;
+    for (const QString &name : {u"first"_s, u"second"_s, u"fourth"_s}) {
+        m_folder.makeFolder(name);
+        ASSERT_TRUE(QFile::copy(program(), m_folder.path(name + u"/shntool"_s)));
+        path += (path.isEmpty() ? "" : ":") + QFile::encodeName(m_folder.path(name));
+    }
+    const QByteArray former = qgetenv("PATH");
+    qputenv("PATH", path);
+    const ProgramResult alone = runProgram(program(), {u"-v"_s});
+    EXPECT_EQ(alone.exitStatus, 127);
+    EXPECT_THAT(alone.errors.toStdString(), HasSubstr("the package \"shntool\" provides it"));
+    standIn("echo found");
+    qputenv("PATH", path + ':' + former);
+    EXPECT_EQ(runProgram(program(), {u"len"_s}).output, "found\n");
+}
+
 TEST_F(FrontEnd, SaysWhichPackageIsMissing)
 {
     qputenv("PATH", "/nowhere");
