@@ -5,7 +5,6 @@
 #include "ape/ApeError.h"
 #include "ape/ApeFileWriter.h"
 #include "ape/ApeFrameEncoder.h"
-#include "support/Bytes.h"
 #include "support/InputFile.h"
 #include "support/OutputFile.h"
 
@@ -17,18 +16,14 @@ namespace {
 
 /// Programs that write to a pipe announce about this much when they do not know better.
 constexpr uint32_t kLeastGuess = 0x7FFF0000;
-constexpr uint32_t kRiffSizeOffset = 4;
-/// What programs write that do not know it.
-constexpr uint32_t kUnknownSize = 0xFFFFFFFF;
-constexpr uint32_t kRiffHeadBytes = 8;
 
 } // namespace
 
 ApeEncoder::ApeEncoder(InputFile &input, ApeLevel level, ApeInstructionSet set)
-    : m_input(input), m_wave(input), m_level(level), m_set(set)
+    : m_input(input), m_wave(input), m_level(level), m_set(set),
+      m_isLengthUncertain(m_wave.hasUnknownSize() || (!input.size() && m_wave.declaredDataBytes() >= kLeastGuess))
 {
     checkFormat();
-    settleSize();
 }
 
 void ApeEncoder::checkFormat() const
@@ -45,21 +40,6 @@ void ApeEncoder::checkFormat() const
         refuse(ApeErrorNumber::UnsupportedChannels, "only one and two channels are supported");
     if (format.sampleRateHz == 0)
         refuse(ApeErrorNumber::UnsupportedSampleRate, "the sample rate is 0");
-}
-
-void ApeEncoder::settleSize()
-{
-    const std::optional<uint64_t> size = m_input.size();
-    m_isLengthUncertain = m_wave.hasUnknownSize() || (!size && m_wave.declaredDataBytes() >= kLeastGuess);
-    if (!m_wave.hasUnknownSize() || !size || m_wave.declaredDataBytes() != 0)
-        return;
-    // The chunks that follow an empty data chunk are no sound where the whole file is
-    // accounted for; where it is not, a recording was not finished.
-    const uint64_t riffBytes = littleEndian32(m_wave.header().data() + kRiffSizeOffset);
-    if (riffBytes != kUnknownSize && riffBytes + kRiffHeadBytes >= *size) {
-        m_wave.treatUnknownSizeAsDeclared();
-        m_isLengthUncertain = false;
-    }
 }
 
 uint64_t ApeEncoder::expectedBlocks() const

@@ -25,15 +25,15 @@ public:
     /// Blocks that the header announces, or that the input has room for; 0 when nobody knows.
     [[nodiscard]] uint64_t expectedBlocks() const;
 
-    /// Writes the whole file; committing it is left to the caller. What stands around the
-    /// samples is stored, so that decoding gives the same bytes, except where the header
-    /// of a stream does not know its length: then the decoder shall make one. What must wait
-    /// for the end is kept in `spoolFolder`.
+    /// Writes the whole file; committing it is left to the caller. What stands
+    /// around the samples is stored, so that decoding gives the same bytes, except where the
+    /// header of a stream does not know its length: then the decoder shall make one. What
+    /// must wait for the end is kept in `spoolFolder`. Throws ToolError(Read) where the input
+    /// changed since it was opened, and as OutputFile.
     void encode(OutputFile &output, const std::string &spoolFolder, const std::function<void(size_t)> &onBlocks = {});
 
 private:
     void checkFormat() const;
-    void settleSize();
     [[nodiscard]] uint64_t encodeFrames(ApeFileWriter &writer, const std::function<void(size_t)> &onBlocks);
     void storeTrailing(ApeFileWriter &writer);
 
@@ -42,7 +42,7 @@ private:
     ApeLevel m_level;
     ApeInstructionSet m_set;
     /// The length that the header announces may be a guess.
-    bool m_isLengthUncertain = false;
+    bool m_isLengthUncertain;
 };
 
 } // namespace nurv

@@ -74,11 +74,19 @@ void WaveReader::readUpToPayload()
     }
     if (m_format.blockAlign == 0)
         refuse(m_input, "the WAV file has no fmt chunk before its data chunk");
-    treatUnknownSizeAsDeclared();
-    if (m_declaredDataBytes == kUnknownSize || (m_declaredDataBytes == 0 && !m_input.peek(1).empty())) {
-        m_hasUnknownSize = true;
-        m_payloadLimit = std::numeric_limits<uint64_t>::max();
-    }
+    m_hasUnknownSize = m_declaredDataBytes == kUnknownSize
+                       || (m_declaredDataBytes == 0 && !isAccountedFor() && !m_input.peek(1).empty());
+    m_payloadLimit = m_hasUnknownSize ? std::numeric_limits<uint64_t>::max()
+                                      : m_declaredDataBytes - m_declaredDataBytes % m_format.blockAlign;
+}
+
+/// Whether the RIFF chunk goes to the end of the file, as it does once a recording is
+/// finished.
+bool WaveReader::isAccountedFor() const
+{
+    constexpr uint64_t kRiffHeadBytes = 8;
+    const uint32_t riffBytes = littleEndian32(m_header.data() + 4);
+    return m_input.size() && riffBytes != kUnknownSize && riffBytes + kRiffHeadBytes >= *m_input.size();
 }
 
 /// Adds that many bytes to the header, fewer at the end of the input, and returns them.
@@ -142,12 +150,6 @@ uint32_t WaveReader::declaredDataBytes() const
 bool WaveReader::hasUnknownSize() const
 {
     return m_hasUnknownSize;
-}
-
-void WaveReader::treatUnknownSizeAsDeclared()
-{
-    m_hasUnknownSize = false;
-    m_payloadLimit = m_declaredDataBytes - m_declaredDataBytes % m_format.blockAlign;
 }
 
 size_t WaveReader::readPayload(std::span<uint8_t> bytes)

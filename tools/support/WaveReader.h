@@ -46,11 +46,10 @@ public:
     /// What the `data` chunk says of itself. Pipes say 0 or 0xFFFFFFFF when unknown.
     [[nodiscard]] uint32_t declaredDataBytes() const;
 
-    /// Whether the declared size is one of those that mean "to the end of the input":
-    /// 0 with bytes following, or 0xFFFFFFFF. The payload is then read to the end. Call
-    /// `treatUnknownSizeAsDeclared` first to have it as it stands.
+    /// Whether the declared size is one of those that mean "to the end of the input", up
+    /// to which the payload is then read: 0xFFFFFFFF, or 0 with bytes following. But the
+    /// RIFF chunk of a file may tell that these are the chunks behind an empty one.
     [[nodiscard]] bool hasUnknownSize() const;
-    void treatUnknownSizeAsDeclared();
 
     /// Reads whole sample frames into `bytes`, whose size is a multiple of the block align.
     /// Returns the bytes read, fewer than asked for at the end of the payload only.
@@ -66,6 +65,7 @@ private:
     std::span<const uint8_t> takeIntoHeader(uint64_t count);
     void readUpToPayload();
     void readFormat(std::span<const uint8_t> chunk);
+    [[nodiscard]] bool isAccountedFor() const;
 
     InputFile &m_input;
     WaveFormat m_format;

@@ -166,16 +166,26 @@ TEST(WaveReader, ReadsToTheEndWhenTheSizeIsUnknown)
     }
 }
 
-TEST(WaveReader, TakesTheSizeAsItStandsWhereToldSo)
+TEST(WaveReader, BelievesAnEmptyDataChunkWhereTheWholeFileIsAccountedFor)
 {
-    const QByteArray bytes = wavSaying(0, "trailing");
-    InputFile input(bytesOf(bytes));
-    WaveReader reader(input);
-    reader.treatUnknownSizeAsDeclared();
-    EXPECT_FALSE(reader.hasUnknownSize());
-    const Pieces pieces = piecesOf(reader);
-    EXPECT_EQ(pieces.payload, "");
-    EXPECT_EQ(pieces.trailing, "trailing");
+    const QByteArray tail = riffChunk("LIST", "INFOICMT");
+    const auto accounted = static_cast<quint32>(36 + tail.size());
+    for (const quint32 riffBytes : {accounted, accounted + 100}) {
+        const QByteArray bytes = wavSaying(0, tail).replace(4, 4, littleEndian(riffBytes));
+        InputFile input(bytesOf(bytes));
+        WaveReader reader(input);
+        EXPECT_FALSE(reader.hasUnknownSize());
+        const Pieces pieces = piecesOf(reader);
+        EXPECT_EQ(pieces.payload, "");
+        EXPECT_EQ(pieces.trailing, tail);
+    }
+    // A recording that was not finished.
+    for (const quint32 riffBytes : {0U, 36U, accounted - 1, 0xFFFF'FFFFU}) {
+        InputFile input(bytesOf(wavSaying(0, tail).replace(4, 4, littleEndian(riffBytes))));
+        WaveReader reader(input);
+        EXPECT_TRUE(reader.hasUnknownSize());
+        EXPECT_EQ(piecesOf(reader).payload, tail);
+    }
 }
 
 TEST(WaveReader, KnowsThatAnEmptyFileIsEmpty)

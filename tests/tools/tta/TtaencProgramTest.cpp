@@ -152,9 +152,11 @@ TEST(TtaencProgram, EncodesPipesWhoseLengthIsUnknownOrWrong)
     const std::vector<uint8_t> part(pcm().begin(), pcm().begin() + 40000);
     EXPECT_TRUE(encoded(withDeclaredSize(file, 40000)) == toQt(ttaOf(part, shorter)));
     EXPECT_TRUE(encoded(withDeclaredSize(file, 40003)) == toQt(ttaOf(part, shorter)));
-    // The same as files.
+    // The same as files; a recording that was not finished knows no size at all.
     for (const quint32 size : {0U, 0xFFFFFFFFU, 0x7FFFFFFFU}) {
-        const QString path = folder.write(u"x.wav"_s, withDeclaredSize(file, size));
+        QByteArray unfinished = withDeclaredSize(file, size);
+        unfinished.replace(4, 4, QByteArray(4, '\0'));
+        const QString path = folder.write(u"x.wav"_s, unfinished);
         EXPECT_EQ(runTtaenc({path, u"-o"_s, folder.path(u"x.tta"_s)}).exitStatus, 0);
         EXPECT_TRUE(folder.read(u"x.tta"_s) == tta()) << size;
     }
@@ -209,6 +211,19 @@ TEST(TtaencProgram, EncodesNoSamples)
     EXPECT_EQ(runTtaenc({u"-t"_s, folder.path(u"x.tta"_s)}).exitStatus, 0);
     EXPECT_TRUE(runTtaenc({u"-d"_s, folder.path(u"x.tta"_s), u"-o"_s, u"-"_s}).output == empty);
     EXPECT_TRUE(runTtaenc({u"-e"_s, u"-"_s, u"-o"_s, u"-"_s}, empty).output == folder.read(u"x.tta"_s));
+}
+
+TEST(TtaencProgram, TakesTheChunksBehindAnEmptyDataChunkForNoSound)
+{
+    const TestFolder folder;
+    QByteArray file = wavOf({}, kShape);
+    ASSERT_EQ(file.size(), 44);
+    file += riffChunk("LIST", "INFOICMT");
+    file[4] = static_cast<char>(file.size() - 8);
+    const QString path = folder.write(u"x.wav"_s, file);
+    EXPECT_EQ(runTtaenc({u"-e"_s, path, u"-o"_s, folder.path(u"x.tta"_s)}).exitStatus, 0);
+    EXPECT_EQ(folder.read(u"x.tta"_s).size(), 26);
+    EXPECT_TRUE(runTtaenc({u"-d"_s, folder.path(u"x.tta"_s), u"-o"_s, u"-"_s}).output == wavOf({}, kShape));
 }
 
 TEST(TtaencProgram, RefusesWhatItCannotEncodeAndSaysWhy)
