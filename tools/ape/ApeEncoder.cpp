@@ -77,6 +77,7 @@ void ApeEncoder::encode(OutputFile &output, const std::string &spoolFolder, cons
         writer.forgetStoredHeader();
     else
         storeTrailing(writer);
+    m_input.checkEnd();
     writer.finish();
 }
 

@@ -50,6 +50,7 @@ void compress(const ShortenOptions &options)
     ShortenEncoder encoder(
         header, [&output](std::span<const uint8_t> bytes) { output.write(bytes); }, table ? &*table : nullptr);
     const uint64_t streamBytes = encodeWave(wave, header, encoder);
+    input.checkEnd();
     if (table)
         output.write(table->finish(streamBytes));
     output.commit();

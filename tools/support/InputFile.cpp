@@ -132,6 +132,12 @@ std::optional<uint64_t> InputFile::size() const
     return m_size;
 }
 
+void InputFile::checkEnd() const
+{
+    if (m_size && position() != *m_size)
+        throw ToolError(ToolError::Kind::Read, "cannot read " + m_name + ": it changed while it was read");
+}
+
 void InputFile::seek(uint64_t offset)
 {
     if (!m_size)

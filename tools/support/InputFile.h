@@ -42,6 +42,11 @@ public:
     /// Bytes from the start to the end, of regular files only.
     [[nodiscard]] std::optional<uint64_t> size() const;
 
+    /// Where all of the input was taken. Throws ToolError(Read) for a regular file whose
+    /// end was not where it was when the file was opened: what was made of it may lack
+    /// something.
+    void checkEnd() const;
+
     /// Continues at that offset, of regular files only. Throws ToolError(Read).
     void seek(uint64_t offset);
 

@@ -1,12 +1,20 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "ape/ApeEncoder.h"
 #include "ape/ApeError.h"
 #include "ApeSounds.h"
 #include "support/AudioFixtures.h"
+#include "support/InputFile.h"
+#include "support/OutputFile.h"
+#include "support/TestFolder.h"
+
+#include <QFile>
 
 #include <gtest/gtest.h>
 
 #include <tuple>
+
+using namespace Qt::StringLiterals;
 
 namespace nurv::test {
 
@@ -131,6 +139,38 @@ TEST(ApeEncoderInput, IsRefusedWithTheNumberThatTellsWhy)
     QByteArray empty = wavOf({}, PcmShape{}) + riffChunk("LIST", "INFO");
     empty[4] = static_cast<char>(empty.size() - 8);
     EXPECT_EQ(errorOf(empty), 1008);
+}
+
+/// The number that encoding fails with when the file gets another size after its header was read.
+int errorOfChanging(const QByteArray &wav, qint64 size)
+{
+    const TestFolder folder;
+    const QString path = folder.write(u"a.wav"_s, wav);
+    InputFile input(path.toStdString());
+    ApeEncoder encoder(input, ApeLevel::Fast);
+    OutputFile output(folder.path(u"a.ape"_s).toStdString(), input);
+    EXPECT_TRUE(QFile::resize(path, size));
+    try {
+        encoder.encode(output, folder.path().toStdString());
+    } catch (const ToolError &error) {
+        return static_cast<int>(apeErrorNumber(error));
+    }
+    return 0;
+}
+
+TEST(ApeEncoderInput, IsRefusedWhenItsSizeChangesMeanwhile)
+{
+    QByteArray wav = wavOf(Sound::Music, {}, 300'000);
+    EXPECT_EQ(errorOfChanging(wav, wav.size()), 0);
+    EXPECT_EQ(errorOfChanging(wav, wav.size() / 2), 1000);
+    EXPECT_EQ(errorOfChanging(wav, wav.size() + 1), 1000);
+    // The chunks behind the sound.
+    EXPECT_EQ(errorOfChanging(wav + riffChunk("LIST", QByteArray(1000, 'x')), wav.size() + 500), 1000);
+    // The size unknown.
+    wav.replace(40, 4, QByteArray(4, '\xFF'));
+    EXPECT_EQ(errorOfChanging(wav, wav.size()), 0);
+    EXPECT_EQ(errorOfChanging(wav, wav.size() / 2), 1000);
+    EXPECT_EQ(errorOfChanging(wav, wav.size() * 2), 1000);
 }
 
 } // namespace

@@ -73,6 +73,19 @@ void feed(QProcess &process, const QByteArray &bytes, QCryptographicHash &output
 
 } // namespace
 
+TEST(ShortenProgram, RefusesAFileThatShrinksWhileItIsRead)
+{
+    // It waits in the named pipe, with less than half of the sound read.
+    const TestFolder folder;
+    const QByteArray wave = asArray(Wave{.frames = 1'000'000}.file());
+    const ProgramResult result = runShell(u"mkfifo \"$2\"; \"$0\" \"$1\" \"$2\" & exec 3< \"$2\"; head -c 1 <&3 > $3; "
+                                          "truncate -s 3000000 \"$1\"; cat <&3 >> $3; wait $!"_s,
+                                          {folder.write(u"in.wav"_s, wave), folder.path(u"pipe"_s), u"/dev/null"_s});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_EQ(result.errors,
+              "shorten: cannot read " + folder.path(u"in.wav"_s).toUtf8() + ": it changed while it was read\n");
+}
+
 TEST(ShortenProgram, ReadsAndWritesFilesAndStreams)
 {
     const TestFolder folder;
