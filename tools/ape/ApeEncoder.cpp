@@ -52,7 +52,7 @@ uint64_t ApeEncoder::expectedBlocks() const
     return (size ? std::min(declared, present) : declared) / m_wave.format().blockAlign;
 }
 
-void ApeEncoder::encode(OutputFile &output, const std::string &spoolFolder, const std::function<void(size_t)> &onBlocks)
+void ApeEncoder::encode(OutputFile &output, const std::function<void(size_t)> &onBlocks)
 {
     const WaveFormat &format = m_wave.format();
     ApeHeader header;
@@ -68,7 +68,7 @@ void ApeEncoder::encode(OutputFile &output, const std::string &spoolFolder, cons
         if (*frames == 0)
             throw ApeError(ApeErrorNumber::InputTooSmall, m_input.name() + ": there is no sound to compress");
     }
-    ApeFileWriter writer(output, header, m_wave.header(), frames, spoolFolder);
+    ApeFileWriter writer(output, header, m_wave.header(), frames);
     const uint64_t blocks = encodeFrames(writer, onBlocks);
     if (blocks == 0)
         throw ApeError(ApeErrorNumber::InputTooSmall, m_input.name() + ": there is no sound to compress");

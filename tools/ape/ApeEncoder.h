@@ -7,7 +7,6 @@
 #include "support/WaveReader.h"
 
 #include <functional>
-#include <string>
 
 namespace nurv {
 
@@ -27,10 +26,9 @@ public:
 
     /// Writes the whole file; committing it is left to the caller. What stands
     /// around the samples is stored, so that decoding gives the same bytes, except where the
-    /// header of a stream does not know its length: then the decoder shall make one. What
-    /// must wait for the end is kept in `spoolFolder`. Throws ToolError(Read) where the input
-    /// changed since it was opened, and as OutputFile.
-    void encode(OutputFile &output, const std::string &spoolFolder, const std::function<void(size_t)> &onBlocks = {});
+    /// header of a stream does not know its length: then the decoder shall make one. Throws
+    /// ToolError(Read) where the input changed since it was opened, and as OutputFile.
+    void encode(OutputFile &output, const std::function<void(size_t)> &onBlocks = {});
 
 private:
     void checkFormat() const;

@@ -19,7 +19,7 @@ constexpr size_t kWordBytes = 4;
 } // namespace
 
 ApeFileWriter::ApeFileWriter(OutputFile &output, const ApeHeader &header, std::span<const uint8_t> storedHeader,
-                             std::optional<uint32_t> expectedFrames, const std::string &spoolFolder)
+                             std::optional<uint32_t> expectedFrames)
     : m_output(output), m_header(header), m_storedHeader(storedHeader.begin(), storedHeader.end())
 {
     if (expectedFrames && output.isSeekable()) {
@@ -29,7 +29,7 @@ ApeFileWriter::ApeFileWriter(OutputFile &output, const ApeHeader &header, std::s
         m_output.write(seekTable());
         m_output.write(m_storedHeader);
     } else {
-        m_waiting.emplace(spoolFolder);
+        m_waiting.emplace(m_output.spoolFolder());
     }
 }
 

@@ -8,7 +8,6 @@
 
 #include <optional>
 #include <span>
-#include <string>
 #include <vector>
 
 namespace nurv {
@@ -26,7 +25,7 @@ public:
     /// `header` has everything but the numbers of frames and blocks, which the frames
     /// give.
     ApeFileWriter(OutputFile &output, const ApeHeader &header, std::span<const uint8_t> storedHeader,
-                  std::optional<uint32_t> expectedFrames, const std::string &spoolFolder);
+                  std::optional<uint32_t> expectedFrames);
     ApeFileWriter(const ApeFileWriter &) = delete;
     ApeFileWriter &operator=(const ApeFileWriter &) = delete;
 

@@ -8,7 +8,6 @@
 #include "ape/MacOptions.h"
 #include "support/InputFile.h"
 #include "support/OutputFile.h"
-#include "support/SpoolFile.h"
 #include "support/ToolMain.h"
 
 #include <cstdio>
@@ -43,7 +42,7 @@ void encode(const MacOptions &options, ApeProgress &progress)
     ApeEncoder encoder(input, options.level);
     OutputFile output(options.output, input);
     progress.start("Compressing...", encoder.expectedBlocks());
-    encoder.encode(output, spoolFolder(options.output), [&](size_t blocks) { progress.add(blocks); });
+    encoder.encode(output, [&](size_t blocks) { progress.add(blocks); });
     output.commit();
 }
 

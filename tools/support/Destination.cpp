@@ -9,7 +9,9 @@
 #include <filesystem>
 
 #include <fcntl.h>
+#include <linux/magic.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 namespace nurv {
@@ -21,6 +23,15 @@ constexpr int kLongestLinkChain = 40;
 [[noreturn]] void failWrite(const std::string &name, int error)
 {
     throw ToolError(ToolError::Kind::Write, "cannot write " + name + ": " + errorText(error));
+}
+
+/// Whether it is in the file system of processes, whose links lead to open files,
+/// whatever has their names by now.
+bool isLinkOfAProcess(const std::filesystem::path &link)
+{
+    struct statfs system {};
+    const std::filesystem::path folder = link.parent_path();
+    return ::statfs(folder.empty() ? "." : folder.c_str(), &system) == 0 && system.f_type == PROC_SUPER_MAGIC;
 }
 
 } // namespace
@@ -43,6 +54,10 @@ std::string destinationOf(const std::string &name)
         const fs::path target = fs::read_symlink(path, notALink);
         if (notALink)
             return path;
+        if (isLinkOfAProcess(path)) {
+            throw ToolError(ToolError::Kind::Write,
+                            "cannot write " + name + ": it stands for an open file, which cannot be replaced");
+        }
         path = path.parent_path() / target;
     }
     failWrite(name, ELOOP);

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <stdexcept>
 
 #include <fcntl.h>
@@ -23,22 +24,25 @@ namespace {
 
 constexpr size_t kBufferBytes = 128 * 1024;
 
+bool isOpenAs(const struct stat &file, int descriptor)
+{
+    struct stat status {};
+    return ::fstat(descriptor, &status) == 0 && status.st_dev == file.st_dev && status.st_ino == file.st_ino;
+}
+
 /// Only a regular file loses what is read from it when it is written.
 void refuseTheSameFile(const struct stat &output, const InputFile &input)
 {
-    struct stat status {};
-    if (S_ISREG(output.st_mode) && ::fstat(input.descriptor(), &status) == 0 && status.st_dev == output.st_dev
-        && status.st_ino == output.st_ino) {
+    if (S_ISREG(output.st_mode) && isOpenAs(output, input.descriptor()))
         throw ToolError(ToolError::Kind::BadArguments, "the output is the same file as the input: " + input.name());
-    }
 }
 
 } // namespace
 
 OutputFile::OutputFile(const std::string &name, const InputFile &input)
-    : m_name(name == "-" ? "standard output" : name), m_isStandardOutput(name == "-")
+    : m_name(name == "-" ? "standard output" : name)
 {
-    if (m_isStandardOutput)
+    if (name == "-")
         openStandardOutput(input);
     else
         openNamed(input);
@@ -49,6 +53,7 @@ OutputFile::~OutputFile() = default;
 
 void OutputFile::openStandardOutput(const InputFile &input)
 {
+    m_isStandardOutput = true;
     m_direct = FileDescriptor(::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3));
     struct stat status {};
     if (!m_direct.isOpen() || ::fstat(m_direct.get(), &status) != 0)
@@ -69,6 +74,11 @@ void OutputFile::openNamed(const InputFile &input)
 {
     struct stat status {};
     const bool exists = ::stat(m_name.c_str(), &status) == 0;
+    // /dev/stdout, for one: a new file in its place would take away what is in it already.
+    if (exists && isOpenAs(status, STDOUT_FILENO)) {
+        openStandardOutput(input);
+        return;
+    }
     if (exists && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode)) {
         m_direct = FileDescriptor(::open(m_name.c_str(), O_WRONLY | O_CLOEXEC));
         if (!m_direct.isOpen())
@@ -118,6 +128,15 @@ void OutputFile::overwrite(uint64_t offset, std::span<const uint8_t> bytes)
     flush();
     if (!writeAllAt(m_descriptor, bytes, m_origin + offset))
         failWrite(errno);
+}
+
+std::string OutputFile::spoolFolder() const
+{
+    if (m_temporary)
+        return m_temporary->folder();
+    // Not /tmp by itself, which may be memory.
+    const char *folder = std::getenv("TMPDIR");
+    return folder != nullptr && *folder != '\0' ? folder : "/var/tmp";
 }
 
 uint64_t OutputFile::position() const

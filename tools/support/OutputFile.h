@@ -22,8 +22,8 @@ class TemporaryFile;
 /// A symbolic link stays: the file that it names is replaced.
 class OutputFile {
 public:
-    /// `name` is a path, or "-" for standard output. Throws ToolError(Write), and
-    /// ToolError(BadArguments) where `input` is the same file.
+    /// `name` is a path, or "-" for standard output, as is any other name of the same
+    /// file. Throws ToolError(Write), and ToolError(BadArguments) where `input` is that file.
     OutputFile(const std::string &name, const InputFile &input);
     /// Removes the temporary file of an output that was not committed.
     ~OutputFile();
@@ -46,6 +46,10 @@ public:
     /// Writes over bytes that are written already; the position stays at the end.
     /// Seekable outputs only. Throws as `write`.
     void overwrite(uint64_t offset, std::span<const uint8_t> bytes);
+
+    /// Where bytes that must wait belong: beside a file to be, for which there must be room
+    /// anyway, else in the folder for temporary files.
+    [[nodiscard]] std::string spoolFolder() const;
 
     /// Bytes written so far.
     [[nodiscard]] uint64_t position() const;

@@ -7,8 +7,6 @@
 
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
-#include <filesystem>
 #include <vector>
 
 #include <fcntl.h>
@@ -66,17 +64,6 @@ void SpoolFile::read(const std::function<void(std::span<const uint8_t>)> &work) 
         work(std::span<const uint8_t>(piece).first(static_cast<size_t>(count)));
     if (start != 0 || count < 0)
         throw ToolError(ToolError::Kind::Read, "cannot read a temporary file in " + m_folder + ": " + errorText(errno));
-}
-
-std::string spoolFolder(const std::string &outputName)
-{
-    if (outputName != "-") {
-        const std::filesystem::path folder = std::filesystem::path(outputName).parent_path();
-        return folder.empty() ? "." : folder.string();
-    }
-    // Not /tmp by itself, which may be memory.
-    const char *folder = std::getenv("TMPDIR");
-    return folder != nullptr && *folder != '\0' ? folder : "/var/tmp";
 }
 
 } // namespace nurv

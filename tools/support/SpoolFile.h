@@ -29,8 +29,4 @@ private:
     FileDescriptor m_descriptor;
 };
 
-/// Where a spool file belongs: beside the output, for which there must be room anyway;
-/// for standard output ("-") in the folder for temporary files.
-[[nodiscard]] std::string spoolFolder(const std::string &outputName);
-
 } // namespace nurv

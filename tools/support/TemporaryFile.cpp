@@ -101,12 +101,16 @@ void TemporaryFile::moveToDestination()
     forget();
 }
 
-void TemporaryFile::create()
+std::string TemporaryFile::folder() const
 {
     const size_t slash = m_destination.rfind('/');
-    const std::string folder = slash == std::string::npos ? "" : m_destination.substr(0, slash + 1);
+    return slash == std::string::npos ? "./" : m_destination.substr(0, slash + 1);
+}
+
+void TemporaryFile::create()
+{
     do {
-        m_path = folder + randomName();
+        m_path = folder() + randomName();
         // Not mkstemp, whose mode shuts everybody else out.
         m_descriptor = FileDescriptor(::open(m_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
     } while (!m_descriptor.isOpen() && (errno == EEXIST || errno == EINTR));

@@ -22,6 +22,9 @@ public:
 
     [[nodiscard]] int descriptor() const { return m_descriptor.get(); }
 
+    /// The one that it is in.
+    [[nodiscard]] std::string folder() const;
+
     /// Closes the file and gives it the destination's name, in place of what had it.
     /// Throws ToolError(Write).
     void moveToDestination();

@@ -108,15 +108,14 @@ bool looksLikeWave(InputFile &input)
     return text.starts_with("RIFF") && text.ends_with("WAVE");
 }
 
-void encodeWaveToTta(InputFile &input, OutputFile &output, const std::string &temporaryFolder,
-                     const TtaProgress &progress)
+void encodeWaveToTta(InputFile &input, OutputFile &output, const TtaProgress &progress)
 {
     WaveReader wave(input);
     const TtaHeader header = namingInput(input, [&] { return headerFor(wave.format()); });
     const std::optional<uint64_t> samples = sampleFrameCount(input, wave);
     const uint64_t expected = expectedFrameCount(samples, wave);
     namingInput(input, [&] {
-        TtaWriter writer(output, header, samples, temporaryFolder);
+        TtaWriter writer(output, header, samples);
         std::vector<uint8_t> pcm(writer.frameBytes());
         while (const size_t count = wave.readPayload(pcm)) {
             writer.writeFrame(std::span(pcm).first(count));

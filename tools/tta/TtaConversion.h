@@ -19,8 +19,7 @@ using TtaProgress = std::function<void(uint64_t done, uint64_t total)>;
 
 /// Encodes a WAV file from its start; what is not sound is dropped. The caller commits
 /// the output. Throws ToolError, naming the input, and ClosedPipe.
-void encodeWaveToTta(InputFile &input, OutputFile &output, const std::string &temporaryFolder,
-                     const TtaProgress &progress);
+void encodeWaveToTta(InputFile &input, OutputFile &output, const TtaProgress &progress);
 
 /// Decodes a TTA1 file to a canonical WAV file, frame by frame as they come. Stops at the
 /// first damaged frame, before any of its samples. Throws as above.

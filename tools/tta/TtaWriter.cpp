@@ -38,8 +38,7 @@ TtaHeader withSamples(TtaHeader header, uint64_t sampleCount)
 
 } // namespace
 
-TtaWriter::TtaWriter(OutputFile &output, const TtaHeader &format, std::optional<uint64_t> sampleCount,
-                     const std::string &temporaryFolder)
+TtaWriter::TtaWriter(OutputFile &output, const TtaHeader &format, std::optional<uint64_t> sampleCount)
     : m_output(output), m_header(withSamples(format, sampleCount.value_or(0))), m_promisedSamples(sampleCount),
       m_bitWriter([this](std::span<const uint8_t> bytes) { writeFrameBytes(bytes); }), m_encoder(m_header)
 {
@@ -47,7 +46,7 @@ TtaWriter::TtaWriter(OutputFile &output, const TtaHeader &format, std::optional<
         m_frameSizes.reserve(m_header.frameCount());
         m_output.write(std::vector<uint8_t>(headByteCount(m_header.frameCount())));
     } else {
-        m_spool.emplace(temporaryFolder);
+        m_spool.emplace(m_output.spoolFolder());
     }
 }
 

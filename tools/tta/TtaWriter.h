@@ -10,7 +10,6 @@
 #include <cstdint>
 #include <optional>
 #include <span>
-#include <string>
 #include <vector>
 
 namespace nurv {
@@ -28,8 +27,7 @@ class TtaWriter {
 public:
     /// `format` tells all but the number of samples, which `sampleCount` does if it is
     /// known. Throws ToolError, also when the format cannot be held.
-    TtaWriter(OutputFile &output, const TtaHeader &format, std::optional<uint64_t> sampleCount,
-              const std::string &temporaryFolder);
+    TtaWriter(OutputFile &output, const TtaHeader &format, std::optional<uint64_t> sampleCount);
 
     /// The size of each but the last piece that `writeFrame` takes.
     [[nodiscard]] size_t frameBytes() const { return size_t{m_header.frameLength()} * m_header.blockAlign(); }

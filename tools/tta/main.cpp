@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/InputFile.h"
 #include "support/OutputFile.h"
-#include "support/SpoolFile.h"
 #include "support/ToolError.h"
 #include "support/ToolMain.h"
 #include "tta/PercentDisplay.h"
@@ -65,7 +64,7 @@ void convert(Mode mode, InputFile &input, const TtaencOptions &options)
     PercentDisplay display("Percent Progress: ", "");
     const TtaProgress progress = [&](uint64_t done, uint64_t total) { display.show(done, total); };
     if (mode == Mode::Encode)
-        encodeWaveToTta(input, output, spoolFolder(name), progress);
+        encodeWaveToTta(input, output, progress);
     else
         decodeTtaToWave(input, output, progress);
     output.commit();

@@ -23,7 +23,7 @@ TEST(ApeFileWriter, TakesNoMoreFramesThanItHasLeftRoomFor)
     const std::array<uint8_t, 44> bytes{};
     const InputFile input(std::span<const uint8_t>{bytes});
     OutputFile output(folder.path(u"a.ape"_s).toStdString(), input);
-    ApeFileWriter writer(output, ApeHeader{}, bytes, 1, folder.path().toStdString());
+    ApeFileWriter writer(output, ApeHeader{}, bytes, 1);
     writer.addFrame(bytes, 100);
     EXPECT_THROW(writer.addFrame(bytes, 100), ApeError);
 }

@@ -151,7 +151,7 @@ int errorOfChanging(const QByteArray &wav, qint64 size)
     OutputFile output(folder.path(u"a.ape"_s).toStdString(), input);
     EXPECT_TRUE(QFile::resize(path, size));
     try {
-        encoder.encode(output, folder.path().toStdString());
+        encoder.encode(output);
     } catch (const ToolError &error) {
         return static_cast<int>(apeErrorNumber(error));
     }

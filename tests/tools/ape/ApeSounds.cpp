@@ -130,7 +130,7 @@ QByteArray encoded(const QByteArray &wav, ApeLevel level, ApeInstructionSet set)
     InputFile input(bytesOf(wav));
     ApeEncoder encoder(input, level, set);
     OutputFile output(folder.path(u"x.ape"_s).toStdString(), input);
-    encoder.encode(output, folder.path().toStdString());
+    encoder.encode(output);
     output.commit();
     return folder.read(u"x.ape"_s);
 }

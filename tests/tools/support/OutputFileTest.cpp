@@ -4,6 +4,7 @@
 
 #include "support/InputFile.h"
 #include "support/TestFolder.h"
+#include "support/TestProgram.h"
 #include "support/ToolError.h"
 
 #include <QFile>
@@ -27,6 +28,7 @@ namespace nurv::test {
 namespace {
 
 using ::testing::HasSubstr;
+using namespace std::string_literals;
 using ::testing::StartsWith;
 
 std::span<const uint8_t> bytesOf(std::string_view text)
@@ -232,6 +234,61 @@ TEST_F(OutputFileTest, TellsWithoutAWriteThatTheReaderWentAway)
     EXPECT_THROW(output.checkReader(), ClosedPipe);
     EXPECT_NO_THROW(OutputFile(path(u"file"_s), input()).checkReader());
     EXPECT_NO_THROW(OutputFile("/dev/null", input()).checkReader());
+}
+
+TEST_F(OutputFileTest, LetsBytesWaitBesideAFileButNotBesideADevice)
+{
+    m_folder.makeFolder(u"music"_s);
+    m_folder.makeLink(u"link"_s, u"music/new"_s);
+    ASSERT_EQ(::mkfifo(path(u"pipe"_s).c_str(), 0600), 0);
+    const int reader = ::open(path(u"pipe"_s).c_str(), O_RDONLY | O_NONBLOCK);
+    const auto folderOf = [this](const std::string &name) { return OutputFile(name, input()).spoolFolder(); };
+    const QByteArray former = qgetenv("TMPDIR");
+    qputenv("TMPDIR", "/some/where");
+    EXPECT_EQ(folderOf(path(u"new"_s)), m_folder.path().toStdString() + '/');
+    EXPECT_EQ(folderOf(path(u"link"_s)), path(u"music/"_s));
+    for (const std::string &name : {path(u"pipe"_s), "/dev/null"s})
+        EXPECT_EQ(folderOf(name), "/some/where") << name;
+    qunsetenv("TMPDIR");
+    EXPECT_EQ(folderOf("/dev/null"), "/var/tmp");
+    if (!former.isNull())
+        qputenv("TMPDIR", former);
+    ::close(reader);
+}
+
+/// Runs the copying program as $0 on the input, $1, in a shell that stands in the folder.
+ProgramResult copyInShell(const TestFolder &folder, const QString &line)
+{
+    return runProgram(u"/bin/bash"_s, {u"-c"_s, u"cd \"$2\"; "_s + line, QString::fromLocal8Bit(NURV_COPY_TOOL),
+                                       folder.path(u"in"_s), folder.path()});
+}
+
+TEST_F(OutputFileTest, WritesToTheFileBehindStandardOutputWhateverItIsCalled)
+{
+    for (const QString &name : {u"/dev/stdout"_s, u"/dev/fd/1"_s, u"/proc/self/fd/1"_s, u"app"_s}) {
+        SCOPED_TRACE(name.toStdString());
+        m_folder.write(u"app"_s, "keep ");
+        EXPECT_EQ(copyInShell(m_folder, u"exec \"$0\" \"$1\" %1 >> app"_s.arg(name)).exitStatus, 0);
+        EXPECT_EQ(m_folder.read(u"app"_s), "keep input");
+    }
+    EXPECT_EQ(copyInShell(m_folder, u"printf 'first ' > new; \"$0\" \"$1\" /dev/stdout >> new"_s).exitStatus, 0);
+    EXPECT_EQ(m_folder.read(u"new"_s), "first input");
+    EXPECT_EQ(copyInShell(m_folder, u"exec 3> gone; rm gone; \"$0\" \"$1\" /dev/stdout >&3"_s).exitStatus, 0);
+    EXPECT_EQ(copyInShell(m_folder, u"exec \"$0\" \"$1\" /dev/stdout"_s).output, "input");
+    EXPECT_EQ(m_folder.list(), (QStringList{u"app"_s, u"in"_s, u"new"_s}));
+}
+
+TEST_F(OutputFileTest, ReplacesNoFileThatOnlyAnOpenDescriptorNames)
+{
+    m_folder.write(u"app"_s, "keep");
+    m_folder.makeLink(u"link"_s, u"/proc/self/fd/3"_s);
+    for (const QString &name : {u"/dev/fd/3"_s, u"/proc/self/fd/3"_s, u"link"_s}) {
+        const ProgramResult result = copyInShell(m_folder, u"exec \"$0\" \"$1\" %1 3>> app"_s.arg(name));
+        EXPECT_EQ(result.exitStatus, 1);
+        EXPECT_EQ(QString::fromUtf8(result.errors),
+                  u"copy_tool: cannot write %1: it stands for an open file, which cannot be replaced\n"_s.arg(name));
+        EXPECT_EQ(m_folder.read(u"app"_s), "keep");
+    }
 }
 
 } // namespace

@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <QString>
-#include <QtGlobal>
 
 #include <string>
 
@@ -38,17 +37,6 @@ TEST(SpoolFile, FailsInAFolderThatIsNotThere)
 {
     const TestFolder folder;
     EXPECT_THROW(SpoolFile((folder.path() + QStringLiteral("/none")).toStdString()), ToolError);
-}
-
-TEST(SpoolFile, LiesBesideTheOutput)
-{
-    EXPECT_EQ(spoolFolder("some/x.tta"), "some");
-    EXPECT_EQ(spoolFolder("/x.tta"), "/");
-    EXPECT_EQ(spoolFolder("x.tta"), ".");
-    qputenv("TMPDIR", "/some/where");
-    EXPECT_EQ(spoolFolder("-"), "/some/where");
-    qunsetenv("TMPDIR");
-    EXPECT_EQ(spoolFolder("-"), "/var/tmp");
 }
 
 } // namespace

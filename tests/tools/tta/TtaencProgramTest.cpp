@@ -281,6 +281,19 @@ TEST(TtaencProgram, TellsAFullDisk)
     EXPECT_THAT(result.errors.toStdString(), HasSubstr("ttaenc: cannot write /dev/full: No space left on device"));
 }
 
+TEST(TtaencProgram, EncodesToDevicesAndNamedPipes)
+{
+    const TestFolder folder;
+    const QString path = folder.write(u"x.wav"_s, wav());
+    EXPECT_EQ(runTtaenc({u"-e"_s, path, u"-o"_s, u"/dev/null"_s}).exitStatus, 0);
+    EXPECT_TRUE(runTtaenc({u"-e"_s, path, u"-o"_s, u"/dev/stdout"_s}).output == tta());
+    const QString line = u"mkfifo \"$2\"; cat \"$2\" & \"$0\" -e \"$1\" -o \"$2\" && wait"_s;
+    EXPECT_TRUE(runShell(line, {path, folder.path(u"pipe"_s)}).output == tta());
+    // What waits does so in the folder for temporary files.
+    const ProgramResult failed = runShell(u"TMPDIR=/nowhere \"$0\" -e \"$1\" -o /dev/null"_s, {path});
+    EXPECT_THAT(failed.errors.toStdString(), HasSubstr("cannot make a temporary file in /nowhere: "));
+}
+
 /// Sends the signal while the program waits for the rest of its input.
 void expectNothingLeft(const QStringList &arguments, const QByteArray &input, const TestFolder &folder)
 {
