@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shntool/ChildSupervisor.h"
 
+#include "support/EndingSignals.h"
 #include "support/SystemCalls.h"
 #include "support/ToolError.h"
 
@@ -30,6 +31,14 @@ bool isIgnored(int signal)
     return ::sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
+/// In the same way whatever the reason: shells pass over some of the other signals, and
+/// some leave a core file. What is stopped takes it once it goes on.
+void askToEnd(pid_t child)
+{
+    ::kill(child, SIGTERM);
+    ::kill(child, SIGCONT);
+}
+
 /// The children of this process, also those that it inherited.
 std::vector<pid_t> childrenOfThisProcess()
 {
@@ -46,7 +55,7 @@ ChildSupervisor::ChildSupervisor()
 {
     sigemptyset(&m_held);
     sigaddset(&m_held, SIGCHLD);
-    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+    for (const int signal : kEndingSignals) {
         if (!isIgnored(signal))
             sigaddset(&m_held, signal);
     }
@@ -85,14 +94,14 @@ int ChildSupervisor::waitFor(pid_t child)
         const int signal = ::sigwaitinfo(&m_held, nullptr);
         if (signal > 0 && signal != SIGCHLD) {
             m_endingSignal = signal;
-            ::kill(child, signal);
+            askToEnd(child);
         }
         int status = 0;
         for (pid_t ended = 0; (ended = ::waitpid(-1, &status, WNOHANG)) > 0;) {
             if (ended != child)
                 continue;
             if (m_endingSignal != 0 || WIFSIGNALED(status))
-                endOrphans(m_endingSignal != 0 ? m_endingSignal : SIGTERM);
+                endOrphans();
             return status;
         }
     }
@@ -100,25 +109,29 @@ int ChildSupervisor::waitFor(pid_t child)
 
 /// An encoder whose input ends takes that for the end of the sound: it has to be gone
 /// before its file is removed.
-void ChildSupervisor::endOrphans(int signal)
+void ChildSupervisor::endOrphans()
 {
-    const auto limit = std::chrono::steady_clock::now() + kOrphanLimit;
+    const auto start = std::chrono::steady_clock::now();
     sigset_t childEnded;
     sigemptyset(&childEnded);
     sigaddset(&childEnded, SIGCHLD);
-    while (std::chrono::steady_clock::now() < limit) {
-        for (const pid_t orphan : childrenOfThisProcess())
-            ::kill(orphan, signal);
+    for (;;) {
+        const auto elapsed = std::chrono::steady_clock::now() - start;
+        for (const pid_t orphan : childrenOfThisProcess()) {
+            if (elapsed < kOrphanLimit)
+                askToEnd(orphan);
+            else
+                ::kill(orphan, SIGKILL);
+        }
         pid_t ended = 0;
         while ((ended = ::waitpid(-1, nullptr, WNOHANG)) > 0) {
         }
-        if (ended < 0)
+        // What cannot even be killed hangs in the system.
+        if (ended < 0 || elapsed > 2 * kOrphanLimit)
             return;
         const timespec pause{.tv_sec = 0, .tv_nsec = 20'000'000};
         ::sigtimedwait(&childEnded, nullptr, &pause);
     }
-    for (const pid_t orphan : childrenOfThisProcess())
-        ::kill(orphan, SIGKILL);
 }
 
 void dieBySignal(int signal)

@@ -11,8 +11,8 @@
 namespace nurv {
 
 /// Runs a child so that a signal that ends this program ends the child and what the child
-/// has started, and is held back until all of that is gone. While it lives, SIGTERM,
-/// SIGINT and SIGHUP wait; one that was ignored stays ignored, by the child too.
+/// has started, and is held back until all of that is gone. While it lives, the ending
+/// signals (see EndingSignals.h) wait; one that was ignored stays ignored, by the child too.
 ///
 ///     SIGTERM ──> this program ──> child ; its orphans, as the children of this program
 ///
@@ -33,7 +33,7 @@ public:
 
 private:
     int waitFor(pid_t child);
-    void endOrphans(int signal);
+    void endOrphans();
 
     sigset_t m_held;
     sigset_t m_formerMask;

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/TemporaryFile.h"
 
+#include "support/EndingSignals.h"
 #include "support/SystemCalls.h"
 #include "support/ToolError.h"
 
@@ -19,8 +20,6 @@
 namespace nurv {
 
 namespace {
-
-constexpr std::array kEndingSignals{SIGTERM, SIGINT, SIGHUP, SIGQUIT, SIGXCPU};
 
 /// The paths that a signal removes: all that a handler may touch.
 std::array<std::atomic<const char *>, 8> g_paths;

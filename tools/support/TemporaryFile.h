@@ -39,8 +39,8 @@ private:
     FileDescriptor m_descriptor;
 };
 
-/// From here on SIGTERM, SIGINT, SIGHUP, SIGQUIT and SIGXCPU remove the temporary files, then end the
-/// program as they would have. One that was ignored stays ignored.
+/// From here on the ending signals (see EndingSignals.h) remove the temporary files, then
+/// end the program as they would have. One that was ignored stays ignored.
 void removeTemporaryFilesOnSignals();
 
 } // namespace nurv

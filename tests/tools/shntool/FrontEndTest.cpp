@@ -286,7 +286,19 @@ TEST_P(FrontEndSignal, EndsEverythingAndLeavesNothing)
     EXPECT_EQ(made(), QStringList());
 }
 
-INSTANTIATE_TEST_SUITE_P(FrontEnd, FrontEndSignal, ::testing::Values(SIGTERM, SIGHUP));
+INSTANTIATE_TEST_SUITE_P(FrontEnd, FrontEndSignal, ::testing::Values(SIGTERM, SIGHUP, SIGQUIT, SIGXCPU));
+
+TEST_F(FrontEnd, EndsAProgramThatIsStopped)
+{
+    standIn("echo x > \"$folder/made.wav\"; echo running; kill -STOP $$");
+    QProcess process;
+    process.start(program(), callOf());
+    ASSERT_TRUE(process.waitForReadyRead(30'000));
+    ::kill(static_cast<pid_t>(process.processId()), SIGTERM);
+    EXPECT_TRUE(process.waitForFinished(30'000));
+    EXPECT_EQ(process.exitCode(), SIGTERM);
+    EXPECT_EQ(made(), QStringList());
+}
 
 TEST_F(FrontEnd, LeavesNothingWhenTheTerminalInterruptsAll)
 {
