@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shntool/FrontEnd.h"
 
+#include "platform/FileDescriptor.h"
 #include "shntool/ChildSupervisor.h"
 #include "shntool/DistributionProgram.h"
 #include "shntool/NamedConversion.h"
@@ -77,8 +78,22 @@ std::string fileMadeIn(const PrivateFolder &folder)
     return files.front();
 }
 
+/// Gives the file the mode of the one that it shall replace, and has it on the disk before:
+/// a power cut must leave one of both.
+bool prepareToReplace(const std::string &file, const struct stat &former)
+{
+    const FileDescriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
+    // A file system without modes has nothing to keep.
+    if (descriptor.isOpen()) [[maybe_unused]]
+        const int done = ::fchmod(descriptor.get(), former.st_mode & 0777);
+    return descriptor.isOpen() && ::fsync(descriptor.get()) == 0;
+}
+
 void moveInPlace(const std::string &file, const std::string &destination, bool mayReplace)
 {
+    struct stat former {};
+    if (mayReplace && ::stat(destination.c_str(), &former) == 0 && !prepareToReplace(file, former))
+        failWrite("cannot write " + destination + ": " + errorText(errno));
     const auto move = [&](unsigned flags) {
         return ::renameat2(AT_FDCWD, file.c_str(), AT_FDCWD, destination.c_str(), flags) == 0;
     };

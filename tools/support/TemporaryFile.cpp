@@ -15,6 +15,7 @@
 #include <string_view>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace nurv {
@@ -95,6 +96,9 @@ TemporaryFile::~TemporaryFile()
 
 void TemporaryFile::moveToDestination()
 {
+    // A power cut must leave one of both; without this it may leave the name of an empty file.
+    if (m_replaces && ::fsync(m_descriptor.get()) != 0)
+        failWrite(m_destination, errno);
     if (!m_descriptor.close() || std::rename(m_path.c_str(), m_destination.c_str()) != 0)
         failWrite(m_destination, errno);
     forget();
@@ -115,6 +119,11 @@ void TemporaryFile::create()
     } while (!m_descriptor.isOpen() && (errno == EEXIST || errno == EINTR));
     if (!m_descriptor.isOpen())
         failWrite(m_destination, errno);
+    struct stat former {};
+    m_replaces = ::stat(m_destination.c_str(), &former) == 0;
+    // A file system without modes has nothing to keep.
+    if (m_replaces) [[maybe_unused]]
+        const int done = ::fchmod(m_descriptor.get(), former.st_mode & 0777);
 }
 
 void TemporaryFile::forget()

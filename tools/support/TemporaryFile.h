@@ -14,7 +14,8 @@ namespace nurv {
 /// `removeTemporaryFilesOnSignals` was called. At most eight live at a time.
 class TemporaryFile {
 public:
-    /// Open for writing, with the mode of any new file. Throws ToolError(Write).
+    /// Open for writing, with the mode of the file that it shall replace, or else that of
+    /// any new file. Throws ToolError(Write).
     explicit TemporaryFile(const std::string &destination);
     ~TemporaryFile();
     TemporaryFile(const TemporaryFile &) = delete;
@@ -25,7 +26,8 @@ public:
     /// The one that it is in.
     [[nodiscard]] std::string folder() const;
 
-    /// Closes the file and gives it the destination's name, in place of what had it.
+    /// Closes the file and gives it the destination's name, in place of what had it; then
+    /// it is on the disk before. Blocks.
     /// Throws ToolError(Write).
     void moveToDestination();
 
@@ -36,6 +38,7 @@ private:
     std::string m_destination;
     std::string m_path;
     size_t m_slot = 0;
+    bool m_replaces = false;
     FileDescriptor m_descriptor;
 };
 

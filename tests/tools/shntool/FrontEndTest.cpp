@@ -149,6 +149,16 @@ TEST_F(FrontEnd, MovesTheOneFileWhenTheConversionSucceeded)
     EXPECT_EQ(m_folder.read(u"out/made.wav"_s), "source");
 }
 
+TEST_F(FrontEnd, KeepsTheModeOfTheFileThatItReplaces)
+{
+    const QString path = m_folder.write(u"out/made.wav"_s, "former");
+    ASSERT_TRUE(QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner));
+    standIn("echo new > \"$folder/x\"; chmod 644 \"$folder/x\"");
+    EXPECT_EQ(convert().exitStatus, 0);
+    EXPECT_EQ(m_folder.read(u"out/made.wav"_s), "new\n");
+    EXPECT_FALSE(QFile::permissions(path) & (QFile::ReadGroup | QFile::ReadOther));
+}
+
 TEST_F(FrontEnd, PassesOutputOnWhenItIsWritten)
 {
     standIn("printf first; read -r go; printf second; echo x > \"$folder/x\"");

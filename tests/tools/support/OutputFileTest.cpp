@@ -19,9 +19,25 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+/// How long the files were that were synchronised.
+QList<qint64> g_synced;
+
+} // namespace
+
+/// Takes the place of that of the C library, and does what it does.
+extern "C" int fsync(int descriptor)
+{
+    struct stat status {};
+    g_synced.append(::fstat(descriptor, &status) == 0 ? status.st_size : -1);
+    return static_cast<int>(::syscall(SYS_fsync, descriptor));
+}
 
 namespace nurv::test {
 
@@ -63,6 +79,13 @@ protected:
             EXPECT_EQ(error->kind(), kind);
             EXPECT_THAT(error->what(), HasSubstr(text));
         }
+    }
+
+    [[nodiscard]] mode_t modeOf(const QString &name) const
+    {
+        struct stat status {};
+        EXPECT_EQ(::stat(path(name).c_str(), &status), 0);
+        return status.st_mode & 0777U;
     }
 
     TestFolder m_folder;
@@ -138,11 +161,38 @@ TEST_F(OutputFileTest, HasTheModeOfAnyNewFile)
         ::umask(mask);
         OutputFile output(path(u"out"_s), input());
         output.commit();
-        struct stat status {};
-        EXPECT_EQ(::stat(path(u"out"_s).c_str(), &status), 0);
-        EXPECT_EQ(status.st_mode & 0777U, 0666U & ~mask);
+        EXPECT_EQ(modeOf(u"out"_s), 0666U & ~mask);
+        m_folder.remove(u"out"_s);
     }
     ::umask(former);
+}
+
+TEST_F(OutputFileTest, KeepsTheModeOfTheFileThatItReplaces)
+{
+    m_folder.write(u"out"_s, "former");
+    m_folder.makeLink(u"link"_s, u"out"_s);
+    for (const mode_t mode : {0600U, 0640U, 0666U}) {
+        ASSERT_EQ(::chmod(path(u"out"_s).c_str(), mode), 0);
+        OutputFile output(path(u"link"_s), input());
+        // From the start on: nobody else shall read what is private.
+        EXPECT_EQ(modeOf(m_folder.list().front()), mode);
+        output.write(bytesOf("new"));
+        output.commit();
+        EXPECT_EQ(modeOf(u"out"_s), mode);
+    }
+}
+
+TEST_F(OutputFileTest, IsOnTheDiskBeforeItReplacesAFile)
+{
+    for (const int expected : {0, 1}) {
+        OutputFile output(path(u"out"_s), input());
+        output.write(bytesOf("new"));
+        g_synced.clear();
+        output.commit();
+        ASSERT_EQ(g_synced.size(), expected);
+        // With all of its bytes.
+        EXPECT_EQ(g_synced, QList<qint64>(expected, 3));
+    }
 }
 
 TEST_F(OutputFileTest, ReplacesTheFileThatALinkNames)
