@@ -11,6 +11,7 @@
 extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
+#include <libavutil/opt.h>
 }
 
 #include <algorithm>
@@ -21,6 +22,9 @@ namespace nurv {
 namespace {
 
 constexpr uint64_t kMaxBlocks = uint64_t{1} << 32; // more fit into no WAV file
+
+/// No encoder makes frames longer than the last one of today.
+const int64_t kMaxFrameBlocks = apeBlocksPerFrame(ApeLevel::Insane);
 
 std::string textOf(int error)
 {
@@ -93,6 +97,9 @@ void ApeLegacyDecoder::openCodec()
     // Without this a damaged frame would be decoded to something.
     m_codec->err_recognition = AV_EF_CRCCHECK | AV_EF_EXPLODE;
     int error = ::avcodec_parameters_to_context(m_codec.get(), stream.codecpar);
+    // A frame at once: its checksum is looked at when its last samples are decoded.
+    if (error >= 0)
+        error = ::av_opt_set_int(m_codec->priv_data, "max_samples", kMaxFrameBlocks + 1, 0);
     if (error >= 0)
         error = ::avcodec_open2(m_codec.get(), decoder, nullptr);
     if (error < 0)
@@ -138,7 +145,7 @@ void ApeLegacyDecoder::decode(const Sink &sink, const std::function<void(size_t)
         error = ::avcodec_send_packet(m_codec.get(), m_packet.get());
         ::av_packet_unref(m_packet.get());
         if (error < 0)
-            throw ApeError(ApeErrorNumber::Decompressing, m_input.name() + ": a frame is damaged");
+            failFrame();
         receiveFrames(sink, onBlocks);
     }
     if (error == AVERROR_EOF && ::avcodec_send_packet(m_codec.get(), nullptr) >= 0)
@@ -168,6 +175,8 @@ void ApeLegacyDecoder::receiveFrames(const Sink &sink, const std::function<void(
     int error = 0;
     while ((error = ::avcodec_receive_frame(m_codec.get(), m_frame.get())) >= 0) {
         const auto blocks = static_cast<size_t>(m_frame->nb_samples);
+        if (m_frame->nb_samples > kMaxFrameBlocks)
+            throw ApeError(ApeErrorNumber::InvalidInputFile, m_input.name() + ": the header is damaged");
         m_decodedBlocks += blocks;
         writeFrame(sink);
         ::av_frame_unref(m_frame.get());
@@ -175,7 +184,13 @@ void ApeLegacyDecoder::receiveFrames(const Sink &sink, const std::function<void(
             onBlocks(blocks);
     }
     if (error != AVERROR(EAGAIN) && error != AVERROR_EOF)
-        throw ApeError(ApeErrorNumber::InvalidChecksum, m_input.name() + ": the checksum of a frame is wrong");
+        failFrame();
+}
+
+/// The library does not tell a wrong checksum from what cannot be decoded.
+void ApeLegacyDecoder::failFrame() const
+{
+    throw ApeError(ApeErrorNumber::InvalidChecksum, m_input.name() + ": a frame is damaged: its checksum is wrong");
 }
 
 void ApeLegacyDecoder::writeFrame(const Sink &sink)

@@ -41,6 +41,7 @@ private:
     void copyStored(uint64_t offset, uint64_t count, const Sink &sink);
     void receiveFrames(const Sink &sink, const std::function<void(size_t)> &onBlocks);
     void writeFrame(const Sink &sink);
+    [[noreturn]] void failFrame() const;
 
     InputFile &m_input;
     std::unique_ptr<AVFormatContext, Free> m_format;

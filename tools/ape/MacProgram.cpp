@@ -12,7 +12,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <utility>
 
 namespace nurv {
 
@@ -50,7 +49,6 @@ void decode(const MacOptions &options, InputFile &input, ApeSource &source, ApeP
 {
     OutputFile output(options.output, input);
     progress.start("Decompressing...", source.totalBlocks());
-    bool isFirst = true;
     const auto onBlocks = [&](size_t blocks) {
         progress.add(blocks);
         // A frame may take a second.
@@ -59,9 +57,9 @@ void decode(const MacOptions &options, InputFile &input, ApeSource &source, ApeP
     source.decode(
         [&](std::span<const uint8_t> bytes) {
             output.write(bytes);
-            // Whoever only wants to see the header is done as soon as it is there.
-            if (std::exchange(isFirst, false))
-                output.flush();
+            // Whoever only wants to see the header is done as soon as it is there, and what
+            // comes before some damage may be all that is left of a recording.
+            output.flush();
         },
         onBlocks);
     output.commit();

@@ -118,6 +118,19 @@ TEST(MacLegacy, ReportsDamageByNumber)
     EXPECT_EQ(failureOf(oldFile(3970, false).first(20)), "Error: 1002\n");
 }
 
+TEST(MacLegacy, GivesOnlyFramesWhoseChecksumIsRight)
+{
+    const TestFolder folder;
+    QByteArray damaged = oldFile(3970, false);
+    // The checksum of the second frame: byte 13 of a stream whose groups of four are reversed.
+    const qsizetype checksum = damaged.size() - silentFrames().size() + 14;
+    damaged[checksum] = static_cast<char>(damaged[checksum] ^ 1);
+    const ProgramResult result = runMac({folder.write(u"a.ape"_s, damaged), u"-"_s, u"-d"_s});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_THAT(result.errors.toStdString(), EndsWith("Error: 1009\n"));
+    EXPECT_TRUE(isSame(result.output, silentWav().first(44 + kBlocksPerFrame * 4))) << result.output.size();
+}
+
 TEST(MacLegacy, IsReadByNameOnly)
 {
     const ProgramResult result = runMac({u"-"_s, u"-v"_s}, oldFile(3970, false));
