@@ -20,7 +20,7 @@ constexpr size_t kWordBytes = 4;
 
 ApeFileWriter::ApeFileWriter(OutputFile &output, const ApeHeader &header, std::span<const uint8_t> storedHeader,
                              std::optional<uint32_t> expectedFrames)
-    : m_output(output), m_header(header), m_storedHeader(storedHeader.begin(), storedHeader.end())
+    : m_output(output), m_header(header), m_storedHeader(storedHeader)
 {
     if (expectedFrames && output.isSeekable()) {
         m_seekEntries = *expectedFrames;
@@ -89,7 +89,7 @@ void ApeFileWriter::addStoredTrailing(std::span<const uint8_t> bytes)
 
 void ApeFileWriter::forgetStoredHeader()
 {
-    m_storedHeader.clear();
+    m_storedHeader = {};
     m_header.formatFlags |= kApeFlagMakeWaveHeader;
 }
 

@@ -23,7 +23,7 @@ class OutputFile;
 class ApeFileWriter {
 public:
     /// `header` has everything but the numbers of frames and blocks, which the frames
-    /// give.
+    /// give. `storedHeader` must outlive the writer. Throws ToolError(Write), or ClosedPipe.
     ApeFileWriter(OutputFile &output, const ApeHeader &header, std::span<const uint8_t> storedHeader,
                   std::optional<uint32_t> expectedFrames);
     ApeFileWriter(const ApeFileWriter &) = delete;
@@ -51,7 +51,7 @@ private:
 
     OutputFile &m_output;
     ApeHeader m_header;
-    std::vector<uint8_t> m_storedHeader;
+    std::span<const uint8_t> m_storedHeader;
     size_t m_seekEntries = 0; ///< room that is left for them
     std::optional<SpoolFile> m_waiting;
     std::vector<uint64_t> m_frameStarts; ///< in the stream of frames
