@@ -25,7 +25,7 @@ void becomeLegacyProgram(char **argv)
 /// What was read from anything else cannot be read again.
 bool isFile(const InputFile &input)
 {
-    return input.size() && input.name() != "standard input";
+    return input.size() && !input.isStandardInput();
 }
 
 } // namespace

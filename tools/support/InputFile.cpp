@@ -35,7 +35,8 @@ int openInput(const std::string &name)
 } // namespace
 
 InputFile::InputFile(const std::string &name)
-    : m_name(name == "-" ? "standard input" : name), m_descriptor(openInput(name)), m_buffer(kBufferBytes)
+    : m_name(name == "-" ? "standard input" : name), m_isStandardInput(name == "-"), m_descriptor(openInput(name)),
+      m_buffer(kBufferBytes)
 {
     examine();
 }
@@ -152,6 +153,11 @@ void InputFile::seek(uint64_t offset)
     if (::lseek(m_descriptor.get(), static_cast<off_t>(m_origin + offset), SEEK_SET) < 0)
         failRead(m_name, errno);
     dropBuffer(offset);
+}
+
+bool InputFile::isStandardInput() const
+{
+    return m_isStandardInput;
 }
 
 const std::string &InputFile::name() const

@@ -50,6 +50,8 @@ public:
     /// Continues at that offset, of regular files only. Throws ToolError(Read).
     void seek(uint64_t offset);
 
+    [[nodiscard]] bool isStandardInput() const;
+
     /// For messages: the path, or "standard input".
     [[nodiscard]] const std::string &name() const;
 
@@ -65,6 +67,7 @@ private:
     void dropBuffer(uint64_t offset);
 
     std::string m_name;
+    bool m_isStandardInput = false;
     FileDescriptor m_descriptor;
     /// Where the file stood when it was handed over as standard input.
     uint64_t m_origin = 0;

@@ -138,6 +138,14 @@ TEST(MacLegacy, IsReadByNameOnly)
     EXPECT_EQ(result.errors, "mac: files of version 3970 are not supported from pipes\nError: 1014\n");
 }
 
+TEST(MacLegacy, IsReadWhateverItsNameIs)
+{
+    const TestFolder folder;
+    folder.write(u"standard input"_s, oldFile(3970, false));
+    const ProgramResult result = runShell(u"cd \"$1\" && \"$0\" 'standard input' -v"_s, {folder.path()});
+    EXPECT_EQ(result.exitStatus, 0) << result.errors.constData();
+}
+
 TEST(MacLegacy, IsRefusedWhereItsProgramIsMissing)
 {
     const TestFolder folder;
