@@ -84,7 +84,7 @@ std::optional<NamedConversion> parseNamedConversion(std::span<const std::string>
     }
     if (!readsStandardInput)
         conversion.source = sources.front();
-    conversion.output = folder && name->front() != '/' ? *folder + '/' + *name : *name;
+    conversion.output = folder && !folder->empty() && name->front() != '/' ? *folder + '/' + *name : *name;
     return conversion;
 }
 

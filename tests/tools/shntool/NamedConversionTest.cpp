@@ -60,6 +60,7 @@ TEST(NamedConversion, TakesNamesThatLookLikeOptions)
 TEST(NamedConversion, PutsARelativeNameIntoTheFolderThatIsGiven)
 {
     EXPECT_EQ(parseNamedConversion(Words{"-d", "out", "-n", "a.wav", "b.flac"})->output, "out/a.wav");
+    EXPECT_EQ(parseNamedConversion(Words{"-d", "", "-n", "a.wav", "b.flac"})->output, "a.wav");
     EXPECT_EQ(parseNamedConversion(Words{"-d", "out", "-n", "/x/a.wav", "b.flac"})->output, "/x/a.wav");
     EXPECT_TRUE(parseNamedConversion(Words{"-d", "out", "-n", "a.wav", "b.flac"})->options.empty());
 }
