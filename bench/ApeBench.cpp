@@ -13,6 +13,7 @@
 #include <QStandardPaths>
 
 #include <cstdio>
+#include <functional>
 
 using namespace Qt::StringLiterals;
 using namespace nurv::bench;
