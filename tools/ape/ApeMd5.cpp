@@ -12,9 +12,9 @@ namespace {
 
 void check(int isDone)
 {
-    // Also where the system's policy allows no MD5.
     if (isDone != 1)
-        throw ApeError(ApeErrorNumber::OutOfMemory, "the MD5 of the file cannot be computed");
+        throw ApeError(ApeErrorNumber::OutOfMemory,
+                       "the MD5 of the file cannot be computed: no memory, or the system does not allow it");
 }
 
 } // namespace

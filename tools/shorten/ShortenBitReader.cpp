@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shorten/ShortenBitReader.h"
 
+#include "shorten/ShortenFormat.h"
 #include "support/InputFile.h"
 #include "support/ToolError.h"
 
@@ -65,7 +66,7 @@ int32_t ShortenBitReader::readSigned(unsigned lowBits)
 
 uint32_t ShortenBitReader::readLong()
 {
-    const uint32_t lowBits = readUnsigned(2);
+    const uint32_t lowBits = readUnsigned(kLongBits);
     if (lowBits > 32)
         failTooLarge();
     return readUnsigned(lowBits);

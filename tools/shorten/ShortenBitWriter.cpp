@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shorten/ShortenBitWriter.h"
 
+#include "shorten/ShortenFormat.h"
+
 #include <algorithm>
 #include <bit>
 #include <cstring>
@@ -42,7 +44,7 @@ void ShortenBitWriter::writeUnsigned(uint32_t value, unsigned lowBits)
 void ShortenBitWriter::writeLong(uint32_t value)
 {
     const auto lowBits = static_cast<unsigned>(std::bit_width(value));
-    writeUnsigned(lowBits, 2);
+    writeUnsigned(lowBits, kLongBits);
     put((uint64_t{1} << lowBits) | value, lowBits + 1);
 }
 

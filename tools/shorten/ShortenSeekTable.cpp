@@ -65,8 +65,11 @@ void ShortenSeekTable::addPoint(const ShortenSeekPoint &point)
     const uint64_t fillStart = kStreamOffset + fills * kReaderBufferBytes;
     if (point.frame > kMaxNumber || fillStart + kReaderBufferBytes > kMaxNumber)
         m_isTooLong = true;
-    if (m_isTooLong)
+    if (m_isTooLong) {
+        m_entries = {};
+        m_firstWithoutWord = 0;
         return;
+    }
     m_entries.resize(m_entries.size() + kEntryBytes);
     uint8_t *const entry = m_entries.data() + m_entries.size() - kEntryBytes;
     putLittleEndian32(entry + kFrameField, static_cast<uint32_t>(point.frame));
