@@ -12,7 +12,7 @@ namespace nurv {
 
 ApeDecoder::ApeDecoder(InputFile &input, ApeInstructionSet set) : m_reader(input), m_set(set) {}
 
-void ApeDecoder::decode(const Sink &sink, const std::function<void(size_t)> &onBlocks)
+void ApeDecoder::decode(const ByteSink &sink, const std::function<void(size_t)> &onBlocks)
 {
     const uint64_t pcmBytes = header().totalBlocks() * header().bytesPerBlock();
     if (!m_reader.hasStoredHeader())
@@ -25,7 +25,7 @@ void ApeDecoder::decode(const Sink &sink, const std::function<void(size_t)> &onB
     m_reader.checkMd5();
 }
 
-void ApeDecoder::decodeFrames(const Sink &sink, const std::function<void(size_t)> &onBlocks)
+void ApeDecoder::decodeFrames(const ByteSink &sink, const std::function<void(size_t)> &onBlocks)
 {
     ApeFrameDecoder decoder(*apeLevelFromNumber(header().level), header().bitsPerSample, header().channels, m_set);
     for (uint32_t i = 0; i < header().totalFrames; ++i) {

@@ -18,11 +18,11 @@ public:
     [[nodiscard]] uint64_t totalBlocks() const override { return m_reader.header().totalBlocks(); }
 
     /// Frame by frame. Fails also where only the MD5 of the whole file is wrong.
-    void decode(const Sink &sink, const std::function<void(size_t)> &onBlocks = {}) override;
+    void decode(const ByteSink &sink, const std::function<void(size_t)> &onBlocks = {}) override;
 
 private:
     [[nodiscard]] const ApeHeader &header() const { return m_reader.header(); }
-    void decodeFrames(const Sink &sink, const std::function<void(size_t)> &onBlocks);
+    void decodeFrames(const ByteSink &sink, const std::function<void(size_t)> &onBlocks);
 
     ApeFileReader m_reader;
     ApeInstructionSet m_set;

@@ -44,12 +44,9 @@ void ApeEncoder::checkFormat() const
 
 uint64_t ApeEncoder::expectedBlocks() const
 {
-    const std::optional<uint64_t> size = m_input.size();
-    const uint64_t present = size ? *size - std::min<uint64_t>(*size, m_wave.header().size()) : 0;
-    if (m_isLengthUncertain)
-        return present / m_wave.format().blockAlign;
-    const uint64_t declared = m_wave.declaredDataBytes();
-    return (size ? std::min(declared, present) : declared) / m_wave.format().blockAlign;
+    const std::optional<uint64_t> present = m_wave.payloadBytesPresent();
+    const uint64_t announced = m_isLengthUncertain ? 0 : m_wave.payloadBytesDeclared().value_or(0);
+    return present.value_or(announced) / m_wave.format().blockAlign;
 }
 
 void ApeEncoder::encode(OutputFile &output, const std::function<void(size_t)> &onBlocks)

@@ -20,12 +20,6 @@ constexpr uint32_t kMaxTableSlack = 1 << 20;
 constexpr uint16_t kFirstUnknownFlag = 64;
 constexpr size_t kReadStep = 1024 * 1024;
 
-bool isNamed(std::span<const uint8_t> bytes, const char *name)
-{
-    const size_t size = std::strlen(name);
-    return bytes.size() >= size && std::memcmp(bytes.data(), name, size) == 0;
-}
-
 void reverseWords(std::span<uint8_t> bytes)
 {
     for (size_t at = 0; at < bytes.size(); at += 4) {
@@ -66,7 +60,7 @@ void ApeFileReader::readDescriptor()
 {
     constexpr size_t kVersionEnd = 6;
     const std::span<const uint8_t> first = m_input.peek(kVersionEnd);
-    if (first.size() < kVersionEnd || !isNamed(first, "MAC "))
+    if (first.size() < kVersionEnd || !startsWith(first, "MAC "))
         refuse(ApeErrorNumber::InvalidInputFile, "this is no Monkey's Audio file");
     const uint16_t version = littleEndian16(first.data() + 4);
     if (version < kApeVersion)
@@ -150,17 +144,17 @@ void ApeFileReader::readSeekTable()
         refuse(ApeErrorNumber::InvalidInputFile, "the seek table is damaged");
 }
 
-void ApeFileReader::readStoredHeader(const Sink &sink)
+void ApeFileReader::readStoredHeader(const ByteSink &sink)
 {
     copyHashed(m_descriptor.storedHeaderBytes, sink);
 }
 
-void ApeFileReader::readStoredTrailing(const Sink &sink)
+void ApeFileReader::readStoredTrailing(const ByteSink &sink)
 {
     copyHashed(m_descriptor.storedTrailingBytes, sink);
 }
 
-void ApeFileReader::copyHashed(uint64_t count, const Sink &sink)
+void ApeFileReader::copyHashed(uint64_t count, const ByteSink &sink)
 {
     constexpr uint64_t kStep = 64 * 1024;
     std::vector<uint8_t> bytes(static_cast<size_t>(std::min(count, kStep)));

@@ -5,7 +5,7 @@
 #include "ape/ApeError.h"
 #include "ape/ApeFormat.h"
 #include "ape/ApeMd5.h"
-#include "ape/ApeSource.h"
+#include "support/ByteSink.h"
 
 #include <span>
 #include <vector>
@@ -29,8 +29,6 @@ public:
 /// begin at any byte of it. The parts are read in this order, each once.
 class ApeFileReader {
 public:
-    using Sink = ApeSource::Sink;
-
     /// Reads up to the seek table, and checks that everything is in its limits. Throws
     /// ApeOlderVersion, or ApeError with the number that says what is wrong.
     explicit ApeFileReader(InputFile &input);
@@ -40,13 +38,13 @@ public:
     /// Whether the file has a WAV header of its own. Otherwise the decoder makes one.
     [[nodiscard]] bool hasStoredHeader() const { return m_descriptor.storedHeaderBytes > 0; }
 
-    void readStoredHeader(const Sink &sink);
+    void readStoredHeader(const ByteSink &sink);
 
     /// The next of `header().totalFrames` frames, the right way round, with
     /// ApeFrameDecoder::kPaddingBytes bytes behind it. Good until the next call.
     std::span<const uint8_t> readFrame();
 
-    void readStoredTrailing(const Sink &sink);
+    void readStoredTrailing(const ByteSink &sink);
 
     [[nodiscard]] const std::string &inputName() const;
 
@@ -58,7 +56,7 @@ private:
     void readHeader();
     void readSeekTable();
     void checkParts() const;
-    void copyHashed(uint64_t count, const Sink &sink);
+    void copyHashed(uint64_t count, const ByteSink &sink);
     void readWords(uint64_t count);
     [[noreturn]] void refuse(ApeErrorNumber number, const std::string &why) const;
 

@@ -116,13 +116,7 @@ uint32_t apeFrameCrc(std::span<const uint8_t> pcm)
 
 std::vector<uint8_t> apeWaveHeader(const ApeHeader &header, uint64_t pcmBytes)
 {
-    WaveFormat format;
-    format.formatTag = 1;
-    format.channels = header.channels;
-    format.sampleRateHz = header.sampleRateHz;
-    format.blockAlign = static_cast<uint16_t>(header.bytesPerBlock());
-    format.bitsPerSample = header.bitsPerSample;
-    return canonicalWaveHeader(format, pcmBytes);
+    return canonicalWaveHeader({header.channels, header.sampleRateHz, header.bitsPerSample}, pcmBytes);
 }
 
 } // namespace nurv

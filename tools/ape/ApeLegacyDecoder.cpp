@@ -122,7 +122,7 @@ void ApeLegacyDecoder::findStoredParts()
     skipId3v2Tags(m_input);
     const uint64_t start = m_input.position();
     std::array<uint8_t, kApeDescriptorBytes> bytes{};
-    if (m_input.read(bytes) < bytes.size() || littleEndian32(bytes.data()) != 0x2043414D)
+    if (m_input.read(bytes) < bytes.size() || !startsWith(bytes, "MAC "))
         return;
     const ApeDescriptor descriptor = ApeDescriptor::read(bytes);
     if (descriptor.version < kApeFirstDescriptorVersion)
@@ -134,7 +134,7 @@ void ApeLegacyDecoder::findStoredParts()
     m_storedTrailingBytes = descriptor.storedTrailingBytes;
 }
 
-void ApeLegacyDecoder::decode(const Sink &sink, const std::function<void(size_t)> &onBlocks)
+void ApeLegacyDecoder::decode(const ByteSink &sink, const std::function<void(size_t)> &onBlocks)
 {
     if (m_storedHeaderBytes > 0)
         copyStored(m_storedHeaderOffset, m_storedHeaderBytes, sink);
@@ -157,7 +157,7 @@ void ApeLegacyDecoder::decode(const Sink &sink, const std::function<void(size_t)
         sink(std::array<uint8_t, 1>{});
 }
 
-void ApeLegacyDecoder::copyStored(uint64_t offset, uint64_t count, const Sink &sink)
+void ApeLegacyDecoder::copyStored(uint64_t offset, uint64_t count, const ByteSink &sink)
 {
     constexpr uint64_t kStep = 64 * 1024;
     m_input.seek(offset);
@@ -170,7 +170,7 @@ void ApeLegacyDecoder::copyStored(uint64_t offset, uint64_t count, const Sink &s
     }
 }
 
-void ApeLegacyDecoder::receiveFrames(const Sink &sink, const std::function<void(size_t)> &onBlocks)
+void ApeLegacyDecoder::receiveFrames(const ByteSink &sink, const std::function<void(size_t)> &onBlocks)
 {
     int error = 0;
     while ((error = ::avcodec_receive_frame(m_codec.get(), m_frame.get())) >= 0) {
@@ -193,7 +193,7 @@ void ApeLegacyDecoder::failFrame() const
     throw ApeError(ApeErrorNumber::InvalidChecksum, m_input.name() + ": a frame is damaged: its checksum is wrong");
 }
 
-void ApeLegacyDecoder::writeFrame(const Sink &sink)
+void ApeLegacyDecoder::writeFrame(const ByteSink &sink)
 {
     const auto blocks = static_cast<size_t>(m_frame->nb_samples);
     const auto format = static_cast<AVSampleFormat>(m_frame->format);

@@ -25,7 +25,7 @@ public:
     explicit ApeLegacyDecoder(InputFile &input);
 
     [[nodiscard]] uint64_t totalBlocks() const override { return m_totalBlocks; }
-    void decode(const Sink &sink, const std::function<void(size_t)> &onBlocks) override;
+    void decode(const ByteSink &sink, const std::function<void(size_t)> &onBlocks) override;
 
 private:
     struct Free {
@@ -38,9 +38,9 @@ private:
     void open();
     void openCodec();
     void findStoredParts();
-    void copyStored(uint64_t offset, uint64_t count, const Sink &sink);
-    void receiveFrames(const Sink &sink, const std::function<void(size_t)> &onBlocks);
-    void writeFrame(const Sink &sink);
+    void copyStored(uint64_t offset, uint64_t count, const ByteSink &sink);
+    void receiveFrames(const ByteSink &sink, const std::function<void(size_t)> &onBlocks);
+    void writeFrame(const ByteSink &sink);
     [[noreturn]] void failFrame() const;
 
     InputFile &m_input;

@@ -43,7 +43,7 @@ constexpr const char *kHelp =
     "\n"
     "The exit status is that of shntool.\n";
 
-[[noreturn]] void failWrite(const std::string &text)
+[[noreturn]] void refuse(const std::string &text)
 {
     throw ToolError(ToolError::Kind::Write, text);
 }
@@ -57,14 +57,14 @@ void checkOutput(const NamedConversion &conversion)
     struct stat source {};
     if (conversion.source && ::stat(conversion.source->c_str(), &source) == 0 && source.st_dev == output.st_dev
         && source.st_ino == output.st_ino) {
-        failWrite("output file would overwrite input file -- skipping: [" + conversion.output + "]");
+        refuse("output file would overwrite input file -- skipping: [" + conversion.output + "]");
     }
     if (!S_ISREG(output.st_mode) && !S_ISDIR(output.st_mode))
-        failWrite("this is no regular file: [" + conversion.output + "]");
+        refuse("this is no regular file: [" + conversion.output + "]");
     if (conversion.overwrite == NamedConversion::Overwrite::Never)
-        failWrite("output file already exists -- skipping: [" + conversion.output + "]");
+        refuse("output file already exists -- skipping: [" + conversion.output + "]");
     if (conversion.overwrite == NamedConversion::Overwrite::Ask) {
-        failWrite("output file already exists: [" + conversion.output + "]  use \"-O always\" to replace it");
+        refuse("output file already exists: [" + conversion.output + "]  use \"-O always\" to replace it");
     }
 }
 
@@ -73,7 +73,7 @@ std::string fileMadeIn(const PrivateFolder &folder)
 {
     const std::vector<std::string> files = folder.contents();
     if (files.size() != 1 || !std::filesystem::is_regular_file(files.front())) {
-        failWrite("the conversion made " + std::to_string(files.size()) + " files, but one is needed for option -n");
+        refuse("the conversion made " + std::to_string(files.size()) + " files, but one is needed for option -n");
     }
     return files.front();
 }
@@ -93,7 +93,7 @@ void moveInPlace(const std::string &file, const std::string &destination, bool m
 {
     struct stat former {};
     if (mayReplace && ::stat(destination.c_str(), &former) == 0 && !prepareToReplace(file, former))
-        failWrite("cannot write " + destination + ": " + errorText(errno));
+        failWrite(destination, errno);
     const auto move = [&](unsigned flags) {
         return ::renameat2(AT_FDCWD, file.c_str(), AT_FDCWD, destination.c_str(), flags) == 0;
     };
@@ -102,7 +102,7 @@ void moveInPlace(const std::string &file, const std::string &destination, bool m
     if (!isDone && !mayReplace && errno == EINVAL && ::access(destination.c_str(), F_OK) != 0)
         isDone = move(0);
     if (!isDone)
-        failWrite("cannot write " + destination + ": " + errorText(errno));
+        failWrite(destination, errno);
 }
 
 /// How a conversion ended: by the signal, where that is not 0, else with the status.

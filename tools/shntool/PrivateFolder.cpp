@@ -3,7 +3,6 @@
 #include "shntool/PrivateFolder.h"
 
 #include "support/SystemCalls.h"
-#include "support/ToolError.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -17,7 +16,7 @@ PrivateFolder::PrivateFolder(const std::string &destination)
     const size_t slash = destination.rfind('/');
     m_path = (slash == std::string::npos ? "./" : destination.substr(0, slash + 1)) + ".nurv-XXXXXX";
     if (!::mkdtemp(m_path.data()))
-        throw ToolError(ToolError::Kind::Write, "cannot write " + destination + ": " + errorText(errno));
+        failWrite(destination, errno);
 }
 
 PrivateFolder::~PrivateFolder()

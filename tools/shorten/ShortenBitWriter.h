@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "shorten/ByteSink.h"
+#include "support/ByteSink.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shorten/ShortenOptions.h"
 
-#include "support/ToolMain.h"
+#include "support/ToolError.h"
 
 #include <charconv>
 #include <string_view>

@@ -2,10 +2,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
-#include <vector>
+#include <span>
+#include <string_view>
 
 namespace nurv {
+
+/// Whether they begin with those characters, as most formats do.
+[[nodiscard]] constexpr bool startsWith(std::span<const uint8_t> bytes, std::string_view text)
+{
+    return bytes.size() >= text.size()
+           && std::equal(text.begin(), text.end(), bytes.begin(),
+                         [](char left, uint8_t right) { return static_cast<uint8_t>(left) == right; });
+}
 
 [[nodiscard]] constexpr uint16_t littleEndian16(const uint8_t *at)
 {

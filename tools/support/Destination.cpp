@@ -20,11 +20,6 @@ namespace {
 
 constexpr int kLongestLinkChain = 40;
 
-[[noreturn]] void failWrite(const std::string &name, int error)
-{
-    throw ToolError(ToolError::Kind::Write, "cannot write " + name + ": " + errorText(error));
-}
-
 /// Whether it is in the file system of processes, whose links lead to open files,
 /// whatever has their names by now.
 bool isLinkOfAProcess(const std::filesystem::path &link)

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/Id3v2.h"
 
+#include "support/Bytes.h"
 #include "support/InputFile.h"
 
 #include <span>
@@ -16,7 +17,7 @@ uint64_t skipId3v2Tags(InputFile &input)
     uint64_t skipped = 0;
     for (;;) {
         const std::span<const uint8_t> tag = input.peek(kTagHeaderBytes);
-        if (tag.size() < kTagHeaderBytes || tag[0] != 'I' || tag[1] != 'D' || tag[2] != '3')
+        if (tag.size() < kTagHeaderBytes || !startsWith(tag, "ID3"))
             return skipped;
         uint64_t size = 0;
         for (const uint8_t byte : tag.subspan(6))

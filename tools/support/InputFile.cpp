@@ -21,11 +21,6 @@ namespace {
 constexpr size_t kBufferBytes = 128 * 1024;
 constexpr size_t kPeekBytes = 64 * 1024;
 
-[[noreturn]] void failRead(const std::string &name, int error)
-{
-    throw ToolError(ToolError::Kind::Read, "cannot read " + name + ": " + errorText(error));
-}
-
 /// A copy of standard input, so that one class can own either descriptor.
 int openInput(const std::string &name)
 {

@@ -57,7 +57,7 @@ void OutputFile::openStandardOutput(const InputFile &input)
     m_direct = FileDescriptor(::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3));
     struct stat status {};
     if (!m_direct.isOpen() || ::fstat(m_direct.get(), &status) != 0)
-        failWrite(errno);
+        fail(errno);
     if (::isatty(m_direct.get()) == 1)
         throw ToolError(ToolError::Kind::BadArguments, "the output is a terminal, which shows no sound");
     refuseTheSameFile(status, input);
@@ -82,7 +82,7 @@ void OutputFile::openNamed(const InputFile &input)
     if (exists && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode)) {
         m_direct = FileDescriptor(::open(m_name.c_str(), O_WRONLY | O_CLOEXEC));
         if (!m_direct.isOpen())
-            failWrite(errno);
+            fail(errno);
         m_descriptor = m_direct.get();
         return;
     }
@@ -127,7 +127,7 @@ void OutputFile::overwrite(uint64_t offset, std::span<const uint8_t> bytes)
         throw std::logic_error("nothing is written there that could be written again");
     flush();
     if (!writeAllAt(m_descriptor, bytes, m_origin + offset))
-        failWrite(errno);
+        fail(errno);
 }
 
 std::string OutputFile::spoolFolder() const
@@ -155,22 +155,22 @@ void OutputFile::commit()
     if (m_temporary)
         m_temporary->moveToDestination();
     else if (!m_direct.close())
-        failWrite(errno);
+        fail(errno);
     m_descriptor = -1;
 }
 
 void OutputFile::writeThrough(std::span<const uint8_t> bytes)
 {
     if (!writeAll(m_descriptor, bytes))
-        failWrite(errno);
+        fail(errno);
     m_written += bytes.size();
 }
 
-void OutputFile::failWrite(int error) const
+void OutputFile::fail(int error) const
 {
     if (error == EPIPE)
         throw ClosedPipe();
-    throw ToolError(ToolError::Kind::Write, "cannot write " + m_name + ": " + errorText(error));
+    failWrite(m_name, error);
 }
 
 } // namespace nurv

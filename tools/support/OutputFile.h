@@ -64,7 +64,7 @@ private:
     void openNamed(const InputFile &input);
     void openStandardOutput(const InputFile &input);
     void writeThrough(std::span<const uint8_t> bytes);
-    [[noreturn]] void failWrite(int error) const;
+    [[noreturn]] void fail(int error) const;
 
     std::string m_name; ///< for messages
     std::unique_ptr<TemporaryFile> m_temporary;

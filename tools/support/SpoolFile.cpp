@@ -50,20 +50,19 @@ SpoolFile::SpoolFile(const std::string &folder) : m_folder(folder), m_descriptor
 void SpoolFile::write(std::span<const uint8_t> bytes)
 {
     if (!writeAll(m_descriptor.get(), bytes))
-        throw ToolError(ToolError::Kind::Write,
-                        "cannot write a temporary file in " + m_folder + ": " + errorText(errno));
+        failWrite("a temporary file in " + m_folder, errno);
 }
 
-void SpoolFile::read(const std::function<void(std::span<const uint8_t>)> &work) const
+void SpoolFile::read(const ByteSink &sink) const
 {
     constexpr size_t kPieceBytes = size_t{256} << 10;
     std::vector<uint8_t> piece(kPieceBytes);
     const off_t start = ::lseek(m_descriptor.get(), 0, SEEK_SET);
     ssize_t count = 0;
     while (start == 0 && (count = readSome(m_descriptor.get(), piece)) > 0)
-        work(std::span<const uint8_t>(piece).first(static_cast<size_t>(count)));
+        sink(std::span<const uint8_t>(piece).first(static_cast<size_t>(count)));
     if (start != 0 || count < 0)
-        throw ToolError(ToolError::Kind::Read, "cannot read a temporary file in " + m_folder + ": " + errorText(errno));
+        failRead("a temporary file in " + m_folder, errno);
 }
 
 } // namespace nurv

@@ -3,9 +3,9 @@
 #pragma once
 
 #include "platform/FileDescriptor.h"
+#include "support/ByteSink.h"
 
 #include <cstdint>
-#include <functional>
 #include <span>
 #include <string>
 
@@ -21,8 +21,8 @@ public:
     /// Throws ToolError(Write).
     void write(std::span<const uint8_t> bytes);
 
-    /// Hands all that was written to `work`, in pieces. Throws ToolError(Read).
-    void read(const std::function<void(std::span<const uint8_t>)> &work) const;
+    /// Hands on all that was written, in pieces. Throws ToolError(Read).
+    void read(const ByteSink &sink) const;
 
 private:
     std::string m_folder;

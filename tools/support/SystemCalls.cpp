@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/SystemCalls.h"
 
+#include "support/ToolError.h"
+
 #include <cerrno>
 #include <system_error>
 
@@ -47,6 +49,16 @@ bool writeFully(int descriptor, std::span<const uint8_t> bytes, Write write)
 std::string errorText(int error)
 {
     return std::generic_category().message(error);
+}
+
+void failRead(const std::string &name, int error)
+{
+    throw ToolError(ToolError::Kind::Read, "cannot read " + name + ": " + errorText(error));
+}
+
+void failWrite(const std::string &name, int error)
+{
+    throw ToolError(ToolError::Kind::Write, "cannot write " + name + ": " + errorText(error));
 }
 
 ssize_t readSome(int descriptor, std::span<uint8_t> bytes)

@@ -14,6 +14,10 @@ namespace nurv {
 /// The system's text for a value of `errno`.
 [[nodiscard]] std::string errorText(int error);
 
+/// Throw ToolError, of the kind Read or Write: "cannot read NAME: " and that text.
+[[noreturn]] void failRead(const std::string &name, int error);
+[[noreturn]] void failWrite(const std::string &name, int error);
+
 /// read(2) that goes on after a signal and waits where the descriptor would not block.
 /// Returns 0 at the end of the input, -1 with `errno` on failure.
 [[nodiscard]] ssize_t readSome(int descriptor, std::span<uint8_t> bytes);

@@ -4,7 +4,6 @@
 
 #include "support/EndingSignals.h"
 #include "support/SystemCalls.h"
-#include "support/ToolError.h"
 
 #include <array>
 #include <atomic>
@@ -54,11 +53,6 @@ public:
 private:
     sigset_t m_former;
 };
-
-[[noreturn]] void failWrite(const std::string &name, int error)
-{
-    throw ToolError(ToolError::Kind::Write, "cannot write " + name + ": " + errorText(error));
-}
 
 std::string randomName()
 {

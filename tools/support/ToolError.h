@@ -29,6 +29,12 @@ private:
     Kind m_kind;
 };
 
+/// Throws ToolError(BadArguments) with a clear line about what is wrong.
+[[noreturn]] inline void badArguments(const std::string &text)
+{
+    throw ToolError(ToolError::Kind::BadArguments, text);
+}
+
 /// The reader of our output went away: the program ends with status 1 and no text.
 class ClosedPipe : public std::runtime_error {
 public:

@@ -40,7 +40,7 @@ void print(const std::string &text)
         return;
     if (errno == EPIPE)
         throw ClosedPipe();
-    throw ToolError(ToolError::Kind::Write, "cannot write standard output: " + errorText(errno));
+    failWrite("standard output", errno);
 }
 
 void printFailure(const ToolText &text, const ToolError &error)
@@ -94,11 +94,6 @@ int toolMain(const ToolText &text, int argc, char **argv, const std::function<in
     } catch (const std::exception &error) {
         return fail(ToolError(ToolError::Kind::InvalidInput, error.what()));
     }
-}
-
-void badArguments(const std::string &text)
-{
-    throw ToolError(ToolError::Kind::BadArguments, text);
 }
 
 } // namespace nurv

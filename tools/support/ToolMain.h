@@ -25,7 +25,4 @@ struct ToolText {
                            const std::function<int(std::span<const std::string>)> &run,
                            const std::function<void(const ToolError &)> &report = {});
 
-/// A clear line about wrong arguments.
-[[noreturn]] void badArguments(const std::string &text);
-
 } // namespace nurv

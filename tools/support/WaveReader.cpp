@@ -26,13 +26,6 @@ constexpr size_t kSubformatOffset = 24;
 constexpr uint8_t kSubformatTail[] = {0x00, 0x00, 0x00, 0x00, 0x10, 0x00, 0x80,
                                       0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
 
-bool isNamed(std::span<const uint8_t> bytes, std::string_view fourCharacters)
-{
-    return bytes.size() >= fourCharacters.size()
-           && std::equal(fourCharacters.begin(), fourCharacters.end(), bytes.begin(),
-                         [](char left, uint8_t right) { return static_cast<uint8_t>(left) == right; });
-}
-
 [[noreturn]] void refuse(const InputFile &input, const std::string &why)
 {
     throw ToolError(ToolError::Kind::InvalidInput, input.name() + ": " + why);
@@ -48,23 +41,23 @@ WaveReader::WaveReader(InputFile &input) : m_input(input)
 void WaveReader::readUpToPayload()
 {
     const std::span<const uint8_t> head = takeIntoHeader(12);
-    if (isNamed(head, "RF64") || isNamed(head, "RIFX")) {
+    if (startsWith(head, "RF64") || startsWith(head, "RIFX")) {
         throw ToolError(ToolError::Kind::UnsupportedFormat, m_input.name() + ": "
                                                                 + std::string(head.begin(), head.begin() + 4)
                                                                 + " files are not supported, only RIFF WAV files");
     }
-    if (head.size() < 12 || !isNamed(head, "RIFF") || !isNamed(head.subspan(8), "WAVE"))
+    if (head.size() < 12 || !startsWith(head, "RIFF") || !startsWith(head.subspan(8), "WAVE"))
         refuse(m_input, "this is no WAV file");
     for (;;) {
         const std::span<const uint8_t> chunk = takeIntoHeader(8);
         if (chunk.size() < 8)
             refuse(m_input, "the WAV file has no data chunk");
         const uint32_t size = littleEndian32(chunk.data() + 4);
-        if (isNamed(chunk, "data")) {
+        if (startsWith(chunk, "data")) {
             m_declaredDataBytes = size;
             break;
         }
-        const bool isFormat = isNamed(chunk, "fmt ");
+        const bool isFormat = startsWith(chunk, "fmt ");
         const uint64_t paddedSize = uint64_t{size} + (size & 1);
         const std::span<const uint8_t> contents = takeIntoHeader(paddedSize);
         if (contents.size() < paddedSize)
@@ -152,6 +145,20 @@ bool WaveReader::hasUnknownSize() const
     return m_hasUnknownSize;
 }
 
+std::optional<uint64_t> WaveReader::payloadBytesPresent() const
+{
+    if (!m_input.size())
+        return std::nullopt;
+    const uint64_t position = m_input.position();
+    const uint64_t present = *m_input.size() - std::min(position, *m_input.size());
+    return std::min(present - present % m_format.blockAlign, m_payloadLimit - m_payloadBytesRead);
+}
+
+std::optional<uint64_t> WaveReader::payloadBytesDeclared() const
+{
+    return m_hasUnknownSize ? std::nullopt : std::optional(m_payloadLimit - m_payloadBytesRead);
+}
+
 size_t WaveReader::readPayload(std::span<uint8_t> bytes)
 {
     const auto wanted = static_cast<size_t>(std::min<uint64_t>(bytes.size(), m_payloadLimit - m_payloadBytesRead));
@@ -177,8 +184,9 @@ size_t WaveReader::readTrailing(std::span<uint8_t> bytes)
     return partial + m_input.read(bytes.subspan(partial));
 }
 
-std::vector<uint8_t> canonicalWaveHeader(const WaveFormat &format, uint64_t dataBytes)
+std::vector<uint8_t> canonicalWaveHeader(const PcmFormat &format, uint64_t dataBytes)
 {
+    const auto blockAlign = static_cast<uint16_t>(format.channels * ((format.bitsPerSample + 7U) / 8));
     constexpr size_t kHeaderBytes = 44;
     const auto inField = [](uint64_t size) { return static_cast<uint32_t>(std::min<uint64_t>(size, kUnknownSize)); };
     const auto putName = [](uint8_t *at, std::string_view name) { std::copy(name.begin(), name.end(), at); };
@@ -191,8 +199,8 @@ std::vector<uint8_t> canonicalWaveHeader(const WaveFormat &format, uint64_t data
     putLittleEndian16(at + 20, kPcm);
     putLittleEndian16(at + 22, format.channels);
     putLittleEndian32(at + 24, format.sampleRateHz);
-    putLittleEndian32(at + 28, inField(uint64_t{format.sampleRateHz} * format.blockAlign));
-    putLittleEndian16(at + 32, format.blockAlign);
+    putLittleEndian32(at + 28, inField(uint64_t{format.sampleRateHz} * blockAlign));
+    putLittleEndian16(at + 32, blockAlign);
     putLittleEndian16(at + 34, format.bitsPerSample);
     putName(at + 36, "data");
     putLittleEndian32(at + 40, inField(dataBytes));

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -51,6 +52,12 @@ public:
     /// RIFF chunk of a file may tell that these are the chunks behind an empty one.
     [[nodiscard]] bool hasUnknownSize() const;
 
+    /// The payload to come, in whole sample frames: what of it there is, of regular files
+    /// only. For others, what the header says, which may be a guess; nothing where it says
+    /// nothing.
+    [[nodiscard]] std::optional<uint64_t> payloadBytesPresent() const;
+    [[nodiscard]] std::optional<uint64_t> payloadBytesDeclared() const;
+
     /// Reads whole sample frames into `bytes`, whose size is a multiple of the block align.
     /// Returns the bytes read, fewer than asked for at the end of the payload only.
     size_t readPayload(std::span<uint8_t> bytes);
@@ -77,9 +84,16 @@ private:
     std::vector<uint8_t> m_partialFrame; ///< the first of the trailing bytes
 };
 
+/// What a canonical WAV file says of its sound.
+struct PcmFormat {
+    uint16_t channels = 0;
+    uint32_t sampleRateHz = 0;
+    uint16_t bitsPerSample = 0;
+};
+
 /// The canonical 44-byte head of a WAV file of integer PCM. It counts the pad byte that
 /// the caller writes after an odd number of data bytes. Sizes beyond 32 bits are written
 /// as 0xFFFFFFFF.
-[[nodiscard]] std::vector<uint8_t> canonicalWaveHeader(const WaveFormat &format, uint64_t dataBytes);
+[[nodiscard]] std::vector<uint8_t> canonicalWaveHeader(const PcmFormat &format, uint64_t dataBytes);
 
 } // namespace nurv

@@ -15,7 +15,7 @@ constexpr size_t kWordBytes = sizeof(uint64_t);
 
 } // namespace
 
-TtaBitWriter::TtaBitWriter(Sink sink) : m_sink(std::move(sink)), m_buffer(kPieceBytes + kWordBytes) {}
+TtaBitWriter::TtaBitWriter(ByteSink sink) : m_sink(std::move(sink)), m_buffer(kPieceBytes + kWordBytes) {}
 
 TtaBitWriter::Position TtaBitWriter::begin()
 {

@@ -2,13 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "support/ByteSink.h"
 #include "tta/TtaRice.h"
 
 #include <bit>
 #include <cstdint>
 #include <cstring>
-#include <functional>
-#include <span>
 #include <vector>
 
 namespace nurv {
@@ -18,8 +17,6 @@ namespace nurv {
 /// is a value of its own, so that an encoding loop can hold it in registers.
 class TtaBitWriter {
 public:
-    using Sink = std::function<void(std::span<const uint8_t>)>;
-
     class Position {
     public:
         /// Writes one Rice code and adapts its parameters. Throws what the sink throws.
@@ -37,7 +34,7 @@ public:
         uint8_t *m_lastStore = nullptr; // where eight bytes still have room
     };
 
-    explicit TtaBitWriter(Sink sink);
+    explicit TtaBitWriter(ByteSink sink);
 
     [[nodiscard]] Position begin();
 
@@ -48,7 +45,7 @@ private:
     [[nodiscard]] Position flush(Position position);
     [[nodiscard]] Position putLongCode(Position position, uint32_t ones, uint32_t low, uint32_t k);
 
-    Sink m_sink;
+    ByteSink m_sink;
     std::vector<uint8_t> m_buffer;
 };
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tta/TtaConversion.h"
 
+#include "support/Bytes.h"
 #include "support/InputFile.h"
 #include "support/OutputFile.h"
 #include "support/ToolError.h"
@@ -11,10 +12,8 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
 #include <optional>
 #include <span>
-#include <string_view>
 #include <vector>
 
 namespace nurv {
@@ -54,25 +53,6 @@ std::string listed(const std::vector<uint64_t> &numbers)
     return text;
 }
 
-/// The whole sample frames of the payload, where the input's size tells them.
-std::optional<uint64_t> sampleFrameCount(const InputFile &input, const WaveReader &wave)
-{
-    if (!input.size())
-        return std::nullopt;
-    const uint64_t present = *input.size() - std::min(input.position(), *input.size());
-    const uint64_t declared = wave.hasUnknownSize() ? std::numeric_limits<uint64_t>::max() : wave.declaredDataBytes();
-    return std::min(present, declared) / wave.format().blockAlign;
-}
-
-/// How many sample frames to expect for showing progress: a pipe's header may be wrong,
-/// so nothing else relies on it. 0 where nothing is said.
-uint64_t expectedFrameCount(const std::optional<uint64_t> &counted, const WaveReader &wave)
-{
-    if (counted)
-        return *counted;
-    return wave.hasUnknownSize() ? 0 : wave.declaredDataBytes() / wave.format().blockAlign;
-}
-
 TtaHeader headerFor(const WaveFormat &format)
 {
     if (!format.isIntegerPcm())
@@ -88,38 +68,29 @@ TtaHeader headerFor(const WaveFormat &format)
     return header;
 }
 
-WaveFormat waveFormatFor(const TtaHeader &header)
-{
-    WaveFormat format;
-    format.formatTag = 1;
-    format.channels = header.channels;
-    format.sampleRateHz = header.sampleRateHz;
-    format.blockAlign = static_cast<uint16_t>(header.blockAlign());
-    format.bitsPerSample = header.bitsPerSample;
-    return format;
-}
-
 } // namespace
 
 bool looksLikeWave(InputFile &input)
 {
-    const std::span<const uint8_t> head = input.peek(12);
-    const std::string_view text(reinterpret_cast<const char *>(head.data()), head.size());
-    return text.starts_with("RIFF") && text.ends_with("WAVE");
+    constexpr size_t kNameOffset = 8;
+    const std::span<const uint8_t> head = input.peek(kNameOffset + 4);
+    return head.size() > kNameOffset && startsWith(head, "RIFF") && startsWith(head.subspan(kNameOffset), "WAVE");
 }
 
 void encodeWaveToTta(InputFile &input, OutputFile &output, const TtaProgress &progress)
 {
     WaveReader wave(input);
     const TtaHeader header = namingInput(input, [&] { return headerFor(wave.format()); });
-    const std::optional<uint64_t> samples = sampleFrameCount(input, wave);
-    const uint64_t expected = expectedFrameCount(samples, wave);
+    const auto inSamples = [&](uint64_t bytes) { return bytes / header.blockAlign(); };
+    const std::optional<uint64_t> present = wave.payloadBytesPresent();
+    // A pipe's header may be wrong: for showing progress alone it is good enough.
+    const uint64_t expected = inSamples(present.value_or(wave.payloadBytesDeclared().value_or(0)));
     namingInput(input, [&] {
-        TtaWriter writer(output, header, samples);
+        TtaWriter writer(output, header, present ? std::optional(inSamples(*present)) : std::nullopt);
         std::vector<uint8_t> pcm(writer.frameBytes());
         while (const size_t count = wave.readPayload(pcm)) {
             writer.writeFrame(std::span(pcm).first(count));
-            progress(wave.payloadBytesRead() / header.blockAlign(), expected);
+            progress(inSamples(wave.payloadBytesRead()), expected);
         }
         writer.finish();
     });
@@ -129,7 +100,7 @@ void decodeTtaToWave(InputFile &input, OutputFile &output, const TtaProgress &pr
 {
     TtaReader reader(input);
     const TtaHeader &header = reader.header();
-    output.write(canonicalWaveHeader(waveFormatFor(header), header.pcmByteCount()));
+    output.write(canonicalWaveHeader({header.channels, header.sampleRateHz, header.bitsPerSample}, header.pcmByteCount()));
     // At once: some readers want no more.
     output.flush();
     for (uint64_t frame = 0; frame < header.frameCount(); ++frame) {

@@ -11,18 +11,12 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <string_view>
 
 namespace nurv {
 
 namespace {
 
 constexpr uint32_t kCrcBytes = 4;
-
-bool startsWith(std::span<const uint8_t> bytes, std::string_view text)
-{
-    return bytes.size() >= text.size() && std::equal(text.begin(), text.end(), bytes.begin());
-}
 
 [[noreturn]] void fail(const InputFile &input, ToolError::Kind kind, const std::string &text)
 {

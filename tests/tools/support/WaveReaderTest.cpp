@@ -16,6 +16,7 @@
 #include <gmock/gmock.h>
 
 #include <optional>
+#include <tuple>
 
 using namespace Qt::StringLiterals;
 
@@ -188,6 +189,22 @@ TEST(WaveReader, BelievesAnEmptyDataChunkWhereTheWholeFileIsAccountedFor)
     }
 }
 
+TEST(WaveReader, TellsHowMuchSoundThereIs)
+{
+    // Declared; present, a part of a frame with it; expected.
+    const std::tuple<quint32, qsizetype, uint64_t> cases[] = {
+        {4'006, 5'000, 4'004}, {8'000, 4'003, 4'000}, {0xFFFF'FFFF, 4'003, 4'000}, {0, 4'003, 4'000}, {0, 0, 0}};
+    for (const auto &[declared, present, expected] : cases) {
+        InputFile input(bytesOf(wavSaying(declared, QByteArray(present, 'x'))));
+        WaveReader reader(input);
+        EXPECT_EQ(reader.payloadBytesPresent(), expected) << declared;
+        const bool isUnknown = reader.hasUnknownSize();
+        EXPECT_EQ(reader.payloadBytesDeclared(), isUnknown ? std::nullopt : std::optional<uint64_t>(declared / 4 * 4));
+        EXPECT_EQ(static_cast<uint64_t>(piecesOf(reader).payload.size()), expected) << declared;
+        EXPECT_EQ(reader.payloadBytesPresent(), 0U);
+    }
+}
+
 TEST(WaveReader, KnowsThatAnEmptyFileIsEmpty)
 {
     InputFile input(bytesOf(wavSaying(0, {})));
@@ -249,10 +266,8 @@ TEST(WaveReader, WithstandsDamagedFiles)
 TEST(CanonicalWaveHeader, IsReadByOtherPrograms)
 {
     const SoundShape shape{.rate = 48'000, .bits = 24, .channels = 1, .frames = 333};
-    InputFile input(bytesOf(wavBytes(shape)));
-    const WaveReader reader(input);
     const TestFolder folder;
-    const QByteArray header = asByteArray(canonicalWaveHeader(reader.format(), 999));
+    const QByteArray header = asByteArray(canonicalWaveHeader({1, 48'000, 24}, 999));
     EXPECT_EQ(header.size(), 44);
     const QString path = folder.write(u"a.wav"_s, header + makeSamples(shape) + '\0');
     EXPECT_TRUE(sameSound(path, folder.write(u"b.wav"_s, wavBytes(shape))));
@@ -261,8 +276,7 @@ TEST(CanonicalWaveHeader, IsReadByOtherPrograms)
 
 TEST(CanonicalWaveHeader, SaysUnknownForSizesThatNeedMoreThan32Bits)
 {
-    const WaveFormat format{
-        .formatTag = 1, .channels = 2, .sampleRateHz = 44'100, .blockAlign = 4, .bitsPerSample = 16};
+    const PcmFormat format{.channels = 2, .sampleRateHz = 44'100, .bitsPerSample = 16};
     const QByteArray header = asByteArray(canonicalWaveHeader(format, uint64_t{5} << 30));
     EXPECT_EQ(header.mid(4, 4), littleEndian(0xFFFF'FFFF));
     EXPECT_EQ(header.last(4), littleEndian(0xFFFF'FFFF));

@@ -6,9 +6,10 @@
 #include <functional>
 #include <span>
 
-namespace nurv::shorten {
+namespace nurv {
 
-/// Takes the next bytes of an output. Whatever it throws passes through the codec.
+/// Takes the next bytes of an output, which are good until it returns. Whatever it throws
+/// passes through the caller.
 using ByteSink = std::function<void(std::span<const uint8_t>)>;
 
-} // namespace nurv::shorten
+} // namespace nurv
