@@ -62,13 +62,15 @@ void decode(const MacOptions &options, InputFile &input, ApeSource &source, ApeP
             output.flush();
         },
         onBlocks);
+    input.drainPipe();
     output.commit();
 }
 
-void verify(ApeSource &source, ApeProgress &progress)
+void verify(InputFile &input, ApeSource &source, ApeProgress &progress)
 {
     progress.start("Verifying...", source.totalBlocks());
     source.decode([](std::span<const uint8_t>) {}, [&](size_t blocks) { progress.add(blocks); });
+    input.drainPipe();
 }
 
 int run(const MacOptions &options, const std::function<std::unique_ptr<ApeSource>(InputFile &)> &open)
@@ -83,7 +85,7 @@ int run(const MacOptions &options, const std::function<std::unique_ptr<ApeSource
         if (options.action == MacOptions::Action::Decode)
             decode(options, input, *source, progress);
         else
-            verify(*source, progress);
+            verify(input, *source, progress);
     }
     progress.finish();
     return EXIT_SUCCESS;

@@ -71,6 +71,7 @@ void restore(const ShortenOptions &options)
         output.flush();
         throw;
     }
+    input.drainPipe();
     output.commit();
 }
 

@@ -134,6 +134,12 @@ void InputFile::checkEnd() const
         throw ToolError(ToolError::Kind::Read, "cannot read " + m_name + ": it changed while it was read");
 }
 
+void InputFile::drainPipe()
+{
+    if (!m_size)
+        skip(std::numeric_limits<uint64_t>::max());
+}
+
 void InputFile::seek(uint64_t offset)
 {
     if (!m_size)

@@ -47,6 +47,10 @@ public:
     /// something.
     void checkEnd() const;
 
+    /// Passes over what is left of a pipe, whose writer would be ended by a closed one.
+    /// Throws ToolError(Read).
+    void drainPipe();
+
     /// Continues at that offset, of regular files only. Throws ToolError(Read).
     void seek(uint64_t offset);
 

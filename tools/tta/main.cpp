@@ -52,6 +52,7 @@ int test(InputFile &input)
     {
         PercentDisplay display(" ", "% done...");
         damage = testTta(input, [&](uint64_t done, uint64_t total) { display.show(done, total); });
+        input.drainPipe();
     }
     std::fprintf(stderr, "%s: %s\n", input.name().c_str(), damage.empty() ? "OK" : damage.c_str());
     return damage.empty() ? EXIT_SUCCESS : EXIT_FAILURE;
@@ -67,6 +68,7 @@ void convert(Mode mode, InputFile &input, const TtaencOptions &options)
         encodeWaveToTta(input, output, progress);
     else
         decodeTtaToWave(input, output, progress);
+    input.drainPipe();
     output.commit();
 }
 

@@ -274,6 +274,15 @@ TEST(MacProgram, WritesTheHeaderBeforeItHasTheFirstFrame)
     EXPECT_THAT(process.readAllStandardError().toStdString(), HasSubstr("Error: 1000"));
 }
 
+TEST(MacProgram, ReadsAPipeToItsEnd)
+{
+    // The writer of a closed one would be ended by it.
+    const TestFolder folder;
+    const QString path = folder.write(u"x.ape"_s, ape() + QByteArray(1'000'000, 't'));
+    for (const QString &arguments : {u"- -v"_s, u"- /dev/null -d"_s})
+        EXPECT_EQ(runShell(u"cat \"$1\" | \"$0\" %1; echo ${PIPESTATUS[@]}"_s.arg(arguments), {path}).output, "0 0\n");
+}
+
 TEST(MacProgram, TellsAFullDisk)
 {
     const TestFolder folder;

@@ -73,6 +73,15 @@ void feed(QProcess &process, const QByteArray &bytes, QCryptographicHash &output
 
 } // namespace
 
+TEST(ShortenProgram, ReadsAPipeToItsEnd)
+{
+    // The writer of a closed one would be ended by it.
+    const TestFolder folder;
+    const QByteArray stream = runProgram(shorten(), {}, asArray(Wave{.frames = 5000}.file())).output;
+    const QString path = folder.write(u"x.shn"_s, stream + QByteArray(1'000'000, 't'));
+    EXPECT_EQ(runShell(u"cat \"$1\" | \"$0\" -x - /dev/null; echo ${PIPESTATUS[@]}"_s, {path}).output, "0 0\n");
+}
+
 TEST(ShortenProgram, RefusesAFileThatShrinksWhileItIsRead)
 {
     // It waits in the named pipe, with less than half of the sound read.

@@ -272,6 +272,17 @@ TEST(TtaencProgram, EndsQuietlyWhenItsReaderGoesAway)
     EXPECT_THAT(folder.read(u"errors"_s).toStdString(), ::testing::Not(HasSubstr("ttaenc")));
 }
 
+TEST(TtaencProgram, ReadsAPipeToItsEnd)
+{
+    // The writer of a closed one would be ended by it.
+    const TestFolder folder;
+    const QString path = folder.write(u"x.tta"_s, tta() + QByteArray(1'000'000, 't'));
+    for (const QString &arguments : {u"-t -"_s, u"-d - -o /dev/null"_s})
+        EXPECT_EQ(runShell(u"cat \"$1\" | \"$0\" %1 2>&1; echo ${PIPESTATUS[@]} >&2"_s.arg(arguments), {path}).errors, "0 0\n");
+    folder.write(u"x.wav"_s, wav() + riffChunk("LIST", QByteArray(1'000'000, 't')));
+    EXPECT_EQ(runShell(u"cat \"$1\" | \"$0\" -e - -o /dev/null 2>&1; echo ${PIPESTATUS[@]} >&2"_s, {folder.path(u"x.wav"_s)}).errors, "0 0\n");
+}
+
 TEST(TtaencProgram, TellsAFullDisk)
 {
     const TestFolder folder;
