@@ -29,19 +29,18 @@ namespace {
 
 constexpr int kFailed = 1;
 
-constexpr const char *kHelp =
-    "Usage: shntool [ARGUMENT]...\n"
-    "       shntool conv [OPTION]... -n FILE SOURCE\n"
-    "\n"
-    "Starts the shntool of the distribution with the same arguments; 'shntool -h' is its\n"
-    "own help. It finds the programs shorten, ttaenc and mac beside this one.\n"
-    "\n"
-    "  conv -n FILE   convert SOURCE and name the result FILE; -O always replaces a file\n"
-    "                 that is there. All other options are those of shntool conv.\n"
-    "  --help         show this text\n"
-    "  --version      show the version\n"
-    "\n"
-    "The exit status is that of shntool.\n";
+constexpr const char *kHelp = "Usage: shntool [ARGUMENT]...\n"
+                              "       shntool conv [OPTION]... -n FILE SOURCE\n"
+                              "\n"
+                              "Starts the shntool of the distribution with the same arguments; 'shntool -h' is its\n"
+                              "own help. It finds the programs shorten, ttaenc and mac beside this one.\n"
+                              "\n"
+                              "  conv -n FILE   convert SOURCE and name the result FILE; -O always replaces a file\n"
+                              "                 that is there. All other options are those of shntool conv.\n"
+                              "  --help         show this text\n"
+                              "  --version      show the version\n"
+                              "\n"
+                              "The exit status is that of shntool.\n";
 
 [[noreturn]] void refuse(const std::string &text)
 {

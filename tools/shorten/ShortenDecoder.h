@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "support/ByteSink.h"
 #include "shorten/ShortenBitReader.h"
 #include "shorten/ShortenFormat.h"
 #include "shorten/ShortenMeans.h"
+#include "support/ByteSink.h"
 
 #include <cstddef>
 #include <cstdint>

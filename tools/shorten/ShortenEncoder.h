@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "support/ByteSink.h"
 #include "shorten/ShortenBitWriter.h"
 #include "shorten/ShortenFormat.h"
 #include "shorten/ShortenMeans.h"
 #include "shorten/ShortenPredictor.h"
+#include "support/ByteSink.h"
 
 #include <cstddef>
 #include <cstdint>

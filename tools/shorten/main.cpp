@@ -13,7 +13,6 @@
 
 #include <optional>
 
-
 namespace {
 
 using namespace nurv;

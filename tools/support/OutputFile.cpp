@@ -39,8 +39,7 @@ void refuseTheSameFile(const struct stat &output, const InputFile &input)
 
 } // namespace
 
-OutputFile::OutputFile(const std::string &name, const InputFile &input)
-    : m_name(name == "-" ? "standard output" : name)
+OutputFile::OutputFile(const std::string &name, const InputFile &input) : m_name(name == "-" ? "standard output" : name)
 {
     if (name == "-")
         openStandardOutput(input);

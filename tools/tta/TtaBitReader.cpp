@@ -16,8 +16,7 @@ constexpr size_t kPadBytes = 2 * kWordBytes - 1;
 
 } // namespace
 
-TtaBitReader::TtaBitReader(Source source)
-    : m_source(std::move(source)), m_buffer(kPieceBytes + kWordBytes + kPadBytes)
+TtaBitReader::TtaBitReader(Source source) : m_source(std::move(source)), m_buffer(kPieceBytes + kWordBytes + kPadBytes)
 {
 }
 

@@ -71,8 +71,8 @@ private:
 
     Source m_source;
     std::vector<uint8_t> m_buffer;
-    uint8_t *m_end = nullptr;    // of the frame's bytes in the buffer
-    bool m_isAtEnd = false;      // nothing follows them but zeros
+    uint8_t *m_end = nullptr; // of the frame's bytes in the buffer
+    bool m_isAtEnd = false;   // nothing follows them but zeros
 };
 
 inline void TtaBitReader::Position::fill(TtaBitReader &reader)

@@ -6,7 +6,7 @@ namespace nurv {
 
 /// Does the step for each channel in turn. One and two channels are written out, so that
 /// what is kept of a channel has a fixed place; `Channels` 0 stands for any count.
-template <unsigned Channels, typename Step>
+template<unsigned Channels, typename Step>
 [[gnu::always_inline]] inline void forEachChannel(unsigned count, const Step &step)
 {
     if constexpr (Channels == 1) {

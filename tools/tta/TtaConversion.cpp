@@ -23,7 +23,7 @@ namespace {
 constexpr uint16_t kFloat = 3;
 
 /// Runs the work; a failure that says nothing of the file gets its name.
-template <typename Work>
+template<typename Work>
 auto namingInput(const InputFile &input, const Work &work)
 {
     try {
@@ -56,10 +56,10 @@ std::string listed(const std::vector<uint64_t> &numbers)
 TtaHeader headerFor(const WaveFormat &format)
 {
     if (!format.isIntegerPcm())
-        throw ToolError(ToolError::Kind::UnsupportedFormat,
-                        (format.formatTag == kFloat ? "floating-point sound"
-                                                    : "WAV format " + std::to_string(format.formatTag))
-                            + std::string(" is not supported, only integer PCM"));
+        throw ToolError(
+            ToolError::Kind::UnsupportedFormat,
+            (format.formatTag == kFloat ? "floating-point sound" : "WAV format " + std::to_string(format.formatTag))
+                + std::string(" is not supported, only integer PCM"));
     TtaHeader header;
     header.channels = format.channels;
     header.bitsPerSample = format.bitsPerSample;
@@ -100,7 +100,8 @@ void decodeTtaToWave(InputFile &input, OutputFile &output, const TtaProgress &pr
 {
     TtaReader reader(input);
     const TtaHeader &header = reader.header();
-    output.write(canonicalWaveHeader({header.channels, header.sampleRateHz, header.bitsPerSample}, header.pcmByteCount()));
+    output.write(
+        canonicalWaveHeader({header.channels, header.sampleRateHz, header.bitsPerSample}, header.pcmByteCount()));
     // At once: some readers want no more.
     output.flush();
     for (uint64_t frame = 0; frame < header.frameCount(); ++frame) {

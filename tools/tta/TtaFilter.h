@@ -7,14 +7,14 @@
 namespace nurv {
 
 /// What depends on the sample size (TTA1, frame coding).
-template <int BytesPerSample>
+template<int BytesPerSample>
 struct TtaShifts {
     static constexpr int kFixed = BytesPerSample == 1 ? 4 : 5;
     static constexpr int kAdaptive = BytesPerSample == 2 ? 9 : 10;
 };
 
 /// The first predictor of one channel: 15/16 or 31/32 of the previous value.
-template <int Shift>
+template<int Shift>
 struct TtaFixedPredictor {
     int32_t previous = 0;
 
@@ -26,7 +26,7 @@ struct TtaFixedPredictor {
 
 /// The adaptive filter of one channel: eight taps whose weights move by the sign of the
 /// last error. All arithmetic wraps around at 32 bits (the sources are built with -fwrapv).
-template <int Shift>
+template<int Shift>
 class TtaFilter {
 public:
     [[gnu::always_inline]] int32_t predict()
@@ -81,7 +81,7 @@ private:
 };
 
 /// All that the codec remembers of one channel within a frame.
-template <int BytesPerSample>
+template<int BytesPerSample>
 struct TtaPredictors {
     TtaFixedPredictor<TtaShifts<BytesPerSample>::kFixed> fixed;
     TtaFilter<TtaShifts<BytesPerSample>::kAdaptive> filter;

@@ -13,7 +13,7 @@ namespace nurv {
 namespace {
 
 /// `Channels` is 0 where only the running program knows their number.
-template <int BytesPerSample, unsigned Channels>
+template<int BytesPerSample, unsigned Channels>
 [[gnu::always_inline]] inline bool decodeSamples(TtaBitReader &reader, std::span<uint8_t> pcm, unsigned channelCount)
 {
     constexpr unsigned kRoom = Channels != 0 ? Channels : TtaHeader::kMaxChannels;
@@ -25,14 +25,15 @@ template <int BytesPerSample, unsigned Channels>
     TtaBitReader::Position position = reader.begin();
     uint8_t *const end = pcm.data() + pcm.size();
     for (uint8_t *at = pcm.data(); at != end;) {
-        forEachChannel<Channels>(count, [&](unsigned c) __attribute__((always_inline)) {
-            const int32_t error = position.readCode(reader, rice[c]);
-            auto &[fixed, filter] = predictors[c];
-            const int32_t residual = filter.predict() + error;
-            filter.learn(residual, error);
-            fixed.previous = residual + fixed.prediction();
-            samples[c] = fixed.previous;
-        });
+        forEachChannel<Channels>(
+            count, [&](unsigned c) __attribute__((always_inline)) {
+                const int32_t error = position.readCode(reader, rice[c]);
+                auto &[fixed, filter] = predictors[c];
+                const int32_t residual = filter.predict() + error;
+                filter.learn(residual, error);
+                fixed.previous = residual + fixed.prediction();
+                samples[c] = fixed.previous;
+            });
         if (count > 1) {
             samples[count - 1] += samples[count - 2] / 2;
             for (unsigned c = count - 1; c-- > 0;)
@@ -44,20 +45,20 @@ template <int BytesPerSample, unsigned Channels>
     return reader.isWithinFrame(position);
 }
 
-template <int BytesPerSample, unsigned Channels>
+template<int BytesPerSample, unsigned Channels>
 bool decodeBaseline(TtaBitReader &reader, std::span<uint8_t> pcm, unsigned channels)
 {
     return decodeSamples<BytesPerSample, Channels>(reader, pcm, channels);
 }
 
-template <int BytesPerSample, unsigned Channels>
+template<int BytesPerSample, unsigned Channels>
 NURV_TTA_AVX2 bool decodeAvx2(TtaBitReader &reader, std::span<uint8_t> pcm, unsigned channels)
 {
     return decodeSamples<BytesPerSample, Channels>(reader, pcm, channels);
 }
 
 /// The loop for one, two or more channels.
-template <int BytesPerSample>
+template<int BytesPerSample>
 auto loopFor(unsigned channels, TtaCpu cpu)
 {
     if (cpu == TtaCpu::Avx2)
@@ -74,15 +75,9 @@ auto loopFor(unsigned channels, TtaCpu cpu)
 TtaFrameDecoder::TtaFrameDecoder(const TtaHeader &header, TtaCpu cpu) : m_channels(header.channels)
 {
     switch (header.bytesPerSample()) {
-    case 1:
-        m_loop = loopFor<1>(m_channels, cpu);
-        break;
-    case 2:
-        m_loop = loopFor<2>(m_channels, cpu);
-        break;
-    default:
-        m_loop = loopFor<3>(m_channels, cpu);
-        break;
+    case 1: m_loop = loopFor<1>(m_channels, cpu); break;
+    case 2: m_loop = loopFor<2>(m_channels, cpu); break;
+    default: m_loop = loopFor<3>(m_channels, cpu); break;
     }
 }
 

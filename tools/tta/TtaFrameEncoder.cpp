@@ -13,7 +13,7 @@ namespace nurv {
 namespace {
 
 /// `Channels` is 0 where only the running program knows their number.
-template <int BytesPerSample, unsigned Channels>
+template<int BytesPerSample, unsigned Channels>
 [[gnu::always_inline]] inline void encodeSamples(TtaBitWriter &writer, std::span<const uint8_t> pcm,
                                                  unsigned channelCount)
 {
@@ -33,32 +33,33 @@ template <int BytesPerSample, unsigned Channels>
                 samples[c] = samples[c + 1] - samples[c];
             samples[count - 1] -= samples[count - 2] / 2;
         }
-        forEachChannel<Channels>(count, [&](unsigned c) __attribute__((always_inline)) {
-            auto &[fixed, filter] = predictors[c];
-            const int32_t residual = samples[c] - fixed.prediction();
-            fixed.previous = samples[c];
-            const int32_t error = residual - filter.predict();
-            filter.learn(residual, error);
-            position.writeCode(writer, rice[c], error);
-        });
+        forEachChannel<Channels>(
+            count, [&](unsigned c) __attribute__((always_inline)) {
+                auto &[fixed, filter] = predictors[c];
+                const int32_t residual = samples[c] - fixed.prediction();
+                fixed.previous = samples[c];
+                const int32_t error = residual - filter.predict();
+                filter.learn(residual, error);
+                position.writeCode(writer, rice[c], error);
+            });
     }
     writer.finish(position);
 }
 
-template <int BytesPerSample, unsigned Channels>
+template<int BytesPerSample, unsigned Channels>
 void encodeBaseline(TtaBitWriter &writer, std::span<const uint8_t> pcm, unsigned channels)
 {
     encodeSamples<BytesPerSample, Channels>(writer, pcm, channels);
 }
 
-template <int BytesPerSample, unsigned Channels>
+template<int BytesPerSample, unsigned Channels>
 NURV_TTA_AVX2 void encodeAvx2(TtaBitWriter &writer, std::span<const uint8_t> pcm, unsigned channels)
 {
     encodeSamples<BytesPerSample, Channels>(writer, pcm, channels);
 }
 
 /// The loop for one, two or more channels.
-template <int BytesPerSample>
+template<int BytesPerSample>
 auto loopFor(unsigned channels, TtaCpu cpu)
 {
     if (cpu == TtaCpu::Avx2)
@@ -75,15 +76,9 @@ auto loopFor(unsigned channels, TtaCpu cpu)
 TtaFrameEncoder::TtaFrameEncoder(const TtaHeader &header, TtaCpu cpu) : m_channels(header.channels)
 {
     switch (header.bytesPerSample()) {
-    case 1:
-        m_loop = loopFor<1>(m_channels, cpu);
-        break;
-    case 2:
-        m_loop = loopFor<2>(m_channels, cpu);
-        break;
-    default:
-        m_loop = loopFor<3>(m_channels, cpu);
-        break;
+    case 1: m_loop = loopFor<1>(m_channels, cpu); break;
+    case 2: m_loop = loopFor<2>(m_channels, cpu); break;
+    default: m_loop = loopFor<3>(m_channels, cpu); break;
     }
 }
 

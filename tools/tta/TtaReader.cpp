@@ -130,17 +130,13 @@ std::string TtaReader::describe(TtaFrameState state) const
     const double startSeconds = static_cast<double>(frame * m_header.frameLength()) / m_header.sampleRateHz;
     std::array<char, 120> place;
     std::snprintf(place.data(), place.size(), "frame %llu of %llu (at %.2f s)",
-                  static_cast<unsigned long long>(m_framesRead),
-                  static_cast<unsigned long long>(m_header.frameCount()), startSeconds);
+                  static_cast<unsigned long long>(m_framesRead), static_cast<unsigned long long>(m_header.frameCount()),
+                  startSeconds);
     switch (state) {
-    case TtaFrameState::Good:
-        break;
-    case TtaFrameState::Truncated:
-        return place.data() + std::string(" is missing: the file is truncated");
-    case TtaFrameState::CrcMismatch:
-        return place.data() + std::string(" is damaged: its CRC does not match");
-    case TtaFrameState::Overrun:
-        return place.data() + std::string(" is damaged: it holds too few samples");
+    case TtaFrameState::Good: break;
+    case TtaFrameState::Truncated: return place.data() + std::string(" is missing: the file is truncated");
+    case TtaFrameState::CrcMismatch: return place.data() + std::string(" is damaged: its CRC does not match");
+    case TtaFrameState::Overrun: return place.data() + std::string(" is damaged: it holds too few samples");
     }
     return place.data() + std::string(" is good");
 }

@@ -52,10 +52,7 @@ struct TtaRice {
     }
 
     /// The parameter of a value: `isDeep` is a mask.
-    [[gnu::always_inline]] uint32_t k(uint32_t isDeep) const
-    {
-        return shallow.k ^ ((shallow.k ^ deep.k) & isDeep);
-    }
+    [[gnu::always_inline]] uint32_t k(uint32_t isDeep) const { return shallow.k ^ ((shallow.k ^ deep.k) & isDeep); }
 };
 
 } // namespace nurv

@@ -7,7 +7,7 @@
 namespace nurv {
 
 /// One little-endian sample of a WAV file; those of 8 bits are unsigned there.
-template <int BytesPerSample>
+template<int BytesPerSample>
 struct TtaSample {
     [[gnu::always_inline]] static int32_t load(const uint8_t *at)
     {

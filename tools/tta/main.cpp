@@ -6,8 +6,8 @@
 #include "support/ToolMain.h"
 #include "tta/PercentDisplay.h"
 #include "tta/TtaConversion.h"
-#include "tta/TtaReader.h"
 #include "tta/TtaencOptions.h"
+#include "tta/TtaReader.h"
 
 #include <cstdio>
 #include <cstdlib>

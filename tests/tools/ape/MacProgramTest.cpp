@@ -186,9 +186,9 @@ TEST(MacProgram, TellsADamagedFrameBehindItsProgress)
     for (const QStringList &arguments : {QStringList{path, u"-v"_s}, {path, folder.path(u"former.wav"_s), u"-d"_s}}) {
         const ProgramResult result = runMac(arguments);
         EXPECT_EQ(result.exitStatus, 1);
-        EXPECT_THAT(
-            result.errors.toStdString(),
-            ::testing::MatchesRegex("[DV][a-z]+\\.\\.\\.\n(Progress: [^\r\n]*\r)+\nmac: [^\n]*a\\.ape: frame 1 of [0-9]+: its [^\n]*\nError: 10(09|10)\n"));
+        EXPECT_THAT(result.errors.toStdString(),
+                    ::testing::MatchesRegex("[DV][a-z]+\\.\\.\\.\n(Progress: [^\r\n]*\r)+\nmac: [^\n]*a\\.ape: frame 1 "
+                                            "of [0-9]+: its [^\n]*\nError: 10(09|10)\n"));
     }
     EXPECT_EQ(folder.read(u"former.wav"_s), "former");
     EXPECT_EQ(folder.list(), (QStringList{u"a.ape"_s, u"former.wav"_s}));

@@ -144,8 +144,7 @@ std::string caseName(const ::testing::TestParamInfo<ShntoolCodec::ParamType> &te
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, ShntoolCodec,
-                         ::testing::Combine(::testing::ValuesIn(kFormats), ::testing::ValuesIn(kSounds)),
-                         caseName);
+                         ::testing::Combine(::testing::ValuesIn(kFormats), ::testing::ValuesIn(kSounds)), caseName);
 
 } // namespace
 

@@ -183,8 +183,7 @@ TEST(ToolMain, TellsThatAFileMayNotGrowAndLeavesNothing)
 {
     const TestFolder folder;
     const QString in = folder.write(u"in"_s, QByteArray(300'000, 'x'));
-    const ProgramResult result =
-        runShell(u"ulimit -f 100; \"$0\" \"$1\" \"$2\""_s, {in, folder.path(u"out"_s)});
+    const ProgramResult result = runShell(u"ulimit -f 100; \"$0\" \"$1\" \"$2\""_s, {in, folder.path(u"out"_s)});
     EXPECT_EQ(result.exitStatus, 1);
     EXPECT_THAT(result.errors.toStdString(), ::testing::HasSubstr("File too large"));
     EXPECT_EQ(folder.list(), QStringList{u"in"_s});

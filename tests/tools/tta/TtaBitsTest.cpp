@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "TtaSounds.h"
 #include "tta/TtaBitReader.h"
 #include "tta/TtaBitWriter.h"
+#include "TtaSounds.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "TtaSounds.h"
 #include "tta/TtaFrameDecoder.h"
 #include "tta/TtaFrameEncoder.h"
+#include "TtaSounds.h"
 
 #include <gtest/gtest.h>
 
@@ -12,8 +12,7 @@ namespace nurv::test {
 
 namespace {
 
-constexpr Sound kSounds[] = {Sound::Silence, Sound::Square, Sound::Noise,
-                             Sound::FullScale, Sound::Sweep, Sound::Music};
+constexpr Sound kSounds[] = {Sound::Silence, Sound::Square, Sound::Noise, Sound::FullScale, Sound::Sweep, Sound::Music};
 
 std::vector<uint8_t> encoded(const std::vector<uint8_t> &pcm, const TtaHeader &shape, TtaCpu cpu)
 {
@@ -63,8 +62,7 @@ TEST(TtaFrame, WritesTheFrameThatAnotherEncoderWrites)
     const QByteArray pcm = QByteArray::fromHex("64009cffff7f008000000700");
     const std::vector<uint8_t> samples(pcm.begin(), pcm.end());
     const TtaHeader shape = shapeOf(2, 16, 3);
-    const QByteArray known =
-        QByteArray::fromHex("2003c0ffffffffffffffffffffffffffffff3f4108f8ffffffffffffff355002");
+    const QByteArray known = QByteArray::fromHex("2003c0ffffffffffffffffffffffffffffff3f4108f8ffffffffffffff355002");
     EXPECT_EQ(toQt(encoded(samples, shape, TtaCpu::Baseline)).toHex(), known.toHex());
     EXPECT_EQ(toQt(encoded(samples, shape, bestTtaCpu())).toHex(), known.toHex());
 }

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tta/TtaHeader.h"
 
-#include "TtaSounds.h"
 #include "support/ToolError.h"
 #include "tta/TtaCrc.h"
+#include "TtaSounds.h"
 
 #include <QByteArray>
 

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tta/TtaReader.h"
 
-#include "TtaSounds.h"
 #include "support/InputFile.h"
 #include "support/ToolError.h"
+#include "TtaSounds.h"
 
 #include <gtest/gtest.h>
 

@@ -24,18 +24,12 @@ double valueAt(Sound sound, uint32_t frame, unsigned channel, double rate, std::
     const auto noise = [&] { return static_cast<double>(random()) / 2147483647.5 - 1.0; };
     const auto tone = [&](double hertz) { return std::sin(2 * std::numbers::pi * hertz * time); };
     switch (sound) {
-    case Sound::Silence:
-        return 0.0;
-    case Sound::Square:
-        return (frame / (50 + 7 * channel)) % 2 == 0 ? 0.5 : -0.5;
-    case Sound::Noise:
-        return noise();
-    case Sound::FullScale:
-        return (random() & 1) != 0 ? 1.0 : -1.0;
-    case Sound::Sweep:
-        return 0.9 * tone(20.0 + 4000.0 * time + 100.0 * channel);
-    case Sound::Music:
-        break;
+    case Sound::Silence: return 0.0;
+    case Sound::Square: return (frame / (50 + 7 * channel)) % 2 == 0 ? 0.5 : -0.5;
+    case Sound::Noise: return noise();
+    case Sound::FullScale: return (random() & 1) != 0 ? 1.0 : -1.0;
+    case Sound::Sweep: return 0.9 * tone(20.0 + 4000.0 * time + 100.0 * channel);
+    case Sound::Music: break;
     }
     const double beat = std::exp(-6.0 * std::fmod(time, 0.5));
     return 0.3 * tone(220.0) + 0.2 * tone(331.0 + channel) + 0.2 * beat * noise() + 0.05 * tone(3520.0);
@@ -108,7 +102,8 @@ std::vector<uint8_t> ttaOf(const std::vector<uint8_t> &pcm, const TtaHeader &sha
 {
     std::vector<uint8_t> frames;
     std::vector<uint8_t> table;
-    TtaBitWriter writer([&](std::span<const uint8_t> bytes) { frames.insert(frames.end(), bytes.begin(), bytes.end()); });
+    TtaBitWriter writer(
+        [&](std::span<const uint8_t> bytes) { frames.insert(frames.end(), bytes.begin(), bytes.end()); });
     const TtaFrameEncoder encoder(shape);
     size_t start = 0;
     for (uint64_t frame = 0; frame < shape.frameCount(); ++frame) {
@@ -123,8 +118,8 @@ std::vector<uint8_t> ttaOf(const std::vector<uint8_t> &pcm, const TtaHeader &sha
     const auto header = shape.toBytes();
     std::vector<uint8_t> file;
     file.reserve(header.size() + table.size() + frames.size());
-    for (const std::span<const uint8_t> part : {std::span<const uint8_t>(header), std::span<const uint8_t>(table),
-                                                std::span<const uint8_t>(frames)})
+    for (const std::span<const uint8_t> part :
+         {std::span<const uint8_t>(header), std::span<const uint8_t>(table), std::span<const uint8_t>(frames)})
         file.insert(file.end(), part.begin(), part.end());
     return file;
 }

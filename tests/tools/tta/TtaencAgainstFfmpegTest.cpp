@@ -68,7 +68,8 @@ protected:
 
 TEST_P(TtaencAgainstFfmpeg, WritesTheSameBytesForEverySound)
 {
-    for (const Sound sound : {Sound::Silence, Sound::Square, Sound::Noise, Sound::FullScale, Sound::Sweep, Sound::Music})
+    for (const Sound sound :
+         {Sound::Silence, Sound::Square, Sound::Noise, Sound::FullScale, Sound::Sweep, Sound::Music})
         expectTheSameFor(sound, 2 * kFrameLength + 777);
 }
 

@@ -52,10 +52,11 @@ TEST_F(TtaencDamage, SaysOkOfAGoodFileAfterCountingToAHundred)
     EXPECT_EQ(result.exitStatus, 0);
     EXPECT_EQ(result.output, "");
     const QByteArray steps = QByteArray(result.errors).replace('\b', "");
-    EXPECT_EQ(steps,
-              " 8% done... 16% done... 25% done... 33% done... 41% done... 50% done... 58% done... 66% done... 75% done..."
-              " 83% done... 91% done... 100% done...\n"
-                  + path.toUtf8() + ": OK\n");
+    EXPECT_EQ(
+        steps,
+        " 8% done... 16% done... 25% done... 33% done... 41% done... 50% done... 58% done... 66% done... 75% done..."
+        " 83% done... 91% done... 100% done...\n"
+            + path.toUtf8() + ": OK\n");
     // Each step takes the one before back.
     EXPECT_THAT(result.errors.toStdString(), HasSubstr(" 8% done..." + std::string(11, '\b') + " 16% done..."));
 }
@@ -139,8 +140,9 @@ TEST_F(TtaencDamage, RefusesAnEncryptedFile)
     m_file = QByteArray::fromHex("545441310200010010007856000001000000");
     const QString path = m_folder.write(u"crc"_s, m_file);
     const ProgramResult crc =
-        runProgram(u"python3"_s, {u"-c"_s, u"import sys,zlib; sys.stdout.buffer.write("
-                                           "zlib.crc32(open(sys.argv[1],'rb').read()).to_bytes(4,'little'))"_s,
+        runProgram(u"python3"_s, {u"-c"_s,
+                                  u"import sys,zlib; sys.stdout.buffer.write("
+                                  "zlib.crc32(open(sys.argv[1],'rb').read()).to_bytes(4,'little'))"_s,
                                   path});
     ASSERT_EQ(crc.output.size(), 4);
     m_file += crc.output + QByteArray(40, '\0');

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "RunTtaenc.h"
-#include "TtaSounds.h"
 #include "support/AudioFixtures.h"
 #include "support/WaitUntil.h"
+#include "TtaSounds.h"
 
 #include <QProcess>
 
@@ -92,21 +92,21 @@ TEST(TtaencProgram, CountsToAHundredInStepsOfOneWrite)
     EXPECT_EQ(QString::fromUtf8(runTtaenc({ttaPath, u"-o"_s, folder.path(u"b.wav"_s)}).errors), expected);
     EXPECT_EQ(QString::fromUtf8(runTtaenc({u"-d"_s, ttaPath, u"-o"_s, u"-"_s}).errors), expected);
     // How many writes: a datagram socket keeps them apart.
-    const ProgramResult writes = runProgram(
-        u"python3"_s,
-        {u"-c"_s, u"import socket,subprocess,sys\n"
-                  "ours, theirs = socket.socketpair(socket.AF_UNIX, socket.SOCK_SEQPACKET)\n"
-                  "ours.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 1 << 20)\n"
-                  "child = subprocess.Popen(sys.argv[1:], stderr=theirs)\n"
-                  "theirs.close()\n"
-                  "count = 0\n"
-                  "while True:\n"
-                  "    text = ours.recv(4096)\n"
-                  "    if not text: break\n"
-                  "    count += text.count(b'Percent Progress: ') == 1\n"
-                  "child.wait()\n"
-                  "print(count)\n"_s,
-         ttaenc(), ttaPath, u"-o"_s, folder.path(u"b.wav"_s)});
+    const ProgramResult writes =
+        runProgram(u"python3"_s, {u"-c"_s,
+                                  u"import socket,subprocess,sys\n"
+                                  "ours, theirs = socket.socketpair(socket.AF_UNIX, socket.SOCK_SEQPACKET)\n"
+                                  "ours.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 1 << 20)\n"
+                                  "child = subprocess.Popen(sys.argv[1:], stderr=theirs)\n"
+                                  "theirs.close()\n"
+                                  "count = 0\n"
+                                  "while True:\n"
+                                  "    text = ours.recv(4096)\n"
+                                  "    if not text: break\n"
+                                  "    count += text.count(b'Percent Progress: ') == 1\n"
+                                  "child.wait()\n"
+                                  "print(count)\n"_s,
+                                  ttaenc(), ttaPath, u"-o"_s, folder.path(u"b.wav"_s)});
     EXPECT_EQ(writes.output, "100\n") << writes.errors.constData();
 }
 
@@ -278,9 +278,13 @@ TEST(TtaencProgram, ReadsAPipeToItsEnd)
     const TestFolder folder;
     const QString path = folder.write(u"x.tta"_s, tta() + QByteArray(1'000'000, 't'));
     for (const QString &arguments : {u"-t -"_s, u"-d - -o /dev/null"_s})
-        EXPECT_EQ(runShell(u"cat \"$1\" | \"$0\" %1 2>&1; echo ${PIPESTATUS[@]} >&2"_s.arg(arguments), {path}).errors, "0 0\n");
+        EXPECT_EQ(runShell(u"cat \"$1\" | \"$0\" %1 2>&1; echo ${PIPESTATUS[@]} >&2"_s.arg(arguments), {path}).errors,
+                  "0 0\n");
     folder.write(u"x.wav"_s, wav() + riffChunk("LIST", QByteArray(1'000'000, 't')));
-    EXPECT_EQ(runShell(u"cat \"$1\" | \"$0\" -e - -o /dev/null 2>&1; echo ${PIPESTATUS[@]} >&2"_s, {folder.path(u"x.wav"_s)}).errors, "0 0\n");
+    EXPECT_EQ(
+        runShell(u"cat \"$1\" | \"$0\" -e - -o /dev/null 2>&1; echo ${PIPESTATUS[@]} >&2"_s, {folder.path(u"x.wav"_s)})
+            .errors,
+        "0 0\n");
 }
 
 TEST(TtaencProgram, TellsAFullDisk)

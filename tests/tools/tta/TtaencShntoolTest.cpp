@@ -49,7 +49,8 @@ TEST_P(TtaencForShntool, TellsTheLengthAndTheFormat)
     const ProgramResult info = runShntool({u"info"_s, m_ttaPath});
     EXPECT_EQ(info.exitStatus, 0) << info.errors.constData();
     EXPECT_THAT(info.output.toStdString(), HasSubstr("WAVE format:                  0x0001 (Microsoft PCM)"));
-    EXPECT_THAT(info.output.toStdString(), HasSubstr("Data size:                    " + std::to_string(m_wav.size() - 44)));
+    EXPECT_THAT(info.output.toStdString(),
+                HasSubstr("Data size:                    " + std::to_string(m_wav.size() - 44)));
 }
 
 TEST_P(TtaencForShntool, GivesTheHashAndTheSoundOfTheWavFile)
