@@ -15,12 +15,12 @@ class InputFile;
 /// What a RIFF/WAVE `fmt ` chunk says, with the subformat of WAVE_FORMAT_EXTENSIBLE
 /// resolved into `formatTag`.
 struct WaveFormat {
-    uint16_t formatTag = 0; // 1 = integer PCM, 3 = float
+    uint16_t formatTag = 0; ///< 1 = integer PCM, 3 = float
     bool isExtensible = false;
     uint16_t channels = 0;
     uint32_t sampleRateHz = 0;
     uint16_t blockAlign = 0;
-    uint16_t bitsPerSample = 0; // of the container
+    uint16_t bitsPerSample = 0; ///< of the container
 
     [[nodiscard]] bool isIntegerPcm() const { return formatTag == 1; }
 };

@@ -45,10 +45,10 @@ public:
             m_bitCount -= count;
         }
 
-        uint64_t m_bits = 0;     // the next one lowest
-        uint32_t m_bitCount = 0; // how many of them are ready
+        uint64_t m_bits = 0;     ///< the next one lowest
+        uint32_t m_bitCount = 0; ///< how many of them are ready
         const uint8_t *m_at = nullptr;
-        const uint8_t *m_lastLoad = nullptr; // where eight bytes can still be read
+        const uint8_t *m_lastLoad = nullptr; ///< where eight bytes can still be read
     };
 
     explicit TtaBitReader(Source source);
@@ -71,8 +71,8 @@ private:
 
     Source m_source;
     std::vector<uint8_t> m_buffer;
-    uint8_t *m_end = nullptr; // of the frame's bytes in the buffer
-    bool m_isAtEnd = false;   // nothing follows them but zeros
+    uint8_t *m_end = nullptr; ///< of the frame's bytes in the buffer
+    bool m_isAtEnd = false;   ///< nothing follows them but zeros
 };
 
 inline void TtaBitReader::Position::fill(TtaBitReader &reader)

@@ -28,10 +28,10 @@ public:
         /// At most 56 bits; those above the count are 0.
         [[gnu::always_inline]] void put(TtaBitWriter &writer, uint64_t bits, uint32_t count);
 
-        uint64_t m_bits = 0;     // not stored yet, the first one lowest
-        uint32_t m_bitCount = 0; // 0 to 7
+        uint64_t m_bits = 0;     ///< not stored yet, the first one lowest
+        uint32_t m_bitCount = 0; ///< 0 to 7
         uint8_t *m_at = nullptr;
-        uint8_t *m_lastStore = nullptr; // where eight bytes still have room
+        uint8_t *m_lastStore = nullptr; ///< where eight bytes still have room
     };
 
     explicit TtaBitWriter(ByteSink sink);

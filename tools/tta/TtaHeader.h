@@ -17,10 +17,10 @@ struct TtaHeader {
     /// Of the seek table; more would take a sample rate below 1 kHz and hours of sound.
     static constexpr uint64_t kMaxFrames = uint64_t{1} << 22;
 
-    uint16_t channels = 0;      // 1 to 6
-    uint16_t bitsPerSample = 0; // 8, 16 or 24
+    uint16_t channels = 0;      ///< 1 to 6
+    uint16_t bitsPerSample = 0; ///< 8, 16 or 24
     uint32_t sampleRateHz = 0;
-    uint32_t sampleCount = 0; // per channel
+    uint32_t sampleCount = 0; ///< per channel
 
     [[nodiscard]] unsigned bytesPerSample() const { return bitsPerSample / 8U; }
     /// Of one sample of every channel.

@@ -52,9 +52,9 @@ private:
     InputFile &m_input;
     TtaHeader::Crc m_crc;
     TtaHeader m_header;
-    std::vector<uint32_t> m_frameSizes; // bytes, the CRC included
+    std::vector<uint32_t> m_frameSizes; ///< bytes, the CRC included
     uint64_t m_framesRead = 0;
-    uint64_t m_frameBytesLeft = 0; // without the CRC
+    uint64_t m_frameBytesLeft = 0; ///< without the CRC
     uint32_t m_frameCrc = 0;
     bool m_isTruncated = false;
     TtaBitReader m_bitReader;

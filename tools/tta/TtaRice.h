@@ -12,7 +12,7 @@ namespace nurv {
 struct TtaRice {
     struct Parameter {
         uint32_t k = 10;
-        uint32_t mean = 1U << (10 + 4); // 16 times the moving mean of the values
+        uint32_t mean = 1U << (10 + 4); ///< 16 times the moving mean of the values
 
         /// All bits of `mask` are 1, or all are 0: nothing is to be done then. Which of the
         /// two is as good as random, and a branch would cost more than the work.
@@ -35,8 +35,8 @@ struct TtaRice {
         return thresholds;
     }();
 
-    Parameter shallow; // k0
-    Parameter deep;    // k1
+    Parameter shallow; ///< k0
+    Parameter deep;    ///< k1
 
     /// 0, 1, -1, 2, -2 ... as 0, 1, 2, 3, 4 ...
     [[gnu::always_inline]] static uint32_t fold(int32_t value)

@@ -49,7 +49,7 @@ private:
     std::optional<uint64_t> m_promisedSamples;
     std::optional<SpoolFile> m_spool;
     uint64_t m_sampleCount = 0;
-    std::vector<uint32_t> m_frameSizes; // bytes, the CRC included
+    std::vector<uint32_t> m_frameSizes; ///< bytes, the CRC included
     uint64_t m_frameSize = 0;
     uint32_t m_frameCrc = 0;
     TtaBitWriter m_bitWriter;

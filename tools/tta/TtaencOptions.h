@@ -12,8 +12,8 @@ struct TtaencOptions {
     enum class Mode { ByInput, Encode, Decode, Test };
 
     Mode mode = Mode::ByInput;
-    std::string input;  // a path, or "-" for standard input
-    std::string output; // a path, "-" for standard output, or empty for a name beside the input
+    std::string input;  ///< a path, or "-" for standard input
+    std::string output; ///< a path, "-" for standard output, or empty for a name beside the input
 
     /// Throws ToolError(BadArguments).
     static TtaencOptions fromArguments(std::span<const std::string> arguments);
