@@ -75,17 +75,6 @@ AudioStreamDescription workingFormat(const AudioStreamDescription &source)
     return working;
 }
 
-std::uint32_t appleLosslessFlags(std::uint32_t bits)
-{
-    switch (bits) {
-    case 16: return kAppleLossless16Bit;
-    case 20: return kAppleLossless20Bit;
-    case 24: return kAppleLossless24Bit;
-    case 32: return kAppleLossless32Bit;
-    default: return 0;
-    }
-}
-
 double aacRate(double sourceRate)
 {
     if (sourceRate == 96000.0 || sourceRate == 192000.0)
@@ -132,6 +121,7 @@ void EncodeCoreAudioSync::doEncodeCall()
 void EncodeCoreAudioSync::convert(AudioFileReader &source, AudioFileWriter &output)
 {
     check(source.open(m_fileName), u"ExtAudioFileOpenURL failed %1"_s);
+    m_leavesSoundBehind = source.holdsMoreSound();
     AudioStreamDescription format;
     check(source.fileDataFormat(format),
           u"input ExtAudioFileGetProperty kExtAudioFileProperty_FileDataFormat failed %1"_s);

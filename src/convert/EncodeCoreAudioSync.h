@@ -48,6 +48,10 @@ public:
     /// is refused before the output is begun leaves an existing file as it was.
     void doEncodeCall();
 
+    /// Whether the source holds sound that is not in the output: another track, or what
+    /// its edit list hides.
+    [[nodiscard]] bool leavesSoundBehind() const { return m_leavesSoundBehind; }
+
     /// What a failed conversion put into the result set; empty otherwise.
     [[nodiscard]] const QString &failureText() const { return m_failureText; }
 
@@ -71,6 +75,7 @@ private:
     std::uint32_t m_bitrate = 0;
     std::uint32_t m_quality = 0;
     std::uint32_t m_mode = 0;
+    bool m_leavesSoundBehind = false;
 };
 
 } // namespace nurv

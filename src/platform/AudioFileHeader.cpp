@@ -22,8 +22,13 @@ namespace nurv {
 
 namespace {
 
+// Nine years of sound at the highest rate: lengths up to here can be multiplied by the size
+// of a frame.
+constexpr std::int64_t kMostFrames = std::int64_t{1} << 48;
 constexpr int kProbeSize = 32 * 1024;
-constexpr int kMostStreams = 64;
+// A file of a few kilobytes can announce millions of packets in every track, and memory is
+// taken for each.
+constexpr int kMostStreams = 8;
 // The containers of the formats that the audio service reads; none of them is a
 // play list, so no file leads to another.
 constexpr char kContainers[] = "wav,aiff,mov,caf,flac,mp3,aac,ac3,au";
@@ -97,17 +102,6 @@ std::optional<std::uint32_t> pcmFlags(AVCodecID codec)
     }
 }
 
-std::uint32_t appleLosslessFlags(std::uint32_t bits)
-{
-    switch (bits) {
-    case 16: return kAppleLossless16Bit;
-    case 20: return kAppleLossless20Bit;
-    case 24: return kAppleLossless24Bit;
-    case 32: return kAppleLossless32Bit;
-    default: return 0;
-    }
-}
-
 bool isContainer(const AVFormatContext &container, const char *name)
 {
     return std::strcmp(container.iformat->name, name) == 0;
@@ -145,6 +139,13 @@ std::unique_ptr<AudioFileHeader> AudioFileHeader::read(const QString &path, Audi
         return nullptr;
     header->describe();
     header->measure();
+    if (header->m_length < 0 || header->m_length > kMostFrames) {
+        status = AudioFileStatus::InvalidFile;
+        if (reason)
+            *reason = u"it announces more sound than there can be"_s;
+        return nullptr;
+    }
+    header->lookForMoreSound();
     return header;
 }
 
@@ -297,6 +298,9 @@ bool AudioFileHeader::measureOneEdit()
         return ::pread(m_file.get(), bytes, size, offset) == static_cast<ssize_t>(size);
     };
     const auto timing = Mpeg4Timing::read(readAt, m_facts.st_size, static_cast<std::uint32_t>(m_stream->id));
+    if (timing && timing->mediaTimescale > 0)
+        m_mediaLength =
+            av_rescale(timing->mediaDuration, static_cast<std::int64_t>(m_format.sampleRate), timing->mediaTimescale);
     const auto length = timing ? timing->length() : std::nullopt;
     // In other units than the sample rate, frames would have to be guessed.
     if (!length || timing->mediaTimescale != m_format.sampleRate)
@@ -306,6 +310,18 @@ bool AudioFileHeader::measureOneEdit()
     m_hasOneEdit = true;
     m_isLengthExact = true;
     return true;
+}
+
+void AudioFileHeader::lookForMoreSound()
+{
+    const AVFormatContext &format = *container();
+    int tracks = 0;
+    for (unsigned index = 0; index < format.nb_streams; ++index) {
+        if (format.streams[index]->codecpar->codec_type == AVMEDIA_TYPE_AUDIO)
+            ++tracks;
+    }
+    // A lossy encoder's priming and padding are hidden on purpose.
+    m_holdsMoreSound = tracks > 1 || (m_isLossless && m_mediaLength > m_length);
 }
 
 void AudioFileHeader::measure()

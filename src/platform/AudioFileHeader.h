@@ -50,6 +50,10 @@ public:
     [[nodiscard]] bool hasOneEdit() const { return m_hasOneEdit; }
     [[nodiscard]] std::int64_t firstFrame() const { return m_firstFrame; }
 
+    /// Whether the file holds sound that is not in those frames: a further track, or what
+    /// the edit list of a lossless file hides.
+    [[nodiscard]] bool holdsMoreSound() const { return m_holdsMoreSound; }
+
     /// Whether the file is WAV or AIFF with plain integers, so that its bytes are
     /// the samples.
     [[nodiscard]] bool isPlainPcm() const { return m_isPlainPcm; }
@@ -72,6 +76,7 @@ private:
     [[nodiscard]] bool selectStream();
     void describe();
     void measure();
+    void lookForMoreSound();
     [[nodiscard]] std::optional<std::int64_t> declaredWavBytes() const;
     [[nodiscard]] bool measureOneEdit();
     static int readBytes(void *self, std::uint8_t *buffer, int size);
@@ -86,7 +91,9 @@ private:
     std::int64_t m_declaredLength = 0; ///< from the codec's own header
     std::int64_t m_firstFrame = 0;
     int m_readError = 0;
+    std::int64_t m_mediaLength = 0; ///< of the track without its edit list; 0: not known
     bool m_hasOneEdit = false;
+    bool m_holdsMoreSound = false;
     bool m_isLengthExact = false;
     bool m_isPlainPcm = false;
     bool m_isLossless = false;

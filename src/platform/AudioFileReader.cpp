@@ -288,6 +288,11 @@ AudioFileStatus AudioFileReader::lengthFrames(std::int64_t &frames) const
     return AudioFileStatus::Ok;
 }
 
+bool AudioFileReader::holdsMoreSound() const
+{
+    return m_source && m_source->header().holdsMoreSound();
+}
+
 bool AudioFileReader::isLengthExact() const
 {
     return m_source && m_source->header().isLengthExact();

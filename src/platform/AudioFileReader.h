@@ -42,6 +42,9 @@ public:
     /// file that ends before it is damaged.
     [[nodiscard]] bool isLengthExact() const;
 
+    /// Whether the file holds sound that is not read: see AudioFileHeader.
+    [[nodiscard]] bool holdsMoreSound() const;
+
     /// Says how `read` delivers samples: big-endian signed packed integers of 8, 16,
     /// 24 or 32 bits with the file's own sample rate and channels. Any other form is
     /// refused, and so are integers that are narrower than the samples of a lossless

@@ -15,4 +15,15 @@ QString fourCharText(FourCharCode code)
     return text;
 }
 
+std::uint32_t appleLosslessFlags(std::uint32_t bits)
+{
+    switch (bits) {
+    case 16: return kAppleLossless16Bit;
+    case 20: return kAppleLossless20Bit;
+    case 24: return kAppleLossless24Bit;
+    case 32: return kAppleLossless32Bit;
+    default: return 0;
+    }
+}
+
 } // namespace nurv

@@ -46,6 +46,8 @@ inline constexpr std::uint32_t kAppleLossless16Bit = 1;
 inline constexpr std::uint32_t kAppleLossless20Bit = 2;
 inline constexpr std::uint32_t kAppleLossless24Bit = 3;
 inline constexpr std::uint32_t kAppleLossless32Bit = 4;
+/// 0 for a width that the format does not have.
+[[nodiscard]] std::uint32_t appleLosslessFlags(std::uint32_t bits);
 
 /// How the samples of a file, or of a buffer, are laid out. Fields that have no
 /// meaning for a format are 0.

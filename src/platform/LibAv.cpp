@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kIoBufferSize = 32 * 1024;
 // The packet index of a day of sound fits many times.
-constexpr std::size_t kLargestAllocation = 256U * 1024 * 1024;
+constexpr std::size_t kLargestAllocation = 64U * 1024 * 1024;
 
 } // namespace
 

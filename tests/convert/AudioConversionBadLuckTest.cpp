@@ -2,11 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Damaged sources, full disks.
 #include "convert/AudioConversionFixture.h"
+#include "support/FileSizeLimit.h"
 
-#include <csignal>
 #include <random>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
@@ -16,33 +15,11 @@ namespace {
 
 using AudioConversionBadLuck = AudioConversionFixture;
 
-/// While it lives, no file of the process grows beyond the size: the disk is full.
-class FullDisk {
-public:
-    explicit FullDisk(rlim_t bytes) : m_formerHandler(std::signal(SIGXFSZ, SIG_IGN))
-    {
-        ::getrlimit(RLIMIT_FSIZE, &m_former);
-        const rlimit limit{bytes, m_former.rlim_max};
-        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
-    }
-    ~FullDisk()
-    {
-        ::setrlimit(RLIMIT_FSIZE, &m_former);
-        std::signal(SIGXFSZ, m_formerHandler);
-    }
-    FullDisk(const FullDisk &) = delete;
-    FullDisk &operator=(const FullDisk &) = delete;
-
-private:
-    rlimit m_former = {};
-    void (*m_formerHandler)(int);
-};
-
 TEST_F(AudioConversionBadLuck, FailsWhenTheDiskIsFull)
 {
     const QString source = writeWav(folder.path(u"a.wav"_s), {.seconds = 3.0});
     const QString written = u"ExtAudioFileWrite failed"_s;
-    const FullDisk disk(100'000);
+    const FileSizeLimit disk(100'000);
     EXPECT_EQ(toWav(source, folder.path(u"b.wav"_s))->results()->results(), failure(source, u"WAV"_s, written));
     EXPECT_EQ(toAiff(source, folder.path(u"b.aiff"_s))->results()->results(), failure(source, u"AIFF"_s, written));
     EXPECT_EQ(toAppleLossless(source, folder.path(u"b.m4a"_s))->results()->results(),
@@ -56,10 +33,24 @@ TEST_F(AudioConversionBadLuck, FailsWhenOnlyTheEndDoesNotFit)
         ASSERT_FALSE(convert(source, folder.path(u"whole.m4a"_s), format, kFileM4A)->error());
         const qsizetype size = folder.read(u"whole.m4a"_s).size();
         // What is buffered reaches the file when it is closed.
-        const FullDisk disk(static_cast<rlim_t>(size - 1));
+        const FileSizeLimit disk(static_cast<rlim_t>(size - 1));
         EXPECT_TRUE(convert(source, folder.path(u"b.m4a"_s), format, kFileM4A)->error());
         EXPECT_TRUE(failureText.endsWith(u"ExtAudioFileWrite failed")) << qPrintable(failureText);
     }
+}
+
+TEST_F(AudioConversionBadLuck, RefusesALengthThatNoFileHas)
+{
+    // RF64 with 2^62 bytes of sound (EBU Tech 3306).
+    QByteArray bytes = wavBytes({.seconds = 0.1});
+    bytes.replace(0, 8, QByteArray("RF64\xFF\xFF\xFF\xFF", 8));
+    const QByteArray sizes = QByteArray("ds64\x1C\0\0\0", 8) + QByteArray(8, '\0') + QByteArray("\0\0\0\0\0\0\0\x40", 8)
+                             + QByteArray(12, '\0');
+    bytes.insert(12, sizes);
+    bytes.replace(bytes.indexOf("data") + 4, 4, QByteArray(4, '\xFF'));
+    const QString source = folder.write(u"a.wav"_s, bytes);
+    EXPECT_TRUE(toWav(source, folder.path(u"b.wav"_s))->error());
+    EXPECT_TRUE(failureText.contains(u"ExtAudioFileOpenURL failed"_s)) << qPrintable(failureText);
 }
 
 TEST_F(AudioConversionBadLuck, ReportsASourceThatEndsTooEarly)

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "platform/NurvFailure.h"
+#include "support/FileSizeLimit.h"
 #include "support/TestFolder.h"
 #include "tags/TagsObject.h"
 
@@ -14,10 +15,7 @@
 
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <optional>
-
-#include <sys/resource.h>
 
 namespace nurv::test {
 
@@ -57,30 +55,6 @@ public:
 
     /// The texts of one category, in order.
     [[nodiscard]] QStringList texts(const QString &category) const;
-};
-
-/// While it lives no file of this process grows beyond the limit, as on a full disk.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t limit)
-    {
-        m_formerAction = std::signal(SIGXFSZ, SIG_IGN);
-        EXPECT_EQ(::getrlimit(RLIMIT_FSIZE, &m_former), 0);
-        rlimit lowered = m_former;
-        lowered.rlim_cur = limit;
-        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &lowered), 0);
-    }
-    ~FileSizeLimit()
-    {
-        ::setrlimit(RLIMIT_FSIZE, &m_former);
-        std::signal(SIGXFSZ, m_formerAction);
-    }
-    FileSizeLimit(const FileSizeLimit &) = delete;
-    FileSizeLimit &operator=(const FileSizeLimit &) = delete;
-
-private:
-    rlimit m_former = {};
-    void (*m_formerAction)(int) = nullptr;
 };
 
 /// The reason of the NurvFailure that `work` throws; nothing when it throws none.
