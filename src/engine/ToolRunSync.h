@@ -36,6 +36,7 @@ public:
     /// folder in PATH.
     ToolRunSync(const QString &launchPath, const QStringList &arguments);
 
+    [[nodiscard]] ChildEnvironment &environment() { return m_command.environment; }
     /// Sets PATH to its current value, a colon and the folder.
     void appendToPATH(const QString &folder);
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tags/AACTagsHelper.h"
 
-#include "engine/NSTaskWrapperSync.h"
+#include "engine/ToolRunSync.h"
 #include "platform/NurvFailure.h"
 #include "platform/ResourceFolder.h"
 #include "platform/TextNumbers.h"
@@ -12,12 +12,20 @@
 #include "tags/TagEditStream.h"
 #include "tags/TagsLog.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+
 #include <id3v1genres.h>
 
+#include <algorithm>
 #include <exception>
 #include <mutex>
 #include <new>
 #include <utility>
+
+#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
@@ -189,6 +197,33 @@ void writeTags(const QString &path, const TagsObject &tags, bool writeEmptyTags,
         throw NurvFailure(u"Unable to save the tags: %1."_s.arg(*reason));
 }
 
+/// What AtomicParsley says when the disk is full; then it waits for ever.
+constexpr QStringView kFailedCopy = u"splice(";
+
+/// The files that AtomicParsley may have left beside `path`: "song-temp-57809.m4a".
+QStringList temporariesOfParsley(const QString &path)
+{
+    const QFileInfo file(path);
+    const QRegularExpression name(u'^' + QRegularExpression::escape(file.completeBaseName()) + u"-temp-\\d+\\."_s
+                                  + QRegularExpression::escape(file.suffix()) + u'$');
+    return file.dir().entryList(QDir::Files | QDir::Hidden).filter(name);
+}
+
+/// Puts in order what an AtomicParsley that was ended has left beside `path`.
+void removeNewTemporaries(const QString &path, const QStringList &former)
+{
+    const QDir folder = QFileInfo(path).dir();
+    for (const QString &name : temporariesOfParsley(path)) {
+        if (former.contains(name))
+            continue;
+        const QString temporary = folder.filePath(name);
+        // Ended between its last two steps, it has removed the file and not yet renamed this one.
+        const bool isSettled = QFile::exists(path) ? QFile::remove(temporary) : QFile::rename(temporary, path);
+        if (!isSettled)
+            qCWarning(tagsLog).noquote() << "Temporary and not removed:" << temporary;
+    }
+}
+
 } // namespace
 
 TagsObject AACTagsHelper::tagsForFile(const QString &path)
@@ -227,11 +262,29 @@ void AACTagsHelper::setBlankTags(TagsObject &tagObject)
     tagObject.setComposerText(u""_s);
 }
 
-void AACTagsHelper::makeGapless(const QString &path)
+void AACTagsHelper::makeGapless(const QString &path, const std::function<bool()> &isUnwanted)
 {
-    NSTaskWrapperSync parsley(toolPath(u"AtomicParsley"_s), {path, u"--overWrite"_s, u"--gapless"_s, u"--true"_s});
+    const QStringList formerTemporaries = temporariesOfParsley(path);
+    struct stat former = {};
+    const bool isThere = ::stat(QFile::encodeName(path).constData(), &former) == 0;
+
+    ToolRunSync parsley(toolPath(u"AtomicParsley"_s), {path, u"--overWrite"_s, u"--gapless"_s, u"--true"_s});
     parsley.environment().insert(u"AP_PADDING"_s, u"\"DEFAULT_PAD=0:MAX_PAD=0\""_s);
-    parsley.runTask();
+    QString recent;
+    const ToolRunSync::Ending ending = parsley.run(
+        [&](const QString &chunk) {
+            recent = recent.right(kFailedCopy.size()) + chunk;
+            return !recent.contains(kFailedCopy);
+        },
+        isUnwanted);
+
+    if (!ending.exit)
+        qCWarning(tagsLog).noquote() << "Not marked as gapless:" << path << ending.startFailure.trimmed();
+    else if (ending.wasCutShort())
+        removeNewTemporaries(path, formerTemporaries);
+    // It makes the file readable for all.
+    if (isThere)
+        static_cast<void>(::chmod(QFile::encodeName(path).constData(), former.st_mode & 07777));
 }
 
 void AACTagsHelper::setQuickTimeVersionProvider(QuickTimeVersionProvider provider)

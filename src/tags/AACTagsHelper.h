@@ -38,8 +38,9 @@ public:
     static void setBlankTags(TagsObject &tagObject);
 
     /// Marks the file as gapless by a run of `AtomicParsley`, whose success is not looked
-    /// at. Throws nothing.
-    static void makeGapless(const QString &path);
+    /// at: what it does not mark stays as it was. `isUnwanted` is asked now and then and
+    /// ends the run. Throws nothing; blocks.
+    static void makeGapless(const QString &path, const std::function<bool()> &isUnwanted = {});
 
     /// The version of QuickTime on this machine, one digit in each of the 4 bits from bits
     /// 24, 20 and 16 on; nothing where there is none.

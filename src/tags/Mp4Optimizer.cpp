@@ -108,6 +108,10 @@ void Mp4Optimizer::optimizeInPlace(const QString &path)
 {
     // Of a link the file that it leads to is replaced.
     const QFileInfo file(QFileInfo(path).canonicalFilePath());
+    if (file.filePath().isEmpty()) {
+        qCWarning(tagsLog, "Not optimized, since it is not there: %s", qUtf8Printable(path));
+        throw NurvFailure(u"unable to optimize @% file"_s);
+    }
     const QString temporaryPath = Util::generateTempFileName(file.absolutePath(), file.suffix());
     if (const std::optional<QString> reason = optimize(file.filePath(), temporaryPath)) {
         ::unlink(QFile::encodeName(temporaryPath).constData());
