@@ -7,15 +7,27 @@
 #include "engine/NURVTaskResults.h"
 #include "platform/GuiThread.h"
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace nurv {
 
+namespace {
+
+/// What the bar shows of a progress: some programs' parsers count from -1, and a figure
+/// can stand behind the end of other digits.
+double onTheBar(double progress)
+{
+    return std::clamp(progress, 0.0, 100.0);
+}
+
+} // namespace
+
 NURVTask::NURVTask(NURVTaskQueue *queue)
-    : m_queue(queue), m_results(std::make_shared<NURVTaskResults>()),
-      m_textField{.text = {}, .font = {.pointSize = 12, .bold = true}},
+    : m_queue(queue),
+      m_results(std::make_shared<NURVTaskResults>()), m_textField{.text = {}, .font = {.pointSize = 12, .bold = true}},
       m_topTextField{.text = u"Waiting..."_s, .font = {.pointSize = 9, .bold = false}}
 {
     m_cancelButton.toolTip = u"Cancel"_s;
@@ -140,7 +152,7 @@ void NURVTask::updateStatus()
 {
     paint([this] {
         m_topTextField.text = m_topTextFieldString;
-        m_progressIndicator.value = m_progressIndicatorValue;
+        m_progressIndicator.value = onTheBar(m_progressIndicatorValue);
     });
 }
 
@@ -156,7 +168,7 @@ void NURVTask::setTextFieldValue()
 
 void NURVTask::setProgressIndicatorValueInGui()
 {
-    paint([this] { m_progressIndicator.value = m_progressIndicatorValue; });
+    paint([this] { m_progressIndicator.value = onTheBar(m_progressIndicatorValue); });
 }
 
 void NURVTask::startIndeterminateProgressBar()

@@ -52,6 +52,18 @@ TEST(NURVTask, ShowsItsTitleTheBarAndTheCancelButtonWhenItStarts)
     EXPECT_FALSE(task->cancelButton().hidden);
 }
 
+TEST(NURVTask, KeepsTheBarWithinItsEndsWhateverItsProgress)
+{
+    const auto task = makeTask();
+    task->startTask();
+    for (const auto &[progress, shown] : {std::pair{-1.0, 0.0}, std::pair{45.0, 45.0}, std::pair{1045.0, 100.0}}) {
+        task->setProgressIndicatorValue(progress);
+        task->updateStatus();
+        EXPECT_EQ(task->progressIndicatorValue(), progress);
+        EXPECT_EQ(task->progressIndicator().value, shown);
+    }
+}
+
 TEST(NURVTask, TurnsGreenWhenComplete)
 {
     const auto task = makeTask();
