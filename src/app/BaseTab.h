@@ -70,9 +70,6 @@ public:
     virtual void displayRelevantOptions() {}
     /// The user has chosen another option.
     void changeDisplayOptions() { displayRelevantOptions(); }
-    /// Whether there is a job for every file of the list with the chosen options.
-    /// Where there is none, `executeCommand` says so and does nothing.
-    [[nodiscard]] virtual bool isAvailable() const { return true; }
     /// Turns the list into jobs for the queue.
     virtual void executeCommand() {}
 

@@ -159,7 +159,7 @@ void BatchRun::interrupted()
     }
     m_queue.cancelAllTasks();
     if (const int running = m_queue.taskCount(); running > 0) {
-        m_console.writeNote(u"canceled; %1 running job(s) are worked on to their end "
+        m_console.writeNote(u"canceled; %1 running job(s) are coming to their end "
                             "(press Ctrl-C again to end them now)"_s.arg(running));
     } else {
         m_console.writeNote(u"canceled"_s);

@@ -132,14 +132,14 @@ ExitStatus CliApplication::runCommand(const QByteArray &name, const QList<QByteA
     }
     if (!spec) {
         if (name.startsWith('-')) {
-            return tellUsageError(
-                {}, UsageError(u"unknown option \"%1\"; the options of a command come after it"_s.arg(displayName(name))));
+            return tellUsageError({}, UsageError(u"unknown option \"%1\"; the options of a command come after it"_s.arg(
+                                          displayName(name))));
         }
         QStringList names;
         for (const CommandSpec *known : allSpecs())
             names.append(known->name);
-        return tellUsageError({}, UsageError(u"unknown command \"%1\"; there are %2"_s.arg(
-                                      displayName(name), names.join(u", "_s))));
+        return tellUsageError(
+            {}, UsageError(u"unknown command \"%1\"; there are %2"_s.arg(displayName(name), names.join(u", "_s))));
     }
     try {
         const ParsedArguments arguments = parseArguments(*spec, words);
@@ -213,8 +213,7 @@ ExitStatus CliApplication::runBatch(const BatchCommand &command, const ParsedArg
     if (tab->fileNames().isEmpty()) {
         m_console.writeNote(
             u"there is nothing to %1: no file was found that can be worked on"_s.arg(command.spec().name));
-    } else if (const QStringList missing = tab->isAvailable() ? programs.missing() : QStringList();
-               !missing.isEmpty()) {
+    } else if (const QStringList missing = programs.missing(); !missing.isEmpty()) {
         for (const QString &text : missing) {
             QStringList lines = text.split(u'\n');
             m_console.writeNote(lines.takeFirst());

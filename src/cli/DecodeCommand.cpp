@@ -11,7 +11,6 @@ namespace nurv {
 
 namespace {
 
-/// In the order of the cells of the format matrix.
 const QStringList &formats()
 {
     static const QStringList list{u"wav"_s, u"aiff"_s};
@@ -79,7 +78,7 @@ void DecodeCommand::check(const ParsedArguments &arguments) const
 std::unique_ptr<BaseTab> DecodeCommand::makeTab(NURVController &controller, const ParsedArguments &arguments) const
 {
     auto tab = std::make_unique<DecodeTab>(controller);
-    tab->outputFormatMatrix.setSelectedIndex(static_cast<int>(formats().indexOf(formatOf(arguments))));
+    tab->outputFormatMatrix.selectTitle(formatOf(arguments));
     tab->decodeFlacThroughErrors.setOn(arguments.has(u"through-errors"_s));
     tab->flacKeepForeignMetadataButton.setOn(arguments.has(u"keep-foreign-metadata"_s));
     tab->sourceDecodeButton.setOn(arguments.has(u"beside-source"_s));

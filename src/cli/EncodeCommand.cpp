@@ -11,7 +11,6 @@ namespace nurv {
 
 namespace {
 
-/// In the order of the cells of the format matrix.
 const QStringList &formats()
 {
     static const QStringList list{u"shn"_s, u"wv"_s, u"flac"_s, u"tta"_s, u"ape"_s, u"m4a"_s};
@@ -155,7 +154,7 @@ std::unique_ptr<BaseTab> EncodeCommand::makeTab(NURVController &controller, cons
 {
     const QString format = formatOf(arguments);
     auto tab = std::make_unique<EncodeTab>(controller);
-    tab->outputFormatMatrix.setSelectedIndex(static_cast<int>(formats().indexOf(format)));
+    tab->outputFormatMatrix.selectTitle(format);
     tab->displayRelevantOptions();
     tab->sourceEncodeButton.setOn(arguments.has(u"beside-source"_s));
     tab->deleteOriginalsButton.setOn(arguments.has(u"delete-originals"_s));
@@ -164,7 +163,7 @@ std::unique_ptr<BaseTab> EncodeCommand::makeTab(NURVController &controller, cons
     tab->flacVerifyButton.setOn(arguments.has(u"verify"_s));
     tab->flacLaxButton.setOn(arguments.has(u"lax"_s));
     tab->flacKeepForeignMetadataButton.setOn(arguments.has(u"keep-foreign-metadata"_s));
-    tab->wavepackFormatMatrix.setSelectedIndex(arguments.value(u"mode"_s) == u"high" ? 1 : 0);
+    tab->wavepackFormatMatrix.selectTitle(arguments.has(u"mode"_s) ? arguments.value(u"mode"_s) : u"fast"_s);
     tab->flacSlider.setIntegerValue(kDefaultFlacLevel);
     if (arguments.has(u"level"_s)) {
         const int level = arguments.value(u"level"_s).toInt();

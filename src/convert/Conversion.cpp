@@ -6,12 +6,15 @@
 #include "app/Util.h"
 #include "convert/ConvertLog.h"
 #include "convert/DeletionCheck.h"
-#include "convert/ToolOutputParsers.h"
 #include "engine/NURVTask.h"
+#include "engine/NURVTaskResults.h"
+#include "platform/GuiThread.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -69,10 +72,25 @@ std::shared_ptr<NURVTask> Conversion::asTask() const
     return m_task.shared_from_this();
 }
 
+void Conversion::setBatch(std::shared_ptr<ConversionBatch> batch)
+{
+    m_batch = std::move(batch);
+    m_batch->sources.insert(QFileInfo(fileName()).canonicalFilePath());
+}
+
+bool Conversion::outputIsAnotherSource() const
+{
+    const QString output = QFileInfo(outputFile()).canonicalFilePath();
+    return m_batch && !output.isEmpty() && m_batch->sources.contains(output) && !outputIsSource();
+}
+
 std::optional<QString> Conversion::takeOutput()
 {
-    if (const std::optional<QString> other = m_claim.take(outputFile(), fileName(), m_batch.get()))
-        return u"%1: its output %2 is made from %3\n"_s.arg(fileName(), lastPathComponent(outputFile()), *other);
+    if (outputIsAnotherSource())
+        return u"%1: its output %2 is another file of the list\n"_s.arg(fileName(), lastPathComponent(outputFile()));
+    if (const std::optional<QString> refusal = m_claim.take(outputFile(), fileName(), m_batch.get()))
+        return u"%1: %2\n"_s.arg(fileName(), *refusal);
+    m_sourceBefore = factsOf(fileName());
     m_outputBefore = factsOf(outputFile());
     // A link that leads nowhere has the name all the same.
     if (!m_outputBefore && isThere(outputFile()))
@@ -109,6 +127,28 @@ bool Conversion::isThere(const QString &path)
 {
     struct stat facts = {};
     return ::lstat(QFile::encodeName(path).constData(), &facts) == 0;
+}
+
+void Conversion::showStatus(const QString &text)
+{
+    m_task.setTopTextFieldString(text);
+    m_task.setTopTextFieldValue();
+}
+
+void Conversion::showChunk(const toolOutput::ChunkReport &report)
+{
+    if (report.status) {
+        m_task.setTopTextFieldString(*report.status);
+        m_task.setProgressIndicatorValue(report.progress.value_or(0.0));
+        m_task.updateStatus();
+    }
+    if (report.repaintsTitle) {
+        m_task.setTextFieldString(m_task.title());
+        m_task.setTextFieldValue();
+    }
+    // The first slot, whichever member of the set this job is.
+    if (const auto results = m_task.results())
+        results->appendResults(report.results);
 }
 
 void Conversion::keepForReport(const QString &text)
@@ -148,6 +188,8 @@ std::optional<QString> Conversion::reasonToKeepOriginal() const
 {
     if (const std::optional<QString> reason = reasonToKeepSource(fileName(), outputFile()))
         return reason;
+    if (const auto now = factsOf(fileName()); !m_sourceBefore || !now || !isUntouched(*m_sourceBefore, *now))
+        return u"it has changed since the job began"_s;
     if (!hasTouchedOutput())
         return u"its output was there before"_s;
     if (m_doubt)
@@ -170,11 +212,17 @@ void Conversion::deleteSourceIfDone()
     Util::deleteFile(fileName());
 }
 
+bool Conversion::sharesSetWithDamage() const
+{
+    return m_batch && m_batch->toldOfDamage && m_task.results() && m_task.results()->memberCount() > 1;
+}
+
 void Conversion::dropResultsUnlessFailed()
 {
-    if (m_task.error() || m_doubt || (m_batch && m_batch->toldOfDamage))
+    if (m_task.error() || m_doubt || sharesSetWithDamage())
         return;
-    m_task.setResults(nullptr);
+    // Where the queue looks at it.
+    runOnGuiThread([this] { m_task.setResults(nullptr); });
     m_ownText.clear();
 }
 

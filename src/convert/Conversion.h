@@ -3,12 +3,12 @@
 #pragma once
 
 #include "convert/OutputClaim.h"
+#include "convert/ToolOutputParsers.h"
 
 #include <QString>
 
 #include <memory>
 #include <optional>
-#include <utility>
 
 #include <sys/stat.h>
 
@@ -39,8 +39,8 @@ public:
     [[nodiscard]] bool deleteOriginal() const { return m_deleteOriginal; }
     void setDeleteOriginal(bool deleteOriginal) { m_deleteOriginal = deleteOriginal; }
 
-    /// Makes the conversion a member of a batch. Before the start.
-    void setBatch(std::shared_ptr<ConversionBatch> batch) { m_batch = std::move(batch); }
+    /// Makes the conversion a member of a batch. Before any member of it is started.
+    void setBatch(std::shared_ptr<ConversionBatch> batch);
 
     /// The job that this is.
     [[nodiscard]] std::shared_ptr<NURVTask> asTask() const;
@@ -50,7 +50,7 @@ protected:
     Conversion(NURVTask &task, const QString &fileName);
 
     /// Takes the output for this job and looks at what is there now. GUI thread. Returns
-    /// why another job has it, or nothing.
+    /// why it is not to be had: another job makes it, or it is another source of the batch.
     [[nodiscard]] std::optional<QString> takeOutput();
     /// Before the queue is told of the end and starts further jobs.
     void releaseOutput() { m_claim.release(); }
@@ -67,6 +67,11 @@ protected:
     /// Also true for a link that leads nowhere.
     [[nodiscard]] static bool isThere(const QString &path);
 
+    /// Shows the next status line.
+    void showStatus(const QString &text);
+    /// Shows what a chunk of a program's output means, and reports it.
+    void showChunk(const toolOutput::ChunkReport &report);
+
     /// Remembers what the programs wrote, and notices when they told of damage.
     void keepForReport(const QString &text);
     /// The same for a reason, which begins a line.
@@ -78,6 +83,8 @@ protected:
     /// The source may be more than what the output has of it: it stays, and the report
     /// is shown although the job did not fail. `reason` ends the sentence "kept, since".
     void doubtSource(const QString &reason);
+    /// Whether the source was doubted.
+    [[nodiscard]] bool hasDoubt() const { return m_doubt.has_value(); }
     /// The output could not take the tags.
     void keepSourceForItsTags() { m_sourceHasTheOnlyTags = true; }
     /// The output has been written through to the disk.
@@ -85,11 +92,13 @@ protected:
     /// Deletes the source if that was asked for, the job succeeded, and nothing speaks
     /// against it. What stays is named in the log. Once at most.
     void deleteSourceIfDone();
-    /// Lets go of the result set unless the job failed or its batch met damage:
-    /// nothing is to be reported.
+    /// Lets go of the result set unless the job, or another one that shares the set, has
+    /// something to report: it failed or met damage.
     void dropResultsUnlessFailed();
 
 private:
+    [[nodiscard]] bool outputIsAnotherSource() const;
+    [[nodiscard]] bool sharesSetWithDamage() const;
     /// Why the source may be the only copy of something although the job succeeded.
     [[nodiscard]] std::optional<QString> reasonToKeepOriginal() const;
 
@@ -97,6 +106,7 @@ private:
     QString m_ownText; ///< what the report is made of, as it was written
     std::shared_ptr<ConversionBatch> m_batch;
     OutputClaim m_claim;
+    std::optional<struct stat> m_sourceBefore;
     std::optional<struct stat> m_outputBefore;
     std::optional<QString> m_doubt;
     bool m_deleteOriginal = false;

@@ -99,24 +99,7 @@ void ConversionTask::failWith(const QString &reason)
 void ConversionTask::processTaskOutput(const QString &chunk)
 {
     keepForReport(chunk);
-    const toolOutput::ChunkReport report = parseOutput(chunk);
-    if (report.status) {
-        setTopTextFieldString(*report.status);
-        setProgressIndicatorValue(report.progress.value_or(0.0));
-        updateStatus();
-    }
-    if (report.repaintsTitle) {
-        setTextFieldString(title());
-        setTextFieldValue();
-    }
-    // The first slot, whichever member of the set this job is.
-    appendResults(report.results);
-}
-
-void ConversionTask::showStatus(const QString &text)
-{
-    setTopTextFieldString(text);
-    setTopTextFieldValue();
+    showChunk(parseOutput(chunk));
 }
 
 void ConversionTask::copyTags(const std::function<void()> &copy)

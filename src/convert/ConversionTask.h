@@ -39,8 +39,6 @@ protected:
     void completeStop() final;
     [[nodiscard]] virtual toolOutput::ChunkReport parseOutput(const QString &chunk) const = 0;
 
-    /// Shows the next status line.
-    void showStatus(const QString &text);
     /// Whether the program ended well, whatever became of the job.
     [[nodiscard]] bool programSucceeded() const;
     /// Runs `copy`, which copies tags to the output, unless the output is not this

@@ -5,9 +5,12 @@
 #include "app/NURVController.h"
 #include "app/PathNames.h"
 #include "convert/ConversionArguments.h"
-#include "convert/ConversionPrompts.h"
+#include "convert/DecodeALACTask.h"
+#include "convert/DecodeAPETask.h"
 #include "convert/DecodeFlacTask.h"
 #include "convert/DecodeSHNTask.h"
+#include "convert/DecodeTTATask.h"
+#include "convert/DecodeWavpackTask.h"
 #include "engine/NURVTaskQueue.h"
 
 #include <QHash>
@@ -53,10 +56,6 @@ void DecodeTab::executeCommand()
 {
     if (fileNames().isEmpty())
         return;
-    if (const QStringList sources = unavailableSources(); !sources.isEmpty()) {
-        tellFormatIsNotAvailable(nurvController().prompts(), sources);
-        return;
-    }
     if (!confirmDeletingOriginals(deleteOriginalsButton.isOn()))
         return;
     std::optional<QString> chosenFolder;
@@ -69,41 +68,52 @@ void DecodeTab::executeCommand()
     clearFiles();
 }
 
-QStringList DecodeTab::unavailableSources() const
+void DecodeTab::queueTasks(const std::optional<QString> &chosenFolder)
 {
-    return sourcesOfFormats(fileNames(), {u"WV"_s, u"TTA"_s, u"M4A"_s, u"APE"_s});
+    std::vector<std::shared_ptr<Conversion>> conversions;
+    // Sources of one name share an output, and only the first of them will be in it; on some
+    // disks names differ in more than their case.
+    QHash<QString, int> sharers;
+    for (const QString &source : fileNames()) {
+        const std::shared_ptr<Conversion> conversion =
+            makeConversion(source, chosenFolder ? *chosenFolder : folderOf(source));
+        if (!conversion)
+            continue;
+        ++sharers[foldedName(conversion->outputFile())];
+        conversions.push_back(conversion);
+    }
+    const auto batch = std::make_shared<ConversionBatch>();
+    for (const std::shared_ptr<Conversion> &conversion : conversions) {
+        conversion->setDeleteOriginal(deleteOriginalsButton.isOn()
+                                      && sharers.value(foldedName(conversion->outputFile())) == 1);
+        conversion->setBatch(batch);
+    }
+    for (const std::shared_ptr<Conversion> &conversion : conversions)
+        nurvController().taskQueue().addTask(conversion->asTask());
 }
 
-void DecodeTab::queueTasks(const std::optional<QString> &chosenFolder)
+std::shared_ptr<Conversion> DecodeTab::makeConversion(const QString &source, const QString &outputFolder) const
 {
     NURVTaskQueue *const queue = &nurvController().taskQueue();
     const QString format = outputFormatMatrix.selectedTitle();
-    std::vector<std::shared_ptr<ConversionTask>> tasks;
-    // Sources of one name share an output, and only the first of them will be in it.
-    QHash<QString, int> sharers;
-    for (const QString &source : fileNames()) {
-        const QString folder = chosenFolder ? *chosenFolder : folderOf(source);
-        const QString type = formatWord(source);
-        std::shared_ptr<ConversionTask> task;
-        if (type == u"FLAC")
-            task = decodeFlac(source, folder, format, queue);
-        else if (type == u"SHN")
-            task = decodeSHN(source, folder, format, queue);
-        if (!task)
-            continue;
-        ++sharers[task->outputFile()];
-        tasks.push_back(task);
-    }
-    const auto batch = std::make_shared<ConversionBatch>();
-    for (const std::shared_ptr<ConversionTask> &task : tasks) {
-        task->setDeleteOriginal(deleteOriginalsButton.isOn() && sharers.value(task->outputFile()) == 1);
-        task->setBatch(batch);
-        queue->addTask(task);
-    }
+    const QString type = formatWord(source);
+    if (type == u"FLAC")
+        return decodeFlac(source, outputFolder, format, queue);
+    if (type == u"SHN")
+        return decodeSHN(source, outputFolder, format, queue);
+    if (type == u"WV")
+        return std::make_shared<DecodeWavpackTask>(queue, source, outputFolder, format);
+    if (type == u"TTA")
+        return std::make_shared<DecodeTTATask>(queue, source, outputFolder, format);
+    if (type == u"M4A")
+        return std::make_shared<DecodeALACTask>(queue, source, outputFolder, format);
+    if (type == u"APE")
+        return std::make_shared<DecodeAPETask>(queue, source, outputFolder, format);
+    return nullptr;
 }
 
-std::shared_ptr<ConversionTask> DecodeTab::decodeFlac(const QString &source, const QString &outputFolder,
-                                                      const QString &format, NURVTaskQueue *queue) const
+std::shared_ptr<Conversion> DecodeTab::decodeFlac(const QString &source, const QString &outputFolder,
+                                                  const QString &format, NURVTaskQueue *queue) const
 {
     const QString output = outputPath(outputFolder, source, conversionArguments::decodedExtension(format));
     return std::make_shared<DecodeFlacTask>(
@@ -112,8 +122,8 @@ std::shared_ptr<ConversionTask> DecodeTab::decodeFlac(const QString &source, con
                                         source, output));
 }
 
-std::shared_ptr<ConversionTask> DecodeTab::decodeSHN(const QString &source, const QString &outputFolder,
-                                                     const QString &format, NURVTaskQueue *queue) const
+std::shared_ptr<Conversion> DecodeTab::decodeSHN(const QString &source, const QString &outputFolder,
+                                                 const QString &format, NURVTaskQueue *queue) const
 {
     return std::make_shared<DecodeSHNTask>(queue, joinPath(pathToCommandLineTools(), u"shntool"_s),
                                            conversionArguments::decodeShorten(format, source, outputFolder));

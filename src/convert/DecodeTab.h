@@ -10,7 +10,7 @@
 
 namespace nurv {
 
-class ConversionTask;
+class Conversion;
 class NURVTaskQueue;
 
 /// The tab that turns every lossless file of its list back into WAV or AIFF.
@@ -32,21 +32,20 @@ public:
     /// Shows or hides the two FLAC options and their label.
     void showFLacOptions(bool show);
     void clearFiles() override;
-    [[nodiscard]] bool isAvailable() const override { return unavailableSources().isEmpty(); }
     void executeCommand() override;
 
-    [[nodiscard]] std::shared_ptr<ConversionTask> decodeFlac(const QString &source, const QString &outputFolder,
-                                                             const QString &format, NURVTaskQueue *queue) const;
-    [[nodiscard]] std::shared_ptr<ConversionTask> decodeSHN(const QString &source, const QString &outputFolder,
-                                                            const QString &format, NURVTaskQueue *queue) const;
+    [[nodiscard]] std::shared_ptr<Conversion> decodeFlac(const QString &source, const QString &outputFolder,
+                                                         const QString &format, NURVTaskQueue *queue) const;
+    [[nodiscard]] std::shared_ptr<Conversion> decodeSHN(const QString &source, const QString &outputFolder,
+                                                        const QString &format, NURVTaskQueue *queue) const;
 
 protected:
     void filesAdded() override;
 
 private:
-    /// The listed files that there are no jobs for.
-    [[nodiscard]] QStringList unavailableSources() const;
     void queueTasks(const std::optional<QString> &chosenFolder);
+    /// The job that suits the source; null for a source of another kind.
+    [[nodiscard]] std::shared_ptr<Conversion> makeConversion(const QString &source, const QString &outputFolder) const;
 };
 
 } // namespace nurv

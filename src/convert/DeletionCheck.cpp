@@ -23,6 +23,7 @@ constexpr qint64 kHeaderSize = 12;
 constexpr qint64 kChunkHeadSize = 8;
 /// Bytes after the last chunk that some writers leave as padding.
 constexpr qint64 kMostPadding = 64 * 1024;
+constexpr int kMostChunks = 10'000;
 constexpr std::uint32_t kSizeIn64BitChunk = 0xFFFFFFFF;
 
 std::optional<struct stat> factsOf(const QString &path)
@@ -65,7 +66,9 @@ private:
     std::optional<QString> walk()
     {
         qint64 position = kHeaderSize;
-        while (position < m_file.size()) {
+        for (int chunks = 0; position < m_file.size(); ++chunks) {
+            if (chunks == kMostChunks)
+                return u"it has more parts than a sound file"_s;
             const qint64 left = m_file.size() - position;
             m_file.seek(position);
             const QByteArray head = m_file.read(kChunkHeadSize);

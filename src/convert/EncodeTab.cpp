@@ -9,10 +9,18 @@
 #include "checksum/CreateFFPTask.h"
 #include "checksum/CreateMD5Task.h"
 #include "convert/ConversionArguments.h"
-#include "convert/ConversionPrompts.h"
+#include "convert/EncodeALACTask.h"
+#include "convert/EncodeALACToAPETask.h"
+#include "convert/EncodeALACToFlacTask.h"
+#include "convert/EncodeALACToTTATask.h"
+#include "convert/EncodeALACToWavpackTask.h"
+#include "convert/EncodeApeTask.h"
 #include "convert/EncodeFlacTask.h"
 #include "convert/EncodeSHNTask.h"
 #include "convert/EncodeSHNToFlacTask.h"
+#include "convert/EncodeTTATask.h"
+#include "convert/EncodeWavpackTask.h"
+#include "convert/EncodeWavpackToFlacTask.h"
 #include "engine/NURVTaskQueue.h"
 #include "engine/NURVTaskResults.h"
 #include "platform/SettingsStore.h"
@@ -23,6 +31,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -89,24 +98,12 @@ void EncodeTab::executeCommand()
     if (fileNames().isEmpty())
         return;
     Batch batch{.format = outputFormat(), .chosenFolder = {}, .overwrite = false, .results = {}};
-    if (const QStringList what = unavailable(); !what.isEmpty()) {
-        tellFormatIsNotAvailable(nurvController().prompts(), what);
-        return;
-    }
     if (!confirmDeletingOriginals(deleteOriginalsButton.isOn()) || !chooseOutput(batch))
         return;
     batch.results = std::make_shared<NURVTaskResults>();
     batch.results->setTaskAfterSetDone(afterBatchTask(batch));
     queueTasks(batch);
     clearFiles();
-}
-
-QStringList EncodeTab::unavailable() const
-{
-    const QString format = outputFormat();
-    if (format == u"WV" || format == u"TTA" || format == u"APE" || format == u"M4A")
-        return {format};
-    return format == u"FLAC" ? sourcesOfFormats(fileNames(), {u"M4A"_s, u"WV"_s}) : QStringList();
 }
 
 bool EncodeTab::chooseOutput(Batch &batch)
@@ -188,40 +185,70 @@ std::shared_ptr<NURVTask> EncodeTab::ffpTask(const Batch &batch) const
 
 void EncodeTab::queueTasks(const Batch &batch)
 {
-    // Sources of one name share an output, and only the first of them will be in it.
+    // Sources of one name share an output, and only the first of them will be in it; on some
+    // disks names differ in more than their case.
     QHash<QString, int> sharers;
     for (const QString &source : fileNames())
-        ++sharers[batch.outputFor(source)];
+        ++sharers[foldedName(batch.outputFor(source))];
 
-    NURVTaskQueue *const queue = &nurvController().taskQueue();
-    const auto conversions = std::make_shared<ConversionBatch>();
+    const auto members = std::make_shared<ConversionBatch>();
+    std::vector<std::shared_ptr<Conversion>> conversions;
     for (const QString &source : fileNames()) {
-        std::shared_ptr<ConversionTask> task;
-        if (batch.format == u"SHN")
-            task = encodeSHN(source, batch.folderFor(source), queue, batch.results);
-        else if (batch.format == u"FLAC")
-            task = encodeFLAC(source, batch.folderFor(source), queue, batch.results, batch.overwrite);
-        if (!task)
+        const std::shared_ptr<Conversion> conversion = makeConversion(batch, source);
+        if (!conversion)
             continue;
-        batch.results->addTaskInSet(*task);
-        task->setDeleteOriginal(deleteOriginalsButton.isOn() && sharers.value(batch.outputFor(source)) == 1);
-        task->setBatch(conversions);
-        queue->addTask(task);
+        if (batch.format == u"SHN" || batch.format == u"FLAC")
+            batch.results->addTaskInSet(*conversion->asTask());
+        conversion->setDeleteOriginal(deleteOriginalsButton.isOn()
+                                      && sharers.value(foldedName(batch.outputFor(source))) == 1);
+        conversion->setBatch(members);
+        conversions.push_back(conversion);
     }
+    for (const std::shared_ptr<Conversion> &conversion : conversions)
+        nurvController().taskQueue().addTask(conversion->asTask());
 }
 
-std::shared_ptr<ConversionTask> EncodeTab::encodeSHN(const QString &source, const QString &outputFolder,
-                                                     NURVTaskQueue *queue,
-                                                     const std::shared_ptr<NURVTaskResults> &results) const
+std::shared_ptr<Conversion> EncodeTab::makeConversion(const Batch &batch, const QString &source) const
+{
+    NURVTaskQueue *const queue = &nurvController().taskQueue();
+    const QString folder = batch.folderFor(source);
+    const bool isAlac = formatWord(source) == u"M4A";
+    if (batch.format == u"SHN")
+        return encodeSHN(source, folder, queue, batch.results);
+    if (batch.format == u"FLAC")
+        return encodeFLAC(source, folder, queue, batch.results, batch.overwrite);
+    if (batch.format == u"WV") {
+        const QString level = wavepackFormatMatrix.selectedColumn() == 0 ? u"-f"_s : u"-h"_s;
+        if (isAlac)
+            return std::make_shared<EncodeALACToWavpackTask>(queue, source, folder, level);
+        return std::make_shared<EncodeWavpackTask>(queue, source, level, folder);
+    }
+    if (batch.format == u"TTA") {
+        if (isAlac)
+            return std::make_shared<EncodeALACToTTATask>(queue, source, folder);
+        return std::make_shared<EncodeTTATask>(queue, source, folder);
+    }
+    if (batch.format == u"APE") {
+        if (isAlac)
+            return std::make_shared<EncodeALACToAPETask>(queue, source, folder, apeSlider.stringValue());
+        return std::make_shared<EncodeApeTask>(queue, source, apeSlider.stringValue(), folder);
+    }
+    if (batch.format == u"M4A")
+        return std::make_shared<EncodeALACTask>(queue, source, folder);
+    return nullptr;
+}
+
+std::shared_ptr<Conversion> EncodeTab::encodeSHN(const QString &source, const QString &outputFolder,
+                                                 NURVTaskQueue *queue,
+                                                 const std::shared_ptr<NURVTaskResults> &results) const
 {
     return std::make_shared<EncodeSHNTask>(queue, joinPath(pathToCommandLineTools(), u"shntool"_s),
                                            conversionArguments::encodeShorten(source, outputFolder), results);
 }
 
-std::shared_ptr<ConversionTask> EncodeTab::encodeFLAC(const QString &source, const QString &outputFolder,
-                                                      NURVTaskQueue *queue,
-                                                      const std::shared_ptr<NURVTaskResults> &results,
-                                                      bool overwrite) const
+std::shared_ptr<Conversion> EncodeTab::encodeFLAC(const QString &source, const QString &outputFolder,
+                                                  NURVTaskQueue *queue, const std::shared_ptr<NURVTaskResults> &results,
+                                                  bool overwrite) const
 {
     const conversionArguments::FlacEncoding encoding{.level = flacSlider.integerValue(),
                                                      .lax = flacLaxButton.isOn(),
@@ -233,6 +260,14 @@ std::shared_ptr<ConversionTask> EncodeTab::encodeFLAC(const QString &source, con
         return std::make_shared<EncodeSHNToFlacTask>(queue, joinPath(pathToCommandLineTools(), u"shntool"_s),
                                                      conversionArguments::flacByShntool(encoding, source, outputFolder),
                                                      type, results);
+    }
+    if (type == u"M4A") {
+        return std::make_shared<EncodeALACToFlacTask>(queue, source, outputFolder, encoding.level, encoding.verify,
+                                                      results);
+    }
+    if (type == u"WV") {
+        return std::make_shared<EncodeWavpackToFlacTask>(queue, source, outputFolder, encoding.level, encoding.verify,
+                                                         results);
     }
     const QString output = outputPath(outputFolder, source, u"flac"_s);
     return std::make_shared<EncodeFlacTask>(source, queue, joinPath(pathToCommandLineTools(), u"flac"_s),

@@ -11,7 +11,7 @@
 
 namespace nurv {
 
-class ConversionTask;
+class Conversion;
 class NURVTask;
 class NURVTaskQueue;
 class NURVTaskResults;
@@ -42,19 +42,18 @@ public:
     [[nodiscard]] QString outputFormat() const;
 
     void displayRelevantOptions() override;
-    [[nodiscard]] bool isAvailable() const override { return unavailable().isEmpty(); }
     void executeCommand() override;
 
     /// A job that reports into `results`, whose member it is not yet.
-    [[nodiscard]] std::shared_ptr<ConversionTask> encodeSHN(const QString &source, const QString &outputFolder,
-                                                            NURVTaskQueue *queue,
-                                                            const std::shared_ptr<NURVTaskResults> &results) const;
+    [[nodiscard]] std::shared_ptr<Conversion> encodeSHN(const QString &source, const QString &outputFolder,
+                                                        NURVTaskQueue *queue,
+                                                        const std::shared_ptr<NURVTaskResults> &results) const;
     /// The job that suits the source; it reports into `results`, whose member it is
     /// not yet. `overwrite` reaches only jobs that run `flac` itself.
-    [[nodiscard]] std::shared_ptr<ConversionTask> encodeFLAC(const QString &source, const QString &outputFolder,
-                                                             NURVTaskQueue *queue,
-                                                             const std::shared_ptr<NURVTaskResults> &results,
-                                                             bool overwrite) const;
+    [[nodiscard]] std::shared_ptr<Conversion> encodeFLAC(const QString &source, const QString &outputFolder,
+                                                         NURVTaskQueue *queue,
+                                                         const std::shared_ptr<NURVTaskResults> &results,
+                                                         bool overwrite) const;
 
     /// The full paths of the folder's entries with that extension, whatever its case;
     /// empty for a folder that cannot be read.
@@ -65,8 +64,6 @@ public:
 private:
     struct Batch;
 
-    /// The chosen format or the listed files that there are no jobs for.
-    [[nodiscard]] QStringList unavailable() const;
     /// Finds out where the outputs go and whether they replace files. False: the user
     /// does not want to go on.
     [[nodiscard]] bool chooseOutput(Batch &batch);
@@ -75,6 +72,8 @@ private:
     [[nodiscard]] std::shared_ptr<NURVTask> md5Task(const Batch &batch) const;
     [[nodiscard]] std::shared_ptr<NURVTask> ffpTask(const Batch &batch) const;
     void queueTasks(const Batch &batch);
+    /// The job that suits format and source; null without a format.
+    [[nodiscard]] std::shared_ptr<Conversion> makeConversion(const Batch &batch, const QString &source) const;
 };
 
 } // namespace nurv

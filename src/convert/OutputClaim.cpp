@@ -4,50 +4,86 @@
 
 #include "app/PathNames.h"
 
+#include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
+#include <array>
 #include <mutex>
+
+#include <sys/vfs.h>
+
+using namespace Qt::StringLiterals;
 
 namespace nurv {
 
 namespace {
 
-/// The outputs that are being made now, with their sources. Never destroyed: a worker
-/// may outlast the application.
-struct ActiveOutputs {
+/// The outputs that are being made now, with their sources, and the files that are being
+/// converted, with the number of jobs that do. Never destroyed: a worker may outlast the
+/// application.
+struct ActiveFiles {
     std::mutex lock;
     QHash<QString, QString> sourceOfPlace;
+    QHash<QString, int> readersOfPlace;
 
-    static ActiveOutputs &instance()
+    static ActiveFiles &instance()
     {
-        static ActiveOutputs *const outputs = new ActiveOutputs;
-        return *outputs;
+        static ActiveFiles *const files = new ActiveFiles;
+        return *files;
     }
 };
 
-QString placeOf(const QString &output)
+/// Whether the folder lies on a disk that takes "Song" and "song" for one name: those of
+/// cameras and sticks, Windows disks and shares. The numbers are those of statfs(2).
+bool ignoresCase(const QString &folder)
 {
-    const QString folder = QFileInfo(folderOf(output)).canonicalFilePath();
+    constexpr std::array<unsigned long, 7> kSystems{0x4D44,     0x2011BAB0, 0x5346544E, 0x7366746E,
+                                                    0xFF534D42, 0xFE534D42, 0x65735546};
+    struct statfs facts = {};
+    return ::statfs(QFile::encodeName(folder).constData(), &facts) == 0
+           && std::find(kSystems.begin(), kSystems.end(), static_cast<unsigned long>(facts.f_type)) != kSystems.end();
+}
+
+QString placeOf(const QString &file)
+{
+    const QString folder = QFileInfo(folderOf(file)).canonicalFilePath();
     // A folder that is not there has no other name either.
-    return folder.isEmpty() ? output : joinPath(folder, lastPathComponent(output));
+    if (folder.isEmpty())
+        return file;
+    const QString place = joinPath(folder, lastPathComponent(file));
+    return ignoresCase(folder) ? foldedName(place) : place;
 }
 
 } // namespace
 
+QString foldedName(const QString &path)
+{
+    return path.normalized(QString::NormalizationForm_C).toCaseFolded();
+}
+
 std::optional<QString> OutputClaim::take(const QString &output, const QString &source, ConversionBatch *batch)
 {
     const QString place = placeOf(output);
-    ActiveOutputs &active = ActiveOutputs::instance();
+    const QString sourcePlace = placeOf(source);
+    const QString name = lastPathComponent(output);
+    ActiveFiles &active = ActiveFiles::instance();
     const std::scoped_lock lock(active.lock);
     if (const auto other = active.sourceOfPlace.constFind(place); other != active.sourceOfPlace.cend())
-        return *other;
+        return u"its output %1 is made from %2"_s.arg(name, *other);
+    if (active.readersOfPlace.contains(place))
+        return u"its output %1 is being converted"_s.arg(name);
+    if (const auto origin = active.sourceOfPlace.constFind(sourcePlace); origin != active.sourceOfPlace.cend())
+        return u"it is still being made from %1"_s.arg(*origin);
     if (batch != nullptr) {
         if (const auto earlier = batch->sourceOfOutput.constFind(place); earlier != batch->sourceOfOutput.cend())
-            return *earlier;
+            return u"its output %1 is made from %2"_s.arg(name, *earlier);
         batch->sourceOfOutput.insert(place, source);
     }
     active.sourceOfPlace.insert(place, source);
+    ++active.readersOfPlace[sourcePlace];
     m_place = place;
+    m_sourcePlace = sourcePlace;
     return std::nullopt;
 }
 
@@ -55,9 +91,11 @@ void OutputClaim::release()
 {
     if (m_place.isEmpty())
         return;
-    ActiveOutputs &active = ActiveOutputs::instance();
+    ActiveFiles &active = ActiveFiles::instance();
     const std::scoped_lock lock(active.lock);
     active.sourceOfPlace.remove(m_place);
+    if (--active.readersOfPlace[m_sourcePlace] == 0)
+        active.readersOfPlace.remove(m_sourcePlace);
     m_place.clear();
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QHash>
+#include <QSet>
 #include <QString>
 
 #include <atomic>
@@ -14,14 +15,19 @@ namespace nurv {
 struct ConversionBatch {
     /// The source of every output that was begun, by the output's place.
     QHash<QString, QString> sourceOfOutput;
+    /// The files that are converted, with their links resolved: no output replaces one.
+    QSet<QString> sources;
     /// Whether the program of a member told of damage and went on: the report is
     /// then shown at the end of the batch, although no job failed. Any thread.
     std::atomic<bool> toldOfDamage = false;
 };
 
+/// The path as a disk sees it that ignores case.
+[[nodiscard]] QString foldedName(const QString &path);
+
 /// A conversion's right to make its output: no two make one file at the same time,
-/// and of one batch only the first does. Any thread; with a batch only the
-/// GUI thread takes.
+/// of one batch only the first does, and no file is made and converted at the same
+/// time. Any thread; with a batch only the GUI thread takes.
 class OutputClaim {
 public:
     OutputClaim() = default;
@@ -30,14 +36,16 @@ public:
     OutputClaim &operator=(const OutputClaim &) = delete;
 
     /// Takes `output` for `source`, as a member of `batch` if there is one. Returns
-    /// nothing when it is granted, else the source that has it. One folder under two
-    /// names is still one folder. At most once.
+    /// nothing when it is granted, else why it is not. One folder under two names is
+    /// still one folder, and where a disk takes two spellings for one name, so does
+    /// this. At most once.
     [[nodiscard]] std::optional<QString> take(const QString &output, const QString &source, ConversionBatch *batch);
     /// Gives the output back to other batches; in its own batch it stays taken.
     void release();
 
 private:
-    QString m_place; ///< empty: nothing is held
+    QString m_place; ///< of the output; empty: nothing is held
+    QString m_sourcePlace;
 };
 
 } // namespace nurv

@@ -54,7 +54,8 @@ QStringView withoutSecondFigure(QStringView ratio)
 /// The text from the first digit on; empty without one.
 QStringView fromFirstDigit(QStringView text)
 {
-    const auto digit = std::find_if(text.begin(), text.end(), [](QChar character) { return character.isDigit(); });
+    const auto digit =
+        std::find_if(text.begin(), text.end(), [](QChar character) { return character >= u'0' && character <= u'9'; });
     return text.sliced(digit - text.begin());
 }
 
@@ -234,7 +235,12 @@ ChunkReport parseShortenToWav(QStringView chunk)
 {
     const QString text = trimBackspaces(chunk);
     ChunkReport report{.status = {}, .progress = {}, .results = shntoolResults(text)};
-    showFigure(report, text.contains(u'%') ? QStringView(text) : QStringView(u"-1"), kToWav.toString());
+    if (text.contains(u'%')) {
+        showFigure(report, text, kToWav.toString());
+    } else {
+        report.progress = -1.0;
+        report.status = kToWav.toString() + sixDecimals(-1.0) + u'%';
+    }
     return report;
 }
 

@@ -15,7 +15,7 @@ namespace nurv::toolOutput {
 /// What one chunk means to a row and to the report.
 struct ChunkReport {
     std::optional<QString> status;  ///< the next status line; nothing: it stays
-    std::optional<double> progress; ///< 0 to 100; comes with `status`
+    std::optional<double> progress; ///< in percent, below 0 when unknown; comes with `status`
     QString results;                ///< to be appended to the report
     bool repaintsTitle = false;     ///< the main line is set to the title again
 };
@@ -25,6 +25,10 @@ struct ChunkReport {
 [[nodiscard]] bool tellsOfDamage(QStringView text);
 /// No marker that `tellsOfDamage` knows is longer.
 inline constexpr qsizetype kLongestDamageMarker = 32;
+
+/// How much of the text before a chunk can belong to a marker of a failure in it: the
+/// question of `wavpack` has a path in its middle.
+inline constexpr qsizetype kLongestErrorMarker = 8192;
 
 /// The lines as a terminal ends up with them: backspaces and carriage returns take
 /// back what stands before them in the line, so that of all figures the last is left.
@@ -44,7 +48,6 @@ inline constexpr qsizetype kLongestDamageMarker = 32;
 [[nodiscard]] ChunkReport parseFlacByShntool(QStringView chunk, const QString &type);
 /// From Shorten.
 [[nodiscard]] ChunkReport parseShortenDecoding(QStringView chunk);
-
 
 // `wavpack`, `wvunpack`: "creating x.wv,  45% done...", backspaces, " 46% done...", ….
 
@@ -76,8 +79,5 @@ inline constexpr qsizetype kLongestDamageMarker = 32;
 [[nodiscard]] ChunkReport parseMonkeysAudioToWav(QStringView chunk);
 /// `wvunpack`.
 [[nodiscard]] ChunkReport parseWavpackToWav(QStringView chunk);
-
-/// How much text before a chunk can belong to a marker in it.
-inline constexpr qsizetype kLongestErrorMarker = 8192;
 
 } // namespace nurv::toolOutput

@@ -1,0 +1,19 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "convert/TwoStageDecodeTask.h"
+
+namespace nurv {
+
+/// TTA to WAV or AIFF.
+class DecodeTTATask final : public TwoStageDecodeTask {
+public:
+    DecodeTTATask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath, const QString &format);
+
+protected:
+    [[nodiscard]] QString openingStatus() const override;
+    void doDecodeCall() override;
+};
+
+} // namespace nurv

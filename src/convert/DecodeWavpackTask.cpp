@@ -1,0 +1,32 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "convert/DecodeWavpackTask.h"
+
+#include "app/PathNames.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+DecodeWavpackTask::DecodeWavpackTask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath,
+                                     const QString &format)
+    : TwoStageDecodeTask(queue, fileName, outputPath, format)
+{
+}
+
+QString DecodeWavpackTask::openingStatus() const
+{
+    return u"Decoding From Wavpack"_s;
+}
+
+void DecodeWavpackTask::doDecodeCall()
+{
+    if (!isToAiff()) {
+        runTool(toolStages::decodeWavpack(fileName(), false, outputFile()));
+        return;
+    }
+    decodeThroughWav(nurv::outputPath(outputPath(), fileName(), u"wav"_s),
+                     [this](const QString &wav) { return toolStages::decodeWavpack(fileName(), true, wav); });
+}
+
+} // namespace nurv

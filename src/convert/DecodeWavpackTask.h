@@ -1,0 +1,20 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "convert/TwoStageDecodeTask.h"
+
+namespace nurv {
+
+/// WavPack to WAV or AIFF. An AIFF file is made of a WAV file of the same name, which is
+/// then removed.
+class DecodeWavpackTask final : public TwoStageDecodeTask {
+public:
+    DecodeWavpackTask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath, const QString &format);
+
+protected:
+    [[nodiscard]] QString openingStatus() const override;
+    void doDecodeCall() override;
+};
+
+} // namespace nurv

@@ -1,0 +1,128 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "convert/EncodeALACTask.h"
+
+#include "app/PathNames.h"
+#include "app/Util.h"
+#include "convert/StageFile.h"
+#include "tags/AACTagsHelper.h"
+#include "tags/TagLibTagsHelper.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+EncodeALACTask::EncodeALACTask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath)
+    : TwoStageEncodeTask(queue, fileName, outputPath, u"m4a"_s)
+{
+}
+
+QString EncodeALACTask::openingStatus() const
+{
+    return u"Encoding to Apple Lossless"_s;
+}
+
+void EncodeALACTask::doEncodeCall()
+{
+    const QString format = formatWord(fileName());
+    if (format == u"SHN")
+        encodeDecoded(u"Decoding SHN to Wav"_s, toolStages::shortenToWav);
+    else if (format == u"FLAC")
+        encodeDecoded(u"Decoding FLAC to Wav"_s, toolStages::flacToWav);
+    else if (format == u"APE")
+        encodeDecoded(u"Decoding APE to Wav"_s, toolStages::monkeysAudioToWav);
+    else if (format == u"WV")
+        encodeDecoded(u"Decoding Wavepack to Wav"_s, toolStages::wavpackToWav);
+    else
+        encode(fileName());
+    if (!error() && !cancelled())
+        finishOutput();
+}
+
+void EncodeALACTask::encode(const QString &input)
+{
+    convertToOutput(input, kFormatAppleLossless, kFileM4A);
+}
+
+void EncodeALACTask::encodeDecoded(const QString &status,
+                                   ToolStage (*stageFor)(const QString &source, const QString &wav))
+{
+    if (cancelled())
+        return;
+    showStatus(status);
+    StageFile wav(outputPath());
+    runTool(stageFor(fileName(), wav.path()));
+    encode(wav.path());
+    if (!cancelled())
+        Util::deleteFile(wav.path());
+    wav.giveUp();
+}
+
+void EncodeALACTask::finishOutput()
+{
+    copyTags(u"Error writing tags to file %1:\n"_s.arg(outputFile()), [this] { writeTags(); });
+    optimizeFile(outputFile());
+}
+
+void EncodeALACTask::writeTags()
+{
+    const QString format = formatWord(fileName());
+    if (format == u"FLAC")
+        handleFlacTags();
+    else if (format == u"AIFF")
+        handleAiffTags();
+    else if (format == u"WV")
+        handleWavpackTags();
+    else if (format == u"APE")
+        handleApeTags();
+    else
+        setEncoderTag();
+}
+
+void EncodeALACTask::handleFlacTags()
+{
+    showStatus(u"Copying FLAC Tags"_s);
+    writeRecord(TagLibTagsHelper::tagsForFlacFile(fileName()));
+}
+
+void EncodeALACTask::handleAiffTags()
+{
+    showStatus(u"Copying AIFF Tags"_s);
+    writeRecord(TagLibTagsHelper::tagsForAIFFFile(fileName()));
+}
+
+void EncodeALACTask::handleWavpackTags()
+{
+    showStatus(u"Copying Wavpack Tags"_s);
+    writeRecord(TagLibTagsHelper::tagsForWavpackFile(fileName()));
+}
+
+void EncodeALACTask::handleApeTags()
+{
+    showStatus(u"Copying APE Tags"_s);
+    writeRecord(TagLibTagsHelper::tagsForAPEFile(fileName()));
+}
+
+void EncodeALACTask::setEncoderTag()
+{
+    writeRecord(TagsObject());
+}
+
+void EncodeALACTask::writeRecord(const TagsObject &tags)
+{
+    AACTagsHelper::writeTagsForFile(outputFile(), tags, false, true);
+}
+
+void EncodeALACTask::optimizeFile(const QString &path)
+{
+    showStatus(u"Making Gapless"_s);
+    AACTagsHelper::makeGapless(path, [this] { return cancelled(); });
+}
+
+void EncodeALACTask::cleanup()
+{
+    // Before the row is painted and the set is looked at: it opens no output window.
+    dropResultsUnlessFailed();
+}
+
+} // namespace nurv

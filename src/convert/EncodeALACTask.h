@@ -1,0 +1,43 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "convert/TwoStageEncodeTask.h"
+
+#include <functional>
+
+namespace nurv {
+
+class TagsObject;
+
+/// WAV, AIFF, Shorten, FLAC, Monkey's Audio or WavPack to Apple Lossless, with the tags.
+///
+///     source ──> its decoder ──> temporary WAV ──> audio service ──> m4a ──> tags ──> gapless
+///        └────────────── WAV, AIFF ──────────────────┘
+class EncodeALACTask final : public TwoStageEncodeTask {
+public:
+    EncodeALACTask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath);
+
+protected:
+    [[nodiscard]] QString openingStatus() const override;
+    void doEncodeCall() override;
+    void cleanup() override;
+
+private:
+    /// Converts the file to the output.
+    void encode(const QString &input);
+    /// Decodes the source by a program to a temporary WAV and encodes that. A cancelled
+    /// job leaves the temporary WAV in place.
+    void encodeDecoded(const QString &status, ToolStage (*stageFor)(const QString &source, const QString &wav));
+    void finishOutput();
+    void writeTags();
+    void handleFlacTags();
+    void handleAiffTags();
+    void handleWavpackTags();
+    void handleApeTags();
+    void setEncoderTag();
+    void writeRecord(const TagsObject &tags);
+    void optimizeFile(const QString &path);
+};
+
+} // namespace nurv

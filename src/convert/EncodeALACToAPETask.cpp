@@ -1,0 +1,44 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "convert/EncodeALACToAPETask.h"
+
+#include "tags/AACTagsHelper.h"
+#include "tags/TagLibTagsHelper.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+EncodeALACToAPETask::EncodeALACToAPETask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath,
+                                         const QString &level)
+    : TwoStageEncodeTask(queue, fileName, outputPath, u"ape"_s), m_level(level)
+{
+}
+
+QString EncodeALACToAPETask::openingStatus() const
+{
+    return u"Encoding Apple Lossless to APE"_s;
+}
+
+void EncodeALACToAPETask::doEncodeCall()
+{
+    encodeThroughWav(
+        [this](const QString &input) { return toolStages::encodeMonkeysAudio(m_level, input, outputFile()); });
+}
+
+void EncodeALACToAPETask::cleanup()
+{
+    // Before the tags: what they complain of reaches no set then.
+    dropResultsUnlessFailed();
+    copyTags(u"Error writing tags to file:\n"_s, [this] { getALACTags(); });
+    deleteSourceNow();
+}
+
+void EncodeALACToAPETask::getALACTags()
+{
+    const TagsObject tags = AACTagsHelper::tagsForFile(fileName());
+    showStatus(u"Writing APE Tags"_s);
+    TagLibTagsHelper::writeTagsForAPEFile(outputFile(), tags, false);
+}
+
+} // namespace nurv

@@ -1,0 +1,42 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "convert/EncodeALACToFlacTask.h"
+
+#include "tags/AACTagsHelper.h"
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+EncodeALACToFlacTask::EncodeALACToFlacTask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath,
+                                           int level, bool verify, std::shared_ptr<NURVTaskResults> results)
+    : TwoStageEncodeTask(queue, fileName, outputPath, u"flac"_s), m_level(level), m_verify(verify)
+{
+    setResults(std::move(results));
+}
+
+QString EncodeALACToFlacTask::openingStatus() const
+{
+    return u"Encoding Apple Lossless to Flac"_s;
+}
+
+void EncodeALACToFlacTask::doEncodeCall()
+{
+    encodeThroughWav([this](const QString &input) { return toolStages::encodeFlac(m_verify, input, outputFile()); });
+}
+
+void EncodeALACToFlacTask::cleanup()
+{
+    copyTags(u"Error writing tags to file:\n"_s, [this] { getALACTags(); });
+}
+
+void EncodeALACToFlacTask::getALACTags()
+{
+    const TagsObject tags = AACTagsHelper::tagsForFile(fileName());
+    showStatus(u"Writing Flac Tags"_s);
+    writeFlacTags(tags);
+}
+
+} // namespace nurv

@@ -1,0 +1,32 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "convert/TwoStageEncodeTask.h"
+
+#include <memory>
+
+namespace nurv {
+
+/// Apple Lossless to FLAC, with the tags. `flac` encodes at its own level.
+class EncodeALACToFlacTask final : public TwoStageEncodeTask {
+public:
+    /// `level` is kept, not passed on. `results` is the set of the batch.
+    EncodeALACToFlacTask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath, int level,
+                         bool verify, std::shared_ptr<NURVTaskResults> results);
+
+    [[nodiscard]] int level() const { return m_level; }
+
+protected:
+    [[nodiscard]] QString openingStatus() const override;
+    void doEncodeCall() override;
+    void cleanup() override;
+
+private:
+    void getALACTags();
+
+    int m_level;
+    bool m_verify;
+};
+
+} // namespace nurv

@@ -1,0 +1,43 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "convert/EncodeALACToWavpackTask.h"
+
+#include "tags/AACTagsHelper.h"
+#include "tags/TagLibTagsHelper.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+EncodeALACToWavpackTask::EncodeALACToWavpackTask(NURVTaskQueue *queue, const QString &fileName,
+                                                 const QString &outputPath, const QString &level)
+    : TwoStageEncodeTask(queue, fileName, outputPath, u"wv"_s), m_level(level)
+{
+}
+
+QString EncodeALACToWavpackTask::openingStatus() const
+{
+    return u"Encoding Apple Lossless to Wavpack"_s;
+}
+
+void EncodeALACToWavpackTask::doEncodeCall()
+{
+    encodeThroughWav([this](const QString &input) { return toolStages::encodeWavpack(m_level, input, outputFile()); });
+}
+
+void EncodeALACToWavpackTask::cleanup()
+{
+    // Before the tags: what they complain of reaches no set then.
+    dropResultsUnlessFailed();
+    copyTags(u"Error writing tags to file:\n"_s, [this] { getALACTags(); });
+    deleteSourceNow();
+}
+
+void EncodeALACToWavpackTask::getALACTags()
+{
+    const TagsObject tags = AACTagsHelper::tagsForFile(fileName());
+    showStatus(u"Writing Wavpack Tags"_s);
+    TagLibTagsHelper::writeTagsForWavpackFile(outputFile(), tags, false);
+}
+
+} // namespace nurv

@@ -1,0 +1,27 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "convert/TwoStageEncodeTask.h"
+
+namespace nurv {
+
+/// Apple Lossless to WavPack, with the tags.
+class EncodeALACToWavpackTask final : public TwoStageEncodeTask {
+public:
+    /// `level`: "-f" (fast) or "-h" (high).
+    EncodeALACToWavpackTask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath,
+                            const QString &level);
+
+protected:
+    [[nodiscard]] QString openingStatus() const override;
+    void doEncodeCall() override;
+    void cleanup() override;
+
+private:
+    void getALACTags();
+
+    QString m_level;
+};
+
+} // namespace nurv

@@ -1,0 +1,29 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "convert/EncodeApeTask.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+EncodeApeTask::EncodeApeTask(NURVTaskQueue *queue, const QString &fileName, const QString &level,
+                             const QString &outputPath)
+    : TwoStageEncodeTask(queue, fileName, outputPath, u"ape"_s), m_level(level)
+{
+}
+
+QString EncodeApeTask::openingStatus() const
+{
+    return u"Encoding to Monkey's Audio"_s;
+}
+
+void EncodeApeTask::doEncodeCall()
+{
+    encodeWav([this](const QString &input) {
+        ToolStage stage = toolStages::encodeMonkeysAudio(m_level, input, outputFile());
+        stage.looksAtExitStatus = false;
+        return stage;
+    });
+}
+
+} // namespace nurv

@@ -1,0 +1,29 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "convert/EncodeWavpackTask.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+EncodeWavpackTask::EncodeWavpackTask(NURVTaskQueue *queue, const QString &fileName, const QString &level,
+                                     const QString &outputPath)
+    : TwoStageEncodeTask(queue, fileName, outputPath, u"wv"_s), m_level(level)
+{
+}
+
+QString EncodeWavpackTask::openingStatus() const
+{
+    return u"Encoding Wavpack"_s;
+}
+
+void EncodeWavpackTask::doEncodeCall()
+{
+    encodeWav([this](const QString &input) {
+        ToolStage stage = toolStages::encodeWavpack(m_level, input, outputFile());
+        stage.looksAtExitStatus = false;
+        return stage;
+    });
+}
+
+} // namespace nurv

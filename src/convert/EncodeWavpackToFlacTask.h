@@ -1,0 +1,33 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "convert/TwoStageEncodeTask.h"
+
+#include <memory>
+
+namespace nurv {
+
+/// WavPack to FLAC, with the tags. `flac` encodes at its own level.
+class EncodeWavpackToFlacTask final : public TwoStageEncodeTask {
+public:
+    /// `level` is kept, not passed on. `results` is the set of the batch.
+    EncodeWavpackToFlacTask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath, int level,
+                            bool verify, std::shared_ptr<NURVTaskResults> results);
+
+    [[nodiscard]] int level() const { return m_level; }
+
+protected:
+    [[nodiscard]] QString openingStatus() const override;
+    void doEncodeCall() override;
+    void cleanup() override;
+
+private:
+    void convertWavpackToWav(const QString &wav);
+    void getWavpackTags();
+
+    int m_level;
+    bool m_verify;
+};
+
+} // namespace nurv

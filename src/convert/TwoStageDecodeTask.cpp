@@ -1,0 +1,52 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "convert/TwoStageDecodeTask.h"
+
+#include "convert/ConversionArguments.h"
+#include "convert/StageFile.h"
+
+#include <QScopeGuard>
+
+namespace nurv {
+
+TwoStageDecodeTask::TwoStageDecodeTask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath,
+                                       const QString &format)
+    : TwoStageTask(queue, fileName, outputPath, conversionArguments::decodedExtension(format)), m_format(format)
+{
+}
+
+void TwoStageDecodeTask::decode(const StageFor &stageFor)
+{
+    if (isToAiff())
+        decodeThroughTemporaryWav(stageFor);
+    else
+        runTool(stageFor(outputFile()));
+}
+
+void TwoStageDecodeTask::decodeThroughTemporaryWav(const StageFor &stageFor)
+{
+    if (cancelled())
+        return;
+    const StageFile wav(outputPath());
+    runTool(stageFor(wav.path()));
+    convertToAiff(wav.path());
+}
+
+void TwoStageDecodeTask::decodeThroughWav(const QString &wav, const StageFor &stageFor)
+{
+    OutputClaim claim;
+    if (isThere(wav) || claim.take(wav, fileName(), nullptr)) {
+        decodeThroughTemporaryWav(stageFor);
+        return;
+    }
+    const auto removeWav = qScopeGuard([&] { removeHalfMade(wav); });
+    runTool(stageFor(wav));
+    convertToAiff(wav);
+}
+
+void TwoStageDecodeTask::convertToAiff(const QString &wav)
+{
+    convertToOutput(wav, kFormatLinearPCM, kFileAIFF);
+}
+
+} // namespace nurv

@@ -1,0 +1,73 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "convert/TwoStageEncodeTask.h"
+
+#include "app/PathNames.h"
+#include "convert/ConvertLog.h"
+#include "convert/StageFile.h"
+#include "platform/TextNumbers.h"
+#include "tags/FlacTagHelper.h"
+#include "tags/TagLibTagsHelper.h"
+
+#include <algorithm>
+#include <array>
+
+namespace nurv {
+
+namespace {
+
+/// Whether the texts and numbers of a record stand in another.
+bool holdsRecord(const TagsObject &written, const TagsObject &wanted)
+{
+    static constexpr std::array kTexts = {&TagsObject::titleText, &TagsObject::artistText,   &TagsObject::albumText,
+                                          &TagsObject::genreText, &TagsObject::composerText, &TagsObject::commentText};
+    static constexpr std::array kNumbers = {&TagsObject::trackText, &TagsObject::discText, &TagsObject::dateText};
+    const auto numberIn = [](const TagsObject &record, const auto text) {
+        return leadingInteger((record.*text)().value_or(QString()));
+    };
+    const auto hasText = [&](const auto text) {
+        const QString value = (wanted.*text)().value_or(QString());
+        return value.isEmpty() || (written.*text)() == value;
+    };
+    const auto hasNumber = [&](const auto text) { return numberIn(written, text) == numberIn(wanted, text); };
+    return std::all_of(kTexts.begin(), kTexts.end(), hasText)
+           && std::all_of(kNumbers.begin(), kNumbers.end(), hasNumber);
+}
+
+} // namespace
+
+void TwoStageEncodeTask::convertToWav(const QString &source, const QString &wav)
+{
+    convertAudio(source, wav, kFormatLinearPCM, kFileWave);
+}
+
+void TwoStageEncodeTask::encodeWav(const StageFor &stageFor)
+{
+    const QString format = formatWord(fileName());
+    if (format == u"AIFF" || format == u"AIF")
+        encodeThroughWav(stageFor);
+    else
+        runTool(stageFor(fileName()));
+}
+
+void TwoStageEncodeTask::encodeThroughWav(const StageFor &stageFor)
+{
+    if (cancelled())
+        return;
+    const StageFile wav(outputPath());
+    convertToWav(fileName(), wav.path());
+    wav.grantUsualAccess();
+    // Also after a failure, on whatever there is; the job ends in error either way.
+    runTool(stageFor(wav.path()));
+}
+
+void TwoStageEncodeTask::writeFlacTags(const TagsObject &tags)
+{
+    FlacTagHelper::writeTagsForFile(outputFile(), tags, false);
+    if (holdsRecord(TagLibTagsHelper::tagsForFlacFile(outputFile()), tags))
+        return;
+    qCWarning(convertLog).noquote() << "Tags not copied:" << fileName() << "->" << outputFile();
+    keepSourceForItsTags();
+}
+
+} // namespace nurv

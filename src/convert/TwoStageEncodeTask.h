@@ -1,0 +1,32 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "convert/TwoStageTask.h"
+
+namespace nurv {
+
+class TagsObject;
+
+/// An encoding in stages: what its program cannot read comes by way of a temporary WAV.
+class TwoStageEncodeTask : public TwoStageTask {
+protected:
+    using TwoStageTask::TwoStageTask;
+    /// The encoder's stage for the file that it reads.
+    using StageFor = std::function<ToolStage(const QString &input)>;
+
+    void convert() final { doEncodeCall(); }
+    virtual void doEncodeCall() = 0;
+
+    /// Makes a WAV file of what the audio service reads. A failure sets the error flag.
+    void convertToWav(const QString &source, const QString &wav);
+    /// AIFF sources by way of a temporary WAV, all others as they are.
+    void encodeWav(const StageFor &stageFor);
+    /// Every source by way of a temporary WAV.
+    void encodeThroughWav(const StageFor &stageFor);
+    /// Writes the record to the FLAC file that was made. What writes it reports nothing:
+    /// when the texts are not there afterwards, the source is kept for them.
+    void writeFlacTags(const TagsObject &tags);
+};
+
+} // namespace nurv

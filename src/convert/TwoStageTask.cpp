@@ -1,0 +1,211 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "convert/TwoStageTask.h"
+
+#include "app/PathNames.h"
+#include "convert/ConvertLog.h"
+#include "convert/DeletionCheck.h"
+#include "convert/EncodeCoreAudioSync.h"
+#include "convert/StageFile.h"
+#include "platform/NurvFailure.h"
+#include "platform/ResourceFolder.h"
+
+#include <QFile>
+
+#include <exception>
+
+#include <string.h>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+TwoStageTask::TwoStageTask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath,
+                           const QString &extension)
+    : NURVInProcessTask(queue), Conversion(*this, fileName), m_outputPath(outputPath),
+      m_outFile(nurv::outputPath(outputPath, fileName, extension))
+{
+}
+
+std::optional<QString> TwoStageTask::reasonNotToStart()
+{
+    if (outputIsSource())
+        return u"%1: its output would replace it\n"_s.arg(fileName());
+    return takeOutput();
+}
+
+void TwoStageTask::doStartTask()
+{
+    m_hasBegun = true;
+    showStarted();
+    showStatus(openingStatus());
+    convert();
+}
+
+void TwoStageTask::runTool(const ToolStage &stage)
+{
+    if (cancelled())
+        return;
+    QString recent;
+    const auto takeText = [&](const QString &chunk) {
+        keepForReport(chunk);
+        showChunk(stage.parse(chunk));
+        // A marker can be spread over two chunks.
+        recent += chunk;
+        if (stage.tellsOfError && stage.tellsOfError(recent))
+            setError(true);
+        recent = recent.right(toolOutput::kLongestErrorMarker);
+        return !(stage.stopsOnCancel && cancelled()) && !(stage.stopsOnError && error());
+    };
+    const std::function<bool()> isUnwanted =
+        stage.stopsOnCancel ? [this] { return cancelled(); } : std::function<bool()>();
+    ToolRunSync run(joinPath(pathToCommandLineTools(), stage.name), stage.arguments);
+    takeEnding(stage, run.run(takeText, isUnwanted));
+}
+
+void TwoStageTask::takeEnding(const ToolStage &stage, const ToolRunSync::Ending &ending)
+{
+    // No later stage can go on, and what that one would say hides the reason.
+    if (!ending.exit)
+        throw NurvFailure(ending.startFailure);
+    if (ending.wasCutShort())
+        m_isHalfMade = true;
+    // Who ended it knows why.
+    if (ending.wasStopped || ending.succeeded() || cancelled())
+        return;
+    doubtSource(u"its program failed"_s);
+    if (stage.looksAtExitStatus)
+        m_failsAtStop = true;
+    if (ending.exit->signal != 0) {
+        const QString reason = u"%1 was ended by signal %2 (%3) while working on %4\n"_s.arg(
+            stage.name, QString::number(ending.exit->signal), QString::fromLocal8Bit(strsignal(ending.exit->signal)),
+            title());
+        appendResultsForSelf(reason);
+        keepReasonForReport(reason);
+    }
+}
+
+bool TwoStageTask::convertAudio(const QString &source, const QString &file, FourCharCode formatType,
+                                FourCharCode fileType)
+{
+    if (cancelled())
+        return false;
+    EncodeCoreAudioSync conversion(*this, source, file, formatType, fileType);
+    conversion.doEncodeCall();
+    if (conversion.leavesSoundBehind()) {
+        doubtSource(u"its output has not all of its sound"_s);
+        const QString warning =
+            u"%1 has more than one track, or hides a part of its sound: not all of it is in the output\n"_s.arg(source);
+        appendResultsForSelf(warning);
+        keepReasonForReport(warning);
+    }
+    if (conversion.failureText().isEmpty())
+        return !cancelled();
+    m_isHalfMade = true;
+    keepReasonForReport(conversion.failureText() + u'\n');
+    return false;
+}
+
+void TwoStageTask::convertToOutput(const QString &source, FourCharCode formatType, FourCharCode fileType)
+{
+    if (outputExisted()) {
+        StageFile beside(m_outputPath, pathExtension(m_outFile));
+        if (!convertAudio(source, beside.path(), formatType, fileType))
+            return;
+        if (error() || hasDoubt())
+            failWith(u"%1 stays as it was: what was to replace it is not whole\n"_s.arg(m_outFile));
+        else
+            beside.replace(m_outFile);
+    } else if (!convertAudio(source, m_outFile, formatType, fileType)) {
+        removeHalfMade(m_outFile);
+    }
+}
+
+void TwoStageTask::refuseOutputThatBegins(const QByteArray &bytes)
+{
+    QFile output(m_outFile);
+    if (cancelled() || !hasTouchedOutput() || !output.open(QIODevice::ReadOnly) || output.read(bytes.size()) != bytes)
+        return;
+    output.close();
+    removeHalfMade(m_outFile);
+    failWith(u"%1: it is no file of the kind that its name says\n"_s.arg(fileName()));
+}
+
+void TwoStageTask::stopTask()
+{
+    if (m_hasBegun)
+        settle();
+    NURVInProcessTask::stopTask();
+    dropResultsUnlessFailed();
+    releaseOutput();
+}
+
+void TwoStageTask::settle()
+{
+    // What a program left that did not come to its own end, or that read the half of its
+    // input, is no output; and what was there before is not the program's.
+    if (m_isHalfMade && (!outputExisted() || hasTouchedOutput()))
+        removeHalfMade(m_outFile);
+    if (m_failsAtStop && !cancelled())
+        setError(true);
+    if (!cancelled() && !error() && !hasMadeOutput())
+        failWith(u"%1: its program made no output\n"_s.arg(fileName()));
+    try {
+        cleanup();
+    } catch (const NurvFailure &failure) {
+        failWith(failure.reason());
+    } catch (const std::exception &failure) {
+        failWith(QString::fromUtf8(failure.what()));
+    }
+    flushOutput();
+}
+
+void TwoStageTask::flushOutput()
+{
+    // While the job is still active: when the application ends meanwhile, the source stays.
+    if (deleteOriginal() && !error() && !cancelled())
+        setOutputIsOnDisk(flushToDisk(m_outFile));
+}
+
+void TwoStageTask::deleteSourceNow()
+{
+    flushOutput();
+    deleteSourceIfDone();
+}
+
+void TwoStageTask::afterCompletion()
+{
+    if (m_hasBegun)
+        deleteSourceIfDone();
+}
+
+void TwoStageTask::copyTags(const QString &complaint, const std::function<void()> &copy)
+{
+    // Whatever else has the output's name belongs to someone else.
+    if (cancelled() || !hasMadeOutput())
+        return;
+    const auto complain = [&](const QString &reason) {
+        qCWarning(convertLog).noquote() << "Exception" << reason;
+        failWith(complaint + reason);
+    };
+    try {
+        copy();
+    } catch (const NurvFailure &failure) {
+        complain(failure.reason());
+    } catch (const std::exception &failure) {
+        complain(QString::fromUtf8(failure.what()));
+    }
+}
+
+QString TwoStageTask::report() const
+{
+    return reportInstead(NURVInProcessTask::report());
+}
+
+void TwoStageTask::failWith(const QString &reason)
+{
+    NURVInProcessTask::failWith(reason);
+    keepReasonForReport(reason);
+}
+
+} // namespace nurv

@@ -1,0 +1,86 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "convert/Conversion.h"
+#include "convert/ToolStage.h"
+#include "engine/NURVInProcessTask.h"
+#include "engine/ToolRunSync.h"
+#include "platform/AudioStreamDescription.h"
+
+#include <QString>
+
+#include <functional>
+#include <optional>
+
+namespace nurv {
+
+/// One file converted in stages on a thread of its own: what all conversions have in
+/// common that are more than one program's run.
+///
+///     source ──> [temporary WAV] ──> program, or the audio service ──> output
+///                                         └── chunk ──> parser ──> row, report
+///     ──> exit status ──> cleanup: tags ──> row, queue ──> the source is deleted if that was asked for
+///
+/// A derived class says what runs in `convert`, and what else is to be done in `cleanup`.
+class TwoStageTask : public NURVInProcessTask, public Conversion {
+public:
+    [[nodiscard]] QString outputFile() const final { return m_outFile; }
+    /// The output folder.
+    [[nodiscard]] const QString &outputPath() const { return m_outputPath; }
+
+    /// Of a job that failed or met damage: the source's path, then the end of what its
+    /// programs wrote, then why the job failed.
+    [[nodiscard]] QString report() const final;
+    void stopTask() final;
+
+protected:
+    /// The output is the source's name with `extension`, in `outputPath`. Names the job's row
+    /// after the source.
+    TwoStageTask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath, const QString &extension);
+
+    /// The first status line.
+    [[nodiscard]] virtual QString openingStatus() const = 0;
+    /// All stages, on the worker. What it throws fails the job.
+    virtual void convert() = 0;
+    /// After the last stage, when the error flag is final, before the row is painted; on the
+    /// worker. Only of a job whose work has begun. What it throws fails the job.
+    virtual void cleanup() {}
+
+    /// Runs the program to its end and parses what it writes. Nothing runs in a cancelled job.
+    void runTool(const ToolStage &stage);
+    /// Converts `source` to `file` by the audio service. A failure sets the error flag.
+    /// False: it failed, or the job was cancelled.
+    bool convertAudio(const QString &source, const QString &file, FourCharCode formatType, FourCharCode fileType);
+    /// The same to the job's output. A conversion that fails or is cancelled leaves there
+    /// what was there before.
+    void convertToOutput(const QString &source, FourCharCode formatType, FourCharCode fileType);
+    /// Fails and removes the output when it begins with these bytes: a program that goes by
+    /// what it is given went the other way.
+    void refuseOutputThatBegins(const QByteArray &bytes);
+    /// Runs `copy`, which copies tags to the output, if the job has made one and was not
+    /// cancelled. What `copy` throws goes to the log, sets the error flag, and is reported
+    /// behind `complaint`.
+    void copyTags(const QString &complaint, const std::function<void()> &copy);
+    /// Deletes the source, if that was asked for and nothing speaks against it, before the
+    /// job stops.
+    void deleteSourceNow();
+
+    void doStartTask() final;
+    void failWith(const QString &reason) final;
+    [[nodiscard]] std::optional<QString> reasonNotToStart() final;
+    void afterCompletion() final;
+
+private:
+    void takeEnding(const ToolStage &stage, const ToolRunSync::Ending &ending);
+    void settle();
+    void flushOutput();
+
+    QString m_outputPath;
+    QString m_outFile;
+    bool m_hasBegun = false;
+    bool m_isHalfMade = false;
+    bool m_failsAtStop = false;
+};
+
+} // namespace nurv
