@@ -155,8 +155,7 @@ TEST(EncodeCommand, FailsWhenTheListOfTheOutputsCannotBeWritten)
     const TestFolder folder;
     writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
     const QString list = folder.makeFolder(u"fingerprint.ffp.txt"_s);
-    const ProgramResult result =
-        runNurv({u"encode"_s, u"--ffp"_s, u"--beside-source"_s, folder.path(u"a.wav"_s)});
+    const ProgramResult result = runNurv({u"encode"_s, u"--ffp"_s, u"--beside-source"_s, folder.path(u"a.wav"_s)});
     EXPECT_EQ(result.exitStatus, 1);
     EXPECT_TRUE(result.errors.contains("Unable to write " + list.toUtf8())) << result.errors.constData();
     EXPECT_TRUE(folder.exists(u"a.flac"_s));
@@ -203,21 +202,65 @@ TEST(EncodeCommand, AMissingProgramGivesStatus3BeforeAnythingIsQueued)
     EXPECT_EQ(folder.list(), QStringList{u"a.wav"_s});
 }
 
-TEST(EncodeCommand, AFormatWithoutJobsIsToldBeforeAnyMissingProgram)
+TEST(EncodeCommand, EncodesToEveryFormatAndBackWithoutLoss)
 {
     const TestFolder folder;
-    writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
-    const QString ape = folder.write(u"b.ape"_s, "x");
-    const ToolFolder tools;
-    for (const QString &format : {u"wv"_s, u"tta"_s, u"ape"_s, u"m4a"_s}) {
-        const ProgramResult result =
-            runNurv({u"encode"_s, u"--format"_s, format, u"--beside-source"_s, folder.path(u"a.wav"_s)});
-        EXPECT_EQ(result.exitStatus, 1) << qPrintable(format);
-        EXPECT_EQ(result.errors, "nurv: This format is not available yet: " + format.toUpper().toUtf8() + "\n");
+    const QString wav = writeWav(folder.path(u"a.wav"_s), {.seconds = 0.5});
+    for (const QString &format : {u"shn"_s, u"wv"_s, u"flac"_s, u"tta"_s, u"ape"_s, u"m4a"_s}) {
+        SCOPED_TRACE(qPrintable(format));
+        const QString out = folder.makeFolder(format);
+        const ProgramResult encoded = runNurv({u"encode"_s, u"--format"_s, format, u"--output-dir"_s, out, wav});
+        EXPECT_EQ(encoded.exitStatus, 0) << encoded.errors.constData();
+        const QString output = folder.path(format + u"/a."_s + format);
+        EXPECT_TRUE(sameSound(wav, output));
+        for (const QString &back : {u"wav"_s, u"aiff"_s}) {
+            const ProgramResult decoded = runNurv({u"decode"_s, u"--format"_s, back, u"--output-dir"_s, out, output});
+            EXPECT_EQ(decoded.exitStatus, 0) << decoded.errors.constData();
+            EXPECT_TRUE(sameSound(wav, folder.path(format + u"/a."_s + back)));
+        }
     }
-    const ProgramResult decode = runNurv({u"decode"_s, u"--beside-source"_s, ape});
-    EXPECT_EQ(decode.exitStatus, 1);
-    EXPECT_EQ(decode.errors, "nurv: This format is not available yet: " + ape.toUtf8() + "\n");
+    EXPECT_EQ(folder.list().size(), 1 + 6 * 3) << qPrintable(folder.list().join(u'\n'));
+}
+
+TEST(EncodeCommand, PassesTheModeAndTheLevelOn)
+{
+    const TestFolder folder;
+    const QString wav = writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
+    const ToolFolder tools;
+    const QString log = folder.path(u"log"_s);
+    tools.addLogged(u"wavpack"_s, log);
+    tools.addLogged(u"mac"_s, log);
+    const auto encode = [&](const QStringList &options) {
+        EXPECT_EQ(runNurv(QStringList{u"encode"_s, u"--beside-source"_s, wav} + options).exitStatus, 0);
+    };
+    encode({u"--format=wv"_s, u"--mode=high"_s});
+    folder.remove(u"a.wv"_s);
+    encode({u"--format=wv"_s});
+    encode({u"--format=ape"_s, u"--level=4000"_s});
+    encode({u"--format=ape"_s});
+    const QList<QByteArray> calls = folder.read(u"log"_s).trimmed().split('\n');
+    ASSERT_EQ(calls.size(), 4);
+    EXPECT_TRUE(calls[0].startsWith("-h\t")) << calls[0].constData();
+    EXPECT_TRUE(calls[1].startsWith("-f\t")) << calls[1].constData();
+    EXPECT_TRUE(calls[2].endsWith("\t-c4000")) << calls[2].constData();
+    EXPECT_TRUE(calls[3].endsWith("\t-c2000")) << calls[3].constData();
+}
+
+TEST(EncodeCommand, GivesEveryJobItsSourceAlsoWhenTitlesAreTheSame)
+{
+    const TestFolder folder;
+    for (const QString &name : {u"1/a.wav"_s, u"2/a.wav"_s, u"3/a.wav"_s})
+        writeWav(folder.path(name), {.seconds = 0.1});
+    const ProgramResult result =
+        runNurv({u"encode"_s, u"--json"_s, u"--format=tta"_s, u"--jobs=3"_s, u"--beside-source"_s, folder.path()});
+    EXPECT_EQ(result.exitStatus, 0) << result.errors.constData();
+    QStringList sources;
+    for (const QJsonObject &object : jsonLines(result.output)) {
+        if (object[u"type"_s] == u"job"_s)
+            sources.append(object[u"source"_s].toString());
+    }
+    sources.sort();
+    EXPECT_EQ(sources, (QStringList{folder.path(u"1/a.wav"_s), folder.path(u"2/a.wav"_s), folder.path(u"3/a.wav"_s)}));
 }
 
 TEST(EncodeCommand, AFailureIsNotLoggedBesidesItsLineAndItsReport)

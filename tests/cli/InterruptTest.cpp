@@ -55,7 +55,7 @@ TEST_F(Interrupt, OneCtrlCLetsTheRunningJobEndAndCancelsTheWaitingOnes)
     RunningNurv nurv(arguments());
     ASSERT_TRUE(waitForStart());
     nurv.sendSignal(SIGINT);
-    ASSERT_TRUE(nurv.waitForError("1 running job(s) are worked on to their end"));
+    ASSERT_TRUE(nurv.waitForError("1 running job(s) are coming to their end"));
     EXPECT_TRUE(nurv.waitForError("b.wav: Canceled\n"));
     folder.write(u"go"_s, "");
     const ProgramResult result = nurv.finish();
@@ -125,8 +125,8 @@ TEST_F(Interrupt, TheBatchObjectTellsWhatWasCanceled)
 TEST_F(Interrupt, AJobThatHangsInTheFileSystemIsNotWaitedForLong)
 {
     tools.addFake(u"shorten"_s, "exit=0");
-    tools.addFake(u"shntool"_s, "create=" + folder.path(u"started"_s).toUtf8()
-                                    + ";wait-file=" + folder.path(u"go"_s).toUtf8());
+    tools.addFake(u"shntool"_s,
+                  "create=" + folder.path(u"started"_s).toUtf8() + ";wait-file=" + folder.path(u"go"_s).toUtf8());
     RunningNurv nurv({u"encode"_s, u"--format=shn"_s, u"--md5"_s, u"--beside-source"_s, folder.path(u"a.wav"_s)});
     ASSERT_TRUE(waitForStart());
     // Whoever reads the output for its digest waits for a writer that never comes.

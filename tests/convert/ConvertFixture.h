@@ -67,7 +67,7 @@ protected:
         tab.executeCommand();
         EXPECT_TRUE(finish());
     }
-    /// The queued jobs that convert, in the order added.
+    /// The queued jobs that convert by one command, in the order added.
     [[nodiscard]] std::vector<std::shared_ptr<ConversionTask>> queuedConversions() const
     {
         std::vector<std::shared_ptr<ConversionTask>> tasks;

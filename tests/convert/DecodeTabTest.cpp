@@ -155,21 +155,5 @@ TEST_F(DecodeTabTest, KeepsOriginalsThatShareAnOutput)
     EXPECT_TRUE(tasks[2]->deleteOriginal());
 }
 
-TEST_F(DecodeTabTest, AnswersSourcesWithoutJobsBeforeAnyOtherQuestion)
-{
-    tab.deleteOriginalsButton.setOn(true);
-    for (const QString &source : {u"b.wv"_s, u"b.TTA"_s, u"b.m4a"_s, u"b.ape"_s}) {
-        prompts.expectAsk({.title = u"This format is not available yet"_s,
-                           .message = folder.path(source),
-                           .buttons = {u"OK"_s}},
-                          u"OK"_s);
-        press({u"a.flac"_s, source});
-        EXPECT_FALSE(tab.isAvailable());
-        EXPECT_EQ(queue().taskCount(), 0);
-        EXPECT_EQ(tab.fileNames().size(), 2);
-        tab.clearFiles();
-    }
-}
-
 } // namespace
 } // namespace nurv

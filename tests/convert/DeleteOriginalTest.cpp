@@ -179,6 +179,23 @@ TEST_F(DeleteOriginalTest, KeepsADamagedSourceThatWasDecodedThroughItsErrors)
     EXPECT_EQ(outputWindows.size(), 3);
 }
 
+TEST_F(DeleteOriginalTest, ShowsOnlyWhatTheDamagedFileOfABatchHasToTell)
+{
+    set(u"maxThreads", 1);
+    const QString good = test::writeFlac(folder.path(u"good.flac"_s));
+    QByteArray bytes = folder.read(u"good.flac"_s);
+    const QString broken = folder.write(u"broken.flac"_s, bytes.replace(26, 16, QByteArray(16, 'x')));
+    tools.addReal(u"flac"_s);
+    DecodeTab tab(controller);
+    tab.decodeFlacThroughErrors.setOn(true);
+    run(tab, {broken, good});
+    ASSERT_EQ(endedTasks.size(), 2U);
+    EXPECT_TRUE(endedTasks[0]->report().contains(u"MD5 signature mismatch"_s)) << qPrintable(endedTasks[0]->report());
+    EXPECT_EQ(endedTasks[1]->report(), QString());
+    ASSERT_EQ(outputWindows.size(), 1);
+    EXPECT_TRUE(outputWindows[0].contains(u"MD5 signature mismatch"_s)) << qPrintable(outputWindows[0]);
+}
+
 TEST_F(DeleteOriginalTest, KeepsATruncatedSourceThatWasEncoded)
 {
     const QString wav = folder.write(u"a.wav"_s, test::wavBytes({}).first(100'000));

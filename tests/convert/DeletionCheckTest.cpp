@@ -47,6 +47,13 @@ TEST_F(DeletionCheck, LetsAFileWithALittlePaddingGo)
     EXPECT_EQ(reasonFor(wavBytes(kSound) + QByteArray(4096, '\0')), std::nullopt);
 }
 
+TEST_F(DeletionCheck, KeepsAFileOfMoreChunksThanAnybodyReads)
+{
+    EXPECT_EQ(reasonFor(wavBytes(kSound, riffChunk("LIST", "").repeated(9000))), std::nullopt);
+    EXPECT_EQ(reasonFor(wavBytes(kSound, riffChunk("LIST", "").repeated(10'000))),
+              u"it has more parts than a sound file"_s);
+}
+
 TEST_F(DeletionCheck, KeepsATruncatedFile)
 {
     for (const QByteArray &whole : {wavBytes(kSound), aiffBytes(kSound)})

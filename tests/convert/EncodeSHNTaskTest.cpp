@@ -30,7 +30,7 @@ TEST_F(EncodeSHNTaskTest, ConvertsWavAndFlacSources)
     EXPECT_EQ(out.read(u"a b.shn"_s), test::FakeShorten::magic());
     for (const auto &task : endedTasks)
         EXPECT_EQ(task->topTextField().text, u"Complete");
-    EXPECT_TRUE(outputWindows.isEmpty());
+    EXPECT_TRUE(outputWindows.isEmpty()) << qPrintable(outputWindows.join(u'\n'));
 }
 
 TEST_F(EncodeSHNTaskTest, ShowsFiguresAndReportsLinesTwice)

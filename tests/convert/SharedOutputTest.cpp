@@ -115,6 +115,27 @@ TEST_F(SharedOutputTest, WaitsForNoOtherBatchButRefusesItsOutput)
     EXPECT_EQ(out.read(u"a.flac"_s), "mademade");
 }
 
+TEST_F(SharedOutputTest, ReplacesNoOtherFileOfTheListEvenWhenOutputsMayBeReplaced)
+{
+    const QString aiff = test::writeAiff(folder.path(u"a.aiff"_s), {.seed = 1});
+    const QString flac = test::writeFlac(folder.path(u"a.flac"_s), {.seed = 2});
+    const QByteArray sound = test::decodedMd5(flac);
+    EncodeTab tab(controller);
+    tab.sourceEncodeButton.setOn(true);
+    prompts.expectAsk(u"One of the output files already exists and will be overwritten.  "
+                      "Are you sure you want to continue?"_s,
+                      {u"No"_s, u"Yes"_s}, u"Yes"_s);
+    tab.addMatchedFiles({aiff, flac});
+    tab.executeCommand();
+    tasks = queuedConversions();
+    ASSERT_TRUE(finish());
+    ASSERT_EQ(tasks.size(), 2U);
+    EXPECT_TRUE(tasks[0]->error());
+    EXPECT_TRUE(tasks[0]->report().contains(u"is another file of the list"_s)) << qPrintable(tasks[0]->report());
+    EXPECT_FALSE(tasks[1]->error()) << "it is encoded in place";
+    EXPECT_EQ(test::decodedMd5(flac), sound);
+}
+
 TEST_F(SharedOutputTest, KeepsNamesApartThatOnlyLookTheSame)
 {
     const QString composed = u"Caf\u00e9"_s;

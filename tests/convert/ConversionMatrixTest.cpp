@@ -1,0 +1,230 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "convert/ConvertFixture.h"
+
+#include "platform/WorkerThreads.h"
+
+#include <QFileInfo>
+#include <QtEndian>
+
+#include <ostream>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+namespace {
+
+const QString kTitle = u"Ночь “8½”"_s;
+const QString kArtist = u"Ensemble & Söhne"_s;
+
+/// An APEv2 tag as it stands at the end of a file: items and a footer.
+QByteArray apeTag(const QList<std::pair<QByteArray, QString>> &items)
+{
+    const auto number = [](quint32 value) {
+        QByteArray bytes(4, Qt::Uninitialized);
+        qToLittleEndian(value, bytes.data());
+        return bytes;
+    };
+    QByteArray body;
+    for (const auto &[key, text] : items) {
+        const QByteArray value = text.toUtf8();
+        body += number(static_cast<quint32>(value.size())) + number(0) + key + '\0' + value;
+    }
+    return body + "APETAGEX" + number(2000) + number(static_cast<quint32>(body.size() + 32))
+           + number(static_cast<quint32>(items.size())) + number(0) + QByteArray(8, '\0');
+}
+
+void runOrFail(const QString &program, const QStringList &arguments)
+{
+    const test::ProgramResult result = test::runProgram(program, arguments);
+    ASSERT_EQ(result.exitStatus, 0) << qPrintable(program) << ' ' << result.errors.constData();
+}
+
+QString builtTool(const QString &name)
+{
+    return QString::fromLocal8Bit(NURV_BUILT_TOOLS) + u'/' + name;
+}
+
+/// Makes a tagged file of that kind by other programs than the conversion's own, but for
+/// Shorten and Monkey's Audio, which only the bundled ones write.
+void makeSource(const QString &path, const QString &kind, const test::SoundShape &shape)
+{
+    const QStringList tags{u"-metadata"_s, u"title="_s + kTitle, u"-metadata"_s, u"artist="_s + kArtist};
+    const QString wav = path + u".plain.wav"_s;
+    if (kind == u"WAV") {
+        test::writeWav(path, shape);
+    } else if (kind == u"AIFF") {
+        const QString codec = u"pcm_s%1be"_s.arg(shape.bits);
+        test::writeByFfmpeg(path, shape, QStringList{u"-c:a"_s, codec, u"-write_id3v2"_s, u"1"_s} + tags);
+    } else if (kind == u"FLAC" || kind == u"M4A") {
+        QStringList codec;
+        if (kind == u"M4A")
+            codec << u"-c:a"_s << u"alac"_s << u"-sample_fmt"_s << (shape.bits == 16 ? u"s16p"_s : u"s32p"_s);
+        test::writeByFfmpeg(path, shape, codec + tags);
+    } else if (kind == u"TTA") {
+        test::writeByFfmpeg(path, shape);
+    } else if (kind == u"WV") {
+        runOrFail(u"wavpack"_s, {u"-q"_s, u"-w"_s, u"Title="_s + kTitle, u"-w"_s, u"Artist="_s + kArtist,
+                                 test::writeWav(wav, shape), u"-o"_s, path});
+    } else if (kind == u"SHN") {
+        runOrFail(builtTool(u"shorten"_s), {test::writeWav(wav, shape), path});
+    } else if (kind == u"APE") {
+        runOrFail(builtTool(u"mac"_s), {test::writeWav(wav, shape), path, u"-c1000"_s});
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::Append));
+        file.write(apeTag({{"Title", kTitle}, {"Artist", kArtist}}));
+    }
+    ASSERT_TRUE(!QFile::exists(wav) || QFile::remove(wav));
+}
+
+/// What becomes of a source in a format.
+enum class Outcome {
+    Sound, ///< the samples, no tags
+    SoundAndTags,
+    Refused, ///< the program cannot read or write it: an error, and nothing is made
+};
+
+bool holds(const QStringList &list, const QString &word)
+{
+    return list.contains(word);
+}
+
+Outcome encodingOutcome(const QString &source, const QString &format, int bits)
+{
+    if (format == u"SHN") {
+        // Shorten knows 16 bits at most; shntool's reader of Apple Lossless is a program
+        // that nobody has, and today's WavPack files are too new for it.
+        return bits == 24 || source == u"M4A" || source == u"WV" ? Outcome::Refused : Outcome::Sound;
+    }
+    if (format == u"FLAC") {
+        if (source == u"TTA")
+            return Outcome::Refused;
+        return holds({u"WAV"_s, u"SHN"_s}, source) ? Outcome::Sound : Outcome::SoundAndTags;
+    }
+    if (format == u"M4A") {
+        // TTA has no decoder there, and the audio service does not read it.
+        if (source == u"TTA")
+            return Outcome::Refused;
+        return holds({u"FLAC"_s, u"AIFF"_s, u"WV"_s, u"APE"_s}, source) ? Outcome::SoundAndTags : Outcome::Sound;
+    }
+    // The other encoders read WAV. AIFF and Apple Lossless come to them as that.
+    if (source == u"M4A")
+        return format == u"TTA" ? Outcome::Sound : Outcome::SoundAndTags;
+    // What is WavPack already `wavpack` encodes anew, tags included.
+    if (source == u"WV" && format == u"WV")
+        return Outcome::SoundAndTags;
+    return holds({u"WAV"_s, u"AIFF"_s}, source) ? Outcome::Sound : Outcome::Refused;
+}
+
+Outcome decodingOutcome(const QString &source, const QString &format)
+{
+    return format == u"AIFF" && holds({u"FLAC"_s, u"M4A"_s}, source) ? Outcome::SoundAndTags : Outcome::Sound;
+}
+
+struct MatrixRow {
+    QString source;
+    int bits;
+};
+
+void PrintTo(const MatrixRow &row, std::ostream *stream)
+{
+    *stream << qPrintable(row.source) << row.bits;
+}
+
+class ConversionMatrixTest : public test::ConvertFixture, public ::testing::WithParamInterface<MatrixRow> {
+protected:
+    ConversionMatrixTest() { set(u"warnOnDelete", false); }
+
+    template<typename Tab>
+    void convert(Tab &tab, const QString &source, const QString &format, Outcome outcome)
+    {
+        SCOPED_TRACE(qPrintable(source.section(u'/', -1) + u" to "_s + format));
+        endedTasks.clear();
+        outputWindows.clear();
+        ASSERT_TRUE(tab.outputFormatMatrix.selectTitle(format));
+        run(tab, {source});
+        ASSERT_TRUE(test::waitUntil([] { return workerThreads::runningCount() == 0; }));
+        ASSERT_EQ(endedTasks.size(), 1U);
+        const NURVTask &task = *endedTasks[0];
+        const QString output = out.path(QFileInfo(source).completeBaseName() + u'.' + format.toLower());
+        ASSERT_TRUE(QFile::exists(source));
+        if (outcome == Outcome::Refused) {
+            EXPECT_TRUE(task.error()) << qPrintable(task.report());
+            EXPECT_EQ(task.topTextField().text, u"Error");
+            EXPECT_FALSE(task.report().section(u'\n', 1).trimmed().isEmpty()) << "the report says why";
+            EXPECT_EQ(out.list(), QStringList()) << qPrintable(task.report());
+            return;
+        }
+        EXPECT_EQ(task.topTextField().text, u"Complete") << qPrintable(task.report());
+        EXPECT_TRUE(outputWindows.isEmpty()) << qPrintable(outputWindows.join(u'\n'));
+        ASSERT_EQ(out.list(), QStringList{QFileInfo(output).fileName()}) << qPrintable(task.report());
+        EXPECT_TRUE(test::sameSound(source, output));
+        expectBits(output);
+        expectTags(output, outcome == Outcome::SoundAndTags);
+        ASSERT_TRUE(QFile::remove(output));
+    }
+
+private:
+    static void expectBits(const QString &output)
+    {
+        const auto facts = test::ffprobeStream(output);
+        const int raw = facts.value(u"bits_per_raw_sample"_s).toInt();
+        const int bits = raw != 0 ? raw : facts.value(u"bits_per_sample"_s).toInt();
+        // Of TTA and some others ffprobe knows only the width of the samples in memory.
+        const int expected = GetParam().bits;
+        if (bits != 0)
+            EXPECT_EQ(bits, expected);
+        else
+            EXPECT_EQ(facts.value(u"sample_fmt"_s).startsWith(u"s16"_s), expected == 16);
+    }
+    static void expectTags(const QString &output, bool hasTags)
+    {
+        const auto tags = test::ffprobeTags(output);
+        EXPECT_EQ(tags.value(u"title"_s), hasTags ? kTitle : QString());
+        EXPECT_EQ(tags.value(u"artist"_s), hasTags ? kArtist : QString());
+        if (hasTags && output.endsWith(u".flac"_s)) {
+            QStringList fields = test::metaflacTags(output);
+            EXPECT_TRUE(fields.contains(u"TITLE="_s + kTitle, Qt::CaseInsensitive)) << qPrintable(fields.join(u'\n'));
+            EXPECT_TRUE(fields.contains(u"ARTIST="_s + kArtist, Qt::CaseInsensitive));
+        }
+    }
+};
+
+class EncodingMatrixTest : public ConversionMatrixTest {};
+
+TEST_P(EncodingMatrixTest, ReachesEveryFormatThatItsProgramsKnow)
+{
+    const auto &[kind, bits] = GetParam();
+    const QString source = folder.path(u"Track 01."_s + kind.toLower());
+    makeSource(source, kind, {.bits = bits, .seconds = 3});
+    EncodeTab tab(controller);
+    for (const QString &format : {u"SHN"_s, u"FLAC"_s, u"APE"_s, u"WV"_s, u"TTA"_s, u"M4A"_s})
+        convert(tab, source, format, encodingOutcome(kind, format, bits));
+}
+
+class DecodingMatrixTest : public ConversionMatrixTest {};
+
+TEST_P(DecodingMatrixTest, ReachesWavAndAiff)
+{
+    const auto &[kind, bits] = GetParam();
+    const QString source = folder.path(u"Track 01."_s + kind.toLower());
+    makeSource(source, kind, {.bits = bits, .seconds = 3});
+    DecodeTab tab(controller);
+    for (const QString &format : {u"WAV"_s, u"AIFF"_s})
+        convert(tab, source, format, decodingOutcome(kind, format));
+}
+
+const auto kLossless = ::testing::Values(MatrixRow{u"FLAC"_s, 16}, MatrixRow{u"FLAC"_s, 24}, MatrixRow{u"SHN"_s, 16},
+                                         MatrixRow{u"WV"_s, 16}, MatrixRow{u"WV"_s, 24}, MatrixRow{u"TTA"_s, 16},
+                                         MatrixRow{u"TTA"_s, 24}, MatrixRow{u"APE"_s, 16}, MatrixRow{u"APE"_s, 24},
+                                         MatrixRow{u"M4A"_s, 16}, MatrixRow{u"M4A"_s, 24});
+
+INSTANTIATE_TEST_SUITE_P(Plain, EncodingMatrixTest,
+                         ::testing::Values(MatrixRow{u"WAV"_s, 16}, MatrixRow{u"WAV"_s, 24}, MatrixRow{u"AIFF"_s, 16},
+                                           MatrixRow{u"AIFF"_s, 24}),
+                         ::testing::PrintToStringParamName());
+INSTANTIATE_TEST_SUITE_P(Lossless, EncodingMatrixTest, kLossless, ::testing::PrintToStringParamName());
+INSTANTIATE_TEST_SUITE_P(Lossless, DecodingMatrixTest, kLossless, ::testing::PrintToStringParamName());
+
+} // namespace
+} // namespace nurv

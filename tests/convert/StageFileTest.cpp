@@ -1,0 +1,120 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "convert/StageFile.h"
+
+#include "platform/NurvFailure.h"
+#include "support/TestFolder.h"
+
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+#include <optional>
+
+#include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+namespace {
+
+TEST(StageFile, IsMadeEmptyInItsFolderAndGoesWithItsObject)
+{
+    const test::TestFolder folder;
+    {
+        const StageFile file(folder.path());
+        ASSERT_EQ(folder.list().size(), 1);
+        EXPECT_EQ(folder.path(folder.list()[0]), file.path());
+        EXPECT_TRUE(file.path().endsWith(u".wav"_s));
+        EXPECT_EQ(folder.read(folder.list()[0]), "");
+    }
+    EXPECT_TRUE(folder.list().isEmpty());
+}
+
+TEST(StageFile, StandsThatSomebodyElseRemovedIt)
+{
+    const test::TestFolder folder;
+    std::optional<StageFile> file(std::in_place, folder.path());
+    ASSERT_TRUE(QFile::remove(file->path()));
+    file.reset();
+    EXPECT_TRUE(folder.list().isEmpty());
+}
+
+TEST(StageFile, NamesTheFolderThatTakesNone)
+{
+    const test::TestFolder folder;
+    try {
+        const StageFile file(folder.path(u"gone"_s));
+        FAIL() << "made in a folder that is not there";
+    } catch (const NurvFailure &failure) {
+        EXPECT_TRUE(failure.reason().contains(folder.path(u"gone"_s))) << qPrintable(failure.reason());
+    }
+}
+
+TEST(StageFile, IsPrivateUntilItGetsThePermissionsOfNewFiles)
+{
+    const test::TestFolder folder;
+    const mode_t former = ::umask(027);
+    const StageFile file(folder.path());
+    struct stat facts = {};
+    EXPECT_EQ(::stat(QFile::encodeName(file.path()).constData(), &facts), 0);
+    EXPECT_EQ(facts.st_mode & 0777, 0600U);
+    file.grantUsualAccess();
+    EXPECT_EQ(::stat(QFile::encodeName(file.path()).constData(), &facts), 0);
+    EXPECT_EQ(facts.st_mode & 0777, 0640U);
+    ::umask(former);
+}
+
+TEST(StageFile, ReplacesAFileAndKeepsItsPermissions)
+{
+    const test::TestFolder folder;
+    const QString old = folder.write(u"a.m4a"_s, "old");
+    const auto permissions = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther;
+    ASSERT_TRUE(QFile::setPermissions(old, permissions));
+    {
+        StageFile file(folder.path(), u"m4a"_s);
+        QFile written(file.path());
+        ASSERT_TRUE(written.open(QIODevice::WriteOnly));
+        written.write("new");
+        written.close();
+        file.replace(old);
+    }
+    EXPECT_EQ(folder.list(), QStringList{u"a.m4a"_s});
+    EXPECT_EQ(folder.read(u"a.m4a"_s), "new");
+    EXPECT_EQ(QFile::permissions(old) & permissions, permissions);
+}
+
+TEST(StageFile, ReplacesTheFileThatALinkLeadsTo)
+{
+    const test::TestFolder folder;
+    const test::TestFolder other;
+    const QString target = other.write(u"a.m4a"_s, "old");
+    ASSERT_TRUE(QFile::link(target, folder.path(u"a.m4a"_s)));
+    StageFile(folder.path(), u"m4a"_s).replace(folder.path(u"a.m4a"_s));
+    EXPECT_EQ(other.read(u"a.m4a"_s), "");
+    EXPECT_EQ(QFile::symLinkTarget(folder.path(u"a.m4a"_s)), target);
+}
+
+TEST(StageFile, LeavesTheOtherFileWhenItCannotReplaceIt)
+{
+    const test::TestFolder folder;
+    folder.write(u"taken/x"_s, "mine");
+    {
+        StageFile file(folder.path());
+        EXPECT_THROW(file.replace(folder.path(u"taken"_s)), NurvFailure);
+    }
+    EXPECT_EQ(folder.list(), QStringList{u"taken/x"_s});
+}
+
+TEST(StageFile, StaysWhenItIsGivenUp)
+{
+    const test::TestFolder folder;
+    {
+        StageFile file(folder.path());
+        file.giveUp();
+    }
+    EXPECT_EQ(folder.list().size(), 1);
+}
+
+} // namespace
+} // namespace nurv

@@ -1,0 +1,265 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "convert/ToolOutputParsers.h"
+
+#include "convert/ToolStage.h"
+#include "convert/Transcript.h"
+
+#include <QRegularExpression>
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv::toolOutput {
+namespace {
+
+const QString kLabel = u"Doing: "_s;
+
+TEST(TwoStageParsers, ShowWavpackFigures)
+{
+    const ChunkReport report = parseWavpackEncoding(u"\b\b\b 45% done...\b\b\b"_s);
+    EXPECT_EQ(report.status, u"Encoding to Wavpack: 45.000000%"_s);
+    EXPECT_EQ(report.progress, 45.0);
+    EXPECT_EQ(report.results, u" 45% done...");
+    EXPECT_FALSE(report.repaintsTitle);
+}
+
+TEST(TwoStageParsers, LeaveTheStatusOfWavpackTextWithoutTheWordsBehindTheFigure)
+{
+    const ChunkReport report = parseWavpackEncoding(u"created a.wv in 0.01 secs (lossless, 88.18%)\n"_s);
+    EXPECT_FALSE(report.status);
+    EXPECT_FALSE(report.progress);
+    EXPECT_EQ(report.results, u"created a.wv in 0.01 secs (lossless, 88.18%)\n");
+}
+
+TEST(TwoStageParsers, ShowNoProgressForAWavpackLineThatBeginsWithText)
+{
+    const ChunkReport report = parseWavpackEncoding(u"creating a.wv,  45% done..."_s);
+    EXPECT_EQ(report.status, u"Encoding to Wavpack: 0.000000%"_s);
+    EXPECT_EQ(report.progress, 0.0);
+}
+
+TEST(TwoStageParsers, TakeTheFirstOfSeveralFigures)
+{
+    EXPECT_EQ(parseWavpackEncoding(u" 45% done...\b\b 46% done..."_s).progress, 45.0);
+    EXPECT_EQ(parseTta(u"Percent Progress: 45\b\b\b\bPercent Progress: 46"_s, kLabel).progress, 45.0);
+    EXPECT_EQ(
+        parseMonkeysAudio(u"Progress: 1.0% (9 seconds remaining, 9 x)Progress: 2.0% (8 seconds remaining, "_s, kLabel)
+            .progress,
+        1.0);
+}
+
+TEST(TwoStageParsers, ReportWavpackDecodingTwice)
+{
+    const ChunkReport report = parseWavpackDecoding(u"\b 7% done...\b"_s, u"Deoding From Wavpack: "_s);
+    EXPECT_EQ(report.status, u"Deoding From Wavpack: 7.000000%"_s);
+    EXPECT_EQ(report.results, u" 7% done... 7% done...");
+    EXPECT_EQ(parseWavpackDecoding(u"restored\n"_s, kLabel).results, u"restored\nrestored\n");
+    EXPECT_FALSE(parseWavpackDecoding(u"restored 5%\n"_s, kLabel).status);
+}
+
+TEST(TwoStageParsers, ReportTtaTwice)
+{
+    const ChunkReport report = parseTta(u"\b\bPercent Progress: 45\b"_s, u"Encoding to TTA: "_s);
+    EXPECT_EQ(report.status, u"Encoding to TTA: 45.000000%"_s);
+    EXPECT_EQ(report.progress, 45.0);
+    EXPECT_EQ(report.results, u"Percent Progress: 45Percent Progress: 45");
+    const ChunkReport other = parseTta(u"x: neither\n"_s, kLabel);
+    EXPECT_FALSE(other.status);
+    EXPECT_EQ(other.results, u"x: neither\nx: neither\n");
+    EXPECT_EQ(parseTta(u"Percent Progress: "_s, kLabel).status, u"Doing: 0.000000%"_s);
+    EXPECT_EQ(parseTta(u"Percent Progress: 45% of 100"_s, kLabel).progress, 45.0);
+}
+
+TEST(TwoStageParsers, ShowMonkeysAudioWithThreeBlanks)
+{
+    const ChunkReport report = parseMonkeysAudio(u"\rProgress: 45.2% (12.3 seconds remaining, 27.0 seconds total)   "_s,
+                                                 u"Encoding to Monkey's Audio"_s);
+    EXPECT_EQ(report.status, u"Encoding to Monkey's Audio: 45.2%   12.3 seconds remaining"_s);
+    EXPECT_EQ(report.progress, 45.2);
+    EXPECT_EQ(report.results, u"\rProgress: 45.2% (12.3 seconds remaining, 27.0 seconds total)   ");
+    EXPECT_FALSE(report.repaintsTitle);
+}
+
+TEST(TwoStageParsers, WantAllThreeMarksOfMonkeysAudio)
+{
+    for (const QString &text : {u"45.2% (12.3 seconds remaining, 27"_s, u"Progress: 45.2 (12.3 seconds remaining, 27"_s,
+                                u"Progress: 45.2% (12.3 seconds remaining"_s, u"Progress: 45.2%"_s, u""_s}) {
+        const ChunkReport report = parseMonkeysAudio(text, kLabel);
+        EXPECT_FALSE(report.status) << qPrintable(text);
+        EXPECT_EQ(report.results, text);
+    }
+}
+
+TEST(TwoStageParsers, StandMonkeysAudioMarksInTheWrongOrder)
+{
+    // Nothing here may read behind the text; what is shown is nobody's promise.
+    for (const QString &text : {u"% seconds remaining, Progress: "_s, u"% Progress: 5 seconds remaining, "_s,
+                                u"Progress:  seconds remaining, 5%"_s, u"Progress: % ( seconds remaining, "_s,
+                                u"seconds remaining, (5 Progress: %"_s}) {
+        const ChunkReport report = parseMonkeysAudio(text, kLabel);
+        ASSERT_TRUE(report.status);
+        EXPECT_TRUE(report.status->startsWith(u"Doing: "_s)) << qPrintable(*report.status);
+        EXPECT_TRUE(report.status->endsWith(u" seconds remaining"_s)) << qPrintable(*report.status);
+    }
+}
+
+TEST(TwoStageParsers, FillTheStatusOfShortenToWavForEveryChunk)
+{
+    EXPECT_EQ(parseShortenToWav(u" 45% \b\b\b"_s).status, u"Decoding to WAV: 45.000000%"_s);
+    EXPECT_EQ(parseShortenToWav(u" 45% "_s).progress, 45.0);
+    const ChunkReport none = parseShortenToWav(u"\b\b"_s);
+    EXPECT_EQ(none.status, u"Decoding to WAV: -1.000000%"_s);
+    EXPECT_EQ(none.progress, -1.0);
+    EXPECT_EQ(none.results, u"");
+}
+
+TEST(TwoStageParsers, ReportShortenToWavLikeAnyConversionByShntool)
+{
+    EXPECT_EQ(parseShortenToWav(u"Converting [a.shn] : "_s).results, u"Converting [a.shn] Converting [a.shn] : ");
+    EXPECT_EQ(parseShortenToWav(u"100% OK\n"_s).results, u"100% OK\n100% OK\n");
+    EXPECT_EQ(parseShortenToWav(u"ERROR\n"_s).results, u"ERROR\nERROR\n");
+    EXPECT_EQ(parseShortenToWav(u" 5% "_s).results, u" 5% ");
+}
+
+TEST(TwoStageParsers, ShowFlacToWavOnlyWithABlankBehindTheFigure)
+{
+    EXPECT_EQ(parseFlacToWav(u"x.flac: 45% complete"_s).status, u"Decoding to WAV: 45.000000%"_s);
+    EXPECT_EQ(parseFlacToWav(u"\b\b46% complete\n"_s).progress, 46.0);
+    EXPECT_FALSE(parseFlacToWav(u"x.flac: 45% \n"_s).status);
+    EXPECT_EQ(parseFlacToWav(u" x.flac: done\n"_s).results, u"x.flac: done");
+    EXPECT_TRUE(parseFlacToWav(u"x"_s).repaintsTitle);
+}
+
+TEST(TwoStageParsers, ReportNothingOfMonkeysAudioToWav)
+{
+    const ChunkReport report = parseMonkeysAudioToWav(u"Progress: 45.2% (12 seconds remaining, 27 seconds total)"_s);
+    EXPECT_EQ(report.status, u"Decoding to WAV: 45.2%   12 seconds remaining"_s);
+    EXPECT_EQ(report.results, QString());
+    EXPECT_TRUE(report.repaintsTitle);
+}
+
+TEST(TwoStageParsers, ReportWavpackToWavTwice)
+{
+    EXPECT_EQ(parseWavpackToWav(u"\b 7% done...\b"_s).status, u"Decoding to WAV: 7.000000%"_s);
+    EXPECT_EQ(parseWavpackToWav(u"x"_s).results, u"xx");
+}
+
+struct Recording {
+    QString name;
+    ToolStage stage;
+    QString label;
+    QString figure; ///< a regular expression, its first group the number
+    /// Whether chunks whose figure does not stand first show 0.
+    bool figureMustStandFirst;
+};
+
+std::vector<Recording> recordings()
+{
+    const QString in = u"/i"_s;
+    const QString out = u"/o"_s;
+    const QString wavpack = u"(\\d+)% done"_s;
+    const QString tta = u"Percent Progress: (\\d+)"_s;
+    const QString mac = u"Progress: ([\\d.]+)%"_s;
+    return {
+        {u"wavpack-encode"_s, toolStages::encodeWavpack(u"-f"_s, in, out), u"Encoding to Wavpack: "_s, wavpack, true},
+        {u"wavpack-cut"_s, toolStages::encodeWavpack(u"-f"_s, in, out), u"Encoding to Wavpack: "_s, wavpack, true},
+        {u"wvunpack"_s, toolStages::decodeWavpack(in, false, out), u"Deoding From Wavpack: "_s, wavpack, true},
+        {u"wvunpack"_s, toolStages::wavpackToWavForFlac(in, out), u"Decoding From Wavpack "_s, wavpack, true},
+        {u"wvunpack"_s, toolStages::wavpackToWav(in, out), u"Decoding to WAV: "_s, wavpack, true},
+        {u"ttaenc-encode"_s, toolStages::encodeTta(in, out), u"Encoding to TTA: "_s, tta, false},
+        {u"ttaenc-decode"_s, toolStages::decodeTta(in, out), u"Decoding From TTA: "_s, tta, false},
+        {u"mac-encode"_s, toolStages::encodeMonkeysAudio(u"2000"_s, in, out), u"Encoding to Monkey's Audio: "_s, mac,
+         false},
+        {u"mac-decode"_s, toolStages::decodeMonkeysAudio(in, out), u"Decoding from Monkey's Audio: "_s, mac, false},
+        {u"mac-decode"_s, toolStages::monkeysAudioToWav(in, out), u"Decoding to WAV: "_s, mac, false},
+        {u"flac-decode"_s, toolStages::flacToWav(in, out), u"Decoding to WAV: "_s, u"(\\d+)% "_s, false},
+    };
+}
+
+TEST(TwoStageParsers, FollowRecordedRunsChunkByChunk)
+{
+    for (const Recording &recording : recordings()) {
+        SCOPED_TRACE(qPrintable(recording.name));
+        const QRegularExpression figure(recording.figure);
+        const QList<QByteArray> chunks = test::transcriptChunks(recording.name);
+        ASSERT_FALSE(chunks.isEmpty());
+        int figuresSeen = 0;
+        for (const QByteArray &chunk : chunks) {
+            const QString text = QString::fromUtf8(chunk);
+            const ChunkReport report = recording.stage.parse(text);
+            const auto match = figure.match(text);
+            ASSERT_EQ(report.status.has_value(), match.hasMatch()) << chunk.constData();
+            if (!report.status)
+                continue;
+            EXPECT_TRUE(report.status->startsWith(recording.label)) << qPrintable(*report.status);
+            const bool standsFirst = QString(text).remove(u'\b').trimmed().indexOf(match.captured(1)) == 0;
+            EXPECT_EQ(report.progress,
+                      recording.figureMustStandFirst && !standsFirst ? 0.0 : match.captured(1).toDouble())
+                << chunk.constData();
+            ++figuresSeen;
+        }
+        EXPECT_GT(figuresSeen, 2);
+    }
+}
+
+TEST(TwoStageParsers, FollowARecordedNamedConversionOfShntool)
+{
+    QString reported;
+    double highest = 0.0;
+    for (const QByteArray &chunk : test::transcriptChunks(u"shntool-conv-named"_s)) {
+        const ChunkReport report = parseShortenToWav(QString::fromUtf8(chunk));
+        ASSERT_TRUE(report.status);
+        EXPECT_EQ(*report.status == u"Decoding to WAV: -1.000000%", !chunk.contains('%')) << chunk.constData();
+        highest = std::max(highest, *report.progress);
+        reported += report.results;
+    }
+    EXPECT_EQ(highest, 100.0);
+    EXPECT_TRUE(reported.contains(u"OK\nOK\n"_s));
+}
+
+TEST(TwoStageParsers, StandEveryCutOfARecordedRun)
+{
+    std::vector<Recording> all = recordings();
+    all.push_back(
+        {u"shntool-conv-named"_s, toolStages::shortenToWav(u"/i"_s, u"/o"_s), u"Decoding to WAV: "_s, {}, false});
+    for (const Recording &recording : all) {
+        const QByteArray whole = test::transcriptChunks(recording.name).join();
+        for (qsizetype cut = 0; cut <= whole.size(); ++cut) {
+            for (const QByteArray &half : {whole.first(cut), whole.sliced(cut)}) {
+                const ChunkReport report = recording.stage.parse(QString::fromUtf8(half));
+                ASSERT_EQ(report.status.has_value(), report.progress.has_value());
+                if (!report.status)
+                    continue;
+                ASSERT_TRUE(report.status->startsWith(recording.label)) << qPrintable(*report.status);
+                ASSERT_GE(*report.progress, -1.0);
+                ASSERT_LE(*report.progress, 100.0) << "cut at " << cut << " of " << qPrintable(recording.name);
+            }
+        }
+    }
+}
+
+TEST(TwoStageParsers, SeeNoFailureInRecordedRunsThatEndedWell)
+{
+    for (const Recording &recording : recordings()) {
+        const QString whole = QString::fromUtf8(test::transcriptChunks(recording.name).join());
+        EXPECT_FALSE(recording.stage.tellsOfError && recording.stage.tellsOfError(whole)) << qPrintable(recording.name);
+    }
+}
+
+TEST(TwoStageParsers, SeeTheMarkersInRecordedRuns)
+{
+    for (const auto &[name, stage] :
+         {std::pair{u"wavpack-question"_s, toolStages::encodeWavpack(u"-f"_s, u"/i"_s, u"/o"_s)},
+          std::pair{u"wvunpack-question"_s, toolStages::decodeWavpack(u"/i"_s, false, u"/o"_s)},
+          std::pair{u"mac-error"_s, toolStages::encodeMonkeysAudio(u"2000"_s, u"/i"_s, u"/o"_s)}}) {
+        const QString whole = QString::fromUtf8(test::transcriptChunks(name).join());
+        EXPECT_TRUE(stage.tellsOfError(whole)) << qPrintable(name);
+    }
+}
+
+} // namespace
+} // namespace nurv::toolOutput
