@@ -105,6 +105,23 @@ void showPages(NURVController &controller, MainWindow &window, const QDir &folde
     save(window, folder.filePath(u"about-%1.png"_s.arg(suffix)));
 }
 
+/// Every format with its options, a picture each.
+void showFormats(EncodeTab &encodeTab, DecodeTab &decodeTab, MainWindow &window, const QDir &folder,
+                 const QString &suffix)
+{
+    NURVController &controller = encodeTab.nurvController();
+    controller.selectTab(u"encode"_s);
+    for (const QString &format : {u"SHN"_s, u"WV"_s, u"FLAC"_s, u"TTA"_s, u"APE"_s, u"M4A"_s}) {
+        encodeTab.outputFormatMatrix.selectTitle(format);
+        save(window, folder.filePath(u"encode-%1-%2.png"_s.arg(format.toLower(), suffix)));
+    }
+    controller.selectTab(u"decode"_s);
+    for (const QString &format : {u"WAV"_s, u"AIFF"_s}) {
+        decodeTab.outputFormatMatrix.selectTitle(format);
+        save(window, folder.filePath(u"decode-%1-%2.png"_s.arg(format.toLower(), suffix)));
+    }
+}
+
 void showRows(NURVTaskQueue &queue, StatusWindow &status, const QDir &folder, const QString &suffix)
 {
     std::vector<std::shared_ptr<JobInState>> jobs;
@@ -167,6 +184,7 @@ int render(const QDir &folder, const QString &suffix)
     EncodeTab encodeTab(controller);
     MainWindow window(controller);
     showPages(controller, window, folder, suffix);
+    showFormats(encodeTab, decodeTab, window, folder, suffix);
     showRows(controller.taskQueue(), *window.statusWindow(), folder, suffix);
     showOutput(prompts, folder, suffix);
     return 0;
