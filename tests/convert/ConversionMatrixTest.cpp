@@ -172,10 +172,11 @@ private:
         const int bits = raw != 0 ? raw : facts.value(u"bits_per_sample"_s).toInt();
         // Of TTA and some others ffprobe knows only the width of the samples in memory.
         const int expected = GetParam().bits;
-        if (bits != 0)
+        if (bits != 0) {
             EXPECT_EQ(bits, expected);
-        else
+        } else {
             EXPECT_EQ(facts.value(u"sample_fmt"_s).startsWith(u"s16"_s), expected == 16);
+        }
     }
     static void expectTags(const QString &output, bool hasTags)
     {

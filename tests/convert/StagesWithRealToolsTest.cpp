@@ -244,8 +244,9 @@ TEST_F(StagesWithRealToolsTest, NamesTheEncodingToolInEveryAppleLosslessFile)
         const auto tags = test::ffprobeTags(task->outputFile());
         EXPECT_TRUE(tags.value(u"encoder"_s).contains(u"QuickTime 7.6.5"_s))
             << qPrintable(source + u": "_s + tags.value(u"encoder"_s));
-        if (source != wv)
+        if (source != wv) {
             EXPECT_FALSE(tags.contains(u"title"_s));
+        }
     }
     AACTagsHelper::setQuickTimeVersionProvider({});
 }
