@@ -91,11 +91,16 @@ std::optional<QString> Conversion::takeOutput()
     if (const std::optional<QString> refusal = m_claim.take(outputFile(), fileName(), m_batch.get()))
         return u"%1: %2\n"_s.arg(fileName(), *refusal);
     m_sourceBefore = factsOf(fileName());
+    lookAtOutput();
+    return std::nullopt;
+}
+
+void Conversion::lookAtOutput()
+{
     m_outputBefore = factsOf(outputFile());
     // A link that leads nowhere has the name all the same.
     if (!m_outputBefore && isThere(outputFile()))
         m_outputBefore.emplace();
-    return std::nullopt;
 }
 
 bool Conversion::outputIsSource() const

@@ -52,6 +52,8 @@ protected:
     /// Takes the output for this job and looks at what is there now. GUI thread. Returns
     /// why it is not to be had: another job makes it, or it is another source of the batch.
     [[nodiscard]] std::optional<QString> takeOutput();
+    /// Looks again, right before the output is made: what came there since is somebody else's.
+    void lookAtOutput();
     /// Before the queue is told of the end and starts further jobs.
     void releaseOutput() { m_claim.release(); }
 

@@ -46,12 +46,19 @@ void TwoStageTask::runTool(const ToolStage &stage)
 {
     if (cancelled())
         return;
+    if (stage.arguments.contains(m_outFile)) {
+        lookAtOutput();
+        m_hasBegunOutput = true;
+    }
     QString recent;
     const auto takeText = [&](const QString &chunk) {
         keepForReport(chunk);
         showChunk(stage.parse(chunk));
         // A marker can be spread over two chunks.
         recent += chunk;
+        // What it asks about is not its own.
+        if (toolOutput::asksToOverwrite(recent))
+            m_hasBegunOutput = false;
         if (stage.tellsOfError && stage.tellsOfError(recent))
             setError(true);
         recent = recent.right(toolOutput::kLongestErrorMarker);
@@ -108,6 +115,7 @@ bool TwoStageTask::convertAudio(const QString &source, const QString &file, Four
 
 void TwoStageTask::convertToOutput(const QString &source, FourCharCode formatType, FourCharCode fileType)
 {
+    lookAtOutput();
     if (outputExisted()) {
         StageFile beside(m_outputPath, pathExtension(m_outFile));
         if (!convertAudio(source, beside.path(), formatType, fileType))
@@ -142,10 +150,8 @@ void TwoStageTask::stopTask()
 
 void TwoStageTask::settle()
 {
-    // What a program left that did not come to its own end, or that read the half of its
-    // input, is no output; and what was there before is not the program's.
-    if (m_isHalfMade && (!outputExisted() || hasTouchedOutput()))
-        removeHalfMade(m_outFile);
+    if (m_isHalfMade && m_hasBegunOutput)
+        settleHalfMadeOutput();
     if (m_failsAtStop && !cancelled())
         setError(true);
     if (!cancelled() && !error() && !hasMadeOutput())
@@ -158,6 +164,16 @@ void TwoStageTask::settle()
         failWith(QString::fromUtf8(failure.what()));
     }
     flushOutput();
+}
+
+void TwoStageTask::settleHalfMadeOutput()
+{
+    // What a program left that did not come to its own end, or that read the half of its
+    // input, is no output; what was there before it began is not the program's.
+    if (!outputExisted())
+        removeHalfMade(m_outFile);
+    else if (hasTouchedOutput() && !cancelled())
+        failWith(u"%1: what its program left of the output is not whole\n"_s.arg(fileName()));
 }
 
 void TwoStageTask::flushOutput()

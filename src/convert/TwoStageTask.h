@@ -74,11 +74,13 @@ protected:
 private:
     void takeEnding(const ToolStage &stage, const ToolRunSync::Ending &ending);
     void settle();
+    void settleHalfMadeOutput();
     void flushOutput();
 
     QString m_outputPath;
     QString m_outFile;
     bool m_hasBegun = false;
+    bool m_hasBegunOutput = false; ///< by a program
     bool m_isHalfMade = false;
     bool m_failsAtStop = false;
 };

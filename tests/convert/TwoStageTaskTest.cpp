@@ -151,6 +151,40 @@ TEST_F(TwoStageTaskTest, EndsAProgramThatAsksWhetherToOverwrite)
     EXPECT_TRUE(task->report().contains(u"(yes/no/all)?"_s));
 }
 
+TEST_F(TwoStageTaskTest, LeavesWhatCameMeanwhileToWhoeverMadeIt)
+{
+    const QString wav = test::writeWav(folder.path(u"a.wav"_s));
+    const QByteArray question = ";out=overwrite a.wv (yes/no/all)? ;hang";
+    setFake(u"wavpack"_s, "append=" + out.path(u"a.wv"_s).toUtf8() + ":somebody's" + question);
+    EXPECT_TRUE(runJob(makeEncoder(wav, u"WV"_s))->error());
+    EXPECT_EQ(out.read(u"a.wv"_s), "somebody's");
+    // A file that was there, and is another one now.
+    setFake(u"wavpack"_s,
+            "create=" + folder.path(u"waits"_s).toUtf8() + ";wait-file=" + folder.path(u"go-on"_s).toUtf8() + question);
+    const auto task = makeEncoder(wav, u"WV"_s);
+    queue().addTask(task);
+    ASSERT_TRUE(test::waitUntil([&] { return folder.exists(u"waits"_s); }));
+    out.remove(u"a.wv"_s);
+    ASSERT_TRUE(QFile::rename(out.write(u"new"_s, "tagged anew"), out.path(u"a.wv"_s)));
+    folder.write(u"go-on"_s, "");
+    ASSERT_TRUE(finish());
+    EXPECT_TRUE(task->error());
+    EXPECT_EQ(out.read(u"a.wv"_s), "tagged anew");
+}
+
+TEST_F(TwoStageTaskTest, FailsWhenAKilledProgramHasTouchedAnOutputThatWasThere)
+{
+    const QString wav = test::writeWav(folder.path(u"a.wav"_s));
+    out.write(u"a.tta"_s, "old");
+    setFake(u"ttaenc"_s, "append=@-1:half;signal=9");
+    const auto task = makeEncoder(wav, u"TTA"_s);
+    task->setDeleteOriginal(true);
+    runJob(task);
+    EXPECT_TRUE(task->error());
+    EXPECT_TRUE(task->report().contains(u"not whole"_s)) << qPrintable(task->report());
+    EXPECT_TRUE(folder.exists(u"a.wav"_s));
+}
+
 TEST_F(TwoStageTaskTest, EndsAnUnpackerThatAsksForEver)
 {
     const QString wv = folder.write(u"a.wv"_s, "wvpk");
