@@ -9,6 +9,7 @@
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskResults.h"
 #include "platform/GuiThread.h"
+#include "platform/NurvFailure.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -162,7 +163,7 @@ void Conversion::keepForReport(const QString &text)
     // A marker can be spread over two chunks.
     const qsizetype fresh = std::min(m_ownText.size(), text.size() + toolOutput::kLongestDamageMarker);
     if (toolOutput::tellsOfDamage(QStringView(m_ownText).last(fresh)))
-        doubtSource(u"its program told of damage"_s);
+        noteDamage(u"its program told of damage"_s);
     if (m_ownText.size() > kLongestReport)
         m_ownText.remove(0, m_ownText.size() - kLongestReport);
 }
@@ -189,12 +190,20 @@ void Conversion::doubtSource(const QString &reason)
         m_batch->toldOfDamage = true;
 }
 
+void Conversion::noteDamage(const QString &reason)
+{
+    m_isDamaged = true;
+    doubtSource(reason);
+}
+
 std::optional<QString> Conversion::reasonToKeepOriginal() const
 {
     if (const std::optional<QString> reason = reasonToKeepSource(fileName(), outputFile()))
         return reason;
     if (const auto now = factsOf(fileName()); !m_sourceBefore || !now || !isUntouched(*m_sourceBefore, *now))
         return u"it has changed since the job began"_s;
+    if (m_claim.isSourceReadByOthers())
+        return u"another job converts it, too"_s;
     if (!hasTouchedOutput())
         return u"its output was there before"_s;
     if (m_doubt)
@@ -215,6 +224,13 @@ void Conversion::deleteSourceIfDone()
         return;
     }
     Util::deleteFile(fileName());
+}
+
+void Conversion::checkThatSourceIsThere() const
+{
+    // The tags of a file that is gone read as blank.
+    if (!isThere(fileName()))
+        throw NurvFailure(u"%1 is gone"_s.arg(fileName()));
 }
 
 bool Conversion::sharesSetWithDamage() const

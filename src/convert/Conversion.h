@@ -85,8 +85,11 @@ protected:
     /// The source may be more than what the output has of it: it stays, and the report
     /// is shown although the job did not fail. `reason` ends the sentence "kept, since".
     void doubtSource(const QString &reason);
-    /// Whether the source was doubted.
-    [[nodiscard]] bool hasDoubt() const { return m_doubt.has_value(); }
+    /// The same for a source that is damaged.
+    void noteDamage(const QString &reason);
+    [[nodiscard]] bool isDamaged() const { return m_isDamaged; }
+    /// Before its tags are copied: throws NurvFailure when it is not.
+    void checkThatSourceIsThere() const;
     /// The output could not take the tags.
     void keepSourceForItsTags() { m_sourceHasTheOnlyTags = true; }
     /// The output has been written through to the disk.
@@ -111,6 +114,7 @@ private:
     std::optional<struct stat> m_sourceBefore;
     std::optional<struct stat> m_outputBefore;
     std::optional<QString> m_doubt;
+    bool m_isDamaged = false;
     bool m_deleteOriginal = false;
     bool m_outputIsOnDisk = false;
     bool m_sourceHasTheOnlyTags = false;

@@ -111,6 +111,7 @@ void ConversionTask::copyTags(const std::function<void()> &copy)
     if (!hasOutput)
         return;
     try {
+        checkThatSourceIsThere();
         copy();
     } catch (const NurvFailure &failure) {
         qCWarning(convertLog).noquote() << "Tags not copied:" << fileName() << "->" << outputFile() << ':'

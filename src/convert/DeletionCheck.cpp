@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QtEndian>
 
+#include <cerrno>
 #include <cstdint>
 
 #include <fcntl.h>
@@ -101,10 +102,17 @@ private:
     std::optional<qint64> m_dataSize; ///< from the ds64 chunk
 };
 
+/// Leaves the reason of a failure in errno.
 bool flush(const QString &path, int flags)
 {
-    const FileDescriptor file(::open(QFile::encodeName(path).constData(), flags | O_CLOEXEC));
-    return file.isOpen() && ::fsync(file.get()) == 0;
+    int error = 0;
+    {
+        const FileDescriptor file(::open(QFile::encodeName(path).constData(), flags | O_CLOEXEC));
+        if (!file.isOpen() || ::fsync(file.get()) != 0)
+            error = errno;
+    }
+    errno = error;
+    return error == 0;
 }
 
 } // namespace
@@ -120,9 +128,20 @@ std::optional<QString> reasonToKeepSource(const QString &source, const QString &
     return ChunkWalk(source).findDisagreement();
 }
 
+bool flushFileToDisk(const QString &path)
+{
+    return flush(path, O_RDONLY);
+}
+
+bool flushFolderToDisk(const QString &path)
+{
+    // Some file systems keep folders by themselves.
+    return flush(path, O_RDONLY | O_DIRECTORY) || errno == EINVAL || errno == ENOTSUP;
+}
+
 bool flushToDisk(const QString &path)
 {
-    return flush(path, O_RDONLY) && flush(folderOf(path), O_RDONLY | O_DIRECTORY);
+    return flushFileToDisk(path) && flushFolderToDisk(folderOf(path));
 }
 
 } // namespace nurv

@@ -35,11 +35,11 @@ struct ActiveFiles {
 };
 
 /// Whether the folder lies on a disk that takes "Song" and "song" for one name: those of
-/// cameras and sticks, Windows disks and shares. The numbers are those of statfs(2).
+/// cameras and sticks, of Windows and the Mac, shares, and maybe any in user space. The numbers are those of statfs(2).
 bool ignoresCase(const QString &folder)
 {
-    constexpr std::array<unsigned long, 7> kSystems{0x4D44,     0x2011BAB0, 0x5346544E, 0x7366746E,
-                                                    0xFF534D42, 0xFE534D42, 0x65735546};
+    constexpr std::array<unsigned long, 11> kSystems{0x4D44, 0x2011BAB0, 0x5346544E, 0x7366746E, 0xFF534D42, 0xFE534D42,
+                                                     0x517B, 0x65735546, 0x482B,     0x786F4256, 0x01021997};
     struct statfs facts = {};
     return ::statfs(QFile::encodeName(folder).constData(), &facts) == 0
            && std::find(kSystems.begin(), kSystems.end(), static_cast<unsigned long>(facts.f_type)) != kSystems.end();
@@ -47,6 +47,9 @@ bool ignoresCase(const QString &folder)
 
 QString placeOf(const QString &file)
 {
+    const QString real = QFileInfo(file).canonicalFilePath();
+    if (!real.isEmpty())
+        return ignoresCase(folderOf(real)) ? foldedName(real) : real;
     const QString folder = QFileInfo(folderOf(file)).canonicalFilePath();
     // A folder that is not there has no other name either.
     if (folder.isEmpty())
@@ -85,6 +88,13 @@ std::optional<QString> OutputClaim::take(const QString &output, const QString &s
     m_place = place;
     m_sourcePlace = sourcePlace;
     return std::nullopt;
+}
+
+bool OutputClaim::isSourceReadByOthers() const
+{
+    ActiveFiles &active = ActiveFiles::instance();
+    const std::scoped_lock lock(active.lock);
+    return active.readersOfPlace.value(m_sourcePlace) > (m_place.isEmpty() ? 0 : 1);
 }
 
 void OutputClaim::release()

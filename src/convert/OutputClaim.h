@@ -40,6 +40,8 @@ public:
     /// still one folder, and where a disk takes two spellings for one name, so does
     /// this. At most once.
     [[nodiscard]] std::optional<QString> take(const QString &output, const QString &source, ConversionBatch *batch);
+    /// Whether another job converts the source as well. Also after `release`.
+    [[nodiscard]] bool isSourceReadByOthers() const;
     /// Gives the output back to other batches; in its own batch it stays taken.
     void release();
 

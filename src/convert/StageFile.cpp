@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "convert/StageFile.h"
 
+#include "app/PathNames.h"
 #include "app/Util.h"
 #include "convert/ConvertLog.h"
 #include "convert/DeletionCheck.h"
@@ -14,6 +15,7 @@
 #include <errno.h>
 #include <stdio.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -75,10 +77,25 @@ void StageFile::replace(const QString &path)
         static_cast<void>(::chmod(from.constData(), former.st_mode & 07777));
     else
         grantUsualAccess();
-    if (!flushToDisk(m_path))
-        throw NurvFailure(u"%1 could not be replaced: the new file could not be written to the disk\n"_s.arg(path));
-    if (::rename(from.constData(), to.constData()) != 0)
+    if (!flushFileToDisk(m_path) || ::rename(from.constData(), to.constData()) != 0)
         throw NurvFailure(u"%1 could not be replaced: %2\n"_s.arg(path, systemErrorText(errno)));
+    if (!flushFolderToDisk(folderOf(place)))
+        qCWarning(convertLog).noquote() << "Maybe not on the disk yet:" << path << systemErrorText(errno);
+}
+
+void StageFile::place(const QString &path)
+{
+    const QByteArray from = QFile::encodeName(m_path);
+    const QByteArray to = QFile::encodeName(path);
+    grantUsualAccess();
+    if (::link(from.constData(), to.constData()) == 0)
+        return;
+    // A disk without second names cannot promise more.
+    struct stat present = {};
+    const int error = errno;
+    const bool isFree = error != EEXIST && ::lstat(to.constData(), &present) != 0;
+    if (!isFree || ::rename(from.constData(), to.constData()) != 0)
+        throw NurvFailure(u"%1 could not be made: %2\n"_s.arg(path, systemErrorText(isFree ? errno : EEXIST)));
 }
 
 } // namespace nurv

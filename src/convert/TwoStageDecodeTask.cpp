@@ -35,7 +35,8 @@ void TwoStageDecodeTask::decodeThroughTemporaryWav(const StageFor &stageFor)
 void TwoStageDecodeTask::decodeThroughWav(const QString &wav, const StageFor &stageFor)
 {
     OutputClaim claim;
-    if (isThere(wav) || claim.take(wav, fileName(), nullptr)) {
+    // In this order: what another job made and let go of before is seen then.
+    if (claim.take(wav, fileName(), nullptr) || isThere(wav)) {
         decodeThroughTemporaryWav(stageFor);
         return;
     }

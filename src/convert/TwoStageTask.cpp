@@ -80,7 +80,7 @@ void TwoStageTask::takeEnding(const ToolStage &stage, const ToolRunSync::Ending 
     // Who ended it knows why.
     if (ending.wasStopped || ending.succeeded() || cancelled())
         return;
-    doubtSource(u"its program failed"_s);
+    noteDamage(u"its program failed"_s);
     if (stage.looksAtExitStatus)
         m_failsAtStop = true;
     if (ending.exit->signal != 0) {
@@ -115,18 +115,17 @@ bool TwoStageTask::convertAudio(const QString &source, const QString &file, Four
 
 void TwoStageTask::convertToOutput(const QString &source, FourCharCode formatType, FourCharCode fileType)
 {
+    // Beside the output, so that nobody else's file is cut or mistaken for a finished one.
+    StageFile beside(m_outputPath, pathExtension(m_outFile));
+    if (!convertAudio(source, beside.path(), formatType, fileType))
+        return;
     lookAtOutput();
-    if (outputExisted()) {
-        StageFile beside(m_outputPath, pathExtension(m_outFile));
-        if (!convertAudio(source, beside.path(), formatType, fileType))
-            return;
-        if (error() || hasDoubt())
-            failWith(u"%1 stays as it was: what was to replace it is not whole\n"_s.arg(m_outFile));
-        else
-            beside.replace(m_outFile);
-    } else if (!convertAudio(source, m_outFile, formatType, fileType)) {
-        removeHalfMade(m_outFile);
-    }
+    if (!outputExisted())
+        beside.place(m_outFile);
+    else if (error() || isDamaged())
+        failWith(u"%1 stays as it was: what was to replace it is not whole\n"_s.arg(m_outFile));
+    else
+        beside.replace(m_outFile);
 }
 
 void TwoStageTask::refuseOutputThatBegins(const QByteArray &bytes)
@@ -205,6 +204,7 @@ void TwoStageTask::copyTags(const QString &complaint, const std::function<void()
         failWith(complaint + reason);
     };
     try {
+        checkThatSourceIsThere();
         copy();
     } catch (const NurvFailure &failure) {
         complain(failure.reason());

@@ -3,7 +3,6 @@
 #include "platform/AudioFileHeader.h"
 
 #include "platform/LibAv.h"
-#include "platform/Mpeg4Timing.h"
 #include "platform/SystemError.h"
 
 #include <QFile>
@@ -26,9 +25,10 @@ namespace {
 // of a frame.
 constexpr std::int64_t kMostFrames = std::int64_t{1} << 48;
 constexpr int kProbeSize = 32 * 1024;
+constexpr int kMostStreams = 64;
 // A file of a few kilobytes can announce millions of packets in every track, and memory is
-// taken for each.
-constexpr int kMostStreams = 8;
+// taken for each. Pictures are no tracks.
+constexpr int kMostTracks = 8;
 // The containers of the formats that the audio service reads; none of them is a
 // play list, so no file leads to another.
 constexpr char kContainers[] = "wav,aiff,mov,caf,flac,mp3,aac,ac3,au";
@@ -196,6 +196,11 @@ AudioFileStatus AudioFileHeader::open(const QString &path, QString &reason, Edit
         return AudioFileStatus::InvalidFile;
     }
 
+    if (Mpeg4Timing::trackCount(byteReader(), m_facts.st_size) > kMostTracks) {
+        reason = u"it has too many tracks"_s;
+        return AudioFileStatus::InvalidFile;
+    }
+
     m_handles->io = libAv::makeIo(this, readBytes, nullptr, seek);
     AVFormatContext *container = m_handles->io ? avformat_alloc_context() : nullptr;
     if (!container)
@@ -292,12 +297,16 @@ std::optional<std::int64_t> AudioFileHeader::declaredWavBytes() const
     return size >= kStreamedWavSize && size > available ? available : size;
 }
 
-bool AudioFileHeader::measureOneEdit()
+Mpeg4Timing::ReadAt AudioFileHeader::byteReader() const
 {
-    const auto readAt = [this](std::int64_t offset, void *bytes, std::size_t size) {
+    return [this](std::int64_t offset, void *bytes, std::size_t size) {
         return ::pread(m_file.get(), bytes, size, offset) == static_cast<ssize_t>(size);
     };
-    const auto timing = Mpeg4Timing::read(readAt, m_facts.st_size, static_cast<std::uint32_t>(m_stream->id));
+}
+
+bool AudioFileHeader::measureOneEdit()
+{
+    const auto timing = Mpeg4Timing::read(byteReader(), m_facts.st_size, static_cast<std::uint32_t>(m_stream->id));
     if (timing && timing->mediaTimescale > 0)
         m_mediaLength =
             av_rescale(timing->mediaDuration, static_cast<std::int64_t>(m_format.sampleRate), timing->mediaTimescale);

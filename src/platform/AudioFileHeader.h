@@ -4,6 +4,7 @@
 
 #include "platform/AudioFileStatus.h"
 #include "platform/FileDescriptor.h"
+#include "platform/Mpeg4Timing.h"
 
 #include <QString>
 
@@ -78,6 +79,7 @@ private:
     void measure();
     void lookForMoreSound();
     [[nodiscard]] std::optional<std::int64_t> declaredWavBytes() const;
+    [[nodiscard]] Mpeg4Timing::ReadAt byteReader() const;
     [[nodiscard]] bool measureOneEdit();
     static int readBytes(void *self, std::uint8_t *buffer, int size);
     static std::int64_t seek(void *self, std::int64_t offset, int whence);

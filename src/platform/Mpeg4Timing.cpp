@@ -107,6 +107,16 @@ void readEdit(const BoxReader &boxes, const Box &track, Mpeg4Timing &timing)
 
 } // namespace
 
+int Mpeg4Timing::trackCount(const ReadAt &readAt, std::int64_t fileSize)
+{
+    const BoxReader boxes(readAt);
+    auto movie = boxes.first(Box{0, fileSize}, "moov");
+    int count = 0;
+    while (movie && boxes.next(*movie, "trak"))
+        ++count;
+    return count;
+}
+
 std::optional<Mpeg4Timing> Mpeg4Timing::read(const ReadAt &readAt, std::int64_t fileSize, std::uint32_t trackId)
 {
     const BoxReader boxes(readAt);

@@ -33,6 +33,9 @@ struct Mpeg4Timing {
     [[nodiscard]] static std::optional<Mpeg4Timing> read(const ReadAt &readAt, std::int64_t fileSize,
                                                          std::uint32_t trackId);
 
+    /// How many tracks the file announces.
+    [[nodiscard]] static int trackCount(const ReadAt &readAt, std::int64_t fileSize);
+
     /// The length of the track in units of the media, when it is one stretch of it. An
     /// edit that ends less than a unit of the movie beside the end of the media was
     /// meant to end there.

@@ -2,7 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tags/AACTagsHelper.h"
 
+#include "app/PathNames.h"
+#include "app/Util.h"
 #include "engine/ToolRunSync.h"
+#include "platform/AudioPackets.h"
 #include "platform/NurvFailure.h"
 #include "platform/ResourceFolder.h"
 #include "platform/TextNumbers.h"
@@ -26,6 +29,7 @@
 #include <utility>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -209,20 +213,57 @@ QStringList temporariesOfParsley(const QString &path)
     return file.dir().entryList(QDir::Files | QDir::Hidden).filter(name);
 }
 
-/// Puts in order what an AtomicParsley that was ended has left beside `path`.
+/// Removes what an AtomicParsley that was ended has left beside `path`.
 void removeNewTemporaries(const QString &path, const QStringList &former)
 {
     const QDir folder = QFileInfo(path).dir();
     for (const QString &name : temporariesOfParsley(path)) {
-        if (former.contains(name))
-            continue;
-        const QString temporary = folder.filePath(name);
-        // Ended between its last two steps, it has removed the file and not yet renamed this one.
-        const bool isSettled = QFile::exists(path) ? QFile::remove(temporary) : QFile::rename(temporary, path);
-        if (!isSettled)
-            qCWarning(tagsLog).noquote() << "Temporary and not removed:" << temporary;
+        if (!former.contains(name) && !QFile::remove(folder.filePath(name)))
+            qCWarning(tagsLog).noquote() << "Temporary and not removed:" << folder.filePath(name);
     }
 }
+
+/// A file as it is, kept under a second name while a program works on the first: one that
+/// fails to write does not always say so.
+class KeptFile {
+public:
+    explicit KeptFile(const QString &path)
+        : m_path(path), m_sound(audioPacketsDigest(path)),
+          m_keptName(QFile::encodeName(Util::generateTempFileName(folderOf(path), pathExtension(path))))
+    {
+        const QByteArray name = QFile::encodeName(path);
+        ::unlink(m_keptName.constData());
+        // A disk without second names gets a copy.
+        m_isKept =
+            ::link(name.constData(), m_keptName.constData()) == 0 || QFile::copy(path, QFile::decodeName(m_keptName));
+        m_isKept = m_isKept && ::stat(name.constData(), &m_facts) == 0;
+    }
+    ~KeptFile() { ::unlink(m_keptName.constData()); }
+    KeptFile(const KeptFile &) = delete;
+    KeptFile &operator=(const KeptFile &) = delete;
+
+    [[nodiscard]] bool isKept() const { return m_isKept; }
+    /// Puts the file back unless the first name still leads to the same sound.
+    void settle()
+    {
+        const QByteArray name = QFile::encodeName(m_path);
+        if (m_sound.isEmpty() ? !QFile::exists(m_path) : audioPacketsDigest(m_path) != m_sound) {
+            qCWarning(tagsLog).noquote() << "Not marked as gapless, put back as it was:" << m_path;
+            if (::rename(m_keptName.constData(), name.constData()) != 0)
+                qCCritical(tagsLog).noquote()
+                    << m_path << "is kept as" << QFile::decodeName(std::exchange(m_keptName, {}));
+        }
+        // Programs make new files, which all may read.
+        static_cast<void>(::chmod(name.constData(), m_facts.st_mode & 07777));
+    }
+
+private:
+    QString m_path;
+    QByteArray m_sound;
+    QByteArray m_keptName;
+    struct stat m_facts = {};
+    bool m_isKept = false;
+};
 
 } // namespace
 
@@ -264,10 +305,28 @@ void AACTagsHelper::setBlankTags(TagsObject &tagObject)
 
 void AACTagsHelper::makeGapless(const QString &path, const std::function<bool()> &isUnwanted)
 {
-    const QStringList formerTemporaries = temporariesOfParsley(path);
-    struct stat former = {};
-    const bool isThere = ::stat(QFile::encodeName(path).constData(), &former) == 0;
+    // Of a link the file that it leads to is marked.
+    const QString file = QFileInfo(path).canonicalFilePath();
+    if (file.isEmpty()) {
+        qCWarning(tagsLog).noquote() << "Not marked as gapless, since it is not there:" << path;
+        return;
+    }
+    try {
+        KeptFile kept(file);
+        if (kept.isKept()) {
+            runParsley(file, isUnwanted);
+            kept.settle();
+        } else {
+            qCWarning(tagsLog).noquote() << "Not marked as gapless, since it could not be kept meanwhile:" << path;
+        }
+    } catch (const NurvFailure &failure) {
+        qCWarning(tagsLog).noquote() << "Not marked as gapless:" << path << failure.reason();
+    }
+}
 
+void AACTagsHelper::runParsley(const QString &path, const std::function<bool()> &isUnwanted)
+{
+    const QStringList formerTemporaries = temporariesOfParsley(path);
     ToolRunSync parsley(toolPath(u"AtomicParsley"_s), {path, u"--overWrite"_s, u"--gapless"_s, u"--true"_s});
     parsley.environment().insert(u"AP_PADDING"_s, u"\"DEFAULT_PAD=0:MAX_PAD=0\""_s);
     QString recent;
@@ -277,14 +336,10 @@ void AACTagsHelper::makeGapless(const QString &path, const std::function<bool()>
             return !recent.contains(kFailedCopy);
         },
         isUnwanted);
-
     if (!ending.exit)
         qCWarning(tagsLog).noquote() << "Not marked as gapless:" << path << ending.startFailure.trimmed();
     else if (ending.wasCutShort())
         removeNewTemporaries(path, formerTemporaries);
-    // It makes the file readable for all.
-    if (isThere)
-        static_cast<void>(::chmod(QFile::encodeName(path).constData(), former.st_mode & 07777));
 }
 
 void AACTagsHelper::setQuickTimeVersionProvider(QuickTimeVersionProvider provider)

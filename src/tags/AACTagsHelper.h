@@ -48,6 +48,9 @@ public:
     /// Who is asked for it, on the thread that writes. Without a provider, which is how it
     /// starts, there is none.
     static void setQuickTimeVersionProvider(QuickTimeVersionProvider provider);
+
+private:
+    static void runParsley(const QString &path, const std::function<bool()> &isUnwanted);
 };
 
 } // namespace nurv

@@ -30,7 +30,7 @@ TEST_F(AfterBatchListTest, ListsAllShortenOutputsInOneFile)
     const test::ProgramResult checked = md5sumCheck(out.path(), u"md5sum.md5"_s);
     EXPECT_EQ(checked.exitStatus, 0) << checked.errors.constData();
     EXPECT_EQ(checked.output, "a 1.shn: OK\nb.shn: OK\n");
-    EXPECT_TRUE(outputWindows.isEmpty());
+    EXPECT_TRUE(outputWindows.isEmpty()) << qPrintable(outputWindows.join(u'\n'));
 }
 
 TEST_F(AfterBatchListTest, PutsTheListBesideTheFirstSourceWhenOutputsAreSpread)

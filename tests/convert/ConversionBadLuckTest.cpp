@@ -86,7 +86,8 @@ TEST_F(ConversionBadLuckTest, GivesEveryFailedJobOfABatchAReportOfItsOwn)
     EXPECT_TRUE(endedTasks[0]->report().contains(u"1.wav: ERROR"_s));
     EXPECT_TRUE(endedTasks[1]->report().contains(u"2.wav is not a WAVE file"_s));
     // Of a raw file flac says what it needs, but not which file it is.
-    EXPECT_TRUE(endedTasks[2]->report().contains(u"ERROR: for encoding a raw file"_s)) << qPrintable(endedTasks[2]->report());
+    EXPECT_TRUE(endedTasks[2]->report().contains(u"ERROR: for encoding a raw file"_s))
+        << qPrintable(endedTasks[2]->report());
 }
 
 TEST_F(ConversionBadLuckTest, NamesTheFileWhenTheProgramFailsWithoutAWord)
@@ -103,7 +104,8 @@ TEST_F(ConversionBadLuckTest, NamesTheFileWhenTheProgramFailsWithoutAWord)
 TEST_F(ConversionBadLuckTest, ReportsTheLastFigureAndWhyTheJobFailed)
 {
     const test::ToolFolder tools;
-    tools.addFake(u"flac"_s, "out=a.wav: 1% complete\\b\\b\\b\\b\\b\\b\\b\\b\\b\\b\\b;delay=20;out=57% complete;signal=9");
+    tools.addFake(u"flac"_s,
+                  "out=a.wav: 1% complete\\b\\b\\b\\b\\b\\b\\b\\b\\b\\b\\b;delay=20;out=57% complete;signal=9");
     const QString wav = test::writeWav(folder.path(u"a.wav"_s));
     EncodeTab tab(controller);
     run(tab, {wav});

@@ -18,8 +18,8 @@ public:
     {
         // Started by its name alone, it finds its script in the environment only.
         tools.addFake(QStringLiteral("shorten"), "");
-        qputenv("NURV_FAKE_shorten",
-                "when=-x;cat=" + QFile::encodeName(wavPath) + ";exit=0;end;create=@-1;append=@-1:ajkg\\x02;read-stdin");
+        qputenv("NURV_FAKE_shorten", "when-option=-x;cat=" + QFile::encodeName(wavPath)
+                                         + ";exit=0;end;create=@-1;append=@-1:ajkg\\x02;read-stdin");
     }
     ~FakeShorten() { qunsetenv("NURV_FAKE_shorten"); }
     FakeShorten(const FakeShorten &) = delete;

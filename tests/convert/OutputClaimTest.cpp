@@ -56,6 +56,27 @@ TEST_F(OutputClaimTest, KnowsAFolderByItsOtherName)
     EXPECT_TRUE(second.take(links.path(u"link/a.tta"_s), links.path(u"b.wav"_s), nullptr));
 }
 
+TEST_F(OutputClaimTest, KnowsAFileByItsOtherName)
+{
+    folder.write(u"a.wav"_s, "sound");
+    ASSERT_TRUE(QFile::link(wav, folder.path(u"link.wav"_s)));
+    ASSERT_EQ(first.take(tta, wav, nullptr), std::nullopt);
+    EXPECT_TRUE(second.take(folder.path(u"link.wav"_s), folder.path(u"b.tta"_s), nullptr));
+}
+
+TEST_F(OutputClaimTest, KnowsOtherReadersOfItsSource)
+{
+    ASSERT_EQ(first.take(tta, wav, nullptr), std::nullopt);
+    EXPECT_FALSE(first.isSourceReadByOthers());
+    ASSERT_EQ(second.take(folder.path(u"a.ape"_s), wav, nullptr), std::nullopt);
+    EXPECT_TRUE(first.isSourceReadByOthers());
+    first.release();
+    EXPECT_TRUE(first.isSourceReadByOthers());
+    second.release();
+    EXPECT_FALSE(first.isSourceReadByOthers());
+    EXPECT_FALSE(OutputClaim().isSourceReadByOthers());
+}
+
 TEST_F(OutputClaimTest, StaysTakenInItsBatch)
 {
     ConversionBatch batch;

@@ -95,6 +95,23 @@ TEST(StageFile, ReplacesTheFileThatALinkLeadsTo)
     EXPECT_EQ(QFile::symLinkTarget(folder.path(u"a.m4a"_s)), target);
 }
 
+TEST(StageFile, TakesANameThatNothingHas)
+{
+    const test::TestFolder folder;
+    {
+        StageFile file(folder.path(), u"m4a"_s);
+        file.place(folder.path(u"a.m4a"_s));
+    }
+    EXPECT_EQ(folder.list(), QStringList{u"a.m4a"_s});
+    folder.write(u"a.m4a"_s, "somebody's");
+    {
+        StageFile file(folder.path(), u"m4a"_s);
+        EXPECT_THROW(file.place(folder.path(u"a.m4a"_s)), NurvFailure);
+    }
+    EXPECT_EQ(folder.list(), QStringList{u"a.m4a"_s});
+    EXPECT_EQ(folder.read(u"a.m4a"_s), "somebody's");
+}
+
 TEST(StageFile, LeavesTheOtherFileWhenItCannotReplaceIt)
 {
     const test::TestFolder folder;

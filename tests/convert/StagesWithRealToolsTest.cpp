@@ -299,6 +299,56 @@ TEST_F(StagesWithRealToolsTest, EndsAParsleyThatIsNotWantedAnyMore)
     EXPECT_EQ(out.list(), QStringList{u"a.m4a"_s}) << "the sound was whole before";
 }
 
+TEST_F(StagesWithRealToolsTest, PutsBackWhatParsleyBroke)
+{
+    const test::LogLines log;
+    const QString wav = test::writeWav(folder.path(u"a.wav"_s));
+    const QByteArray output = out.path(u"a.m4a"_s).toUtf8();
+    for (const QByteArray &script :
+         {"delete=" + output + ";append=" + output + ":broken", "delete=" + output,
+          "delete=" + output + ";create=" + out.path(u"a-temp-5.m4a"_s).toUtf8() + ";signal=9"}) {
+        setFake(u"AtomicParsley"_s, script);
+        const auto task = runJob(makeEncoder(wav, u"M4A"_s));
+        EXPECT_FALSE(task->error()) << qPrintable(task->report());
+        EXPECT_TRUE(test::sameSound(wav, out.path(u"a.m4a"_s))) << script.constData();
+        EXPECT_EQ(out.list(), QStringList{u"a.m4a"_s});
+        out.remove(u"a.m4a"_s);
+    }
+    EXPECT_EQ(log.with(u"put back as it was"_s).size(), 3);
+}
+
+TEST_F(StagesWithRealToolsTest, MarksTheFileThatALinkLeadsTo)
+{
+    const test::TestFolder other;
+    ASSERT_TRUE(QFile::rename(makeAlac(u"a.m4a"_s), other.path(u"b.m4a"_s)));
+    ASSERT_TRUE(QFile::link(other.path(u"b.m4a"_s), folder.path(u"a.m4a"_s)));
+    AACTagsHelper::makeGapless(folder.path(u"a.m4a"_s));
+    EXPECT_EQ(QFile::symLinkTarget(folder.path(u"a.m4a"_s)), other.path(u"b.m4a"_s));
+    EXPECT_TRUE(other.read(u"b.m4a"_s).contains("pgap"));
+    EXPECT_EQ(other.list(), QStringList{u"b.m4a"_s});
+}
+
+TEST_F(StagesWithRealToolsTest, TakesAppleLosslessWithManyPicturesButNotWithManyTracks)
+{
+    const QString alac = makeAlac(u"a.m4a"_s);
+    const QString picture = folder.path(u"p.png"_s);
+    ASSERT_EQ(test::runProgram(u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-f"_s, u"lavfi"_s, u"-i"_s, u"color=red:s=16x16"_s,
+                                             u"-frames:v"_s, u"1"_s, picture})
+                  .exitStatus,
+              0);
+    QStringList pictures{alac, u"--overWrite"_s};
+    QStringList tracks{u"-v"_s, u"error"_s, u"-i"_s, alac};
+    for (int i = 0; i < 12; ++i) {
+        pictures << u"--artwork"_s << picture;
+        tracks << u"-map"_s << u"0:a"_s;
+    }
+    ASSERT_EQ(test::runProgram(tools.path(u"AtomicParsley"_s), pictures).exitStatus, 0);
+    EXPECT_FALSE(runJob(makeDecoder(alac, u"WAV"_s))->error());
+    ASSERT_EQ(
+        test::runProgram(u"ffmpeg"_s, tracks + QStringList{u"-c"_s, u"copy"_s, folder.path(u"b.m4a"_s)}).exitStatus, 0);
+    EXPECT_TRUE(runJob(makeDecoder(folder.path(u"b.m4a"_s), u"WAV"_s))->error());
+}
+
 TEST_F(StagesWithRealToolsTest, EndsTheRealParsleyWhenTheDiskIsFull)
 {
     const QString path = makeAlac(u"a.m4a"_s);

@@ -137,6 +137,37 @@ TEST_F(TwoStageDeletionTest, KeepsAFileThatTookThePlaceOfItsSource)
     EXPECT_EQ(log.with(u"Kept, since it has changed since the job began: "_s + wav).size(), 1);
 }
 
+TEST_F(TwoStageDeletionTest, KeepsASourceThatAnotherJobConverts)
+{
+    const test::LogLines log;
+    const QString wav = make(u"wav"_s);
+    setFake(u"mac"_s, "append=@-2:made;create=" + folder.path(u"waits"_s).toUtf8()
+                          + ";wait-file=" + folder.path(u"go-on"_s).toUtf8());
+    const auto other = makeEncoder(wav, u"APE"_s);
+    queue().addTask(other);
+    ASSERT_TRUE(test::waitUntil([&] { return folder.exists(u"waits"_s); }));
+    const auto task = makeEncoder(wav, u"TTA"_s);
+    task->setDeleteOriginal(true);
+    queue().addTask(task);
+    ASSERT_TRUE(test::waitUntil([&] { return log.with(u"Kept, since another job converts it, too: "_s).size() == 1; }));
+    EXPECT_TRUE(QFile::exists(wav));
+    folder.write(u"go-on"_s, "");
+    ASSERT_TRUE(finish());
+    EXPECT_FALSE(task->error() || other->error());
+    EXPECT_TRUE(QFile::exists(wav));
+}
+
+TEST_F(TwoStageDeletionTest, FailsWhenTheSourceIsGoneBeforeItsTagsAreCopied)
+{
+    const QString alac = make(u"m4a"_s);
+    setFake(u"flac"_s, "append=@-1:made;delete=" + alac.toUtf8());
+    const auto task = runJob(makeEncoder(alac, u"FLAC"_s));
+    EXPECT_TRUE(task->error());
+    EXPECT_TRUE(task->report().contains(u"Error writing tags to file:\n"_s + alac + u" is gone"_s))
+        << qPrintable(task->report());
+    EXPECT_TRUE(outputWindows.value(0).contains(u"Error writing tags to file:\n"_s));
+}
+
 TEST_F(TwoStageDeletionTest, KeepsAppleLosslessThatHoldsMoreThanItsOutput)
 {
     const QString twoTracks = folder.path(u"two.m4a"_s);
@@ -175,6 +206,12 @@ TEST_F(TwoStageDeletionTest, ReplacesNoOutputByTheSoundOfADamagedSource)
     make(u"wv"_s);
     QByteArray bytes = folder.read(u"a.wv"_s);
     folder.write(u"a.wv"_s, bytes.replace(bytes.size() / 2, 4, "xxxx"));
+    // The status of the program is not looked at, or it says so itself.
+    const QString plain = make(u"wav"_s);
+    setFake(u"mac"_s, "copy=" + plain.toUtf8() + ":@-2;out=Error: 1002\\n");
+    EXPECT_TRUE(runDeleting(makeEncoder(folder.write(u"a.ape"_s, "source"), u"M4A"_s))->error());
+    EXPECT_EQ(out.read(u"a.m4a"_s), before);
+    folder.remove(u"a.ape"_s);
     const auto task = runDeleting(makeEncoder(folder.path(u"a.wv"_s), u"M4A"_s));
     EXPECT_TRUE(task->error());
     EXPECT_TRUE(task->report().contains(u"stays as it was"_s)) << qPrintable(task->report());

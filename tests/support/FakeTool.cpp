@@ -40,6 +40,7 @@
 //   wait-file=PATH      do nothing until the file exists
 //   first=PATH          when the file does not exist yet, make it and go on; else skip to 'end'
 //   when=TEXT           when an argument contains the text go on; else skip to 'end'
+//   when-option=TEXT    the same when an argument is the text: a path may well contain it
 //   end                 see 'first' and 'when'
 //   exec=PATH           become that program, with the same arguments
 //   signal=N            die by signal N
@@ -419,6 +420,9 @@ std::optional<bool> condition(const std::string &verb, const std::string &value)
 {
     if (verb == "when") {
         return anyArgumentContains(unescaped(value));
+    }
+    if (verb == "when-option") {
+        return std::find(g_arguments.begin(), g_arguments.end(), unescaped(value)) != g_arguments.end();
     }
     if (verb == "first") {
         const int descriptor = ::open(pathOf(value).c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);

@@ -559,7 +559,7 @@ TEST_F(AACTagsHelperFiles, RunsTheProgramForGaplessFilesWithoutPadding)
 {
     const ToolFolder tools;
     const QString log = folder.path(u"log"_s);
-    const QString environment = folder.path(u"a b.m4a"_s);
+    const QString environment = folder.write(u"a b.m4a"_s, "no sound");
     tools.addFake(u"AtomicParsley"_s, "log=" + log.toUtf8() + ";exec=" + tools.path(u"second"_s).toUtf8());
     folder.write(u"second"_s, "#!/bin/sh\nprintf '%s' \"$AP_PADDING\" > \"$1\"\nexit 3\n");
     ASSERT_TRUE(QFile::copy(folder.path(u"second"_s), tools.path(u"second"_s)));
