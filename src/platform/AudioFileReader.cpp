@@ -17,6 +17,7 @@ namespace nurv {
 namespace {
 
 constexpr std::uint32_t kMostChannels = 64;
+constexpr int kDecoderThreads = 2;
 /// What encoders of lossy formats may put before and after the sound.
 constexpr std::int64_t kLossyPadding = 8192;
 
@@ -97,8 +98,10 @@ bool AudioFileReader::Source::openDecoder()
     decoder->pkt_timebase = m_header->stream()->time_base;
     if (m_header->hasOneEdit())
         decoder->flags2 |= AV_CODEC_FLAG2_SKIP_MANUAL;
-    // The caller's thread does the work.
-    decoder->thread_count = 1;
+    // Lossless packets stand alone: the next ones are decoded while one is written.
+    const bool isDecodedAhead = m_header->isLossless() && (codec->capabilities & AV_CODEC_CAP_FRAME_THREADS) != 0;
+    decoder->thread_count = isDecodedAhead ? kDecoderThreads : 1;
+    decoder->thread_type = FF_THREAD_FRAME;
     if (m_header->isLossless())
         decoder->err_recognition = AV_EF_CRCCHECK | AV_EF_BITSTREAM | AV_EF_BUFFER | AV_EF_EXPLODE;
     if (const int error = avcodec_open2(decoder.get(), codec, nullptr); error < 0) {
