@@ -95,6 +95,20 @@ TEST(StageFile, ReplacesTheFileThatALinkLeadsTo)
     EXPECT_EQ(QFile::symLinkTarget(folder.path(u"a.m4a"_s)), target);
 }
 
+TEST(StageFile, TakesThePlaceOfALinkThatLeadsNowhere)
+{
+    const test::TestFolder folder;
+    const QString link = folder.path(u"a.m4a"_s);
+    ASSERT_TRUE(QFile::link(folder.path(u"nowhere"_s), link));
+    const mode_t former = ::umask(022);
+    StageFile(folder.path(), u"m4a"_s).replace(link);
+    ::umask(former);
+    struct stat facts = {};
+    ASSERT_EQ(::lstat(QFile::encodeName(link).constData(), &facts), 0);
+    EXPECT_TRUE(S_ISREG(facts.st_mode));
+    EXPECT_EQ(facts.st_mode & 0777, 0644U);
+}
+
 TEST(StageFile, TakesANameThatNothingHas)
 {
     const test::TestFolder folder;
