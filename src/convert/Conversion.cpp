@@ -6,6 +6,7 @@
 #include "app/Util.h"
 #include "convert/ConvertLog.h"
 #include "convert/DeletionCheck.h"
+#include "convert/FileFacts.h"
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskResults.h"
 #include "platform/GuiThread.h"
@@ -25,19 +26,6 @@ namespace {
 
 /// Of a longer output only the end is kept: that is where programs say what failed.
 constexpr qsizetype kLongestReport = 65'536;
-
-std::optional<struct stat> factsOf(const QString &path)
-{
-    struct stat facts = {};
-    if (::stat(QFile::encodeName(path).constData(), &facts) != 0)
-        return std::nullopt;
-    return facts;
-}
-
-bool isSameFile(const struct stat &left, const struct stat &right)
-{
-    return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
-}
 
 bool isSameMoment(const timespec &left, const timespec &right)
 {

@@ -24,7 +24,7 @@ void DecodeALACTask::doDecodeCall()
 {
     convertToOutput(fileName(), kFormatLinearPCM, isToAiff() ? kFileAIFF : kFileWave);
     if (isToAiff() && !error() && !cancelled())
-        copyTags(u"Error writing tags to file:\n"_s, [this] { handleAlacTags(); });
+        copyTags([this] { handleAlacTags(); });
 }
 
 void DecodeALACTask::handleAlacTags()

@@ -3,6 +3,7 @@
 #include "convert/DeletionCheck.h"
 
 #include "app/PathNames.h"
+#include "convert/FileFacts.h"
 #include "platform/FileDescriptor.h"
 
 #include <QFile>
@@ -26,14 +27,6 @@ constexpr qint64 kChunkHeadSize = 8;
 constexpr qint64 kMostPadding = 64 * 1024;
 constexpr int kMostChunks = 10'000;
 constexpr std::uint32_t kSizeIn64BitChunk = 0xFFFFFFFF;
-
-std::optional<struct stat> factsOf(const QString &path)
-{
-    struct stat facts = {};
-    if (::stat(QFile::encodeName(path).constData(), &facts) != 0)
-        return std::nullopt;
-    return facts;
-}
 
 bool isChunkName(const QByteArray &name)
 {
@@ -123,7 +116,7 @@ std::optional<QString> reasonToKeepSource(const QString &source, const QString &
     const std::optional<struct stat> outputFacts = factsOf(output);
     if (!outputFacts || !S_ISREG(outputFacts->st_mode) || outputFacts->st_size == 0)
         return u"there is no output"_s;
-    if (sourceFacts && sourceFacts->st_dev == outputFacts->st_dev && sourceFacts->st_ino == outputFacts->st_ino)
+    if (sourceFacts && isSameFile(*sourceFacts, *outputFacts))
         return u"it is the output itself"_s;
     return ChunkWalk(source).findDisagreement();
 }

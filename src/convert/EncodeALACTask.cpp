@@ -60,8 +60,9 @@ void EncodeALACTask::encodeDecoded(const QString &status,
 
 void EncodeALACTask::finishOutput()
 {
-    copyTags(u"Error writing tags to file %1:\n"_s.arg(outputFile()), [this] { writeTags(); });
-    optimizeFile(outputFile());
+    copyTags([this] { writeTags(); }, u"Error writing tags to file %1:\n"_s.arg(outputFile()));
+    if (!cancelled())
+        optimizeFile(outputFile());
 }
 
 void EncodeALACTask::writeTags()

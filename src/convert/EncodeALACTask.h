@@ -4,8 +4,6 @@
 
 #include "convert/TwoStageEncodeTask.h"
 
-#include <functional>
-
 namespace nurv {
 
 class TagsObject;

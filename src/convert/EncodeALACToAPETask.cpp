@@ -30,7 +30,7 @@ void EncodeALACToAPETask::cleanup()
 {
     // Before the tags: what they complain of reaches no set then.
     dropResultsUnlessFailed();
-    copyTags(u"Error writing tags to file:\n"_s, [this] { getALACTags(); });
+    copyTags([this] { getALACTags(); });
     deleteSourceNow();
 }
 

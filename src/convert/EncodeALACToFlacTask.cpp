@@ -29,7 +29,7 @@ void EncodeALACToFlacTask::doEncodeCall()
 
 void EncodeALACToFlacTask::cleanup()
 {
-    copyTags(u"Error writing tags to file:\n"_s, [this] { getALACTags(); });
+    copyTags([this] { getALACTags(); });
 }
 
 void EncodeALACToFlacTask::getALACTags()

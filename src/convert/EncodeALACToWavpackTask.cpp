@@ -29,7 +29,7 @@ void EncodeALACToWavpackTask::cleanup()
 {
     // Before the tags: what they complain of reaches no set then.
     dropResultsUnlessFailed();
-    copyTags(u"Error writing tags to file:\n"_s, [this] { getALACTags(); });
+    copyTags([this] { getALACTags(); });
     deleteSourceNow();
 }
 

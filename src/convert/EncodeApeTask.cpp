@@ -19,11 +19,7 @@ QString EncodeApeTask::openingStatus() const
 
 void EncodeApeTask::doEncodeCall()
 {
-    encodeWav([this](const QString &input) {
-        ToolStage stage = toolStages::encodeMonkeysAudio(m_level, input, outputFile());
-        stage.looksAtExitStatus = false;
-        return stage;
-    });
+    encodeWav([this](const QString &input) { return toolStages::encodeMonkeysAudio(m_level, input, outputFile()); });
 }
 
 } // namespace nurv

@@ -18,11 +18,7 @@ QString EncodeTTATask::openingStatus() const
 
 void EncodeTTATask::doEncodeCall()
 {
-    encodeWav([this](const QString &input) {
-        ToolStage stage = toolStages::encodeTta(input, outputFile());
-        stage.looksAtExitStatus = false;
-        return stage;
-    });
+    encodeWav([this](const QString &input) { return toolStages::encodeTta(input, outputFile()); });
     // `ttaenc` decodes what is a TTA file already.
     refuseOutputThatBegins("RIFF");
 }

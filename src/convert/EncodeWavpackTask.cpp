@@ -19,11 +19,7 @@ QString EncodeWavpackTask::openingStatus() const
 
 void EncodeWavpackTask::doEncodeCall()
 {
-    encodeWav([this](const QString &input) {
-        ToolStage stage = toolStages::encodeWavpack(m_level, input, outputFile());
-        stage.looksAtExitStatus = false;
-        return stage;
-    });
+    encodeWav([this](const QString &input) { return toolStages::encodeWavpack(m_level, input, outputFile()); });
 }
 
 } // namespace nurv

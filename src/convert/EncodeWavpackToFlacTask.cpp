@@ -41,7 +41,7 @@ void EncodeWavpackToFlacTask::convertWavpackToWav(const QString &wav)
 
 void EncodeWavpackToFlacTask::cleanup()
 {
-    copyTags(u"Error writing tags to file:\n"_s, [this] { getWavpackTags(); });
+    copyTags([this] { getWavpackTags(); });
 }
 
 void EncodeWavpackToFlacTask::getWavpackTags()

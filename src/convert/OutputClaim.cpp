@@ -11,6 +11,7 @@
 #include <array>
 #include <mutex>
 
+#include <linux/magic.h>
 #include <sys/vfs.h>
 
 using namespace Qt::StringLiterals;
@@ -34,12 +35,19 @@ struct ActiveFiles {
     }
 };
 
+// Types of statfs(2) that linux/magic.h does not name.
+constexpr unsigned long kNtfs = 0x5346544E;
+constexpr unsigned long kNtfs3 = 0x7366746E;
+constexpr unsigned long kHfsPlus = 0x482B;
+constexpr unsigned long kVirtualBoxShare = 0x786F4256;
+
 /// Whether the folder lies on a disk that takes "Song" and "song" for one name: those of
-/// cameras and sticks, of Windows and the Mac, shares, and maybe any in user space. The numbers are those of statfs(2).
+/// cameras and sticks, of Windows and the Mac, shares, and maybe any in user space.
 bool ignoresCase(const QString &folder)
 {
-    constexpr std::array<unsigned long, 11> kSystems{0x4D44, 0x2011BAB0, 0x5346544E, 0x7366746E, 0xFF534D42, 0xFE534D42,
-                                                     0x517B, 0x65735546, 0x482B,     0x786F4256, 0x01021997};
+    static constexpr std::array<unsigned long, 11> kSystems{
+        MSDOS_SUPER_MAGIC, EXFAT_SUPER_MAGIC, kNtfs,      kNtfs3,          kHfsPlus, SMB_SUPER_MAGIC, CIFS_SUPER_MAGIC,
+        SMB2_SUPER_MAGIC,  FUSE_SUPER_MAGIC,  V9FS_MAGIC, kVirtualBoxShare};
     struct statfs facts = {};
     return ::statfs(QFile::encodeName(folder).constData(), &facts) == 0
            && std::find(kSystems.begin(), kSystems.end(), static_cast<unsigned long>(facts.f_type)) != kSystems.end();

@@ -73,10 +73,10 @@ void StageFile::replace(const QString &path)
     const QByteArray from = QFile::encodeName(m_path);
     const QByteArray to = QFile::encodeName(place);
     struct stat former = {};
-    if (::stat(to.constData(), &former) == 0)
-        static_cast<void>(::chmod(from.constData(), former.st_mode & 07777));
-    else
+    if (::stat(to.constData(), &former) != 0)
         grantUsualAccess();
+    else if (::chmod(from.constData(), former.st_mode & 07777) != 0)
+        qCWarning(convertLog).noquote() << "Permissions not kept:" << path << systemErrorText(errno);
     if (!flushFileToDisk(m_path) || ::rename(from.constData(), to.constData()) != 0)
         throw NurvFailure(u"%1 could not be replaced: %2\n"_s.arg(path, systemErrorText(errno)));
     if (!flushFolderToDisk(folderOf(place)))

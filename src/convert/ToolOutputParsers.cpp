@@ -29,13 +29,6 @@ QStringView secondPiece(QStringView text, QStringView marker)
     return before(text.sliced(text.indexOf(marker) + marker.size()), marker);
 }
 
-/// What the progress bar shows for a figure: a chunk can begin in the middle of
-/// other digits.
-double onTheBar(double figure)
-{
-    return std::clamp(figure, 0.0, 100.0);
-}
-
 /// "ratio=0.532" from the first "ratio=" on; empty without one.
 QStringView ratioIn(QStringView line)
 {
@@ -63,7 +56,7 @@ QStringView fromFirstDigit(QStringView text)
 void showFigure(ChunkReport &report, QStringView text, const QString &label)
 {
     const double percent = leadingNumber(before(text, u"%"));
-    report.progress = onTheBar(percent);
+    report.progress = percent;
     report.status = label + sixDecimals(percent) + u'%';
 }
 
@@ -134,7 +127,7 @@ ChunkReport parseFlacEncoding(QStringView chunk)
     if (percent.isEmpty())
         return report;
     report.status = u"Encoding to Flac: %1% %2"_s.arg(percent, ratio);
-    report.progress = onTheBar(leadingNumber(percent));
+    report.progress = leadingNumber(percent);
     return report;
 }
 
@@ -158,7 +151,7 @@ ChunkReport parseFlacByShntool(QStringView chunk, const QString &type)
     ChunkReport report{.status = {}, .progress = {}, .results = shntoolResults(text), .repaintsTitle = true};
     if (text.contains(u'%')) {
         const QStringView percent = before(text, u"%");
-        report.progress = onTheBar(leadingNumber(percent));
+        report.progress = leadingNumber(percent);
         report.status = u"Encoding %1 to Flac: %2%"_s.arg(type, percent);
     }
     return report;
@@ -221,7 +214,7 @@ ChunkReport parseMonkeysAudio(QStringView chunk, const QString &label)
     const qsizetype bracket = figure.indexOf(u" (", percent.size());
     const QStringView rest = bracket < 0 ? QStringView() : fromFirstDigit(figure.sliced(bracket));
     const QStringView seconds = before(rest, u" seconds remaining");
-    report.progress = onTheBar(leadingNumber(percent));
+    report.progress = leadingNumber(percent);
     report.status = u"%1: %2%   %3 seconds remaining"_s.arg(label, percent, seconds);
     return report;
 }

@@ -15,7 +15,7 @@ namespace nurv::toolOutput {
 /// What one chunk means to a row and to the report.
 struct ChunkReport {
     std::optional<QString> status;  ///< the next status line; nothing: it stays
-    std::optional<double> progress; ///< in percent, below 0 when unknown; comes with `status`
+    std::optional<double> progress; ///< in percent, as it was written; below 0 when unknown; comes with `status`
     QString results;                ///< to be appended to the report
     bool repaintsTitle = false;     ///< the main line is set to the title again
 };

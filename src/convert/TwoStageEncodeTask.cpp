@@ -43,11 +43,16 @@ void TwoStageEncodeTask::convertToWav(const QString &source, const QString &wav)
 
 void TwoStageEncodeTask::encodeWav(const StageFor &stageFor)
 {
+    const StageFor unwatched = [&stageFor](const QString &input) {
+        ToolStage stage = stageFor(input);
+        stage.looksAtExitStatus = false;
+        return stage;
+    };
     const QString format = formatWord(fileName());
     if (format == u"AIFF" || format == u"AIF")
-        encodeThroughWav(stageFor);
+        encodeThroughWav(unwatched);
     else
-        runTool(stageFor(fileName()));
+        runTool(unwatched(fileName()));
 }
 
 void TwoStageEncodeTask::encodeThroughWav(const StageFor &stageFor)

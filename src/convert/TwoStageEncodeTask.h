@@ -20,7 +20,8 @@ protected:
 
     /// Makes a WAV file of what the audio service reads. A failure sets the error flag.
     void convertToWav(const QString &source, const QString &wav);
-    /// AIFF sources by way of a temporary WAV, all others as they are.
+    /// AIFF sources by way of a temporary WAV, all others as they are. The status that the
+    /// program ends with does not make the job fail.
     void encodeWav(const StageFor &stageFor);
     /// Every source by way of a temporary WAV.
     void encodeThroughWav(const StageFor &stageFor);

@@ -7,14 +7,13 @@
 #include "convert/DeletionCheck.h"
 #include "convert/EncodeCoreAudioSync.h"
 #include "convert/StageFile.h"
+#include "platform/ExternalPrograms.h"
 #include "platform/NurvFailure.h"
 #include "platform/ResourceFolder.h"
 
 #include <QFile>
 
 #include <exception>
-
-#include <string.h>
 
 using namespace Qt::StringLiterals;
 
@@ -84,9 +83,7 @@ void TwoStageTask::takeEnding(const ToolStage &stage, const ToolRunSync::Ending 
     if (stage.looksAtExitStatus)
         m_failsAtStop = true;
     if (ending.exit->signal != 0) {
-        const QString reason = u"%1 was ended by signal %2 (%3) while working on %4\n"_s.arg(
-            stage.name, QString::number(ending.exit->signal), QString::fromLocal8Bit(strsignal(ending.exit->signal)),
-            title());
+        const QString reason = killedProgramText(stage.name, ending.exit->signal, title());
         appendResultsForSelf(reason);
         keepReasonForReport(reason);
     }
@@ -194,7 +191,7 @@ void TwoStageTask::afterCompletion()
         deleteSourceIfDone();
 }
 
-void TwoStageTask::copyTags(const QString &complaint, const std::function<void()> &copy)
+void TwoStageTask::copyTags(const std::function<void()> &copy, const QString &complaint)
 {
     // Whatever else has the output's name belongs to someone else.
     if (cancelled() || !hasMadeOutput())

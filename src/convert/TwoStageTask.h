@@ -61,7 +61,8 @@ protected:
     /// Runs `copy`, which copies tags to the output, if the job has made one and was not
     /// cancelled. What `copy` throws goes to the log, sets the error flag, and is reported
     /// behind `complaint`.
-    void copyTags(const QString &complaint, const std::function<void()> &copy);
+    void copyTags(const std::function<void()> &copy,
+                  const QString &complaint = QStringLiteral("Error writing tags to file:\n"));
     /// Deletes the source, if that was asked for and nothing speaks against it, before the
     /// job stops.
     void deleteSourceNow();

@@ -10,8 +10,6 @@
 #include <exception>
 #include <utility>
 
-#include <string.h>
-
 using namespace Qt::StringLiterals;
 
 namespace nurv {
@@ -107,11 +105,8 @@ void NURVAsyncNSTask::readExitStatus()
     if (cancelled() || !exit || exit->succeeded())
         return;
     setError(true);
-    if (exit->signal != 0) {
-        failWith(u"%1 was ended by signal %2 (%3) while working on %4\n"_s.arg(
-            m_launchPath.section(u'/', -1), QString::number(exit->signal),
-            QString::fromLocal8Bit(strsignal(exit->signal)), title()));
-    }
+    if (exit->signal != 0)
+        failWith(killedProgramText(m_launchPath.section(u'/', -1), exit->signal, title()));
 }
 
 QString NURVAsyncNSTask::description() const

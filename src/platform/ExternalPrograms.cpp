@@ -12,6 +12,8 @@
 #include <algorithm>
 #include <chrono>
 
+#include <string.h>
+
 using namespace Qt::StringLiterals;
 
 namespace nurv {
@@ -136,6 +138,12 @@ QString missingProgramText(const QString &launchPath, const QString &reason)
                              .arg(file.fileName(), reason, file.path());
     const ExternalProgram *program = findExternalProgram(file.fileName());
     return program ? text + u'\n' + providerText(*program, file) : text;
+}
+
+QString killedProgramText(const QString &name, int signal, const QString &title)
+{
+    return u"%1 was ended by signal %2 (%3) while working on %4\n"_s.arg(
+        name, QString::number(signal), QString::fromLocal8Bit(::strsignal(signal)), title);
 }
 
 } // namespace nurv

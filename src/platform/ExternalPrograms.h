@@ -49,4 +49,7 @@ struct ProgramStatus {
 /// in, `reason`, and what provides it. `launchPath` is the path that was tried.
 [[nodiscard]] QString missingProgramText(const QString &launchPath, const QString &reason);
 
+/// The line for a program that died by a signal while it worked on `title`.
+[[nodiscard]] QString killedProgramText(const QString &name, int signal, const QString &title);
+
 } // namespace nurv

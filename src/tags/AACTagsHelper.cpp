@@ -8,6 +8,7 @@
 #include "platform/AudioPackets.h"
 #include "platform/NurvFailure.h"
 #include "platform/ResourceFolder.h"
+#include "platform/SystemError.h"
 #include "platform/TextNumbers.h"
 #include "platform/Version.h"
 #include "tags/Mp4Movie.h"
@@ -22,7 +23,7 @@
 
 #include <id3v1genres.h>
 
-#include <algorithm>
+#include <cerrno>
 #include <exception>
 #include <mutex>
 #include <new>
@@ -254,7 +255,8 @@ public:
                     << m_path << "is kept as" << QFile::decodeName(std::exchange(m_keptName, {}));
         }
         // Programs make new files, which all may read.
-        static_cast<void>(::chmod(name.constData(), m_facts.st_mode & 07777));
+        if (::chmod(name.constData(), m_facts.st_mode & 07777) != 0)
+            qCWarning(tagsLog).noquote() << "Permissions not kept:" << m_path << systemErrorText(errno);
     }
 
 private:

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <functional>
 
 using namespace Qt::StringLiterals;
@@ -217,7 +218,8 @@ TEST(ToolOutputParsers, StandEveryCutOfARecordedRun)
                     continue;
                 ASSERT_TRUE(report.status->startsWith(recording.statusStart)) << qPrintable(*report.status);
                 ASSERT_GE(*report.progress, 0.0);
-                ASSERT_LE(*report.progress, 100.0) << "cut at " << cut << " of " << qPrintable(recording.name);
+                ASSERT_TRUE(std::isfinite(*report.progress))
+                    << "cut at " << cut << " of " << qPrintable(recording.name);
             }
         }
     }

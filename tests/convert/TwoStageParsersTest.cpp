@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -236,7 +237,8 @@ TEST(TwoStageParsers, StandEveryCutOfARecordedRun)
                     continue;
                 ASSERT_TRUE(report.status->startsWith(recording.label)) << qPrintable(*report.status);
                 ASSERT_GE(*report.progress, -1.0);
-                ASSERT_LE(*report.progress, 100.0) << "cut at " << cut << " of " << qPrintable(recording.name);
+                ASSERT_TRUE(std::isfinite(*report.progress))
+                    << "cut at " << cut << " of " << qPrintable(recording.name);
             }
         }
     }

@@ -82,10 +82,11 @@ std::string fileMadeIn(const PrivateFolder &folder)
 bool prepareToReplace(const std::string &file, const struct stat &former)
 {
     const FileDescriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!descriptor.isOpen())
+        return false;
     // A file system without modes has nothing to keep.
-    if (descriptor.isOpen()) [[maybe_unused]]
-        const int done = ::fchmod(descriptor.get(), former.st_mode & 0777);
-    return descriptor.isOpen() && ::fsync(descriptor.get()) == 0;
+    [[maybe_unused]] const int done = ::fchmod(descriptor.get(), former.st_mode & 0777);
+    return ::fsync(descriptor.get()) == 0;
 }
 
 void moveInPlace(const std::string &file, const std::string &destination, bool mayReplace)

@@ -1,0 +1,17 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+#include <sys/stat.h>
+
+namespace nurv {
+
+/// What the system tells of the file, that of its target for a link; nothing without one.
+[[nodiscard]] std::optional<struct stat> factsOf(const QString &path);
+[[nodiscard]] bool isSameFile(const struct stat &left, const struct stat &right);
+
+} // namespace nurv
