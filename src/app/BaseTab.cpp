@@ -84,6 +84,11 @@ void BaseTab::takeCollected(const FileIntake &intake)
     showBadFileMessages(messages);
 }
 
+QString BaseTab::relativeFolderOf(const QString &) const
+{
+    return {};
+}
+
 void BaseTab::append(const QStringList &paths)
 {
     for (const QString &path : paths) {

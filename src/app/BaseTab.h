@@ -39,6 +39,10 @@ public:
     /// Absolute paths without duplicates, in file-browser order.
     [[nodiscard]] const QStringList &fileNames() const { return m_fileNames; }
 
+    /// The folders between what the user gave and the file: "disc1" for .../shows/disc1/a.wav
+    /// when .../shows was given is "shows/disc1". Empty for a file that was given itself.
+    [[nodiscard]] QString relativeFolderOf(const QString &path) const;
+
     /// Adds a file that the controller has matched with this tab already.
     void addFile(const QString &path) { addMatchedFiles({path}); }
     /// `addFile` for each, with one sort and one announcement for all.
@@ -73,6 +77,10 @@ public:
     /// Turns the list into jobs for the queue.
     virtual void executeCommand() {}
 
+    /// The sources that the last press of the button made no job of, since their outputs
+    /// exist and were to be passed over.
+    [[nodiscard]] const QStringList &passedOver() const { return m_passedOver; }
+
     /// How long the messages about refused files wait, so that they come after
     /// the drop has finished; 500 ms unless set. With 0 they come at once.
     void setRefusalMessageDelay(int milliseconds) { m_refusalMessageDelayMs = milliseconds; }
@@ -91,6 +99,7 @@ protected:
     /// The path that the user chose; nothing when cancelled.
     [[nodiscard]] std::optional<QString> openSavePanel(const QString &suggestedName,
                                                        const std::optional<QString> &title);
+    void setPassedOver(const QStringList &sources) { m_passedOver = sources; }
     /// Asks, when originals are to be deleted and "warnOnDelete" is on. False:
     /// the user does not want to go on.
     [[nodiscard]] bool confirmDeletingOriginals(bool deleteOriginals);
@@ -107,6 +116,7 @@ private:
     QString m_pathToCommandLineTools;
     QStringList m_fileNames;
     QSet<QString> m_listed;
+    QStringList m_passedOver;
     int m_refusalMessageDelayMs = 500; // long enough for a drop to finish
 };
 

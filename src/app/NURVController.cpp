@@ -79,6 +79,9 @@ void NURVController::registerDefaults()
         {u"decodeToSourceDirectory"_s, 0},
         {u"encodeLossyToSourceDirectory"_s, 0},
         {u"incomingSurroundOrder"_s, u"L R C LFE LS RS (STANDARD)"_s},
+        {u"proveBeforeDeleting"_s, 1},
+        {u"dropMetadata"_s, 0},
+        {u"keepFolders"_s, 0},
     });
 }
 

@@ -4,6 +4,7 @@
 
 #include "app/BaseTab.h"
 #include "app/Control.h"
+#include "originals/OriginalsControls.h"
 
 #include <memory>
 #include <optional>
@@ -28,6 +29,7 @@ public:
     /// Each output goes beside its source instead of into one chosen folder.
     CheckControl sourceDecodeButton;
     CheckControl deleteOriginalsButton;
+    OriginalsControls originals;
 
     /// Shows or hides the two FLAC options and their label.
     void showFLacOptions(bool show);

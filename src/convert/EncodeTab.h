@@ -4,6 +4,7 @@
 
 #include "app/BaseTab.h"
 #include "app/Control.h"
+#include "originals/OriginalsControls.h"
 
 #include <QSet>
 
@@ -26,6 +27,7 @@ public:
     /// Each output goes beside its source instead of into one chosen folder.
     CheckControl sourceEncodeButton;
     CheckControl deleteOriginalsButton;
+    OriginalsControls originals;
     /// 3 rows x 2 columns: SHN, WV / FLAC, TTA / APE, M4A.
     ChoiceControl outputFormatMatrix;
     CheckControl generateMD5Button;

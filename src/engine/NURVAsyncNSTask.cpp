@@ -85,6 +85,7 @@ void NURVAsyncNSTask::completeStop()
     NURVTask::stopTask();
     runHook([this] { finalCleanup(); });
     reportCompletion();
+    reportSettled();
 }
 
 void NURVAsyncNSTask::runHook(const std::function<void()> &hook)

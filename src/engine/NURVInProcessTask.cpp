@@ -67,6 +67,7 @@ void NURVInProcessTask::complete()
     stopTask();
     reportCompletion();
     afterCompletion();
+    reportSettled();
 }
 
 } // namespace nurv

@@ -115,6 +115,15 @@ void NURVTask::reportCompletion()
     });
 }
 
+void NURVTask::reportSettled()
+{
+    // Not waited for: the worker that tells it has nothing else to do.
+    postToGuiThread([self = shared_from_this()] {
+        if (NURVTaskQueue *const queue = self->queue())
+            Q_EMIT queue->taskSettled(self);
+    });
+}
+
 void NURVTask::appendResultsForSelf(const QString &text)
 {
     if (m_results)

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "engine/RowState.h"
+#include "engine/TaskOutcome.h"
 
 #include <QPointer>
 #include <QString>
@@ -80,6 +81,10 @@ public:
     /// Read it once the job has ended.
     [[nodiscard]] const QStringList &warnings() const { return m_warnings; }
 
+    /// What was made, and what became of the source. Final once the queue tells that the
+    /// job is settled. GUI thread.
+    [[nodiscard]] const TaskOutcome &outcome() const { return m_outcome; }
+
     [[nodiscard]] NURVTaskQueue *queue() const;
 
     // The next texts and the next progress value: written by the job's thread,
@@ -127,6 +132,10 @@ protected:
     void markStopped();
     /// Tells the queue, on the GUI thread, that the job has ended, and waits.
     void reportCompletion();
+    /// Tells the queue, on the GUI thread, that nothing of the job is left to do.
+    void reportSettled();
+    /// For the job's own thread, until it is settled.
+    [[nodiscard]] TaskOutcome &ownOutcome() { return m_outcome; }
 
 private:
     void doStartTaskOnMainThread();
@@ -138,6 +147,7 @@ private:
     QString m_title;
     QString m_sourcePath;
     QStringList m_warnings;
+    TaskOutcome m_outcome;
     QString m_topTextFieldString;
     QString m_textFieldString;
     double m_progressIndicatorValue = 0.0;

@@ -83,6 +83,9 @@ Q_SIGNALS:
     void taskCountChanged(int count);
     /// A completed job, once its result set has been examined.
     void taskEnded(const std::shared_ptr<nurv::NURVTask> &task);
+    /// Nothing of the job is left to do: its outcome is final. Once for each job, after
+    /// `taskEnded`; the queue may be empty by then.
+    void taskSettled(const std::shared_ptr<nurv::NURVTask> &task);
     void outputWindowRequested(const QString &text, const QString &title);
 
 private:

@@ -14,7 +14,7 @@ extern "C" {
 }
 
 // What the readers and writers of audio files share about FFmpeg's libraries. Only
-// source files of this folder include it.
+// source files of this folder and of src/samples include it.
 namespace nurv::libAv {
 
 /// Keeps the libraries from writing to standard error, where their messages about

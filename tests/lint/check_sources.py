@@ -17,11 +17,14 @@ ALLOWED = {
     "platform": set(),
     "engine": {"platform"},
     "app": {"platform", "engine"},
-    "tags": {"platform", "engine", "app"},
+    "journal": {"platform", "engine", "app"},
+    "samples": {"platform"},
+    "tags": {"platform", "engine", "app", "samples"},
+    "originals": {"platform", "engine", "app", "journal", "samples", "tags"},
     "checksum": {"platform", "engine", "app", "tags"},
-    "convert": {"platform", "engine", "app", "tags", "checksum"},
-    "cli": {"platform", "engine", "app", "tags", "checksum", "convert"},
-    "ui": {"platform", "engine", "app", "tags", "checksum", "convert"},
+    "convert": {"platform", "engine", "app", "journal", "samples", "tags", "originals", "checksum"},
+    "cli": {"platform", "engine", "app", "journal", "samples", "tags", "originals", "checksum", "convert"},
+    "ui": {"platform", "engine", "app", "journal", "samples", "tags", "originals", "checksum", "convert"},
 }
 
 # The same of the folders under tools, whose programs use no Qt.

@@ -1,0 +1,30 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+#include <cstdint>
+#include <optional>
+
+namespace nurv {
+
+/// How long a sound is after what its file tells without being decoded.
+struct SoundLength {
+    /// After its headers; nothing when they do not tell, as in a stream that came from a
+    /// pipe.
+    std::optional<std::int64_t> declaredFrames;
+    /// After its size, where that tells: WAV and AIFF. To the end of the file when a
+    /// crashed recorder left a size of 0 or of 0xFFFFFFFF, or when the sound goes on behind
+    /// what the header counts.
+    std::optional<std::int64_t> heldFrames;
+    int sampleRateHz = 0; ///< 0 when it is not known
+    int channels = 0;
+    int bitsPerSample = 0;
+};
+
+/// Reads the header of a regular file: a few reads, no decoding. Nothing for a file that
+/// is no sound file of a kind that is known.
+[[nodiscard]] std::optional<SoundLength> soundLength(const QString &path);
+
+} // namespace nurv
