@@ -85,17 +85,17 @@ QString Util::generateTempFileName2(const std::optional<QString> &folder, const 
     return nameTemplate(folder, extension);
 }
 
-void Util::deleteFile(const QString &path)
+Util::Removal Util::removeFile(const QString &path, const QString &originalPath)
 {
     // In doubt about the user's choice the file stays recoverable.
     const std::optional<int> choice = SettingsStore::instance().reliableInteger(u"trashOrDelete"_s);
-    if (!choice || *choice != 0) {
-        // Its log line tells why a file has stayed.
-        static_cast<void>(moveToTrash(path));
-        return;
-    }
-    if (::unlink(QFile::encodeName(path).constData()) != 0 && errno != ENOENT)
-        qCWarning(appLog).noquote() << path << "was not deleted:" << systemErrorText(errno);
+    // The log line of the trash tells why a file has stayed.
+    if (!choice || *choice != 0)
+        return moveToTrash(path, originalPath) ? Removal::Trashed : Removal::Stayed;
+    if (::unlink(QFile::encodeName(path).constData()) == 0 || errno == ENOENT)
+        return Removal::Deleted;
+    qCWarning(appLog).noquote() << path << "was not deleted:" << systemErrorText(errno);
+    return Removal::Stayed;
 }
 
 } // namespace nurv

@@ -25,7 +25,12 @@ public:
     /// else into the trash, also when the stored choice cannot be read. Reports
     /// nothing to the caller; a file that cannot be removed stays, with a line in
     /// the log. Folders are never deleted for good.
-    static void deleteFile(const QString &path);
+    static void deleteFile(const QString &path) { static_cast<void>(removeFile(path)); }
+
+    enum class Removal { Deleted, Trashed, Stayed };
+    /// The same for callers that tell what became of the file: also `Deleted` when there
+    /// was none. `originalPath`: see moveToTrash.
+    [[nodiscard]] static Removal removeFile(const QString &path, const QString &originalPath = {});
 };
 
 } // namespace nurv

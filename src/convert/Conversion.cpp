@@ -3,19 +3,19 @@
 #include "convert/Conversion.h"
 
 #include "app/PathNames.h"
-#include "app/Util.h"
 #include "convert/ConvertLog.h"
-#include "convert/DeletionCheck.h"
-#include "convert/FileFacts.h"
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskResults.h"
+#include "platform/FileFacts.h"
 #include "platform/GuiThread.h"
 #include "platform/NurvFailure.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
+#include <exception>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -27,21 +27,9 @@ namespace {
 /// Of a longer output only the end is kept: that is where programs say what failed.
 constexpr qsizetype kLongestReport = 65'536;
 
-bool isSameMoment(const timespec &left, const timespec &right)
-{
-    return left.tv_sec == right.tv_sec && left.tv_nsec == right.tv_nsec;
-}
-
-/// The same file, not written to in between.
-bool isUntouched(const struct stat &before, const struct stat &now)
-{
-    return isSameFile(before, now) && before.st_size == now.st_size && isSameMoment(before.st_mtim, now.st_mtim)
-           && isSameMoment(before.st_ctim, now.st_ctim);
-}
-
 } // namespace
 
-Conversion::Conversion(NURVTask &task, const QString &fileName) : m_task(task)
+Conversion::Conversion(NURVTask &task, const QString &fileName) : m_task(task), m_retirement({fileName})
 {
     task.setSourcePath(fileName);
     task.setTitle(lastPathComponent(fileName));
@@ -61,10 +49,21 @@ std::shared_ptr<NURVTask> Conversion::asTask() const
     return m_task.shared_from_this();
 }
 
-void Conversion::setBatch(std::shared_ptr<ConversionBatch> batch)
+void Conversion::setDeleteOriginal(bool deleteOriginal)
+{
+    SourceRetirement::Wishes wishes = m_retirement.wishes();
+    wishes.deletesSources = deleteOriginal;
+    m_retirement.setWishes(wishes);
+}
+
+void Conversion::setBatch(std::shared_ptr<OutputBatch> batch)
 {
     m_batch = std::move(batch);
     m_batch->sources.insert(QFileInfo(fileName()).canonicalFilePath());
+    SourceRetirement::Wishes wishes = m_retirement.wishes();
+    wishes.proves = m_batch->provesBeforeDeleting;
+    wishes.dropsMetadata = m_batch->dropsMetadata;
+    m_retirement.setWishes(wishes);
 }
 
 bool Conversion::outputIsAnotherSource() const
@@ -75,12 +74,20 @@ bool Conversion::outputIsAnotherSource() const
 
 std::optional<QString> Conversion::takeOutput()
 {
+    const QString output = outputFile();
+    const QString name = lastPathComponent(output);
     if (outputIsAnotherSource())
-        return u"%1: its output %2 is another file of the list\n"_s.arg(fileName(), lastPathComponent(outputFile()));
-    if (const std::optional<QString> refusal = m_claim.take(outputFile(), fileName(), m_batch.get()))
-        return u"%1: %2\n"_s.arg(fileName(), *refusal);
-    m_sourceBefore = factsOf(fileName());
+        return u"its output %1 is another file of the list"_s.arg(name);
+    if (m_batch && m_batch->makesFolders && !QDir().mkpath(folderOf(output)))
+        return u"its folder %1 cannot be made"_s.arg(folderOf(output));
+    if (std::optional<QString> refusal = m_claim.take(output, fileName(), m_batch.get()))
+        return refusal;
+    m_retirement.rememberSources();
+    m_task.ownOutcome().sourceBytes = QFileInfo(fileName()).size();
     lookAtOutput();
+    const ExistingOutputs existing = m_batch ? m_batch->existingOutputs : ExistingOutputs::AsTold;
+    if (outputExisted() && (existing == ExistingOutputs::Refuse || existing == ExistingOutputs::Skip))
+        return u"its output %1 exists already"_s.arg(name);
     return std::nullopt;
 }
 
@@ -90,6 +97,20 @@ void Conversion::lookAtOutput()
     // A link that leads nowhere has the name all the same.
     if (!m_outputBefore && isThere(outputFile()))
         m_outputBefore.emplace();
+}
+
+void Conversion::beginOutput(bool replaces)
+{
+    lookAtOutput();
+    m_hasBegunOutput = true;
+    const bool isAsked = m_batch && m_batch->existingOutputs == ExistingOutputs::Replace;
+    // A program that replaces its own source reads it meanwhile, and puts the new file in its place.
+    if (outputExisted() && (replaces || isAsked) && !outputIsSource()) {
+        m_replaced = std::make_unique<ReplacedFile>(outputFile(), m_batch ? m_batch->journal : nullptr);
+        lookAtOutput();
+    }
+    if (!outputExisted() && m_batch && m_batch->journal)
+        m_batch->journal->markBegun(outputFile());
 }
 
 bool Conversion::outputIsSource() const
@@ -115,12 +136,6 @@ void Conversion::removeHalfMade(const QString &path)
 {
     if (isThere(path) && !QFile::remove(path))
         qCWarning(convertLog).noquote() << "Half made and not removed:" << path;
-}
-
-bool Conversion::isThere(const QString &path)
-{
-    struct stat facts = {};
-    return ::lstat(QFile::encodeName(path).constData(), &facts) == 0;
 }
 
 void Conversion::showStatus(const QString &text)
@@ -163,17 +178,48 @@ void Conversion::keepReasonForReport(const QString &reason)
     keepForReport(reason);
 }
 
+bool Conversion::hasToTell() const
+{
+    return m_task.error() || m_retirement.doubtReason() || !m_task.outcome().problem.isEmpty();
+}
+
 QString Conversion::reportInstead(const QString &usual) const
 {
-    if (!m_task.error() && !m_doubt)
+    if (!hasToTell())
         return usual;
     return fileName() + u":\n"_s + toolOutput::asOnATerminal(m_ownText);
 }
 
+void Conversion::noteProblem(const QString &problem)
+{
+    if (m_task.outcome().problem.isEmpty())
+        m_task.ownOutcome().problem = problem;
+}
+
+QString Conversion::problemLine(const QString &problem) const
+{
+    return u"%1: %2\n"_s.arg(fileName(), problem);
+}
+
+void Conversion::tell(const QString &problem)
+{
+    const QString line = problemLine(problem);
+    keepReasonForReport(line);
+    if (!m_task.results()) {
+        // Where the queue looks at it.
+        runOnGuiThread([this] {
+            auto results = std::make_shared<NURVTaskResults>();
+            results->addTaskInSet(m_task);
+            m_task.setResults(results);
+        });
+    }
+    if (const auto results = m_task.results())
+        results->appendResults(line, m_task);
+}
+
 void Conversion::doubtSource(const QString &reason)
 {
-    if (!m_doubt)
-        m_doubt = reason;
+    m_retirement.doubt(reason);
     if (m_batch)
         m_batch->toldOfDamage = true;
 }
@@ -184,34 +230,118 @@ void Conversion::noteDamage(const QString &reason)
     doubtSource(reason);
 }
 
-std::optional<QString> Conversion::reasonToKeepOriginal() const
+void Conversion::noteLostTags(const QString &reason)
 {
-    if (const std::optional<QString> reason = reasonToKeepSource(fileName(), outputFile()))
-        return reason;
-    if (const auto now = factsOf(fileName()); !m_sourceBefore || !now || !isUntouched(*m_sourceBefore, *now))
-        return u"it has changed since the job began"_s;
+    m_retirement.doubt(u"only it has the tags"_s);
+    const QString problem = u"its tags were not copied: %1"_s.arg(reason.trimmed());
+    noteProblem(problem);
+    tell(problem);
+}
+
+void Conversion::noteComplete()
+{
+    if (m_hasBegunOutput && m_batch && m_batch->journal && !m_task.error() && !m_task.cancelled())
+        m_batch->journal->markEnded(outputFile());
+}
+
+SourceRetirement::Verdict Conversion::examineOutput()
+{
+    if (m_task.error() || m_task.cancelled() || !hasMadeOutput())
+        return {};
     if (m_claim.isSourceReadByOthers())
-        return u"another job converts it, too"_s;
-    if (!hasTouchedOutput())
-        return u"its output was there before"_s;
-    if (m_doubt)
-        return m_doubt;
-    if (m_sourceHasTheOnlyTags)
-        return u"only it has the tags"_s;
-    if (!m_outputIsOnDisk)
-        return u"its output may not be on the disk yet"_s;
-    return std::nullopt;
+        m_retirement.doubt(u"another job converts it, too"_s);
+    const auto progress = [this](double percent) { showProof(percent); };
+    try {
+        return m_retirement.examine({outputFile()}, progress, [this] { return m_task.cancelled(); });
+    } catch (const std::exception &failure) {
+        SourceRetirement::Verdict verdict;
+        verdict.failure = u"its output could not be examined: %1"_s.arg(QString::fromUtf8(failure.what()));
+        return verdict;
+    }
+}
+
+void Conversion::showProof(double percent)
+{
+    m_task.setTopTextFieldString(u"Proving: %1%"_s.arg(percent, 0, 'f', 0));
+    m_task.setProgressIndicatorValue(percent);
+    m_task.updateStatus();
+}
+
+void Conversion::takeVerdict(const SourceRetirement::Verdict &verdict)
+{
+    m_task.ownOutcome().proof = verdict.proof;
+    if (verdict.failure) {
+        m_task.setError(true);
+        noteProblem(*verdict.failure);
+        if (deleteOriginal())
+            m_task.ownOutcome().original = TaskOutcome::Original::Kept;
+        tell(*verdict.failure);
+    } else if (verdict.keeping) {
+        noteKept(*verdict.keeping);
+    }
+}
+
+void Conversion::noteKept(const QString &reason)
+{
+    m_task.ownOutcome().original = TaskOutcome::Original::Kept;
+    noteProblem(reason);
+    qCWarning(convertLog).noquote() << "Kept, since" << reason + u':' << fileName();
+    tell(u"%1; original kept"_s.arg(reason));
+}
+
+void Conversion::settleOutput()
+{
+    // Whatever has the name of an output that was not begun belongs to somebody else.
+    if (!m_hasBegunOutput)
+        return;
+    const bool isWhole = hasMadeOutput() && !m_task.error() && !m_task.cancelled();
+    if (m_replaced && !isWhole)
+        restoreReplaced();
+    if (m_replaced) {
+        try {
+            m_replaced->retire();
+        } catch (const NurvFailure &failure) {
+            noteProblem(failure.reason());
+            tell(failure.reason());
+        }
+        m_replaced.reset();
+    }
+    if (m_batch && m_batch->journal)
+        m_batch->journal->markEnded(outputFile());
+    if (!hasMadeOutput())
+        return;
+    m_task.ownOutcome().output = outputFile();
+    m_task.ownOutcome().outputBytes = QFileInfo(outputFile()).size();
+}
+
+void Conversion::restoreReplaced()
+{
+    if (hasTouchedOutput())
+        removeHalfMade(outputFile());
+    try {
+        m_replaced->putBack();
+    } catch (const NurvFailure &failure) {
+        noteProblem(failure.reason());
+        tell(failure.reason());
+    }
+    m_replaced.reset();
+    // It is what was there before, and nothing that this job has made.
+    lookAtOutput();
 }
 
 void Conversion::deleteSourceIfDone()
 {
-    if (!m_deleteOriginal || m_task.error() || m_task.cancelled() || std::exchange(m_hasDeletedSource, true))
+    if (!deleteOriginal() || m_task.error() || m_task.cancelled() || std::exchange(m_hasDeletedSource, true))
         return;
-    if (const std::optional<QString> reason = reasonToKeepOriginal()) {
-        qCWarning(convertLog).noquote() << "Kept, since" << *reason + u':' << fileName();
-        return;
-    }
-    Util::deleteFile(fileName());
+    if (m_claim.isSourceReadByOthers())
+        m_retirement.doubt(u"another job converts it, too"_s);
+    if (m_batch && m_batch->journal)
+        m_batch->journal->flush();
+    const SourceRetirement::Ending ending = m_retirement.retire();
+    if (ending.original == TaskOutcome::Original::Kept)
+        noteKept(ending.problem);
+    else if (ending.original != TaskOutcome::Original::Untouched)
+        m_task.ownOutcome().original = ending.original;
 }
 
 void Conversion::checkThatSourceIsThere() const
@@ -228,7 +358,7 @@ bool Conversion::sharesSetWithDamage() const
 
 void Conversion::dropResultsUnlessFailed()
 {
-    if (m_task.error() || m_doubt || sharesSetWithDamage())
+    if (hasToTell() || sharesSetWithDamage())
         return;
     // Where the queue looks at it.
     runOnGuiThread([this] { m_task.setResults(nullptr); });

@@ -2,8 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "convert/OutputClaim.h"
 #include "convert/ToolOutputParsers.h"
+#include "originals/OutputBatch.h"
+#include "originals/OutputClaim.h"
+#include "originals/ReplacedFile.h"
+#include "originals/SourceRetirement.h"
 
 #include <QString>
 
@@ -20,7 +23,8 @@ class NURVTask;
 /// batch, what it has to report, and whether its source may go. Every conversion job
 /// is a task and, beside that, one of these.
 ///
-///     takeOutput ──> the work ──> doubts, if any ──> deleteSourceIfDone ──> releaseOutput
+///     takeOutput ──> beginOutput ──> the work, tags ──> examineOutput ──> settleOutput
+///                                                            ──> deleteSourceIfDone ──> releaseOutput
 ///
 /// Used by one thread at a time: the GUI thread before the start, then whichever
 /// thread the job works on.
@@ -36,11 +40,11 @@ public:
     [[nodiscard]] virtual QString outputFile() const = 0;
 
     /// Whether the source is deleted once the job has succeeded.
-    [[nodiscard]] bool deleteOriginal() const { return m_deleteOriginal; }
-    void setDeleteOriginal(bool deleteOriginal) { m_deleteOriginal = deleteOriginal; }
+    [[nodiscard]] bool deleteOriginal() const { return m_retirement.wishes().deletesSources; }
+    void setDeleteOriginal(bool deleteOriginal);
 
     /// Makes the conversion a member of a batch. Before any member of it is started.
-    void setBatch(std::shared_ptr<ConversionBatch> batch);
+    void setBatch(std::shared_ptr<OutputBatch> batch);
 
     /// The job that this is.
     [[nodiscard]] std::shared_ptr<NURVTask> asTask() const;
@@ -50,10 +54,13 @@ protected:
     Conversion(NURVTask &task, const QString &fileName);
 
     /// Takes the output for this job and looks at what is there now. GUI thread. Returns
-    /// why it is not to be had: another job makes it, or it is another source of the batch.
+    /// why it is not to be had, as a line without the source's name: another job makes it,
+    /// it is another source of the batch, or a file that is to stay.
     [[nodiscard]] std::optional<QString> takeOutput();
-    /// Looks again, right before the output is made: what came there since is somebody else's.
-    void lookAtOutput();
+    /// Right before the output is made: looks again, moves a file aside that is to be
+    /// replaced (`replaces`: by what makes the output, in a batch that leaves it to that),
+    /// and notes the output in the journal. Throws NurvFailure when the file stays in the way.
+    void beginOutput(bool replaces);
     /// Before the queue is told of the end and starts further jobs.
     void releaseOutput() { m_claim.release(); }
 
@@ -66,8 +73,6 @@ protected:
     [[nodiscard]] bool hasTouchedOutput() const;
     /// Removes a file that is not what its name says, with a line in the log if it stays.
     static void removeHalfMade(const QString &path);
-    /// Also true for a link that leads nowhere.
-    [[nodiscard]] static bool isThere(const QString &path);
 
     /// Shows the next status line.
     void showStatus(const QString &text);
@@ -78,46 +83,63 @@ protected:
     void keepForReport(const QString &text);
     /// The same for a reason, which begins a line.
     void keepReasonForReport(const QString &reason);
-    /// Of a job that failed or met damage: the source's path, then the end of what was
+    /// Of a job that has something to tell: the source's path, then the end of what was
     /// kept. Otherwise `usual`: the slots of a set tell no member from another.
     [[nodiscard]] QString reportInstead(const QString &usual) const;
 
+    /// What the job's row and the report begin with: the first problem counts.
+    void noteProblem(const QString &problem);
+    /// "path: problem", as the report has it.
+    [[nodiscard]] QString problemLine(const QString &problem) const;
+
     /// The source may be more than what the output has of it: it stays, and the report
-    /// is shown although the job did not fail. `reason` ends the sentence "kept, since".
+    /// is shown although the job did not fail. `reason` is a line without a full stop.
     void doubtSource(const QString &reason);
     /// The same for a source that is damaged.
     void noteDamage(const QString &reason);
     [[nodiscard]] bool isDamaged() const { return m_isDamaged; }
     /// Before its tags are copied: throws NurvFailure when it is not.
     void checkThatSourceIsThere() const;
-    /// The output could not take the tags.
-    void keepSourceForItsTags() { m_sourceHasTheOnlyTags = true; }
-    /// The output has been written through to the disk.
-    void setOutputIsOnDisk(bool isOnDisk) { m_outputIsOnDisk = isOnDisk; }
+    /// The output could not take the tags: the source stays, and the row says so.
+    void noteLostTags(const QString &reason);
+
+    /// The output stands, with its tags: after the end of the application, too.
+    void noteComplete();
+    /// Compares what was made with the source, before a deletion sample by sample. Blocks
+    /// for all of that; for a worker. Nothing of the job is changed: see `takeVerdict`.
+    [[nodiscard]] SourceRetirement::Verdict examineOutput();
+    /// What the verdict means to the job: it has failed, or its source stays.
+    void takeVerdict(const SourceRetirement::Verdict &verdict);
+    /// What was replaced goes, when the output is whole, or gets its name back. Once the
+    /// error flag is final. Never throws.
+    void settleOutput();
     /// Deletes the source if that was asked for, the job succeeded, and nothing speaks
-    /// against it. What stays is named in the log. Once at most.
+    /// against it. What stays is named. Once at most.
     void deleteSourceIfDone();
     /// Lets go of the result set unless the job, or another one that shares the set, has
-    /// something to report: it failed or met damage.
+    /// something to report: it failed, met damage or could not do all.
     void dropResultsUnlessFailed();
 
 private:
+    void lookAtOutput();
     [[nodiscard]] bool outputIsAnotherSource() const;
     [[nodiscard]] bool sharesSetWithDamage() const;
-    /// Why the source may be the only copy of something although the job succeeded.
-    [[nodiscard]] std::optional<QString> reasonToKeepOriginal() const;
+    [[nodiscard]] bool hasToTell() const;
+    void showProof(double percent);
+    void noteKept(const QString &reason);
+    /// Reports a line, in a set of its own when the job has dropped its set already.
+    void tell(const QString &problem);
+    void restoreReplaced();
 
     NURVTask &m_task;
     QString m_ownText; ///< what the report is made of, as it was written
-    std::shared_ptr<ConversionBatch> m_batch;
+    std::shared_ptr<OutputBatch> m_batch;
     OutputClaim m_claim;
-    std::optional<struct stat> m_sourceBefore;
+    SourceRetirement m_retirement;
+    std::unique_ptr<ReplacedFile> m_replaced;
     std::optional<struct stat> m_outputBefore;
-    std::optional<QString> m_doubt;
+    bool m_hasBegunOutput = false;
     bool m_isDamaged = false;
-    bool m_deleteOriginal = false;
-    bool m_outputIsOnDisk = false;
-    bool m_sourceHasTheOnlyTags = false;
     bool m_hasDeletedSource = false;
 };
 

@@ -3,7 +3,7 @@
 #include "convert/ConversionTask.h"
 
 #include "convert/ConvertLog.h"
-#include "convert/DeletionCheck.h"
+#include "platform/FileFacts.h"
 #include "platform/GuiThread.h"
 #include "platform/NurvFailure.h"
 #include "platform/WorkerThreads.h"
@@ -34,48 +34,73 @@ ConversionTask::ConversionTask(NURVTaskQueue *queue, const QString &launchPath, 
 
 void ConversionTask::startTask()
 {
-    if (const std::optional<QString> reason = takeOutput()) {
-        becomeActive();
-        failToStart(*reason);
+    std::optional<QString> obstacle = takeOutput();
+    if (!obstacle) {
+        try {
+            m_temporaryExisted = isThere(temporaryOf(outputFile()));
+            beginOutput(replacesOutput());
+        } catch (const NurvFailure &failure) {
+            obstacle = failure.reason();
+        }
+    }
+    if (!obstacle) {
+        NURVAsyncNSTask::startTask();
         return;
     }
-    m_temporaryExisted = isThere(temporaryOf(outputFile()));
-    NURVAsyncNSTask::startTask();
+    becomeActive();
+    noteProblem(*obstacle);
+    failToStart(problemLine(*obstacle));
 }
 
 void ConversionTask::completeStop()
 {
+    runHook([this] { finishOutput(); });
     removeHalfMadeFiles();
-    if (!deleteOriginal() || cancelled() || !programSucceeded()) {
-        NURVAsyncNSTask::completeStop();
-        return;
-    }
-    // The disk may take its time, so a worker waits for it; until then the job stays
-    // active. When the application ends meanwhile, the source simply stays.
+    if (cancelled() || error() || !programSucceeded())
+        finishStop();
+    else
+        startExamination();
+}
+
+void ConversionTask::startExamination()
+{
+    noteComplete();
+    // The disk may take its time, and so does a proof, so a worker does both; until then
+    // the job stays active. When the application ends meanwhile, the source simply stays.
     const auto self = std::static_pointer_cast<ConversionTask>(shared_from_this());
-    const auto stop = [self](bool isOnDisk) {
-        self->setOutputIsOnDisk(isOnDisk);
-        self->NURVAsyncNSTask::completeStop();
+    const auto take = [self](const SourceRetirement::Verdict &verdict) {
+        self->takeVerdict(verdict);
+        self->finishStop();
     };
     try {
-        workerThreads::start([stop, output = outputFile()] {
-            postToGuiThread([stop, isOnDisk = flushToDisk(output)] { stop(isOnDisk); });
+        workerThreads::start([self, take] {
+            postToGuiThread([take, verdict = self->examineOutput()] { take(verdict); });
         });
     } catch (const std::system_error &failure) {
-        qCWarning(convertLog, "The output was not flushed: %s", failure.what());
-        stop(false);
+        qCWarning(convertLog, "The output was not examined: %s", failure.what());
+        take({.failure = {}, .keeping = u"its output could not be examined"_s});
     }
+}
+
+void ConversionTask::finishStop()
+{
+    if (!programSucceeded() && !cancelled())
+        setError(true);
+    settleOutput();
+    NURVAsyncNSTask::completeStop();
 }
 
 void ConversionTask::removeHalfMadeFiles() const
 {
     const std::optional<ChildExit> exit = exitState();
-    // A program that ends by itself cleans up by itself, or means to leave what it leaves.
-    if (!exit || exit->signal == 0)
+    if (!exit || exit->succeeded())
         return;
-    if (!m_temporaryExisted)
+    // Of a program that ends by itself the output is removed only where it is known to leave
+    // a cut one.
+    const bool isCut = exit->signal != 0 || leavesHalfMadeOutput();
+    if (exit->signal != 0 && !m_temporaryExisted)
         removeHalfMade(temporaryOf(outputFile()));
-    if (!outputExisted() && !outputIsSource())
+    if (isCut && !outputExisted() && !outputIsSource())
         removeHalfMade(outputFile());
 }
 
@@ -116,7 +141,7 @@ void ConversionTask::copyTags(const std::function<void()> &copy)
     } catch (const NurvFailure &failure) {
         qCWarning(convertLog).noquote() << "Tags not copied:" << fileName() << "->" << outputFile() << ':'
                                         << failure.reason();
-        keepSourceForItsTags();
+        noteLostTags(failure.reason());
     }
 }
 

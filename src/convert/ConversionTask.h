@@ -13,9 +13,11 @@ namespace nurv {
 /// One file converted by one program: what the five conversion jobs have in common.
 ///
 ///     child ──> processTaskOutput(chunk) ──> parseOutput ──> status line, progress, report
-///       └─ end ──> cleanup: tags, then the source is deleted if that was asked for
+///       └─ end ──> finishOutput: tags ──> a worker examines the output ──> cleanup: the source is
+///                                                              deleted if that was asked for
 ///
-/// Lives on the GUI thread like every command job.
+/// Lives on the GUI thread like every command job; its worker touches nothing of it but
+/// the status line.
 class ConversionTask : public NURVAsyncNSTask, public Conversion {
 public:
     /// Fails when another running job, or an earlier one of the batch, makes the output.
@@ -34,9 +36,15 @@ protected:
     void failWith(const QString &reason) final;
     /// Lets go of the output, before the queue starts further jobs.
     void finalCleanup() override { releaseOutput(); }
-    /// Removes what a killed program left half made, has an output that is to replace
-    /// its source written to the disk, then stops.
+    /// Removes what a program left half made, finishes and examines the output, then stops.
     void completeStop() final;
+    /// Whether the program replaces a file in its output's place.
+    [[nodiscard]] virtual bool replacesOutput() const { return false; }
+    /// Whether the program leaves a cut output behind when it fails.
+    [[nodiscard]] virtual bool leavesHalfMadeOutput() const { return false; }
+    /// Copies tags, where the job does that: after the program has ended, before what was
+    /// made is looked at. Once, whatever became of the program.
+    virtual void finishOutput() {}
     [[nodiscard]] virtual toolOutput::ChunkReport parseOutput(const QString &chunk) const = 0;
 
     /// Whether the program ended well, whatever became of the job.
@@ -48,6 +56,8 @@ protected:
 
 private:
     void removeHalfMadeFiles() const;
+    void startExamination();
+    void finishStop();
 
     bool m_temporaryExisted = false;
 };

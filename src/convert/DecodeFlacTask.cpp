@@ -25,13 +25,17 @@ toolOutput::ChunkReport DecodeFlacTask::parseOutput(const QString &chunk) const
     return toolOutput::parseFlacDecoding(chunk);
 }
 
-void DecodeFlacTask::cleanup()
+void DecodeFlacTask::finishOutput()
 {
-    // Before the row is painted, so that the set opens no output window.
-    dropResultsUnlessFailed();
     if (programSucceeded() && formatWord(outputFile()) == u"AIFF" && formatWord(fileName()) == u"FLAC")
         copyTags([this] { getFlacTags(); });
+}
+
+void DecodeFlacTask::cleanup()
+{
     deleteSourceIfDone();
+    // Before the row is painted, so that the set opens no output window.
+    dropResultsUnlessFailed();
 }
 
 void DecodeFlacTask::getFlacTags()

@@ -17,6 +17,7 @@ public:
 
 protected:
     [[nodiscard]] toolOutput::ChunkReport parseOutput(const QString &chunk) const override;
+    void finishOutput() override;
     void cleanup() override;
 
 private:

@@ -27,9 +27,9 @@ toolOutput::ChunkReport DecodeSHNTask::parseOutput(const QString &chunk) const
 
 void DecodeSHNTask::cleanup()
 {
+    deleteSourceIfDone();
     // Before the row is painted, so that the set opens no output window.
     dropResultsUnlessFailed();
-    deleteSourceIfDone();
 }
 
 } // namespace nurv

@@ -17,6 +17,7 @@ public:
 
 protected:
     [[nodiscard]] toolOutput::ChunkReport parseOutput(const QString &chunk) const override;
+    [[nodiscard]] bool leavesHalfMadeOutput() const override { return true; }
     void cleanup() override;
 };
 

@@ -4,7 +4,9 @@
 
 #include "app/NURVController.h"
 #include "app/PathNames.h"
+#include "convert/Conversion.h"
 #include "convert/ConversionArguments.h"
+#include "convert/ConversionBatch.h"
 #include "convert/DecodeALACTask.h"
 #include "convert/DecodeAPETask.h"
 #include "convert/DecodeFlacTask.h"
@@ -13,11 +15,8 @@
 #include "convert/DecodeWavpackTask.h"
 #include "engine/NURVTaskQueue.h"
 
-#include <QHash>
-
 #include <algorithm>
 #include <optional>
-#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -28,6 +27,7 @@ DecodeTab::DecodeTab(NURVController &controller)
       flacOptionsLabel(u"FLAC options"_s)
 {
     sourceDecodeButton.bindToSetting(u"decodeToSourceDirectory"_s);
+    originals.follow(deleteOriginalsButton, sourceDecodeButton);
     showFLacOptions(false);
 }
 
@@ -70,26 +70,17 @@ void DecodeTab::executeCommand()
 
 void DecodeTab::queueTasks(const std::optional<QString> &chosenFolder)
 {
-    std::vector<std::shared_ptr<Conversion>> conversions;
-    // Sources of one name share an output, and only the first of them will be in it; on some
-    // disks names differ in more than their case.
-    QHash<QString, int> sharers;
+    const bool keepsFolders = chosenFolder && originals.keepFoldersButton.isOn();
+    ConversionBatch batch(originals, deleteOriginalsButton.isOn(), keepsFolders);
     for (const QString &source : fileNames()) {
-        const std::shared_ptr<Conversion> conversion =
-            makeConversion(source, chosenFolder ? *chosenFolder : folderOf(source));
-        if (!conversion)
-            continue;
-        ++sharers[foldedName(conversion->outputFile())];
-        conversions.push_back(conversion);
+        const QString folder = !chosenFolder  ? folderOf(source)
+                               : keepsFolders ? joinPath(*chosenFolder, relativeFolderOf(source))
+                                              : *chosenFolder;
+        if (const std::shared_ptr<Conversion> conversion = makeConversion(source, folder))
+            batch.add(conversion);
     }
-    const auto batch = std::make_shared<ConversionBatch>();
-    for (const std::shared_ptr<Conversion> &conversion : conversions) {
-        conversion->setDeleteOriginal(deleteOriginalsButton.isOn()
-                                      && sharers.value(foldedName(conversion->outputFile())) == 1);
-        conversion->setBatch(batch);
-    }
-    for (const std::shared_ptr<Conversion> &conversion : conversions)
-        nurvController().taskQueue().addTask(conversion->asTask());
+    setPassedOver(batch.passedOver());
+    batch.queueTasks(nurvController().taskQueue());
 }
 
 std::shared_ptr<Conversion> DecodeTab::makeConversion(const QString &source, const QString &outputFolder) const

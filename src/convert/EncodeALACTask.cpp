@@ -4,7 +4,7 @@
 
 #include "app/PathNames.h"
 #include "app/Util.h"
-#include "convert/StageFile.h"
+#include "originals/StageFile.h"
 #include "tags/AACTagsHelper.h"
 #include "tags/TagLibTagsHelper.h"
 

@@ -28,11 +28,20 @@ toolOutput::ChunkReport EncodeFlacTask::parseOutput(const QString &chunk) const
     return toolOutput::parseFlacEncoding(chunk);
 }
 
-void EncodeFlacTask::cleanup()
+bool EncodeFlacTask::replacesOutput() const
+{
+    return arguments().contains(u"-f"_s);
+}
+
+void EncodeFlacTask::finishOutput()
 {
     const QString format = formatWord(fileName());
     if (format == u"AIFF" || format == u"AIF")
         copyTags([this] { getAiffTags(); });
+}
+
+void EncodeFlacTask::cleanup()
+{
     deleteSourceIfDone();
 }
 

@@ -17,6 +17,8 @@ public:
 
 protected:
     [[nodiscard]] toolOutput::ChunkReport parseOutput(const QString &chunk) const override;
+    [[nodiscard]] bool replacesOutput() const override;
+    void finishOutput() override;
     void cleanup() override;
     void finalCleanup() override;
 

@@ -30,10 +30,14 @@ toolOutput::ChunkReport EncodeSHNToFlacTask::parseOutput(const QString &chunk) c
     return toolOutput::parseFlacByShntool(chunk, m_type);
 }
 
-void EncodeSHNToFlacTask::cleanup()
+void EncodeSHNToFlacTask::finishOutput()
 {
     if (formatWord(fileName()) == u"APE")
         copyTags([this] { getApeTags(); });
+}
+
+void EncodeSHNToFlacTask::cleanup()
+{
     deleteSourceIfDone();
 }
 

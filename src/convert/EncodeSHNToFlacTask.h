@@ -23,6 +23,8 @@ public:
 
 protected:
     [[nodiscard]] toolOutput::ChunkReport parseOutput(const QString &chunk) const override;
+    void finishOutput() override;
+    [[nodiscard]] bool leavesHalfMadeOutput() const override { return true; }
     void cleanup() override;
     void finalCleanup() override;
 

@@ -8,7 +8,8 @@
 #include "checksum/ChecksumList.h"
 #include "checksum/CreateFFPTask.h"
 #include "checksum/CreateMD5Task.h"
-#include "convert/ConversionArguments.h"
+#include "convert/Conversion.h"
+#include "convert/ConversionBatch.h"
 #include "convert/EncodeALACTask.h"
 #include "convert/EncodeALACToAPETask.h"
 #include "convert/EncodeALACToFlacTask.h"
@@ -19,6 +20,7 @@
 #include "convert/EncodeSHNTask.h"
 #include "convert/EncodeSHNToFlacTask.h"
 #include "convert/EncodeTTATask.h"
+#include "convert/EncodeThroughWavTask.h"
 #include "convert/EncodeWavpackTask.h"
 #include "convert/EncodeWavpackToFlacTask.h"
 #include "engine/NURVTaskQueue.h"
@@ -41,18 +43,22 @@ namespace nurv {
 struct EncodeTab::Batch {
     QString format;
     std::optional<QString> chosenFolder; ///< nothing: beside each source
+    bool keepsFolders = false; ///< those of the sources are made again below the chosen folder
     bool overwrite = false;
     std::shared_ptr<NURVTaskResults> results;
-
-    [[nodiscard]] QString folderFor(const QString &source) const
-    {
-        return chosenFolder ? *chosenFolder : folderOf(source);
-    }
-    [[nodiscard]] QString outputFor(const QString &source) const
-    {
-        return outputPath(folderFor(source), source, format.toLower());
-    }
 };
+
+QString EncodeTab::folderFor(const Batch &batch, const QString &source) const
+{
+    if (!batch.chosenFolder)
+        return folderOf(source);
+    return batch.keepsFolders ? joinPath(*batch.chosenFolder, relativeFolderOf(source)) : *batch.chosenFolder;
+}
+
+QString EncodeTab::outputFor(const Batch &batch, const QString &source) const
+{
+    return outputPath(folderFor(batch, source), source, batch.format.toLower());
+}
 
 EncodeTab::EncodeTab(NURVController &controller)
     : BaseTab(controller, u"encode"_s),
@@ -60,6 +66,7 @@ EncodeTab::EncodeTab(NURVController &controller)
       apeSlider(1000, 5000, 1000, 2000), wavepackFormatMatrix({u"Fast"_s, u"High"_s}, 2)
 {
     sourceEncodeButton.bindToSetting(u"encodeToSourceDirectory"_s);
+    originals.follow(deleteOriginalsButton, sourceEncodeButton);
     outputFormatMatrix.bindToSetting(u"encodeOutputFormat"_s);
     flacSlider.bindToSetting(u"encodeFlacLevel"_s);
     const SettingsStore &settings = SettingsStore::instance();
@@ -97,7 +104,11 @@ void EncodeTab::executeCommand()
 {
     if (fileNames().isEmpty())
         return;
-    Batch batch{.format = outputFormat(), .chosenFolder = {}, .overwrite = false, .results = {}};
+    Batch batch{.format = outputFormat(),
+                .chosenFolder = {},
+                .keepsFolders = originals.keepFoldersButton.isOn(),
+                .overwrite = originals.existingOutputs == ExistingOutputs::Replace,
+                .results = {}};
     if (!confirmDeletingOriginals(deleteOriginalsButton.isOn()) || !chooseOutput(batch))
         return;
     batch.results = std::make_shared<NURVTaskResults>();
@@ -112,7 +123,7 @@ bool EncodeTab::chooseOutput(Batch &batch)
         batch.chosenFolder = chooseOutputFolder();
         return batch.chosenFolder.has_value();
     }
-    if (batch.format != u"FLAC" || !anyOutputExists())
+    if (originals.existingOutputs != ExistingOutputs::AsTold || batch.format != u"FLAC" || !anyOutputExists())
         return true;
     const Alert question{.title = u"One of the output files already exists and will be overwritten.  "
                                   "Are you sure you want to continue?"_s,
@@ -166,8 +177,8 @@ std::shared_ptr<NURVTask> EncodeTab::md5Task(const Batch &batch) const
 {
     QStringList outputs;
     for (const QString &source : fileNames())
-        outputs.append(batch.outputFor(source));
-    const QString folder = batch.folderFor(fileNames().first());
+        outputs.append(outputFor(batch, source));
+    const QString folder = folderFor(batch, fileNames().first());
     const bool namedAfterFolder = SettingsStore::instance().boolean(u"checksumFileUsesOutputDirName"_s);
     const QString list = joinPath(folder, checksumList::md5FileName(folder, namedAfterFolder));
     return std::make_shared<CreateMD5Task>(&nurvController().taskQueue(), outputs, list);
@@ -177,7 +188,7 @@ std::shared_ptr<NURVTask> EncodeTab::ffpTask(const Batch &batch) const
 {
     QMap<QString, QStringList> outputsByFolder;
     for (const QString &source : fileNames())
-        outputsByFolder[batch.folderFor(source)].append(batch.outputFor(source));
+        outputsByFolder[folderFor(batch, source)].append(outputFor(batch, source));
     const QString extension = SettingsStore::instance().string(u"ffpExtension"_s);
     return std::make_shared<CreateFFPTask>(&nurvController().taskQueue(), outputsByFolder,
                                            checksumList::ffpFileName(QString(), extension, false));
@@ -185,43 +196,36 @@ std::shared_ptr<NURVTask> EncodeTab::ffpTask(const Batch &batch) const
 
 void EncodeTab::queueTasks(const Batch &batch)
 {
-    // Sources of one name share an output, and only the first of them will be in it; on some
-    // disks names differ in more than their case.
-    QHash<QString, int> sharers;
-    for (const QString &source : fileNames())
-        ++sharers[foldedName(batch.outputFor(source))];
-
-    const auto members = std::make_shared<ConversionBatch>();
-    std::vector<std::shared_ptr<Conversion>> conversions;
+    ConversionBatch conversions(originals, deleteOriginalsButton.isOn(), batch.chosenFolder && batch.keepsFolders);
     for (const QString &source : fileNames()) {
         const std::shared_ptr<Conversion> conversion = makeConversion(batch, source);
-        if (!conversion)
-            continue;
-        if (batch.format == u"SHN" || batch.format == u"FLAC")
+        if (conversion && conversions.add(conversion) && (batch.format == u"SHN" || batch.format == u"FLAC"))
             batch.results->addTaskInSet(*conversion->asTask());
-        conversion->setDeleteOriginal(deleteOriginalsButton.isOn()
-                                      && sharers.value(foldedName(batch.outputFor(source))) == 1);
-        conversion->setBatch(members);
-        conversions.push_back(conversion);
     }
-    for (const std::shared_ptr<Conversion> &conversion : conversions)
-        nurvController().taskQueue().addTask(conversion->asTask());
+    setPassedOver(conversions.passedOver());
+    NURVTaskQueue &queue = nurvController().taskQueue();
+    conversions.queueTasks(queue);
+    // An interrupted batch that is run again may have nothing left to make but its list.
+    if (conversions.isEmpty() && !conversions.passedOver().isEmpty() && batch.results->taskAfterSetDone())
+        queue.addTask(batch.results->taskAfterSetDone());
 }
 
 std::shared_ptr<Conversion> EncodeTab::makeConversion(const Batch &batch, const QString &source) const
 {
     NURVTaskQueue *const queue = &nurvController().taskQueue();
-    const QString folder = batch.folderFor(source);
-    const bool isAlac = formatWord(source) == u"M4A";
+    const QString folder = folderFor(batch, source);
+    const QString type = formatWord(source);
+    const bool isAlac = type == u"M4A";
+    if (EncodeThroughWavTask::suits(type, batch.format))
+        return encodeThroughWav(batch, source);
     if (batch.format == u"SHN")
         return encodeSHN(source, folder, queue, batch.results);
     if (batch.format == u"FLAC")
         return encodeFLAC(source, folder, queue, batch.results, batch.overwrite);
     if (batch.format == u"WV") {
-        const QString level = wavepackFormatMatrix.selectedColumn() == 0 ? u"-f"_s : u"-h"_s;
         if (isAlac)
-            return std::make_shared<EncodeALACToWavpackTask>(queue, source, folder, level);
-        return std::make_shared<EncodeWavpackTask>(queue, source, level, folder);
+            return std::make_shared<EncodeALACToWavpackTask>(queue, source, folder, wavpackLevel());
+        return std::make_shared<EncodeWavpackTask>(queue, source, wavpackLevel(), folder);
     }
     if (batch.format == u"TTA") {
         if (isAlac)
@@ -238,6 +242,32 @@ std::shared_ptr<Conversion> EncodeTab::makeConversion(const Batch &batch, const 
     return nullptr;
 }
 
+conversionArguments::FlacEncoding EncodeTab::flacEncoding(bool overwrite) const
+{
+    return {.level = flacSlider.integerValue(),
+            .lax = flacLaxButton.isOn(),
+            .keepForeignMetadata = flacKeepForeignMetadataButton.isOn(),
+            .verify = flacVerifyButton.isOn(),
+            .overwrite = overwrite};
+}
+
+std::shared_ptr<Conversion> EncodeTab::encodeThroughWav(const Batch &batch, const QString &source) const
+{
+    EncodeThroughWavTask::Encoding encoding{.format = batch.format, .level = {}, .flac = flacEncoding(false)};
+    if (batch.format == u"WV")
+        encoding.level = wavpackLevel();
+    else if (batch.format == u"APE")
+        encoding.level = apeSlider.stringValue();
+    const bool sharesResults = batch.format == u"SHN" || batch.format == u"FLAC";
+    return std::make_shared<EncodeThroughWavTask>(&nurvController().taskQueue(), source, folderFor(batch, source),
+                                                  encoding, sharesResults ? batch.results : nullptr);
+}
+
+QString EncodeTab::wavpackLevel() const
+{
+    return wavepackFormatMatrix.selectedColumn() == 0 ? u"-f"_s : u"-h"_s;
+}
+
 std::shared_ptr<Conversion> EncodeTab::encodeSHN(const QString &source, const QString &outputFolder,
                                                  NURVTaskQueue *queue,
                                                  const std::shared_ptr<NURVTaskResults> &results) const
@@ -250,11 +280,7 @@ std::shared_ptr<Conversion> EncodeTab::encodeFLAC(const QString &source, const Q
                                                   NURVTaskQueue *queue, const std::shared_ptr<NURVTaskResults> &results,
                                                   bool overwrite) const
 {
-    const conversionArguments::FlacEncoding encoding{.level = flacSlider.integerValue(),
-                                                     .lax = flacLaxButton.isOn(),
-                                                     .keepForeignMetadata = flacKeepForeignMetadataButton.isOn(),
-                                                     .verify = flacVerifyButton.isOn(),
-                                                     .overwrite = overwrite};
+    const conversionArguments::FlacEncoding encoding = flacEncoding(overwrite);
     const QString type = formatWord(source);
     if (type == u"SHN" || type == u"APE") {
         return std::make_shared<EncodeSHNToFlacTask>(queue, joinPath(pathToCommandLineTools(), u"shntool"_s),

@@ -4,6 +4,7 @@
 
 #include "app/BaseTab.h"
 #include "app/Control.h"
+#include "convert/ConversionArguments.h"
 #include "originals/OriginalsControls.h"
 
 #include <QSet>
@@ -74,6 +75,14 @@ private:
     [[nodiscard]] std::shared_ptr<NURVTask> md5Task(const Batch &batch) const;
     [[nodiscard]] std::shared_ptr<NURVTask> ffpTask(const Batch &batch) const;
     void queueTasks(const Batch &batch);
+    /// The folder of a source's output.
+    [[nodiscard]] QString folderFor(const Batch &batch, const QString &source) const;
+    [[nodiscard]] QString outputFor(const Batch &batch, const QString &source) const;
+    [[nodiscard]] conversionArguments::FlacEncoding flacEncoding(bool overwrite) const;
+    /// "-f" or "-h".
+    [[nodiscard]] QString wavpackLevel() const;
+    /// For a source that the format's encoder cannot read.
+    [[nodiscard]] std::shared_ptr<Conversion> encodeThroughWav(const Batch &batch, const QString &source) const;
     /// The job that suits format and source; null without a format.
     [[nodiscard]] std::shared_ptr<Conversion> makeConversion(const Batch &batch, const QString &source) const;
 };

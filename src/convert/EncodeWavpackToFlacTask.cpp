@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "convert/EncodeWavpackToFlacTask.h"
 
-#include "convert/StageFile.h"
+#include "originals/StageFile.h"
 #include "tags/TagLibTagsHelper.h"
 
 #include <utility>

@@ -41,7 +41,8 @@ ToolStage encodeTta(const QString &input, const QString &output)
             .arguments = {input, u"-o"_s, output},
             .parse = labelled(toolOutput::parseTta, u"Encoding to TTA: "_s),
             .tellsOfError = {},
-            .stopsOnError = false};
+            .stopsOnError = false,
+            .replacesOutput = true};
 }
 
 ToolStage encodeMonkeysAudio(const QString &level, const QString &input, const QString &output)
@@ -49,7 +50,8 @@ ToolStage encodeMonkeysAudio(const QString &level, const QString &input, const Q
     return {.name = u"mac"_s,
             .arguments = {input, output, u"-c"_s + level},
             .parse = labelled(toolOutput::parseMonkeysAudio, u"Encoding to Monkey's Audio"_s),
-            .tellsOfError = toolOutput::monkeysAudioTellsOfError};
+            .tellsOfError = toolOutput::monkeysAudioTellsOfError,
+            .replacesOutput = true};
 }
 
 ToolStage encodeFlac(bool verify, const QString &input, const QString &output)
@@ -82,7 +84,8 @@ ToolStage decodeTta(const QString &source, const QString &output)
             .arguments = {source, u"-o"_s, output},
             .parse = labelled(toolOutput::parseTta, u"Decoding From TTA: "_s),
             .tellsOfError = {},
-            .stopsOnError = false};
+            .stopsOnError = false,
+            .replacesOutput = true};
 }
 
 ToolStage decodeMonkeysAudio(const QString &source, const QString &output)
@@ -90,7 +93,21 @@ ToolStage decodeMonkeysAudio(const QString &source, const QString &output)
     return {.name = u"mac"_s,
             .arguments = {source, output, u"-d"_s},
             .parse = labelled(toolOutput::parseMonkeysAudio, u"Decoding from Monkey's Audio"_s),
-            .tellsOfError = toolOutput::monkeysAudioTellsOfError};
+            .tellsOfError = toolOutput::monkeysAudioTellsOfError,
+            .replacesOutput = true};
+}
+
+ToolStage encodeShorten(const QString &input, const QString &output)
+{
+    return {.name = u"shorten"_s,
+            .arguments = {input, output},
+            .parse =
+                [](const QString &chunk) {
+                    toolOutput::ChunkReport report;
+                    report.results = chunk;
+                    return report;
+                },
+            .tellsOfError = {}};
 }
 
 ToolStage wavpackToWavForFlac(const QString &source, const QString &wav)
@@ -131,6 +148,14 @@ ToolStage wavpackToWav(const QString &source, const QString &wav)
     return temporaryDecoding({.name = u"wvunpack"_s,
                               .arguments = {source, u"-o"_s, wav, u"-y"_s},
                               .parse = toolOutput::parseWavpackToWav,
+                              .tellsOfError = {}});
+}
+
+ToolStage ttaToWav(const QString &source, const QString &wav)
+{
+    return temporaryDecoding({.name = u"ttaenc"_s,
+                              .arguments = {source, u"-o"_s, wav},
+                              .parse = labelled(toolOutput::parseTta, u"Decoding to WAV: "_s),
                               .tellsOfError = {}});
 }
 

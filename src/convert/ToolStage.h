@@ -25,6 +25,9 @@ struct ToolStage {
     bool stopsOnError = true;
     /// The run is ended as soon as the job is cancelled.
     bool stopsOnCancel = true;
+    /// A file in the output's place is replaced without a question, where the batch leaves
+    /// that to the program.
+    bool replacesOutput = false;
     /// A status other than 0 makes the job fail when it stops. Where it does not, it still
     /// keeps the source.
     bool looksAtExitStatus = true;
@@ -49,6 +52,8 @@ namespace toolStages {
 [[nodiscard]] ToolStage decodeTta(const QString &source, const QString &output);
 /// `mac`.
 [[nodiscard]] ToolStage decodeMonkeysAudio(const QString &source, const QString &output);
+/// `shorten`, which writes nothing while it works.
+[[nodiscard]] ToolStage encodeShorten(const QString &input, const QString &output);
 /// `wvunpack` to the temporary WAV of an encoding to FLAC.
 [[nodiscard]] ToolStage wavpackToWavForFlac(const QString &source, const QString &wav);
 
@@ -59,6 +64,8 @@ namespace toolStages {
 [[nodiscard]] ToolStage flacToWav(const QString &source, const QString &wav);
 [[nodiscard]] ToolStage monkeysAudioToWav(const QString &source, const QString &wav);
 [[nodiscard]] ToolStage wavpackToWav(const QString &source, const QString &wav);
+/// For encoders that cannot read TTA.
+[[nodiscard]] ToolStage ttaToWav(const QString &source, const QString &wav);
 
 } // namespace toolStages
 

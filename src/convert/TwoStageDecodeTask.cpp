@@ -3,7 +3,8 @@
 #include "convert/TwoStageDecodeTask.h"
 
 #include "convert/ConversionArguments.h"
-#include "convert/StageFile.h"
+#include "originals/StageFile.h"
+#include "platform/FileFacts.h"
 
 #include <QScopeGuard>
 
@@ -40,7 +41,11 @@ void TwoStageDecodeTask::decodeThroughWav(const QString &wav, const StageFor &st
         decodeThroughTemporaryWav(stageFor);
         return;
     }
-    const auto removeWav = qScopeGuard([&] { removeHalfMade(wav); });
+    OutputJournal::noteTemporary(wav);
+    const auto removeWav = qScopeGuard([&] {
+        removeHalfMade(wav);
+        OutputJournal::forgetTemporary(wav);
+    });
     runTool(stageFor(wav));
     convertToAiff(wav);
 }

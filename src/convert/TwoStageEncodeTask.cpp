@@ -4,13 +4,15 @@
 
 #include "app/PathNames.h"
 #include "convert/ConvertLog.h"
-#include "convert/StageFile.h"
+#include "originals/StageFile.h"
 #include "platform/TextNumbers.h"
 #include "tags/FlacTagHelper.h"
 #include "tags/TagLibTagsHelper.h"
 
 #include <algorithm>
 #include <array>
+
+using namespace Qt::StringLiterals;
 
 namespace nurv {
 
@@ -72,7 +74,7 @@ void TwoStageEncodeTask::writeFlacTags(const TagsObject &tags)
     if (holdsRecord(TagLibTagsHelper::tagsForFlacFile(outputFile()), tags))
         return;
     qCWarning(convertLog).noquote() << "Tags not copied:" << fileName() << "->" << outputFile();
-    keepSourceForItsTags();
+    noteLostTags(u"they are not in the output"_s);
 }
 
 } // namespace nurv

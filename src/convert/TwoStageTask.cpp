@@ -4,16 +4,17 @@
 
 #include "app/PathNames.h"
 #include "convert/ConvertLog.h"
-#include "convert/DeletionCheck.h"
 #include "convert/EncodeCoreAudioSync.h"
-#include "convert/StageFile.h"
+#include "originals/StageFile.h"
 #include "platform/ExternalPrograms.h"
+#include "platform/FileFacts.h"
 #include "platform/NurvFailure.h"
 #include "platform/ResourceFolder.h"
 
 #include <QFile>
 
 #include <exception>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -28,9 +29,12 @@ TwoStageTask::TwoStageTask(NURVTaskQueue *queue, const QString &fileName, const 
 
 std::optional<QString> TwoStageTask::reasonNotToStart()
 {
-    if (outputIsSource())
-        return u"%1: its output would replace it\n"_s.arg(fileName());
-    return takeOutput();
+    std::optional<QString> obstacle =
+        outputIsSource() ? std::optional(u"its output would replace it"_s) : takeOutput();
+    if (!obstacle)
+        return std::nullopt;
+    noteProblem(*obstacle);
+    return problemLine(*obstacle);
 }
 
 void TwoStageTask::doStartTask()
@@ -41,13 +45,13 @@ void TwoStageTask::doStartTask()
     convert();
 }
 
-void TwoStageTask::runTool(const ToolStage &stage)
+bool TwoStageTask::runTool(const ToolStage &stage)
 {
     if (cancelled())
-        return;
+        return false;
     if (stage.arguments.contains(m_outFile)) {
-        lookAtOutput();
-        m_hasBegunOutput = true;
+        beginOutput(stage.replacesOutput);
+        m_programHasBegun = true;
     }
     QString recent;
     const auto takeText = [&](const QString &chunk) {
@@ -57,7 +61,7 @@ void TwoStageTask::runTool(const ToolStage &stage)
         recent += chunk;
         // What it asks about is not its own.
         if (toolOutput::asksToOverwrite(recent))
-            m_hasBegunOutput = false;
+            m_programHasBegun = false;
         if (stage.tellsOfError && stage.tellsOfError(recent))
             setError(true);
         recent = recent.right(toolOutput::kLongestErrorMarker);
@@ -66,7 +70,9 @@ void TwoStageTask::runTool(const ToolStage &stage)
     const std::function<bool()> isUnwanted =
         stage.stopsOnCancel ? [this] { return cancelled(); } : std::function<bool()>();
     ToolRunSync run(joinPath(pathToCommandLineTools(), stage.name), stage.arguments);
-    takeEnding(stage, run.run(takeText, isUnwanted));
+    const ToolRunSync::Ending ending = run.run(takeText, isUnwanted);
+    takeEnding(stage, ending);
+    return ending.succeeded() && !error() && !cancelled();
 }
 
 void TwoStageTask::takeEnding(const ToolStage &stage, const ToolRunSync::Ending &ending)
@@ -116,13 +122,12 @@ void TwoStageTask::convertToOutput(const QString &source, FourCharCode formatTyp
     StageFile beside(m_outputPath, pathExtension(m_outFile));
     if (!convertAudio(source, beside.path(), formatType, fileType))
         return;
-    lookAtOutput();
-    if (!outputExisted())
-        beside.place(m_outFile);
-    else if (error() || isDamaged())
+    if (isThere(m_outFile) && (error() || isDamaged())) {
         failWith(u"%1 stays as it was: what was to replace it is not whole\n"_s.arg(m_outFile));
-    else
-        beside.replace(m_outFile);
+        return;
+    }
+    beginOutput(true);
+    beside.place(m_outFile);
 }
 
 void TwoStageTask::refuseOutputThatBegins(const QByteArray &bytes)
@@ -146,7 +151,7 @@ void TwoStageTask::stopTask()
 
 void TwoStageTask::settle()
 {
-    if (m_isHalfMade && m_hasBegunOutput)
+    if (m_isHalfMade && m_programHasBegun)
         settleHalfMadeOutput();
     if (m_failsAtStop && !cancelled())
         setError(true);
@@ -159,7 +164,17 @@ void TwoStageTask::settle()
     } catch (const std::exception &failure) {
         failWith(QString::fromUtf8(failure.what()));
     }
-    flushOutput();
+    examineOnce();
+    settleOutput();
+}
+
+void TwoStageTask::examineOnce()
+{
+    // While the job is still active: when the application ends meanwhile, the source stays.
+    if (std::exchange(m_isExamined, true))
+        return;
+    noteComplete();
+    takeVerdict(examineOutput());
 }
 
 void TwoStageTask::settleHalfMadeOutput()
@@ -172,16 +187,9 @@ void TwoStageTask::settleHalfMadeOutput()
         failWith(u"%1: what its program left of the output is not whole\n"_s.arg(fileName()));
 }
 
-void TwoStageTask::flushOutput()
-{
-    // While the job is still active: when the application ends meanwhile, the source stays.
-    if (deleteOriginal() && !error() && !cancelled())
-        setOutputIsOnDisk(flushToDisk(m_outFile));
-}
-
 void TwoStageTask::deleteSourceNow()
 {
-    flushOutput();
+    examineOnce();
     deleteSourceIfDone();
 }
 

@@ -20,7 +20,8 @@ namespace nurv {
 ///
 ///     source ──> [temporary WAV] ──> program, or the audio service ──> output
 ///                                         └── chunk ──> parser ──> row, report
-///     ──> exit status ──> cleanup: tags ──> row, queue ──> the source is deleted if that was asked for
+///     ──> exit status ──> cleanup: tags ──> the output is examined ──> row, queue
+///     ──> the source is deleted if that was asked for
 ///
 /// A derived class says what runs in `convert`, and what else is to be done in `cleanup`.
 class TwoStageTask : public NURVInProcessTask, public Conversion {
@@ -48,7 +49,8 @@ protected:
     virtual void cleanup() {}
 
     /// Runs the program to its end and parses what it writes. Nothing runs in a cancelled job.
-    void runTool(const ToolStage &stage);
+    /// False: it failed, told of an error, or did not run.
+    bool runTool(const ToolStage &stage);
     /// Converts `source` to `file` by the audio service. A failure sets the error flag.
     /// False: it failed, or the job was cancelled.
     bool convertAudio(const QString &source, const QString &file, FourCharCode formatType, FourCharCode fileType);
@@ -63,8 +65,8 @@ protected:
     /// behind `complaint`.
     void copyTags(const std::function<void()> &copy,
                   const QString &complaint = QStringLiteral("Error writing tags to file:\n"));
-    /// Deletes the source, if that was asked for and nothing speaks against it, before the
-    /// job stops.
+    /// Examines the output and deletes the source, if that was asked for and nothing speaks
+    /// against it, before the job stops.
     void deleteSourceNow();
 
     void doStartTask() final;
@@ -76,12 +78,13 @@ private:
     void takeEnding(const ToolStage &stage, const ToolRunSync::Ending &ending);
     void settle();
     void settleHalfMadeOutput();
-    void flushOutput();
+    void examineOnce();
 
     QString m_outputPath;
     QString m_outFile;
     bool m_hasBegun = false;
-    bool m_hasBegunOutput = false; ///< by a program
+    bool m_programHasBegun = false; ///< with the output itself
+    bool m_isExamined = false;
     bool m_isHalfMade = false;
     bool m_failsAtStop = false;
 };

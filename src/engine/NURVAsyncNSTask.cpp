@@ -90,7 +90,6 @@ void NURVAsyncNSTask::completeStop()
 
 void NURVAsyncNSTask::runHook(const std::function<void()> &hook)
 {
-    // Everything here runs in an event handler, which no exception may leave.
     try {
         hook();
     } catch (const NurvFailure &failure) {

@@ -50,6 +50,10 @@ protected:
     /// The stop itself; runs once, when no program runs any more.
     virtual void completeStop();
 
+    /// Runs what may throw: everything here runs in an event handler, which no exception may
+    /// leave. What it throws fails the job.
+    void runHook(const std::function<void()> &hook);
+
     /// Ends the job in error from `startTask`, without a program. The stop follows
     /// by a later event: the queue holds its lock while it starts a job.
     void failToStart(const QString &reason);
@@ -63,7 +67,6 @@ protected:
 private:
     void taskDataAvailable(const QByteArray &bytes);
     void readExitStatus();
-    void runHook(const std::function<void()> &hook);
 
     QString m_launchPath;
     QStringList m_arguments;

@@ -23,6 +23,16 @@ double onTheBar(double progress)
     return std::clamp(progress, 0.0, 100.0);
 }
 
+/// What a job that ended well did not do all the same.
+QString remarkOf(const TaskOutcome &outcome)
+{
+    if (outcome.original == TaskOutcome::Original::Kept)
+        return u"; original kept: "_s + outcome.problem;
+    if (!outcome.problem.isEmpty())
+        return u"; "_s + outcome.problem;
+    return outcome.proof == TaskOutcome::Proof::NotProven ? u"; not proven"_s : QString();
+}
+
 } // namespace
 
 NURVTask::NURVTask(NURVTaskQueue *queue)
@@ -139,6 +149,8 @@ void NURVTask::failWith(const QString &reason)
 void NURVTask::warn(const QString &text)
 {
     m_warnings.append(text);
+    if (m_outcome.problem.isEmpty())
+        m_outcome.problem = text;
     qCWarning(engineLog).noquote() << text;
 }
 
@@ -201,7 +213,7 @@ void NURVTask::setGuiFields()
             qCWarning(failedJobLog).noquote() << description() << "Error";
         } else {
             m_textField.color = RowColor::DarkGreen;
-            m_topTextField.text = u"Complete"_s;
+            m_topTextField.text = u"Complete"_s + remarkOf(m_outcome);
             m_progressIndicator.hidden = true;
         }
         m_cancelButton.hidden = true;

@@ -84,6 +84,8 @@ public:
     /// What was made, and what became of the source. Final once the queue tells that the
     /// job is settled. GUI thread.
     [[nodiscard]] const TaskOutcome &outcome() const { return m_outcome; }
+    /// For the thread that the job works on, until it is settled.
+    [[nodiscard]] TaskOutcome &ownOutcome() { return m_outcome; }
 
     [[nodiscard]] NURVTaskQueue *queue() const;
 
@@ -134,8 +136,6 @@ protected:
     void reportCompletion();
     /// Tells the queue, on the GUI thread, that nothing of the job is left to do.
     void reportSettled();
-    /// For the job's own thread, until it is settled.
-    [[nodiscard]] TaskOutcome &ownOutcome() { return m_outcome; }
 
 private:
     void doStartTaskOnMainThread();

@@ -13,4 +13,17 @@ OriginalsControls::OriginalsControls()
     keepFoldersButton.bindToSetting(u"keepFolders"_s);
 }
 
+void OriginalsControls::follow(CheckControl &deleteOriginals, CheckControl &besideSource)
+{
+    const auto followDeletion = [this, &deleteOriginals] {
+        proveButton.setEnabled(deleteOriginals.isOn());
+        dropMetadataButton.setEnabled(deleteOriginals.isOn());
+    };
+    const auto followPlace = [this, &besideSource] { keepFoldersButton.setEnabled(!besideSource.isOn()); };
+    QObject::connect(&deleteOriginals, &Control::valueChanged, &proveButton, followDeletion);
+    QObject::connect(&besideSource, &Control::valueChanged, &keepFoldersButton, followPlace);
+    followDeletion();
+    followPlace();
+}
+
 } // namespace nurv

@@ -157,10 +157,10 @@ bool writeInfo(FileDescriptor file, const QByteArray &info)
 }
 
 // The info file reserves the name; only then the file moves.
-bool moveInto(const TrashFolder &trash, const QString &path)
+bool moveInto(const TrashFolder &trash, const QString &path, const QString &recordedName)
 {
-    const QByteArray info = trashInfo(path, trash);
-    const QString name = QFileInfo(path).fileName();
+    const QByteArray info = trashInfo(QDir(QFileInfo(path).path()).filePath(recordedName), trash);
+    const QString &name = recordedName;
     constexpr int kAttempts = 10000;
     for (int attempt = 1; attempt <= kAttempts; ++attempt) {
         const QString entry = nameInTrash(name, attempt);
@@ -188,9 +188,10 @@ bool moveInto(const TrashFolder &trash, const QString &path)
 
 } // namespace
 
-bool moveToTrash(const QString &path)
+bool moveToTrash(const QString &path, const QString &originalPath)
 {
     const QFileInfo item(path);
+    const QString recordedName = originalPath.isEmpty() ? item.fileName() : QFileInfo(originalPath).fileName();
     // The folder is resolved and the item is not: a link goes into the trash itself.
     const QString folder = QFileInfo(item.absolutePath()).canonicalFilePath();
     const QString name = item.fileName();
@@ -203,7 +204,7 @@ bool moveToTrash(const QString &path)
             const auto trash = deviceOfHomeTrash() == facts->st_dev
                 ? homeTrash()
                 : topTrash(folder, facts->st_dev);
-            moved = trash && moveInto(*trash, absolute);
+            moved = trash && moveInto(*trash, absolute, recordedName);
         }
     }
     if (!moved)

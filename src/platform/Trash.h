@@ -13,6 +13,9 @@ namespace nurv {
 ///
 /// Never copies and never deletes: on failure returns false with a line in the
 /// log, and the file is where it was. May be called from any thread.
-[[nodiscard]] bool moveToTrash(const QString &path);
+///
+/// `originalPath`, in the same folder, is what the trash records as the file's path, for
+/// one that was renamed meanwhile; `path` itself when empty.
+[[nodiscard]] bool moveToTrash(const QString &path, const QString &originalPath = {});
 
 } // namespace nurv

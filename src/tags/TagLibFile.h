@@ -14,6 +14,7 @@
 #include <flacfile.h>
 #include <id3v2framefactory.h>
 #include <mpegfile.h>
+#include <trueaudiofile.h>
 #include <wavpackfile.h>
 
 #include <exception>

@@ -479,6 +479,13 @@ void TagLibTagsHelper::writeTagsForAPEFile(const QString &path, const TagsObject
     });
 }
 
+TagsObject TagLibTagsHelper::tagsForTTAFile(const QString &path)
+{
+    return tagLibFile::read<TagLib::TrueAudio::File>(
+               path, [](TagLib::TrueAudio::File &file) { return readGenericTags(*file.tag()); })
+        .value_or(blankTags());
+}
+
 TagsObject TagLibTagsHelper::tagsForWavpackFile(const QString &path)
 {
     return tagLibFile::read<TagLib::WavPack::File>(

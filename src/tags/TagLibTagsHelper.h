@@ -44,6 +44,9 @@ public:
     [[nodiscard]] static TagsObject tagsForAPEFile(const QString &path);
     static void writeTagsForAPEFile(const QString &path, const TagsObject &tagObject, bool writeEmptyTags);
 
+    /// From an ID3 tag at either end.
+    [[nodiscard]] static TagsObject tagsForTTAFile(const QString &path);
+
     [[nodiscard]] static TagsObject tagsForWavpackFile(const QString &path);
     static void writeTagsForWavpackFile(const QString &path, const TagsObject &tagObject, bool writeEmptyTags);
 

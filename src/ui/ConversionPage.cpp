@@ -3,6 +3,7 @@
 #include "ui/ConversionPage.h"
 
 #include "app/Control.h"
+#include "originals/OriginalsControls.h"
 #include "ui/Bindings.h"
 #include "ui/OptionWidgets.h"
 #include "ui/RadioMatrix.h"
@@ -25,14 +26,20 @@ void ConversionPage::addFormats(ChoiceControl &formats, const QStringList &shown
 }
 
 void ConversionPage::addOutputOptions(CheckControl &besideSource, const QString &besideSourceName,
-                                      CheckControl &deleteOriginals)
+                                      CheckControl &deleteOriginals, OriginalsControls &originals)
 {
     QVBoxLayout *const group = addOptionGroup(tr("Files"), u"filesGroup"_s);
     QWidget *const parent = lastOptionGroup();
     addCheckBox(group, besideSource, tr("Save &beside each source file"), besideSourceName,
                 tr("Otherwise one output folder is asked for"), parent);
+    addCheckBox(group, originals.keepFoldersButton, tr("Rebuild the sour&ce folders"), u"keepFoldersButton"_s,
+                tr("Makes the folders of the sources again below the output folder"), parent);
     addCheckBox(group, deleteOriginals, tr("Delete &originals afterwards"), u"deleteOriginalsButton"_s,
                 tr("Removes each source file once its output has been made without an error"), parent);
+    addCheckBox(group, originals.proveButton, tr("Delete onl&y what is proven"), u"proveButton"_s,
+                tr("Decodes source and output again and deletes a source only when every sample is the same"), parent);
+    addCheckBox(group, originals.dropMetadataButton, tr("Even if tags wo&uld be lost"), u"dropMetadataButton"_s,
+                tr("Otherwise a source stays whose tags, pictures or chunks have no place in its output"), parent);
 }
 
 } // namespace nurv

@@ -10,6 +10,7 @@ namespace nurv {
 
 class CheckControl;
 class ChoiceControl;
+struct OriginalsControls;
 
 /// A page whose tool makes an output of every file: the options that all of these
 /// tools have.
@@ -24,7 +25,8 @@ protected:
     /// their order.
     void addFormats(ChoiceControl &formats, const QStringList &shownTitles);
     /// Where the outputs go, and what becomes of the source files.
-    void addOutputOptions(CheckControl &besideSource, const QString &besideSourceName, CheckControl &deleteOriginals);
+    void addOutputOptions(CheckControl &besideSource, const QString &besideSourceName, CheckControl &deleteOriginals,
+                          OriginalsControls &originals);
 };
 
 } // namespace nurv

@@ -17,7 +17,8 @@ DecodePage::DecodePage(DecodeTab &tab, QWidget *parent) : ConversionPage(tab, pa
 {
     setObjectName(u"decodePage"_s);
     addFormats(tab.outputFormatMatrix, {tr("&WAV"), tr("A&IFF")});
-    addOutputOptions(tab.sourceDecodeButton, u"sourceDecodeButton"_s, tab.deleteOriginalsButton);
+    addOutputOptions(tab.sourceDecodeButton, u"sourceDecodeButton"_s, tab.deleteOriginalsButton,
+                     tab.originals);
     addFlacOptions();
     finishOptions();
 }

@@ -19,7 +19,8 @@ EncodePage::EncodePage(EncodeTab &tab, QWidget *parent) : ConversionPage(tab, pa
                                         tr("A&pple Lossless")});
     addFlacOptions();
     addOtherOptions();
-    addOutputOptions(tab.sourceEncodeButton, u"sourceEncodeButton"_s, tab.deleteOriginalsButton);
+    addOutputOptions(tab.sourceEncodeButton, u"sourceEncodeButton"_s, tab.deleteOriginalsButton,
+                     tab.originals);
     finishOptions();
 }
 

@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "convert/OutputClaim.h"
+#include "originals/OutputClaim.h"
 
+#include "originals/OutputBatch.h"
 #include "support/TestFolder.h"
 
 #include <QFile>
@@ -79,7 +80,7 @@ TEST_F(OutputClaimTest, KnowsOtherReadersOfItsSource)
 
 TEST_F(OutputClaimTest, StaysTakenInItsBatch)
 {
-    ConversionBatch batch;
+    OutputBatch batch;
     ASSERT_EQ(first.take(tta, wav, &batch), std::nullopt);
     first.release();
     EXPECT_TRUE(second.take(tta, folder.path(u"a.aiff"_s), &batch));

@@ -21,13 +21,10 @@ public:
     /// the permissions of its input.
     void grantUsualAccess() const;
     /// Leaves the file to somebody else from here on.
-    void giveUp() { m_path.clear(); }
+    void giveUp();
     /// Gives the file a name that nothing has, and the permissions of new files. Throws
     /// NurvFailure.
     void place(const QString &path);
-    /// Puts the file in the place of another one, with that one's permissions, once it is
-    /// on the disk. Throws NurvFailure; the other file is then as it was.
-    void replace(const QString &path);
 
 private:
     QString m_path;

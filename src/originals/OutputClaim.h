@@ -2,30 +2,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QHash>
-#include <QSet>
 #include <QString>
 
-#include <atomic>
 #include <optional>
 
 namespace nurv {
 
-/// What the conversions of one press of the button have in common.
-struct ConversionBatch {
-    /// The source of every output that was begun, by the output's place.
-    QHash<QString, QString> sourceOfOutput;
-    /// The files that are converted, with their links resolved: no output replaces one.
-    QSet<QString> sources;
-    /// Whether the program of a member told of damage and went on: the report is
-    /// then shown at the end of the batch, although no job failed. Any thread.
-    std::atomic<bool> toldOfDamage = false;
-};
+struct OutputBatch;
 
 /// The path as a disk sees it that ignores case.
 [[nodiscard]] QString foldedName(const QString &path);
 
-/// A conversion's right to make its output: no two make one file at the same time,
+/// A job's right to make its output: no two make one file at the same time,
 /// of one batch only the first does, and no file is made and converted at the same
 /// time. Any thread; with a batch only the GUI thread takes.
 class OutputClaim {
@@ -39,7 +27,7 @@ public:
     /// nothing when it is granted, else why it is not. One folder under two names is
     /// still one folder, and where a disk takes two spellings for one name, so does
     /// this. At most once.
-    [[nodiscard]] std::optional<QString> take(const QString &output, const QString &source, ConversionBatch *batch);
+    [[nodiscard]] std::optional<QString> take(const QString &output, const QString &source, OutputBatch *batch);
     /// Whether another job converts the source as well. Also after `release`.
     [[nodiscard]] bool isSourceReadByOthers() const;
     /// Gives the output back to other batches; in its own batch it stays taken.

@@ -1,11 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "convert/OutputClaim.h"
+#include "originals/OutputClaim.h"
 
 #include "app/PathNames.h"
+#include "originals/OutputBatch.h"
 
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
 
 #include <algorithm>
 #include <array>
@@ -73,7 +75,7 @@ QString foldedName(const QString &path)
     return path.normalized(QString::NormalizationForm_C).toCaseFolded();
 }
 
-std::optional<QString> OutputClaim::take(const QString &output, const QString &source, ConversionBatch *batch)
+std::optional<QString> OutputClaim::take(const QString &output, const QString &source, OutputBatch *batch)
 {
     const QString place = placeOf(output);
     const QString sourcePlace = placeOf(source);

@@ -1,16 +1,15 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "convert/StageFile.h"
+#include "originals/StageFile.h"
 
-#include "app/PathNames.h"
 #include "app/Util.h"
-#include "convert/ConvertLog.h"
-#include "convert/DeletionCheck.h"
+#include "journal/OutputJournal.h"
+#include "originals/OriginalsLog.h"
+#include "platform/FileFacts.h"
 #include "platform/NurvFailure.h"
 #include "platform/SystemError.h"
 
 #include <QFile>
-#include <QFileInfo>
 
 #include <errno.h>
 #include <stdio.h>
@@ -47,6 +46,7 @@ StageFile::StageFile(const QString &folder, const QString &extension)
 {
     try {
         m_path = Util::generateTempFileName(folder, extension);
+        OutputJournal::noteTemporary(m_path);
     } catch (const NurvFailure &failure) {
         throw NurvFailure(u"%1: %2\n"_s.arg(folder, failure.reason()));
     }
@@ -54,33 +54,26 @@ StageFile::StageFile(const QString &folder, const QString &extension)
 
 StageFile::~StageFile()
 {
-    if (!m_path.isEmpty() && QFile::exists(m_path) && !QFile::remove(m_path))
-        qCWarning(convertLog).noquote() << "Temporary and not removed:" << m_path;
+    if (m_path.isEmpty())
+        return;
+    if (QFile::exists(m_path) && !QFile::remove(m_path))
+        qCWarning(originalsLog).noquote() << "Temporary and not removed:" << m_path;
+    else
+        OutputJournal::forgetTemporary(m_path);
 }
 
 void StageFile::grantUsualAccess() const
 {
     constexpr mode_t kReadAndWriteByAll = 0666;
     if (::chmod(QFile::encodeName(m_path).constData(), kReadAndWriteByAll & ~maskOfNewFiles()) != 0)
-        qCWarning(convertLog).noquote() << "Readable by its owner only:" << m_path << systemErrorText(errno);
+        qCWarning(originalsLog).noquote() << "Readable by its owner only:" << m_path << systemErrorText(errno);
 }
 
-void StageFile::replace(const QString &path)
+void StageFile::giveUp()
 {
-    // Of a link the file that it leads to is replaced.
-    const QString resolved = QFileInfo(path).canonicalFilePath();
-    const QString place = resolved.isEmpty() ? path : resolved;
-    const QByteArray from = QFile::encodeName(m_path);
-    const QByteArray to = QFile::encodeName(place);
-    struct stat former = {};
-    if (::stat(to.constData(), &former) != 0)
-        grantUsualAccess();
-    else if (::chmod(from.constData(), former.st_mode & 07777) != 0)
-        qCWarning(convertLog).noquote() << "Permissions not kept:" << path << systemErrorText(errno);
-    if (!flushFileToDisk(m_path) || ::rename(from.constData(), to.constData()) != 0)
-        throw NurvFailure(u"%1 could not be replaced: %2\n"_s.arg(path, systemErrorText(errno)));
-    if (!flushFolderToDisk(folderOf(place)))
-        qCWarning(convertLog).noquote() << "Maybe not on the disk yet:" << path << systemErrorText(errno);
+    if (!isThere(m_path))
+        OutputJournal::forgetTemporary(m_path);
+    m_path.clear();
 }
 
 void StageFile::place(const QString &path)
@@ -91,9 +84,8 @@ void StageFile::place(const QString &path)
     if (::link(from.constData(), to.constData()) == 0)
         return;
     // A disk without second names cannot promise more.
-    struct stat present = {};
     const int error = errno;
-    const bool isFree = error != EEXIST && ::lstat(to.constData(), &present) != 0;
+    const bool isFree = error != EEXIST && !isThere(path);
     if (!isFree || ::rename(from.constData(), to.constData()) != 0)
         throw NurvFailure(u"%1 could not be made: %2\n"_s.arg(path, systemErrorText(isFree ? errno : EEXIST)));
 }

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "convert/StageFile.h"
+#include "originals/StageFile.h"
 
 #include "platform/NurvFailure.h"
 #include "support/TestFolder.h"

@@ -13,5 +13,9 @@ namespace nurv {
 /// What the system tells of the file, that of its target for a link; nothing without one.
 [[nodiscard]] std::optional<struct stat> factsOf(const QString &path);
 [[nodiscard]] bool isSameFile(const struct stat &left, const struct stat &right);
+/// The same file, not written to in between.
+[[nodiscard]] bool isUntouched(const struct stat &before, const struct stat &now);
+/// Whether something has that name: also true for a link that leads nowhere.
+[[nodiscard]] bool isThere(const QString &path);
 
 } // namespace nurv

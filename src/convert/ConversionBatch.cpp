@@ -1,0 +1,52 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "convert/ConversionBatch.h"
+
+#include "convert/Conversion.h"
+#include "engine/NURVTaskQueue.h"
+#include "platform/FileFacts.h"
+
+#include <QHash>
+
+namespace nurv {
+
+ConversionBatch::ConversionBatch(const OriginalsControls &controls, bool deletesOriginals, bool makesFolders)
+    : m_deletesOriginals(deletesOriginals)
+{
+    m_batch->existingOutputs = controls.existingOutputs;
+    m_batch->provesBeforeDeleting = controls.proveButton.isOn();
+    m_batch->dropsMetadata = controls.dropMetadataButton.isOn();
+    m_batch->makesFolders = makesFolders;
+}
+
+bool ConversionBatch::add(const std::shared_ptr<Conversion> &conversion)
+{
+    if (m_batch->existingOutputs == ExistingOutputs::Skip && isThere(conversion->outputFile())) {
+        m_passedOver.append(conversion->fileName());
+        return false;
+    }
+    m_conversions.push_back(conversion);
+    return true;
+}
+
+void ConversionBatch::queueTasks(NURVTaskQueue &queue)
+{
+    // Sources of one name share an output, and only the first of them will be in it; on some
+    // disks names differ in more than their case.
+    QHash<QString, int> sharers;
+    std::vector<OutputJournal::Planned> outputs;
+    for (const std::shared_ptr<Conversion> &conversion : m_conversions) {
+        ++sharers[foldedName(conversion->outputFile())];
+        outputs.push_back({conversion->outputFile(), conversion->fileName()});
+    }
+    if (!outputs.empty())
+        m_batch->journal = OutputJournal::begin(outputs);
+    for (const std::shared_ptr<Conversion> &conversion : m_conversions) {
+        conversion->setDeleteOriginal(m_deletesOriginals && sharers.value(foldedName(conversion->outputFile())) == 1);
+        conversion->setBatch(m_batch);
+    }
+    for (const std::shared_ptr<Conversion> &conversion : m_conversions)
+        queue.addTask(conversion->asTask());
+}
+
+} // namespace nurv

@@ -1,0 +1,118 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "originals/ReplacedFile.h"
+
+#include "app/PathNames.h"
+#include "app/Util.h"
+#include "journal/OutputJournal.h"
+#include "originals/OriginalsLog.h"
+#include "platform/FileFacts.h"
+#include "platform/NurvFailure.h"
+#include "platform/SystemError.h"
+
+#include <QFile>
+#include <QRandomGenerator>
+
+#include <cerrno>
+#include <cstdio>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+/// A name beside the file that nothing has; folder searches pass over it.
+QString nameAside(const QString &path)
+{
+    QString name;
+    do {
+        name = joinPath(folderOf(path),
+                        u".nurv-%1.kept"_s.arg(QRandomGenerator::system()->generate64() & 0xFFFFFFFFFFFF, 12, 16,
+                                               QLatin1Char('0')));
+    } while (isThere(name));
+    return name;
+}
+
+/// Leaves the reason of a failure in errno.
+bool renameToFreeName(const QString &from, const QString &to)
+{
+    const QByteArray source = QFile::encodeName(from);
+    const QByteArray target = QFile::encodeName(to);
+    if (::renameat2(AT_FDCWD, source.constData(), AT_FDCWD, target.constData(), RENAME_NOREPLACE) == 0)
+        return true;
+    if (errno != EINVAL && errno != ENOSYS)
+        return false;
+    // A file system that cannot promise more.
+    if (isThere(to)) {
+        errno = EEXIST;
+        return false;
+    }
+    return ::rename(source.constData(), target.constData()) == 0;
+}
+
+} // namespace
+
+ReplacedFile::ReplacedFile(const QString &path, std::shared_ptr<OutputJournal> journal)
+    : m_path(path), m_aside(nameAside(path)), m_journal(std::move(journal))
+{
+    if (m_journal)
+        m_journal->noteAside(m_path, m_aside);
+    if (renameToFreeName(m_path, m_aside))
+        return;
+    const QString reason = systemErrorText(errno);
+    forget();
+    throw NurvFailure(u"%1 cannot be moved aside: %2"_s.arg(lastPathComponent(m_path), reason));
+}
+
+ReplacedFile::~ReplacedFile()
+{
+    try {
+        putBack();
+    } catch (const NurvFailure &failure) {
+        qCWarning(originalsLog).noquote() << m_path << failure.reason();
+    }
+}
+
+void ReplacedFile::retire()
+{
+    if (m_aside.isEmpty())
+        return;
+    if (const auto former = factsOf(m_aside)) {
+        const mode_t mode = former->st_mode & 0777;
+        if (::chmod(QFile::encodeName(m_path).constData(), mode) != 0)
+            qCWarning(originalsLog).noquote() << "Permissions not kept:" << m_path << systemErrorText(errno);
+    }
+    if (Util::removeFile(m_aside, m_path) == Util::Removal::Stayed) {
+        const QString aside = std::exchange(m_aside, QString());
+        throw NurvFailure(u"the file that was replaced could not be removed and is %1 now"_s.arg(
+            lastPathComponent(aside)));
+    }
+    forget();
+}
+
+void ReplacedFile::putBack()
+{
+    if (m_aside.isEmpty())
+        return;
+    if (!renameToFreeName(m_aside, m_path)) {
+        const QString reason = systemErrorText(errno);
+        const QString aside = std::exchange(m_aside, QString());
+        throw NurvFailure(u"the file that was there before is %1 now, since it could not get its name back: %2"_s.arg(
+            lastPathComponent(aside), reason));
+    }
+    forget();
+}
+
+void ReplacedFile::forget()
+{
+    m_aside.clear();
+    if (m_journal)
+        m_journal->forgetAside(m_path);
+}
+
+} // namespace nurv

@@ -1,0 +1,45 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+#include <memory>
+
+namespace nurv {
+
+class OutputJournal;
+
+/// A file that stands in the place of an output and is to be replaced: moved aside within
+/// its folder while the new one is made, since most programs would empty it at once.
+///
+///     moved aside ──> the output is whole ──> retire: it goes the way of originals
+///                └──> it is not ───────────> putBack: it has its name again
+///
+/// Noted in the journal all the while, so that it comes back after a power cut. With the
+/// object it is put back.
+class ReplacedFile {
+public:
+    /// Moves the file aside. Throws NurvFailure; it has its name then. `journal` may be null.
+    ReplacedFile(const QString &path, std::shared_ptr<OutputJournal> journal);
+    ~ReplacedFile();
+    ReplacedFile(const ReplacedFile &) = delete;
+    ReplacedFile &operator=(const ReplacedFile &) = delete;
+
+    /// Deletes it or moves it to the trash, as the setting "trashOrDelete" says, and gives
+    /// its permissions to the file that has its name now. Throws NurvFailure, which names
+    /// where it stays, when it cannot be removed.
+    void retire();
+    /// Gives it its name again, which has to be free. Throws NurvFailure, which names where
+    /// it stays.
+    void putBack();
+
+private:
+    void forget();
+
+    QString m_path;
+    QString m_aside; ///< empty once it is settled
+    std::shared_ptr<OutputJournal> m_journal;
+};
+
+} // namespace nurv

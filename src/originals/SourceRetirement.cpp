@@ -1,0 +1,149 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "originals/SourceRetirement.h"
+
+#include "app/Util.h"
+#include "originals/SoundLengthCheck.h"
+#include "platform/FileFacts.h"
+#include "platform/FileFlush.h"
+#include "platform/NurvFailure.h"
+#include "tags/MetadataInventory.h"
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+std::vector<SourceRetirement::Seen> SourceRetirement::look(const QStringList &paths)
+{
+    std::vector<Seen> files;
+    for (const QString &path : paths)
+        files.push_back({path, factsOf(path)});
+    return files;
+}
+
+bool SourceRetirement::areUntouched(const std::vector<Seen> &files)
+{
+    return !files.empty() && std::all_of(files.begin(), files.end(), [](const Seen &file) {
+        const std::optional<struct stat> now = factsOf(file.path);
+        return now && file.facts && isUntouched(*file.facts, *now);
+    });
+}
+
+void SourceRetirement::rememberSources()
+{
+    m_sourcesBefore = look(m_sources);
+}
+
+void SourceRetirement::doubt(const QString &reason)
+{
+    if (!m_doubt)
+        m_doubt = reason;
+}
+
+SourceRetirement::Verdict SourceRetirement::examine(const QStringList &outputs,
+                                                    const SoundComparison::Progress &progress,
+                                                    const SoundComparison::IsUnwanted &isUnwanted)
+{
+    m_mayRetire = false;
+    Verdict verdict;
+    if (m_wishes.relation == SoundComparison::Relation::Equal && !outputs.isEmpty())
+        compareLengths(outputs, verdict);
+    if (verdict.failure || !m_wishes.deletesSources)
+        return verdict;
+
+    // Facts first: what changes from here on is seen by `retire`.
+    m_outputsExamined = look(outputs);
+    verdict.keeping = reasonToKeep(outputs);
+    if (!verdict.keeping && !m_wishes.dropsMetadata)
+        verdict.keeping = lossOfMetadata(outputs);
+    if (verdict.keeping)
+        return verdict;
+    if (!m_wishes.proves) {
+        if (verdict.proof == TaskOutcome::Proof::NotProven)
+            verdict.keeping = u"nothing but the proof could tell whether all of its sound is in the output"_s;
+        m_mayRetire = !verdict.keeping;
+        return verdict;
+    }
+    const SoundComparison::Result comparison =
+        SoundComparison::compare(m_sources, outputs, m_wishes.relation, progress, isUnwanted);
+    verdict.wasGivenUp = comparison.wasGivenUp;
+    verdict.proof = comparison.isProven ? TaskOutcome::Proof::Proven : TaskOutcome::Proof::NotProven;
+    if (!comparison.isProven && !comparison.wasGivenUp)
+        verdict.failure = comparison.difference;
+    m_mayRetire = comparison.isProven;
+    return verdict;
+}
+
+void SourceRetirement::compareLengths(const QStringList &outputs, Verdict &verdict) const
+{
+    const SoundLengthCheck check = SoundLengthCheck::of(m_sources, outputs);
+    verdict.failure = check.fault;
+    if (!check.isKnown)
+        verdict.proof = TaskOutcome::Proof::NotProven;
+}
+
+std::optional<QString> SourceRetirement::reasonToKeep(const QStringList &outputs) const
+{
+    if (outputs.isEmpty())
+        return u"there is no output"_s;
+    for (const QString &output : outputs) {
+        const std::optional<struct stat> facts = factsOf(output);
+        if (!facts || !S_ISREG(facts->st_mode) || facts->st_size == 0)
+            return u"there is no output"_s;
+        for (const QString &source : m_sources) {
+            const std::optional<struct stat> sourceFacts = factsOf(source);
+            if (sourceFacts && isSameFile(*sourceFacts, *facts))
+                return u"it is the output itself"_s;
+        }
+    }
+    if (!areUntouched(m_sourcesBefore))
+        return u"it has changed since the job began"_s;
+    if (m_doubt)
+        return m_doubt;
+    if (!std::all_of(outputs.begin(), outputs.end(), [](const QString &output) { return flushToDisk(output); }))
+        return u"its output may not be on the disk yet"_s;
+    return std::nullopt;
+}
+
+std::optional<QString> SourceRetirement::lossOfMetadata(const QStringList &outputs) const
+{
+    try {
+        for (const QString &source : m_sources) {
+            const MetadataInventory before = MetadataInventory::of(source);
+            for (const QString &output : outputs) {
+                if (const auto loss = metadataLost(before, MetadataInventory::of(output), output))
+                    return loss;
+            }
+        }
+    } catch (const NurvFailure &failure) {
+        return u"its tags cannot be compared: %1"_s.arg(failure.reason());
+    }
+    return std::nullopt;
+}
+
+SourceRetirement::Ending SourceRetirement::retire()
+{
+    if (!std::exchange(m_mayRetire, false))
+        return {};
+    using Original = TaskOutcome::Original;
+    if (m_doubt)
+        return {Original::Kept, *m_doubt};
+    if (!areUntouched(m_sourcesBefore))
+        return {Original::Kept, u"it has changed since the job began"_s};
+    if (!areUntouched(m_outputsExamined))
+        return {Original::Kept, u"its output has changed since it was examined"_s};
+    Ending ending{Original::Deleted, {}};
+    for (const QString &source : std::as_const(m_sources)) {
+        switch (Util::removeFile(source)) {
+        case Util::Removal::Deleted: break;
+        case Util::Removal::Trashed: ending.original = Original::Trashed; break;
+        case Util::Removal::Stayed: return {Original::Kept, u"it could not be removed"_s};
+        }
+    }
+    return ending;
+}
+
+} // namespace nurv
