@@ -2,16 +2,235 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tags/MetadataInventory.h"
 
+#include "app/PathNames.h"
+#include "tags/AlbumArt.h"
+#include "tags/MetadataBytes.h"
+#include "tags/MetadataReader.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
 namespace nurv {
 
-MetadataInventory MetadataInventory::of(const QString &)
+namespace {
+
+constexpr int kMostNames = 3;
+constexpr qsizetype kMostNameCharacters = 40;
+// A few bytes of a hostile file can ask for many pixels.
+constexpr int kMostDecodedPictures = 100;
+
+/// A kind of output files: what this program, and those that it runs, can put into them.
+struct Kind {
+    QStringView extension; ///< in capitals
+    QStringView name;      ///< with its article
+    bool takesTags;
+    bool takesPictures;
+    bool takesChunks;
+};
+
+constexpr std::array kKinds = {
+    Kind{u"WAV", u"a WAV", false, false, true},           Kind{u"AIFF", u"an AIFF", true, true, true},
+    Kind{u"AIF", u"an AIFF", true, true, true},           Kind{u"FLAC", u"a FLAC", true, true, true},
+    Kind{u"SHN", u"a Shorten", false, false, true},       Kind{u"WV", u"a WavPack", true, true, true},
+    Kind{u"APE", u"a Monkey's Audio", true, true, true},  Kind{u"TTA", u"a TTA", false, false, false},
+    Kind{u"M4A", u"an Apple Lossless", true, true, false}};
+
+/// A name of a file's choice, safe to show.
+QString shownName(const QString &name)
 {
-    return {};
+    QString shown;
+    for (const char32_t character : name.left(kMostNameCharacters).toUcs4()) {
+        if (QChar::isPrint(character))
+            shown += QString::fromUcs4(&character, 1);
+        else
+            shown += u"\\x%1"_s.arg(static_cast<uint>(character), 2, 16, QChar(u'0'));
+    }
+    return name.size() > kMostNameCharacters ? shown + u'…' : shown;
 }
 
-std::optional<QString> metadataLost(const MetadataInventory &, const MetadataInventory &, const QString &)
+/// "(COMPOSER, MOOD, WORK and 3 more)"
+QString nameList(const QStringList &names)
 {
-    return std::nullopt;
+    QStringList shown;
+    for (const QString &name : names.first(std::min<qsizetype>(names.size(), kMostNames)))
+        shown.append(shownName(name));
+    const qsizetype more = names.size() - shown.size();
+    return u'(' + shown.join(u", "_s) + (more > 0 ? u" and %1 more)"_s.arg(more) : u")"_s);
+}
+
+bool startsWithVowel(const QString &word)
+{
+    return !word.isEmpty() && u"aeioAEIO"_s.contains(word.front());
+}
+
+/// Things that share a verb: "14 tags, a picture and a bext chunk".
+class Enumeration {
+public:
+    void add(const QString &thing, bool isPlural)
+    {
+        m_isPlural = isPlural || !m_things.isEmpty();
+        m_things.append(thing);
+    }
+
+    [[nodiscard]] bool isEmpty() const { return m_things.isEmpty(); }
+    [[nodiscard]] QString clause(const QString &verb, const QString &verbOfSeveral, const QString &rest) const
+    {
+        const QStringList first = m_things.first(m_things.size() - 1);
+        const QString things = first.isEmpty() ? m_things.last() : first.join(u", "_s) + u" and "_s + m_things.last();
+        return things + u' ' + (m_isPlural ? verbOfSeveral : verb) + u' ' + rest;
+    }
+
+private:
+    QStringList m_things;
+    bool m_isPlural = false;
+};
+
+// What is lost
+
+bool isHeld(const QString &field, const QString &value, const MetadataInventory &source,
+            const MetadataInventory &output)
+{
+    const QStringList held = output.tags.value(field);
+    if (held.contains(value))
+        return true;
+    // A year beside a date that has the same year.
+    if (field == u"DATE")
+        return std::any_of(held.begin(), held.end(),
+                           [&](const QString &date) { return date.startsWith(value + u'-'); });
+    // Apple Lossless files are given the artist as album artist.
+    return field == u"ALBUMARTIST" && source.tags.value(u"ARTIST"_s).contains(value)
+           && output.tags.value(u"ARTIST"_s).contains(value);
+}
+
+QStringList lostTags(const MetadataInventory &source, const MetadataInventory &output)
+{
+    QStringList lost;
+    for (auto tag = source.tags.cbegin(); tag != source.tags.cend(); ++tag) {
+        if (!std::all_of(tag->begin(), tag->end(),
+                         [&](const QString &value) { return isHeld(tag.key(), value, source, output); }))
+            lost.append(tag.key());
+    }
+    return lost;
+}
+
+/// Tells pictures by their pixels: writers of tags render them anew.
+class PixelDigests {
+public:
+    /// Nothing for what is no picture, or the one too many.
+    [[nodiscard]] QByteArray of(const QByteArray &picture)
+    {
+        if (m_decoded == kMostDecodedPictures)
+            return {};
+        ++m_decoded;
+        const AlbumArt decoded = albumArtFromBytes(picture);
+        if (!decoded)
+            return {};
+        const bool isDeep = decoded->depth() > 32 || decoded->format() == QImage::Format_Grayscale16;
+        const QImage image = decoded->convertToFormat(isDeep ? QImage::Format_RGBA64 : QImage::Format_ARGB32);
+        const QByteArray pixels =
+            QByteArray::fromRawData(reinterpret_cast<const char *>(image.constBits()), image.sizeInBytes());
+        return metadataDigest(pixels) + QByteArray::number(image.width());
+    }
+
+private:
+    int m_decoded = 0;
+};
+
+qsizetype lostPictures(const MetadataInventory &source, const MetadataInventory &output)
+{
+    PixelDigests digests;
+    std::optional<QByteArrayList> held;
+    const auto isHeldByPixels = [&](const QByteArray &picture) {
+        if (output.pictures.isEmpty())
+            return false;
+        if (!held) {
+            held.emplace();
+            for (const QByteArray &other : output.pictures)
+                held->append(digests.of(other));
+        }
+        const QByteArray digest = digests.of(picture);
+        return !digest.isEmpty() && held->contains(digest);
+    };
+    return std::count_if(source.pictures.begin(), source.pictures.end(), [&](const QByteArray &picture) {
+        return !output.pictures.contains(picture) && !isHeldByPixels(picture);
+    });
+}
+
+struct LostChunks {
+    QStringList names;
+    qsizetype count = 0;
+    bool hasNameless = false;
+};
+
+LostChunks lostChunks(const MetadataInventory &source, const MetadataInventory &output)
+{
+    LostChunks lost;
+    for (auto chunk = source.foreignChunks.cbegin(); chunk != source.foreignChunks.cend(); ++chunk) {
+        QByteArrayList held = output.foreignChunks.value(chunk.key());
+        const auto missing = std::count_if(chunk->begin(), chunk->end(),
+                                           [&](const QByteArray &digest) { return !held.removeOne(digest); });
+        if (missing == 0)
+            continue;
+        if (chunk.key().isEmpty()) {
+            lost.hasNameless = true;
+        } else {
+            lost.names.append(chunk.key());
+            lost.count += missing;
+        }
+    }
+    return lost;
+}
+
+} // namespace
+
+MetadataInventory MetadataInventory::of(const QString &path)
+{
+    return readMetadata(path);
+}
+
+std::optional<QString> metadataLost(const MetadataInventory &source, const MetadataInventory &output,
+                                    const QString &outputName)
+{
+    const QString extension = formatWord(outputName);
+    const auto *const kind =
+        std::find_if(kKinds.begin(), kKinds.end(), [&](const Kind &each) { return each.extension == extension; });
+    const bool isKnown = kind != kKinds.end();
+    Enumeration withoutPlace;
+    Enumeration missing;
+
+    if (const QStringList tags = lostTags(source, output); !tags.isEmpty()) {
+        const bool isOne = tags.size() == 1;
+        const QString count = isOne ? u"a tag"_s : u"%1 tags"_s.arg(tags.size());
+        if (isKnown && !kind->takesTags)
+            withoutPlace.add(count, !isOne);
+        else
+            missing.add(count + u' ' + nameList(tags), !isOne);
+    }
+    if (const qsizetype pictures = lostPictures(source, output); pictures > 0) {
+        const QString count = pictures == 1 ? u"a picture"_s : u"%1 pictures"_s.arg(pictures);
+        (isKnown && !kind->takesPictures ? withoutPlace : missing).add(count, pictures > 1);
+    }
+    const LostChunks chunks = lostChunks(source, output);
+    Enumeration &listOfChunks = isKnown && !kind->takesChunks ? withoutPlace : missing;
+    if (chunks.count == 1) {
+        const QString name = shownName(chunks.names.first());
+        listOfChunks.add(u"%1 %2 chunk"_s.arg(startsWithVowel(name) ? u"an"_s : u"a"_s, name), false);
+    } else if (chunks.count > 1) {
+        listOfChunks.add(u"%1 chunks %2"_s.arg(chunks.count).arg(nameList(chunks.names)), true);
+    }
+    if (chunks.hasNameless)
+        listOfChunks.add(u"data without a name"_s, false);
+
+    QStringList clauses;
+    if (!withoutPlace.isEmpty())
+        clauses.append(withoutPlace.clause(u"has"_s, u"have"_s, u"no place in %1 file"_s.arg(kind->name)));
+    if (!missing.isEmpty())
+        clauses.append(missing.clause(u"is"_s, u"are"_s, u"not in the output"_s));
+    return clauses.isEmpty() ? std::nullopt : std::optional(clauses.join(u", and "_s));
 }
 
 } // namespace nurv

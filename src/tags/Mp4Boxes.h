@@ -47,6 +47,12 @@ inline constexpr std::size_t kMostMp4Boxes = 100'000;
 /// not add up to that, and for more than `kMostMp4Boxes`.
 [[nodiscard]] std::optional<Mp4Boxes> mp4BoxesIn(const QByteArray &bytes, std::int64_t begin, std::int64_t end);
 
+/// Whether boxes of this kind only take up room.
+[[nodiscard]] constexpr bool isMp4Filler(FourCharacters type)
+{
+    return type == fourCharacters("free") || type == fourCharacters("skip") || type == fourCharacters("wide");
+}
+
 /// A whole box.
 [[nodiscard]] QByteArray mp4Box(FourCharacters type, const QByteArray &contents);
 

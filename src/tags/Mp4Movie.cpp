@@ -30,7 +30,9 @@ constexpr FourCharacters kHandler = fourCharacters("hdlr");
 constexpr FourCharacters kItems = fourCharacters("ilst");
 constexpr FourCharacters kValue = fourCharacters("data");
 constexpr FourCharacters kPicture = fourCharacters("covr");
+constexpr FourCharacters kOwnName = fourCharacters("name");
 constexpr FourCharacters kTrack = fourCharacters("trak");
+constexpr FourCharacters kSound = fourCharacters("soun");
 constexpr FourCharacters kOffsets32 = fourCharacters("stco");
 constexpr FourCharacters kOffsets64 = fourCharacters("co64");
 
@@ -182,20 +184,28 @@ std::optional<Mp4Movie::Value> Mp4Movie::value(FourCharacters item) const
     if (found == nullptr)
         return std::nullopt;
     const std::optional<Mp4Box> data = copyOfFirst(valueBoxes(*found), kValue);
-    if (!data || data->size < data->headerSize + kValueHeadSize)
+    return data ? valueIn(*data) : std::nullopt;
+}
+
+std::optional<Mp4Movie::Value> Mp4Movie::valueIn(const Mp4Box &data) const
+{
+    if (data.size < data.headerSize + kValueHeadSize)
         return std::nullopt;
-    return Value{.type = mp4Number<std::uint32_t>(m_contents, data->contents()) & 0xffffffU,
+    return Value{.type = mp4Number<std::uint32_t>(m_contents, data.contents()) & 0xffffffU,
                  .bytes =
-                     m_contents.mid(data->contents() + kValueHeadSize, data->size - data->headerSize - kValueHeadSize)};
+                     m_contents.mid(data.contents() + kValueHeadSize, data.size - data.headerSize - kValueHeadSize)};
 }
 
 std::optional<QString> Mp4Movie::text(FourCharacters item) const
 {
     const std::optional<Value> found = value(item);
-    if (!found)
-        return std::nullopt;
-    const QString text = found->type == kUtf16Type ? QStringDecoder(QStringDecoder::Utf16BE).decode(found->bytes)
-                                                   : QString::fromUtf8(found->bytes);
+    return found ? std::optional(textOf(*found)) : std::nullopt;
+}
+
+QString Mp4Movie::textOf(const Value &value)
+{
+    const QString text = value.type == kUtf16Type ? QStringDecoder(QStringDecoder::Utf16BE).decode(value.bytes)
+                                                  : QString::fromUtf8(value.bytes);
     const qsizetype zero = text.indexOf(QChar(u'\0'));
     return zero < 0 ? text : text.left(zero);
 }
@@ -209,6 +219,33 @@ Mp4Movie::NumberAndTotal Mp4Movie::numbers(FourCharacters item) const
     if (bytes.size() >= 6)
         numbers.total = mp4Number<std::uint16_t>(bytes, 4);
     return numbers;
+}
+
+Mp4Movie::Item Mp4Movie::itemIn(const Mp4Box &box) const
+{
+    Item item{.name = box.type, .ownName = {}, .values = {}};
+    for (const Mp4Box &part : valueBoxes(box)) {
+        if (part.type == kOwnName && part.size >= part.headerSize + kVersionSize)
+            item.ownName = QString::fromUtf8(
+                m_contents.mid(part.contents() + kVersionSize, part.size - part.headerSize - kVersionSize));
+        if (part.type != kValue)
+            continue;
+        if (std::optional<Value> value = valueIn(part))
+            item.values.push_back(*std::move(value));
+    }
+    return item;
+}
+
+std::optional<std::vector<Mp4Movie::Item>> Mp4Movie::items() const
+{
+    const std::optional<Mp4Boxes> boxes = itemBoxes();
+    if (!boxes)
+        return std::nullopt;
+    std::vector<Item> items;
+    items.reserve(boxes->size());
+    for (const Mp4Box &box : *boxes)
+        items.push_back(itemIn(box));
+    return items;
 }
 
 bool Mp4Movie::setText(FourCharacters item, const QString &text)
@@ -288,6 +325,50 @@ void Mp4Movie::replaceItems(const Path &path, const QByteArray &items)
                         : mp4Box(kUserData, box);
     m_contents =
         path.userData ? replaced(m_contents, path.userData->offset, path.userData->size, box) : m_contents + box;
+}
+
+// Other parts
+
+Mp4Movie::Part Mp4Movie::partOf(const Mp4Box &box) const
+{
+    return {.type = box.type, .contents = m_contents.mid(box.contents(), box.size - box.headerSize)};
+}
+
+FourCharacters Mp4Movie::kindOfTrack(const Mp4Box &track) const
+{
+    const Mp4Boxes media = boxesAt({track}, fourCharacters("mdia")).value_or(Mp4Boxes());
+    const Mp4Boxes handlers = boxesAt(media, kHandler).value_or(Mp4Boxes());
+    if (handlers.empty() || handlers.front().size - handlers.front().headerSize < 12)
+        return 0;
+    return mp4Number<FourCharacters>(m_contents, handlers.front().contents() + 8);
+}
+
+std::optional<std::vector<Mp4Movie::Part>> Mp4Movie::otherParts() const
+{
+    const std::optional<Mp4Boxes> boxes = mp4BoxesIn(m_contents, 0, m_contents.size());
+    const Path path = findItems();
+    if (!boxes || !path.isUsable)
+        return std::nullopt;
+    std::vector<Part> parts;
+    const auto addAllBut = [&](const Mp4Boxes &others, std::initializer_list<FourCharacters> known) {
+        for (const Mp4Box &box : others) {
+            const bool isKnown = std::find(known.begin(), known.end(), box.type) != known.end();
+            const bool isPath = path.metadata && box.offset == path.metadata->offset;
+            if (!isKnown && !isPath && !isMp4Filler(box.type))
+                parts.push_back(partOf(box));
+        }
+    };
+    addAllBut(*boxes, {fourCharacters("mvhd"), fourCharacters("iods"), fourCharacters("mvex"), kTrack, kUserData});
+    for (const Mp4Box &box : *boxes) {
+        if (box.type == kUserData)
+            addAllBut(userDataBoxes(m_contents, box).value_or(Mp4Boxes()), {});
+        const FourCharacters kind = box.type == kTrack ? kindOfTrack(box) : kSound;
+        if (kind != kSound)
+            parts.push_back({.type = kind, .contents = partOf(box).contents});
+    }
+    if (path.metadata)
+        addAllBut(metadataBoxes(m_contents, *path.metadata).value_or(Mp4Boxes()), {kHandler, kItems});
+    return parts;
 }
 
 // Chunk offsets

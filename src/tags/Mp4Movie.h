@@ -10,6 +10,8 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <utility>
+#include <vector>
 
 namespace nurv {
 
@@ -33,6 +35,18 @@ public:
         std::uint16_t total = 0;
     };
 
+    /// A metadata item with all its values.
+    struct Item {
+        FourCharacters name = 0;
+        QString ownName; ///< of a free-form item, whose four characters are "----"
+        std::vector<Value> values;
+    };
+    /// A box that is neither sound nor metadata item.
+    struct Part {
+        FourCharacters type = 0; ///< of a track, what its handler says that it holds
+        QByteArray contents;
+    };
+
     /// The movie of the file; nothing when it has not exactly one, and when that is
     /// damaged, compressed or beyond 128 MiB.
     [[nodiscard]] static std::optional<Mp4Movie> of(TagLib::IOStream &file, const Mp4Layout &layout);
@@ -41,8 +55,15 @@ public:
     [[nodiscard]] std::optional<Value> value(FourCharacters item) const;
     /// The value as text, up to the first zero character.
     [[nodiscard]] std::optional<QString> text(FourCharacters item) const;
+    [[nodiscard]] static QString textOf(const Value &value);
     /// The value as a number and its total; what is missing is 0.
     [[nodiscard]] NumberAndTotal numbers(FourCharacters item) const;
+
+    /// All metadata items; nothing when the metadata is damaged or of another kind.
+    [[nodiscard]] std::optional<std::vector<Item>> items() const;
+    /// What else the movie holds besides its sound: other user data, other metadata, tracks of text and
+    /// pictures. Fillers and what describes the sound are left out. Nothing when it is damaged.
+    [[nodiscard]] std::optional<std::vector<Part>> otherParts() const;
 
     // These replace all values of the item and make the item where there is none. They
     // return false, and change nothing, when the metadata is damaged or of another kind.
@@ -83,6 +104,11 @@ private:
     [[nodiscard]] std::optional<Mp4Boxes> itemBoxes() const;
     /// The boxes inside the item; empty when there are none or they are damaged.
     [[nodiscard]] Mp4Boxes valueBoxes(const Mp4Box &item) const;
+    [[nodiscard]] Item itemIn(const Mp4Box &box) const;
+    [[nodiscard]] std::optional<Value> valueIn(const Mp4Box &data) const;
+    [[nodiscard]] Part partOf(const Mp4Box &box) const;
+    /// What the track's handler says that it holds; 0 when it does not.
+    [[nodiscard]] FourCharacters kindOfTrack(const Mp4Box &track) const;
     [[nodiscard]] bool setItem(FourCharacters item, const QByteArray &newBox);
     void replaceItems(const Path &path, const QByteArray &items);
     [[nodiscard]] std::optional<Mp4Boxes> boxesAt(const Mp4Boxes &parents, FourCharacters type) const;

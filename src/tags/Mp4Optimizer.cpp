@@ -30,12 +30,6 @@ constexpr FourCharacters kFileType = fourCharacters("ftyp");
 constexpr FourCharacters kMovie = fourCharacters("moov");
 constexpr FourCharacters kSound = fourCharacters("mdat");
 
-bool isPadding(const Mp4Box &box)
-{
-    return box.type == fourCharacters("free") || box.type == fourCharacters("skip")
-           || box.type == fourCharacters("wide");
-}
-
 /// Edits the stream into the new order. Returns nothing on success, else why not.
 std::optional<QString> putInOrder(TagEditStream &stream)
 {
@@ -56,7 +50,7 @@ std::optional<QString> putInOrder(TagEditStream &stream)
 
     Mp4Boxes others;
     for (const Mp4Box &box : layout.boxes) {
-        if (box.type == kFileType || box.type == kMovie || box.type == kSound || isPadding(box))
+        if (box.type == kFileType || box.type == kMovie || box.type == kSound || isMp4Filler(box.type))
             continue;
         if (box.reachesEndOfFile)
             return u"a box has no size"_s;
