@@ -227,6 +227,7 @@ void Conversion::doubtSource(const QString &reason)
 void Conversion::noteDamage(const QString &reason)
 {
     m_isDamaged = true;
+    noteProblem(reason);
     doubtSource(reason);
 }
 

@@ -33,6 +33,8 @@ void EncodeALACTask::doEncodeCall()
         encodeDecoded(u"Decoding APE to Wav"_s, toolStages::monkeysAudioToWav);
     else if (format == u"WV")
         encodeDecoded(u"Decoding Wavepack to Wav"_s, toolStages::wavpackToWav);
+    else if (format == u"TTA")
+        encodeDecoded(u"Decoding TTA to Wav"_s, toolStages::ttaToWav);
     else
         encode(fileName());
     if (!error() && !cancelled())
@@ -76,6 +78,8 @@ void EncodeALACTask::writeTags()
         handleWavpackTags();
     else if (format == u"APE")
         handleApeTags();
+    else if (format == u"TTA")
+        handleTtaTags();
     else
         setEncoderTag();
 }
@@ -102,6 +106,12 @@ void EncodeALACTask::handleApeTags()
 {
     showStatus(u"Copying APE Tags"_s);
     writeRecord(TagLibTagsHelper::tagsForAPEFile(fileName()));
+}
+
+void EncodeALACTask::handleTtaTags()
+{
+    showStatus(u"Copying TTA Tags"_s);
+    writeRecord(TagLibTagsHelper::tagsForTTAFile(fileName()));
 }
 
 void EncodeALACTask::setEncoderTag()

@@ -33,6 +33,7 @@ private:
     void handleAiffTags();
     void handleWavpackTags();
     void handleApeTags();
+    void handleTtaTags();
     void setEncoderTag();
     void writeRecord(const TagsObject &tags);
     void optimizeFile(const QString &path);

@@ -60,6 +60,11 @@ bool renameToFreeName(const QString &from, const QString &to)
 ReplacedFile::ReplacedFile(const QString &path, std::shared_ptr<OutputJournal> journal)
     : m_path(path), m_aside(nameAside(path)), m_journal(std::move(journal))
 {
+    struct stat facts = {};
+    if (::lstat(QFile::encodeName(m_path).constData(), &facts) != 0 || S_ISDIR(facts.st_mode)) {
+        m_aside.clear();
+        throw NurvFailure(u"%1 is no file that could be replaced"_s.arg(lastPathComponent(m_path)));
+    }
     if (m_journal)
         m_journal->noteAside(m_path, m_aside);
     if (renameToFreeName(m_path, m_aside))

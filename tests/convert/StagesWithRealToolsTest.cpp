@@ -80,7 +80,7 @@ TEST_F(StagesWithRealToolsTest, RemovesTheUnpackersWavAlsoWhenTheAiffFileHasNoPl
     out.write(u"a.aiff/x"_s, "a folder has the name");
     const auto task = runJob(makeDecoder(makeWavpack(u"a.wv"_s), u"AIFF"_s));
     EXPECT_TRUE(task->error());
-    EXPECT_TRUE(task->report().contains(u"a.aiff could not be replaced"_s)) << qPrintable(task->report());
+    EXPECT_TRUE(task->report().contains(u"a.aiff is no file that could be replaced"_s)) << qPrintable(task->report());
     EXPECT_EQ(out.list(), QStringList{u"a.aiff/x"_s});
 }
 

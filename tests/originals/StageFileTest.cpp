@@ -65,50 +65,6 @@ TEST(StageFile, IsPrivateUntilItGetsThePermissionsOfNewFiles)
     ::umask(former);
 }
 
-TEST(StageFile, ReplacesAFileAndKeepsItsPermissions)
-{
-    const test::TestFolder folder;
-    const QString old = folder.write(u"a.m4a"_s, "old");
-    const auto permissions = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther;
-    ASSERT_TRUE(QFile::setPermissions(old, permissions));
-    {
-        StageFile file(folder.path(), u"m4a"_s);
-        QFile written(file.path());
-        ASSERT_TRUE(written.open(QIODevice::WriteOnly));
-        written.write("new");
-        written.close();
-        file.replace(old);
-    }
-    EXPECT_EQ(folder.list(), QStringList{u"a.m4a"_s});
-    EXPECT_EQ(folder.read(u"a.m4a"_s), "new");
-    EXPECT_EQ(QFile::permissions(old) & permissions, permissions);
-}
-
-TEST(StageFile, ReplacesTheFileThatALinkLeadsTo)
-{
-    const test::TestFolder folder;
-    const test::TestFolder other;
-    const QString target = other.write(u"a.m4a"_s, "old");
-    ASSERT_TRUE(QFile::link(target, folder.path(u"a.m4a"_s)));
-    StageFile(folder.path(), u"m4a"_s).replace(folder.path(u"a.m4a"_s));
-    EXPECT_EQ(other.read(u"a.m4a"_s), "");
-    EXPECT_EQ(QFile::symLinkTarget(folder.path(u"a.m4a"_s)), target);
-}
-
-TEST(StageFile, TakesThePlaceOfALinkThatLeadsNowhere)
-{
-    const test::TestFolder folder;
-    const QString link = folder.path(u"a.m4a"_s);
-    ASSERT_TRUE(QFile::link(folder.path(u"nowhere"_s), link));
-    const mode_t former = ::umask(022);
-    StageFile(folder.path(), u"m4a"_s).replace(link);
-    ::umask(former);
-    struct stat facts = {};
-    ASSERT_EQ(::lstat(QFile::encodeName(link).constData(), &facts), 0);
-    EXPECT_TRUE(S_ISREG(facts.st_mode));
-    EXPECT_EQ(facts.st_mode & 0777, 0644U);
-}
-
 TEST(StageFile, TakesANameThatNothingHas)
 {
     const test::TestFolder folder;
@@ -124,17 +80,6 @@ TEST(StageFile, TakesANameThatNothingHas)
     }
     EXPECT_EQ(folder.list(), QStringList{u"a.m4a"_s});
     EXPECT_EQ(folder.read(u"a.m4a"_s), "somebody's");
-}
-
-TEST(StageFile, LeavesTheOtherFileWhenItCannotReplaceIt)
-{
-    const test::TestFolder folder;
-    folder.write(u"taken/x"_s, "mine");
-    {
-        StageFile file(folder.path());
-        EXPECT_THROW(file.replace(folder.path(u"taken"_s)), NurvFailure);
-    }
-    EXPECT_EQ(folder.list(), QStringList{u"taken/x"_s});
 }
 
 TEST(StageFile, StaysWhenItIsGivenUp)
