@@ -82,7 +82,7 @@ void CreateFFPTask::stopTask()
 {
     // A list that was made has nothing to report: no output window opens for it. The
     // queue reads the set on its own thread.
-    if (!error())
+    if (!error() && warnings().isEmpty())
         runOnGuiThread([this] { setResults(nullptr); });
     NURVTask::stopTask();
 }

@@ -60,7 +60,7 @@ void CreateMD5Task::stopTask()
 {
     // A list that was made has nothing to report: no output window opens for it. The
     // queue reads the set on its own thread.
-    if (!error())
+    if (!error() && warnings().isEmpty())
         runOnGuiThread([this] { setResults(nullptr); });
     NURVTask::stopTask();
 }

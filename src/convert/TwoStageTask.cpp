@@ -6,8 +6,10 @@
 #include "convert/ConvertLog.h"
 #include "convert/EncodeCoreAudioSync.h"
 #include "originals/StageFile.h"
+#include "engine/NURVTaskQueue.h"
 #include "platform/ExternalPrograms.h"
 #include "platform/FileFacts.h"
+#include "platform/GuiThread.h"
 #include "platform/NurvFailure.h"
 #include "platform/ResourceFolder.h"
 
@@ -195,8 +197,17 @@ void TwoStageTask::deleteSourceNow()
 
 void TwoStageTask::afterCompletion()
 {
-    if (m_hasBegun)
-        deleteSourceIfDone();
+    if (!m_hasBegun)
+        return;
+    const bool wasKeptBefore = outcome().original == TaskOutcome::Original::Kept;
+    deleteSourceIfDone();
+    if (wasKeptBefore || outcome().original != TaskOutcome::Original::Kept)
+        return;
+    // The report has been shown already, if there was one.
+    postToGuiThread([self = std::static_pointer_cast<TwoStageTask>(shared_from_this())] {
+        if (NURVTaskQueue *const tasks = self->queue())
+            tasks->showOutputWindow(self->problemLine(self->outcome().problem + u"; original kept"_s), self->title());
+    });
 }
 
 void TwoStageTask::copyTags(const std::function<void()> &copy, const QString &complaint)

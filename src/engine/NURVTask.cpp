@@ -149,6 +149,7 @@ void NURVTask::failWith(const QString &reason)
 void NURVTask::warn(const QString &text)
 {
     m_warnings.append(text);
+    appendResultsForSelf(text + u'\n');
     if (m_outcome.problem.isEmpty())
         m_outcome.problem = text;
     qCWarning(engineLog).noquote() << text;

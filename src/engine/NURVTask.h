@@ -126,7 +126,7 @@ protected:
     void appendResults(const QString &text);
     /// Sets the error flag and appends the reason to the job's own slot.
     virtual void failWith(const QString &reason);
-    /// Adds to the job's warnings and tells the log. The job's own thread.
+    /// Adds to the job's warnings and its report, and tells the log. The job's own thread.
     void warn(const QString &text);
     /// Sets the active flags and shows the cancel button and the progress bar.
     void becomeActive();
