@@ -108,17 +108,19 @@ void EncodeTab::executeCommand()
 
 bool EncodeTab::chooseOutput(Batch &batch)
 {
+    batch.overwrite = originals.existingOutputs == ExistingOutputs::Replace;
     if (!sourceEncodeButton.isOn()) {
         batch.chosenFolder = chooseOutputFolder();
         return batch.chosenFolder.has_value();
     }
+    if (originals.existingOutputs != ExistingOutputs::AsTold)
+        return true;
     if (batch.format != u"FLAC" || !anyOutputExists())
         return true;
     const Alert question{.title = u"One of the output files already exists and will be overwritten.  "
                                   "Are you sure you want to continue?"_s,
                          .message = {},
-                         .buttons = {u"No"_s, u"Yes"_s},
-                         .asksToOverwrite = true};
+                         .buttons = {u"No"_s, u"Yes"_s}};
     batch.overwrite = nurvController().prompts().ask(question) == u"Yes";
     return batch.overwrite;
 }

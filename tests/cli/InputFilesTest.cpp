@@ -28,12 +28,13 @@ TEST(InputFiles, AFileOfAnotherKindInAFolderIsToldByNameAndNoFailure)
 {
     const TestFolder folder;
     writeFlac(folder.path(u"a.flac"_s), {.seconds = 0.1});
-    const QString text = folder.write(u"notes.txt"_s, "text");
+    folder.write(u"notes.txt"_s, "text");
     folder.write(u".DS_Store"_s, "left behind");
     const ProgramResult result = runNurv({u"decode"_s, u"--beside-source"_s, folder.path()});
     EXPECT_EQ(result.exitStatus, 0);
-    EXPECT_EQ(result.errors,
-              "nurv: " + text.toUtf8() + ": skipped, not of a kind that this command takes\na.flac: Complete\n");
+    EXPECT_TRUE(result.errors.startsWith(
+        "nurv: notes.txt: skipped, not of a kind that this command takes\na.flac: Complete\n1 of 1 done; "))
+        << result.errors.constData();
     folder.remove(u"a.wav"_s);
     EXPECT_EQ(runNurv({u"decode"_s, u"--beside-source"_s, u"--quiet"_s, folder.path()}).errors, "");
 }
@@ -43,10 +44,10 @@ TEST(InputFiles, AFolderGivesOnlyFilesWithAnExtensionOfThePage)
     const TestFolder folder;
     const QString wav = writeWav(folder.path(u"in/a.wav"_s), {.seconds = 0.1});
     writeWav(folder.path(u"in/take one"_s), {.seconds = 0.1});
-    const QString notes = folder.write(u"in/README"_s, "text");
+    folder.write(u"in/README"_s, "text");
     const ProgramResult result = runNurv({u"encode"_s, u"--beside-source"_s, folder.path(u"in"_s)});
     EXPECT_EQ(result.exitStatus, 0);
-    EXPECT_TRUE(result.errors.contains("nurv: " + notes.toUtf8() + ": skipped")) << result.errors.constData();
+    EXPECT_TRUE(result.errors.contains("nurv: README: skipped")) << result.errors.constData();
     EXPECT_EQ(folder.list(),
               (QStringList{u"in/README"_s, u"in/a.flac"_s, u"in/a.wav"_s, u"in/take one"_s}));
 
