@@ -12,13 +12,12 @@ namespace nurv {
 
 QString closingLine(const BatchCounts &counts, std::chrono::milliseconds duration)
 {
-    const int files = counts.complete + counts.failed + counts.canceled + counts.skippedExisting;
-    QStringList parts{u"%1 of %2 done"_s.arg(counts.complete).arg(files)};
+    QStringList parts{u"%1 of %2 done"_s.arg(counts.done).arg(counts.files + counts.skippedExisting)};
     const auto add = [&](int count, const QString &words) {
         if (count > 0)
             parts.append(QString::number(count) + u' ' + words);
     };
-    add(counts.failed, u"failed"_s);
+    add(counts.failedOtherwise, u"failed"_s);
     add(counts.canceled, u"canceled"_s);
     add(counts.originalsKept, counts.originalsKept == 1 ? u"original kept"_s : u"originals kept"_s);
     add(counts.notInFull, u"not in full"_s);

@@ -11,16 +11,22 @@ namespace nurv {
 
 /// What became of the files and jobs of a batch.
 struct BatchCounts {
-    int complete = 0; ///< of jobs that stand for one file
+    // How the jobs ended.
+    int complete = 0;
     int failed = 0;
     int canceled = 0;
-    int listsMade = 0;       ///< jobs that stand for no single file and ended well
-    int originalsKept = 0;   ///< although their deletion was asked for
+
+    // What that means for the files; none of these counts what another one does.
+    int files = 0;           ///< jobs that stand for one file
+    int done = 0;            ///< of those: did all that was asked for
+    int originalsKept = 0;   ///< complete or not, although their deletion was asked for
+    int failedOtherwise = 0; ///< and never came to the deletion
     int notInFull = 0;       ///< complete, but for something that was not done besides
-    int notProven = 0;       ///< complete, and nothing told that the output holds all
     int skippedExisting = 0; ///< without a job, since their outputs exist
     int refused = 0;         ///< asked for, and nothing that can be worked on
-    qint64 sourceBytes = 0;  ///< of the complete jobs
+
+    int notProven = 0;      ///< complete, and nothing told that the output holds all
+    qint64 sourceBytes = 0; ///< of the complete jobs
     qint64 outputBytes = 0;
 
     /// Whether everything was done that the jobs were there for.

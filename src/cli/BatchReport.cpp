@@ -91,21 +91,28 @@ void BatchReport::add(const NURVTask &task, const Job &job)
 
 void BatchReport::count(const NURVTask &task, const Job &job)
 {
-    if (job.keptOriginal())
-        ++m_counts.originalsKept;
+    const bool isFile = !task.sourcePath().isEmpty();
+    if (isFile)
+        ++m_counts.files;
     if (task.cancelled()) {
         ++m_counts.canceled;
-    } else if (task.error()) {
-        ++m_counts.failed;
-    } else {
-        ++(task.sourcePath().isEmpty() ? m_counts.listsMade : m_counts.complete);
-        if (job.hasProblem() && !job.keptOriginal())
-            ++m_counts.notInFull;
-        if (job.outcome.proof == Proof::NotProven)
-            ++m_counts.notProven;
-        m_counts.sourceBytes += job.outcome.sourceBytes;
-        m_counts.outputBytes += job.outcome.outputBytes;
+        return;
     }
+    ++(task.error() ? m_counts.failed : m_counts.complete);
+    if (job.keptOriginal())
+        ++m_counts.originalsKept;
+    else if (task.error())
+        ++m_counts.failedOtherwise;
+    else if (job.hasProblem())
+        ++m_counts.notInFull;
+    else if (isFile)
+        ++m_counts.done;
+    if (task.error())
+        return;
+    if (job.outcome.proof == Proof::NotProven)
+        ++m_counts.notProven;
+    m_counts.sourceBytes += job.outcome.sourceBytes;
+    m_counts.outputBytes += job.outcome.outputBytes;
 }
 
 QString BatchReport::nameOf(const NURVTask &task) const

@@ -181,7 +181,7 @@ void BatchRun::cancelJobs(const std::function<QString(int running)> &ofTheRunnin
     }
     m_queue.cancelAllTasks();
     const BatchCounts &counts = m_report.counts();
-    QStringList parts{u"%1 done"_s.arg(counts.complete)};
+    QStringList parts{u"%1 done"_s.arg(counts.done)};
     if (counts.failed > 0)
         parts.append(u"%1 failed"_s.arg(counts.failed));
     if (waiting > 0)
@@ -225,7 +225,7 @@ void BatchRun::printBatchObject(ExitStatus exitStatus, const QStringList &refusa
     const BatchCounts &counts = m_report.counts();
     m_console.writeJson({{u"type"_s, u"batch"_s},
                          {u"jobs"_s, m_addedCount},
-                         {u"complete"_s, counts.complete + counts.listsMade},
+                         {u"complete"_s, counts.complete},
                          {u"failed"_s, counts.failed},
                          {u"canceled"_s, counts.canceled},
                          {u"kept"_s, counts.originalsKept},

@@ -41,25 +41,28 @@ TEST(HumanUnits, DurationsAreAsCoarseAsTheyAreLong)
 
 TEST(ClosingLine, NamesOnlyWhatThereIs)
 {
-    EXPECT_EQ(closingLine({.complete = 3}, 2s), u"3 of 3 done; in 2 s"_s);
-    EXPECT_EQ(closingLine({.complete = 1999,
-                           .failed = 1,
+    EXPECT_EQ(closingLine({.files = 3, .done = 3}, 2s), u"3 of 3 done; in 2 s"_s);
+    EXPECT_EQ(closingLine({.failed = 1,
+                           .files = 2000,
+                           .done = 1999,
                            .originalsKept = 1,
                            .sourceBytes = 98'000'000,
                            .outputBytes = 52'000'000},
                           9s),
-              u"1999 of 2000 done, 1 failed, 1 original kept; 98 MB to 52 MB in 9 s"_s);
-    EXPECT_EQ(closingLine({.complete = 5,
-                           .failed = 4,
+              u"1999 of 2000 done, 1 original kept; 98 MB to 52 MB in 9 s"_s);
+    EXPECT_EQ(closingLine({.complete = 6,
+                           .failed = 6,
                            .canceled = 3,
-                           .listsMade = 1,
+                           .files = 15,
+                           .done = 5,
                            .originalsKept = 2,
+                           .failedOtherwise = 4,
                            .notInFull = 1,
-                           .notProven = 6,
                            .skippedExisting = 12,
-                           .refused = 7},
+                           .refused = 7,
+                           .notProven = 6},
                           0s),
-              u"5 of 24 done, 4 failed, 3 canceled, 2 originals kept, 1 not in full, 6 not proven, "
+              u"5 of 27 done, 4 failed, 3 canceled, 2 originals kept, 1 not in full, 6 not proven, "
               "12 existed already, 7 refused; in under 1 s"_s);
 }
 
