@@ -67,7 +67,7 @@ ExitStatus BatchRun::run(BaseTab &tab)
     m_report.setSkippedExisting(static_cast<int>(tab.passedOver().size()));
     waitForJobs();
     waitForWorkers();
-    waitUntilSettled();
+    tellOfUnsettled();
     rows.reset();
     m_report.writeWindows();
     if (m_addedCount > 0 || !tab.passedOver().isEmpty())
@@ -84,7 +84,7 @@ void BatchRun::rowAppended(int row)
 
 void BatchRun::waitForJobs()
 {
-    if (m_queue.taskCount() == 0)
+    if (isIdle())
         return;
     QEventLoop loop;
     m_loop = &loop;
@@ -92,7 +92,7 @@ void BatchRun::waitForJobs()
     m_loop = nullptr;
 }
 
-/// A job may still remove its original after the queue has been told of its end.
+/// A job that is settled may still be on its thread; one that hangs is not waited for long.
 void BatchRun::waitForWorkers()
 {
     std::optional<std::chrono::steady_clock::time_point> deadline;
@@ -110,11 +110,9 @@ void BatchRun::waitForWorkers()
     }
 }
 
-/// What the workers that have ended had to say is posted already, unless the gate was
-/// closed meanwhile. What is left then hangs.
-void BatchRun::waitUntilSettled()
+/// Of jobs that hang there is nothing more to be had than how they end.
+void BatchRun::tellOfUnsettled()
 {
-    QCoreApplication::processEvents();
     for (const std::shared_ptr<NURVTask> &task : std::exchange(m_unsettled, {}))
         m_report.addUnsettled(*task);
 }
@@ -128,23 +126,29 @@ void BatchRun::taskEnded(const std::shared_ptr<NURVTask> &task)
 {
     for (const auto &[text, title] : std::exchange(m_windowsOfTask, {}))
         m_report.addWindow(text, title, task->results());
-    endWhenIdle();
 }
 
 void BatchRun::taskSettled(const std::shared_ptr<NURVTask> &task)
 {
     if (m_unsettled.erase(task) > 0)
         m_report.addSettled(*task);
+    endWhenIdle();
+}
+
+/// A job that has left the queue may still prove and remove its original.
+bool BatchRun::isIdle() const
+{
+    return m_queue.taskCount() == 0 && m_unsettled.empty();
 }
 
 /// A follow-up job is posted to this thread before the queue hears of the last
 /// member's end: what is posted now comes after it.
 void BatchRun::endWhenIdle()
 {
-    if (m_queue.taskCount() > 0)
+    if (!isIdle())
         return;
     postToGuiThread([self = QPointer<BatchRun>(this)] {
-        if (self && self->m_loop && self->m_queue.taskCount() == 0)
+        if (self && self->m_loop && self->isIdle())
             self->m_loop->quit();
     });
 }

@@ -68,7 +68,8 @@ private:
     void endWhenIdle();
     void waitForJobs();
     void waitForWorkers();
-    void waitUntilSettled();
+    void tellOfUnsettled();
+    [[nodiscard]] bool isIdle() const;
     [[nodiscard]] ExitStatus status() const;
 
     NURVTaskQueue &m_queue;

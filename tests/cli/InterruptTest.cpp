@@ -132,7 +132,7 @@ TEST_F(Interrupt, AJobThatHangsInTheFileSystemIsNotWaitedForLong)
     tools.addFake(u"shorten"_s, "exit=0");
     tools.addFake(u"shntool"_s,
                   "create=" + folder.path(u"started"_s).toUtf8() + ";wait-file=" + folder.path(u"go"_s).toUtf8());
-    RunningNurv nurv({u"encode"_s, u"--format=shn"_s, u"--md5"_s, u"--beside-source"_s, folder.path(u"a.wav"_s)});
+    RunningNurv nurv({u"encode"_s, u"--format=shn"_s, u"--md5"_s, u"--json"_s, u"--beside-source"_s, folder.path(u"a.wav"_s)});
     ASSERT_TRUE(waitForStart());
     // Whoever reads the output for its digest waits for a writer that never comes.
     ASSERT_EQ(::mkfifo(QFile::encodeName(folder.path(u"a.shn"_s)).constData(), 0600), 0);
@@ -142,4 +142,10 @@ TEST_F(Interrupt, AJobThatHangsInTheFileSystemIsNotWaitedForLong)
     const ProgramResult result = nurv.finish();
     EXPECT_EQ(result.exitStatus, 130);
     EXPECT_TRUE(result.errors.contains("nurv: 1 job(s) have not ended in time\n")) << result.errors.constData();
+    // The list that hangs has its object, too.
+    const QList<QJsonObject> objects = jsonLines(result.output);
+    ASSERT_EQ(objects.size(), 3) << result.output.constData();
+    EXPECT_EQ(objects[0][u"status"_s], u"complete"_s);
+    EXPECT_EQ(objects[1][u"status"_s], u"canceled"_s);
+    EXPECT_EQ(objects[2][u"jobs"_s], 2);
 }
