@@ -29,10 +29,10 @@ BaseTab::~BaseTab()
     m_controller.unregisterTab(m_label);
 }
 
-void BaseTab::addMatchedFiles(const QStringList &paths)
+void BaseTab::addMatchedFiles(const QStringList &paths, const QStringList &bases)
 {
     const qsizetype before = m_fileNames.size();
-    append(paths);
+    append(paths, bases);
     if (m_fileNames.size() == before)
         return;
     sortFileNames();
@@ -49,9 +49,9 @@ FileIntake BaseTab::collect(const QStringList &paths) const
             break;
         const QString path = absolutePath(given);
         if (isFolder(path))
-            collectFiles(path, isValid, intake, mustStop);
+            collectFiles(given, isValid, intake, mustStop);
         else if (isValid(path))
-            intake.accepted.append(path);
+            intake.accept(path);
         else
             intake.badExtensions.insert(pathExtension(path));
     }
@@ -68,7 +68,7 @@ void BaseTab::addCollected(const FileIntake &intake)
 
 void BaseTab::takeCollected(const FileIntake &intake)
 {
-    append(intake.accepted);
+    append(intake.accepted, intake.bases);
     sortFileNames();
     filesAdded();
 
@@ -84,17 +84,18 @@ void BaseTab::takeCollected(const FileIntake &intake)
     showBadFileMessages(messages);
 }
 
-QString BaseTab::relativeFolderOf(const QString &) const
+QString BaseTab::relativeFolderOf(const QString &path) const
 {
-    return {};
+    return relativeFolder(path, m_bases.value(path));
 }
 
-void BaseTab::append(const QStringList &paths)
+void BaseTab::append(const QStringList &paths, const QStringList &bases)
 {
-    for (const QString &path : paths) {
-        if (m_listed.contains(path))
+    for (qsizetype i = 0; i < paths.size(); ++i) {
+        const QString &path = paths.at(i);
+        if (m_bases.contains(path))
             continue;
-        m_listed.insert(path);
+        m_bases.insert(path, bases.value(i));
         m_fileNames.append(path);
     }
 }
@@ -139,7 +140,7 @@ void BaseTab::addButtonClick()
 void BaseTab::clearFiles()
 {
     m_fileNames.clear();
-    m_listed.clear();
+    m_bases.clear();
     Q_EMIT fileNamesChanged();
 }
 
@@ -161,7 +162,7 @@ void BaseTab::removeIf(const std::function<bool(const QString &path)> &isUnwante
     m_fileNames.removeIf([&](const QString &path) {
         const bool unwanted = isUnwanted(path);
         if (unwanted)
-            m_listed.remove(path);
+            m_bases.remove(path);
         return unwanted;
     });
 }

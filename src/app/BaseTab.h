@@ -5,9 +5,9 @@
 #include "app/FileIntake.h"
 #include "app/UserPrompts.h"
 
+#include <QHash>
 #include <QList>
 #include <QObject>
-#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -39,14 +39,16 @@ public:
     /// Absolute paths without duplicates, in file-browser order.
     [[nodiscard]] const QStringList &fileNames() const { return m_fileNames; }
 
-    /// The folders between what the user gave and the file: "disc1" for .../shows/disc1/a.wav
-    /// when .../shows was given is "shows/disc1". Empty for a file that was given itself.
+    /// The folders of a listed file from the given folder's own name on: "shows/disc1" for
+    /// .../shows/disc1/a.wav when .../shows was given. Empty for a file that was given
+    /// itself, never absolute, never with a "..".
     [[nodiscard]] QString relativeFolderOf(const QString &path) const;
 
     /// Adds a file that the controller has matched with this tab already.
     void addFile(const QString &path) { addMatchedFiles({path}); }
-    /// `addFile` for each, with one sort and one announcement for all.
-    void addMatchedFiles(const QStringList &paths);
+    /// `addFile` for each, with one sort and one announcement for all. `bases` as in a
+    /// FileIntake.
+    void addMatchedFiles(const QStringList &paths, const QStringList &bases = {});
     /// Adds files and what lies in folders; tells the user what was refused.
     /// Blocks while it searches the folders.
     void addFiles(const QStringList &paths) { addCollected(collect(paths)); }
@@ -105,7 +107,7 @@ protected:
     [[nodiscard]] bool confirmDeletingOriginals(bool deleteOriginals);
 
 private:
-    void append(const QStringList &paths);
+    void append(const QStringList &paths, const QStringList &bases);
     void takeCollected(const FileIntake &intake);
     void removeIf(const std::function<bool(const QString &path)> &isUnwanted);
     void sortFileNames();
@@ -115,7 +117,7 @@ private:
     QString m_label;
     QString m_pathToCommandLineTools;
     QStringList m_fileNames;
-    QSet<QString> m_listed;
+    QHash<QString, QString> m_bases; ///< of every listed file; empty: given itself
     QStringList m_passedOver;
     int m_refusalMessageDelayMs = 500; // long enough for a drop to finish
 };

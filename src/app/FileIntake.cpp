@@ -30,8 +30,9 @@ using FolderIdentity = std::pair<dev_t, ino_t>;
 
 class FolderWalk {
 public:
-    FolderWalk(const FileTest &isValid, FileIntake &intake, const StopTest &mustStop)
-        : m_isValid(isValid), m_intake(intake), m_mustStop(mustStop)
+    /// `base`: of the files that are found in folders.
+    FolderWalk(const FileTest &isValid, const QString &base, FileIntake &intake, const StopTest &mustStop)
+        : m_isValid(isValid), m_base(base), m_intake(intake), m_mustStop(mustStop)
     {
     }
 
@@ -98,15 +99,23 @@ private:
         if (!m_isValid(path))
             m_intake.badExtensions.insert(pathExtension(path));
         else if (!isSkippedName(path))
-            m_intake.accepted.append(path);
+            m_intake.accept(path, m_ancestors.empty() ? QString() : m_base);
     }
 
     const FileTest &m_isValid;
+    QString m_base;
     FileIntake &m_intake;
     const StopTest &m_mustStop;
     std::vector<FolderIdentity> m_ancestors;
     std::set<FolderIdentity> m_linkedFolders;
 };
+
+/// The folder from which the relative folders of what lies in a given folder count.
+QString baseOf(const QString &given, const QString &path)
+{
+    const QString name = lastPathComponent(given);
+    return name.isEmpty() || name == u"." || name == u".." ? path : folderOf(path);
+}
 
 void appendNames(QString &message, const QString &heading, const QStringList &names)
 {
@@ -123,6 +132,14 @@ void appendNames(QString &message, const QString &heading, const QStringList &na
 }
 
 } // namespace
+
+void FileIntake::accept(const QString &path, const QString &base)
+{
+    // Whoever appended to the accepted files alone gave files themselves.
+    bases.resize(accepted.size());
+    accepted.append(path);
+    bases.append(base);
+}
 
 bool isSkippedName(const QString &path)
 {
@@ -147,9 +164,17 @@ QString absolutePath(const QString &name)
     return folder.isEmpty() ? path : QDir::cleanPath(joinPath(folder, path.mid(up + 3)));
 }
 
-void collectFiles(const QString &path, const FileTest &isValid, FileIntake &intake, const StopTest &mustStop)
+QString relativeFolder(const QString &path, const QString &base)
 {
-    FolderWalk(isValid, intake, mustStop).visit(path);
+    const QString folder = folderOf(path);
+    const QString front = base.endsWith(u'/') ? base : base + u'/';
+    return !base.isEmpty() && folder.startsWith(front) ? folder.mid(front.size()) : QString();
+}
+
+void collectFiles(const QString &given, const FileTest &isValid, FileIntake &intake, const StopTest &mustStop)
+{
+    const QString path = absolutePath(given);
+    FolderWalk(isValid, baseOf(given, path), intake, mustStop).visit(path);
 }
 
 std::optional<Alert> unreadableAlert(const FileIntake &intake)

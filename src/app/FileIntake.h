@@ -15,7 +15,14 @@ namespace nurv {
 
 /// What was found under the paths that a user gave.
 struct FileIntake {
+    /// Notes a file that is of interest; `base` as in `bases`.
+    void accept(const QString &path, const QString &base = {});
+
     QStringList accepted;          ///< in the order found
+    /// For each accepted file the folder from which its relative folder counts: the one
+    /// that holds the given folder, so that this one's own name comes along. Empty for a
+    /// file that was given itself; what the list is too short for was, too.
+    QStringList bases;
     QSet<QString> badExtensions;   ///< extensions of refused files, as written
     QStringList unreadableNames;   ///< paths whose names are no valid UTF-8, made printable
     QStringList unreadableFolders; ///< folders that could not be listed to their end
@@ -39,12 +46,19 @@ using StopTest = std::function<bool()>;
 /// for what stands before a "..", which the system follows too.
 [[nodiscard]] QString absolutePath(const QString &name);
 
-/// Every file at or under `path` that passes `isValid`, less the skipped names, in
-/// the file system's order. Follows symbolic links, but never into a folder that it
+/// The folders between the base and the file: "shows/disc1" for /music/shows/disc1/a.wav
+/// and the base /music. Empty without a base, for a file right in it and for one that is
+/// not below it; never absolute.
+[[nodiscard]] QString relativeFolder(const QString &path, const QString &base);
+
+/// Every file at or under `given` that passes `isValid`, less the skipped names, in
+/// the file system's order, with absolute paths. Their base is the folder that holds the
+/// given one, but the given one itself when "." or ".." is all it was called, and for the
+/// root. Follows symbolic links, but never into a folder that it
 /// is in already, and into a folder behind several links only once: links cannot
 /// make it run without end. A path that does not exist counts as a file. Asks
 /// `mustStop` before every entry. Any thread; blocks.
-void collectFiles(const QString &path, const FileTest &isValid, FileIntake &intake, const StopTest &mustStop = {});
+void collectFiles(const QString &given, const FileTest &isValid, FileIntake &intake, const StopTest &mustStop = {});
 
 /// The message that names what could not be read; nothing when there is nothing to
 /// tell. Of a long list it shows the beginning, and the log has the rest.

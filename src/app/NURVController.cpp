@@ -148,17 +148,23 @@ FileIntake NURVController::collect(const QString &label, const QStringList &path
     const FileTest isAny = [](const QString &) { return true; };
     FileIntake found;
     for (const QString &path : paths)
-        collectFiles(absolutePath(path), isAny, found, [this] { return mustStopSearching(); });
-    const BaseTab *const page = tab(label);
-    if (!page)
+        collectFiles(path, isAny, found, [this] { return mustStopSearching(); });
+    if (!tab(label))
         return found;
-    found.accepted.removeIf([&](const QString &path) { return mustStopSearching() || !takesFromFolder(label, path); });
-    // Found already, so the tab searches no folder a second time.
-    FileIntake intake = page->collect(found.accepted);
-    intake.unreadableNames += found.unreadableNames;
-    intake.unreadableFolders += found.unreadableFolders;
-    intake.unreachableFiles += found.unreachableFiles;
-    return intake;
+    const FileIntake all = std::exchange(found, {});
+    for (qsizetype i = 0; i < all.accepted.size() && !mustStopSearching(); ++i) {
+        const QString &path = all.accepted.at(i);
+        if (!takesFromFolder(label, path))
+            continue;
+        if (isValidFile(label, path))
+            found.accept(path, all.bases.value(i));
+        else
+            found.badExtensions.insert(pathExtension(path));
+    }
+    found.unreadableNames = all.unreadableNames;
+    found.unreadableFolders = all.unreadableFolders;
+    found.unreachableFiles = all.unreachableFiles;
+    return found;
 }
 
 void NURVController::addCollected(const QString &label, const FileIntake &found)
@@ -183,11 +189,12 @@ bool NURVController::takesFromFolder(const QString &label, const QString &path) 
 void NURVController::routeByExtension(const FileIntake &found)
 {
     static const QStringList compressed = words(u"FLAC SHN WV TTA M4A APE"_s);
-    QMap<QString, QStringList> filesOfPage;
+    QMap<QString, FileIntake> filesOfPage;
     // Of all the pages that the files select one after the other only the last
     // stays, so only that one is shown.
     QString lastPage;
-    for (const QString &path : found.accepted) {
+    for (qsizetype i = 0; i < found.accepted.size(); ++i) {
+        const QString &path = found.accepted.at(i);
         const QString extension = formatWord(path);
         QString page;
         if (compressed.contains(extension))
@@ -202,12 +209,12 @@ void NURVController::routeByExtension(const FileIntake &found)
         if (page.isEmpty()) {
             lastPage = kEncode;
         } else if (tab(page)) {
-            filesOfPage[page].append(path);
+            filesOfPage[page].accept(path, found.bases.value(i));
             lastPage = page;
         }
     }
     for (auto it = filesOfPage.cbegin(); it != filesOfPage.cend(); ++it)
-        tab(it.key())->addMatchedFiles(it.value());
+        tab(it.key())->addMatchedFiles(it.value().accepted, it.value().bases);
     if (!lastPage.isEmpty())
         show(lastPage);
     if (const std::optional<Alert> unreadable = unreadableAlert(found))

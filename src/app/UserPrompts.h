@@ -14,7 +14,6 @@ struct Alert {
     QString title;
     QString message;
     QStringList buttons; ///< the first one is the default
-    bool asksToOverwrite = false;
 };
 
 /// The button that changes nothing: "No" or "Cancel" when there is one, else the

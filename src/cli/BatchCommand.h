@@ -14,6 +14,7 @@ namespace nurv {
 
 class BaseTab;
 class NURVController;
+struct OriginalsControls;
 
 /// A command that fills the list of a tab, sets its controls and presses its
 /// execute button.
@@ -37,6 +38,14 @@ public:
 
 /// The options that all batch commands know.
 [[nodiscard]] std::vector<OptionSpec> commonBatchOptions();
+
+/// Throws UsageError for options that exclude each other and for those that lack the one
+/// they go with.
+void checkOptionPairs(const ParsedArguments &arguments);
+
+/// Sets what becomes of originals and of outputs that exist: to what the options say,
+/// never to what a window has stored.
+void setOriginals(OriginalsControls &originals, const ParsedArguments &arguments);
 
 /// Throws UsageError when an option that goes with one format only is given with
 /// another: "--md5 goes with --format shn only".

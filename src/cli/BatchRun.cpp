@@ -8,7 +8,6 @@
 #include "cli/RowDisplay.h"
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskQueue.h"
-#include "engine/NURVTaskResults.h"
 #include "platform/ChildProcess.h"
 #include "platform/GuiThread.h"
 #include "platform/TerminationSignals.h"
@@ -16,6 +15,7 @@
 
 #include <QCoreApplication>
 #include <QEventLoop>
+#include <QJsonArray>
 #include <QJsonObject>
 #include <QPointer>
 #include <QTimer>
@@ -38,18 +38,15 @@ constexpr auto kTerminationGrace = 500ms;
 constexpr auto kCleanupLimit = 5s;
 constexpr auto kWorkerPoll = 10ms;
 
-QString statusWord(const NURVTask &task)
-{
-    return endingText(task).toLower();
-}
-
 } // namespace
 
 BatchRun::BatchRun(NURVTaskQueue &queue, ConsolePrompts &prompts, Console &console, Options options)
-    : m_queue(queue), m_prompts(prompts), m_console(console), m_options(std::move(options))
+    : m_queue(queue), m_prompts(prompts), m_console(console), m_options(std::move(options)),
+      m_report(console, m_options.report)
 {
-    connect(&queue, &NURVTaskQueue::rowAppended, this, [this] { ++m_addedCount; });
+    connect(&queue, &NURVTaskQueue::rowAppended, this, &BatchRun::rowAppended);
     connect(&queue, &NURVTaskQueue::taskEnded, this, &BatchRun::taskEnded);
+    connect(&queue, &NURVTaskQueue::taskSettled, this, &BatchRun::taskSettled);
     connect(&queue, &NURVTaskQueue::outputWindowRequested, this, &BatchRun::outputWindowRequested);
 }
 
@@ -62,21 +59,32 @@ ExitStatus BatchRun::run(BaseTab &tab)
     connect(&signalsToEnd, &TerminationSignals::terminated, this, &BatchRun::terminated);
     m_prompts.setInterruptDescriptor(signalsToEnd.descriptor());
     std::optional<RowDisplay> rows;
-    if (!m_options.quiet)
+    if (!m_options.report.quiet)
         rows.emplace(m_queue, m_console);
 
     tab.executeCommand();
     m_prompts.setInterruptDescriptor(-1);
+    m_report.setSkippedExisting(static_cast<int>(tab.passedOver().size()));
     waitForJobs();
     waitForWorkers();
+    tellOfUnsettled();
     rows.reset();
-    printUnseenReports();
+    m_report.writeWindows();
+    if (m_addedCount > 0 || !tab.passedOver().isEmpty())
+        m_report.writeClosingLine(std::chrono::milliseconds(m_clock.isValid() ? m_clock.elapsed() : 0));
     return status();
+}
+
+void BatchRun::rowAppended(int row)
+{
+    if (m_addedCount++ == 0)
+        m_clock.start();
+    m_unsettled.insert(m_queue.panelArray()[static_cast<std::size_t>(row)]);
 }
 
 void BatchRun::waitForJobs()
 {
-    if (m_queue.taskCount() == 0)
+    if (isIdle())
         return;
     QEventLoop loop;
     m_loop = &loop;
@@ -84,7 +92,7 @@ void BatchRun::waitForJobs()
     m_loop = nullptr;
 }
 
-/// A job may still remove its original after the queue has been told of its end.
+/// A job that is settled may still be on its thread; one that hangs is not waited for long.
 void BatchRun::waitForWorkers()
 {
     std::optional<std::chrono::steady_clock::time_point> deadline;
@@ -102,51 +110,45 @@ void BatchRun::waitForWorkers()
     }
 }
 
+/// Of jobs that hang there is nothing more to be had than how they end.
+void BatchRun::tellOfUnsettled()
+{
+    for (const std::shared_ptr<NURVTask> &task : std::exchange(m_unsettled, {}))
+        m_report.addUnsettled(*task);
+}
+
 void BatchRun::outputWindowRequested(const QString &text, const QString &title)
 {
-    m_outputWasShown = true;
-    m_outputs.append(QJsonObject{{u"title"_s, title}, {u"text"_s, text}});
-    // A set without any report is nothing but line ends.
-    if (!m_options.json && !text.trimmed().isEmpty())
-        m_console.writeOutput(text);
+    m_windowsOfTask.emplace_back(text, title);
 }
 
 void BatchRun::taskEnded(const std::shared_ptr<NURVTask> &task)
 {
-    const std::shared_ptr<NURVTaskResults> results = task->results();
-    const QString report = task->report();
-    const bool wasShown = std::exchange(m_outputWasShown, false);
-    if (wasShown) {
-        std::erase_if(m_failedReports, [&](const FailedReport &failed) { return failed.results.lock() == results; });
-    }
-    if (task->cancelled()) {
-        ++m_canceledCount;
-    } else if (task->error()) {
-        ++m_failedCount;
-        if (!wasShown)
-            m_failedReports.push_back({task->title(), report, results});
-    } else {
-        ++m_completeCount;
-        m_warnings.append(task->warnings());
-    }
-    if (m_options.json) {
-        m_console.writeJson({{u"type"_s, u"job"_s},
-                             {u"title"_s, task->title()},
-                             {u"source"_s, task->sourcePath()},
-                             {u"status"_s, statusWord(*task)},
-                             {u"report"_s, report}});
-    }
+    for (const auto &[text, title] : std::exchange(m_windowsOfTask, {}))
+        m_report.addWindow(text, title, task->results());
+}
+
+void BatchRun::taskSettled(const std::shared_ptr<NURVTask> &task)
+{
+    if (m_unsettled.erase(task) > 0)
+        m_report.addSettled(*task);
     endWhenIdle();
+}
+
+/// A job that has left the queue may still prove and remove its original.
+bool BatchRun::isIdle() const
+{
+    return m_queue.taskCount() == 0 && m_unsettled.empty();
 }
 
 /// A follow-up job is posted to this thread before the queue hears of the last
 /// member's end: what is posted now comes after it.
 void BatchRun::endWhenIdle()
 {
-    if (m_queue.taskCount() > 0)
+    if (!isIdle())
         return;
     postToGuiThread([self = QPointer<BatchRun>(this)] {
-        if (self && self->m_loop && self->m_queue.taskCount() == 0)
+        if (self && self->m_loop && self->isIdle())
             self->m_loop->quit();
     });
 }
@@ -154,30 +156,49 @@ void BatchRun::endWhenIdle()
 void BatchRun::interrupted()
 {
     if (std::exchange(m_isInterrupted, true)) {
+        if (!m_childrenEnded)
+            m_console.writeNote(u"canceled; the running programs are ended"_s);
         endChildren();
         return;
     }
-    m_queue.cancelAllTasks();
-    if (const int running = m_queue.taskCount(); running > 0) {
-        m_console.writeNote(u"canceled; %1 running job(s) are coming to their end "
-                            "(press Ctrl-C again to end them now)"_s.arg(running));
-    } else {
-        m_console.writeNote(u"canceled"_s);
-    }
+    cancelJobs([](int running) {
+        return running == 1 ? u"1 running comes to its end (Ctrl-C again ends it now)"_s
+                            : u"%1 running come to their end (Ctrl-C again ends them now)"_s.arg(running);
+    });
 }
 
 void BatchRun::terminated()
 {
     if (!std::exchange(m_isInterrupted, true))
-        m_queue.cancelAllTasks();
+        cancelJobs([](int running) { return u"%1 running ended now"_s.arg(running); });
     endChildren();
+}
+
+void BatchRun::cancelJobs(const std::function<QString(int running)> &ofTheRunning)
+{
+    int waiting = 0;
+    for (const std::shared_ptr<NURVTask> &task : m_queue.panelArray()) {
+        if (task->isActive() || task->isDone())
+            continue;
+        m_report.addNotBegun(*task);
+        ++waiting;
+    }
+    m_queue.cancelAllTasks();
+    const BatchCounts &counts = m_report.counts();
+    QStringList parts{u"%1 done"_s.arg(counts.done)};
+    if (counts.failed > 0)
+        parts.append(u"%1 failed"_s.arg(counts.failed));
+    if (waiting > 0)
+        parts.append(u"%1 not begun"_s.arg(waiting));
+    if (const int running = m_queue.taskCount(); running > 0)
+        parts.append(ofTheRunning(running));
+    m_console.writeNote(u"canceled: "_s + parts.join(u", "_s));
 }
 
 void BatchRun::endChildren()
 {
     if (std::exchange(m_childrenEnded, true))
         return;
-    m_console.writeNote(u"canceled; the running programs are ended"_s);
     children::terminateAll(kTerminationGrace, true);
     // The event loop reaps the children and lets the jobs clean up.
     QTimer::singleShot(kCleanupLimit, this, [this] {
@@ -186,46 +207,41 @@ void BatchRun::endChildren()
     });
 }
 
-void BatchRun::printUnseenReports()
-{
-    if (m_options.json)
-        return;
-    for (const QString &warning : std::as_const(m_warnings))
-        m_console.writeNote(warning);
-    for (const FailedReport &failed : std::as_const(m_failedReports)) {
-        m_console.writeNote(u"%1 failed:"_s.arg(failed.title));
-        const QStringList lines = failed.text.trimmed().split(u'\n', Qt::SkipEmptyParts);
-        for (const QString &line : lines)
-            m_console.writeLine(u"    "_s + line);
-    }
-}
-
 ExitStatus BatchRun::status() const
 {
     if (m_isInterrupted || m_prompts.outcome() == ConsolePrompts::Outcome::Interrupted)
         return ExitStatus::Interrupted;
-    if (m_failedCount > 0)
+    const BatchCounts &counts = m_report.counts();
+    if (counts.failed > 0)
         return m_options.programIsMissing() ? ExitStatus::MissingProgram : ExitStatus::Failed;
     if (m_prompts.outcome() == ConsolePrompts::Outcome::Unanswered)
         return ExitStatus::Usage;
     if (m_prompts.outcome() == ConsolePrompts::Outcome::Declined)
         return ExitStatus::Failed;
-    return m_canceledCount > 0 || !m_warnings.isEmpty() || m_addedCount == 0 ? ExitStatus::Failed : ExitStatus::Ok;
+    const bool hadNothingToDo = m_addedCount == 0 && counts.skippedExisting == 0;
+    return counts.allDone() && !hadNothingToDo ? ExitStatus::Ok : ExitStatus::Failed;
 }
 
 void BatchRun::printBatchObject(ExitStatus exitStatus, const QStringList &refusals, const QStringList &skipped)
 {
-    if (!m_options.json)
+    if (!m_options.report.json)
         return;
+    const BatchCounts &counts = m_report.counts();
     m_console.writeJson({{u"type"_s, u"batch"_s},
                          {u"jobs"_s, m_addedCount},
-                         {u"complete"_s, m_completeCount},
-                         {u"failed"_s, m_failedCount},
-                         {u"canceled"_s, m_canceledCount},
+                         {u"complete"_s, counts.complete},
+                         {u"failed"_s, counts.failed},
+                         {u"canceled"_s, counts.canceled},
+                         {u"kept"_s, counts.originalsKept},
+                         {u"notInFull"_s, counts.notInFull},
+                         {u"notProven"_s, counts.notProven},
+                         {u"skippedExisting"_s, counts.skippedExisting},
+                         {u"sourceBytes"_s, counts.sourceBytes},
+                         {u"outputBytes"_s, counts.outputBytes},
                          {u"refused"_s, QJsonArray::fromStringList(refusals)},
                          {u"skipped"_s, QJsonArray::fromStringList(skipped)},
-                         {u"warnings"_s, QJsonArray::fromStringList(m_warnings)},
-                         {u"outputs"_s, m_outputs},
+                         {u"warnings"_s, QJsonArray::fromStringList(m_report.warnings())},
+                         {u"outputs"_s, m_report.windows()},
                          {u"exitStatus"_s, static_cast<int>(exitStatus)}});
 }
 

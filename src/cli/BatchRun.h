@@ -2,14 +2,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "cli/BatchReport.h"
 #include "cli/ExitStatus.h"
 
-#include <QJsonArray>
+#include <QElapsedTimer>
 #include <QObject>
 #include <QStringList>
 
 #include <functional>
 #include <memory>
+#include <set>
+#include <utility>
 #include <vector>
 
 class QEventLoop;
@@ -21,12 +24,11 @@ class Console;
 class ConsolePrompts;
 class NURVTask;
 class NURVTaskQueue;
-class NURVTaskResults;
 
-/// Presses a tab's execute button and stays until the last job has ended.
+/// Presses a tab's execute button and stays until the last job is settled.
 ///
-///     executeCommand ──> queue ──> taskEnded ────────────> JSON object
-///                          └────> outputWindowRequested ─> standard output
+///     executeCommand ──> queue ──> taskSettled ──────────> BatchReport
+///                          └────> outputWindowRequested ─> BatchReport
 ///     first Ctrl-C ──> waiting jobs cancelled, running ones run to their end
 ///     second one ────> children ended, then the batch
 ///
@@ -36,8 +38,7 @@ class BatchRun : public QObject {
 
 public:
     struct Options {
-        bool json = false;
-        bool quiet = false;
+        BatchReport::Options report;
         /// Whether a program that the batch needs is missing; asked after a job has failed.
         std::function<bool()> programIsMissing;
     };
@@ -54,38 +55,36 @@ public:
     void printBatchObject(ExitStatus status, const QStringList &refusals, const QStringList &skipped);
 
 private:
-    struct FailedReport {
-        QString title;
-        QString text;
-        std::weak_ptr<NURVTaskResults> results;
-    };
-
+    void rowAppended(int row);
     void taskEnded(const std::shared_ptr<NURVTask> &task);
+    void taskSettled(const std::shared_ptr<NURVTask> &task);
     void outputWindowRequested(const QString &text, const QString &title);
     void interrupted();
     void terminated();
+    /// Cancels what is queued and tells it in one line; `ofTheRunning` says what becomes
+    /// of so many programs.
+    void cancelJobs(const std::function<QString(int running)> &ofTheRunning);
     void endChildren();
     void endWhenIdle();
     void waitForJobs();
     void waitForWorkers();
-    void printUnseenReports();
+    void tellOfUnsettled();
+    [[nodiscard]] bool isIdle() const;
     [[nodiscard]] ExitStatus status() const;
 
     NURVTaskQueue &m_queue;
     ConsolePrompts &m_prompts;
     Console &m_console;
     Options m_options;
+    BatchReport m_report;
     QEventLoop *m_loop = nullptr;
-    QJsonArray m_outputs;
-    std::vector<FailedReport> m_failedReports;
-    QStringList m_warnings; ///< of jobs that ended well
+    QElapsedTimer m_clock; ///< started by the first job
+    std::set<std::shared_ptr<NURVTask>> m_unsettled; ///< added, and not settled yet
+    /// What an output window was asked for, by the job that is completing now.
+    std::vector<std::pair<QString, QString>> m_windowsOfTask;
     int m_addedCount = 0;
-    int m_completeCount = 0;
-    int m_failedCount = 0;
-    int m_canceledCount = 0;
     bool m_isInterrupted = false;
     bool m_childrenEnded = false;
-    bool m_outputWasShown = false; ///< for the job that is completing now
 };
 
 } // namespace nurv

@@ -10,6 +10,7 @@
 #include "cli/DoctorCommand.h"
 #include "cli/EncodeCommand.h"
 #include "cli/HelpText.h"
+#include "cli/HumanUnits.h"
 #include "cli/InputFiles.h"
 #include "cli/LogOutput.h"
 #include "cli/OutputFolder.h"
@@ -21,7 +22,9 @@
 #include "platform/WorkerThreads.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <memory>
@@ -49,25 +52,11 @@ std::vector<const CommandSpec *> allSpecs()
     return specs;
 }
 
-void checkQuestions(const ParsedArguments &arguments)
-{
-    const bool saysNo = arguments.has(u"no"_s);
-    if (saysNo && arguments.has(u"yes"_s))
-        throw UsageError(u"--yes and --no cannot both be given"_s);
-    if (saysNo && arguments.has(u"delete-originals"_s))
-        throw UsageError(u"--no and --delete-originals cannot both be given"_s);
-    if (saysNo && arguments.has(u"overwrite"_s))
-        throw UsageError(u"--no and --overwrite cannot both be given"_s);
-}
-
 /// The folder of --output-dir; nothing with --beside-source, and when the terminal
 /// will be asked for it. Throws UsageError.
 std::optional<QString> outputFolder(const ParsedArguments &arguments)
 {
-    const bool isBesideSource = arguments.has(u"beside-source"_s);
-    if (isBesideSource && arguments.has(u"output-dir"_s))
-        throw UsageError(u"--output-dir and --beside-source cannot both be given"_s);
-    if (isBesideSource)
+    if (arguments.has(u"beside-source"_s))
         return std::nullopt;
     if (!arguments.has(u"output-dir"_s)) {
         if (!Console::canAsk())
@@ -86,8 +75,37 @@ PromptAnswers answersOf(const ParsedArguments &arguments)
     answers.outputFolder = outputFolder(arguments);
     if (arguments.has(u"yes"_s) || arguments.has(u"no"_s))
         answers.answerAll = arguments.has(u"yes"_s);
-    answers.overwrite = arguments.has(u"overwrite"_s);
     return answers;
+}
+
+/// "12 files, 1.3 GB: disc1/a.wav, disc1/b.wav, disc1/c.wav, ...".
+QString subjectOf(const QStringList &files, const SourceNames &names)
+{
+    constexpr qsizetype kExamples = 3;
+    qint64 bytes = 0;
+    for (const QString &path : files)
+        bytes += QFileInfo(path).size();
+    QStringList examples;
+    for (const QString &path : files.first(std::min(files.size(), kExamples)))
+        examples.append(names.nameOf(path));
+    if (files.size() > kExamples)
+        examples.append(u"..."_s);
+    return u"%1, %2: %3"_s.arg(files.size() == 1 ? u"1 file"_s : u"%1 files"_s.arg(files.size()), sizeText(bytes),
+                               examples.join(u", "_s));
+}
+
+BatchReport::Options reportOptions(const CommandSpec &command, const ParsedArguments &arguments,
+                                   const InputFiles &input)
+{
+    QStringList switches;
+    for (const OptionSpec &option : command.options)
+        switches.append(u"--"_s + option.name);
+    return {.json = arguments.has(u"json"_s),
+            .quiet = arguments.has(u"quiet"_s),
+            .verbose = arguments.has(u"verbose"_s),
+            .names = input.names,
+            .switches = switches,
+            .refused = static_cast<int>(input.refusals.size())};
 }
 
 } // namespace
@@ -168,7 +186,7 @@ ExitStatus CliApplication::runBatch(const BatchCommand &command, const ParsedArg
     command.check(arguments);
     if (arguments.operands.isEmpty())
         throw UsageError(u"no files are given"_s);
-    checkQuestions(arguments);
+    checkOptionPairs(arguments);
     ConsolePrompts prompts(m_console, answersOf(arguments));
     std::optional<int> jobs;
     if (arguments.has(u"jobs"_s))
@@ -195,19 +213,15 @@ ExitStatus CliApplication::runBatch(const BatchCommand &command, const ParsedArg
     for (const QString &line : input.refusals)
         m_console.writeNote(line);
     if (!arguments.has(u"quiet"_s)) {
-        if (arguments.has(u"overwrite"_s) && !arguments.has(u"beside-source"_s)) {
-            m_console.writeNote(u"--overwrite counts for --beside-source only: "
-                                "an output that exists in the output folder is never replaced"_s);
-        }
         for (const QString &line : input.skipped)
             m_console.writeNote(line);
     }
     tab->addCollected(input.intake);
+    prompts.setSubject([&] { return subjectOf(tab->fileNames(), input.names); });
     const NeededPrograms programs = command.neededPrograms(arguments, tab->fileNames());
     BatchRun batch(controller.taskQueue(), prompts, m_console,
-                   {.json = arguments.has(u"json"_s), .quiet = arguments.has(u"quiet"_s), .programIsMissing = [&] {
-                        return !programs.missing().isEmpty();
-                    }});
+                   {.report = reportOptions(command.spec(), arguments, input),
+                    .programIsMissing = [&] { return !programs.missing().isEmpty(); }});
 
     ExitStatus status = ExitStatus::Failed;
     if (tab->fileNames().isEmpty()) {

@@ -67,7 +67,7 @@ int Console::rows()
 
 void Console::writeOutput(const QString &text)
 {
-    if (m_outputIsGone)
+    if (m_outputFailed)
         return;
     if (m_outputIsTerminal)
         eraseLiveLines();
@@ -77,11 +77,10 @@ void Console::writeOutput(const QString &text)
         drawLiveLines();
     if (isWritten)
         return;
-    m_outputIsGone = true;
-    if (error == EPIPE)
-        return;
     m_outputFailed = true;
-    writeNote(u"standard output cannot be written: %1"_s.arg(systemErrorText(error)));
+    // Whoever has ended its reading knows it.
+    if (error != EPIPE)
+        writeNote(u"standard output cannot be written: %1"_s.arg(systemErrorText(error)));
 }
 
 void Console::writeJson(const QJsonObject &object)

@@ -16,8 +16,8 @@ namespace nurv {
 ///     text, notes ──> above the live lines
 ///     live lines ───> redrawn in place on standard error, gone at the end
 ///
-/// GUI thread. Writes block. A reader that has gone away is no error: what it
-/// would have read is dropped.
+/// GUI thread. Writes block. After a failed write to standard output everything for it
+/// is dropped; of a reader that has gone away only `outputFailed` tells.
 class Console {
 public:
     Console();
@@ -47,8 +47,7 @@ public:
 
     void setLiveLines(const QStringList &lines);
 
-    /// Whether standard output could not take everything, for another reason than
-    /// a reader that has gone away.
+    /// Whether standard output did not take everything.
     [[nodiscard]] bool outputFailed() const { return m_outputFailed; }
 
 private:
@@ -57,7 +56,6 @@ private:
 
     bool m_canRedraw;
     bool m_outputIsTerminal;
-    bool m_outputIsGone = false;
     bool m_outputFailed = false;
     QStringList m_liveLines;
     QList<int> m_drawnWidths; ///< columns of the lines that stand on the terminal now

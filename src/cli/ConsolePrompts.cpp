@@ -55,16 +55,14 @@ QString ConsolePrompts::ask(const Alert &alert)
         m_console.writeNote(textOf(alert));
         return dismissingButton(alert);
     }
-    if (alert.asksToOverwrite && m_answers.overwrite)
-        return answered(alert, u"Yes"_s);
     if (m_answers.answerAll)
         return answered(alert, *m_answers.answerAll ? u"Yes"_s : u"No"_s);
     if (Console::canAsk())
         return askOnTerminal(alert);
 
     m_outcome = Outcome::Unanswered;
-    m_console.writeNote(u"%1 Answered \"%2\", since there is no terminal to ask on; %3 answers \"Yes\"."_s.arg(
-        textOf(alert), dismissingButton(alert), alert.asksToOverwrite ? u"--overwrite"_s : u"--yes"_s));
+    m_console.writeNote(u"%1 Answered \"%2\", since there is no terminal to ask on; --yes answers \"Yes\"."_s.arg(
+        textOf(alert), dismissingButton(alert)));
     return dismissingButton(alert);
 }
 
@@ -82,6 +80,8 @@ QString ConsolePrompts::answered(const Alert &alert, const QString &button)
 QString ConsolePrompts::askOnTerminal(const Alert &alert)
 {
     const QString safe = dismissingButton(alert);
+    if (const auto subject = std::exchange(m_subject, nullptr))
+        m_console.writeNote(subject());
     while (true) {
         m_console.writeQuestion(u"%1 [%2, default %3] "_s.arg(textOf(alert), alert.buttons.join(u'/'), safe));
         const std::optional<QString> line = readLine();

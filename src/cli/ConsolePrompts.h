@@ -4,6 +4,10 @@
 
 #include "app/UserPrompts.h"
 
+#include <functional>
+#include <optional>
+#include <utility>
+
 namespace nurv {
 
 class Console;
@@ -12,7 +16,6 @@ class Console;
 struct PromptAnswers {
     std::optional<QString> outputFolder; ///< the answer to a folder chooser; else the terminal is asked
     std::optional<bool> answerAll;       ///< --yes, --no
-    bool overwrite = false;              ///< the answer to the question about existing outputs
 };
 
 /// The prompts of the command line: answered by the options, else by a question
@@ -31,6 +34,10 @@ public:
     /// `console` must outlive the prompts.
     ConsolePrompts(Console &console, PromptAnswers answers);
 
+    /// What the questions are about, in one line; asked for and written before the first
+    /// question that goes to the terminal.
+    void setSubject(std::function<QString()> subject) { m_subject = std::move(subject); }
+
     /// A question is given up as soon as this descriptor is readable.
     void setInterruptDescriptor(int descriptor) { m_interruptDescriptor = descriptor; }
 
@@ -48,6 +55,7 @@ private:
 
     Console &m_console;
     PromptAnswers m_answers;
+    std::function<QString()> m_subject;
     int m_interruptDescriptor = -1;
     Outcome m_outcome = Outcome::Answered;
 };

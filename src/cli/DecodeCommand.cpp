@@ -83,6 +83,7 @@ std::unique_ptr<BaseTab> DecodeCommand::makeTab(NURVController &controller, cons
     tab->flacKeepForeignMetadataButton.setOn(arguments.has(u"keep-foreign-metadata"_s));
     tab->sourceDecodeButton.setOn(arguments.has(u"beside-source"_s));
     tab->deleteOriginalsButton.setOn(arguments.has(u"delete-originals"_s));
+    setOriginals(tab->originals, arguments);
     return tab;
 }
 

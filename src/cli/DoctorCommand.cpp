@@ -120,6 +120,7 @@ CommandSpec makeSpec()
     spec.options = {
         {u"json"_s, {}, u"print one JSON object per program and one for the whole"_s},
         {u"quiet"_s, {}, u"print nothing; the exit status tells"_s},
+        {u"verbose"_s, {}, u"accepted as everywhere; everything is told already"_s},
         {u"jobs"_s, u"N"_s, u"accepted as everywhere; there are no jobs"_s},
         {u"yes"_s, {}, u"accepted as everywhere; there are no questions"_s},
         {u"no"_s, {}, u"accepted as everywhere; there are no questions"_s},

@@ -117,7 +117,6 @@ CommandSpec makeSpec()
         {u"keep-foreign-metadata"_s, {}, u"flac: keep the chunks of WAV and AIFF files that hold no audio"_s},
         {u"ffp"_s, {}, u"flac: write a fingerprint list into every output folder afterwards"_s},
         {u"md5"_s, {}, u"shn: write an MD5 list of the outputs afterwards"_s},
-        {u"overwrite"_s, {}, u"flac with --beside-source: replace outputs that exist without asking"_s},
     };
     for (const OptionSpec &option : commonBatchOptions())
         spec.options.push_back(option);
@@ -140,7 +139,7 @@ bool EncodeCommand::takes(const QString &) const
 void EncodeCommand::check(const ParsedArguments &arguments) const
 {
     const QString format = formatOf(arguments);
-    for (const QString &option : {u"lax"_s, u"verify"_s, u"keep-foreign-metadata"_s, u"ffp"_s, u"overwrite"_s})
+    for (const QString &option : {u"lax"_s, u"verify"_s, u"keep-foreign-metadata"_s, u"ffp"_s})
         requireFormat(arguments, option, {u"flac"_s}, format);
     requireFormat(arguments, u"md5"_s, {u"shn"_s}, format);
     requireFormat(arguments, u"mode"_s, {u"wv"_s}, format);
@@ -158,6 +157,7 @@ std::unique_ptr<BaseTab> EncodeCommand::makeTab(NURVController &controller, cons
     tab->displayRelevantOptions();
     tab->sourceEncodeButton.setOn(arguments.has(u"beside-source"_s));
     tab->deleteOriginalsButton.setOn(arguments.has(u"delete-originals"_s));
+    setOriginals(tab->originals, arguments);
     tab->generateMD5Button.setOn(arguments.has(u"md5"_s));
     tab->generateFFPButton.setOn(arguments.has(u"ffp"_s));
     tab->flacVerifyButton.setOn(arguments.has(u"verify"_s));

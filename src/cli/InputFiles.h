@@ -3,6 +3,7 @@
 #pragma once
 
 #include "app/FileIntake.h"
+#include "cli/SourceNames.h"
 
 #include <QByteArray>
 #include <QList>
@@ -13,13 +14,15 @@ namespace nurv {
 /// What the path arguments of a command stand for.
 struct InputFiles {
     FileIntake intake;    ///< what the tab takes; the refused parts are in `refusals`
-    QStringList refusals; ///< one line for each name that was asked for and cannot be worked on
+    SourceNames names;    ///< how the files are called
+    QStringList refusals; ///< one line for each file that was asked for and cannot be worked on
     QStringList skipped;  ///< one line for each file in a folder that is of another kind
 };
 
 /// Looks at every argument: files as they are, folders searched as folders
 /// dropped on a window are. `isValid` is for files that were named themselves,
-/// `isValidInFolder` for what a folder holds. Blocks; may read the head of files.
+/// `isValidInFolder` for what a folder holds. A file whose name promises a kind that its
+/// contents cannot be read as is refused, in a folder, too. Blocks; may read the head of files.
 [[nodiscard]] InputFiles collectInput(const QList<QByteArray> &arguments, const FileTest &isValid,
                                       const FileTest &isValidInFolder);
 

@@ -35,9 +35,10 @@ RowDisplay::RowDisplay(NURVTaskQueue &queue, Console &console) : m_queue(queue),
     m_repaintTimer.setSingleShot(true);
     m_repaintTimer.setInterval(kRepaintInterval);
     connect(&m_repaintTimer, &QTimer::timeout, this, &RowDisplay::repaint);
+    if (!console.canRedraw())
+        return;
     connect(&queue, &NURVTaskQueue::taskEnded, this, &RowDisplay::taskEnded);
-    if (console.canRedraw())
-        connect(&queue, &NURVTaskQueue::rowChanged, this, &RowDisplay::rowChanged);
+    connect(&queue, &NURVTaskQueue::rowChanged, this, &RowDisplay::rowChanged);
 }
 
 RowDisplay::~RowDisplay()
@@ -60,8 +61,7 @@ void RowDisplay::taskEnded(const std::shared_ptr<NURVTask> &task)
     m_running.erase(std::remove(m_running.begin(), m_running.end(), task), m_running.end());
     if (m_running.empty())
         m_console.setLiveLines({});
-    m_console.writeLine(task->title() + u": "_s + endingText(*task));
-    if (m_console.canRedraw() && !m_repaintTimer.isActive())
+    if (!m_repaintTimer.isActive())
         m_repaintTimer.start();
 }
 

@@ -14,8 +14,8 @@ class Console;
 class NURVTask;
 class NURVTaskQueue;
 
-/// The rows of the jobs on standard error: on a terminal one live line per
-/// running job, otherwise nothing but a line for each job that has ended.
+/// The rows of the running jobs on standard error: one live line each on a terminal,
+/// nothing elsewhere.
 class RowDisplay : public QObject {
     Q_OBJECT
 

@@ -1,8 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/CliApplication.h"
+#include "platform/StandardDescriptors.h"
 
 int main(int argc, char **argv)
 {
+    if (!nurv::openStandardDescriptors())
+        return static_cast<int>(nurv::ExitStatus::Failed);
     return nurv::CliApplication::main(argc, argv);
 }

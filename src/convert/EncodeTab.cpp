@@ -119,6 +119,7 @@ void EncodeTab::executeCommand()
 
 bool EncodeTab::chooseOutput(Batch &batch)
 {
+    batch.overwrite = originals.existingOutputs == ExistingOutputs::Replace;
     if (!sourceEncodeButton.isOn()) {
         batch.chosenFolder = chooseOutputFolder();
         return batch.chosenFolder.has_value();
@@ -128,8 +129,7 @@ bool EncodeTab::chooseOutput(Batch &batch)
     const Alert question{.title = u"One of the output files already exists and will be overwritten.  "
                                   "Are you sure you want to continue?"_s,
                          .message = {},
-                         .buttons = {u"No"_s, u"Yes"_s},
-                         .asksToOverwrite = true};
+                         .buttons = {u"No"_s, u"Yes"_s}};
     batch.overwrite = nurvController().prompts().ask(question) == u"Yes";
     return batch.overwrite;
 }

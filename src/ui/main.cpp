@@ -1,8 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/StandardDescriptors.h"
 #include "ui/Workbench.h"
 
 int main(int argc, char **argv)
 {
+    if (!nurv::openStandardDescriptors())
+        return 1;
     return nurv::Workbench::run(argc, argv);
 }

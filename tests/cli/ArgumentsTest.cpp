@@ -30,13 +30,17 @@ TEST(Arguments, HelpNamesEveryCommandAndEveryOption)
     const ProgramResult encode = runNurv({u"encode"_s, u"--help"_s});
     EXPECT_EQ(encode.exitStatus, 0);
     for (const char *option : {"--format", "--level", "--mode", "--lax", "--verify", "--keep-foreign-metadata", "--ffp",
-                               "--md5", "--output-dir", "--beside-source", "--overwrite", "--delete-originals",
-                               "--jobs", "--json", "--quiet", "--yes", "--no", "--version", "--help"}) {
+                               "--md5", "--output-dir", "--beside-source", "--keep-folders", "--overwrite",
+                               "--skip-existing", "--delete-originals", "--no-proof", "--drop-metadata", "--jobs",
+                               "--json", "--quiet", "--verbose", "--yes", "--no", "--version", "--help"}) {
         EXPECT_TRUE(encode.output.contains(option)) << option;
     }
     const ProgramResult decode = runNurv({u"decode"_s, u"-h"_s});
     EXPECT_EQ(decode.exitStatus, 0);
-    EXPECT_TRUE(decode.output.contains("--through-errors"));
+    for (const char *option : {"--through-errors", "--keep-folders", "--overwrite", "--skip-existing", "--no-proof",
+                               "--drop-metadata", "--verbose"}) {
+        EXPECT_TRUE(decode.output.contains(option)) << option;
+    }
 }
 
 TEST(Arguments, WrongUsageGivesOneSentenceAndAHintAndStatus2)
@@ -85,8 +89,22 @@ TEST(Arguments, WrongUsageGivesOneSentenceAndAHintAndStatus2)
          "nurv encode: --yes and --no cannot both be given."},
         {{u"encode"_s, u"--no"_s, u"--delete-originals"_s, u"--beside-source"_s, wav},
          "nurv encode: --no and --delete-originals cannot both be given."},
-        {{u"encode"_s, u"--overwrite"_s, u"--format=shn"_s, u"--output-dir"_s, out, wav},
-         "nurv encode: --overwrite goes with --format flac only, not with shn."},
+        {{u"encode"_s, u"--overwrite"_s, u"--skip-existing"_s, u"--output-dir"_s, out, wav},
+         "nurv encode: --overwrite and --skip-existing cannot both be given."},
+        {{u"decode"_s, u"--skip-existing"_s, u"--overwrite"_s, u"--output-dir"_s, out, wav},
+         "nurv decode: --overwrite and --skip-existing cannot both be given."},
+        {{u"encode"_s, u"--keep-folders"_s, u"--beside-source"_s, wav},
+         "nurv encode: --keep-folders and --beside-source cannot both be given."},
+        {{u"encode"_s, u"--no-proof"_s, u"--beside-source"_s, wav},
+         "nurv encode: --no-proof goes with --delete-originals only."},
+        {{u"decode"_s, u"--drop-metadata"_s, u"--beside-source"_s, wav},
+         "nurv decode: --drop-metadata goes with --delete-originals only."},
+        {{u"encode"_s, u"--drop-metadata"_s, u"--no"_s, u"--output-dir"_s, out, wav},
+         "nurv encode: --drop-metadata goes with --delete-originals only."},
+        {{u"encode"_s, u"--verbose"_s, u"--quiet"_s, u"--beside-source"_s, wav},
+         "nurv encode: --quiet and --verbose cannot both be given."},
+        {{u"encode"_s, u"--proof"_s, u"--beside-source"_s, wav},
+         "nurv encode: unknown option \"--proof\"."},
         {{u"encode"_s, u"--overwrite"_s, u"--no"_s, u"--beside-source"_s, wav},
          "nurv encode: --no and --overwrite cannot both be given."},
         {{u"encode"_s, u"--jobs=0"_s, u"--beside-source"_s, wav},

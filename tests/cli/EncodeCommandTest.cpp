@@ -45,8 +45,9 @@ TEST(EncodeCommand, EncodesAFolderIntoAnotherOneWithoutLoss)
     EXPECT_EQ(folder.read(u"in/a.wav"_s), before);
     EXPECT_EQ(folder.list(), (QStringList{u"in/a.wav"_s, u"in/deep/b 10.wav"_s, u"out/a.flac"_s, u"out/b 10.flac"_s}));
     QList<QByteArray> lines = result.errors.trimmed().split('\n');
+    EXPECT_TRUE(lines.takeLast().startsWith("2 of 2 done; ")) << result.errors.constData();
     std::sort(lines.begin(), lines.end());
-    EXPECT_EQ(lines, (QList<QByteArray>{"a.wav: Complete", "b 10.wav: Complete"}));
+    EXPECT_EQ(lines, (QList<QByteArray>{"a.wav: Complete", "deep/b 10.wav: Complete"}));
 }
 
 TEST(EncodeCommand, EveryOptionReachesTheProgram)
@@ -124,30 +125,43 @@ TEST(EncodeCommand, NeverRunsMoreJobsAtOnceThanAskedFor)
     EXPECT_EQ(runNurv(arguments + QStringList{u"--jobs=3"_s}).exitStatus, 1);
 }
 
-TEST(EncodeCommand, AFailedJobGivesStatus1AndItsReport)
+TEST(EncodeCommand, AFailedJobGivesStatus1AndOneLine)
 {
     const TestFolder folder;
     folder.write(u"bad.wav"_s, "this is no sound at all");
     writeWav(folder.path(u"good.wav"_s), {.seconds = 0.1});
-    const ProgramResult result = runNurv({u"encode"_s, u"--beside-source"_s, u"--jobs=1"_s, folder.path()});
+    const QStringList arguments{u"encode"_s, u"--beside-source"_s, u"--jobs=1"_s, folder.path()};
+    const ProgramResult result = runNurv(arguments);
     EXPECT_EQ(result.exitStatus, 1);
-    EXPECT_TRUE(result.errors.contains("bad.wav: Error\n")) << result.errors.constData();
-    EXPECT_TRUE(result.errors.contains("good.wav: Complete\n"));
-    // No output window opens for a job that fails before a good last one.
+    // What an output window would show of a failed job is in its line.
     EXPECT_EQ(result.output, "");
-    EXPECT_EQ(result.errors.count("nurv: bad.wav failed:\n"), 1) << result.errors.constData();
-    EXPECT_TRUE(result.errors.contains("ERROR")) << result.errors.constData();
+    const QList<QByteArray> lines = result.errors.trimmed().split('\n');
+    ASSERT_EQ(lines.size(), 3) << result.errors.constData();
+    EXPECT_EQ(lines[0], "bad.wav: not a WAVE file; treating as a raw file");
+    EXPECT_EQ(lines[1], "good.wav: Complete");
+    EXPECT_TRUE(lines[2].startsWith("1 of 2 done, 1 failed; ")) << lines[2].constData();
     EXPECT_TRUE(folder.exists(u"good.flac"_s));
+
+    folder.remove(u"good.flac"_s);
+    EXPECT_EQ(runNurv(arguments + QStringList{u"--quiet"_s}).errors, lines[0] + '\n');
 }
 
-TEST(EncodeCommand, TheOutputWindowsTextGoesToStandardOutput)
+TEST(EncodeCommand, VerboseShowsWhatTheProgramsOfTheFailedJobWroteAndNoOthers)
 {
     const TestFolder folder;
     folder.write(u"bad.wav"_s, "this is no sound at all");
-    const ProgramResult result = runNurv({u"encode"_s, u"--beside-source"_s, u"--quiet"_s, folder.path()});
+    writeWav(folder.path(u"good.wav"_s), {.seconds = 0.1});
+    const ProgramResult result =
+        runNurv({u"encode"_s, u"--beside-source"_s, u"--jobs=1"_s, u"--verbose"_s, folder.path()});
     EXPECT_EQ(result.exitStatus, 1);
-    EXPECT_TRUE(result.output.contains("ERROR")) << result.output.constData();
-    EXPECT_FALSE(result.errors.contains("failed:")) << result.errors.constData();
+    EXPECT_EQ(result.output, "");
+    const qsizetype end = result.errors.indexOf("good.wav: Complete\n");
+    ASSERT_GT(end, 0) << result.errors.constData();
+    const QByteArray ofBad = result.errors.left(end);
+    EXPECT_TRUE(ofBad.startsWith("bad.wav: not a WAVE file; treating as a raw file\n    ")) << ofBad.constData();
+    EXPECT_TRUE(ofBad.contains("\n    ERROR: for encoding a raw file")) << ofBad.constData();
+    EXPECT_EQ(result.errors.count("ABSOLUTELY NO WARRANTY"), 1);
+    EXPECT_FALSE(result.errors.mid(end).contains("    "));
 }
 
 TEST(EncodeCommand, FailsWhenTheListOfTheOutputsCannotBeWritten)
@@ -177,8 +191,11 @@ TEST(EncodeCommand, GivesOneJsonObjectPerJobAndOneForTheBatch)
     EXPECT_EQ(objects[0][u"source"_s], folder.path(u"bad.wav"_s));
     EXPECT_EQ(objects[0][u"status"_s], u"error"_s);
     EXPECT_TRUE(objects[0][u"report"_s].toString().contains(u"ERROR"_s));
+    EXPECT_EQ(objects[0][u"reason"_s], u"not a WAVE file; treating as a raw file"_s);
+    EXPECT_EQ(objects[0][u"original"_s], u"untouched"_s);
     EXPECT_EQ(objects[1][u"title"_s], u"good \"1\".wav"_s);
     EXPECT_EQ(objects[1][u"status"_s], u"complete"_s);
+    EXPECT_EQ(objects[1][u"reason"_s], QString());
     EXPECT_EQ(objects[2][u"type"_s], u"batch"_s);
     EXPECT_EQ(objects[2][u"jobs"_s], 2);
     EXPECT_EQ(objects[2][u"complete"_s], 1);
@@ -187,6 +204,8 @@ TEST(EncodeCommand, GivesOneJsonObjectPerJobAndOneForTheBatch)
     EXPECT_EQ(objects[2][u"exitStatus"_s], 1);
     EXPECT_EQ(objects[2][u"refused"_s].toArray().size(), 0);
     EXPECT_EQ(objects[2][u"skipped"_s].toArray().size(), 1);
+    // The words for people are no part of it.
+    EXPECT_TRUE(result.errors.contains("\n1 of 2 done, 1 failed; ")) << result.errors.constData();
 }
 
 TEST(EncodeCommand, AMissingProgramGivesStatus3BeforeAnythingIsQueued)
@@ -283,25 +302,39 @@ TEST(EncodeCommand, AProgramThatVanishesDuringTheBatchGivesStatus3)
     tools.addFake(u"flac"_s, "delete=" + tools.path(u"flac"_s).toUtf8());
     const ProgramResult result = runNurv({u"encode"_s, u"--beside-source"_s, u"--jobs=1"_s, folder.path()});
     EXPECT_EQ(result.exitStatus, 3);
-    EXPECT_TRUE(result.errors.contains("a.wav: Complete\nb.wav: Error\n") || result.errors.contains("b.wav: Error\n"))
+    EXPECT_TRUE(result.errors.contains("\nb.wav: \"flac\" could not be started: No such file or directory\n"))
         << result.errors.constData();
 }
 
-TEST(EncodeCommand, AReaderThatGoesAwayDoesNotStopTheWork)
+TEST(EncodeCommand, AReaderThatGoesAwayDoesNotStopTheWorkButCounts)
 {
     const TestFolder folder;
     for (int i = 0; i < 4; ++i)
-        writeWav(folder.path(u"%1.wav"_s.arg(i)), {.seconds = 0.1});
-    RunningNurv nurv({u"encode"_s, u"--json"_s, u"--beside-source"_s, folder.path()});
-    nurv.closeOutput();
-    const ProgramResult result = nurv.finish();
-    EXPECT_EQ(result.exitStatus, 0);
-    EXPECT_FALSE(result.errors.contains("output")) << result.errors.constData();
-    EXPECT_EQ(folder.list().size(), 8);
-    const ProgramResult help =
-        runProgram(u"bash"_s, {u"-c"_s, u"\"$0\" --help | true; exit ${PIPESTATUS[0]}"_s, nurvPath()});
-    EXPECT_EQ(help.exitStatus, 0);
-    EXPECT_EQ(help.errors, "");
+        writeWav(folder.path(u"in/%1.wav"_s.arg(i)), {.seconds = 0.1});
+    // The reader is gone before the program begins.
+    const QString script = u"{ until [ -e \"$1/gone\" ]; do sleep 0.01; done; "
+                           "\"$0\" encode --json --quiet --beside-source \"$1/in\"; echo $? >\"$1/status\"; } "
+                           "| { exec <&-; >\"$1/gone\"; }"_s;
+    const ProgramResult result = runProgram(u"bash"_s, {u"-c"_s, script, nurvPath(), folder.path()});
+    EXPECT_EQ(folder.read(u"status"_s), "1\n");
+    EXPECT_EQ(result.errors, "");
+    EXPECT_EQ(folder.list().size(), 8 + 2);
+}
+
+TEST(EncodeCommand, AReaderThatTakesOneLineOnlyCounts)
+{
+    const TestFolder folder;
+    folder.write(u"first.wav"_s, "x");
+    folder.write(u"second.wav"_s, "x");
+    const ToolFolder tools;
+    // The second job ends when the reader has gone.
+    tools.addFake(u"flac"_s, "when=second.wav;wait-file=" + folder.path(u"gone"_s).toUtf8());
+    const QString script = u"{ \"$0\" encode --json --quiet --jobs 1 --beside-source \"$1\"; echo $? >\"$1/status\"; } "
+                           "| { head -1; exec <&-; >\"$1/gone\"; }"_s;
+    const ProgramResult result = runProgram(u"bash"_s, {u"-c"_s, script, nurvPath(), folder.path()});
+    EXPECT_EQ(folder.read(u"status"_s), "1\n");
+    ASSERT_EQ(jsonLines(result.output).size(), 1) << result.output.constData();
+    EXPECT_EQ(jsonLines(result.output)[0][u"title"_s], u"first.wav"_s);
 }
 
 TEST(EncodeCommand, AnOutputThatIsFullIsTold)

@@ -6,6 +6,7 @@
 #include "support/TestFolder.h"
 
 #include <QDir>
+#include <QJsonArray>
 
 #include <gtest/gtest.h>
 
@@ -28,12 +29,13 @@ TEST(InputFiles, AFileOfAnotherKindInAFolderIsToldByNameAndNoFailure)
 {
     const TestFolder folder;
     writeFlac(folder.path(u"a.flac"_s), {.seconds = 0.1});
-    const QString text = folder.write(u"notes.txt"_s, "text");
+    folder.write(u"notes.txt"_s, "text");
     folder.write(u".DS_Store"_s, "left behind");
     const ProgramResult result = runNurv({u"decode"_s, u"--beside-source"_s, folder.path()});
     EXPECT_EQ(result.exitStatus, 0);
-    EXPECT_EQ(result.errors,
-              "nurv: " + text.toUtf8() + ": skipped, not of a kind that this command takes\na.flac: Complete\n");
+    EXPECT_TRUE(result.errors.startsWith(
+        "nurv: notes.txt: skipped, not of a kind that this command takes\na.flac: Complete\n1 of 1 done; "))
+        << result.errors.constData();
     folder.remove(u"a.wav"_s);
     EXPECT_EQ(runNurv({u"decode"_s, u"--beside-source"_s, u"--quiet"_s, folder.path()}).errors, "");
 }
@@ -43,16 +45,61 @@ TEST(InputFiles, AFolderGivesOnlyFilesWithAnExtensionOfThePage)
     const TestFolder folder;
     const QString wav = writeWav(folder.path(u"in/a.wav"_s), {.seconds = 0.1});
     writeWav(folder.path(u"in/take one"_s), {.seconds = 0.1});
-    const QString notes = folder.write(u"in/README"_s, "text");
+    folder.write(u"in/README"_s, "text");
     const ProgramResult result = runNurv({u"encode"_s, u"--beside-source"_s, folder.path(u"in"_s)});
     EXPECT_EQ(result.exitStatus, 0);
-    EXPECT_TRUE(result.errors.contains("nurv: " + notes.toUtf8() + ": skipped")) << result.errors.constData();
+    EXPECT_TRUE(result.errors.contains("nurv: README: skipped")) << result.errors.constData();
     EXPECT_EQ(folder.list(),
               (QStringList{u"in/README"_s, u"in/a.flac"_s, u"in/a.wav"_s, u"in/take one"_s}));
 
     // What is named itself is taken without one.
     EXPECT_EQ(runNurv({u"encode"_s, u"--beside-source"_s, folder.path(u"in/take one"_s)}).exitStatus, 0);
     EXPECT_TRUE(sameSound(folder.path(u"in/take one"_s), folder.path(u"in/take one.flac"_s)));
+}
+
+TEST(InputFiles, ADamagedFileInAFolderCountsAsRefused)
+{
+    const TestFolder folder;
+    writeWav(folder.path(u"in/a.wav"_s), {.seconds = 0.1});
+    writeByFfmpeg(folder.path(u"in/disc1/whole.m4a"_s), {.seconds = 0.1}, {u"-c:a"_s, u"alac"_s});
+    writeByFfmpeg(folder.path(u"in/disc1/other kind.m4a"_s), {.seconds = 0.1}, {u"-c:a"_s, u"aac"_s});
+    const QByteArray whole = folder.read(u"in/disc1/whole.m4a"_s);
+    folder.write(u"in/disc1/cut.m4a"_s, whole.left(whole.size() / 2));
+    folder.write(u"in/disc1/empty.m4a"_s, "");
+    folder.write(u"in/cover.jpg"_s, "picture");
+    folder.makeFolder(u"out"_s);
+    const ProgramResult result =
+        runNurv({u"encode"_s, u"--output-dir"_s, folder.path(u"out"_s), folder.path(u"in"_s)});
+    EXPECT_EQ(result.exitStatus, 1);
+    for (const char *name : {"cut", "empty"}) {
+        EXPECT_TRUE(result.errors.contains("nurv: disc1/" + QByteArray(name)
+                                           + ".m4a: damaged: no sound can be found in it\n"))
+            << result.errors.constData();
+    }
+    EXPECT_TRUE(result.errors.contains("nurv: disc1/other kind.m4a: skipped, not of a kind that this command takes\n"));
+    EXPECT_TRUE(result.errors.contains("\n2 of 2 done, 2 refused; ")) << result.errors.constData();
+    EXPECT_EQ(folder.list().filter(u"out/"_s), (QStringList{u"out/a.flac"_s, u"out/whole.flac"_s}));
+
+    const ProgramResult quiet =
+        runNurv({u"encode"_s, u"--quiet"_s, u"--json"_s, u"--beside-source"_s, folder.path(u"in/disc1/cut.m4a"_s)});
+    EXPECT_EQ(quiet.exitStatus, 1);
+    EXPECT_TRUE(quiet.errors.startsWith("nurv: " + folder.path(u"in/disc1/cut.m4a"_s).toUtf8() + ": damaged: "));
+    EXPECT_EQ(jsonLines(quiet.output).last()[u"refused"_s].toArray().size(), 1);
+}
+
+TEST(InputFiles, NamesTellSeveralGivenFoldersApart)
+{
+    const TestFolder folder;
+    writeFlac(folder.path(u"disc1/a.flac"_s), {.seconds = 0.1});
+    writeFlac(folder.path(u"disc2/a.flac"_s), {.seconds = 0.1});
+    folder.write(u"disc2/notes.txt"_s, "text");
+    const ProgramResult result =
+        runProgram(u"env"_s, {u"-C"_s, folder.path(), nurvPath(), u"decode"_s, u"--beside-source"_s, u"--jobs=1"_s,
+                              u"disc1"_s, u"disc2/"_s});
+    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_TRUE(result.errors.startsWith("nurv: disc2/notes.txt: skipped, not of a kind that this command takes\n"
+                                         "disc1/a.flac: Complete\ndisc2/a.flac: Complete\n2 of 2 done; "))
+        << result.errors.constData();
 }
 
 TEST(InputFiles, AMissingFileIsToldAndTheOthersAreWorkedOn)

@@ -55,13 +55,16 @@ TEST_F(Interrupt, OneCtrlCLetsTheRunningJobEndAndCancelsTheWaitingOnes)
     RunningNurv nurv(arguments());
     ASSERT_TRUE(waitForStart());
     nurv.sendSignal(SIGINT);
-    ASSERT_TRUE(nurv.waitForError("1 running job(s) are coming to their end"));
-    EXPECT_TRUE(nurv.waitForError("b.wav: Canceled\n"));
+    ASSERT_TRUE(nurv.waitForError("nurv: canceled: 0 done, 2 not begun, 1 running comes to its end "
+                                  "(Ctrl-C again ends it now)\n"));
     folder.write(u"go"_s, "");
     const ProgramResult result = nurv.finish();
     EXPECT_EQ(result.exitStatus, 130);
-    EXPECT_TRUE(result.errors.contains("a.wav: Canceled\n")) << result.errors.constData();
-    EXPECT_TRUE(result.errors.contains("c.wav: Canceled\n"));
+    // No line for what was not begun.
+    const QList<QByteArray> lines = result.errors.trimmed().split('\n');
+    ASSERT_EQ(lines.size(), 3) << result.errors.constData();
+    EXPECT_EQ(lines[1], "a.wav: Canceled");
+    EXPECT_TRUE(lines[2].startsWith("0 of 3 done, 3 canceled; ")) << lines[2].constData();
     expectSourcesUntouched();
     // The program ran to its end; no other one was started.
     EXPECT_EQ(folder.read(u"a.flac"_s), "encoded");
@@ -74,7 +77,7 @@ TEST_F(Interrupt, TwoCtrlCEndTheRunningProgramsToo)
     RunningNurv nurv(arguments());
     ASSERT_TRUE(waitForStart());
     nurv.sendSignal(SIGINT);
-    ASSERT_TRUE(nurv.waitForError("press Ctrl-C again"));
+    ASSERT_TRUE(nurv.waitForError("Ctrl-C again ends it now"));
     EXPECT_FALSE(processesMentioning(folder.path(u"a.flac"_s)).isEmpty());
     nurv.sendSignal(SIGINT);
     const ProgramResult result = nurv.finish();
@@ -118,6 +121,8 @@ TEST_F(Interrupt, TheBatchObjectTellsWhatWasCanceled)
     nurv.sendSignal(SIGTERM);
     const QList<QJsonObject> objects = jsonLines(nurv.finish().output);
     ASSERT_EQ(objects.size(), 4);
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(objects[i][u"status"_s], u"canceled"_s);
     EXPECT_EQ(objects.last()[u"canceled"_s], 3);
     EXPECT_EQ(objects.last()[u"exitStatus"_s], 130);
 }
@@ -127,14 +132,20 @@ TEST_F(Interrupt, AJobThatHangsInTheFileSystemIsNotWaitedForLong)
     tools.addFake(u"shorten"_s, "exit=0");
     tools.addFake(u"shntool"_s,
                   "create=" + folder.path(u"started"_s).toUtf8() + ";wait-file=" + folder.path(u"go"_s).toUtf8());
-    RunningNurv nurv({u"encode"_s, u"--format=shn"_s, u"--md5"_s, u"--beside-source"_s, folder.path(u"a.wav"_s)});
+    RunningNurv nurv({u"encode"_s, u"--format=shn"_s, u"--md5"_s, u"--json"_s, u"--beside-source"_s, folder.path(u"a.wav"_s)});
     ASSERT_TRUE(waitForStart());
     // Whoever reads the output for its digest waits for a writer that never comes.
     ASSERT_EQ(::mkfifo(QFile::encodeName(folder.path(u"a.shn"_s)).constData(), 0600), 0);
     folder.write(u"go"_s, "");
-    ASSERT_TRUE(nurv.waitForError("a.wav: Complete\n"));
+    ASSERT_TRUE(nurv.waitForError("/a.wav: Complete\n"));
     nurv.sendSignal(SIGTERM);
     const ProgramResult result = nurv.finish();
     EXPECT_EQ(result.exitStatus, 130);
     EXPECT_TRUE(result.errors.contains("nurv: 1 job(s) have not ended in time\n")) << result.errors.constData();
+    // The list that hangs has its object, too.
+    const QList<QJsonObject> objects = jsonLines(result.output);
+    ASSERT_EQ(objects.size(), 3) << result.output.constData();
+    EXPECT_EQ(objects[0][u"status"_s], u"complete"_s);
+    EXPECT_EQ(objects[1][u"status"_s], u"canceled"_s);
+    EXPECT_EQ(objects[2][u"jobs"_s], 2);
 }

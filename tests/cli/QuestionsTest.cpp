@@ -13,8 +13,6 @@ using namespace nurv::test;
 namespace {
 
 const QByteArray kDeleteQuestion = "You have chosen to delete the original files. Are you sure you want to continue?";
-const QByteArray kClashQuestion =
-    "One of the output files already exists and will be overwritten. Are you sure you want to continue?";
 
 } // namespace
 
@@ -35,34 +33,6 @@ TEST(Questions, YesDeletesTheOriginals)
     const QString wav = writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
     EXPECT_EQ(runNurv({u"encode"_s, u"--beside-source"_s, u"--delete-originals"_s, u"--yes"_s, wav}).exitStatus, 0);
     EXPECT_EQ(folder.list(), QStringList{u"a.flac"_s});
-}
-
-TEST(Questions, AnOutputThatExistsStaysUnlessOverwritingIsAskedFor)
-{
-    const TestFolder folder;
-    const QString wav = writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
-    folder.write(u"a.flac"_s, "precious");
-
-    const ProgramResult unanswered = runNurv({u"encode"_s, u"--beside-source"_s, wav});
-    EXPECT_EQ(unanswered.exitStatus, 2);
-    EXPECT_TRUE(unanswered.errors.contains(kClashQuestion + " Answered \"No\"")) << unanswered.errors.constData();
-    EXPECT_TRUE(unanswered.errors.contains("--overwrite answers \"Yes\""));
-
-    // The option answers no other question.
-    const QString other = writeWav(folder.path(u"b.wav"_s), {.seconds = 0.1});
-    const ProgramResult deleting =
-        runNurv({u"encode"_s, u"--beside-source"_s, u"--overwrite"_s, u"--delete-originals"_s, other});
-    EXPECT_EQ(deleting.exitStatus, 2);
-    EXPECT_TRUE(deleting.errors.contains(kDeleteQuestion + " Answered \"No\"")) << deleting.errors.constData();
-    EXPECT_TRUE(folder.exists(u"b.wav"_s));
-
-    const ProgramResult declined = runNurv({u"encode"_s, u"--beside-source"_s, u"--no"_s, wav});
-    EXPECT_EQ(declined.exitStatus, 1);
-    EXPECT_EQ(declined.errors, "nurv: " + kClashQuestion + " Answered \"No\".\n");
-    EXPECT_EQ(folder.read(u"a.flac"_s), "precious");
-
-    EXPECT_EQ(runNurv({u"encode"_s, u"--beside-source"_s, u"--overwrite"_s, wav}).exitStatus, 0);
-    EXPECT_TRUE(sameSound(wav, folder.path(u"a.flac"_s)));
 }
 
 TEST(Questions, OnATerminalTheUserIsAskedAndEnterAloneChangesNothing)
@@ -122,16 +92,20 @@ TEST(Questions, AnEmptyAnswerAndTheEndOfTheInputGiveNoOutputFolder)
     }
 }
 
-TEST(Questions, OverwriteReplacesNothingInAnOutputFolderAndSaysSo)
+TEST(Questions, TheQuestionOnTheTerminalNamesNumberSizeAndExamples)
 {
     const TestFolder folder;
-    const QString wav = writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
-    folder.write(u"out/a.flac"_s, "precious");
-    const ProgramResult result =
-        runNurv({u"encode"_s, u"--overwrite"_s, u"--output-dir"_s, folder.path(u"out"_s), wav});
-    EXPECT_EQ(result.exitStatus, 1);
-    EXPECT_TRUE(result.errors.startsWith("nurv: --overwrite counts for --beside-source only: "
-                                         "an output that exists in the output folder is never replaced\n"))
-        << result.errors.constData();
-    EXPECT_EQ(folder.read(u"out/a.flac"_s), "precious");
+    for (int i = 1; i <= 4; ++i)
+        folder.write(u"in/%1.wav"_s.arg(i), QByteArray(9000, 'x'));
+    PseudoTerminal terminal(200, 24, nurvPath(),
+                            {u"encode"_s, u"--beside-source"_s, u"--delete-originals"_s, folder.path(u"in"_s)});
+    ASSERT_TRUE(terminal.waitFor("nurv: 4 files, 36 kB: 1.wav, 2.wav, 3.wav, ...\r\n" + kDeleteQuestion
+                                 + " [Yes/No, default No] "))
+        << terminal.received().constData();
+    terminal.type("what\nn\n");
+    EXPECT_EQ(terminal.finish(), 1);
+    // Once, however often the question is.
+    EXPECT_EQ(terminal.received().count("4 files"), 1);
+    EXPECT_EQ(terminal.received().count("default No"), 2);
+    EXPECT_EQ(folder.list().size(), 4);
 }

@@ -30,7 +30,9 @@ expect 'flac' nurv encode --format = fl
 expect 'wav aiff' nurv decode --format =
 expect 'scripts' nurv encode --output-dir = scr
 expect 'fast high' nurv encode --mode ''
-expect '--delete-originals' nurv encode --d
+expect '--delete-originals --drop-metadata' nurv encode --d
+expect '--keep-folders' nurv decode --keep-fol
+expect '--skip-existing' nurv decode --s
 expect '--beside-source' nurv decode --b
 expect '--json' nurv doctor --js
 expect '' nurv decode --verif

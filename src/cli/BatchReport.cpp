@@ -1,0 +1,200 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/BatchReport.h"
+
+#include "cli/Console.h"
+#include "cli/ProblemLine.h"
+#include "cli/RowDisplay.h"
+#include "engine/NURVTask.h"
+#include "engine/NURVTaskResults.h"
+
+#include <QJsonObject>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+using Original = TaskOutcome::Original;
+using Proof = TaskOutcome::Proof;
+
+QString originalWord(Original original)
+{
+    switch (original) {
+    case Original::Deleted: return u"deleted"_s;
+    case Original::Trashed: return u"trashed"_s;
+    case Original::Kept: return u"kept"_s;
+    case Original::Untouched: break;
+    }
+    return u"untouched"_s;
+}
+
+QString proofWord(Proof proof)
+{
+    switch (proof) {
+    case Proof::Proven: return u"proven"_s;
+    case Proof::NotProven: return u"notProven"_s;
+    case Proof::NotNeeded: break;
+    }
+    return u"notNeeded"_s;
+}
+
+} // namespace
+
+struct BatchReport::Job {
+    TaskOutcome outcome;
+    QString report;  ///< what its programs wrote
+    QString problem; ///< one line; empty when everything was done
+
+    [[nodiscard]] bool keptOriginal() const { return outcome.original == Original::Kept; }
+    [[nodiscard]] bool hasProblem() const { return !problem.isEmpty() || keptOriginal(); }
+};
+
+BatchReport::BatchReport(Console &console, Options options) : m_console(console), m_options(std::move(options))
+{
+    m_counts.refused = m_options.refused;
+}
+
+void BatchReport::addSettled(const NURVTask &task)
+{
+    Job job{.outcome = task.outcome(), .report = task.report(), .problem = task.outcome().problem};
+    const bool hasFailed = task.error() && !task.cancelled();
+    if (hasFailed && job.problem.isEmpty())
+        job.problem = problemLine(job.report, task.sourcePath(), m_options.switches);
+    for (const QString &warning : task.warnings()) {
+        if (!job.problem.contains(warning))
+            job.problem += job.problem.isEmpty() ? warning : u"; "_s + warning;
+    }
+    if (!task.cancelled() && !hasFailed)
+        m_warnings.append(task.warnings());
+    add(task, job);
+}
+
+void BatchReport::addUnsettled(const NURVTask &task)
+{
+    add(task, {.outcome = {}, .report = {}, .problem = u"it has not come to its end"_s});
+}
+
+void BatchReport::add(const NURVTask &task, const Job &job)
+{
+    count(task, job);
+    if ((task.error() || job.hasProblem()) && task.results())
+        m_setsWithProblems.insert(task.results());
+    if (m_options.json)
+        writeObject(task, job);
+    if (!(m_options.json && m_options.quiet))
+        writeLines(task, job);
+}
+
+void BatchReport::count(const NURVTask &task, const Job &job)
+{
+    const bool isFile = !task.sourcePath().isEmpty();
+    if (isFile)
+        ++m_counts.files;
+    if (task.cancelled()) {
+        ++m_counts.canceled;
+        return;
+    }
+    ++(task.error() ? m_counts.failed : m_counts.complete);
+    if (job.keptOriginal())
+        ++m_counts.originalsKept;
+    else if (task.error())
+        ++m_counts.failedOtherwise;
+    else if (job.hasProblem())
+        ++m_counts.notInFull;
+    else if (isFile)
+        ++m_counts.done;
+    if (task.error())
+        return;
+    if (job.outcome.proof == Proof::NotProven)
+        ++m_counts.notProven;
+    m_counts.sourceBytes += job.outcome.sourceBytes;
+    m_counts.outputBytes += job.outcome.outputBytes;
+}
+
+QString BatchReport::nameOf(const NURVTask &task) const
+{
+    return task.sourcePath().isEmpty() ? task.title() : m_options.names.nameOf(task.sourcePath());
+}
+
+void BatchReport::writeLines(const NURVTask &task, const Job &job)
+{
+    const QString ending = endingText(task);
+    const QString name = nameOf(task);
+    QStringList words;
+    if (task.cancelled()) {
+        if (!m_options.quiet && !m_notBegun.contains(&task))
+            m_console.writeLine(name + u": "_s + ending);
+        return;
+    }
+    if (task.error()) {
+        words.append(job.problem);
+        if (job.keptOriginal())
+            words.append(u"original kept"_s);
+    } else {
+        // A list that was not written is not complete in any way.
+        const bool isProblemOnly = job.hasProblem() && task.sourcePath().isEmpty();
+        if (!isProblemOnly)
+            words.append(ending);
+        if (job.keptOriginal())
+            words.append(job.problem.isEmpty() ? u"original kept"_s : u"original kept: "_s + job.problem);
+        else if (job.hasProblem())
+            words.append(job.problem);
+        if (job.outcome.proof == Proof::NotProven)
+            words.append(u"not proven"_s);
+        if (m_options.quiet && !job.hasProblem())
+            return;
+    }
+    m_console.writeLine(name + u": "_s + words.join(u"; "_s));
+    if (!m_options.verbose || m_options.json || !(task.error() || job.hasProblem()))
+        return;
+    const QStringList lines = job.report.split(u'\n');
+    for (const QString &line : lines) {
+        if (!line.trimmed().isEmpty())
+            m_console.writeLine(u"    "_s + line);
+    }
+}
+
+void BatchReport::writeObject(const NURVTask &task, const Job &job)
+{
+    const TaskOutcome &outcome = job.outcome;
+    m_console.writeJson({{u"type"_s, u"job"_s},
+                         {u"title"_s, task.title()},
+                         {u"source"_s, task.sourcePath()},
+                         {u"output"_s, outcome.output.isEmpty() ? QJsonValue() : QJsonValue(outcome.output)},
+                         {u"status"_s, endingText(task).toLower()},
+                         {u"original"_s, originalWord(outcome.original)},
+                         {u"proof"_s, proofWord(outcome.proof)},
+                         {u"reason"_s, job.problem},
+                         {u"sourceBytes"_s, outcome.sourceBytes},
+                         {u"outputBytes"_s, outcome.outputBytes},
+                         {u"report"_s, job.report}});
+}
+
+void BatchReport::addWindow(const QString &text, const QString &title, const std::shared_ptr<NURVTaskResults> &results)
+{
+    m_windowObjects.append(QJsonObject{{u"title"_s, title}, {u"text"_s, text}});
+    m_windows.push_back({text, results});
+}
+
+void BatchReport::writeWindows()
+{
+    if (m_options.json)
+        return;
+    for (const Window &window : m_windows) {
+        // What went wrong was told job by job; a set without any report is nothing but line ends.
+        if (!m_setsWithProblems.count(window.results) && !window.text.trimmed().isEmpty())
+            m_console.writeOutput(window.text);
+    }
+}
+
+void BatchReport::writeClosingLine(std::chrono::milliseconds duration)
+{
+    if (!m_options.quiet)
+        m_console.writeLine(closingLine(m_counts, duration));
+}
+
+} // namespace nurv

@@ -1,0 +1,62 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "NurvProgram.h"
+#include "PseudoTerminal.h"
+#include "support/AudioFixtures.h"
+#include "support/TestFolder.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using namespace nurv::test;
+
+TEST(ExistingOutputs, StayAndTheirJobsFailByName)
+{
+    const TestFolder folder;
+    writeWav(folder.path(u"in/a.wav"_s), {.seconds = 0.1});
+    writeWav(folder.path(u"in/b.wav"_s), {.seconds = 0.1, .seed = 2});
+    folder.write(u"in/a.flac"_s, "precious");
+    for (const QString &answer : {u"--yes"_s, u"--no"_s}) {
+        const ProgramResult result = runNurv(
+            {u"encode"_s, u"--beside-source"_s, u"--jobs=1"_s, answer, folder.path(u"in/a.wav"_s), folder.path(u"in/b.wav"_s)});
+        EXPECT_EQ(result.exitStatus, 1);
+        EXPECT_TRUE(result.errors.startsWith(folder.path(u"in/a.wav"_s).toUtf8() + ": ")) << result.errors.constData();
+        EXPECT_TRUE(result.errors.split('\n').first().contains("exists")) << result.errors.constData();
+        EXPECT_FALSE(result.errors.contains(" -f")) << result.errors.constData();
+        EXPECT_EQ(folder.read(u"in/a.flac"_s), "precious");
+        EXPECT_TRUE(sameSound(folder.path(u"in/b.wav"_s), folder.path(u"in/b.flac"_s)));
+        folder.remove(u"in/b.flac"_s);
+    }
+}
+
+TEST(ExistingOutputs, NothingIsAskedAboutThemOnATerminal)
+{
+    const TestFolder folder;
+    writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
+    folder.write(u"a.flac"_s, "precious");
+    PseudoTerminal terminal(200, 24, nurvPath(), {u"encode"_s, u"--beside-source"_s, folder.path(u"a.wav"_s)});
+    EXPECT_EQ(terminal.finish(), 1) << terminal.received().constData();
+    EXPECT_EQ(folder.read(u"a.flac"_s), "precious");
+}
+
+TEST(ExistingOutputs, AreReplacedWithOverwriteInEitherFolder)
+{
+    const TestFolder folder;
+    const QString wav = writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
+    folder.write(u"a.flac"_s, "old");
+    folder.write(u"out/a.flac"_s, "old");
+    EXPECT_EQ(runNurv({u"encode"_s, u"--beside-source"_s, u"--overwrite"_s, wav}).exitStatus, 0);
+    EXPECT_TRUE(sameSound(wav, folder.path(u"a.flac"_s)));
+    EXPECT_EQ(runNurv({u"encode"_s, u"--output-dir"_s, folder.path(u"out"_s), u"--overwrite"_s, wav}).exitStatus, 0);
+    EXPECT_TRUE(sameSound(wav, folder.path(u"out/a.flac"_s)));
+}
+
+TEST(ExistingOutputs, OverwriteAnswersNoQuestion)
+{
+    const TestFolder folder;
+    const QString wav = writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
+    const ProgramResult result =
+        runNurv({u"encode"_s, u"--beside-source"_s, u"--overwrite"_s, u"--delete-originals"_s, wav});
+    EXPECT_EQ(result.exitStatus, 2);
+    EXPECT_EQ(folder.list(), QStringList{u"a.wav"_s});
+}
