@@ -32,6 +32,12 @@ QString plainNumber(const QString &digits)
     return digits.mid(first - digits.begin());
 }
 
+/// A flag that is not set, and the stamp that one converter leaves where no other place is.
+bool saysNothing(const QString &field, const QString &value)
+{
+    return (field == u"COMPILATION" && value == u"0") || (field == u"COMMENT" && value == u"Processed by SoX");
+}
+
 } // namespace
 
 void MetadataCollector::countOne()
@@ -48,7 +54,7 @@ void MetadataCollector::addText(const QString &field, const QString &text)
         const QString value = part.toString().normalized(QString::NormalizationForm_C);
         if (metadataFields::isNumber(field))
             addTrackOrDisc(field, value.trimmed());
-        else if (field != u"COMPILATION" || value != u"0")
+        else if (!saysNothing(field, value))
             addValue(field, value);
     }
 }

@@ -164,6 +164,8 @@ private:
             addText(u"COPYRIGHT"_s, chunk);
         else if (m_isBigEndian && chunk.name == "ANNO")
             addText(u"COMMENT"_s, chunk);
+        else if (m_isBigEndian && chunk.name == "COMT")
+            readComments(chunk);
         else
             addAsItIs(chunk.name, chunk);
     }
@@ -203,6 +205,25 @@ private:
             position += kHeadSize + size;
             if ((size & 1) != 0 && position < info.size() && info.at(position) == '\0')
                 ++position;
+        }
+    }
+
+    /// Comments with a date, which belong to a marker or to the whole file.
+    void readComments(const Chunk &chunk)
+    {
+        constexpr qsizetype kCommentHeadSize = 8; // date, marker, size
+        const QByteArray comments = m_bytes.read(chunk.contents, chunk.size);
+        qsizetype position = 2;
+        const int count = comments.size() < 2 ? 0 : bigEndianAt<quint16>(comments, 0);
+        for (int i = 0; i < count; ++i) {
+            if (comments.size() - position < kCommentHeadSize) {
+                addAsItIs(chunk.name, chunk);
+                return;
+            }
+            const qsizetype size = bigEndianAt<quint16>(comments, position + 6);
+            position += kCommentHeadSize;
+            m_found.addText(u"COMMENT"_s, textOf(comments.mid(position, size)));
+            position += size + (size & 1);
         }
     }
 

@@ -53,7 +53,8 @@ TEST_F(MetadataInventoryOf, HoldsNothingForFilesThatTheEncodersWriteOfThemselves
         writeWav(folder.path(u"x.wav"_s), {.bits = 24, .channels = 6, .seconds = 0.1, .extensible = true})));
     expectNothing(MetadataInventory::of(writeAiff(folder.path(u"a.aiff"_s), kShort)));
     expectNothing(MetadataInventory::of(flac()));
-    expectNothing(MetadataInventory::of(writeFlac(folder.path(u"six.flac"_s), {.channels = 6, .seconds = 0.2, .extensible = true})));
+    expectNothing(MetadataInventory::of(
+        writeFlac(folder.path(u"six.flac"_s), {.channels = 6, .seconds = 0.2, .extensible = true})));
     expectNothing(MetadataInventory::of(writeWavpack(folder, u"a.wv"_s)));
     expectNothing(MetadataInventory::of(encodeMonkeysAudio(wav, folder.path(u"a.ape"_s))));
     expectNothing(MetadataInventory::of(encodeShorten(wav, folder.path(u"a.shn"_s))));

@@ -199,7 +199,7 @@ void ReferenceStream::endBlock(std::span<const int64_t> block)
     m_channel = (m_channel + 1) % m_states.size();
 }
 
-Bytes mixedStream(const Wave &wave, ReferenceStream::Settings settings, bool endBit)
+Bytes mixedStream(const Wave &wave, ReferenceStream::Settings settings, bool endBit, std::span<const uint8_t> behind)
 {
     settings.channels = wave.channels;
     settings.fileType = wave.bits == 8 ? 2 : 5;
@@ -207,7 +207,7 @@ Bytes mixedStream(const Wave &wave, ReferenceStream::Settings settings, bool end
         settings.maxOrder = 0;
     ReferenceStream stream(settings);
     const uint32_t blockSize = settings.version == 0 ? 256 : settings.blockSize;
-    stream.verbatim(wave.header({}, wave.data().size(), 0));
+    stream.verbatim(wave.header({}, wave.data().size(), behind.size()));
     std::vector<int32_t> samples = wave.samples();
     if (wave.bits == 8) {
         for (int32_t &sample : samples)
@@ -231,6 +231,8 @@ Bytes mixedStream(const Wave &wave, ReferenceStream::Settings settings, bool end
                 stream.diff(turn % 4, energy, block);
         }
     }
+    if (!behind.empty())
+        stream.verbatim(behind);
     stream.quit();
     return stream.finish(endBit);
 }

@@ -64,7 +64,8 @@ private:
 };
 
 /// The stream of a WAV file that goes through all the predictors in turns, QLPC as far as
-/// the settings allow it. Channels and file type are the file's.
-[[nodiscard]] Bytes mixedStream(const Wave &wave, ReferenceStream::Settings settings, bool endBit = true);
+/// the settings allow it. Channels and file type are the file's; `behind` follows its sound.
+[[nodiscard]] Bytes mixedStream(const Wave &wave, ReferenceStream::Settings settings, bool endBit = true,
+                                std::span<const uint8_t> behind = {});
 
 } // namespace nurv::shorten::test
