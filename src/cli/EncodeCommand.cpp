@@ -4,6 +4,7 @@
 
 #include "app/PathNames.h"
 #include "convert/EncodeTab.h"
+#include "convert/EncodeThroughWavTask.h"
 
 using namespace Qt::StringLiterals;
 
@@ -50,6 +51,8 @@ NeededPrograms readersOf(const QString &sourceFormat)
         return {{u"mac"_s}, {}};
     if (sourceFormat == u"WV")
         return {{u"wvunpack"_s}, {}};
+    if (sourceFormat == u"TTA")
+        return {{u"ttaenc"_s}, {}};
     return {};
 }
 
@@ -60,8 +63,6 @@ NeededPrograms shntoolReadersOf(const QString &sourceFormat)
     programs.launched.removeAll(u"shntool"_s);
     programs.helpers += programs.launched;
     programs.launched = QStringList{u"shntool"_s};
-    if (sourceFormat == u"TTA")
-        programs.helpers.append(u"ttaenc"_s);
     return programs;
 }
 
@@ -80,8 +81,27 @@ NeededPrograms programsForFlac(const QString &sourceFormat)
     return programs;
 }
 
+/// What encodes the temporary WAV of a source that it cannot read itself.
+QString encoderOf(const QString &format)
+{
+    if (format == u"shn")
+        return u"shorten"_s;
+    if (format == u"wv")
+        return u"wavpack"_s;
+    if (format == u"tta")
+        return u"ttaenc"_s;
+    return format == u"ape" ? u"mac"_s : u"flac"_s;
+}
+
 NeededPrograms programsFor(const QString &format, const QString &sourceFormat)
 {
+    if (EncodeThroughWavTask::suits(sourceFormat, format.toUpper())) {
+        NeededPrograms programs = readersOf(sourceFormat);
+        programs.launched.append(encoderOf(format));
+        if (format == u"flac")
+            programs.launched.append(u"metaflac"_s);
+        return programs;
+    }
     if (format == u"flac")
         return programsForFlac(sourceFormat);
     if (format == u"shn") {

@@ -119,7 +119,6 @@ void EncodeTab::executeCommand()
 
 bool EncodeTab::chooseOutput(Batch &batch)
 {
-    batch.overwrite = originals.existingOutputs == ExistingOutputs::Replace;
     if (!sourceEncodeButton.isOn()) {
         batch.chosenFolder = chooseOutputFolder();
         return batch.chosenFolder.has_value();
