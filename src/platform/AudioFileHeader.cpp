@@ -32,6 +32,7 @@ constexpr int kMostTracks = 8;
 // The containers of the formats that the audio service reads; none of them is a
 // play list, so no file leads to another.
 constexpr char kContainers[] = "wav,aiff,mov,caf,flac,mp3,aac,ac3,au";
+constexpr char kAllContainers[] = "wav,aiff,mov,caf,flac,mp3,aac,ac3,au,ogg,eac3,wv,tta,ape";
 // Sizes from here on stand for "not known yet" in WAV files that came through a pipe.
 constexpr std::uint32_t kStreamedWavSize = 0x7FFFF000;
 
@@ -123,12 +124,12 @@ AudioFileHeader::AudioFileHeader() : m_handles(std::make_unique<Handles>()) {}
 AudioFileHeader::~AudioFileHeader() = default;
 
 std::unique_ptr<AudioFileHeader> AudioFileHeader::read(const QString &path, AudioFileStatus &status, QString *reason,
-                                                       Edits edits)
+                                                       Edits edits, Kinds kinds)
 {
     libAv::prepare();
     std::unique_ptr<AudioFileHeader> header(new AudioFileHeader);
     QString failure;
-    status = header->open(path, failure, edits);
+    status = header->open(path, failure, edits, kinds);
     if (status == AudioFileStatus::Ok && !header->selectStream()) {
         status = AudioFileStatus::InvalidFile;
         failure = u"it holds no sound"_s;
@@ -182,7 +183,7 @@ std::int64_t AudioFileHeader::seek(void *self, std::int64_t offset, int whence)
     return position < 0 ? AVERROR(errno) : position;
 }
 
-AudioFileStatus AudioFileHeader::open(const QString &path, QString &reason, Edits edits)
+AudioFileStatus AudioFileHeader::open(const QString &path, QString &reason, Edits edits, Kinds kinds)
 {
     // Non-blocking, so that a pipe without a writer cannot hold the caller.
     m_file = FileDescriptor(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
@@ -207,10 +208,13 @@ AudioFileStatus AudioFileHeader::open(const QString &path, QString &reason, Edit
         return AudioFileStatus::Unspecified;
     container->pb = m_handles->io.get();
     container->io_open = refuseToOpen;
-    container->format_whitelist = av_strdup(kContainers);
+    container->format_whitelist = av_strdup(kinds == Kinds::All ? kAllContainers : kContainers);
     container->format_probesize = kProbeSize;
     container->probesize = kProbeSize;
     container->max_streams = kMostStreams;
+    // A header whose own checksum is wrong is no header.
+    if (kinds == Kinds::All)
+        container->error_recognition = AV_EF_CRCCHECK | AV_EF_EXPLODE;
     AVDictionary *options = nullptr;
     if (edits == Edits::LeftToCaller)
         av_dict_set(&options, "ignore_editlist", "1", 0);

@@ -26,12 +26,16 @@ class AudioFileHeader {
 public:
     /// Who leaves out what the edit list of an MPEG-4 file leaves out.
     enum class Edits { AppliedByDemuxer, LeftToCaller };
+    /// Which files are read: those of the audio service, or also Ogg, WavPack, TTA and
+    /// Monkey's Audio files, of which the numbers about length and losslessness are not set.
+    enum class Kinds { AudioService, All };
 
     /// Opens a file and reads its header: null on failure, with its kind in `status`
     /// and, when asked for, the reason in words. Blocks for the reading.
     [[nodiscard]] static std::unique_ptr<AudioFileHeader> read(const QString &path, AudioFileStatus &status,
                                                                QString *reason = nullptr,
-                                                               Edits edits = Edits::AppliedByDemuxer);
+                                                               Edits edits = Edits::AppliedByDemuxer,
+                                                               Kinds kinds = Kinds::AudioService);
     ~AudioFileHeader();
 
     /// The samples as the file keeps them. Bits per channel are the width in which
@@ -73,7 +77,7 @@ private:
     struct Handles;
 
     AudioFileHeader();
-    [[nodiscard]] AudioFileStatus open(const QString &path, QString &reason, Edits edits);
+    [[nodiscard]] AudioFileStatus open(const QString &path, QString &reason, Edits edits, Kinds kinds);
     [[nodiscard]] bool selectStream();
     void describe();
     void measure();

@@ -52,6 +52,9 @@ public:
     /// when a checksum that the file carries does not fit.
     [[nodiscard]] virtual std::size_t read(std::int32_t *samples, std::size_t frames) = 0;
 
+    /// How much of the file has been read, from 0 to 1; a measure for progress alone.
+    [[nodiscard]] virtual double progress() const = 0;
+
 protected:
     SampleStream() = default;
 };

@@ -40,6 +40,11 @@ class CheckSources(unittest.TestCase):
         self.assert_fault("src/tags/A.cpp", '#include "convert/B.h"\n', "must not include convert/B.h")
         self.assert_fault("src/convert/A.cpp", '  #  include "ui/B.h"\n', "must not include ui/B.h")
 
+    def test_codecs_below_samples_alone(self):
+        self.assertEqual(self.faults("src/samples/A.cpp", '#include "shorten/ShortenDecoder.h"\n'), [])
+        self.assert_fault("src/samples/A.cpp", '#include "shntool/A.h"\n', "does not name a folder")
+        self.assert_fault("src/convert/A.cpp", '#include "shorten/ShortenDecoder.h"\n', "does not name a folder")
+
     def test_cli_and_ui_are_strangers(self):
         self.assert_fault("src/cli/A.cpp", '#include "ui/B.h"\n', "must not include ui/B.h")
         self.assert_fault("src/ui/A.cpp", '#include "cli/B.h"\n', "must not include cli/B.h")

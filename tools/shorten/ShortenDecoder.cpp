@@ -56,16 +56,25 @@ void ShortenDecoder::decodeHead()
 
 void ShortenDecoder::decodeRest()
 {
-    for (; m_function != Function::Quit; m_function = readFunction()) {
-        switch (m_function) {
-        case Function::Verbatim: copyVerbatim(); break;
-        case Function::BlockSize: changeBlockSize(); break;
-        case Function::BitShift: changeShift(); break;
-        default: decodeBlock(m_function);
-        }
+    while (decodeNext() != Function::Quit) {
     }
-    if (m_channel != 0)
-        fail("it ends between the channels of a block");
+}
+
+Function ShortenDecoder::decodeNext()
+{
+    const Function function = m_function;
+    switch (function) {
+    case Function::Quit:
+        if (m_channel != 0)
+            fail("it ends between the channels of a block");
+        return function;
+    case Function::Verbatim: copyVerbatim(); break;
+    case Function::BlockSize: changeBlockSize(); break;
+    case Function::BitShift: changeShift(); break;
+    default: decodeBlock(function);
+    }
+    m_function = readFunction();
+    return function;
 }
 
 void ShortenDecoder::readStreamHeader()

@@ -39,6 +39,12 @@ public:
     /// After `decodeHead`: decodes the rest.
     void decodeRest();
 
+    /// After `decodeHead`, for whoever wants the rest in pieces: carries out the next
+    /// command and tells which it was, at the end and from then on Function::Quit.
+    Function decodeNext();
+    /// What `decodeNext` is going to carry out.
+    [[nodiscard]] Function next() const { return m_function; }
+
     /// Valid after `decodeHead`.
     [[nodiscard]] const StreamHeader &header() const { return m_header; }
 
@@ -71,7 +77,7 @@ private:
     ByteSink m_sink;
     ShortenBitReader m_reader;
     StreamHeader m_header;
-    Function m_function = Function::Quit; ///< the one that `decodeHead` stopped at
+    Function m_function = Function::Quit; ///< the next one
     uint32_t m_blockSize = 0;
     unsigned m_shift = 0;
     std::vector<Channel> m_channels;
