@@ -25,8 +25,8 @@ QString closingLine(const BatchCounts &counts, std::chrono::milliseconds duratio
     add(counts.skippedExisting, u"existed already"_s);
     add(counts.refused, u"refused"_s);
     const QString sizes = counts.sourceBytes > 0 && counts.outputBytes > 0
-        ? u"%1 to %2 "_s.arg(sizeText(counts.sourceBytes), sizeText(counts.outputBytes))
-        : QString();
+                              ? u"%1 to %2 "_s.arg(sizeText(counts.sourceBytes), sizeText(counts.outputBytes))
+                              : QString();
     return parts.join(u", "_s) + u"; "_s + sizes + u"in "_s + durationText(duration);
 }
 

@@ -120,36 +120,40 @@ QString BatchReport::nameOf(const NURVTask &task) const
     return task.sourcePath().isEmpty() ? task.title() : m_options.names.nameOf(task.sourcePath());
 }
 
-void BatchReport::writeLines(const NURVTask &task, const Job &job)
+/// "disc1/a.wav: Complete; not proven"; nothing for a job that gets no line.
+std::optional<QString> BatchReport::lineOf(const NURVTask &task, const Job &job) const
 {
-    const QString ending = endingText(task);
-    const QString name = nameOf(task);
     QStringList words;
     if (task.cancelled()) {
-        if (!m_options.quiet && !m_notBegun.contains(&task))
-            m_console.writeLine(name + u": "_s + ending);
-        return;
-    }
-    if (task.error()) {
+        if (m_options.quiet || m_notBegun.count(&task) > 0)
+            return std::nullopt;
+        words.append(endingText(task));
+    } else if (task.error()) {
         words.append(job.problem);
         if (job.keptOriginal())
             words.append(u"original kept"_s);
     } else {
+        if (m_options.quiet && !job.hasProblem())
+            return std::nullopt;
         // A list that was not written is not complete in any way.
-        const bool isProblemOnly = job.hasProblem() && task.sourcePath().isEmpty();
-        if (!isProblemOnly)
-            words.append(ending);
+        if (!job.hasProblem() || !task.sourcePath().isEmpty())
+            words.append(endingText(task));
         if (job.keptOriginal())
             words.append(job.problem.isEmpty() ? u"original kept"_s : u"original kept: "_s + job.problem);
         else if (job.hasProblem())
             words.append(job.problem);
         if (job.outcome.proof == Proof::NotProven)
             words.append(u"not proven"_s);
-        if (m_options.quiet && !job.hasProblem())
-            return;
     }
-    m_console.writeLine(name + u": "_s + words.join(u"; "_s));
-    if (!m_options.verbose || m_options.json || !(task.error() || job.hasProblem()))
+    return nameOf(task) + u": "_s + words.join(u"; "_s);
+}
+
+void BatchReport::writeLines(const NURVTask &task, const Job &job)
+{
+    if (const std::optional<QString> line = lineOf(task, job))
+        m_console.writeLine(*line);
+    const bool wentWrong = !task.cancelled() && (task.error() || job.hasProblem());
+    if (!m_options.verbose || m_options.json || !wentWrong)
         return;
     const QStringList lines = job.report.split(u'\n');
     for (const QString &line : lines) {

@@ -11,6 +11,7 @@
 
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <set>
 #include <vector>
 
@@ -33,7 +34,7 @@ public:
         bool verbose = false; ///< what programs wrote follows the line of a problem
         SourceNames names = {};
         QStringList switches = {}; ///< those that a program's advice may mention: "--lax"
-        int refused = 0;      ///< how much of the input could not be worked on
+        int refused = 0;           ///< how much of the input could not be worked on
     };
 
     /// `console` must outlive the report.
@@ -69,6 +70,7 @@ private:
     void count(const NURVTask &task, const Job &job);
     void writeLines(const NURVTask &task, const Job &job);
     void writeObject(const NURVTask &task, const Job &job);
+    [[nodiscard]] std::optional<QString> lineOf(const NURVTask &task, const Job &job) const;
     [[nodiscard]] QString nameOf(const NURVTask &task) const;
 
     Console &m_console;

@@ -78,7 +78,7 @@ private:
     Options m_options;
     BatchReport m_report;
     QEventLoop *m_loop = nullptr;
-    QElapsedTimer m_clock; ///< started by the first job
+    QElapsedTimer m_clock;                           ///< started by the first job
     std::set<std::shared_ptr<NURVTask>> m_unsettled; ///< added, and not settled yet
     /// What an output window was asked for, by the job that is completing now.
     std::vector<std::pair<QString, QString>> m_windowsOfTask;

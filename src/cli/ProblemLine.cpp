@@ -108,7 +108,7 @@ QString withoutFullStop(QString line)
 bool asksToOverwrite(const QString &line)
 {
     return (line.contains(u"overwrite "_s) && line.contains(u"(yes/no/all)?"_s))
-        || line.contains(u"cannot prompt for overwrite"_s);
+           || line.contains(u"cannot prompt for overwrite"_s);
 }
 
 } // namespace

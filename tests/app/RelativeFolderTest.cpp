@@ -17,10 +17,7 @@ namespace {
 /// The current folder is another one while it lives.
 class CurrentFolder {
 public:
-    explicit CurrentFolder(const QString &path) : m_before(QDir::currentPath())
-    {
-        EXPECT_TRUE(QDir::setCurrent(path));
-    }
+    explicit CurrentFolder(const QString &path) : m_before(QDir::currentPath()) { EXPECT_TRUE(QDir::setCurrent(path)); }
     ~CurrentFolder() { QDir::setCurrent(m_before); }
     CurrentFolder(const CurrentFolder &) = delete;
     CurrentFolder &operator=(const CurrentFolder &) = delete;

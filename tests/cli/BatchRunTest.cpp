@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/BatchRun.h"
 
-#include "NurvProgram.h"
 #include "app/BaseTab.h"
 #include "app/NURVController.h"
 #include "cli/Console.h"
@@ -11,6 +10,7 @@
 #include "engine/NURVInProcessTask.h"
 #include "engine/NURVTaskQueue.h"
 #include "engine/NURVTaskResults.h"
+#include "NurvProgram.h"
 #include "platform/GuiThread.h"
 #include "platform/NullDesktopServices.h"
 
@@ -40,10 +40,7 @@ struct ScriptedOutcome {
     qint64 sourceBytes = 0;
     qint64 outputBytes = 0;
 
-    void writeTo(TaskOutcome &outcome) const
-    {
-        outcome = {output, original, proof, problem, sourceBytes, outputBytes};
-    }
+    void writeTo(TaskOutcome &outcome) const { outcome = {output, original, proof, problem, sourceBytes, outputBytes}; }
 };
 
 /// A job that ends as a test says; its outcome is there only when it is settled.
@@ -127,7 +124,10 @@ protected:
     }
 
     /// The closing line without its duration.
-    [[nodiscard]] QString closing() const { return lines.isEmpty() ? QString() : lines.last().section(u"in under"_s, 0, 0); }
+    [[nodiscard]] QString closing() const
+    {
+        return lines.isEmpty() ? QString() : lines.last().section(u"in under"_s, 0, 0);
+    }
 
     NullDesktopServices services;
     Console console;
@@ -146,8 +146,11 @@ protected:
 TEST_F(BatchRunTest, TellsWhatWasDoneInALinePerJobAndAClosingLine)
 {
     add({.source = u"/m/in/disc1/a.wav"_s,
-         .outcome = {.output = u"/o/a.flac"_s, .original = Original::Deleted, .proof = Proof::Proven,
-                     .sourceBytes = 60'000'000, .outputBytes = 30'000'000}});
+         .outcome = {.output = u"/o/a.flac"_s,
+                     .original = Original::Deleted,
+                     .proof = Proof::Proven,
+                     .sourceBytes = 60'000'000,
+                     .outputBytes = 30'000'000}});
     add({.source = u"/m/in/b.wav"_s, .outcome = {.sourceBytes = 38'000'000, .outputBytes = 22'000'000}});
     EXPECT_EQ(run(), ExitStatus::Ok);
     EXPECT_EQ(output, "");
@@ -183,7 +186,7 @@ TEST_F(BatchRunTest, AFailedJobIsToldByItsProblem)
          .failure = u"banner\nERROR: something else\n"_s});
     EXPECT_EQ(run(), ExitStatus::Failed);
     EXPECT_EQ(lines.first(), u"disc046/Track 05.wav: damaged: its header promises 22050 samples, the file holds 0; "
-                              "original kept"_s);
+                             "original kept"_s);
     EXPECT_EQ(closing(), u"0 of 1 done, 1 original kept; "_s);
     EXPECT_EQ(output, "");
 
@@ -194,7 +197,9 @@ TEST_F(BatchRunTest, AFailedJobIsToldByItsProblem)
 
 TEST_F(BatchRunTest, VerboseAddsTheReportOfThatJobOnly)
 {
-    add({.source = u"/m/in/a.wav"_s, .outcome = {.problem = u"its tags did not arrive"_s}, .report = u"one\n\ntwo\n"_s});
+    add({.source = u"/m/in/a.wav"_s,
+         .outcome = {.problem = u"its tags did not arrive"_s},
+         .report = u"one\n\ntwo\n"_s});
     add({.source = u"/m/in/b.wav"_s, .report = u"never shown\n"_s});
     EXPECT_EQ(run({.verbose = true}), ExitStatus::Failed);
     EXPECT_TRUE(errors.contains("a.wav: Complete; its tags did not arrive\n    one\n    two\n")) << errors.constData();
@@ -259,8 +264,11 @@ TEST_F(BatchRunTest, WhatWasRefusedIsPartOfTheClosingLine)
 TEST_F(BatchRunTest, AnObjectTellsTheOutcomeOfASettledJob)
 {
     add({.source = u"/m/in/a.wav"_s,
-         .outcome = {.output = u"/o/a.flac"_s, .original = Original::Trashed, .proof = Proof::Proven,
-                     .sourceBytes = 9'000'000'000, .outputBytes = 5'000'000'000}});
+         .outcome = {.output = u"/o/a.flac"_s,
+                     .original = Original::Trashed,
+                     .proof = Proof::Proven,
+                     .sourceBytes = 9'000'000'000,
+                     .outputBytes = 5'000'000'000}});
     add({.source = u"/m/in/b.wav"_s,
          .outcome = {.original = Original::Kept, .proof = Proof::NotProven, .problem = u"the sound differs"_s},
          .failure = u"ERROR: the sound differs"_s});

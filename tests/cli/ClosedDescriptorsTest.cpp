@@ -23,9 +23,10 @@ TEST(ClosedDescriptors, TakeNoTextIntoTheOutput)
         folder.write(u"bad.wav"_s, "this is no sound at all");
         for (const QString &format : {u"flac"_s, u"m4a"_s}) {
             const ProgramResult result = runProgram(
-                u"bash"_s, {u"-c"_s,
-                            u"\"$0\" encode --json --verbose --format %1 --beside-source \"$1\" %2"_s.arg(format, closing),
-                            nurvPath(), folder.path()});
+                u"bash"_s,
+                {u"-c"_s,
+                 u"\"$0\" encode --json --verbose --format %1 --beside-source \"$1\" %2"_s.arg(format, closing),
+                 nurvPath(), folder.path()});
             EXPECT_EQ(result.exitStatus, 1);
             EXPECT_TRUE(sameSound(wav, folder.path(u"a."_s + format)));
             folder.remove(u"a."_s + format);
@@ -48,8 +49,9 @@ TEST(ClosedDescriptors, AreOpenedAndTheOpenOnesStayAsTheyAre)
             struct stat null {};
             ::close(closed);
             const bool isRight = ::fstat(kept, &before) == 0 && nurv::openStandardDescriptors()
-                && ::fstat(kept, &after) == 0 && before.st_ino == after.st_ino && before.st_dev == after.st_dev
-                && ::fstat(closed, &after) == 0 && ::stat("/dev/null", &null) == 0 && after.st_rdev == null.st_rdev;
+                                 && ::fstat(kept, &after) == 0 && before.st_ino == after.st_ino
+                                 && before.st_dev == after.st_dev && ::fstat(closed, &after) == 0
+                                 && ::stat("/dev/null", &null) == 0 && after.st_rdev == null.st_rdev;
             ::_exit(isRight ? 0 : 1);
         }
         int status = -1;

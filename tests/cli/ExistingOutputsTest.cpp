@@ -17,8 +17,8 @@ TEST(ExistingOutputs, StayAndTheirJobsFailByName)
     writeWav(folder.path(u"in/b.wav"_s), {.seconds = 0.1, .seed = 2});
     folder.write(u"in/a.flac"_s, "precious");
     for (const QString &answer : {u"--yes"_s, u"--no"_s}) {
-        const ProgramResult result = runNurv(
-            {u"encode"_s, u"--beside-source"_s, u"--jobs=1"_s, answer, folder.path(u"in/a.wav"_s), folder.path(u"in/b.wav"_s)});
+        const ProgramResult result = runNurv({u"encode"_s, u"--beside-source"_s, u"--jobs=1"_s, answer,
+                                              folder.path(u"in/a.wav"_s), folder.path(u"in/b.wav"_s)});
         EXPECT_EQ(result.exitStatus, 1);
         EXPECT_TRUE(result.errors.startsWith(folder.path(u"in/a.wav"_s).toUtf8() + ": ")) << result.errors.constData();
         EXPECT_TRUE(result.errors.split('\n').first().contains("exists")) << result.errors.constData();

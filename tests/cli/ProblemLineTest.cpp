@@ -37,32 +37,32 @@ TEST(ProblemLine, OfFlacThatEncodes)
                            "--bps, and --sample-rate\n"
                            "Type \"flac\" for a usage summary or \"flac --help\" for all options\n"_s),
               u"not a WAVE file; treating as a raw file"_s);
-    EXPECT_EQ(lineOf(u"/m/a.wav"_s, kFlacBanner + u"ERROR: output file /o/a.flac already exists, use -f to override\n"_s),
-              u"output file /o/a.flac already exists"_s);
-    EXPECT_EQ(lineOf(u"/m/nope.wav"_s,
-                     kFlacBanner + u"ERROR: can't open input file nope.wav: No such file or directory\n"_s),
-              u"can't open input file nope.wav: No such file or directory"_s);
+    EXPECT_EQ(
+        lineOf(u"/m/a.wav"_s, kFlacBanner + u"ERROR: output file /o/a.flac already exists, use -f to override\n"_s),
+        u"output file /o/a.flac already exists"_s);
+    EXPECT_EQ(
+        lineOf(u"/m/nope.wav"_s, kFlacBanner + u"ERROR: can't open input file nope.wav: No such file or directory\n"_s),
+        u"can't open input file nope.wav: No such file or directory"_s);
 }
 
 TEST(ProblemLine, OfFlacThatDecodes)
 {
-    EXPECT_EQ(lineOf(u"/m/bad.flac"_s,
-                     kFlacBanner
-                         + u"\n\n\nbad.flac: ERROR while decoding metadata\n"
-                           "          state = FLAC__STREAM_DECODER_END_OF_STREAM\n"_s),
+    EXPECT_EQ(lineOf(u"/m/bad.flac"_s, kFlacBanner
+                                           + u"\n\n\nbad.flac: ERROR while decoding metadata\n"
+                                             "          state = FLAC__STREAM_DECODER_END_OF_STREAM\n"_s),
               u"ERROR while decoding metadata"_s);
-    EXPECT_EQ(lineOf(u"/m/cut.flac"_s,
-                     kFlacBanner
-                         + u"cut.flac: *** Got error code 0:FLAC__STREAM_DECODER_ERROR_STATUS_LOST_SYNC\n"
-                           "\n\ncut.flac: ERROR during decoding\n"
-                           "          state = FLAC__STREAM_DECODER_END_OF_STREAM\n"_s),
-              u"ERROR during decoding"_s);
+    EXPECT_EQ(
+        lineOf(u"/m/cut.flac"_s, kFlacBanner
+                                     + u"cut.flac: *** Got error code 0:FLAC__STREAM_DECODER_ERROR_STATUS_LOST_SYNC\n"
+                                       "\n\ncut.flac: ERROR during decoding\n"
+                                       "          state = FLAC__STREAM_DECODER_END_OF_STREAM\n"_s),
+        u"ERROR during decoding"_s);
 }
 
 TEST(ProblemLine, OfShntool)
 {
     EXPECT_EQ(lineOf(u"/m/bad.wav"_s, u"shntool [conv]: warning: none of the builtin format modules handle input file: "
-                                       "[/m/bad.wav]\n"_s),
+                                      "[/m/bad.wav]\n"_s),
               u"none of the builtin format modules handle input file"_s);
     EXPECT_EQ(lineOf(u"/m/concert.wav"_s,
                      u"Converting [concert.wav] (10:00.00) --> [out/concert.shn] :   0% ERROR\n"
@@ -78,16 +78,17 @@ TEST(ProblemLine, OfShntool)
 
 TEST(ProblemLine, OfWavpack)
 {
-    EXPECT_EQ(lineOf(u"/m/bad.wav"_s, kWavpackBanner + u"creating bad.wv,bad.wav is not a recognized file type!      \n"_s),
-              u"not a recognized file type"_s);
+    EXPECT_EQ(
+        lineOf(u"/m/bad.wav"_s, kWavpackBanner + u"creating bad.wv,bad.wav is not a recognized file type!      \n"_s),
+        u"not a recognized file type"_s);
     EXPECT_EQ(lineOf(u"/m/a.wav"_s, kWavpackBanner + u"overwrite a.wv (yes/no/all)? \n"_s),
               u"its output exists already"_s);
     EXPECT_EQ(lineOf(u"/m/j.wv"_s,
                      kWvunpackBanner + u"not compatible with this version of WavPack file!                \n"_s),
               u"not compatible with this version of WavPack file"_s);
-    EXPECT_EQ(lineOf(u"/m/c.wv"_s,
-                     kWvunpackBanner + u"restoring c.wav, 75% done...file is missing 11025 samples!     \n"_s),
-              u"file is missing 11025 samples"_s);
+    EXPECT_EQ(
+        lineOf(u"/m/c.wv"_s, kWvunpackBanner + u"restoring c.wav, 75% done...file is missing 11025 samples!     \n"_s),
+        u"file is missing 11025 samples"_s);
 }
 
 TEST(ProblemLine, OfTheBundledPrograms)
@@ -98,7 +99,7 @@ TEST(ProblemLine, OfTheBundledPrograms)
                      "mac: a.ape: frame 2 does not agree with its checksum\nError: 1009\n"_s),
               u"frame 2 does not agree with its checksum"_s);
     EXPECT_EQ(lineOf(u"/m/c.tta"_s, u"Percent Progress: 47\nttaenc: c.tta: frame 1 of 1 (at 0.00 s) is missing: "
-                                     "the file is truncated\n"_s),
+                                    "the file is truncated\n"_s),
               u"frame 1 of 1 (at 0.00 s) is missing: the file is truncated"_s);
     EXPECT_EQ(lineOf(u"/m/c.tta"_s, u"Percent Progress: 47ttaenc: c.tta: not a TTA1 file\n"_s), u"not a TTA1 file"_s);
 }
@@ -106,8 +107,8 @@ TEST(ProblemLine, OfTheBundledPrograms)
 TEST(ProblemLine, OfOurOwnReasons)
 {
     EXPECT_EQ(lineOf(u"/m/a.wav"_s, u"\"flac\" could not be started: No such file or directory\n"
-                                     "It was looked for in the folder /usr/lib/nurv/tools.\n"
-                                     "It is provided by the package \"flac\"."_s),
+                                    "It was looked for in the folder /usr/lib/nurv/tools.\n"
+                                    "It is provided by the package \"flac\"."_s),
               u"\"flac\" could not be started: No such file or directory"_s);
     EXPECT_EQ(lineOf(u"/m/a.wav"_s, kFlacBanner
                                         + u"a.wav: 45% complete, ratio=0.532\n"
@@ -123,7 +124,8 @@ TEST(ProblemLine, OfOurOwnReasons)
 
 TEST(ProblemLine, AdvicePassesOnOnlySwitchesThatTheCommandHas)
 {
-    EXPECT_EQ(lineOf(u"/m/a.wav"_s, u"a.wav: WARNING: skipping unknown chunk 'LIST' (use --keep-foreign-metadata to keep)\n"_s),
+    EXPECT_EQ(lineOf(u"/m/a.wav"_s,
+                     u"a.wav: WARNING: skipping unknown chunk 'LIST' (use --keep-foreign-metadata to keep)\n"_s),
               u"skipping unknown chunk 'LIST' (use --keep-foreign-metadata to keep)"_s);
     EXPECT_EQ(lineOf(u"/m/a.wav"_s, u"ERROR: not in the subset. Try --lax or -l 12\n"_s), u"not in the subset"_s);
     EXPECT_EQ(lineOf(u"/m/a.wav"_s, u"the disk is full\nuse -f to force\n"_s), u"the disk is full"_s);
