@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "convert/ConvertFixture.h"
-#include "convert/FakeShorten.h"
+#include "convert/ShortenFixture.h"
 
 using namespace Qt::StringLiterals;
 
@@ -21,7 +21,7 @@ TEST_F(AfterBatchListTest, ListsAllShortenOutputsInOneFile)
     const test::ToolFolder tools;
     const QString wav = test::writeWav(folder.path(u"b.wav"_s));
     tools.addReal(u"shntool"_s);
-    const test::FakeShorten shorten(tools, wav);
+    tools.addReal(u"shorten"_s);
     EncodeTab tab(controller);
     ASSERT_TRUE(tab.outputFormatMatrix.selectTitle(u"SHN"_s));
     tab.generateMD5Button.setOn(true);
@@ -38,7 +38,7 @@ TEST_F(AfterBatchListTest, PutsTheListBesideTheFirstSourceWhenOutputsAreSpread)
     const test::ToolFolder tools;
     const QString wav = test::writeWav(folder.path(u"cd1/a.wav"_s));
     tools.addReal(u"shntool"_s);
-    const test::FakeShorten shorten(tools, wav);
+    tools.addReal(u"shorten"_s);
     set(u"checksumFileUsesOutputDirName", true);
     EncodeTab tab(controller);
     ASSERT_TRUE(tab.outputFormatMatrix.selectTitle(u"SHN"_s));

@@ -18,6 +18,7 @@
 #include "convert/EncodeSHNTask.h"
 #include "convert/EncodeSHNToFlacTask.h"
 #include "convert/EncodeTTATask.h"
+#include "convert/EncodeThroughWavTask.h"
 #include "convert/EncodeWavpackTask.h"
 #include "convert/EncodeWavpackToFlacTask.h"
 
@@ -65,22 +66,34 @@ TEST_F(ConversionDispatchTest, EncodesByFormatAndSource)
         std::type_index type;
         bool isInSetOfBatch;
     };
-    const QStringList others{u"a.wav"_s, u"a.AIF"_s, u"a.aiff"_s, u"a.flac"_s, u"a.tta"_s, u"noextension"_s};
+    const QStringList plain{u"a.wav"_s, u"a.AIF"_s, u"a.aiff"_s, u"noextension"_s};
     const QStringList shortenAndApe{u"b.shn"_s, u"b.APE"_s};
-    const QStringList all = others + shortenAndApe + QStringList{u"b.WV"_s, u"c.m4a"_s};
+    const QStringList byShntool = plain + shortenAndApe + QStringList{u"a.flac"_s, u"a.tta"_s};
+    const QStringList all = byShntool + QStringList{u"b.WV"_s, u"c.m4a"_s};
     const std::vector<Row> rows{
-        {u"SHN"_s, all, typeid(EncodeSHNTask), true},
+        {u"SHN"_s, byShntool, typeid(EncodeSHNTask), true},
+        {u"SHN"_s, {u"b.WV"_s, u"c.m4a"_s}, typeid(EncodeThroughWavTask), true},
         {u"FLAC"_s, shortenAndApe, typeid(EncodeSHNToFlacTask), true},
         {u"FLAC"_s, {u"c.m4a"_s, u"c.M4A"_s}, typeid(EncodeALACToFlacTask), true},
         {u"FLAC"_s, {u"c.wv"_s, u"c.WV"_s}, typeid(EncodeWavpackToFlacTask), true},
-        {u"FLAC"_s, others, typeid(EncodeFlacTask), true},
+        {u"FLAC"_s, plain + QStringList{u"a.flac"_s}, typeid(EncodeFlacTask), true},
+        {u"FLAC"_s, {u"a.tta"_s}, typeid(EncodeThroughWavTask), true},
         {u"WV"_s, {u"c.m4a"_s, u"c.M4A"_s}, typeid(EncodeALACToWavpackTask), false},
-        {u"WV"_s, others + shortenAndApe, typeid(EncodeWavpackTask), false},
+        {u"WV"_s, plain + QStringList{u"c.wv"_s}, typeid(EncodeWavpackTask), false},
+        {u"WV"_s, shortenAndApe + QStringList{u"a.flac"_s, u"a.tta"_s}, typeid(EncodeThroughWavTask), false},
         {u"TTA"_s, {u"c.m4a"_s}, typeid(EncodeALACToTTATask), false},
-        {u"TTA"_s, others + shortenAndApe, typeid(EncodeTTATask), false},
+        {u"TTA"_s, plain, typeid(EncodeTTATask), false},
+        {u"TTA"_s,
+         shortenAndApe + QStringList{u"a.flac"_s, u"a.tta"_s, u"b.WV"_s},
+         typeid(EncodeThroughWavTask),
+         false},
         {u"M4A"_s, all, typeid(EncodeALACTask), false},
         {u"APE"_s, {u"c.m4a"_s}, typeid(EncodeALACToAPETask), false},
-        {u"APE"_s, others + shortenAndApe, typeid(EncodeApeTask), false},
+        {u"APE"_s, plain, typeid(EncodeApeTask), false},
+        {u"APE"_s,
+         shortenAndApe + QStringList{u"a.flac"_s, u"a.tta"_s, u"b.WV"_s},
+         typeid(EncodeThroughWavTask),
+         false},
     };
     EncodeTab tab(controller);
     for (const Row &row : rows) {

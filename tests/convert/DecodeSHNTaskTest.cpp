@@ -3,7 +3,7 @@
 #include "convert/DecodeSHNTask.h"
 
 #include "convert/ConvertFixture.h"
-#include "convert/FakeShorten.h"
+#include "convert/ShortenFixture.h"
 #include "convert/Transcript.h"
 
 using namespace Qt::StringLiterals;
@@ -19,9 +19,8 @@ protected:
 TEST_F(DecodeSHNTaskTest, DecodesToWavByteForByte)
 {
     const QString wav = test::writeWav(folder.path(u"sound.wav"_s));
-    const QString source = folder.write(u"a.shn"_s, test::FakeShorten::magic());
+    const QString source = test::writeShorten(tools, wav, folder.path(u"a.shn"_s));
     tools.addReal(u"shntool"_s);
-    const test::FakeShorten shorten(tools, wav);
     DecodeTab tab(controller);
     run(tab, {source});
     EXPECT_EQ(endedTasks.at(0)->topTextField().text, u"Complete");

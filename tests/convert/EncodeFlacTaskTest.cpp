@@ -156,7 +156,9 @@ TEST_F(EncodeFlacTaskTest, KeepsItsStateWhenTagsCannotBeWritten)
     run(tab, {source});
     ASSERT_EQ(endedTasks.size(), 1U);
     EXPECT_FALSE(endedTasks[0]->error());
-    EXPECT_EQ(endedTasks[0]->topTextField().text, u"Complete");
+    EXPECT_EQ(endedTasks[0]->topTextField().text,
+              u"Complete; its tags were not copied: Unable to open the output file for tagging.");
+    EXPECT_EQ(outputWindows.size(), 1) << "not in the log only";
     EXPECT_EQ(log.with(u"Unable to open the output file for tagging."_s).size(), 1);
 }
 

@@ -3,7 +3,7 @@
 #include "convert/EncodeSHNTask.h"
 
 #include "convert/ConvertFixture.h"
-#include "convert/FakeShorten.h"
+#include "convert/ShortenFixture.h"
 #include "convert/Transcript.h"
 
 using namespace Qt::StringLiterals;
@@ -23,11 +23,12 @@ TEST_F(EncodeSHNTaskTest, ConvertsWavAndFlacSources)
     const QString wav = test::writeWav(folder.path(u"a b.wav"_s));
     const QString flac = test::writeFlac(folder.path(u"c.flac"_s));
     tools.addReal(u"shntool"_s);
-    const test::FakeShorten shorten(tools, wav);
+    tools.addReal(u"shorten"_s);
     EncodeTab tab(controller);
     run(tab, {wav, flac});
     EXPECT_EQ(out.list(), (QStringList{u"a b.shn"_s, u"c.shn"_s}));
-    EXPECT_EQ(out.read(u"a b.shn"_s), test::FakeShorten::magic());
+    EXPECT_TRUE(test::sameSound(wav, out.path(u"a b.shn"_s)));
+    EXPECT_TRUE(test::sameSound(flac, out.path(u"c.shn"_s)));
     for (const auto &task : endedTasks)
         EXPECT_EQ(task->topTextField().text, u"Complete");
     EXPECT_TRUE(outputWindows.isEmpty()) << qPrintable(outputWindows.join(u'\n'));
@@ -67,7 +68,7 @@ TEST_F(EncodeSHNTaskTest, LeavesAnExistingOutputInPlace)
     const QString wav = test::writeWav(folder.path(u"a.wav"_s));
     out.write(u"a.shn"_s, "precious");
     tools.addReal(u"shntool"_s);
-    const test::FakeShorten shorten(tools, wav);
+    tools.addReal(u"shorten"_s);
     EncodeTab tab(controller);
     run(tab, {wav});
     EXPECT_TRUE(endedTasks.at(0)->error());

@@ -3,7 +3,7 @@
 #include "convert/EncodeSHNToFlacTask.h"
 
 #include "convert/ConvertFixture.h"
-#include "convert/FakeShorten.h"
+#include "convert/ShortenFixture.h"
 
 using namespace Qt::StringLiterals;
 
@@ -32,10 +32,9 @@ protected:
 TEST_F(EncodeSHNToFlacTaskTest, MakesFlacFromShortenThroughThePipeOfShntool)
 {
     const QString wav = test::writeWav(folder.path(u"sound.wav"_s));
-    const QString source = folder.write(u"it's \"a\" 100% b.shn"_s, test::FakeShorten::magic());
+    const QString source = test::writeShorten(tools, wav, folder.path(u"it's \"a\" 100% b.shn"_s));
     for (const QString &tool : {u"shntool"_s, u"flac"_s})
         tools.addReal(tool);
-    const test::FakeShorten shorten(tools, wav);
     EncodeTab tab(controller);
     tab.flacSlider.setIntegerValue(8);
     tab.flacVerifyButton.setOn(true);
@@ -48,10 +47,9 @@ TEST_F(EncodeSHNToFlacTaskTest, MakesFlacFromShortenThroughThePipeOfShntool)
 TEST_F(EncodeSHNToFlacTaskTest, MakesFlacWithLax)
 {
     const QString wav = test::writeWav(folder.path(u"sound.wav"_s));
-    const QString source = folder.write(u"a.shn"_s, test::FakeShorten::magic());
+    const QString source = test::writeShorten(tools, wav, folder.path(u"a.shn"_s));
     for (const QString &tool : {u"shntool"_s, u"flac"_s})
         tools.addReal(tool);
-    const test::FakeShorten shorten(tools, wav);
     EncodeTab tab(controller);
     tab.flacLaxButton.setOn(true);
     run(tab, {source});
@@ -91,7 +89,7 @@ TEST_F(EncodeSHNToFlacTaskTest, CopiesTheTagsOfMonkeysAudioAndKeepsOthers)
 TEST_F(EncodeSHNToFlacTaskTest, CopiesNoTagsForShorten)
 {
     const QString made = test::writeFlac(folder.path(u"made.flac"_s));
-    const QString source = folder.write(u"a.shn"_s, test::FakeShorten::magic());
+    const QString source = folder.write(u"a.shn"_s, "ajkg\x02");
     tools.addFake(u"shntool"_s, "copy=" + made.toUtf8() + ':' + out.path(u"a.flac"_s).toUtf8());
     EncodeTab tab(controller);
     run(tab, {source});

@@ -181,7 +181,7 @@ TEST_F(EncodeTabTest, SendsEverySourceOfFlacToTheJobThatReadsIt)
 {
     pressIntoFolder({u"1.SHN"_s, u"2.ape"_s, u"3.tta"_s, u"4.flac"_s, u"5"_s});
     const auto tasks = queuedConversions();
-    ASSERT_EQ(tasks.size(), 5U);
+    ASSERT_EQ(tasks.size(), 4U) << "TTA goes through a temporary WAV";
     const auto shorten = std::dynamic_pointer_cast<EncodeSHNToFlacTask>(tasks[0]);
     const auto monkeys = std::dynamic_pointer_cast<EncodeSHNToFlacTask>(tasks[1]);
     ASSERT_NE(shorten, nullptr);
@@ -193,21 +193,21 @@ TEST_F(EncodeTabTest, SendsEverySourceOfFlacToTheJobThatReadsIt)
     EXPECT_EQ(shorten->fileName(), folder.path(u"1.SHN"_s));
     EXPECT_EQ(shorten->launchPath(), tab.pathToCommandLineTools() + u"/shntool"_s);
     EXPECT_EQ(shorten->arguments().at(8), u"cust ext=flac flac -5  -o %f -");
-    for (std::size_t i = 2; i < 5; ++i)
+    for (std::size_t i = 2; i < 4; ++i)
         EXPECT_NE(std::dynamic_pointer_cast<EncodeFlacTask>(tasks[i]), nullptr) << i;
 }
 
 TEST_F(EncodeTabTest, EncodesAnySourceToShortenThroughShntool)
 {
     choose(u"SHN"_s);
-    pressIntoFolder({u"a.wav"_s, u"b.m4a"_s});
+    pressIntoFolder({u"a.wav"_s, u"b.tta"_s});
     const auto tasks = queuedConversions();
     ASSERT_EQ(tasks.size(), 2U);
     for (const auto &task : tasks) {
         EXPECT_NE(std::dynamic_pointer_cast<EncodeSHNTask>(task), nullptr);
         EXPECT_EQ(task->launchPath(), tab.pathToCommandLineTools() + u"/shntool"_s);
     }
-    EXPECT_EQ(tasks[1]->fileName(), folder.path(u"b.m4a"_s));
+    EXPECT_EQ(tasks[1]->fileName(), folder.path(u"b.tta"_s));
     EXPECT_EQ(tasks[1]->outputFile(), out.path(u"b.shn"_s));
     EXPECT_EQ(tasks[1]->results()->memberCount(), 2);
 }
