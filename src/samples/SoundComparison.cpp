@@ -89,7 +89,7 @@ private:
     void finish(Samples to)
     {
         const std::int64_t common = m_output.position();
-        if (m_allowsSilence && m_source.run().empty())
+        if (m_allowsSilence && common > 0 && m_source.run().empty())
             passSilence(to);
         // To their ends, where complaints come, and for the counts.
         m_source.drain();

@@ -1,2 +1,128 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "samples/SoundLength.h"
+
+#include "SampleFixtures.h"
+
+#include <QtEndian>
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+namespace {
+
+using namespace test;
+
+using Frames = std::optional<std::int64_t>;
+
+const SoundShape kSound{.frames = 22'050};
+
+struct SoundLengthTest : ::testing::Test {
+    TestFolder folder;
+
+    [[nodiscard]] SoundLength lengthOf(const QByteArray &bytes) const
+    {
+        const auto length = soundLength(folder.write(u"sound"_s, bytes));
+        EXPECT_TRUE(length);
+        return length.value_or(SoundLength());
+    }
+    [[nodiscard]] QByteArray make(const QString &kind, const SoundShape &shape = kSound) const
+    {
+        makeSound(folder, kind, shape);
+        return folder.read(u"sound."_s + kind);
+    }
+};
+
+TEST_F(SoundLengthTest, TellsLengthAndFormatOfEveryKind)
+{
+    for (const QString &kind : {u"wav"_s, u"wavx"_s, u"aiff"_s, u"flac"_s, u"flac-ffmpeg"_s, u"wv"_s, u"wv-ffmpeg"_s,
+                                u"tta"_s, u"ape1000"_s, u"ape5000"_s, u"shn"_s, u"m4a"_s}) {
+        const bool isWide = kind != u"shn" && kind != u"wv-ffmpeg";
+        for (const SoundShape &shape :
+             {kSound, SoundShape{.rate = 96000, .bits = isWide ? 24 : 16, .channels = 1, .frames = 54'321}}) {
+            SCOPED_TRACE(qPrintable(kind));
+            const SoundLength length = lengthOf(make(kind, shape));
+            EXPECT_EQ(length.declaredFrames, shape.frameCount());
+            const bool isCounted = kind.startsWith(u"wav") || kind == u"aiff";
+            EXPECT_EQ(length.heldFrames, isCounted ? Frames(shape.frameCount()) : Frames());
+            EXPECT_EQ(length.sampleRateHz, shape.rate);
+            EXPECT_EQ(length.channels, shape.channels);
+            EXPECT_EQ(length.bitsPerSample, shape.bits);
+        }
+    }
+}
+
+TEST_F(SoundLengthTest, TellsWhatAWavHeaderSaysAndWhatIsThere)
+{
+    const QByteArray wav = wavBytes(kSound);
+    for (const auto &[size, declared] : {std::pair(0U, Frames(0)), std::pair(0xFFFFFFFFU, Frames()),
+                                         std::pair(44'100U, Frames(11'025)), std::pair(176'400U, Frames(44'100))}) {
+        const SoundLength length = lengthOf(patched(wav, 40, little32(size)));
+        EXPECT_EQ(length.declaredFrames, declared);
+        EXPECT_EQ(length.heldFrames, 22'050);
+    }
+    const SoundLength cut = lengthOf(wav.chopped(400));
+    EXPECT_EQ(cut.declaredFrames, 22'050);
+    EXPECT_EQ(cut.heldFrames, 21'950);
+    const QByteArray aiff = aiffBytes(kSound);
+    const SoundLength less = lengthOf(patched(aiff, aiff.indexOf("COMM") + 10, big32(100)));
+    EXPECT_EQ(less.declaredFrames, 100);
+    EXPECT_EQ(less.heldFrames, 22'050);
+}
+
+TEST_F(SoundLengthTest, TellsNothingWhereAPipeLeftNothing)
+{
+    QByteArray flac = make(u"flac"_s);
+    flac[21] = static_cast<char>(flac[21] & '\xF0');
+    EXPECT_EQ(lengthOf(patched(flac, 22, big32(0))).declaredFrames, std::nullopt);
+    EXPECT_EQ(lengthOf(patched(make(u"wv"_s), 12, little32(0xFFFFFFFF))).declaredFrames, std::nullopt);
+}
+
+TEST_F(SoundLengthTest, TellsWhatTheOwnHeadersSayAlsoWhereTheyLie)
+{
+    EXPECT_EQ(lengthOf(patched(make(u"flac"_s), 22, big32(100))).declaredFrames, 100);
+    EXPECT_EQ(lengthOf(patched(make(u"wv"_s), 12, little32(100))).declaredFrames, 100);
+    EXPECT_EQ(lengthOf(patched(make(u"tta"_s), 14, little32(100))).declaredFrames, 100);
+    EXPECT_EQ(lengthOf(patched(make(u"ape1000"_s), 52 + 8, little32(100))).declaredFrames, 100);
+    const QString path = folder.path(u"lying.shn"_s);
+    runOrFail(bundled(u"shorten"_s),
+              {folder.write(u"lying.wav"_s, patched(wavBytes(kSound), 40, little32(176'400))), path});
+    EXPECT_EQ(soundLength(path).value_or(SoundLength()).declaredFrames, 44'100);
+}
+
+TEST_F(SoundLengthTest, TellsNothingOfWhatIsNoSound)
+{
+    EXPECT_FALSE(soundLength(folder.write(u"a.wav"_s, "some text, and no sound")));
+    EXPECT_FALSE(soundLength(folder.write(u"b.wav"_s, "")));
+    EXPECT_FALSE(soundLength(folder.write(u"c.shn"_s, "ajkg\2 and no stream")));
+    EXPECT_FALSE(soundLength(folder.write(u"d.flac"_s, "fLaC")));
+    EXPECT_FALSE(soundLength(folder.makeFolder(u"folder.wav"_s)));
+    EXPECT_FALSE(soundLength(folder.path(u"missing.wav"_s)));
+    const QByteArray pipe = folder.path(u"pipe.wav"_s).toLocal8Bit();
+    ASSERT_EQ(::mkfifo(pipe.constData(), 0600), 0);
+    EXPECT_FALSE(soundLength(folder.path(u"pipe.wav"_s)));
+}
+
+TEST_F(SoundLengthTest, DamagedHeadersBreakNothing)
+{
+    for (const QString &kind : {u"wav"_s, u"aiff"_s, u"flac"_s, u"wv"_s, u"tta"_s, u"ape1000"_s, u"shn"_s, u"m4a"_s}) {
+        const QByteArray whole = make(kind);
+        std::uint32_t state = 3;
+        for (int trial = 0; trial < 200; ++trial) {
+            QByteArray damaged = whole;
+            for (int byte = 0; byte < 4; ++byte) {
+                state = state * 1664525U + 1013904223U;
+                damaged[static_cast<qsizetype>(state >> 16) % 100] = static_cast<char>(state >> 8);
+            }
+            const auto length = soundLength(folder.write(u"damaged"_s, damaged));
+            EXPECT_GE(length.value_or(SoundLength()).declaredFrames.value_or(0), 0) << qPrintable(kind);
+        }
+    }
+}
+
+} // namespace
+} // namespace nurv
