@@ -120,7 +120,7 @@ QString taggedAiff(const TestFolder &folder, const QString &cover)
     Fields fields = kWords;
     for (auto &[name, value] : fields)
         name = name == u"comment"_s ? u"remarks"_s : name;
-    const QString path = writeTaggedAiff(folder.path(u"source.aiff"_s), fields, cover, 4);
+    writeTaggedAiff(folder.path(u"source.aiff"_s), fields, cover, 4);
     QByteArray bytes = folder.read(u"source.aiff"_s);
     const qsizetype name = bytes.indexOf(QByteArray("remarks\0", 8));
     EXPECT_EQ(bytes.mid(name - 11, 4), "TXXX");
@@ -206,18 +206,13 @@ protected:
 
 TEST_P(MetadataCopies, LoseOnlyWhatTheRecordHasNoFieldFor)
 {
-    for (const char *format : {"png", "jpg"}) {
-        SCOPED_TRACE(format);
-        const QString cover =
-            folder.write(u"cover."_s + QLatin1StringView(format), encodedPicture(noisePicture(64, 48), format));
-        const QString source = GetParam().source.make(folder, cover);
-        const MetadataInventory inventory = MetadataInventory::of(source);
-        EXPECT_EQ(inventory.tags.size(), 11) << qPrintable(inventory.tags.keys().join(u' '));
-        EXPECT_EQ(inventory.pictures.size(), 1);
-        EXPECT_EQ(lostOf(source, GetParam().source.read(source)), QString::fromUtf8(GetParam().lost));
-        for (const QString &name : folder.list())
-            folder.remove(name);
-    }
+    // The writers make a PNG picture of it.
+    const QString cover = folder.write(u"cover.jpg"_s, encodedPicture(noisePicture(64, 48), "jpg"));
+    const QString source = GetParam().source.make(folder, cover);
+    const MetadataInventory inventory = MetadataInventory::of(source);
+    EXPECT_EQ(inventory.tags.size(), 11) << qPrintable(inventory.tags.keys().join(u' '));
+    EXPECT_EQ(inventory.pictures.size(), 1);
+    EXPECT_EQ(lostOf(source, GetParam().source.read(source)), QString::fromUtf8(GetParam().lost));
 }
 
 INSTANTIATE_TEST_SUITE_P(Jobs, MetadataCopies, ::testing::ValuesIn(kCopies), [](const auto &copy) {
