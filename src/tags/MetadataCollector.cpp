@@ -89,16 +89,18 @@ void MetadataCollector::addValue(const QString &field, const QString &value)
     if (value.isEmpty())
         return;
     countOne();
-    QStringList &values = m_inventory.tags[field];
-    if (!values.contains(value))
-        values.append(value);
+    if (m_values.contains({field, value}))
+        return;
+    m_values.insert({field, value});
+    m_inventory.tags[field].append(value);
 }
 
 void MetadataCollector::addPicture(const QByteArray &bytes)
 {
-    if (bytes.isEmpty() || m_inventory.pictures.contains(bytes))
+    if (bytes.isEmpty() || m_pictures.contains(bytes))
         return;
     countOne();
+    m_pictures.insert(bytes);
     m_inventory.pictures.append(bytes);
 }
 

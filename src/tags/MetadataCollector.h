@@ -5,7 +5,10 @@
 #include "tags/MetadataInventory.h"
 
 #include <QByteArray>
+#include <QSet>
 #include <QString>
+
+#include <utility>
 
 namespace nurv {
 
@@ -37,6 +40,8 @@ private:
     void addId3v1Text(const QString &field, QByteArray text);
 
     MetadataInventory m_inventory;
+    QSet<std::pair<QString, QString>> m_values; ///< those of the inventory, for a quick look
+    QSet<QByteArray> m_pictures;
     QByteArrayList m_id3v1Tags;
     int m_count = 0;
 };

@@ -7,6 +7,8 @@
 #include "tags/MetadataBytes.h"
 #include "tags/MetadataReader.h"
 
+#include <QSet>
+
 #include <algorithm>
 #include <array>
 #include <optional>
@@ -91,12 +93,11 @@ private:
 
 // What is lost
 
-bool isHeld(const QString &field, const QString &value, const MetadataInventory &source,
-            const MetadataInventory &output)
+/// Whether a value that the output does not hold as it is says no more than others.
+bool isRepeated(const QString &field, const QString &value, const MetadataInventory &source,
+                const MetadataInventory &output)
 {
     const QStringList held = output.tags.value(field);
-    if (held.contains(value))
-        return true;
     // A year beside a date that has the same year.
     if (field == u"DATE")
         return std::any_of(held.begin(), held.end(),
@@ -110,8 +111,11 @@ QStringList lostTags(const MetadataInventory &source, const MetadataInventory &o
 {
     QStringList lost;
     for (auto tag = source.tags.cbegin(); tag != source.tags.cend(); ++tag) {
-        if (!std::all_of(tag->begin(), tag->end(),
-                         [&](const QString &value) { return isHeld(tag.key(), value, source, output); }))
+        const QStringList values = output.tags.value(tag.key());
+        const QSet<QString> held(values.begin(), values.end());
+        if (!std::all_of(tag->begin(), tag->end(), [&](const QString &value) {
+                return held.contains(value) || isRepeated(tag.key(), value, source, output);
+            }))
             lost.append(tag.key());
     }
     return lost;
@@ -155,8 +159,9 @@ qsizetype lostPictures(const MetadataInventory &source, const MetadataInventory 
         const QByteArray digest = digests.of(picture);
         return !digest.isEmpty() && held->contains(digest);
     };
+    const QSet<QByteArray> same(output.pictures.begin(), output.pictures.end());
     return std::count_if(source.pictures.begin(), source.pictures.end(), [&](const QByteArray &picture) {
-        return !output.pictures.contains(picture) && !isHeldByPixels(picture);
+        return !same.contains(picture) && !isHeldByPixels(picture);
     });
 }
 

@@ -14,6 +14,7 @@ namespace nurv {
 
 namespace {
 
+constexpr int kMostTagsInARow = 10; // of each kind
 constexpr std::int64_t kId3v1Size = 128;
 constexpr std::int64_t kId3v2HeadSize = 10;
 constexpr std::int64_t kLyricsFooterSize = 15; // six digits and a mark
@@ -133,11 +134,13 @@ std::int64_t readTrailingTags(const MetadataBytes &bytes, std::int64_t begin, Me
 {
     TagsAtEnd tags(bytes, begin, found);
     std::int64_t end = bytes.size();
-    for (std::int64_t former = -1; end != former;) {
-        former = end;
-        end = tags.id3v2(tags.ape(tags.lyrics(tags.id3v1(end))));
+    for (int i = 0; i < kMostTagsInARow; ++i) {
+        const std::int64_t start = tags.id3v2(tags.ape(tags.lyrics(tags.id3v1(end))));
+        if (start == end)
+            return end;
+        end = start;
     }
-    return end;
+    throw NurvFailure(u"it has too many tags at its end"_s);
 }
 
 } // namespace nurv
