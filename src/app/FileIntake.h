@@ -39,8 +39,8 @@ using StopTest = std::function<bool()>;
 /// for what stands before a "..", which the system follows too.
 [[nodiscard]] QString absolutePath(const QString &name);
 
-/// Every file at or under `path` that passes `isValid`, less the skipped names, in
-/// the file system's order. Follows symbolic links, but never into a folder that it
+/// Every file at or under `path` that passes `isValid`, less the skipped names and, in
+/// folders, the temporary ones, in the file system's order. Follows symbolic links, but never into a folder that it
 /// is in already, and into a folder behind several links only once: links cannot
 /// make it run without end. A path that does not exist counts as a file. Asks
 /// `mustStop` before every entry. Any thread; blocks.
