@@ -268,7 +268,7 @@ void LeftoverFinder::lookAtFolderEntry(const QByteArray &path, Facts facts)
     const std::int64_t changed = nanoseconds(facts->st_ctim);
     if (changed < m_contents.beganNs || (!m_isSameBoot && changed >= m_bootedNs))
         return;
-    const bool isInUse = isOpenSomewhere(path, *facts) || mayBeOfAnotherRun(*facts);
+    const bool isInUse = isOpenSomewhere(path, *facts) || mayBeOfAnotherRun(path, *facts);
     add(isInUse ? waitFor(Temporary) : removal(Temporary), path, *facts);
 }
 
@@ -286,9 +286,9 @@ bool LeftoverFinder::isOpenSomewhere(const QByteArray &path, const struct stat &
 }
 
 /// Between the last byte and the new name, a file of a program that runs is open nowhere.
-bool LeftoverFinder::mayBeOfAnotherRun(const struct stat &file) const
+bool LeftoverFinder::mayBeOfAnotherRun(const QByteArray &path, const struct stat &file) const
 {
-    return m_programs.anyWasStarted() && nanoseconds(file.st_ctim) > m_nowNs - kQuietNs;
+    return nanoseconds(file.st_ctim) > m_nowNs - kQuietNs && m_programs.mayWorkIn(folderOf(path));
 }
 
 /// The source of an output that is not there, or soon will not be.

@@ -49,7 +49,7 @@ private:
     [[nodiscard]] bool isAsPlanned(const PlannedOutput &planned, const struct stat &present) const;
     [[nodiscard]] bool isOurs(const struct stat &file) const;
     [[nodiscard]] bool isOpenSomewhere(const QByteArray &path, const struct stat &file) const;
-    [[nodiscard]] bool mayBeOfAnotherRun(const struct stat &file) const;
+    [[nodiscard]] bool mayBeOfAnotherRun(const QByteArray &path, const struct stat &file) const;
     void add(Leftover leftover, const QByteArray &path, const struct stat &file);
 
     const JournalContents &m_contents;

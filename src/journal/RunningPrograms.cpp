@@ -27,8 +27,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// Longer environments are read to here: the kernel allows megabytes.
-constexpr qsizetype kLongestEnvironment = 4 * 1024 * 1024;
+/// Longer environments and command lines are read to here: the kernel allows megabytes.
+constexpr qsizetype kLongestText = 4 * 1024 * 1024;
 constexpr qsizetype kMarkDigits = 32;
 /// A program may start another one while it is being ended.
 constexpr int kRounds = 3;
@@ -63,22 +63,26 @@ bool isOurs(const QByteArray &folder)
     return ::stat(folder.constData(), &facts) == 0 && facts.st_uid == ::geteuid();
 }
 
-/// The mark in the environment that a program was started with; empty for any other one.
-QByteArray markOf(pid_t process)
+QByteArray contentsOf(const QByteArray &path)
 {
-    const FileDescriptor file(::open((folderOf(process) + "/environ").constData(), O_RDONLY | O_CLOEXEC));
-    if (!file.isOpen())
-        return {};
-    QByteArray environment(1, '\0');
-    while (environment.size() < kLongestEnvironment) {
+    const FileDescriptor file(::open(path.constData(), O_RDONLY | O_CLOEXEC));
+    QByteArray contents;
+    while (file.isOpen() && contents.size() < kLongestText) {
         std::array<char, 16 * 1024> block{};
         const ssize_t count = ::read(file.get(), block.data(), block.size());
         if (count < 0 && errno == EINTR)
             continue;
         if (count <= 0)
             break;
-        environment.append(block.data(), count);
+        contents.append(block.data(), count);
     }
+    return contents;
+}
+
+/// The mark in the environment that a program was started with; empty for any other one.
+QByteArray markOf(pid_t process)
+{
+    const QByteArray environment = QByteArray(1, '\0') + contentsOf(folderOf(process) + "/environ");
     const QByteArray variable = QByteArray(1, '\0') + kProcessMarkVariable + '=';
     const qsizetype at = environment.indexOf(variable);
     if (at < 0)
@@ -88,6 +92,13 @@ QByteArray markOf(pid_t process)
     const bool isWhole = mark.size() == kMarkDigits && !mark.contains('\0') && environment.size() > from + kMarkDigits
                          && environment.at(from + kMarkDigits) == '\0';
     return isWhole ? mark : QByteArray();
+}
+
+QByteArray workingFolderOf(pid_t process)
+{
+    std::array<char, PATH_MAX> target{};
+    const ssize_t length = ::readlink((folderOf(process) + "/cwd").constData(), target.data(), target.size());
+    return length > 0 ? QByteArray(target.data(), length) : QByteArray();
 }
 
 /// The C library's own declarations have C++ linkage in some versions.
@@ -147,8 +158,11 @@ RunningPrograms RunningPrograms::now()
         if (process == 0 || !isOurs(folderOf(process)))
             return;
         programs.lookAtFiles(folderOf(process) + "/fd");
-        if (const QByteArray mark = markOf(process); !mark.isEmpty() && process != ::getpid())
-            programs.m_programsOfMark[mark].append(process);
+        const QByteArray mark = process == ::getpid() ? QByteArray() : markOf(process);
+        if (mark.isEmpty())
+            return;
+        programs.m_programsOfMark[mark].append(process);
+        programs.m_surroundings.append(contentsOf(folderOf(process) + "/cmdline") + '\0' + workingFolderOf(process));
     });
     return programs;
 }
@@ -175,6 +189,12 @@ void RunningPrograms::lookAtFiles(const QByteArray &folder)
         if ((linkFacts.st_mode & S_IWUSR) != 0)
             m_written.insert(key);
     });
+}
+
+bool RunningPrograms::mayWorkIn(const QByteArray &folder) const
+{
+    return std::any_of(m_surroundings.begin(), m_surroundings.end(),
+                       [&folder](const QByteArray &surrounding) { return surrounding.contains(folder); });
 }
 
 bool RunningPrograms::end(const QByteArray &mark, std::chrono::milliseconds grace)

@@ -29,8 +29,9 @@ public:
     /// The programs that a process with this mark has started (see processMark), also
     /// those that its children started.
     [[nodiscard]] QList<pid_t> startedBy(const QByteArray &mark) const { return m_programsOfMark.value(mark); }
-    /// Whether any program runs that was started by a process with a mark.
-    [[nodiscard]] bool anyWasStarted() const { return !m_programsOfMark.isEmpty(); }
+    /// Whether any program that a process with a mark has started may be at work on files
+    /// of the folder: it was started in it, or with its path in an argument.
+    [[nodiscard]] bool mayWorkIn(const QByteArray &folder) const;
 
     /// Asks the programs that a process with this mark has started to end, ends those that
     /// have not after `grace`, and waits until they are gone. Returns whether they are.
@@ -44,6 +45,7 @@ private:
     QSet<FileKey> m_open;
     QSet<FileKey> m_written;
     QHash<QByteArray, QList<pid_t>> m_programsOfMark;
+    QList<QByteArray> m_surroundings; ///< the arguments and the folder of each of these
 };
 
 } // namespace nurv

@@ -92,6 +92,14 @@ QList<QByteArray> StaleJournal::names(const FileDescriptor &folder)
 
 std::optional<StaleJournal> StaleJournal::open(const FileDescriptor &folder, const QByteArray &name)
 {
+    std::optional<StaleJournal> journal = hold(folder, name);
+    if (journal && journal->m_contents.defect.isEmpty())
+        journal->m_contents = JournalContents::read(journal->m_file.get());
+    return journal;
+}
+
+std::optional<StaleJournal> StaleJournal::hold(const FileDescriptor &folder, const QByteArray &name)
+{
     StaleJournal journal;
     // Writable, since its process may have failed to note something where it is not; and
     // without O_NONBLOCK a named pipe would hold us for ever.
@@ -111,15 +119,15 @@ std::optional<StaleJournal> StaleJournal::open(const FileDescriptor &folder, con
         return journal;
     if (::flock(journal.m_file.get(), LOCK_EX | LOCK_NB) != 0 || !isStillUnder(folder, name, facts))
         return std::nullopt;
-    journal.m_contents = JournalContents::read(journal.m_file.get());
     return journal;
 }
 
-bool StaleJournal::append(const QByteArray &lines)
+bool StaleJournal::append(const FileDescriptor &folder, const QByteArray &name, const QByteArray &lines)
 {
+    const std::optional<StaleJournal> journal = hold(folder, name);
     // Behind the end of a line that its process did not come to write.
-    return ::lseek(m_file.get(), 0, SEEK_END) >= 0 && writeAll(m_file.get(), '\n' + lines)
-           && ::fdatasync(m_file.get()) == 0;
+    return journal && journal->m_contents.defect.isEmpty() && ::lseek(journal->m_file.get(), 0, SEEK_END) >= 0
+           && writeAll(journal->m_file.get(), '\n' + lines);
 }
 
 int StaleJournal::remove(const FileDescriptor &folder, const QByteArray &name) const
@@ -152,11 +160,10 @@ void StaleNotes::settle(const QByteArray &output)
         return;
     const FileDescriptor folder = openJournalFolder(false);
     for (const Place &place : places) {
-        std::optional<StaleJournal> journal = StaleJournal::open(folder, place.journal);
-        if (journal && journal->contents().defect.isEmpty()
-            && !journal->append(journalLine({"ended", QByteArray::number(static_cast<qint64>(place.number))}))) {
+        const QByteArray line = journalLine({"ended", QByteArray::number(static_cast<qint64>(place.number))});
+        const bool isGone = ::faccessat(folder.get(), place.journal.constData(), F_OK, AT_SYMLINK_NOFOLLOW) != 0;
+        if (!isGone && !StaleJournal::append(folder, place.journal, line))
             qCWarning(journalLog).noquote() << "Not settled in an old journal:" << QFile::decodeName(output);
-        }
     }
 }
 

@@ -28,12 +28,16 @@ public:
     [[nodiscard]] static std::optional<StaleJournal> open(const FileDescriptor &folder, const QByteArray &name);
 
     [[nodiscard]] const JournalContents &contents() const { return m_contents; }
-    /// Adds lines that count from the next reading on. Returns whether they are on the disk.
-    [[nodiscard]] bool append(const QByteArray &lines);
+    /// Adds lines to a journal of a process that has ended; nothing while another one holds
+    /// it. They count from the next reading on. Returns whether that was possible.
+    [[nodiscard]] static bool append(const FileDescriptor &folder, const QByteArray &name, const QByteArray &lines);
     /// Returns the errno of a failure, else 0.
     [[nodiscard]] int remove(const FileDescriptor &folder, const QByteArray &name) const;
 
 private:
+    /// Like `open`, without reading it.
+    [[nodiscard]] static std::optional<StaleJournal> hold(const FileDescriptor &folder, const QByteArray &name);
+
     FileDescriptor m_file;
     JournalContents m_contents;
 };

@@ -63,8 +63,27 @@ TEST(RunningPrograms, KnowsTheChildrenOfAProcess)
     ASSERT_FALSE(child.start(hanging()));
     // The kernel shows the environment a moment after the start.
     EXPECT_TRUE(test::waitUntil([] { return RunningPrograms::now().startedBy(processMark()).size() == 1; }));
-    EXPECT_TRUE(RunningPrograms::now().anyWasStarted());
     EXPECT_TRUE(RunningPrograms::now().startedBy(QByteArray(32, '0')).isEmpty());
+}
+
+TEST(RunningPrograms, KnowsWhereProgramsMayWork)
+{
+    const test::TestFolder folder;
+    ChildCommand named = hanging();
+    named.arguments = {u"log="_s + folder.path(u"named/log"_s), u"hang"_s};
+    folder.makeFolder(u"named"_s);
+    ChildCommand inside = hanging();
+    inside.workingDirectory = folder.makeFolder(u"inside"_s);
+    folder.makeFolder(u"idle"_s);
+    ChildProcess first;
+    ChildProcess second;
+    ASSERT_FALSE(first.start(named));
+    ASSERT_FALSE(second.start(inside));
+    EXPECT_TRUE(test::waitUntil([] { return RunningPrograms::now().startedBy(processMark()).size() == 2; }));
+    const RunningPrograms programs = RunningPrograms::now();
+    EXPECT_TRUE(programs.mayWorkIn(QFile::encodeName(folder.path(u"named"_s))));
+    EXPECT_TRUE(programs.mayWorkIn(QFile::encodeName(folder.path(u"inside"_s))));
+    EXPECT_FALSE(programs.mayWorkIn(QFile::encodeName(folder.path(u"idle"_s))));
 }
 
 TEST(RunningPrograms, NeverEndsTheChildrenOfThisProcess)

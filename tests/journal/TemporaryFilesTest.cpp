@@ -1,7 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "journal/JournalFixture.h"
+#include "journal/RunningPrograms.h"
+#include "platform/ChildProcess.h"
 #include "platform/FileDescriptor.h"
+#include "platform/ProcessEnvironment.h"
+#include "platform/ProcessMark.h"
+#include "support/ToolFolder.h"
+#include "support/WaitUntil.h"
 
 #include <gmock/gmock.h>
 
@@ -137,15 +143,19 @@ TEST_F(TemporaryFilesTest, AFolderInWhichAProgramWorksWaits)
     EXPECT_TRUE(folder.exists(kFolder + u"/inner"_s));
 }
 
-TEST_F(TemporaryFilesTest, WhileAnotherProcessRunsProgramsWhatIsFreshWaits)
+TEST_F(TemporaryFilesTest, WhileAnotherProcessHasAProgramInTheFolderWhatIsFreshWaits)
 {
     killAfter({write(kPart, u"x"_s)});
-    {
-        const test::LivingProcess other({u"start=/bin/sleep|60"_s});
-        EXPECT_THAT(cleaned(), ElementsAre(u"left "_s + kPart));
-    }
-    // That one's program goes on without it; only the marks of journals end programs.
-    EXPECT_TRUE(folder.exists(kPart));
+    ChildProcess child;
+    ASSERT_FALSE(child.start({.launchPath = test::fakeToolPath(),
+                              .arguments = {u"hang"_s},
+                              .environment = processEnvironment(),
+                              .workingDirectory = folder.path()}));
+    EXPECT_TRUE(test::waitUntil([] { return !RunningPrograms::now().startedBy(processMark()).isEmpty(); }));
+    EXPECT_THAT(cleaned(), ElementsAre(u"left "_s + kPart));
+    child.terminate();
+    EXPECT_TRUE(test::waitUntil([&child] { return !child.isRunning(); }));
+    EXPECT_THAT(cleaned(), ElementsAre(u"removed "_s + kPart));
 }
 
 } // namespace nurv

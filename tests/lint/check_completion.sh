@@ -23,7 +23,7 @@ expect() {
 }
 
 expect 'encode' nurv e
-expect 'encode decode doctor' nurv ''
+expect 'encode decode doctor recover' nurv ''
 expect 'flac' nurv encode --format f
 expect 'wav aiff' nurv decode --format ''
 expect 'flac' nurv encode --format = fl
@@ -33,6 +33,8 @@ expect 'fast high' nurv encode --mode ''
 expect '--delete-originals' nurv encode --d
 expect '--beside-source' nurv decode --b
 expect '--json' nurv doctor --js
+expect '--dry-run' nurv recover --dr
+expect '' nurv recover ''
 expect '' nurv decode --verif
 expect 'scripts' nurv decode --output-dir scr
 expect 'LICENSE' nurv encode --format flac LICE
