@@ -4,6 +4,7 @@
 
 #include "app/AppLog.h"
 #include "app/PathNames.h"
+#include "app/TemporaryNames.h"
 #include "platform/FileNames.h"
 
 #include <QDir>
@@ -85,6 +86,9 @@ private:
             m_intake.unreadableNames.append(joinPath(folder, name));
         bool isReadable = listing.error.isEmpty();
         for (const QString &name : listing.names) {
+            // What a job is making, or was making when it was killed.
+            if (temporaryKind(name) != TemporaryKind::None)
+                continue;
             if (!visit(joinPath(folder, name))) {
                 isReadable = false;
                 break;

@@ -51,8 +51,8 @@ using StopTest = std::function<bool()>;
 /// not below it; never absolute.
 [[nodiscard]] QString relativeFolder(const QString &path, const QString &base);
 
-/// Every file at or under `given` that passes `isValid`, less the skipped names, in
-/// the file system's order, with absolute paths. Their base is the folder that holds the
+/// Every file at or under `given` that passes `isValid`, less the skipped names and, in folders, the
+/// temporary ones, in the file system's order, with absolute paths. Their base is the folder that holds the
 /// given one, but the given one itself when "." or ".." is all it was called, and for the
 /// root. Follows symbolic links, but never into a folder that it
 /// is in already, and into a folder behind several links only once: links cannot

@@ -14,6 +14,7 @@
 #include "cli/InputFiles.h"
 #include "cli/LogOutput.h"
 #include "cli/OutputFolder.h"
+#include "cli/RecoverCommand.h"
 #include "engine/NURVTaskQueue.h"
 #include "platform/FileNames.h"
 #include "platform/NotificationCenter.h"
@@ -49,6 +50,7 @@ std::vector<const CommandSpec *> allSpecs()
     for (const BatchCommand *command : kBatchCommands)
         specs.push_back(&command->spec());
     specs.push_back(&DoctorCommand::spec());
+    specs.push_back(&RecoverCommand::spec());
     return specs;
 }
 
@@ -175,6 +177,8 @@ ExitStatus CliApplication::runCommand(const QByteArray &name, const QList<QByteA
         }
         const LogOutput log(m_console);
         const QCoreApplication application(m_argc, m_argv);
+        if (spec == &RecoverCommand::spec())
+            return RecoverCommand::run(arguments, m_console);
         return DoctorCommand::run(arguments, m_console);
     } catch (const UsageError &error) {
         return tellUsageError(spec->name, error);
@@ -194,6 +198,7 @@ ExitStatus CliApplication::runBatch(const BatchCommand &command, const ParsedArg
 
     const LogOutput log(m_console);
     const QCoreApplication application(m_argc, m_argv);
+    tellOfUnfinishedWork(m_console);
     NURVController::registerDefaults();
     // What the options choose must not become the window's choice.
     SettingsStore::instance().setPersistence(SettingsStore::Persistence::MemoryOnly);

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/ChildProcess.h"
 
+#include "platform/ProcessMark.h"
 #include "platform/SystemError.h"
 
 #include <QFile>
@@ -163,8 +164,12 @@ int spawn(const ChildCommand &command, SpawnedChild &child)
     for (const QString &argument : command.arguments)
         words.push_back(QFile::encodeName(argument));
     std::vector<QByteArray> variables;
-    for (auto it = command.environment.cbegin(); it != command.environment.cend(); ++it)
-        variables.push_back(QFile::encodeName(it.key() + u'=' + it.value()));
+    const QString markVariable = QString::fromLatin1(kProcessMarkVariable);
+    for (auto it = command.environment.cbegin(); it != command.environment.cend(); ++it) {
+        if (it.key() != markVariable)
+            variables.push_back(QFile::encodeName(it.key() + u'=' + it.value()));
+    }
+    variables.push_back(QByteArray(kProcessMarkVariable) + '=' + processMark());
 
     SpawnActions actions;
     actions.describe(writeFd, QFile::encodeName(command.workingDirectory));

@@ -27,7 +27,7 @@ using ChildEnvironment = QMap<QString, QString>;
 struct ChildCommand {
     QString launchPath; ///< absolute path of the program
     QStringList arguments;
-    ChildEnvironment environment;
+    ChildEnvironment environment; ///< the mark of this process is added to it
     QString workingDirectory; ///< empty: inherited
 };
 

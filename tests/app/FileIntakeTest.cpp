@@ -98,6 +98,24 @@ TEST(FileIntake, LeavesOutWhatFileBrowsersLeaveBehindButKeepsOtherHiddenFiles)
     EXPECT_THAT(collectedFrom(folder.path(u".DS_Store"_s)).accepted, IsEmpty());
 }
 
+TEST(FileIntake, LeavesOutTheTemporaryFilesOfJobsUnlessTheyAreNamedThemselves)
+{
+    const test::TestFolder folder;
+    const QString song = folder.write(u"song.flac"_s, "x");
+    const QStringList temporary{u"Nurv-0123abcd-Ab12Cd34.flac"_s, u"disc/.nurv-ab12cd34ef56.part"_s,
+                                u".nurv-0a1b2c3d-song.flac.kept"_s, u"song.flac.metadata_edit"_s,
+                                u"song.flac.tmp,fl-ac+en'c"_s};
+    for (const QString &name : temporary)
+        folder.write(name, "x");
+    folder.write(u".nurv-Ab12Cd/song.flac"_s, "x");
+    EXPECT_THAT(collectedFrom(folder.path()).accepted, ElementsAre(song));
+    EXPECT_THAT(collectedFrom(folder.path(), kFlacOnly).badExtensions, IsEmpty());
+    for (const QString &name : temporary)
+        EXPECT_THAT(collectedFrom(folder.path(name)).accepted, ElementsAre(folder.path(name)));
+    EXPECT_THAT(collectedFrom(folder.path(u".nurv-Ab12Cd"_s)).accepted,
+                ElementsAre(folder.path(u".nurv-Ab12Cd/song.flac"_s)));
+}
+
 TEST(FileIntake, TakesAPathThatDoesNotExistForAFile)
 {
     const test::TestFolder folder;

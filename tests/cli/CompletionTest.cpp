@@ -43,13 +43,13 @@ QStringList optionsInHelp(const QString &command)
 
 TEST(Completion, OffersTheCommands)
 {
-    EXPECT_EQ(completionsOf({u"nurv"_s, u""_s}), (QStringList{u"decode"_s, u"doctor"_s, u"encode"_s}));
+    EXPECT_EQ(completionsOf({u"nurv"_s, u""_s}), (QStringList{u"decode"_s, u"doctor"_s, u"encode"_s, u"recover"_s}));
     EXPECT_EQ(completionsOf({u"nurv"_s, u"en"_s}), QStringList{u"encode"_s});
 }
 
 TEST(Completion, OffersExactlyTheOptionsThatTheHelpLists)
 {
-    for (const QString &command : {u"encode"_s, u"decode"_s, u"doctor"_s})
+    for (const QString &command : {u"encode"_s, u"decode"_s, u"doctor"_s, u"recover"_s})
         EXPECT_EQ(completionsOf({u"nurv"_s, command, u"--"_s}), optionsInHelp(command)) << qPrintable(command);
 }
 

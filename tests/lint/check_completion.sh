@@ -23,7 +23,7 @@ expect() {
 }
 
 expect 'encode' nurv e
-expect 'encode decode doctor' nurv ''
+expect 'encode decode doctor recover' nurv ''
 expect 'flac' nurv encode --format f
 expect 'wav aiff' nurv decode --format ''
 expect 'flac' nurv encode --format = fl
@@ -35,6 +35,8 @@ expect '--keep-folders' nurv decode --keep-fol
 expect '--skip-existing' nurv decode --s
 expect '--beside-source' nurv decode --b
 expect '--json' nurv doctor --js
+expect '--dry-run' nurv recover --dr
+expect '' nurv recover ''
 expect '' nurv decode --verif
 expect 'scripts' nurv decode --output-dir scr
 expect 'LICENSE' nurv encode --format flac LICE

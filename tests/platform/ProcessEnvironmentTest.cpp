@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/ProcessEnvironment.h"
 
+#include "platform/ProcessMark.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -23,6 +25,19 @@ TEST(ProcessEnvironment, ReachesAChildByteForByte)
     ::unsetenv("NURV_TEST_EMPTY");
     EXPECT_TRUE(result.output.contains("NURV_TEST_VALUE=" + value + '\n')) << result.output.constData();
     EXPECT_TRUE(result.output.contains("NURV_TEST_EMPTY=\n")) << result.output.constData();
+}
+
+TEST(ProcessEnvironment, GetsTheMarkOfThisProcessAndNoOther)
+{
+    EXPECT_EQ(processMark().size(), 32);
+    ChildEnvironment environment = processEnvironment();
+    environment.insert(u"NURV_STARTED_BY"_s, u"somebody else"_s);
+    const ChildResult result = runChild({.launchPath = u"/usr/bin/env"_s,
+                                         .arguments = {},
+                                         .environment = environment,
+                                         .workingDirectory = {}});
+    EXPECT_EQ(result.output.count("NURV_STARTED_BY="), 1) << result.output.constData();
+    EXPECT_TRUE(result.output.contains("NURV_STARTED_BY=" + processMark() + '\n')) << result.output.constData();
 }
 
 } // namespace nurv

@@ -31,6 +31,7 @@ bool setPrivateEnvironment(const QDir &home)
         qputenv(variable, QFile::encodeName(path));
     }
     qputenv("NURV_SETTINGS", QFile::encodeName(home.absoluteFilePath(u"config/nurv-test.ini"_s)));
+    qputenv("NURV_STATE", QFile::encodeName(home.absoluteFilePath(u"state"_s)));
     if (!qEnvironmentVariableIsSet("NURV_TEST_SESSION_BUS")) {
         qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
     }

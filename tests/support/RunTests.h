@@ -13,7 +13,7 @@ namespace nurv::test {
 ///
 /// `--gtest_list_tests` is answered before any application object exists. Otherwise
 /// the process gets a home of its own below a temporary folder (HOME, TMPDIR, the XDG
-/// folders, NURV_SETTINGS) that is removed at the end, no session bus unless
+/// folders, NURV_SETTINGS, NURV_STATE) that is removed at the end, no session bus unless
 /// NURV_TEST_SESSION_BUS is set, and the built resource folder as NURV_TOOLS unless
 /// that is set already.
 int runTests(int &argc, char **argv, const std::function<std::unique_ptr<QCoreApplication>()> &makeApplication);

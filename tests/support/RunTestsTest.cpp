@@ -27,6 +27,7 @@ TEST(RunTests, GivesTheProcessAHomeOfItsOwn)
         EXPECT_TRUE(QStandardPaths::writableLocation(location).contains(u"/nurv-test-"_s));
     }
     EXPECT_TRUE(qEnvironmentVariable("NURV_SETTINGS").contains(u"/nurv-test-"_s));
+    EXPECT_TRUE(qEnvironmentVariable("NURV_STATE").contains(u"/nurv-test-"_s));
     EXPECT_TRUE(QDir(qEnvironmentVariable("NURV_TOOLS")).isAbsolute());
 }
 

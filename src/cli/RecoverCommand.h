@@ -1,0 +1,26 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "cli/ArgumentParser.h"
+#include "cli/ExitStatus.h"
+
+namespace nurv {
+
+class Console;
+
+/// `nurv recover`: removes what runs that were killed left half made, and names what
+/// they did not finish.
+class RecoverCommand {
+public:
+    [[nodiscard]] static const CommandSpec &spec();
+    /// Lists, asks once, cleans up. Blocks. Ok when nothing is left to do; Failed when
+    /// something was left, or the answer was no; Usage when there was nobody to ask.
+    [[nodiscard]] static ExitStatus run(const ParsedArguments &arguments, Console &console);
+};
+
+/// One line for the beginning of a batch, when an earlier run left something behind.
+/// Changes nothing.
+void tellOfUnfinishedWork(Console &console);
+
+} // namespace nurv
