@@ -75,7 +75,7 @@ QString takeText(int encoding, QByteArray &bytes)
     qsizetype end = 0;
     while (end + width <= bytes.size() && (bytes.at(end) != '\0' || (isWide && bytes.at(end + 1) != '\0')))
         end += width;
-    const QString text = decoded(encoding, bytes.left(std::min(end, bytes.size())));
+    QString text = decoded(encoding, bytes.left(std::min(end, bytes.size())));
     bytes = bytes.mid(end + width);
     return text;
 }
@@ -208,7 +208,7 @@ private:
     {
         if (contents.isEmpty())
             return;
-        const int encoding = contents.at(0);
+        const int encoding = static_cast<unsigned char>(contents.at(0));
         const QString field = metadataFields::fromId3Frame(id);
         if (id == "TXXX" || id == "WXXX") {
             contents = contents.mid(1);

@@ -36,7 +36,7 @@ public:
     /// Whether none of these bytes is anything but zero.
     [[nodiscard]] bool isZero(std::int64_t offset, std::int64_t length) const;
 
-    static constexpr std::int64_t kMostPeeked = 64 * 1024;
+    static constexpr std::int64_t kMostPeeked = std::int64_t{64} << 10;
 
 private:
     struct File {

@@ -23,7 +23,7 @@ namespace {
 constexpr int kMostNames = 3;
 constexpr qsizetype kMostNameCharacters = 40;
 // A few bytes of a hostile file can ask for many pixels.
-constexpr int kMostDecodedPictures = 100;
+constexpr int kMostDecodedPictures = 30;
 
 /// A kind of output files: what this program, and those that it runs, can put into them.
 struct Kind {
@@ -190,6 +190,65 @@ LostChunks lostChunks(const MetadataInventory &source, const MetadataInventory &
     return lost;
 }
 
+/// What is lost, in the clauses of one sentence.
+class LossSentence {
+public:
+    explicit LossSentence(const QString &outputName)
+    {
+        const QString extension = formatWord(outputName);
+        const auto *const kind =
+            std::find_if(kKinds.begin(), kKinds.end(), [&](const Kind &each) { return each.extension == extension; });
+        if (kind != kKinds.end())
+            m_kind = *kind;
+    }
+
+    void addTags(const QStringList &names)
+    {
+        if (names.isEmpty())
+            return;
+        const bool isOne = names.size() == 1;
+        const QString count = isOne ? u"a tag"_s : u"%1 tags"_s.arg(names.size());
+        // Nobody asks which ones where none could be kept.
+        listFor(m_kind.takesTags).add(m_kind.takesTags ? count + u' ' + nameList(names) : count, !isOne);
+    }
+
+    void addPictures(qsizetype count)
+    {
+        if (count > 0)
+            listFor(m_kind.takesPictures).add(count == 1 ? u"a picture"_s : u"%1 pictures"_s.arg(count), count > 1);
+    }
+
+    void addChunks(const LostChunks &chunks)
+    {
+        Enumeration &list = listFor(m_kind.takesChunks);
+        if (chunks.count == 1) {
+            const QString name = shownName(chunks.names.first());
+            list.add(u"%1 %2 chunk"_s.arg(startsWithVowel(name) ? u"an"_s : u"a"_s, name), false);
+        } else if (chunks.count > 1) {
+            list.add(u"%1 chunks %2"_s.arg(QString::number(chunks.count), nameList(chunks.names)), true);
+        }
+        if (chunks.hasNameless)
+            list.add(u"data without a name"_s, false);
+    }
+
+    [[nodiscard]] std::optional<QString> text() const
+    {
+        QStringList clauses;
+        if (!m_withoutPlace.isEmpty())
+            clauses.append(m_withoutPlace.clause(u"has"_s, u"have"_s, u"no place in %1 file"_s.arg(m_kind.name)));
+        if (!m_missing.isEmpty())
+            clauses.append(m_missing.clause(u"is"_s, u"are"_s, u"not in the output"_s));
+        return clauses.isEmpty() ? std::nullopt : std::optional(clauses.join(u", and "_s));
+    }
+
+private:
+    [[nodiscard]] Enumeration &listFor(bool hasPlace) { return hasPlace ? m_missing : m_withoutPlace; }
+
+    Kind m_kind{u"", u"", true, true, true}; ///< of an unknown kind nothing is claimed
+    Enumeration m_withoutPlace;
+    Enumeration m_missing;
+};
+
 } // namespace
 
 MetadataInventory MetadataInventory::of(const QString &path)
@@ -200,42 +259,11 @@ MetadataInventory MetadataInventory::of(const QString &path)
 std::optional<QString> metadataLost(const MetadataInventory &source, const MetadataInventory &output,
                                     const QString &outputName)
 {
-    const QString extension = formatWord(outputName);
-    const auto *const kind =
-        std::find_if(kKinds.begin(), kKinds.end(), [&](const Kind &each) { return each.extension == extension; });
-    const bool isKnown = kind != kKinds.end();
-    Enumeration withoutPlace;
-    Enumeration missing;
-
-    if (const QStringList tags = lostTags(source, output); !tags.isEmpty()) {
-        const bool isOne = tags.size() == 1;
-        const QString count = isOne ? u"a tag"_s : u"%1 tags"_s.arg(tags.size());
-        if (isKnown && !kind->takesTags)
-            withoutPlace.add(count, !isOne);
-        else
-            missing.add(count + u' ' + nameList(tags), !isOne);
-    }
-    if (const qsizetype pictures = lostPictures(source, output); pictures > 0) {
-        const QString count = pictures == 1 ? u"a picture"_s : u"%1 pictures"_s.arg(pictures);
-        (isKnown && !kind->takesPictures ? withoutPlace : missing).add(count, pictures > 1);
-    }
-    const LostChunks chunks = lostChunks(source, output);
-    Enumeration &listOfChunks = isKnown && !kind->takesChunks ? withoutPlace : missing;
-    if (chunks.count == 1) {
-        const QString name = shownName(chunks.names.first());
-        listOfChunks.add(u"%1 %2 chunk"_s.arg(startsWithVowel(name) ? u"an"_s : u"a"_s, name), false);
-    } else if (chunks.count > 1) {
-        listOfChunks.add(u"%1 chunks %2"_s.arg(chunks.count).arg(nameList(chunks.names)), true);
-    }
-    if (chunks.hasNameless)
-        listOfChunks.add(u"data without a name"_s, false);
-
-    QStringList clauses;
-    if (!withoutPlace.isEmpty())
-        clauses.append(withoutPlace.clause(u"has"_s, u"have"_s, u"no place in %1 file"_s.arg(kind->name)));
-    if (!missing.isEmpty())
-        clauses.append(missing.clause(u"is"_s, u"are"_s, u"not in the output"_s));
-    return clauses.isEmpty() ? std::nullopt : std::optional(clauses.join(u", and "_s));
+    LossSentence sentence(outputName);
+    sentence.addTags(lostTags(source, output));
+    sentence.addPictures(lostPictures(source, output));
+    sentence.addChunks(lostChunks(source, output));
+    return sentence.text();
 }
 
 } // namespace nurv

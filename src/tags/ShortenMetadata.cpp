@@ -113,8 +113,8 @@ public:
     Stream(const MetadataBytes &bytes, std::int64_t begin) : m_bits(bytes, begin + kStreamStart)
     {
         const QByteArray head = bytes.read(begin, kStreamStart);
-        m_version = head.at(4);
-        if (m_version < 0 || m_version > 3)
+        m_version = static_cast<unsigned char>(head.at(4));
+        if (m_version > 3)
             throw NurvFailure(u"its Shorten stream has an unknown version"_s);
         readHeader();
     }
@@ -195,7 +195,7 @@ private:
             passOverResidual(bits);
             break;
         }
-        case BlockSize: setBlockSize(number(std::bit_width(m_blockSize) - 1)); break;
+        case BlockSize: setBlockSize(number(static_cast<int>(std::bit_width(m_blockSize)) - 1)); break;
         case BitShift: static_cast<void>(m_bits.rice(2)); break;
         case Zero: break;
         default: failAsDamaged();

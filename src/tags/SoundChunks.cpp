@@ -181,7 +181,7 @@ private:
         else if (chunk.name == "fmt ")
             m_frameSize = littleEndianAt<quint16>(start, 12);
         else if (chunk.name == "COMM" && start.size() >= 8)
-            m_frameSize = bigEndianAt<quint16>(start, 0) * ((bigEndianAt<quint16>(start, 6) + 7) / 8);
+            m_frameSize = std::int64_t{bigEndianAt<quint16>(start, 0)} * ((bigEndianAt<quint16>(start, 6) + 7) / 8);
     }
 
     void readList(const Chunk &list)

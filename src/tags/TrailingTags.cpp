@@ -26,7 +26,7 @@ constexpr quint32 kApeItemKind = 6;
 constexpr quint32 kApeBinaryItem = 2;
 
 /// An item of an APE tag.
-void addApeItem(const QByteArray &key, QByteArray value, bool isBinary, bool isLatin1, MetadataCollector &found)
+void addApeItem(const QByteArray &key, const QByteArray &value, bool isBinary, bool isLatin1, MetadataCollector &found)
 {
     const QString field = metadataFields::fromWords(QString::fromUtf8(key));
     if (!isBinary) {

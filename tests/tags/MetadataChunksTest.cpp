@@ -217,6 +217,26 @@ TEST_F(MetadataChunks, FindsWhatTheOtherKindsStore)
     }
 }
 
+TEST_F(MetadataChunks, FindsWhatFormerMonkeysAudioFilesStore)
+{
+    const QByteArray wav = wavBytes(kShort, kBefore, kBehind);
+    const qsizetype sound = wav.indexOf("data") + 8;
+    const QByteArray before = wav.left(sound);
+    const QByteArray behind = wav.mid(sound + makeSamples(kShort).size());
+    const auto number = [](auto value) {
+        const auto little = qToLittleEndian(value);
+        return QByteArray(reinterpret_cast<const char *>(&little), sizeof little);
+    };
+    // Version 3.97 with a peak level and a count of seek elements, which stand before the stored header.
+    const QByteArray file = "MAC " + number(quint16{3970}) + number(quint16{2000}) + number(quint16{4 + 16})
+                            + number(quint16{2}) + number(quint32{44100}) + number(static_cast<quint32>(before.size()))
+                            + number(static_cast<quint32>(behind.size())) + number(quint32{1}) + number(quint32{8820})
+                            + number(quint32{32767}) + number(quint32{1}) + before + number(quint32{700})
+                            + QByteArray(900, 's') + behind;
+    expectSame(ofBytes(file + id3v1Tag("", "Band", "", "", "", 0, 255)),
+               MetadataInventory::of(folder.write(u"a.wav"_s, wav)));
+}
+
 TEST_F(MetadataChunks, FindsChunksBehindAPartOfAFrame)
 {
     // The sound has half a frame too much, and an odd number of bytes.

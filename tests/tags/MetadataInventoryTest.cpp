@@ -331,6 +331,26 @@ TEST_F(MetadataInventoryOf, ReadsTheTagsThatFfmpegPutsBehindATtaFile)
               (Tags{{u"TITLE"_s, {u"Song"_s}}, {u"TRACKNUMBER"_s, {u"5"_s}}, {u"TRACKTOTAL"_s, {u"12"_s}}}));
 }
 
+TEST_F(MetadataInventoryOf, ReadsTagsThatStandBehindOneAnother)
+{
+    using namespace std::string_literals;
+    // An APE tag of the first version, which has Latin-1 and no header; an ID3v2 tag with its footer.
+    const QByteArray item = QByteArray::fromStdString("\5\0\0\0\0\0\0\0Artist\0B\xe4nds"s);
+    const QByteArray apeTag = item + "APETAGEX" + QByteArray::fromHex("e8030000") + char(32 + item.size())
+                              + QByteArray::fromHex("000000"
+                                                    "01000000"
+                                                    "00000000")
+                              + QByteArray(8, '\0');
+    QByteArray front = id3Tag(4, id3Frame("TIT2", "\3Song"), 0x10);
+    const QByteArray id3 = front + "3DI" + front.mid(3, 7);
+    const QByteArray lyrics = "LYRICSBEGININD0000200000021LYRICS200";
+    const MetadataInventory inventory = ofBytes(u"a.tta"_s, "TTA1" + QByteArray(50, 'x') + id3 + apeTag + lyrics
+                                                                + id3v1Tag("", "", "Album", "", "", 0, 255));
+    EXPECT_EQ(inventory.tags.keys(), (QStringList{u"ALBUM"_s, u"ARTIST"_s, u"LYRICS3"_s, u"TITLE"_s}));
+    EXPECT_EQ(inventory.tags.value(u"ARTIST"_s), QStringList{u"Bänds"_s});
+    EXPECT_EQ(inventory.tags.value(u"TITLE"_s), QStringList{u"Song"_s});
+}
+
 // MPEG-4
 
 TEST_F(MetadataInventoryOf, ReadsTheItemsOfAnMp4File)
