@@ -14,6 +14,7 @@
 #include <QString>
 
 #include <algorithm>
+#include <cerrno>
 #include <span>
 #include <utility>
 #include <vector>
@@ -26,6 +27,8 @@ namespace {
 
 constexpr int kMostChannels = 64;
 constexpr int kDecoderThreads = 2;
+/// FFmpeg's decoder has no order of speakers for these, and fails at the first block.
+constexpr int kTtaChannelsWithoutLayout = 5;
 
 std::unique_ptr<AudioFileHeader> readHeader(const RegularFile &file)
 {
@@ -34,8 +37,11 @@ std::unique_ptr<AudioFileHeader> readHeader(const RegularFile &file)
     // What an edit list leaves out is sound, too.
     auto header = AudioFileHeader::read(QString::fromStdString(file.lastingName()), status, &reason,
                                         AudioFileHeader::Edits::LeftToCaller, AudioFileHeader::Kinds::All);
+    // What the library says of bytes that it does not know is nothing that helps a user.
+    const bool isVague = reason.isEmpty() || reason == libAv::errorText(AVERROR_INVALIDDATA)
+                         || reason == libAv::errorText(AVERROR(EINVAL)) || reason == libAv::errorText(AVERROR_EOF);
     if (!header)
-        throw NurvFailure(reason.isEmpty() ? u"it is no sound file of a kind that is known"_s : reason);
+        throw NurvFailure(isVague ? u"it is no sound file of a kind that can be decoded here"_s : reason);
     return header;
 }
 
@@ -124,6 +130,9 @@ void DecodedSampleStream::Decoder::describeFlac(std::int64_t start)
         parameters().extradata, CodecHeader::kStreamInfoBytes));
     m_format = header.format;
     m_declaredFrames = header.declaredFrames;
+    if (LIBAVCODEC_VERSION_MAJOR < 60 && m_format.bitsPerSample > 24)
+        throw NurvFailure(
+            u"its samples have %1 bits, and the decoder knows FLAC of up to 24"_s.arg(m_format.bitsPerSample));
     const bool isNative = CodecHeader::read(*m_file, start).has_value();
     m_check = makeFlacCheck(*m_file, header, isNative ? CodecHeader::flacSoundStart(*m_file, start) : std::nullopt);
 }
@@ -135,7 +144,7 @@ void DecodedSampleStream::Decoder::describeWavpack(std::int64_t start)
         throw NurvFailure(u"its header is damaged"_s);
     if (first->isDsd())
         throw NurvFailure(u"it holds no samples but a stream of single bits (DSD)"_s);
-    m_format.bitsPerSample = first->bytesPerSample() * 8;
+    m_format.bitsPerSample = first->bitsPerSample();
     m_format.isFloat = first->isFloat();
     m_declaredFrames = first->totalFrames;
     WavpackBlocks blocks(*m_file, start);
@@ -152,6 +161,8 @@ void DecodedSampleStream::Decoder::describeOther(std::int64_t start)
     m_format = header->format;
     m_declaredFrames = header->declaredFrames;
     m_isLossless = true;
+    if (header->kind == CodecHeader::Kind::Tta && m_format.channels == kTtaChannelsWithoutLayout)
+        throw NurvFailure(u"the decoder knows no TTA files of %1 channels"_s.arg(m_format.channels));
     if (header->kind == CodecHeader::Kind::Tta)
         m_check = makeTtaCheck(*m_file, *header);
 }

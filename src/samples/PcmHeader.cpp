@@ -25,9 +25,10 @@ constexpr std::int64_t kChunkHeadBytes = 8;
 constexpr int kMostChunks = 10'000;
 constexpr int kMostChannels = 64;
 constexpr std::uint32_t kMostHertz = 100'000'000;
-// Programs that write to a pipe fill in the largest size that there is, of 31 or of 32 bits,
-// or a little less, so that it stays a number of whole frames.
-constexpr std::uint32_t kUnknownSizeRange = 0x1000;
+// Programs that write to a pipe fill in the largest size that there is, of 32 or of 31 bits,
+// or a little less, so that it stays a number of whole frames. SoX has one of its own for AIFF.
+constexpr std::uint32_t kUnknownSizeRange = 0x2000;
+constexpr std::uint32_t kUnknownAiffSize = 0x7F000000;
 
 /// Larger ones are no sizes.
 constexpr std::uint64_t kMostWideSize = std::uint64_t{1} << 62;
@@ -41,7 +42,8 @@ constexpr std::array<std::uint8_t, 14> kWaveGuidRest = {0x00, 0x00, 0x00, 0x00, 
 
 bool isUnknownSize(std::uint32_t size)
 {
-    return size > 0xFFFFFFFF - kUnknownSizeRange || (size <= 0x7FFFFFFF && size > 0x7FFFFFFF - kUnknownSizeRange);
+    return size > 0xFFFFFFFF - kUnknownSizeRange || (size <= 0x7FFFFFFF && size > 0x7FFFFFFF - kUnknownSizeRange)
+           || (size > kUnknownAiffSize - kUnknownSizeRange && size < kUnknownAiffSize + kUnknownSizeRange);
 }
 
 bool isName(const std::uint8_t *bytes, const char *name)
@@ -283,7 +285,8 @@ private:
         const std::int64_t available = m_reader.available(m_header);
         const std::int64_t soundBytes = sound.size - headBytes;
         const std::int64_t commonBytes = m_commonFrames * m_header.frameBytes();
-        const bool isCommonTold = m_commonFrames != 0xFFFFFFFF;
+        const bool isCommonTold =
+            m_commonFrames != 0xFFFFFFFF && (commonBytes <= available || !isUnknownSize(sound.size));
         m_header.heldBytes = available;
         // The larger one first: the chunk may lie, and so may the number of frames.
         for (const std::int64_t size : {std::max(soundBytes, commonBytes), std::min(soundBytes, commonBytes)}) {

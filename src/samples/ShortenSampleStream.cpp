@@ -49,7 +49,7 @@ public:
         : m_file(std::move(file)), m_input(m_file->lastingName()),
           m_decoder(m_input, [this](std::span<const std::uint8_t> bytes) { take(bytes); })
     {
-        guarded([this] { m_decoder.decodeHead(); });
+        m_decoder.decodeHead();
         m_stored = &m_behind;
         readStoredHeader();
     }
@@ -62,16 +62,6 @@ public:
     }
 
 private:
-    template<typename Work>
-    void guarded(Work &&work)
-    {
-        try {
-            work();
-        } catch (const ToolError &error) {
-            throw NurvFailure(codecFailureReason(error, m_input.name()));
-        }
-    }
-
     void take(std::span<const std::uint8_t> bytes);
     void readStoredHeader();
     [[nodiscard]] bool decodeMore();
@@ -122,7 +112,11 @@ bool ShortenSampleStream::Decoder::decodeMore()
     while (m_block.empty()) {
         const Function next = m_decoder.next();
         m_isBlock = next != Function::Verbatim;
-        guarded([this] { m_decoder.decodeNext(); });
+        try {
+            m_decoder.decodeNext();
+        } catch (const ToolError &error) {
+            throw NurvFailure(codecFailureReason(error, m_input.name()));
+        }
         if (next == Function::Quit)
             return false;
         m_isInterrupted = m_isInterrupted || (!m_block.empty() && !m_behind.empty());
@@ -162,8 +156,13 @@ void ShortenSampleStream::Decoder::checkEnd() const
 }
 
 ShortenSampleStream::ShortenSampleStream(std::unique_ptr<RegularFile> file)
-    : m_decoder(std::make_unique<Decoder>(std::move(file)))
 {
+    const std::string name = file->lastingName();
+    try {
+        m_decoder = std::make_unique<Decoder>(std::move(file));
+    } catch (const ToolError &error) {
+        throw NurvFailure(codecFailureReason(error, name));
+    }
 }
 
 ShortenSampleStream::~ShortenSampleStream() = default;

@@ -30,8 +30,7 @@ SoundLength pcmLength(const PcmHeader &header)
     return length;
 }
 
-/// By way of the demuxers: MPEG-4, and what is rare here. `base` knows more where it knows
-/// anything.
+/// By way of the demuxers: MPEG-4, and what is rare here.
 std::optional<SoundLength> demuxedLength(const RegularFile &file)
 {
     AudioFileStatus status = AudioFileStatus::Ok;
@@ -54,7 +53,7 @@ std::optional<SoundLength> wavpackLength(const RegularFile &file, const WavpackB
     if (!length)
         return std::nullopt;
     length->declaredFrames = first.totalFrames;
-    length->bitsPerSample = first.bytesPerSample() * 8;
+    length->bitsPerSample = first.bitsPerSample();
     return length;
 }
 

@@ -27,7 +27,11 @@ public:
         [[nodiscard]] bool isHybrid() const { return (flags & 0x8) != 0; }
         [[nodiscard]] bool isFloat() const { return (flags & 0x80) != 0; }
         [[nodiscard]] bool isDsd() const { return (flags & 0x80000000) != 0; }
-        [[nodiscard]] int bytesPerSample() const { return static_cast<int>(flags & 3) + 1; }
+        /// Bits of a sample: what its bytes hold without those that are 0 in every one.
+        [[nodiscard]] int bitsPerSample() const
+        {
+            return (static_cast<int>(flags & 3) + 1) * 8 - static_cast<int>(flags >> 13 & 0x1F);
+        }
     };
 
     /// Nothing when there is none at the offset.

@@ -3,6 +3,7 @@
 #include "SampleFixtures.h"
 #include "support/TestProgram.h"
 
+#include <QFile>
 #include <QtEndian>
 
 #include <gtest/gtest.h>
@@ -230,6 +231,33 @@ TEST_F(LyingHeaders, WhatEncodersTookForNoSoundIsNotForgotten)
     const QString wavpack = folder.path(u"a.wv"_s);
     runOrFail(u"wavpack"_s, {u"-q"_s, lying, u"-o"_s, wavpack});
     EXPECT_EQ(decode(wavpack).complaint, u"it keeps bytes behind its sound that may be sound, too"_s);
+}
+
+TEST_F(LyingHeaders, WhatEncodersMadeOfCrashedRecordersIsWholeOrComplainedOf)
+{
+    for (const std::uint32_t size : {0U, 0xFFFFFFFFU, 44'100U, 176'400U}) {
+        const QString lying = wavOfSize(size);
+        const QString output = folder.path(u"output"_s);
+        const std::vector<std::pair<QString, QStringList>> encoders = {
+            {bundled(u"mac"_s), {lying, output, u"-c1000"_s}},
+            {bundled(u"ttaenc"_s), {u"-e"_s, lying, u"-o"_s, output}},
+            {bundled(u"shorten"_s), {lying, output}},
+            {u"wavpack"_s, {u"-q"_s, u"-y"_s, u"-i"_s, lying, u"-o"_s, output}},
+            {u"wavpack"_s, {u"-q"_s, u"-y"_s, lying, u"-o"_s, output}},
+        };
+        for (const auto &[program, arguments] : encoders) {
+            QFile::remove(output);
+            if (runProgram(program, arguments).exitStatus != 0)
+                continue;
+            const Decoded decoded = decode(output);
+            const bool isWhole = decoded.samples == expectedSamples(kSound);
+            // Where an encoder stopped at what the header said, without keeping the rest, its
+            // output is a right file of less sound, and only the comparison can tell.
+            const bool isShort = program.endsWith(u"ttaenc") && decoded.frames() == std::int64_t{size} / 4;
+            EXPECT_TRUE(isWhole || isShort || !decoded.complaint.isEmpty() || !decoded.refusal.isEmpty())
+                << qPrintable(program) << ", size " << size << ": " << decoded;
+        }
+    }
 }
 
 TEST_F(LyingHeaders, ChunksThatEncodersStoreAreNoSound)

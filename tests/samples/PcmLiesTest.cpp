@@ -159,6 +159,17 @@ TEST_F(PcmLies, AiffCountsThatAreWrongAreTold)
     expectWhole(patched(patched(aiff, size, big32(0)), count, big32(0)), 0);
 }
 
+TEST_F(PcmLies, WhatSoxWritesToAPipeHasNoLength)
+{
+    const QByteArray raw = makeSamples(kSound);
+    for (const char *kind : {"wav", "aiff"}) {
+        const QString soxKind = QString::fromLatin1(kind);
+        const QByteArray piped = runOrFail(
+            u"sh"_s, {u"-c"_s, u"sox -t raw -r 44100 -b 16 -c 2 -e signed - -t \"$0\" - | cat"_s, soxKind}, raw);
+        expectWhole(piped, std::nullopt);
+    }
+}
+
 TEST_F(PcmLies, AiffMayTellItsFormatBehindItsSamples)
 {
     const QByteArray aiff = aiffBytes(kSound);

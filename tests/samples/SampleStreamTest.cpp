@@ -194,11 +194,59 @@ TEST_F(SampleStreamTest, PassesOverTagsAroundTheSound)
     }
 }
 
+TEST_F(SampleStreamTest, TellsTheBitsThatCountOfWiderSamples)
+{
+    const SoundShape shape{.bits = 24, .frames = 5'000, .extensible = true};
+    QByteArray wav = wavBytes(shape);
+    // The valid bits stand behind the size of what extends the format.
+    wav = patched(wav, wav.indexOf("fmt ") + 8 + 18, QByteArray("\x14\0", 2));
+    for (qsizetype at = wav.indexOf("data") + 8; at < wav.size(); at += 3)
+        wav[at] = static_cast<char>(wav[at] & '\xF0');
+    const QString source = folder.write(u"20.wav"_s, wav);
+    const QString flac = folder.path(u"20.flac"_s);
+    runOrFail(u"flac"_s, {u"--silent"_s, u"-o"_s, flac, source});
+    const QString wavpack = folder.path(u"20.wv"_s);
+    runOrFail(u"wavpack"_s, {u"-q"_s, source, u"-o"_s, wavpack});
+    const Decoded expected = decode(source);
+    for (const QString &path : {source, flac, wavpack}) {
+        const Decoded decoded = decode(path);
+        EXPECT_EQ(decoded.complaint, QString()) << qPrintable(path);
+        EXPECT_EQ(decoded.format, (SampleFormat{44100, 2, 20, false})) << qPrintable(path);
+        EXPECT_TRUE(decoded.samples == expected.samples) << qPrintable(path);
+    }
+}
+
+TEST_F(SampleStreamTest, DecodesFlacInOtherContainers)
+{
+    const SoundShape shape{.frames = 20'000};
+    const QString wav = makeSound(folder, u"wav"_s, shape);
+    const QString ogg = folder.path(u"a.oga"_s);
+    runOrFail(u"flac"_s, {u"--silent"_s, u"--ogg"_s, u"-o"_s, ogg, wav});
+    for (const QString &path :
+         {ogg, writeByFfmpeg(folder.path(u"a.mp4"_s), shape, {u"-c:a"_s, u"flac"_s, u"-strict"_s, u"-2"_s})}) {
+        const Decoded decoded = decode(path);
+        EXPECT_EQ(decoded.complaint, QString()) << qPrintable(path);
+        EXPECT_TRUE(decoded.isLossless) << qPrintable(path);
+        EXPECT_EQ(decoded.declaredFrames, 20'000) << qPrintable(path);
+        EXPECT_TRUE(decoded.samples == expectedSamples(shape)) << qPrintable(path);
+    }
+}
+
+TEST_F(SampleStreamTest, SaysSoWhereNoDecoderIsAtHand)
+{
+    makeSound(folder, u"flac"_s, {.bits = 32, .frames = 9'000});
+    EXPECT_EQ(decode(folder.path(u"sound.flac"_s)).refusal,
+              u"its samples have 32 bits, and the decoder knows FLAC of up to 24"_s);
+    makeSound(folder, u"tta"_s, {.channels = 5, .frames = 9'000});
+    EXPECT_EQ(decode(folder.path(u"sound.tta"_s)).refusal, u"the decoder knows no TTA files of 5 channels"_s);
+}
+
 TEST_F(SampleStreamTest, RefusesWhatIsNoSoundFile)
 {
-    EXPECT_NE(decode(folder.write(u"a.flac"_s, "no sound at all, but some text")).refusal, QString());
-    EXPECT_NE(decode(folder.write(u"empty.wav"_s, "")).refusal, QString());
-    EXPECT_NE(decode(folder.write(u"short.wav"_s, "RIFF")).refusal, QString());
+    const QString unknown = u"it is no sound file of a kind that can be decoded here"_s;
+    EXPECT_EQ(decode(folder.write(u"a.flac"_s, "no sound at all, but some text")).refusal, unknown);
+    EXPECT_EQ(decode(folder.write(u"empty.wav"_s, "")).refusal, unknown);
+    EXPECT_EQ(decode(folder.write(u"short.wav"_s, "RIFF")).refusal, unknown);
     EXPECT_EQ(decode(folder.makeFolder(u"folder.wav"_s)).refusal, u"it is no regular file"_s);
     EXPECT_EQ(decode(folder.path(u"missing.wav"_s)).refusal, u"No such file or directory"_s);
     EXPECT_EQ(decode(u"/dev/zero"_s).refusal, u"it is no regular file"_s);
