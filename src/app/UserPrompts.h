@@ -17,8 +17,8 @@ struct Alert {
     bool asksToOverwrite = false;
 };
 
-/// The button that changes nothing: "No" or "Cancel" when there is one, else the
-/// last. Empty without buttons.
+/// The button that changes nothing: "No", "Cancel", "Keep" or "Not Now" when there is
+/// one, else the last. Empty without buttons.
 [[nodiscard]] QString dismissingButton(const Alert &alert);
 
 struct FileChooser {
