@@ -14,7 +14,7 @@ mkdir "$album" "$output"
 # File names and titles go beyond ASCII, whatever the locale of the caller.
 export LC_ALL=C.UTF-8
 # The demonstration neither reads nor changes the user's settings.
-export NURV_SETTINGS=$folder/settings.ini
+export NURV_SETTINGS=$folder/settings.ini NURV_STATE=$folder/state
 
 say() {
     printf '\n%s\n' "$*"

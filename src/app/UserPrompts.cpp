@@ -8,7 +8,7 @@ namespace nurv {
 
 QString dismissingButton(const Alert &alert)
 {
-    for (const QString &button : {u"No"_s, u"Cancel"_s}) {
+    for (const QString &button : {u"No"_s, u"Cancel"_s, u"Keep"_s, u"Not Now"_s}) {
         if (alert.buttons.contains(button))
             return button;
     }

@@ -16,8 +16,8 @@ struct Alert {
     QStringList buttons; ///< the first one is the default
 };
 
-/// The button that changes nothing: "No" or "Cancel" when there is one, else the
-/// last. Empty without buttons.
+/// The button that changes nothing: "No", "Cancel", "Keep" or "Not Now" when there is
+/// one, else the last. Empty without buttons.
 [[nodiscard]] QString dismissingButton(const Alert &alert);
 
 struct FileChooser {

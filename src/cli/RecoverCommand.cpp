@@ -260,6 +260,8 @@ ExitStatus RecoverCommand::run(const ParsedArguments &arguments, Console &consol
 void tellOfUnfinishedWork(Console &console)
 {
     const UnfinishedWork work = UnfinishedWork::find();
+    for (const QString &defect : work.defects())
+        console.writeNote(u"what an earlier run noted cannot be used: "_s + defect);
     QStringList names;
     for (const Leftover::Plan plan : {Leftover::Plan::Remove, Leftover::Plan::PutBack, Leftover::Plan::Wait}) {
         for (const Leftover &leftover : work.leftoversTo(plan))

@@ -161,8 +161,9 @@ bool JournalContents::takeMark(const QList<QByteArray> &words)
         planned.hasEnded = true;
         return true;
     }
-    if (words[0] == "aside" && words.size() == 3 && isPath(words[2])) {
+    if (words[0] == "aside" && words.size() == 4 && isPath(words[2])) {
         planned.aside = words[2];
+        planned.formerOutput = NameState::fromText(words[3]);
         planned.isAsideSettled = false;
         return true;
     }

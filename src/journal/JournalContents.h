@@ -21,7 +21,7 @@ namespace nurv {
 //
 //     plan <number> <output> <what has its name> <source> <what the source is>
 //     begun <number> <time>     ended <number>
-//     aside <number> <path>     back <number>
+//     aside <number> <path> <what is moved there>     back <number>
 //     temporary <path>          gone <path>
 
 /// What is under a name: "-" for nothing, "?" when nobody can tell, else a FileIdentity.

@@ -86,7 +86,9 @@ public:
         if (state == nullptr)
             return;
         m_openCount += std::exchange(state->isAside, true) ? 0 : 1;
-        m_file->append(journalLine({"aside", numberOf(*state), QFile::encodeName(aside)}));
+        // The file may have changed since the batch began.
+        const NameState file = NameState::of(QFile::encodeName(output), false);
+        m_file->append(journalLine({"aside", numberOf(*state), QFile::encodeName(aside), file.toText()}));
         m_file->flush();
     }
 

@@ -15,6 +15,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <iterator>
 #include <memory>
@@ -65,6 +66,8 @@ UnfinishedWork UnfinishedWork::find()
 {
     UnfinishedWork work;
     const FileDescriptor folder = openJournalFolder(false);
+    if (!folder.isOpen() && errno != ENOENT)
+        qCWarning(journalLog).noquote() << "Not looked at:" << journalFolderPath() << systemErrorText(errno);
     const QList<QByteArray> names = folder.isOpen() ? StaleJournal::names(folder) : QList<QByteArray>();
     std::optional<RunningPrograms> programs;
     QSet<QByteArray> seen;

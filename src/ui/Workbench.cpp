@@ -15,6 +15,7 @@
 #include "ui/LegibleStyle.h"
 #include "ui/MainWindow.h"
 #include "ui/RunningInstance.h"
+#include "ui/StartupRecovery.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -79,6 +80,8 @@ int Workbench::run(int &argc, char **argv)
     });
     window.show();
     window.openFiles(filesOfUris(uris));
+    StartupRecovery recovery(*workbench.m_controller);
+    recovery.start();
     return QApplication::exec();
 }
 

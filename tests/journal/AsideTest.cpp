@@ -80,6 +80,15 @@ TEST_F(AsideTest, GoesBackAfterAnotherStartOfTheSystem)
     EXPECT_EQ(folder.read(kOutput), "precious");
 }
 
+TEST_F(AsideTest, GoesBackAlsoWhenItHasChangedSinceTheBatchBegan)
+{
+    test::runAndKill({two("plan", kOutput, u"a.wav"_s), u"begin"_s, write(kOutput, u"precious, and better"_s),
+                      two("aside", kOutput, kAside), two("rename", kOutput, kAside), step("begun", kOutput),
+                      write(kOutput, u"half"_s)});
+    EXPECT_THAT(cleaned(), ElementsAre(u"removed a.flac"_s, u"back .nurv-0123456789ab.kept"_s));
+    EXPECT_EQ(folder.read(kOutput), "precious, and better");
+}
+
 TEST_F(AsideTest, IsNotTakenForItWhenItIsAnotherFile)
 {
     killAfter({});

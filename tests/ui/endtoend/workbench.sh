@@ -21,7 +21,7 @@ fi
 workbench=$1
 drag_source=$2
 home=$(mktemp -d)
-export HOME=$home XDG_CONFIG_HOME=$home/config XDG_DATA_HOME=$home/data XDG_CACHE_HOME=$home/cache
+export HOME=$home XDG_CONFIG_HOME=$home/config XDG_DATA_HOME=$home/data XDG_CACHE_HOME=$home/cache NURV_STATE=$home/state
 export XDG_RUNTIME_DIR=$home/run NURV_SETTINGS=$home/settings.ini QT_QPA_PLATFORM=xcb
 mkdir -m 700 "$XDG_RUNTIME_DIR"
 started=()
