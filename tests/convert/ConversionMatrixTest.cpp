@@ -92,28 +92,16 @@ bool holds(const QStringList &list, const QString &word)
 Outcome encodingOutcome(const QString &source, const QString &format, int bits)
 {
     if (format == u"SHN") {
-        // Shorten knows 16 bits at most; shntool's reader of Apple Lossless is a program
-        // that nobody has, and today's WavPack files are too new for it.
-        return bits == 24 || source == u"M4A" || source == u"WV" ? Outcome::Refused : Outcome::Sound;
+        // Shorten knows 16 bits at most.
+        return bits == 24 ? Outcome::Refused : Outcome::Sound;
     }
-    if (format == u"FLAC") {
-        if (source == u"TTA")
-            return Outcome::Refused;
-        return holds({u"WAV"_s, u"SHN"_s}, source) ? Outcome::Sound : Outcome::SoundAndTags;
-    }
-    if (format == u"M4A") {
-        // TTA has no decoder there, and the audio service does not read it.
-        if (source == u"TTA")
-            return Outcome::Refused;
+    if (format == u"FLAC")
+        return holds({u"WAV"_s, u"SHN"_s, u"TTA"_s}, source) ? Outcome::Sound : Outcome::SoundAndTags;
+    if (format == u"M4A")
         return holds({u"FLAC"_s, u"AIFF"_s, u"WV"_s, u"APE"_s}, source) ? Outcome::SoundAndTags : Outcome::Sound;
-    }
-    // The other encoders read WAV. AIFF and Apple Lossless come to them as that.
-    if (source == u"M4A")
-        return format == u"TTA" ? Outcome::Sound : Outcome::SoundAndTags;
-    // What is WavPack already `wavpack` encodes anew, tags included.
-    if (source == u"WV" && format == u"WV")
-        return Outcome::SoundAndTags;
-    return holds({u"WAV"_s, u"AIFF"_s}, source) ? Outcome::Sound : Outcome::Refused;
+    // TTA takes no tags here, and of WAV, AIFF, Shorten and TTA no other encoding carries them on.
+    return format == u"TTA" || holds({u"WAV"_s, u"AIFF"_s, u"SHN"_s, u"TTA"_s}, source) ? Outcome::Sound
+                                                                                      : Outcome::SoundAndTags;
 }
 
 Outcome decodingOutcome(const QString &source, const QString &format)

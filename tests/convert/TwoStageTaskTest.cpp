@@ -13,7 +13,7 @@ using TwoStageTaskTest = test::TwoStageFixture;
 
 TEST_F(TwoStageTaskTest, HandsAWavFileToTheProgramDirectly)
 {
-    const QString wav = test::writeWav(folder.path(u"a b.wav"_s));
+    const QString wav = folder.write(u"a b.wav"_s, "of no known length");
     for (const QString &tool : {u"wavpack"_s, u"ttaenc"_s, u"mac"_s})
         addFake(tool, tool == u"mac" ? "append=@-2:made" : "append=@-1:made");
     runJob(std::make_shared<EncodeWavpackTask>(&queue(), wav, u"-h"_s, out.path()));
@@ -29,7 +29,7 @@ TEST_F(TwoStageTaskTest, HandsAWavFileToTheProgramDirectly)
 
 TEST_F(TwoStageTaskTest, ShowsItsOpeningAndItsFigures)
 {
-    const QString wav = test::writeWav(folder.path(u"a.wav"_s));
+    const QString wav = folder.write(u"a.wav"_s, "of no known length");
     setFake(u"wavpack"_s, "append=@-1:x;out=creating a.wv,;delay=60;out=  2% done...;delay=60;"
                           "out=\\b\\b\\b\\b 45% done...;delay=60;out=\\rcreated a.wv\\n");
     const auto task = runJob(makeEncoder(wav, u"WV"_s));
@@ -75,7 +75,7 @@ TEST_F(TwoStageTaskTest, DoesNotLookAtTheStatusOfThreeEncodersButKeepsTheSource)
 {
     for (const QString &format : {u"WV"_s, u"TTA"_s, u"APE"_s}) {
         const test::LogLines log;
-        const QString wav = test::writeWav(folder.path(u"a.wav"_s));
+        const QString wav = folder.write(u"a.wav"_s, "of no known length");
         const QString tool = format == u"WV" ? u"wavpack"_s : format == u"TTA" ? u"ttaenc"_s : u"mac"_s;
         setFake(tool, QByteArray(tool == u"mac" ? "append=@-2:x" : "append=@-1:x") + ";out=odd;exit=3");
         const auto task = makeEncoder(wav, format);
@@ -379,7 +379,7 @@ TEST_F(TwoStageTaskTest, ReportsAsItsParserSays)
 
 TEST_F(TwoStageTaskTest, DropsItsSetOnlyWithoutAnError)
 {
-    const QString wav = test::writeWav(folder.path(u"a.wav"_s));
+    const QString wav = folder.write(u"a.wav"_s, "of no known length");
     setFake(u"wavpack"_s, "append=@-1:x;out=all is well");
     EXPECT_EQ(runJob(makeEncoder(wav, u"WV"_s))->results(), nullptr);
     EXPECT_TRUE(outputWindows.isEmpty());
