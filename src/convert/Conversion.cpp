@@ -113,6 +113,18 @@ void Conversion::beginOutput(bool replaces)
         m_batch->journal->markBegun(outputFile());
 }
 
+void Conversion::noteIntermediateBegun()
+{
+    if (m_batch && m_batch->journal)
+        m_batch->journal->markBegun(intermediateFile());
+}
+
+void Conversion::noteIntermediateGone()
+{
+    if (m_batch && m_batch->journal)
+        m_batch->journal->markEnded(intermediateFile());
+}
+
 bool Conversion::outputIsSource() const
 {
     const std::optional<struct stat> source = factsOf(fileName());

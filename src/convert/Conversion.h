@@ -39,6 +39,10 @@ public:
     /// The file that the conversion makes.
     [[nodiscard]] virtual QString outputFile() const = 0;
 
+    /// A file with a name of its own that is made on the way and removed again; empty for
+    /// most.
+    [[nodiscard]] virtual QString intermediateFile() const { return {}; }
+
     /// Whether the source is deleted once the job has succeeded.
     [[nodiscard]] bool deleteOriginal() const { return m_retirement.wishes().deletesSources; }
     void setDeleteOriginal(bool deleteOriginal);
@@ -61,6 +65,9 @@ protected:
     /// replaced (`replaces`: by what makes the output, in a batch that leaves it to that),
     /// and notes the output in the journal. Throws NurvFailure when the file stays in the way.
     void beginOutput(bool replaces);
+    /// Around the making of the intermediate file.
+    void noteIntermediateBegun();
+    void noteIntermediateGone();
     /// Before the queue is told of the end and starts further jobs.
     void releaseOutput() { m_claim.release(); }
 

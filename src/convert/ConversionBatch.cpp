@@ -38,6 +38,8 @@ void ConversionBatch::queueTasks(NURVTaskQueue &queue)
     for (const std::shared_ptr<Conversion> &conversion : m_conversions) {
         ++sharers[foldedName(conversion->outputFile())];
         outputs.push_back({conversion->outputFile(), conversion->fileName()});
+        if (const QString intermediate = conversion->intermediateFile(); !intermediate.isEmpty())
+            outputs.push_back({intermediate, conversion->fileName()});
     }
     if (!outputs.empty())
         m_batch->journal = OutputJournal::begin(outputs);

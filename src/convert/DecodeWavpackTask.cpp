@@ -25,8 +25,13 @@ void DecodeWavpackTask::doDecodeCall()
         runTool(toolStages::decodeWavpack(fileName(), false, outputFile()));
         return;
     }
-    decodeThroughWav(nurv::outputPath(outputPath(), fileName(), u"wav"_s),
-                     [this](const QString &wav) { return toolStages::decodeWavpack(fileName(), true, wav); });
+    decodeThroughIntermediateWav(
+        [this](const QString &wav) { return toolStages::decodeWavpack(fileName(), true, wav); });
+}
+
+QString DecodeWavpackTask::intermediateFile() const
+{
+    return isToAiff() ? nurv::outputPath(outputPath(), fileName(), u"wav"_s) : QString();
 }
 
 } // namespace nurv

@@ -12,6 +12,8 @@ class DecodeWavpackTask final : public TwoStageDecodeTask {
 public:
     DecodeWavpackTask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath, const QString &format);
 
+    [[nodiscard]] QString intermediateFile() const override;
+
 protected:
     [[nodiscard]] QString openingStatus() const override;
     void doDecodeCall() override;

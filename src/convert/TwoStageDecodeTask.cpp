@@ -33,18 +33,19 @@ void TwoStageDecodeTask::decodeThroughTemporaryWav(const StageFor &stageFor)
     convertToAiff(wav.path());
 }
 
-void TwoStageDecodeTask::decodeThroughWav(const QString &wav, const StageFor &stageFor)
+void TwoStageDecodeTask::decodeThroughIntermediateWav(const StageFor &stageFor)
 {
+    const QString wav = intermediateFile();
     OutputClaim claim;
     // In this order: what another job made and let go of before is seen then.
     if (claim.take(wav, fileName(), nullptr) || isThere(wav)) {
         decodeThroughTemporaryWav(stageFor);
         return;
     }
-    OutputJournal::noteTemporary(wav);
+    noteIntermediateBegun();
     const auto removeWav = qScopeGuard([&] {
         removeHalfMade(wav);
-        OutputJournal::forgetTemporary(wav);
+        noteIntermediateGone();
     });
     runTool(stageFor(wav));
     convertToAiff(wav);

@@ -24,9 +24,9 @@ protected:
     [[nodiscard]] bool isToAiff() const { return m_format == u"AIFF"; }
     /// Decodes to the output, or to a temporary WAV that is then converted to AIFF.
     void decode(const StageFor &stageFor);
-    /// Decodes to `wav`, makes the AIFF file of that and removes it. A file that has the name
+    /// Decodes to `intermediateFile`, makes the AIFF file of that and removes it. A file that has the name
     /// already stays as it is: then another name is taken.
-    void decodeThroughWav(const QString &wav, const StageFor &stageFor);
+    void decodeThroughIntermediateWav(const StageFor &stageFor);
     /// Makes the output of the WAV file. A failure sets the error flag.
     void convertToAiff(const QString &wav);
 

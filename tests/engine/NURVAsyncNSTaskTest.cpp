@@ -163,6 +163,7 @@ TEST_F(NURVAsyncNSTaskTest, SurvivesThatTheQueueLetsGoOfItWhileItIsCancelled)
     const std::weak_ptr<NURVTask> waiting = queue.panelArray()[1];
     // The count falls to zero, and the sweep lets go of the last reference.
     queue.panelArray()[1]->cancelTask();
+    test::handleWaitingEvents(); // the news that it is settled
     EXPECT_TRUE(waiting.expired());
     running->finish();
 }
