@@ -12,6 +12,8 @@ constexpr QStringView kStagePrefix = u"Nurv-";
 constexpr QStringView kHiddenPrefix = u".nurv-";
 constexpr QStringView kPartSuffix = u".part";
 constexpr QStringView kKeptSuffix = u".kept";
+constexpr QStringView kTagsPrefix = u"tags-";
+constexpr qsizetype kTagsLetters = 6;
 constexpr qsizetype kPartLetters = 12;
 constexpr qsizetype kFolderLetters = 6;
 constexpr qsizetype kStageDigits = 8;
@@ -53,6 +55,8 @@ TemporaryKind temporaryKind(QStringView name)
     if (!name.startsWith(kHiddenPrefix))
         return TemporaryKind::None;
     const QStringView rest = name.sliced(kHiddenPrefix.size());
+    if (rest.startsWith(kTagsPrefix) && consistsOf(rest.sliced(kTagsPrefix.size()), kTagsLetters, isPlain))
+        return TemporaryKind::Stage;
     if (rest.endsWith(kKeptSuffix))
         return TemporaryKind::Kept;
     if (rest.endsWith(kPartSuffix) && consistsOf(rest.chopped(kPartSuffix.size()), kPartLetters, isPlain))

@@ -10,7 +10,8 @@ namespace nurv {
 /// What a file is that a job, or a program that it runs, has made for a while.
 enum class TemporaryKind {
     None,          ///< the name says nothing of the kind
-    Stage,         ///< "Nurv-<8 hex digits>-<8 letters or digits>.<extension>": between two stages of a job
+    Stage,         ///< "Nurv-<8 hex digits>-<8 letters or digits>.<extension>": between two stages of a job; ".nurv-tags-<6 letters or digits>": a file
+                   ///< that tags are written into
     Part,          ///< ".nurv-<12 letters or digits>.part": a bundled program's output until it is complete
     PrivateFolder, ///< ".nurv-<6 letters or digits>": a folder in which a bundled program lets another one work
     Kept,          ///< ".nurv-....kept": a user's file that waits beside the output in its place

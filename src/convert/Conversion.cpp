@@ -115,13 +115,13 @@ void Conversion::beginOutput(bool replaces)
 
 void Conversion::noteIntermediateBegun()
 {
-    if (m_batch && m_batch->journal)
+    if (m_batch && m_batch->journal && !intermediateFile().isEmpty())
         m_batch->journal->markBegun(intermediateFile());
 }
 
 void Conversion::noteIntermediateGone()
 {
-    if (m_batch && m_batch->journal)
+    if (m_batch && m_batch->journal && !intermediateFile().isEmpty())
         m_batch->journal->markEnded(intermediateFile());
 }
 

@@ -47,6 +47,9 @@ public:
     [[nodiscard]] bool deleteOriginal() const { return m_retirement.wishes().deletesSources; }
     void setDeleteOriginal(bool deleteOriginal);
 
+    /// The source stays, whatever comes out of it; see SourceRetirement::doubt.
+    void keepSource(const QString &reason) { m_retirement.doubt(reason); }
+
     /// Makes the conversion a member of a batch. Before any member of it is started.
     void setBatch(std::shared_ptr<OutputBatch> batch);
 

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "convert/ConversionArguments.h"
 
+#include "app/PathNames.h"
+
 using namespace Qt::StringLiterals;
 
 namespace nurv::conversionArguments {
@@ -47,6 +49,14 @@ QStringList decodeFlac(const QString &format, bool keepForeignMetadata, bool thr
 QString decodedExtension(const QString &format)
 {
     return format == u"AIFF" ? u"aiff"_s : u"wav"_s;
+}
+
+QString shntoolOutput(const QString &source, const QString &outputFolder, const QString &extension)
+{
+    static const QStringList known{u"wav"_s, u"aiff"_s, u"shn"_s, u"flac"_s, u"ape"_s, u"tta"_s, u"wv"_s};
+    if (known.contains(pathExtension(source)))
+        return outputPath(outputFolder, source, extension);
+    return joinPath(outputFolder, lastPathComponent(source) + u'.' + extension);
 }
 
 QStringList decodeShorten(const QString &format, const QString &source, const QString &outputFolder)

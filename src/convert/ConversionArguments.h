@@ -41,6 +41,10 @@ struct FlacEncoding {
 /// The extension of the file that `decodeFlac` makes for the format word.
 [[nodiscard]] QString decodedExtension(const QString &format);
 
+/// The name that `shntool` gives to what it makes of a source with `extension`: behind an
+/// extension that it does not know, as written, it puts its own.
+[[nodiscard]] QString shntoolOutput(const QString &source, const QString &outputFolder, const QString &extension);
+
 /// `shntool`: Shorten to "WAV" or "AIFF".
 [[nodiscard]] QStringList decodeShorten(const QString &format, const QString &source, const QString &outputFolder);
 

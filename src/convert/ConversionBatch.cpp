@@ -8,6 +8,8 @@
 
 #include <QHash>
 
+using namespace Qt::StringLiterals;
+
 namespace nurv {
 
 ConversionBatch::ConversionBatch(const OriginalsControls &controls, bool deletesOriginals, bool makesFolders)
@@ -44,7 +46,9 @@ void ConversionBatch::queueTasks(NURVTaskQueue &queue)
     if (!outputs.empty())
         m_batch->journal = OutputJournal::begin(outputs);
     for (const std::shared_ptr<Conversion> &conversion : m_conversions) {
-        conversion->setDeleteOriginal(m_deletesOriginals && sharers.value(foldedName(conversion->outputFile())) == 1);
+        conversion->setDeleteOriginal(m_deletesOriginals);
+        if (m_deletesOriginals && sharers.value(foldedName(conversion->outputFile())) > 1)
+            conversion->keepSource(u"another file of the list has the same output"_s);
         conversion->setBatch(m_batch);
     }
     for (const std::shared_ptr<Conversion> &conversion : m_conversions)

@@ -8,6 +8,8 @@
 #include "platform/NurvFailure.h"
 #include "platform/WorkerThreads.h"
 
+#include <QFile>
+
 #include <memory>
 #include <optional>
 #include <system_error>
@@ -39,6 +41,8 @@ void ConversionTask::startTask()
         try {
             m_temporaryExisted = isThere(temporaryOf(outputFile()));
             beginOutput(replacesOutput());
+            noteIntermediateBegun();
+            m_intermediateExisted = isThere(intermediateFile());
         } catch (const NurvFailure &failure) {
             obstacle = failure.reason();
         }
@@ -54,12 +58,23 @@ void ConversionTask::startTask()
 
 void ConversionTask::completeStop()
 {
+    takeIntermediateFile();
     runHook([this] { finishOutput(); });
     removeHalfMadeFiles();
     if (cancelled() || error() || !programSucceeded())
         finishStop();
     else
         startExamination();
+}
+
+void ConversionTask::takeIntermediateFile()
+{
+    const QString made = intermediateFile();
+    if (made.isEmpty() || !hasRun() || m_intermediateExisted || !isThere(made))
+        return;
+    if (programSucceeded() && !isThere(outputFile()) && QFile::rename(made, outputFile()))
+        return;
+    removeHalfMade(made);
 }
 
 void ConversionTask::startExamination()
@@ -86,7 +101,13 @@ void ConversionTask::finishStop()
 {
     if (!programSucceeded() && !cancelled())
         setError(true);
+    if (hasRun() && !cancelled() && !error() && !hasMadeOutput()) {
+        noteProblem(u"its program made no output"_s);
+        failWith(problemLine(u"its program made no output"_s));
+    }
     settleOutput();
+    if (hasRun())
+        noteIntermediateGone();
     NURVAsyncNSTask::completeStop();
 }
 

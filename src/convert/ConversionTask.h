@@ -56,10 +56,13 @@ protected:
 
 private:
     void removeHalfMadeFiles() const;
+    /// Gives what a program has made under another name the output's one.
+    void takeIntermediateFile();
     void startExamination();
     void finishStop();
 
     bool m_temporaryExisted = false;
+    bool m_intermediateExisted = false;
 };
 
 } // namespace nurv

@@ -20,6 +20,12 @@ QString DecodeSHNTask::outputFile() const
     return outputPath(arguments().value(conversionArguments::kShntoolSource - 1), fileName(), arguments().value(2));
 }
 
+QString DecodeSHNTask::intermediateFile() const
+{
+    const QString made = conversionArguments::shntoolOutput(fileName(), arguments().value(conversionArguments::kShntoolSource - 1), arguments().value(2));
+    return made == outputFile() ? QString() : made;
+}
+
 toolOutput::ChunkReport DecodeSHNTask::parseOutput(const QString &chunk) const
 {
     return toolOutput::parseShortenDecoding(chunk);

@@ -14,6 +14,7 @@ public:
     DecodeSHNTask(NURVTaskQueue *queue, const QString &launchPath, const QStringList &arguments);
 
     [[nodiscard]] QString outputFile() const override;
+    [[nodiscard]] QString intermediateFile() const override;
 
 protected:
     [[nodiscard]] toolOutput::ChunkReport parseOutput(const QString &chunk) const override;

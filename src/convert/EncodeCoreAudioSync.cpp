@@ -145,6 +145,7 @@ void EncodeCoreAudioSync::convert(AudioFileReader &source, AudioFileWriter &outp
             setAACSurroundChannelFormatSettings(output);
     }
     copy(source, output, working, totalFrames);
+    m_leavesSoundBehind = source.holdsMoreSound();
     // What the system reports only at the end is a failed write all the same. Nobody
     // asks whether a cancelled conversion is complete.
     if (const AudioFileStatus closed = output.close(); !m_task.cancelled())

@@ -23,6 +23,12 @@ QString EncodeSHNTask::outputFile() const
     return outputPath(arguments().value(conversionArguments::kShntoolSource - 1), fileName(), u"shn"_s);
 }
 
+QString EncodeSHNTask::intermediateFile() const
+{
+    const QString made = conversionArguments::shntoolOutput(fileName(), arguments().value(conversionArguments::kShntoolSource - 1), u"shn"_s);
+    return made == outputFile() ? QString() : made;
+}
+
 toolOutput::ChunkReport EncodeSHNTask::parseOutput(const QString &chunk) const
 {
     return toolOutput::parseShortenEncoding(chunk);

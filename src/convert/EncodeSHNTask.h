@@ -15,6 +15,7 @@ public:
                   std::shared_ptr<NURVTaskResults> results);
 
     [[nodiscard]] QString outputFile() const override;
+    [[nodiscard]] QString intermediateFile() const override;
 
 protected:
     [[nodiscard]] toolOutput::ChunkReport parseOutput(const QString &chunk) const override;

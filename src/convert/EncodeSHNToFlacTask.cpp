@@ -25,6 +25,12 @@ QString EncodeSHNToFlacTask::outputFile() const
     return nurv::outputPath(m_outputPath, fileName(), u"flac"_s);
 }
 
+QString EncodeSHNToFlacTask::intermediateFile() const
+{
+    const QString made = conversionArguments::shntoolOutput(fileName(), m_outputPath, u"flac"_s);
+    return made == outputFile() ? QString() : made;
+}
+
 toolOutput::ChunkReport EncodeSHNToFlacTask::parseOutput(const QString &chunk) const
 {
     return toolOutput::parseFlacByShntool(chunk, m_type);

@@ -20,6 +20,7 @@ public:
     [[nodiscard]] const QString &outputPath() const { return m_outputPath; }
     [[nodiscard]] const QString &type() const { return m_type; }
     [[nodiscard]] QString outputFile() const override;
+    [[nodiscard]] QString intermediateFile() const override;
 
 protected:
     [[nodiscard]] toolOutput::ChunkReport parseOutput(const QString &chunk) const override;

@@ -105,11 +105,11 @@ bool TwoStageTask::convertAudio(const QString &source, const QString &file, Four
     EncodeCoreAudioSync conversion(*this, source, file, formatType, fileType);
     conversion.doEncodeCall();
     if (conversion.leavesSoundBehind()) {
-        doubtSource(u"its output has not all of its sound"_s);
-        const QString warning =
-            u"%1 has more than one track, or hides a part of its sound: not all of it is in the output\n"_s.arg(source);
-        appendResultsForSelf(warning);
-        keepReasonForReport(warning);
+        const QString problem =
+            u"it has more than one track, or hides a part of its sound: not all of it is in the output"_s;
+        doubtSource(problem);
+        noteProblem(problem);
+        failWith(problemLine(problem));
     }
     if (conversion.failureText().isEmpty())
         return !cancelled();

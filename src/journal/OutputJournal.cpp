@@ -157,6 +157,7 @@ std::shared_ptr<OutputJournal> OutputJournal::begin(const std::vector<Planned> &
 {
     if (outputs.empty())
         return std::make_shared<SilentJournal>();
+    TemporaryJournal::instance().prepare();
     try {
         return beginFile(outputs);
     } catch (const NurvFailure &failure) {

@@ -35,15 +35,23 @@ void TemporaryJournal::note(const QByteArray &path)
     const QByteArray line = journalLine({"temporary", path});
     const std::scoped_lock lock(m_lock);
     m_paths.insert(path);
-    if (m_file) {
+    makeFile();
+    if (m_file)
         m_file->append(line);
-        return;
-    }
-    if (m_hasFailed)
+}
+
+void TemporaryJournal::prepare()
+{
+    const std::scoped_lock lock(m_lock);
+    makeFile();
+}
+
+void TemporaryJournal::makeFile()
+{
+    if (m_file || m_hasFailed)
         return;
     try {
         m_file = std::make_unique<JournalFile>(QByteArray());
-        m_file->append(line);
     } catch (const NurvFailure &failure) {
         m_hasFailed = true;
         qCWarning(journalLog).noquote() << "Temporary files are not noted:" << failure.reason();

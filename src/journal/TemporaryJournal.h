@@ -18,12 +18,15 @@ class TemporaryJournal {
 public:
     static TemporaryJournal &instance();
 
+    /// Makes the file, so that it is in place when the first temporary file is.
+    void prepare();
     void note(const QByteArray &path);
     void forget(const QByteArray &path);
 
 private:
     TemporaryJournal() = default;
     void removeWhenEmpty();
+    void makeFile();
 
     std::mutex m_lock;
     std::unique_ptr<JournalFile> m_file;

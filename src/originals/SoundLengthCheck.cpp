@@ -16,6 +16,7 @@ namespace {
 /// All files of one side together.
 struct Side {
     std::optional<std::int64_t> frames = 0; ///< nothing when one of them does not tell
+    bool isBacked = true; ///< all of them
     int sampleRateHz = 0;
     int channels = 0;
 };
@@ -23,6 +24,7 @@ struct Side {
 void add(Side &side, const SoundLength &length, std::optional<std::int64_t> frames)
 {
     side.frames = side.frames && frames ? std::optional(*side.frames + *frames) : std::nullopt;
+    side.isBacked = side.isBacked && length.isBacked;
     side.sampleRateHz = length.sampleRateHz;
     side.channels = length.channels;
 }
@@ -79,7 +81,7 @@ SoundLengthCheck SoundLengthCheck::of(const QStringList &sources, const QStringL
                        : u"its output holds %1 of %2 samples"_s.arg(*output.frames).arg(*source.frames),
                 true};
     }
-    return {std::nullopt, true};
+    return {std::nullopt, source.isBacked};
 }
 
 } // namespace nurv

@@ -7,6 +7,7 @@
 #include "platform/FileFacts.h"
 #include "platform/FileFlush.h"
 #include "platform/NurvFailure.h"
+#include "samples/SampleStream.h"
 #include "tags/MetadataInventory.h"
 
 #include <algorithm>
@@ -62,7 +63,8 @@ SourceRetirement::Verdict SourceRetirement::examine(const QStringList &outputs,
     if (verdict.keeping)
         return verdict;
     if (!m_wishes.proves) {
-        if (verdict.proof == TaskOutcome::Proof::NotProven)
+        verdict.keeping = lossOfEncoding();
+        if (!verdict.keeping && verdict.proof == TaskOutcome::Proof::NotProven)
             verdict.keeping = u"nothing but the proof could tell whether all of its sound is in the output"_s;
         m_mayRetire = !verdict.keeping;
         return verdict;
@@ -105,6 +107,19 @@ std::optional<QString> SourceRetirement::reasonToKeep(const QStringList &outputs
         return m_doubt;
     if (!std::all_of(outputs.begin(), outputs.end(), [](const QString &output) { return flushToDisk(output); }))
         return u"its output may not be on the disk yet"_s;
+    return std::nullopt;
+}
+
+std::optional<QString> SourceRetirement::lossOfEncoding() const
+{
+    try {
+        for (const QString &source : m_sources) {
+            if (!SampleStream::open(source)->isLossless())
+                return u"it is lossy: nothing made of it stands for it"_s;
+        }
+    } catch (const NurvFailure &failure) {
+        return u"it cannot be read: %1"_s.arg(failure.reason());
+    }
     return std::nullopt;
 }
 

@@ -72,6 +72,8 @@ public:
 
 private:
     [[nodiscard]] std::optional<QString> reasonToKeep(const QStringList &outputs) const;
+    /// Where nothing is decoded: whether a source is lossy.
+    [[nodiscard]] std::optional<QString> lossOfEncoding() const;
     [[nodiscard]] std::optional<QString> lossOfMetadata(const QStringList &outputs) const;
     void compareLengths(const QStringList &outputs, Verdict &verdict) const;
 

@@ -43,6 +43,7 @@ public:
     [[nodiscard]] const AudioFileHeader &header() const { return *m_header; }
     [[nodiscard]] AudioFileStatus setClientFormat(const AudioStreamDescription &format, Precision precision);
     [[nodiscard]] AudioFileStatus read(std::uint8_t *buffer, std::uint32_t &frames);
+    [[nodiscard]] bool goesOn() const { return m_goesOn; }
 
 private:
     /// What a step towards the next samples came to.
@@ -50,6 +51,7 @@ private:
 
     [[nodiscard]] bool openDecoder();
     [[nodiscard]] std::uint32_t framesLeft() const;
+    void lookBehindEnd();
     [[nodiscard]] Step nextPacket();
     [[nodiscard]] Step nextBlock();
     [[nodiscard]] Step sendPacket();
@@ -66,6 +68,7 @@ private:
     int m_packetOffset = 0;
     int m_blockOffset = 0;
     bool m_atEnd = false;
+    bool m_goesOn = false; ///< behind the length that the header tells
 };
 
 AudioFileStatus AudioFileReader::Source::setClientFormat(const AudioStreamDescription &format, Precision precision)
@@ -234,13 +237,24 @@ AudioFileReader::Source::Step AudioFileReader::Source::takeDecoded(std::uint8_t 
     return Step::Done;
 }
 
+/// Sound that an edit list hides was told of with the header.
+void AudioFileReader::Source::lookBehindEnd()
+{
+    if (m_atEnd || !m_decoder || !m_header->isLossless() || m_header->hasOneEdit() || framesLeft() > 0)
+        return;
+    m_atEnd = true;
+    m_goesOn = m_blockOffset < m_block->nb_samples || nextBlock() == Step::Done;
+}
+
 AudioFileStatus AudioFileReader::Source::read(std::uint8_t *buffer, std::uint32_t &frames)
 {
     const std::uint32_t wanted = std::min(std::exchange(frames, 0), framesLeft());
     if (m_client.bytesPerFrame == 0 || !m_packet || !m_block)
         return AudioFileStatus::NotOpen;
-    if (wanted == 0)
+    if (wanted == 0) {
+        lookBehindEnd();
         return AudioFileStatus::Ok;
+    }
     if (!m_atEnd) {
         const Step step = m_decoder ? takeDecoded(buffer, wanted, frames) : takePcm(buffer, wanted, frames);
         if (step == Step::Failed)
@@ -293,7 +307,7 @@ AudioFileStatus AudioFileReader::lengthFrames(std::int64_t &frames) const
 
 bool AudioFileReader::holdsMoreSound() const
 {
-    return m_source && m_source->header().holdsMoreSound();
+    return m_source && (m_source->header().holdsMoreSound() || m_source->goesOn());
 }
 
 bool AudioFileReader::isLengthExact() const

@@ -42,7 +42,8 @@ public:
     /// file that ends before it is damaged.
     [[nodiscard]] bool isLengthExact() const;
 
-    /// Whether the file holds sound that is not read: see AudioFileHeader.
+    /// Whether the file holds sound that is not read: see AudioFileHeader. Once all was read,
+    /// also whether a lossless file goes on behind the length that its header tells.
     [[nodiscard]] bool holdsMoreSound() const;
 
     /// Says how `read` delivers samples: big-endian signed packed integers of 8, 16,

@@ -10,6 +10,8 @@
 #include "samples/ShortenSampleStream.h"
 #include "samples/WavpackBlocks.h"
 
+#include <algorithm>
+
 namespace nurv {
 
 namespace {
@@ -18,6 +20,7 @@ SoundLength lengthOf(const SampleFormat &format, std::optional<std::int64_t> dec
 {
     return {.declaredFrames = declaredFrames,
             .heldFrames = std::nullopt,
+            .isBacked = true,
             .sampleRateHz = format.sampleRateHz,
             .channels = format.channels,
             .bitsPerSample = format.bitsPerSample};
@@ -41,6 +44,7 @@ std::optional<SoundLength> demuxedLength(const RegularFile &file)
     const AudioStreamDescription format = header->format();
     return SoundLength{.declaredFrames = header->isLengthExact() ? std::optional(header->lengthFrames()) : std::nullopt,
                        .heldFrames = std::nullopt,
+                       .isBacked = true,
                        .sampleRateHz = static_cast<int>(format.sampleRate),
                        .channels = static_cast<int>(format.channelsPerFrame),
                        .bitsPerSample = static_cast<int>(format.bitsPerChannel)};
@@ -64,10 +68,19 @@ std::optional<SoundLength> readLength(const RegularFile &file)
         return pcmLength(PcmHeader::read(file, start));
     if (ShortenSampleStream::isAt(file, start)) {
         const auto header = ShortenSampleStream::storedHeader(file);
-        return header ? std::optional(lengthOf(header->format, header->declaredFrames)) : std::nullopt;
+        if (!header)
+            return std::nullopt;
+        // The WAV header in a Shorten file is a copy of what a recorder wrote, and nothing else tells.
+        SoundLength length = lengthOf(header->format, header->declaredFrames);
+        length.isBacked = false;
+        return length;
     }
-    if (const auto header = CodecHeader::read(file, start))
-        return lengthOf(header->format, header->declaredFrames);
+    if (const auto header = CodecHeader::read(file, start)) {
+        SoundLength length = lengthOf(header->format, header->declaredFrames);
+        length.isBacked = header->kind != CodecHeader::Kind::Flac
+                          || std::any_of(header->md5.begin(), header->md5.end(), [](auto byte) { return byte != 0; });
+        return length;
+    }
     if (const auto first = WavpackBlocks::readBlock(file, start))
         return wavpackLength(file, *first);
     return demuxedLength(file);

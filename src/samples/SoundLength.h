@@ -18,6 +18,9 @@ struct SoundLength {
     /// crashed recorder left a size of 0 or of 0xFFFFFFFF, or when the sound goes on behind
     /// what the header counts.
     std::optional<std::int64_t> heldFrames;
+    /// Whether what decodes the file would notice that it holds another number of frames
+    /// than its header says: by its size, or by checksums over all of it.
+    bool isBacked = true;
     int sampleRateHz = 0; ///< 0 when it is not known
     int channels = 0;
     int bitsPerSample = 0;

@@ -5,6 +5,7 @@
 #include "app/PathNames.h"
 #include "app/Util.h"
 #include "engine/ToolRunSync.h"
+#include "journal/NotedTemporary.h"
 #include "platform/AudioPackets.h"
 #include "platform/NurvFailure.h"
 #include "platform/ResourceFolder.h"
@@ -230,7 +231,8 @@ class KeptFile {
 public:
     explicit KeptFile(const QString &path)
         : m_path(path), m_sound(audioPacketsDigest(path)),
-          m_keptName(QFile::encodeName(Util::generateTempFileName(folderOf(path), pathExtension(path))))
+          m_keptName(QFile::encodeName(Util::generateTempFileName(folderOf(path), pathExtension(path)))),
+          m_note(QFile::decodeName(m_keptName))
     {
         const QByteArray name = QFile::encodeName(path);
         ::unlink(m_keptName.constData());
@@ -263,6 +265,7 @@ private:
     QString m_path;
     QByteArray m_sound;
     QByteArray m_keptName;
+    NotedTemporary m_note;
     struct stat m_facts = {};
     bool m_isKept = false;
 };

@@ -3,6 +3,7 @@
 #include "tags/Mp4Optimizer.h"
 
 #include "app/Util.h"
+#include "journal/NotedTemporary.h"
 #include "platform/FileDescriptor.h"
 #include "platform/NurvFailure.h"
 #include "platform/SystemError.h"
@@ -107,6 +108,7 @@ void Mp4Optimizer::optimizeInPlace(const QString &path)
         throw NurvFailure(u"unable to optimize @% file"_s);
     }
     const QString temporaryPath = Util::generateTempFileName(file.absolutePath(), file.suffix());
+    const NotedTemporary note(temporaryPath);
     if (const std::optional<QString> reason = optimize(file.filePath(), temporaryPath)) {
         ::unlink(QFile::encodeName(temporaryPath).constData());
         qCWarning(tagsLog, "Not optimized: %s: %s", qUtf8Printable(path), qUtf8Printable(*reason));

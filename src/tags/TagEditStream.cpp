@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tags/TagEditStream.h"
 
+#include "journal/NotedTemporary.h"
 #include "platform/SystemError.h"
 
 #include <QFile>
@@ -422,6 +423,7 @@ std::optional<QString> TagEditStream::commitByReplacement()
     FileDescriptor replacement(::mkostemp(replacementPath.data(), O_CLOEXEC));
     if (!replacement.isOpen())
         return systemErrorText(errno);
+    const NotedTemporary note(QFile::decodeName(replacementPath));
 
     int error = writePieces(replacement.get());
     if (error == 0) {

@@ -19,7 +19,7 @@ ALLOWED = {
     "app": {"platform", "engine"},
     "samples": {"platform"},
     "journal": {"platform", "engine", "app", "samples"},
-    "tags": {"platform", "engine", "app", "samples"},
+    "tags": {"platform", "engine", "app", "journal", "samples"},
     "originals": {"platform", "engine", "app", "journal", "samples", "tags"},
     "checksum": {"platform", "engine", "app", "tags"},
     "convert": {"platform", "engine", "app", "journal", "samples", "tags", "originals", "checksum"},
