@@ -16,6 +16,8 @@ namespace {
 
 constexpr int kMostFlacBlocks = 10'000;
 constexpr std::int64_t kMostTtaFrames = std::int64_t{1} << 22;
+constexpr std::uint32_t kMostApeFrames = 1U << 22;
+constexpr std::uint32_t kMostApeBlocks = 1U << 26;
 constexpr std::uint16_t kFirstApeDescriptorVersion = 3980;
 
 bool isSensible(const SampleFormat &format)
@@ -103,6 +105,8 @@ std::optional<CodecHeader> readApe(const ByteSource &source, std::int64_t start)
         finalBlocks = number(28);
     }
     header.format.sampleRateHz = static_cast<int>(std::min<std::uint32_t>(rate, 100'000'000));
+    if (frames > kMostApeFrames || blocksPerFrame > kMostApeBlocks || finalBlocks > kMostApeBlocks)
+        return std::nullopt;
     header.declaredFrames = frames > 0 ? std::int64_t{frames - 1} * blocksPerFrame + finalBlocks : 0;
     return header;
 }

@@ -237,7 +237,7 @@ TEST_F(LyingHeaders, WhatEncodersMadeOfCrashedRecordersIsWholeOrComplainedOf)
 {
     for (const std::uint32_t size : {0U, 0xFFFFFFFFU, 44'100U, 176'400U}) {
         const QString lying = wavOfSize(size);
-        const QString output = folder.path(u"output"_s);
+        const QString output = folder.path(u"output.wv"_s);
         const std::vector<std::pair<QString, QStringList>> encoders = {
             {bundled(u"mac"_s), {lying, output, u"-c1000"_s}},
             {bundled(u"ttaenc"_s), {u"-e"_s, lying, u"-o"_s, output}},
@@ -254,7 +254,7 @@ TEST_F(LyingHeaders, WhatEncodersMadeOfCrashedRecordersIsWholeOrComplainedOf)
             // Where an encoder stopped at what the header said, without keeping the rest, its
             // output is a right file of less sound, and only the comparison can tell.
             const bool isShort = program.endsWith(u"ttaenc") && decoded.frames() == std::int64_t{size} / 4;
-            EXPECT_TRUE(isWhole || isShort || !decoded.complaint.isEmpty() || !decoded.refusal.isEmpty())
+            EXPECT_TRUE(isWhole || isShort || !decoded.complaint.isEmpty())
                 << qPrintable(program) << ", size " << size << ": " << decoded;
         }
     }
