@@ -198,7 +198,10 @@ ExitStatus CliApplication::runBatch(const BatchCommand &command, const ParsedArg
 
     const LogOutput log(m_console);
     const QCoreApplication application(m_argc, m_argv);
-    tellOfUnfinishedWork(m_console);
+    if (tellOfUnfinishedWork(m_console) && arguments.has(u"skip-existing"_s)) {
+        m_console.writeNote(u"--skip-existing could take an unfinished file for a finished one: nothing was done"_s);
+        return ExitStatus::Failed;
+    }
     NURVController::registerDefaults();
     // What the options choose must not become the window's choice.
     SettingsStore::instance().setPersistence(SettingsStore::Persistence::MemoryOnly);

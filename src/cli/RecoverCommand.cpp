@@ -257,7 +257,7 @@ ExitStatus RecoverCommand::run(const ParsedArguments &arguments, Console &consol
     return status;
 }
 
-void tellOfUnfinishedWork(Console &console)
+bool tellOfUnfinishedWork(Console &console)
 {
     const UnfinishedWork work = UnfinishedWork::find();
     for (const QString &defect : work.defects())
@@ -272,12 +272,13 @@ void tellOfUnfinishedWork(Console &console)
             console.writeNote(u"an earlier run was interrupted; \"nurv recover\" names %1 to look at"_s.arg(
                 counted(count, u"file"_s)));
         }
-        return;
+        return false;
     }
     const QString examples = names.first(std::min(names.size(), kNoteExamples)).join(u", "_s)
                              + (names.size() > kNoteExamples ? u", ..."_s : QString());
     console.writeNote(u"an earlier run left %1 (%2); \"nurv recover\" clears that up"_s.arg(
         counted(names.size(), u"unfinished file"_s), examples));
+    return true;
 }
 
 } // namespace nurv

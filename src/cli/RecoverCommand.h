@@ -20,7 +20,7 @@ public:
 };
 
 /// One line for the beginning of a batch, when an earlier run left something behind.
-/// Changes nothing.
-void tellOfUnfinishedWork(Console &console);
+/// Changes nothing. Whether there is something that `nurv recover` would do.
+[[nodiscard]] bool tellOfUnfinishedWork(Console &console);
 
 } // namespace nurv

@@ -103,8 +103,14 @@ void Conversion::beginOutput(bool replaces)
 {
     lookAtOutput();
     m_hasBegunOutput = true;
-    const bool isAsked = m_batch && m_batch->existingOutputs == ExistingOutputs::Replace;
-    // A program that replaces its own source reads it meanwhile, and puts the new file in its place.
+    const ExistingOutputs existing = m_batch ? m_batch->existingOutputs : ExistingOutputs::AsTold;
+    const bool isAsked = existing == ExistingOutputs::Replace;
+    // It may have come since the job took the name.
+    if (outputExisted() && existing != ExistingOutputs::AsTold && !isAsked)
+        throw NurvFailure(u"its output %1 exists already"_s.arg(lastPathComponent(outputFile())));
+    if (isAsked && outputIsSource())
+        throw NurvFailure(u"its output would replace it"_s);
+    // In the window a program may replace its own source: it puts the new file in its place.
     if (outputExisted() && (replaces || isAsked) && !outputIsSource()) {
         m_replaced = std::make_unique<ReplacedFile>(outputFile(), m_batch ? m_batch->journal : nullptr);
         lookAtOutput();
@@ -217,6 +223,8 @@ void Conversion::tell(const QString &problem)
 {
     const QString line = problemLine(problem);
     keepReasonForReport(line);
+    if (m_batch)
+        m_batch->toldOfDamage = true;
     if (!m_task.results()) {
         // Where the queue looks at it.
         runOnGuiThread([this] {
@@ -239,13 +247,13 @@ void Conversion::doubtSource(const QString &reason)
 void Conversion::noteDamage(const QString &reason)
 {
     m_isDamaged = true;
-    noteProblem(reason);
     doubtSource(reason);
 }
 
 void Conversion::noteLostTags(const QString &reason)
 {
-    m_retirement.doubt(u"only it has the tags"_s);
+    if (!m_retirement.wishes().dropsMetadata)
+        m_retirement.doubt(u"only it has the tags"_s);
     const QString problem = u"its tags were not copied: %1"_s.arg(reason.trimmed());
     noteProblem(problem);
     tell(problem);
@@ -253,6 +261,8 @@ void Conversion::noteLostTags(const QString &reason)
 
 void Conversion::noteComplete()
 {
+    if (m_replaced && hasMadeOutput())
+        m_replaced->passOnPermissions();
     if (m_hasBegunOutput && m_batch && m_batch->journal && !m_task.error() && !m_task.cancelled())
         m_batch->journal->markEnded(outputFile());
 }
@@ -304,9 +314,14 @@ void Conversion::noteKept(const QString &reason)
 
 void Conversion::settleOutput()
 {
+    noteEnding();
     // Whatever has the name of an output that was not begun belongs to somebody else.
-    if (!m_hasBegunOutput)
+    if (!std::exchange(m_hasBegunOutput, false))
         return;
+    if (m_replaced && m_isDamaged && !m_task.error() && !m_task.cancelled()) {
+        m_task.setError(true);
+        tell(u"%1 stays as it was: what was to replace it is not whole"_s.arg(lastPathComponent(outputFile())));
+    }
     const bool isWhole = hasMadeOutput() && !m_task.error() && !m_task.cancelled();
     if (m_replaced && !isWhole)
         restoreReplaced();
@@ -325,6 +340,16 @@ void Conversion::settleOutput()
         return;
     m_task.ownOutcome().output = outputFile();
     m_task.ownOutcome().outputBytes = QFileInfo(outputFile()).size();
+}
+
+void Conversion::noteEnding()
+{
+    if (m_task.cancelled())
+        return;
+    if (m_isDamaged && m_retirement.doubtReason())
+        noteProblem(*m_retirement.doubtReason());
+    if (deleteOriginal() && m_task.error())
+        m_task.ownOutcome().original = TaskOutcome::Original::Kept;
 }
 
 void Conversion::restoreReplaced()

@@ -121,7 +121,7 @@ protected:
     /// What the verdict means to the job: it has failed, or its source stays.
     void takeVerdict(const SourceRetirement::Verdict &verdict);
     /// What was replaced goes, when the output is whole, or gets its name back. Once the
-    /// error flag is final. Never throws.
+    /// error flag is final, before the source goes. Never throws; once only.
     void settleOutput();
     /// Deletes the source if that was asked for, the job succeeded, and nothing speaks
     /// against it. What stays is named. Once at most.
@@ -132,6 +132,8 @@ protected:
 
 private:
     void lookAtOutput();
+    /// What holds for every job that has come to its end.
+    void noteEnding();
     [[nodiscard]] bool outputIsAnotherSource() const;
     [[nodiscard]] bool sharesSetWithDamage() const;
     [[nodiscard]] bool hasToTell() const;

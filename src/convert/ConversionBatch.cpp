@@ -23,7 +23,10 @@ ConversionBatch::ConversionBatch(const OriginalsControls &controls, bool deletes
 
 bool ConversionBatch::add(const std::shared_ptr<Conversion> &conversion)
 {
-    if (m_batch->existingOutputs == ExistingOutputs::Skip && isThere(conversion->outputFile())) {
+    // Of two sources with one output only the first can be in it: the second one's job says so.
+    const bool isFirst = !m_outputs.contains(foldedName(conversion->outputFile()));
+    m_outputs.insert(foldedName(conversion->outputFile()));
+    if (isFirst && m_batch->existingOutputs == ExistingOutputs::Skip && isThere(conversion->outputFile())) {
         m_passedOver.append(conversion->fileName());
         return false;
     }
@@ -43,8 +46,10 @@ void ConversionBatch::queueTasks(NURVTaskQueue &queue)
         if (const QString intermediate = conversion->intermediateFile(); !intermediate.isEmpty())
             outputs.push_back({intermediate, conversion->fileName()});
     }
-    if (!outputs.empty())
+    if (!outputs.empty()) {
         m_batch->journal = OutputJournal::begin(outputs);
+        OutputJournal::prepareForTemporaries();
+    }
     for (const std::shared_ptr<Conversion> &conversion : m_conversions) {
         conversion->setDeleteOriginal(m_deletesOriginals);
         if (m_deletesOriginals && sharers.value(foldedName(conversion->outputFile())) > 1)

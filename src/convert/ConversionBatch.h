@@ -4,6 +4,8 @@
 
 #include "originals/OutputBatch.h"
 
+#include <QSet>
+#include <QString>
 #include <QStringList>
 
 #include <memory>
@@ -35,6 +37,7 @@ private:
     std::shared_ptr<OutputBatch> m_batch = std::make_shared<OutputBatch>();
     std::vector<std::shared_ptr<Conversion>> m_conversions;
     QStringList m_passedOver;
+    QSet<QString> m_outputs; ///< folded
     bool m_deletesOriginals;
 };
 

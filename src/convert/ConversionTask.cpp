@@ -13,6 +13,7 @@
 #include <memory>
 #include <optional>
 #include <system_error>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -53,6 +54,8 @@ void ConversionTask::startTask()
     }
     becomeActive();
     noteProblem(*obstacle);
+    if (deleteOriginal())
+        ownOutcome().original = TaskOutcome::Original::Kept;
     failToStart(problemLine(*obstacle));
 }
 
@@ -83,18 +86,26 @@ void ConversionTask::startExamination()
     // The disk may take its time, and so does a proof, so a worker does both; until then
     // the job stays active. When the application ends meanwhile, the source simply stays.
     const auto self = std::static_pointer_cast<ConversionTask>(shared_from_this());
-    const auto take = [self](const SourceRetirement::Verdict &verdict) {
-        self->takeVerdict(verdict);
-        self->finishStop();
-    };
     try {
-        workerThreads::start([self, take] {
-            postToGuiThread([take, verdict = self->examineOutput()] { take(verdict); });
+        workerThreads::start([task = self]() mutable {
+            const SourceRetirement::Verdict verdict = task->examineOutput();
+            // When the application ends meanwhile, nobody else does.
+            if (task->cancelled())
+                task->settleOutput();
+            // The job must not end on this thread.
+            ConversionTask *const examined = task.get();
+            postToGuiThread([task = std::move(task), examined, verdict] { examined->takeExamination(verdict); });
         });
     } catch (const std::system_error &failure) {
         qCWarning(convertLog, "The output was not examined: %s", failure.what());
-        take({.failure = {}, .keeping = u"its output could not be examined"_s});
+        takeExamination({.failure = {}, .keeping = u"its output could not be examined"_s});
     }
+}
+
+void ConversionTask::takeExamination(const SourceRetirement::Verdict &verdict)
+{
+    takeVerdict(verdict);
+    finishStop();
 }
 
 void ConversionTask::finishStop()

@@ -59,6 +59,7 @@ private:
     /// Gives what a program has made under another name the output's one.
     void takeIntermediateFile();
     void startExamination();
+    void takeExamination(const SourceRetirement::Verdict &verdict);
     void finishStop();
 
     bool m_temporaryExisted = false;

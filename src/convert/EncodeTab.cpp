@@ -252,7 +252,7 @@ conversionArguments::FlacEncoding EncodeTab::flacEncoding(bool overwrite) const
 
 std::shared_ptr<Conversion> EncodeTab::encodeThroughWav(const Batch &batch, const QString &source) const
 {
-    EncodeThroughWavTask::Encoding encoding{.format = batch.format, .level = {}, .flac = flacEncoding(false)};
+    EncodeThroughWavTask::Encoding encoding{.format = batch.format, .level = {}, .flac = flacEncoding(batch.overwrite)};
     if (batch.format == u"WV")
         encoding.level = wavpackLevel();
     else if (batch.format == u"APE")

@@ -101,11 +101,12 @@ ToolStage EncodeThroughWavTask::encodingOf(const QString &wav) const
     if (m_encoding.format == u"APE")
         return toolStages::encodeMonkeysAudio(m_encoding.level, wav, outputFile());
     conversionArguments::FlacEncoding encoding = m_encoding.flac;
-    // There is nothing foreign in a temporary WAV, and nothing to overwrite.
+    // There is nothing foreign in a temporary WAV, and what is to be replaced has been moved aside.
     encoding.keepForeignMetadata = false;
     encoding.overwrite = false;
     ToolStage stage = toolStages::encodeFlac(false, wav, outputFile());
     stage.arguments = conversionArguments::encodeFlac(encoding, wav, outputFile());
+    stage.replacesOutput = m_encoding.flac.overwrite;
     return stage;
 }
 

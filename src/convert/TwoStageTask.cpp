@@ -36,6 +36,8 @@ std::optional<QString> TwoStageTask::reasonNotToStart()
     if (!obstacle)
         return std::nullopt;
     noteProblem(*obstacle);
+    if (deleteOriginal())
+        ownOutcome().original = TaskOutcome::Original::Kept;
     return problemLine(*obstacle);
 }
 
@@ -192,6 +194,7 @@ void TwoStageTask::settleHalfMadeOutput()
 void TwoStageTask::deleteSourceNow()
 {
     examineOnce();
+    settleOutput();
     deleteSourceIfDone();
 }
 

@@ -211,6 +211,8 @@ Leftover LeftoverFinder::verdictOn(const PlannedOutput &planned, const struct st
     const std::optional<std::int64_t> birth = birthOf(planned.output, present);
     const bool isOfThisJob =
         birth && *birth >= *planned.begunNs - kClockSlackNs && *birth <= *planned.begunNs + kStartLimitNs;
+    if (birth && !isOfThisJob && m_areMarksExact)
+        return leave(Output, u"it came to be at another time than the one that was begun"_s);
     if ((m_areMarksExact && isOfThisJob) || isKnownToBeIncomplete(planned.output, planned.source))
         return removal(Output);
     return leave(Output, u"it may be complete"_s);

@@ -157,7 +157,6 @@ std::shared_ptr<OutputJournal> OutputJournal::begin(const std::vector<Planned> &
 {
     if (outputs.empty())
         return std::make_shared<SilentJournal>();
-    TemporaryJournal::instance().prepare();
     try {
         return beginFile(outputs);
     } catch (const NurvFailure &failure) {
@@ -166,6 +165,11 @@ std::shared_ptr<OutputJournal> OutputJournal::begin(const std::vector<Planned> &
         qCWarning(journalLog) << "After a crash nothing will be known of this batch:" << failure.what();
     }
     return std::make_shared<SilentJournal>();
+}
+
+void OutputJournal::prepareForTemporaries()
+{
+    TemporaryJournal::instance().prepare();
 }
 
 void OutputJournal::noteTemporary(const QString &path)

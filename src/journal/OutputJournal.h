@@ -45,6 +45,9 @@ public:
     /// What was noted so far is on the disk when this returns: before a source is deleted.
     virtual void flush() = 0;
 
+    /// Makes the place for the notes about temporary files, so that it is there when the
+    /// first of them is.
+    static void prepareForTemporaries();
     /// A temporary file of this process, whichever batch it belongs to.
     static void noteTemporary(const QString &path);
     static void forgetTemporary(const QString &path);

@@ -15,6 +15,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <optional>
 #include <utility>
 
 #include <fcntl.h>
@@ -83,15 +84,17 @@ ReplacedFile::~ReplacedFile()
     }
 }
 
+void ReplacedFile::passOnPermissions() const
+{
+    const std::optional<struct stat> former = factsOf(m_aside);
+    if (former && ::chmod(QFile::encodeName(m_path).constData(), former->st_mode & 0777) != 0)
+        qCWarning(originalsLog).noquote() << "Permissions not kept:" << m_path << systemErrorText(errno);
+}
+
 void ReplacedFile::retire()
 {
     if (m_aside.isEmpty())
         return;
-    if (const auto former = factsOf(m_aside)) {
-        const mode_t mode = former->st_mode & 0777;
-        if (::chmod(QFile::encodeName(m_path).constData(), mode) != 0)
-            qCWarning(originalsLog).noquote() << "Permissions not kept:" << m_path << systemErrorText(errno);
-    }
     if (Util::removeFile(m_aside, m_path) == Util::Removal::Stayed) {
         const QString aside = std::exchange(m_aside, QString());
         throw NurvFailure(u"the file that was replaced could not be removed and is %1 now"_s.arg(

@@ -26,9 +26,11 @@ public:
     ReplacedFile(const ReplacedFile &) = delete;
     ReplacedFile &operator=(const ReplacedFile &) = delete;
 
-    /// Deletes it or moves it to the trash, as the setting "trashOrDelete" says, and gives
-    /// its permissions to the file that has its name now. Throws NurvFailure, which names
-    /// where it stays, when it cannot be removed.
+    /// Gives its permissions to the file that has its name now, with a line in the log when
+    /// that cannot be done. Before that file is examined.
+    void passOnPermissions() const;
+    /// Deletes it or moves it to the trash, as the setting "trashOrDelete" says. Throws
+    /// NurvFailure, which names where it stays, when it cannot be removed.
     void retire();
     /// Gives it its name again, which has to be free. Throws NurvFailure, which names where
     /// it stays.

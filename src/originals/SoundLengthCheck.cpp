@@ -23,7 +23,9 @@ struct Side {
 
 void add(Side &side, const SoundLength &length, std::optional<std::int64_t> frames)
 {
-    side.frames = side.frames && frames ? std::optional(*side.frames + *frames) : std::nullopt;
+    std::int64_t sum = 0;
+    const bool isKnown = side.frames && frames && !__builtin_add_overflow(*side.frames, *frames, &sum);
+    side.frames = isKnown ? std::optional(sum) : std::nullopt;
     side.isBacked = side.isBacked && length.isBacked;
     side.sampleRateHz = length.sampleRateHz;
     side.channels = length.channels;

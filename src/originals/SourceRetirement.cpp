@@ -58,11 +58,13 @@ SourceRetirement::Verdict SourceRetirement::examine(const QStringList &outputs,
     // Facts first: what changes from here on is seen by `retire`.
     m_outputsExamined = look(outputs);
     verdict.keeping = reasonToKeep(outputs);
-    if (!verdict.keeping && !m_wishes.dropsMetadata)
-        verdict.keeping = lossOfMetadata(outputs);
     if (verdict.keeping)
         return verdict;
+    if (!m_wishes.dropsMetadata)
+        verdict.keeping = lossOfMetadata(outputs);
     if (!m_wishes.proves) {
+        if (verdict.keeping)
+            return verdict;
         verdict.keeping = lossOfEncoding();
         if (!verdict.keeping && verdict.proof == TaskOutcome::Proof::NotProven)
             verdict.keeping = u"nothing but the proof could tell whether all of its sound is in the output"_s;
@@ -75,7 +77,7 @@ SourceRetirement::Verdict SourceRetirement::examine(const QStringList &outputs,
     verdict.proof = comparison.isProven ? TaskOutcome::Proof::Proven : TaskOutcome::Proof::NotProven;
     if (!comparison.isProven && !comparison.wasGivenUp)
         verdict.failure = comparison.difference;
-    m_mayRetire = comparison.isProven;
+    m_mayRetire = comparison.isProven && !verdict.keeping;
     return verdict;
 }
 

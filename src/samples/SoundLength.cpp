@@ -61,15 +61,25 @@ std::optional<SoundLength> wavpackLength(const RegularFile &file, const WavpackB
     return length;
 }
 
+/// Nothing where it is too long to be read for this, or makes no sense.
+std::optional<PcmHeader> storedShortenHeader(const RegularFile &file)
+{
+    try {
+        return ShortenSampleStream::storedHeader(file);
+    } catch (const NurvFailure &) {
+        return std::nullopt;
+    }
+}
+
 std::optional<SoundLength> readLength(const RegularFile &file)
 {
     const std::int64_t start = offsetBehindTags(file);
     if (PcmHeader::isAt(file, start))
         return pcmLength(PcmHeader::read(file, start));
     if (ShortenSampleStream::isAt(file, start)) {
-        const auto header = ShortenSampleStream::storedHeader(file);
+        const auto header = storedShortenHeader(file);
         if (!header)
-            return std::nullopt;
+            return SoundLength{.declaredFrames = {}, .heldFrames = {}, .isBacked = false};
         // The WAV header in a Shorten file is a copy of what a recorder wrote, and nothing else tells.
         SoundLength length = lengthOf(header->format, header->declaredFrames);
         length.isBacked = false;

@@ -57,7 +57,7 @@ bool isFrameId(const QByteArray &id, qsizetype length)
            });
 }
 
-QString decoded(int encoding, const QByteArray &bytes)
+QString decoded(int encoding, QByteArrayView bytes)
 {
     switch (encoding) {
     case kUtf16: return QStringDecoder(QStringDecoder::Utf16).decode(bytes);
@@ -68,20 +68,20 @@ QString decoded(int encoding, const QByteArray &bytes)
 }
 
 /// Takes the text off the front of the bytes, with the zero that ends it.
-QString takeText(int encoding, QByteArray &bytes)
+QString takeText(int encoding, QByteArrayView &bytes)
 {
     const bool isWide = encoding == kUtf16 || encoding == kUtf16BigEndian;
     const qsizetype width = isWide ? 2 : 1;
     qsizetype end = 0;
     while (end + width <= bytes.size() && (bytes.at(end) != '\0' || (isWide && bytes.at(end + 1) != '\0')))
         end += width;
-    QString text = decoded(encoding, bytes.left(std::min(end, bytes.size())));
-    bytes = bytes.mid(end + width);
+    QString text = decoded(encoding, bytes.first(std::min(end, bytes.size())));
+    bytes = bytes.sliced(std::min(end + width, bytes.size()));
     return text;
 }
 
 /// All texts of the bytes, with zero characters between them.
-QString allTexts(int encoding, QByteArray bytes)
+QString allTexts(int encoding, QByteArrayView bytes)
 {
     QString texts;
     while (!bytes.isEmpty()) {
@@ -100,17 +100,20 @@ QString namedGenres(const QString &genre)
         const QString name = isNumber ? QString::fromStdString(TagLib::ID3v1::genre(number).to8Bit(true)) : QString();
         return name.isEmpty() ? text : name;
     };
-    QString rest = genre;
+    QStringView rest = genre;
     QString names;
-    while (rest.startsWith(u'(') && !rest.startsWith(u"(("_s)) {
+    while (rest.startsWith(u'(') && !rest.startsWith(u"((")) {
         const qsizetype end = rest.indexOf(u')');
-        const QString name = named(rest.mid(1, end - 1));
-        if (end < 0 || name == rest.mid(1, end - 1))
+        if (end < 0)
+            break;
+        const QString number = rest.sliced(1, end - 1).toString();
+        const QString name = named(number);
+        if (name == number)
             break;
         names += name + u'\0';
-        rest = rest.mid(end + 1);
+        rest = rest.sliced(end + 1);
     }
-    return names + named(rest);
+    return names + named(rest.toString());
 }
 
 class TagReader {
@@ -204,44 +207,45 @@ private:
         return m_isUnsynchronised || (flags & 0x02) != 0 ? withoutUnsynchronisation(contents) : contents;
     }
 
-    void addFrame(const QByteArray &id, QByteArray contents)
+    void addFrame(const QByteArray &id, const QByteArray &frame)
     {
+        QByteArrayView contents = frame;
         if (contents.isEmpty())
             return;
         const int encoding = static_cast<unsigned char>(contents.at(0));
         const QString field = metadataFields::fromId3Frame(id);
         if (id == "TXXX" || id == "WXXX") {
-            contents = contents.mid(1);
+            contents = contents.sliced(1);
             const QString name = metadataFields::fromWords(takeText(encoding, contents));
             const QString value = allTexts(id == "TXXX" ? encoding : 0, contents);
             m_found.addText(name.isEmpty() ? QString::fromLatin1(id) : name, value);
         } else if (id == "TCON") {
             QString genres;
-            for (const QString &genre : allTexts(encoding, contents.mid(1)).split(u'\0'))
+            for (const QString &genre : allTexts(encoding, contents.sliced(1)).split(u'\0'))
                 genres += namedGenres(genre) + u'\0';
             m_found.addText(field, genres);
         } else if (id == "TYER" || id == "TDAT" || id == "TIME") {
-            contents = contents.mid(1);
+            contents = contents.sliced(1);
             m_dates[id == "TYER" ? 0 : id == "TDAT" ? 1 : 2] = takeText(encoding, contents).trimmed();
         } else if (id.startsWith('T')) {
-            m_found.addText(field, allTexts(encoding, contents.mid(1)));
+            m_found.addText(field, allTexts(encoding, contents.sliced(1)));
         } else if (id == "COMM" || id == "USLT") {
-            addComment(field, encoding, contents);
+            addComment(field, encoding, frame);
         } else if (id == "APIC") {
-            addPicture(encoding, contents);
+            addPicture(encoding, frame);
         } else if (id.startsWith('W')) {
             m_found.addText(field, takeText(0, contents));
         } else if (id == "UFID" || id == "PRIV") {
             const QString owner = takeText(0, contents);
-            m_found.addBytes(field + u' ' + owner, contents);
+            m_found.addBytes(field + u' ' + owner, contents.toByteArray());
         } else {
-            m_found.addBytes(field, contents);
+            m_found.addBytes(field, frame);
         }
     }
 
     void addComment(const QString &field, int encoding, const QByteArray &contents)
     {
-        QByteArray texts = contents.mid(4); // the language before it
+        QByteArrayView texts = QByteArrayView(contents).sliced(std::min<qsizetype>(4, contents.size())); // the language before it
         const QString description = metadataFields::fromWords(takeText(encoding, texts));
         // One vendor keeps fields of its own in comments.
         m_found.addText(description.startsWith(u"ITUN"_s) ? description : field, allTexts(encoding, texts));
@@ -249,14 +253,15 @@ private:
 
     void addPicture(int encoding, const QByteArray &contents)
     {
-        QByteArray rest = contents.mid(1);
+        QByteArrayView rest = QByteArrayView(contents).sliced(1);
+        const auto skip = [&rest](qsizetype count) { rest = rest.sliced(std::min(count, rest.size())); };
         if (m_version == 2)
-            rest = rest.mid(3);
+            skip(3);
         else
             takeText(0, rest);
-        rest = rest.mid(1); // what it shows
+        skip(1); // what it shows
         takeText(encoding, rest);
-        m_found.addPicture(rest);
+        m_found.addPicture(rest.toByteArray());
     }
 
     /// 2.3 has year, day and time in frames of their own.

@@ -83,6 +83,7 @@ TEST_F(ReplacedFileTest, GoesForGoodOnceTheNewFileStands)
     ASSERT_EQ(::chmod(QFile::encodeName(path).constData(), 0640), 0);
     ReplacedFile replaced(path, journal);
     folder.write(u"a.tta"_s, "new");
+    replaced.passOnPermissions();
     replaced.retire();
     EXPECT_EQ(folder.list(), QStringList{u"a.tta"_s});
     EXPECT_EQ(folder.read(u"a.tta"_s), "new");
