@@ -5,7 +5,6 @@
 #include "platform/NurvFailure.h"
 
 #include <algorithm>
-#include <chrono>
 #include <exception>
 #include <utility>
 
@@ -16,8 +15,6 @@ namespace nurv {
 namespace {
 
 constexpr std::size_t kSamplesPerBlock = 64 * 1024;
-/// How long a wait may last before the caller is asked again whether to give up.
-constexpr auto kPatience = std::chrono::milliseconds(50);
 
 } // namespace
 
@@ -81,13 +78,12 @@ bool ReadAheadSound::fillBlock(Block &block)
 
 ReadAheadSound::Block *ReadAheadSound::waitForBlock()
 {
-    for (;;) {
-        if (m_isUnwanted && m_isUnwanted())
-            throw GivenUp();
-        std::unique_lock lock(m_mutex);
-        if (m_changed.wait_for(lock, kPatience, [this] { return m_filled > m_taken; }))
-            return &m_blocks[m_taken % kBlocks];
-    }
+    // A block never takes long, and giving up has to wait for it in any case.
+    if (m_isUnwanted && m_isUnwanted())
+        throw GivenUp();
+    std::unique_lock lock(m_mutex);
+    m_changed.wait(lock, [this] { return m_filled > m_taken; });
+    return &m_blocks[m_taken % kBlocks];
 }
 
 std::span<const std::int32_t> ReadAheadSound::run()
