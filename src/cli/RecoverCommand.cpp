@@ -209,6 +209,7 @@ CommandSpec makeSpec()
     spec.options = {
         {u"dry-run"_s, {}, u"list only"_s},
         {u"json"_s, {}, u"print one JSON object per file and one for the whole"_s},
+        {u"verbose"_s, {}, u"accepted as everywhere; everything is told already"_s},
         {u"quiet"_s, {}, u"print nothing but the question and warnings"_s},
         {u"jobs"_s, u"N"_s, u"accepted as everywhere; there are no jobs"_s},
         {u"yes"_s, {}, u"answer the question with \"Yes\""_s},

@@ -56,6 +56,13 @@ void Conversion::setDeleteOriginal(bool deleteOriginal)
     m_retirement.setWishes(wishes);
 }
 
+void Conversion::setDecoderUnwatched()
+{
+    SourceRetirement::Wishes wishes = m_retirement.wishes();
+    wishes.isDecoderWatched = false;
+    m_retirement.setWishes(wishes);
+}
+
 void Conversion::setBatch(std::shared_ptr<OutputBatch> batch)
 {
     m_batch = std::move(batch);

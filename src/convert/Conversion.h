@@ -50,6 +50,9 @@ public:
     /// The source stays, whatever comes out of it; see SourceRetirement::doubt.
     void keepSource(const QString &reason) { m_retirement.doubt(reason); }
 
+    /// Why the source stays, as far as that is known.
+    [[nodiscard]] const std::optional<QString> &reasonToKeepSource() const { return m_retirement.doubtReason(); }
+
     /// Makes the conversion a member of a batch. Before any member of it is started.
     void setBatch(std::shared_ptr<OutputBatch> batch);
 
@@ -60,6 +63,8 @@ protected:
     /// Names the job's row after the source. `task` is this very object.
     Conversion(NURVTask &task, const QString &fileName);
 
+    /// For a program that takes no notice of the decoders that it starts.
+    void setDecoderUnwatched();
     /// Takes the output for this job and looks at what is there now. GUI thread. Returns
     /// why it is not to be had, as a line without the source's name: another job makes it,
     /// it is another source of the batch, or a file that is to stay.

@@ -24,8 +24,10 @@ ConversionBatch::ConversionBatch(const OriginalsControls &controls, bool deletes
 bool ConversionBatch::add(const std::shared_ptr<Conversion> &conversion)
 {
     // Of two sources with one output only the first can be in it: the second one's job says so.
-    const bool isFirst = !m_outputs.contains(foldedName(conversion->outputFile()));
-    m_outputs.insert(foldedName(conversion->outputFile()));
+    const bool isItsOwnOutput = conversion->outputFile() == conversion->fileName();
+    const bool isFirst = isItsOwnOutput || !m_outputs.contains(foldedName(conversion->outputFile()));
+    if (!isItsOwnOutput)
+        m_outputs.insert(foldedName(conversion->outputFile()));
     if (isFirst && m_batch->existingOutputs == ExistingOutputs::Skip && isThere(conversion->outputFile())) {
         m_passedOver.append(conversion->fileName());
         return false;

@@ -16,6 +16,9 @@ EncodeSHNTask::EncodeSHNTask(NURVTaskQueue *queue, const QString &launchPath, co
     : ConversionTask(queue, launchPath, arguments, arguments.value(conversionArguments::kShntoolSource))
 {
     setResults(std::move(results));
+    static const QStringList undecoded{u"WAV"_s, u"AIFF"_s, u"AIF"_s};
+    if (!undecoded.contains(formatWord(fileName())))
+        setDecoderUnwatched();
 }
 
 QString EncodeSHNTask::outputFile() const

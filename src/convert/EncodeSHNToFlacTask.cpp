@@ -18,6 +18,7 @@ EncodeSHNToFlacTask::EncodeSHNToFlacTask(NURVTaskQueue *queue, const QString &la
       m_outputPath(arguments.value(conversionArguments::kFlacByShntoolFolder)), m_type(type)
 {
     setResults(std::move(results));
+    setDecoderUnwatched();
 }
 
 QString EncodeSHNToFlacTask::outputFile() const

@@ -60,7 +60,9 @@ SourceRetirement::Verdict SourceRetirement::examine(const QStringList &outputs,
     verdict.keeping = reasonToKeep(outputs);
     if (verdict.keeping)
         return verdict;
-    if (!m_wishes.dropsMetadata)
+    // With either of these the source stays, but what the job made is looked at all the same.
+    verdict.keeping = m_doubt;
+    if (!verdict.keeping && !m_wishes.dropsMetadata)
         verdict.keeping = lossOfMetadata(outputs);
     if (!m_wishes.proves) {
         if (verdict.keeping)
@@ -85,7 +87,7 @@ void SourceRetirement::compareLengths(const QStringList &outputs, Verdict &verdi
 {
     const SoundLengthCheck check = SoundLengthCheck::of(m_sources, outputs);
     verdict.failure = check.fault;
-    if (!check.isKnown)
+    if (!check.isKnown || !m_wishes.isDecoderWatched)
         verdict.proof = TaskOutcome::Proof::NotProven;
 }
 
@@ -105,8 +107,6 @@ std::optional<QString> SourceRetirement::reasonToKeep(const QStringList &outputs
     }
     if (!areUntouched(m_sourcesBefore))
         return u"it has changed since the job began"_s;
-    if (m_doubt)
-        return m_doubt;
     if (!std::all_of(outputs.begin(), outputs.end(), [](const QString &output) { return flushToDisk(output); }))
         return u"its output may not be on the disk yet"_s;
     return std::nullopt;

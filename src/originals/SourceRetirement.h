@@ -32,6 +32,9 @@ public:
         bool proves = true;
         /// The sources go although the outputs do not hold all of their tags, pictures, chunks.
         bool dropsMetadata = false;
+        /// Whether a decoder that complains, or dies half way, makes the job fail: shntool does
+        /// not notice that.
+        bool isDecoderWatched = true;
         SoundComparison::Relation relation = SoundComparison::Relation::Equal;
     };
 

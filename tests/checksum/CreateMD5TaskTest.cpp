@@ -108,14 +108,16 @@ TEST_F(CreateMD5TaskTest, ReplacesAnOlderList)
     EXPECT_EQ(folder.list(), (QStringList{u"a.wav"_s, u"md5sum.md5"_s}));
 }
 
-TEST_F(CreateMD5TaskTest, LogsAListThatCannotBeWritten)
+TEST_F(CreateMD5TaskTest, TellsOfAListThatCannotBeWritten)
 {
     const test::LogLines log;
     const auto task = make({folder.write(u"a.wav"_s, "abc")}, folder.path(u"no such folder/md5sum.md5"_s));
     run(task);
     EXPECT_FALSE(task->error());
-    EXPECT_EQ(task->topTextField().text, u"Complete");
     ASSERT_EQ(task->warnings().size(), 1);
+    EXPECT_EQ(task->topTextField().text, u"Complete; "_s + task->warnings().first());
+    ASSERT_NE(task->results(), nullptr) << "a window shows it";
+    EXPECT_TRUE(task->report().contains(task->warnings().first()));
     EXPECT_TRUE(task->warnings().first().contains(folder.path(u"no such folder/md5sum.md5"_s)));
     EXPECT_EQ(log.with(u"no such folder/md5sum.md5"_s).size(), 1);
 }

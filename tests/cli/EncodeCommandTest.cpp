@@ -117,11 +117,14 @@ TEST(EncodeCommand, NeverRunsMoreJobsAtOnceThanAskedFor)
     // Fails when another one is at work at the same time.
     tools.addFake(u"flac"_s, "exec=" + folder.write(u"alone.sh"_s, "").toUtf8());
     folder.write(u"alone.sh"_s, "#!/bin/sh\nmkdir '" + folder.path(u"lock"_s).toUtf8()
-                                    + "' || exit 1\nsleep 0.1\nrmdir '" + folder.path(u"lock"_s).toUtf8() + "'\n");
+                                    + "' || exit 1\nsleep 0.1\nfor output; do :; done\necho made > \"$output\"\nrmdir '"
+                                    + folder.path(u"lock"_s).toUtf8() + "'\n");
     QFile::setPermissions(folder.path(u"alone.sh"_s), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     const QStringList arguments{u"encode"_s, u"--beside-source"_s, folder.path(u"a.wav"_s), folder.path(u"b.wav"_s),
                                 folder.path(u"c.wav"_s)};
     EXPECT_EQ(runNurv(arguments + QStringList{u"--jobs=1"_s}).exitStatus, 0);
+    for (const QString &name : {u"a.flac"_s, u"b.flac"_s, u"c.flac"_s})
+        folder.remove(name);
     EXPECT_EQ(runNurv(arguments + QStringList{u"--jobs=3"_s}).exitStatus, 1);
 }
 
@@ -256,6 +259,7 @@ TEST(EncodeCommand, PassesTheModeAndTheLevelOn)
     folder.remove(u"a.wv"_s);
     encode({u"--format=wv"_s});
     encode({u"--format=ape"_s, u"--level=4000"_s});
+    folder.remove(u"a.ape"_s);
     encode({u"--format=ape"_s});
     const QList<QByteArray> calls = folder.read(u"log"_s).trimmed().split('\n');
     ASSERT_EQ(calls.size(), 4);

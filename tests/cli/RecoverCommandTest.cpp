@@ -168,11 +168,14 @@ TEST_F(RecoverCommand, GivesOneJsonObjectPerFileAndOneForTheWhole)
 TEST_F(RecoverCommand, WhatMayBeCompleteIsNamedAndEndsWithStatus1)
 {
     shelf.pretendAnotherBoot();
+    writeWav(folder.path(u"b.wav"_s));
+    writeFlac(folder.path(u"b.flac"_s));
+    const QByteArray finished = folder.read(u"b.flac"_s);
     const ProgramResult result = runNurv({u"recover"_s, u"--yes"_s});
     EXPECT_EQ(result.exitStatus, 1);
     EXPECT_TRUE(result.output.contains("Not touched, for you to look at:\n  " + path(u"b.flac"_s)))
         << result.output.constData();
-    EXPECT_EQ(folder.read(u"b.flac"_s), "half");
+    EXPECT_EQ(folder.read(u"b.flac"_s), finished);
     EXPECT_EQ(folder.read(u"c.flac"_s), "precious");
     EXPECT_THAT(shelf.journals(), IsEmpty());
 }

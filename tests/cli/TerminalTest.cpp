@@ -56,15 +56,15 @@ TEST(Terminal, ShowsALiveLinePerRunningJobAndTakesItAway)
     folder.write(u"a.wav"_s, "x");
     folder.write(u"b.wav"_s, "x");
     const ToolFolder tools;
-    tools.addFake(u"flac"_s, "out=x.wav: 45% complete, ratio=0.532;wait-file=" + folder.path(u"go"_s).toUtf8());
+    tools.addFake(u"flac"_s, "append=@-1:x;out=x.wav: 45% complete, ratio=0.532;wait-file=" + folder.path(u"go"_s).toUtf8());
     PseudoTerminal terminal(80, 24, nurvPath(), {u"encode"_s, u"--beside-source"_s, u"--jobs=1"_s, folder.path()});
     EXPECT_TRUE(terminal.waitFor(" 45%  a.wav  Encoding to Flac: 45% ratio=0.532")) << terminal.received().constData();
     EXPECT_TRUE(terminal.waitFor("0 of 2 ended, 1 running"));
     folder.write(u"go"_s, "");
     EXPECT_EQ(terminal.finish(), 0);
     QList<QByteArray> screen = screenAfter(terminal.received());
-    EXPECT_TRUE(screen.takeLast().startsWith("2 of 2 done; ")) << terminal.received().constData();
-    EXPECT_EQ(screen, (QList<QByteArray>{"a.wav: Complete", "b.wav: Complete"}));
+    EXPECT_TRUE(screen.takeLast().startsWith("2 of 2 done, 2 not proven; ")) << terminal.received().constData();
+    EXPECT_EQ(screen, (QList<QByteArray>{"a.wav: Complete; not proven", "b.wav: Complete; not proven"}));
 }
 
 TEST(Terminal, ALongWideNameStaysWithinTheWidth)
@@ -72,7 +72,7 @@ TEST(Terminal, ALongWideNameStaysWithinTheWidth)
     const TestFolder folder;
     folder.write(u"曲"_s.repeated(60) + u".wav"_s, "x");
     const ToolFolder tools;
-    tools.addFake(u"flac"_s, "out=x.wav: 45% complete, ratio=0.532;wait-file=" + folder.path(u"go"_s).toUtf8());
+    tools.addFake(u"flac"_s, "append=@-1:x;out=x.wav: 45% complete, ratio=0.532;wait-file=" + folder.path(u"go"_s).toUtf8());
     PseudoTerminal terminal(40, 24, nurvPath(), {u"encode"_s, u"--beside-source"_s, folder.path()});
     ASSERT_TRUE(terminal.waitFor("0 of 1 ended, 1 running"));
     ASSERT_TRUE(terminal.waitFor(" 45%  "));
@@ -102,7 +102,7 @@ TEST(Terminal, CtrlCOnTheKeyboardCancelsAndTheScreenIsLeftClean)
     const TestFolder folder;
     folder.write(u"a.wav"_s, "x");
     const ToolFolder tools;
-    tools.addFake(u"flac"_s, "out=x.wav: 45% complete, ratio=0.532;hang");
+    tools.addFake(u"flac"_s, "append=@-1:x;out=x.wav: 45% complete, ratio=0.532;hang");
     PseudoTerminal terminal(80, 24, nurvPath(), {u"encode"_s, u"--beside-source"_s, folder.path()});
     ASSERT_TRUE(terminal.waitFor("Encoding to Flac: 45%"));
     terminal.type("\x03");
@@ -120,7 +120,7 @@ TEST(Terminal, QuietShowsNothing)
     const TestFolder folder;
     folder.write(u"a.wav"_s, "x");
     const ToolFolder tools;
-    tools.addFake(u"flac"_s, "delay=300");
+    tools.addFake(u"flac"_s, "append=@-1:x;delay=300");
     PseudoTerminal terminal(80, 24, nurvPath(), {u"encode"_s, u"--quiet"_s, u"--beside-source"_s, folder.path()});
     EXPECT_EQ(terminal.finish(), 0);
     EXPECT_EQ(terminal.received(), "");

@@ -143,7 +143,8 @@ protected:
             EXPECT_EQ(out.list(), QStringList()) << qPrintable(task.report());
             return;
         }
-        EXPECT_EQ(task.topTextField().text, u"Complete") << qPrintable(task.report());
+        EXPECT_EQ(task.topTextField().text, isTold(source, format) ? u"Complete"_s : u"Complete; not proven"_s)
+            << qPrintable(task.report());
         EXPECT_TRUE(outputWindows.isEmpty()) << qPrintable(outputWindows.join(u'\n'));
         ASSERT_EQ(out.list(), QStringList{QFileInfo(output).fileName()}) << qPrintable(task.report());
         EXPECT_TRUE(test::sameSound(source, output));
@@ -153,6 +154,17 @@ protected:
     }
 
 private:
+    /// Whether lengths and programs tell that all of the sound arrived: nothing in a Shorten
+    /// file but its decoding does, and shntool takes no notice of its decoders' complaints.
+    static bool isTold(const QString &source, const QString &format)
+    {
+        const QString kind = QFileInfo(source).suffix().toUpper();
+        if (kind == u"SHN")
+            return false;
+        if (format == u"SHN")
+            return !holds({u"FLAC"_s, u"APE"_s, u"TTA"_s}, kind);
+        return format != u"FLAC" || kind != u"APE";
+    }
     static void expectBits(const QString &output)
     {
         const auto facts = test::ffprobeStream(output);

@@ -42,7 +42,7 @@ protected:
 TEST_F(EncodeFlacTaskTest, ShowsTheFiguresOfARecordedRun)
 {
     const QString goOn = folder.path(u"go-on"_s);
-    const auto task = makeFake("replay=" + test::transcriptPath(u"flac-encode"_s).toUtf8()
+    const auto task = makeFake("append=@-1:x;replay=" + test::transcriptPath(u"flac-encode"_s).toUtf8()
                                    + ";delay=50;"
                                      "out=\\b\\b99% complete, ratio=0.370;wait-file="
                                    + goOn.toUtf8(),
@@ -54,7 +54,7 @@ TEST_F(EncodeFlacTaskTest, ShowsTheFiguresOfARecordedRun)
     EXPECT_EQ(task->textField().text, u"x.wav");
     folder.write(u"go-on"_s, "");
     ASSERT_TRUE(finish());
-    EXPECT_EQ(task->topTextField().text, u"Complete");
+    EXPECT_EQ(task->topTextField().text, u"Complete; not proven");
 }
 
 TEST_F(EncodeFlacTaskTest, WritesItsReportIntoTheFirstSlotOfTheBatch)
@@ -72,7 +72,7 @@ TEST_F(EncodeFlacTaskTest, WritesItsReportIntoTheFirstSlotOfTheBatch)
 
 TEST_F(EncodeFlacTaskTest, DropsTheReportUnlessItFailed)
 {
-    const auto good = makeFake("out=fine", folder.path(u"x.wav"_s));
+    const auto good = makeFake("append=@-1:x;out=fine", folder.path(u"x.wav"_s));
     queue().addTask(good);
     ASSERT_TRUE(finish());
     EXPECT_EQ(good->results(), nullptr);
@@ -151,7 +151,8 @@ TEST_F(EncodeFlacTaskTest, KeepsItsStateWhenTagsCannotBeWritten)
 {
     const test::LogLines log;
     const QString source = taggedAiff(u"a.aiff"_s);
-    tools.addFake(u"flac"_s, "create=@-1");
+    // All of the sound, in a file that takes no tags of that kind.
+    tools.addFake(u"flac"_s, "copy=" + folder.path(u"plain.wav"_s).toUtf8() + ":@-1");
     EncodeTab tab(controller);
     run(tab, {source});
     ASSERT_EQ(endedTasks.size(), 1U);

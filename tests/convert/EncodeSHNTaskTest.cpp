@@ -30,7 +30,8 @@ TEST_F(EncodeSHNTaskTest, ConvertsWavAndFlacSources)
     EXPECT_TRUE(test::sameSound(wav, out.path(u"a b.shn"_s)));
     EXPECT_TRUE(test::sameSound(flac, out.path(u"c.shn"_s)));
     for (const auto &task : endedTasks)
-        EXPECT_EQ(task->topTextField().text, u"Complete");
+        EXPECT_EQ(task->topTextField().text,
+                  task->title() == u"c.flac" ? u"Complete; not proven"_s : u"Complete"_s);
     EXPECT_TRUE(outputWindows.isEmpty()) << qPrintable(outputWindows.join(u'\n'));
 }
 

@@ -190,7 +190,6 @@ TEST_F(TwoStageDeletionTest, KeepsAppleLosslessThatHoldsMoreThanItsOutput)
             outputWindows.clear();
             runDeleting(task);
             EXPECT_TRUE(task->error()) << "less sound than the source holds";
-            EXPECT_TRUE(QFile::exists(task->outputFile())) << "but what was read is there";
             EXPECT_TRUE(QFile::exists(source)) << qPrintable(task->outputFile());
             EXPECT_TRUE(task->report().contains(u"not all of it is in the output"_s)) << qPrintable(task->report());
             EXPECT_TRUE(outputWindows.value(0).contains(u"not all of it is in the output"_s));

@@ -174,7 +174,7 @@ TEST_F(UnfinishedWorkTest, WhatWasMadeByHandLaterStays)
     const QByteArray begun = QByteArray::number((QDateTime::currentSecsSinceEpoch() - 60) * 1'000'000'000);
     shelf.changeWord("begun", 2, begun);
     shelf.changeWord("nurv-journal", 6, begun);
-    EXPECT_EQ(reason(), u"it may be complete"_s);
+    EXPECT_EQ(reason(), u"it came to be at another time than the one that was begun"_s);
     EXPECT_THAT(cleaned(), ElementsAre(u"left a.flac"_s));
     EXPECT_TRUE(folder.exists(u"a.flac"_s));
 }

@@ -156,7 +156,9 @@ TEST_F(SourceRetirementTest, KeepsADoubtedSource)
     SourceRetirement retirement = wanting({wav});
     retirement.doubt(u"the first reason"_s);
     retirement.doubt(u"another"_s);
-    EXPECT_EQ(examine(retirement, {flac}).keeping, u"the first reason");
+    const auto verdict = examine(retirement, {flac});
+    EXPECT_EQ(verdict.keeping, u"the first reason");
+    EXPECT_EQ(verdict.proof, Proof::Proven) << "the output is looked at all the same";
     SourceRetirement late = wanting({wav});
     ASSERT_EQ(examine(late, {flac}).keeping, std::nullopt);
     late.doubt(u"found out late"_s);

@@ -98,7 +98,10 @@ TEST_F(SoundLengthTest, TellsNothingOfWhatIsNoSound)
 {
     EXPECT_FALSE(soundLength(folder.write(u"a.wav"_s, "some text, and no sound")));
     EXPECT_FALSE(soundLength(folder.write(u"b.wav"_s, "")));
-    EXPECT_FALSE(soundLength(folder.write(u"c.shn"_s, "ajkg\2 and no stream")));
+    const auto shorten = soundLength(folder.write(u"c.shn"_s, "ajkg\2 and no stream"));
+    ASSERT_TRUE(shorten) << "only decoding it tells more";
+    EXPECT_EQ(shorten->declaredFrames, std::nullopt);
+    EXPECT_FALSE(shorten->isBacked);
     EXPECT_FALSE(soundLength(folder.write(u"d.flac"_s, "fLaC")));
     EXPECT_FALSE(soundLength(folder.makeFolder(u"folder.wav"_s)));
     EXPECT_FALSE(soundLength(folder.path(u"missing.wav"_s)));

@@ -53,6 +53,8 @@ class Batch:
         return self.settings.get("trashOrDelete", 0) != 0
 
     def takes(self, source):
+        if self.command == "encode" and any(evil.endswith("in m4a") for evil in source.evils):
+            return False  # another kind than Apple Lossless, which a search of folders passes over
         return self.command == "encode" or source.path.suffix[1:].lower() in COMPRESSED
 
     def outputs_of(self, source):
