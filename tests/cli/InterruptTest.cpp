@@ -137,7 +137,7 @@ TEST_F(Interrupt, AJobThatHangsInTheFileSystemIsNotWaitedForLong)
     // Whoever reads the output for its digest waits for a writer that never comes.
     ASSERT_EQ(::mkfifo(QFile::encodeName(folder.path(u"a.shn"_s)).constData(), 0600), 0);
     folder.write(u"go"_s, "");
-    ASSERT_TRUE(nurv.waitForError("/a.wav: Complete\n"));
+    ASSERT_TRUE(nurv.waitForError("a.wav: its program made no output\n"));
     nurv.sendSignal(SIGTERM);
     const ProgramResult result = nurv.finish();
     EXPECT_EQ(result.exitStatus, 130);
@@ -145,7 +145,7 @@ TEST_F(Interrupt, AJobThatHangsInTheFileSystemIsNotWaitedForLong)
     // The list that hangs has its object, too.
     const QList<QJsonObject> objects = jsonLines(result.output);
     ASSERT_EQ(objects.size(), 3) << result.output.constData();
-    EXPECT_EQ(objects[0][u"status"_s], u"complete"_s);
+    EXPECT_EQ(objects[0][u"status"_s], u"error"_s);
     EXPECT_EQ(objects[1][u"status"_s], u"canceled"_s);
     EXPECT_EQ(objects[2][u"jobs"_s], 2);
 }

@@ -92,7 +92,8 @@ private:
         for (const QStringView key :
              {u"maxThreads", u"encodeOutputFormat", u"encodeFlacLevel", u"encodeToSourceDirectory", u"flacVerifyButton",
               u"flacKeepForeignMetadataButton", u"flacGenerateFFPButton", u"warnOnDelete", u"trashOrDelete",
-              u"checksumFileUsesOutputDirName", u"ffpExtension", u"decodeToSourceDirectory"})
+              u"checksumFileUsesOutputDirName", u"ffpExtension", u"decodeToSourceDirectory", u"proveBeforeDeleting",
+              u"dropMetadata", u"keepFolders"})
             SettingsStore::instance().remove(key.toString());
         return true;
     }

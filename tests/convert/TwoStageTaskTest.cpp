@@ -80,6 +80,9 @@ TEST_F(TwoStageTaskTest, DoesNotLookAtTheStatusOfThreeEncodersButKeepsTheSource)
         setFake(tool, QByteArray(tool == u"mac" ? "append=@-2:x" : "append=@-1:x") + ";out=odd;exit=3");
         const auto task = makeEncoder(wav, format);
         task->setDeleteOriginal(true);
+        const auto unproven = std::make_shared<OutputBatch>();
+        unproven->provesBeforeDeleting = false;
+        task->setBatch(unproven);
         runJob(task);
         EXPECT_FALSE(task->error()) << qPrintable(format);
         EXPECT_EQ(task->topTextField().text, u"Complete; original kept: its program failed");
