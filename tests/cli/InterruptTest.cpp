@@ -137,7 +137,7 @@ TEST_F(Interrupt, AJobThatHangsInTheFileSystemIsNotWaitedForLong)
     // Whoever reads the output for its digest waits for a writer that never comes.
     ASSERT_EQ(::mkfifo(QFile::encodeName(folder.path(u"a.shn"_s)).constData(), 0600), 0);
     folder.write(u"go"_s, "");
-    ASSERT_TRUE(nurv.waitForError("a.wav: its program made no output\n"));
+    ASSERT_TRUE(nurv.waitForError("a.wav: its output a.shn exists already\n"));
     nurv.sendSignal(SIGTERM);
     const ProgramResult result = nurv.finish();
     EXPECT_EQ(result.exitStatus, 130);
