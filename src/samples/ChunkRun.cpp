@@ -51,7 +51,9 @@ BehindSound follow(const ByteSource &source, std::int64_t position, bool isBigEn
 
 BehindSound lookBehindSound(const ByteSource &source, std::int64_t from, bool padded, bool isBigEndian)
 {
-    if (padded) {
+    // A pad byte is zero; another one may be a sample that the size leaves out.
+    std::uint8_t pad = 0;
+    if (padded && (!source.readAll(from, &pad, 1) || pad == 0)) {
         const BehindSound found = follow(source, from + 1, isBigEndian);
         if (found != BehindSound::SomethingElse)
             return found;
