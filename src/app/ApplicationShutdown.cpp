@@ -22,16 +22,17 @@ using namespace std::chrono_literals;
 
 constexpr auto kTerminateGrace = 500ms;
 constexpr auto kWorkerLimit = 5s;
-constexpr auto kReapLimit = 1s;
+constexpr auto kReapLimit = 3s;
 constexpr auto kReapPause = 2ms;
 
 // The children of command jobs are reaped by the event loop, which has ended or
-// does not come to it.
+// does not come to it. A program's job ends only when its output has, too, which a
+// program that it started may hold open for a moment longer.
 void reapChildren()
 {
     const QDeadlineTimer deadline(kReapLimit);
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
-    while (children::runningCount() > 0 && !deadline.hasExpired()) {
+    while ((children::runningCount() > 0 || ChildProcess::unfinishedCount() > 0) && !deadline.hasExpired()) {
         QThread::usleep(static_cast<unsigned long>(std::chrono::microseconds(kReapPause).count()));
         QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
     }

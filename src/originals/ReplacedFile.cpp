@@ -7,6 +7,7 @@
 #include "journal/OutputJournal.h"
 #include "originals/OriginalsLog.h"
 #include "platform/FileFacts.h"
+#include "platform/FileRename.h"
 #include "platform/NurvFailure.h"
 #include "platform/SystemError.h"
 
@@ -14,11 +15,9 @@
 #include <QRandomGenerator>
 
 #include <cerrno>
-#include <cstdio>
 #include <optional>
 #include <utility>
 
-#include <fcntl.h>
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
@@ -39,23 +38,6 @@ QString nameAside(const QString &path)
     return name;
 }
 
-/// Leaves the reason of a failure in errno.
-bool renameToFreeName(const QString &from, const QString &to)
-{
-    const QByteArray source = QFile::encodeName(from);
-    const QByteArray target = QFile::encodeName(to);
-    if (::renameat2(AT_FDCWD, source.constData(), AT_FDCWD, target.constData(), RENAME_NOREPLACE) == 0)
-        return true;
-    if (errno != EINVAL && errno != ENOSYS)
-        return false;
-    // A file system that cannot promise more.
-    if (isThere(to)) {
-        errno = EEXIST;
-        return false;
-    }
-    return ::rename(source.constData(), target.constData()) == 0;
-}
-
 } // namespace
 
 ReplacedFile::ReplacedFile(const QString &path, std::shared_ptr<OutputJournal> journal)
@@ -68,7 +50,7 @@ ReplacedFile::ReplacedFile(const QString &path, std::shared_ptr<OutputJournal> j
     }
     if (m_journal)
         m_journal->noteAside(m_path, m_aside);
-    if (renameToFreeName(m_path, m_aside))
+    if (renameToFreeName(QFile::encodeName(m_path), QFile::encodeName(m_aside)))
         return;
     const QString reason = systemErrorText(errno);
     forget();
@@ -107,7 +89,7 @@ void ReplacedFile::putBack()
 {
     if (m_aside.isEmpty())
         return;
-    if (!renameToFreeName(m_aside, m_path)) {
+    if (!renameToFreeName(QFile::encodeName(m_aside), QFile::encodeName(m_path))) {
         const QString reason = systemErrorText(errno);
         const QString aside = std::exchange(m_aside, QString());
         throw NurvFailure(u"the file that was there before is %1 now, since it could not get its name back: %2"_s.arg(

@@ -68,7 +68,9 @@ SourceRetirement::Verdict SourceRetirement::examine(const QStringList &outputs,
         if (verdict.keeping)
             return verdict;
         verdict.keeping = lossOfEncoding();
-        if (!verdict.keeping && verdict.proof == TaskOutcome::Proof::NotProven)
+        // Lengths alone say nothing of what is a stretch of something, or longer than that.
+        const bool isMeasured = m_wishes.relation == SoundComparison::Relation::Equal;
+        if (!verdict.keeping && (!isMeasured || verdict.proof == TaskOutcome::Proof::NotProven))
             verdict.keeping = u"nothing but the proof could tell whether all of its sound is in the output"_s;
         m_mayRetire = !verdict.keeping;
         return verdict;

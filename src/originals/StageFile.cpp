@@ -6,6 +6,7 @@
 #include "journal/OutputJournal.h"
 #include "originals/OriginalsLog.h"
 #include "platform/FileFacts.h"
+#include "platform/FileRename.h"
 #include "platform/NurvFailure.h"
 #include "platform/SystemError.h"
 
@@ -78,16 +79,9 @@ void StageFile::giveUp()
 
 void StageFile::place(const QString &path)
 {
-    const QByteArray from = QFile::encodeName(m_path);
-    const QByteArray to = QFile::encodeName(path);
     grantUsualAccess();
-    if (::link(from.constData(), to.constData()) == 0)
-        return;
-    // A disk without second names cannot promise more.
-    const int error = errno;
-    const bool isFree = error != EEXIST && !isThere(path);
-    if (!isFree || ::rename(from.constData(), to.constData()) != 0)
-        throw NurvFailure(u"%1 could not be made: %2\n"_s.arg(path, systemErrorText(isFree ? errno : EEXIST)));
+    if (!renameToFreeName(QFile::encodeName(m_path), QFile::encodeName(path)))
+        throw NurvFailure(u"%1 could not be made: %2\n"_s.arg(path, systemErrorText(errno)));
 }
 
 } // namespace nurv

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <condition_variable>
 #include <mutex>
 #include <set>
@@ -74,6 +75,8 @@ public:
     std::set<pid_t> running;
     bool refusesNew = false;
 };
+
+std::atomic<int> g_unfinished = 0;
 
 void closeFd(int &fd)
 {
@@ -253,6 +256,7 @@ ChildProcess::~ChildProcess()
     m_exitNotifier.reset();
     closeFd(m_outputFd);
     closeFd(m_pidFd);
+    countAsFinished();
 }
 
 std::optional<QString> ChildProcess::start(const ChildCommand &command)
@@ -263,6 +267,8 @@ std::optional<QString> ChildProcess::start(const ChildCommand &command)
     m_pid = child.pid;
     m_pidFd = child.pidFd;
     m_outputFd = child.outputFd;
+    m_isUnfinished = true;
+    ++g_unfinished;
     ::fcntl(m_outputFd, F_SETFL, O_NONBLOCK);
 
     m_outputNotifier = std::make_unique<QSocketNotifier>(m_outputFd, QSocketNotifier::Read);
@@ -342,13 +348,25 @@ void ChildProcess::closeOutput()
 
 void ChildProcess::finishWhenDone()
 {
-    if (isRunning() || std::exchange(m_isFinished, true))
+    if (isRunning() || !m_isUnfinished)
         return;
+    countAsFinished();
     if (m_heldPipeTimer) {
         m_heldPipeTimer->stop();
         m_heldPipeTimer.release()->deleteLater();
     }
     Q_EMIT finished();
+}
+
+void ChildProcess::countAsFinished()
+{
+    if (std::exchange(m_isUnfinished, false))
+        --g_unfinished;
+}
+
+int ChildProcess::unfinishedCount()
+{
+    return g_unfinished;
 }
 
 void ChildProcess::terminate()

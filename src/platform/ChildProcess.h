@@ -81,6 +81,10 @@ public:
     /// SIGTERM to the process group, SIGKILL 500 ms later to what is left of it.
     void terminate();
 
+    /// How many have been started and not emitted `finished` yet: their programs may have ended
+    /// before their output does. Any thread.
+    [[nodiscard]] static int unfinishedCount();
+
 Q_SIGNALS:
     /// The bytes of one read of the pipe, never empty.
     void outputRead(const QByteArray &bytes);
@@ -93,6 +97,7 @@ private:
     void giveUpHeldPipe();
     void finishWhenDone();
     void closeOutput();
+    void countAsFinished();
 
     pid_t m_pid = -1;
     int m_outputFd = -1;
@@ -102,7 +107,7 @@ private:
     std::unique_ptr<QTimer> m_heldPipeTimer;
     std::unique_ptr<QTimer> m_killTimer;
     std::optional<ChildExit> m_exit;
-    bool m_isFinished = false;
+    bool m_isUnfinished = false; ///< from the start of the program to `finished`
 };
 
 /// Runs a program to the end of its output on the calling thread. Blocks; meant for

@@ -3,6 +3,7 @@
 #include "platform/Trash.h"
 
 #include "platform/FileDescriptor.h"
+#include "platform/FileRename.h"
 #include "platform/PlatformLog.h"
 #include "platform/SystemError.h"
 #include "platform/WriteAll.h"
@@ -131,32 +132,13 @@ QString nameInTrash(const QString &name, int attempt)
     return attempt == 1 ? shortened : shortened + u'.' + QString::number(attempt);
 }
 
-// A file may lie in the trash without its info file; its name is taken, too.
-bool renameWhereNothingIs(const QByteArray &from, const QByteArray &to)
-{
-    struct stat present = {};
-    if (::lstat(to.constData(), &present) == 0) {
-        errno = EEXIST;
-        return false;
-    }
-    return ::rename(from.constData(), to.constData()) == 0;
-}
-
-// The info file has reserved the name, so the plain rename is safe where the file
-// system knows no other.
-bool renameWithoutReplacing(const QByteArray &from, const QByteArray &to)
-{
-    if (::renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0)
-        return true;
-    return (errno == EINVAL || errno == ENOSYS) && renameWhereNothingIs(from, to);
-}
-
 bool writeInfo(FileDescriptor file, const QByteArray &info)
 {
     return writeAll(file.get(), info) && file.close();
 }
 
-// The info file reserves the name; only then the file moves.
+// The info file reserves the name; only then the file moves. One may lie in the trash
+// without its info file: its name is taken, too.
 bool moveInto(const TrashFolder &trash, const QString &path, const QString &recordedName)
 {
     const QByteArray info = trashInfo(QDir(QFileInfo(path).path()).filePath(recordedName), trash);
@@ -175,7 +157,7 @@ bool moveInto(const TrashFolder &trash, const QString &path, const QString &reco
         }
         const QByteArray target = QFile::encodeName(trash.path + u"/files/"_s + entry);
         if (writeInfo(std::move(infoFile), info)
-            && renameWithoutReplacing(QFile::encodeName(path), target))
+            && renameToFreeName(QFile::encodeName(path), target))
             return true;
         const int error = errno;
         ::unlink(infoPath.constData());

@@ -87,7 +87,9 @@ std::optional<SoundLength> readLength(const RegularFile &file)
     }
     if (const auto header = CodecHeader::read(file, start)) {
         SoundLength length = lengthOf(header->format, header->declaredFrames);
-        length.isBacked = header->kind != CodecHeader::Kind::Flac
+        // A checksum of TTA goes over the bytes of a frame, whatever of it is decoded.
+        const bool hasChecksums = header->kind == CodecHeader::Kind::MonkeysAudio;
+        length.isBacked = hasChecksums
                           || std::any_of(header->md5.begin(), header->md5.end(), [](auto byte) { return byte != 0; });
         return length;
     }

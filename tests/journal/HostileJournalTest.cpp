@@ -9,7 +9,7 @@
 
 #include <gmock/gmock.h>
 
-#include <chrono>
+#include <ctime>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -192,9 +192,9 @@ TEST_F(HostileJournalTest, ManyLinesAreReadInTime)
                               "/nowhere/source", "-"});
     }
     shelf.write(kName, bytes);
-    const auto before = std::chrono::steady_clock::now();
+    const std::clock_t before = std::clock();
     EXPECT_THAT(found(), ElementsAre(u"remove out/a.flac"_s));
-    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(20));
+    EXPECT_LT((std::clock() - before) / CLOCKS_PER_SEC, 20);
 }
 
 } // namespace nurv

@@ -7,10 +7,10 @@
 #include "support/LogLines.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 
 #include <gmock/gmock.h>
 
+#include <ctime>
 #include <thread>
 
 #include <sys/stat.h>
@@ -179,19 +179,17 @@ TEST_F(OutputJournalTest, AHundredThousandOutputsArePlannedSoon)
         const QString name = folder.path(u"disc %1/Track %2 of a show with a long name"_s.arg(number / 20).arg(number));
         planned.push_back({.output = name + u".flac"_s, .source = name + u".wav"_s});
     }
-    QElapsedTimer timer;
-    timer.start();
+    const std::clock_t beginning = std::clock();
     const auto journal = OutputJournal::begin(planned);
-    const qint64 planningMs = timer.restart();
+    const std::clock_t marking = std::clock();
     for (const OutputJournal::Planned &one : planned) {
         journal->markBegun(one.output);
         journal->markEnded(one.output);
     }
-    const qint64 markingMs = timer.elapsed();
+    const auto planningMs = 1000 * (marking - beginning) / CLOCKS_PER_SEC;
+    const auto markingMs = 1000 * (std::clock() - marking) / CLOCKS_PER_SEC;
     RecordProperty("planningMs", std::to_string(planningMs));
     RecordProperty("markingMs", std::to_string(markingMs));
-    std::printf("planned in %lld ms, marked in %lld ms\n", static_cast<long long>(planningMs),
-                static_cast<long long>(markingMs));
     EXPECT_LT(planningMs, 20'000);
     EXPECT_LT(markingMs, 20'000);
 }

@@ -120,6 +120,16 @@ TEST_F(SourceRetirementTest, KeepsASourceOfUnknownLengthWithoutTheProof)
     EXPECT_EQ(proving.retire().original, Original::Deleted);
 }
 
+TEST_F(SourceRetirementTest, KeepsWhatOnlyTheProofCouldTellOfAStretch)
+{
+    const QString stretch = test::writeWav(folder.path(u"stretch.wav"_s), {.frames = 1000});
+    SourceRetirement retirement =
+        wanting({wav}, {.proves = false, .relation = SoundComparison::Relation::Contained});
+    EXPECT_TRUE(examine(retirement, {stretch}).keeping);
+    EXPECT_EQ(retirement.retire().original, Original::Untouched);
+    EXPECT_TRUE(QFile::exists(wav));
+}
+
 TEST_F(SourceRetirementTest, KeepsASourceThatChangedWhileTheJobWorked)
 {
     SourceRetirement retirement = wanting({wav});

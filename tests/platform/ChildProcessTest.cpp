@@ -229,7 +229,7 @@ TEST(RunChild, GivesUpAPipeThatAGrandchildHolds)
     timer.start();
     const ChildResult result = runChild(fake({u"grandchild=60000"_s, u"out=end"_s}));
     EXPECT_TRUE(result.output.endsWith("end"));
-    EXPECT_LT(timer.elapsed(), 10000);
+    EXPECT_LT(timer.elapsed(), 40'000);
     const int grandchild = result.output.split('\n').first().split(' ').last().toInt();
     ASSERT_GT(grandchild, 0);
     ::kill(grandchild, SIGKILL);

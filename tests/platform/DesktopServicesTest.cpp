@@ -147,12 +147,12 @@ TEST_F(DesktopServicesOnABus, AServiceThatDoesNotAnswerIsNotWaitedForLong)
 {
     if (!startMock(u"org.freedesktop.ScreenSaver"_s, u"/org/freedesktop/ScreenSaver"_s))
         GTEST_SKIP() << "python3-dbusmock is not installed";
-    addMethod(u"Inhibit"_s, u"ss"_s, u"u"_s, u"import time; time.sleep(4); ret = 1"_s);
+    addMethod(u"Inhibit"_s, u"ss"_s, u"u"_s, u"import time; time.sleep(60); ret = 1"_s);
     DBusDesktopServices desktop = services();
     QElapsedTimer timer;
     timer.start();
     EXPECT_EQ(desktop.createSleepAssertion(u"x"_s), std::nullopt);
-    EXPECT_LT(timer.elapsed(), 3000);
+    EXPECT_LT(timer.elapsed(), 30'000);
     EXPECT_GE(timer.elapsed(), 300);
 }
 
@@ -188,7 +188,7 @@ TEST_F(DesktopServicesOnABus, NothingHappensWithoutTheServices)
     desktop.requestAttention();
     EXPECT_EQ(desktop.createSleepAssertion(u"x"_s), std::nullopt);
     desktop.releaseSleepAssertion(1);
-    EXPECT_LT(timer.elapsed(), 2000);
+    EXPECT_LT(timer.elapsed(), 20'000);
 }
 
 TEST(DesktopServices, DoNothingWithoutABus)
@@ -205,7 +205,7 @@ TEST(DesktopServices, DoNothingWithoutABus)
     desktop.requestAttention();
     EXPECT_EQ(desktop.createSleepAssertion(u"x"_s), std::nullopt);
     desktop.releaseSleepAssertion(1);
-    EXPECT_LT(timer.elapsed(), 1000);
+    EXPECT_LT(timer.elapsed(), 20'000);
 }
 
 TEST(SessionBus, IsNotEvenLookedForWithoutAnAddress)

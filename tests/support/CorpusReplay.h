@@ -17,7 +17,7 @@ namespace nurv::test {
 
 /// What a file of a corpus may cost, whatever it says of itself.
 struct ReplayLimits {
-    std::chrono::seconds time{10};
+    std::chrono::seconds time{10}; ///< of the processor
     std::size_t bytes = std::size_t{64} << 20;
 };
 

@@ -14,9 +14,9 @@ import time
 
 import processes
 
-LIMIT_SECONDS = 60
+LIMIT_SECONDS = 300
 ORPHAN_SECONDS = 30
-GRACE_SECONDS = 3
+GRACE_SECONDS = 30
 NOBODY = 65534
 
 _numbers = itertools.count()

@@ -269,13 +269,12 @@ TEST_F(StatusWindowTest, PassesOnAtMostThirtyRepaintsASecondAndNeverDropsTheLast
     QElapsedTimer clock;
     clock.start();
     int changes = 0;
-    while (clock.elapsed() < 500) {
+    while (clock.elapsed() < 500 || changes < 200) {
         job->show(u"%1"_s.arg(++changes), 0.0);
         handleWaitingEvents();
     }
     job->show(u"last"_s, 100.0);
     const qint64 elapsed = clock.elapsed();
-    EXPECT_GT(changes, 100);
     EXPECT_LE(repaints.size(), elapsed / 33 + 1);
     repaints.clear();
     EXPECT_TRUE(waitUntil([&] { return !repaints.isEmpty(); }));

@@ -65,12 +65,26 @@ std::string randomName()
     return name + ".part";
 }
 
+/// The name of an open file that has no other one.
+std::string pathOf(int descriptor)
+{
+    return "/proc/self/fd/" + std::to_string(descriptor);
+}
+
 } // namespace
 
 TemporaryFile::TemporaryFile(const std::string &destination) : m_destination(destination)
 {
+    struct stat former {};
+    m_replaces = ::stat(m_destination.c_str(), &former) == 0;
+    // A file without a name can be given a free one only.
+    if (!m_replaces && openUnnamed())
+        return;
     const SignalPause pause;
-    create();
+    openNamed();
+    // A file system without modes has nothing to keep.
+    if (m_replaces) [[maybe_unused]]
+        const int done = ::fchmod(m_descriptor.get(), former.st_mode & 0777);
     for (m_slot = 0; m_slot < g_paths.size(); ++m_slot) {
         const char *none = nullptr;
         if (g_paths[m_slot].compare_exchange_strong(none, m_path.c_str()))
@@ -90,6 +104,10 @@ TemporaryFile::~TemporaryFile()
 
 void TemporaryFile::moveToDestination()
 {
+    if (m_path.empty()) {
+        nameUnnamed();
+        return;
+    }
     // A power cut must leave one of both; without this it may leave the name of an empty file.
     if (m_replaces && ::fsync(m_descriptor.get()) != 0)
         failWrite(m_destination, errno);
@@ -104,7 +122,26 @@ std::string TemporaryFile::folder() const
     return slash == std::string::npos ? "./" : m_destination.substr(0, slash + 1);
 }
 
-void TemporaryFile::create()
+/// Returns false where the file system, or a system without /proc, cannot do that.
+bool TemporaryFile::openUnnamed()
+{
+    m_descriptor = FileDescriptor(::open(folder().c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, 0666));
+    return m_descriptor.isOpen() && ::access(pathOf(m_descriptor.get()).c_str(), F_OK) == 0;
+}
+
+void TemporaryFile::nameUnnamed()
+{
+    const std::string path = pathOf(m_descriptor.get());
+    if (::linkat(AT_FDCWD, path.c_str(), AT_FDCWD, m_destination.c_str(), AT_SYMLINK_FOLLOW) != 0)
+        failWrite(m_destination, errno);
+    if (m_descriptor.close())
+        return;
+    const int error = errno;
+    ::unlink(m_destination.c_str());
+    failWrite(m_destination, error);
+}
+
+void TemporaryFile::openNamed()
 {
     do {
         m_path = folder() + randomName();
@@ -113,11 +150,6 @@ void TemporaryFile::create()
     } while (!m_descriptor.isOpen() && (errno == EEXIST || errno == EINTR));
     if (!m_descriptor.isOpen())
         failWrite(m_destination, errno);
-    struct stat former {};
-    m_replaces = ::stat(m_destination.c_str(), &former) == 0;
-    // A file system without modes has nothing to keep.
-    if (m_replaces) [[maybe_unused]]
-        const int done = ::fchmod(m_descriptor.get(), former.st_mode & 0777);
 }
 
 void TemporaryFile::forget()

@@ -9,9 +9,13 @@
 
 namespace nurv {
 
-/// A new file under a hidden name of its own, in the folder of the file that it shall
-/// become. It is removed with this object, and by a signal that ends the program once
-/// `removeTemporaryFilesOnSignals` was called. At most eight live at a time.
+/// A new file in the folder of the file that it shall become. It has no name until it is
+/// complete, so that nothing is left however the program ends.
+///
+/// Where it replaces a file, or the file system knows no files without a name, it has a
+/// hidden one of its own. It is removed with this object, and by a signal that ends the
+/// program once `removeTemporaryFilesOnSignals` was called. At most eight of those live at
+/// a time.
 class TemporaryFile {
 public:
     /// Open for writing, with the mode of the file that it shall replace, or else that of
@@ -26,17 +30,19 @@ public:
     /// The one that it is in.
     [[nodiscard]] std::string folder() const;
 
-    /// Closes the file and gives it the destination's name, in place of what had it; then
-    /// it is on the disk before. Blocks.
-    /// Throws ToolError(Write).
+    /// Closes the file and gives it the destination's name, in place of what had it when
+    /// this object was made; then it is on the disk before. Blocks.
+    /// Throws ToolError(Write), also when a file without a name finds its place taken.
     void moveToDestination();
 
 private:
-    void create();
+    [[nodiscard]] bool openUnnamed();
+    void nameUnnamed();
+    void openNamed();
     void forget();
 
     std::string m_destination;
-    std::string m_path;
+    std::string m_path; ///< empty: it has none yet
     size_t m_slot = 0;
     bool m_replaces = false;
     FileDescriptor m_descriptor;

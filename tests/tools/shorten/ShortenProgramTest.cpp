@@ -221,13 +221,14 @@ TEST(ShortenProgram, LeavesNothingBehindAfterASignal)
     for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
         const TestFolder folder;
         QProcess process;
-        process.start(shorten(), {u"-"_s, folder.path(u"out.shn"_s)});
+        process.start(shorten(), {u"-"_s, folder.write(u"out.shn"_s, "former")});
         process.write(asArray(Wave{.frames = 200'000}.file()).chopped(1000));
-        EXPECT_TRUE(nurv::test::waitUntil([&] { return !folder.list().isEmpty() && process.bytesToWrite() == 0; }));
+        EXPECT_TRUE(nurv::test::waitUntil([&] { return folder.list().size() == 2 && process.bytesToWrite() == 0; }));
         ::kill(static_cast<pid_t>(process.processId()), signal);
         ASSERT_TRUE(process.waitForFinished(kLimitMs));
         EXPECT_EQ(process.exitStatus(), QProcess::CrashExit);
-        EXPECT_EQ(folder.list(), QStringList()) << signal;
+        EXPECT_EQ(folder.list(), QStringList{u"out.shn"_s}) << signal;
+        EXPECT_EQ(folder.read(u"out.shn"_s), "former");
     }
 }
 

@@ -118,10 +118,36 @@ TEST_F(OutputFileTest, LeavesNothingWhenItIsGivenUp)
         OutputFile output(path(u"out"_s), input());
         output.write(bytesOf(std::string(300'000, 'x')));
         OutputFile another(path(u"another"_s), input());
-        EXPECT_EQ(m_folder.list().size(), 4);
+        another.write(bytesOf(std::string(300'000, 'x')));
+        EXPECT_EQ(m_folder.list().size(), 3);
     }
     EXPECT_EQ(m_folder.list(), (QStringList{u"in"_s, u"out"_s}));
     EXPECT_EQ(m_folder.read(u"out"_s), "former");
+}
+
+TEST_F(OutputFileTest, HasNoNameBeforeAllIsWritten)
+{
+    OutputFile output(path(u"out"_s), input());
+    output.write(bytesOf("new"));
+    output.flush();
+    EXPECT_EQ(m_folder.list(), QStringList{u"in"_s});
+    output.commit();
+    EXPECT_EQ(m_folder.read(u"out"_s), "new");
+}
+
+TEST_F(OutputFileTest, ReplacesNoFileThatCameMeanwhile)
+{
+    OutputFile output(path(u"out"_s), input());
+    output.write(bytesOf("new"));
+    m_folder.write(u"out"_s, "somebody's");
+    try {
+        output.commit();
+        FAIL() << "it took the place of a file that nobody knew of";
+    } catch (const ToolError &error) {
+        EXPECT_EQ(error.kind(), ToolError::Kind::Write);
+        EXPECT_THAT(error.what(), HasSubstr("out: File exists"));
+    }
+    EXPECT_EQ(m_folder.read(u"out"_s), "somebody's");
 }
 
 TEST_F(OutputFileTest, KeepsTheOrderOfSmallAndLargeWrites)

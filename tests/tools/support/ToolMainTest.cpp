@@ -179,6 +179,19 @@ TEST_P(EndedBySignal, LeavesTheFormerFileAndNothingElse)
 INSTANTIATE_TEST_SUITE_P(ToolMain, EndedBySignal, ::testing::Values(SIGTERM, SIGINT, SIGHUP, SIGQUIT, SIGXCPU),
                          [](const auto &tested) { return std::string(::sigabbrev_np(tested.param)); });
 
+TEST(ToolMain, LeavesNothingOfANewFileAlsoWhenItIsKilled)
+{
+    const TestFolder folder;
+    const QString in = folder.write(u"in"_s, QByteArray(300'000, 'x'));
+    QProcess process;
+    process.start(copyTool(), {u"--wait"_s, in, folder.path(u"out"_s)});
+    process.setReadChannel(QProcess::StandardError);
+    ASSERT_TRUE(process.waitForReadyRead(30'000));
+    process.kill();
+    ASSERT_TRUE(process.waitForFinished(30'000));
+    EXPECT_EQ(folder.list(), QStringList{u"in"_s});
+}
+
 TEST(ToolMain, TellsThatAFileMayNotGrowAndLeavesNothing)
 {
     const TestFolder folder;
