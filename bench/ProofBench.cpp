@@ -2,8 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The proof that an output holds the sound of its source, on ten minutes of sound: every
 // format against the WAV file that it was made of, measured beside the ffmpeg program that
-// decodes the format alone. The bundled programs are those of NURV_TOOLS. With a part of a
-// title, only the proofs that have it.
+// decodes the format alone, and beside the program that made it: what a proof adds to a
+// conversion. The bundled programs are those of NURV_TOOLS. With a part of a title, only the
+// proofs that have it.
 //
 //     ProofBench [TITLE]
 #include "Measure.h"
@@ -12,6 +13,7 @@
 #include "support/TestFolder.h"
 
 #include <QCoreApplication>
+#include <QFile>
 
 #include <cstdio>
 #include <cstdlib>
@@ -24,6 +26,8 @@ namespace {
 constexpr int kRounds = 5;
 /// Both sides are decoded and compared, on two processors.
 constexpr double kGoal = 1.5;
+/// A conversion with its proof takes no more than twice as long as without.
+constexpr double kEncodingGoal = 1.0;
 
 using Relation = nurv::SoundComparison::Relation;
 
@@ -78,6 +82,13 @@ int main(int argc, char **argv)
         compare(
             u"WAV to "_s + format.title, kRounds, kGoal, [&] { prove(wav, format.file); },
             [&] { decodeByFfmpeg(format.file); });
+        compare(
+            u"WAV to %1, beside its encoding"_s.arg(format.title), kRounds, kEncodingGoal,
+            [&] { prove(wav, format.file); },
+            [&] {
+                QFile::remove(format.file);
+                runOrDie(format.program, format.arguments);
+            });
     }
     const QString flac = path("a.flac");
     const QString wavPack = path("a.wv");

@@ -6,6 +6,7 @@
 #include "convert/ConvertLog.h"
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskResults.h"
+#include "originals/SoundLengthCheck.h"
 #include "platform/FileFacts.h"
 #include "platform/GuiThread.h"
 #include "platform/NurvFailure.h"
@@ -93,9 +94,11 @@ std::optional<QString> Conversion::takeOutput()
     m_task.ownOutcome().sourceBytes = QFileInfo(fileName()).size();
     lookAtOutput();
     const ExistingOutputs existing = m_batch ? m_batch->existingOutputs : ExistingOutputs::AsTold;
-    if (outputExisted() && (existing == ExistingOutputs::Refuse || existing == ExistingOutputs::Skip))
-        return u"its output %1 exists already"_s.arg(name);
-    return std::nullopt;
+    if (!outputExisted() || (existing != ExistingOutputs::Refuse && existing != ExistingOutputs::Skip))
+        return std::nullopt;
+    if (const auto fault = SoundLengthCheck::of({fileName()}, {output}).fault; fault && existing == ExistingOutputs::Skip)
+        return u"its output %1 exists already, but is not whole: %2"_s.arg(name, *fault);
+    return u"its output %1 exists already"_s.arg(name);
 }
 
 void Conversion::lookAtOutput()
@@ -353,8 +356,12 @@ void Conversion::noteEnding()
 {
     if (m_task.cancelled())
         return;
-    if (m_isDamaged && m_retirement.doubtReason())
+    // Of a job that failed the report says more.
+    if (m_isDamaged && m_retirement.doubtReason() && !m_task.error())
         noteProblem(*m_retirement.doubtReason());
+    // A job that does not fail for damage is not told to have done all either.
+    if (m_isDamaged && m_task.outcome().proof == TaskOutcome::Proof::NotNeeded)
+        m_task.ownOutcome().proof = TaskOutcome::Proof::NotProven;
     if (deleteOriginal() && m_task.error())
         m_task.ownOutcome().original = TaskOutcome::Original::Kept;
 }

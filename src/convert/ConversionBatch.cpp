@@ -4,6 +4,7 @@
 
 #include "convert/Conversion.h"
 #include "engine/NURVTaskQueue.h"
+#include "originals/SoundLengthCheck.h"
 #include "platform/FileFacts.h"
 
 #include <QHash>
@@ -28,7 +29,8 @@ bool ConversionBatch::add(const std::shared_ptr<Conversion> &conversion)
     const bool isFirst = isItsOwnOutput || !m_outputs.contains(foldedName(conversion->outputFile()));
     if (!isItsOwnOutput)
         m_outputs.insert(foldedName(conversion->outputFile()));
-    if (isFirst && m_batch->existingOutputs == ExistingOutputs::Skip && isThere(conversion->outputFile())) {
+    if (isFirst && m_batch->existingOutputs == ExistingOutputs::Skip && isThere(conversion->outputFile())
+        && !SoundLengthCheck::of({conversion->fileName()}, {conversion->outputFile()}).fault) {
         m_passedOver.append(conversion->fileName());
         return false;
     }

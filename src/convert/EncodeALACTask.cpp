@@ -54,6 +54,7 @@ void EncodeALACTask::encodeDecoded(const QString &status,
     showStatus(status);
     StageFile wav(outputPath());
     runTool(stageFor(fileName(), wav.path()));
+    checkTemporaryWav(wav.path());
     encode(wav.path());
     if (!cancelled())
         Util::deleteFile(wav.path());

@@ -215,7 +215,7 @@ std::shared_ptr<Conversion> EncodeTab::makeConversion(const Batch &batch, const 
     const QString folder = folderFor(batch, source);
     const QString type = formatWord(source);
     const bool isAlac = type == u"M4A";
-    if (EncodeThroughWavTask::suits(type, batch.format))
+    if (EncodeThroughWavTask::suits(type, batch.format) || EncodeThroughWavTask::suitsShapeOf(source, batch.format))
         return encodeThroughWav(batch, source);
     if (batch.format == u"SHN")
         return encodeSHN(source, folder, queue, batch.results);

@@ -4,6 +4,7 @@
 
 #include "app/PathNames.h"
 #include "originals/StageFile.h"
+#include "samples/SoundLength.h"
 #include "tags/AACTagsHelper.h"
 #include "tags/TagLibTagsHelper.h"
 
@@ -24,6 +25,7 @@ const QHash<QString, QString> &decodingStatuses()
         {u"SHN"_s, u"Decoding SHN to Wav"_s},     {u"FLAC"_s, u"Decoding FLAC to Wav"_s},
         {u"APE"_s, u"Decoding APE to Wav"_s},     {u"WV"_s, u"Decoding Wavepack to Wav"_s},
         {u"TTA"_s, u"Decoding TTA to Wav"_s},     {u"M4A"_s, u"Decoding Apple Lossless to Wav"_s},
+        {u"AIFF"_s, u"Converting AIFF to Wav"_s}, {u"AIF"_s, u"Converting AIFF to Wav"_s},
     };
     return statuses;
 }
@@ -42,6 +44,19 @@ ToolStage decodingOf(const QString &sourceFormat, const QString &source, const Q
     return stage;
 }
 
+/// Of more, a program has to be told which is which.
+constexpr int kMostUnmappedChannels = 2;
+
+bool isAiff(const QString &format)
+{
+    return format == u"AIFF" || format == u"AIF";
+}
+
+int channelsOf(const QString &path)
+{
+    return soundLength(path).value_or(SoundLength{}).channels;
+}
+
 } // namespace
 
 bool EncodeThroughWavTask::suits(const QString &sourceFormat, const QString &format)
@@ -54,6 +69,11 @@ bool EncodeThroughWavTask::suits(const QString &sourceFormat, const QString &for
         {u"APE"_s, {u"FLAC"_s, u"SHN"_s, u"WV"_s, u"TTA"_s, u"APE"_s}},
     };
     return sources.value(format).contains(sourceFormat);
+}
+
+bool EncodeThroughWavTask::suitsShapeOf(const QString &source, const QString &format)
+{
+    return format == u"FLAC" && isAiff(formatWord(source)) && channelsOf(source) > kMostUnmappedChannels;
 }
 
 EncodeThroughWavTask::EncodeThroughWavTask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath,
@@ -84,9 +104,12 @@ void EncodeThroughWavTask::doEncodeCall()
 bool EncodeThroughWavTask::decodeTo(const QString &wav)
 {
     const QString format = formatWord(fileName());
-    if (format != u"M4A")
-        return runTool(decodingOf(format, fileName(), wav));
-    convertToWav(fileName(), wav);
+    if (format == u"M4A" || isAiff(format))
+        convertToWav(fileName(), wav);
+    else if (runTool(decodingOf(format, fileName(), wav)))
+        checkTemporaryWav(wav);
+    else
+        return false;
     return !error() && !cancelled();
 }
 
@@ -106,6 +129,9 @@ ToolStage EncodeThroughWavTask::encodingOf(const QString &wav) const
     encoding.overwrite = false;
     ToolStage stage = toolStages::encodeFlac(false, wav, outputFile());
     stage.arguments = conversionArguments::encodeFlac(encoding, wav, outputFile());
+    // What a TTA file is decoded to does not say which channel is which; nor does the file.
+    if (formatWord(fileName()) == u"TTA" && channelsOf(wav) > kMostUnmappedChannels)
+        stage.arguments.prepend(u"--channel-map=none"_s);
     stage.replacesOutput = m_encoding.flac.overwrite;
     return stage;
 }
@@ -128,6 +154,8 @@ TagsObject EncodeThroughWavTask::readTags() const
         return TagLibTagsHelper::tagsForWavpackFile(fileName());
     if (format == u"TTA")
         return TagLibTagsHelper::tagsForTTAFile(fileName());
+    if (isAiff(format))
+        return TagLibTagsHelper::tagsForAIFFFile(fileName());
     return AACTagsHelper::tagsForFile(fileName());
 }
 

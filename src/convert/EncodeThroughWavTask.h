@@ -24,6 +24,9 @@ public:
     /// "WV", "TTA", "APE", "M4A") that the format's encoder does not read itself, and that
     /// no other job decodes for it.
     [[nodiscard]] static bool suits(const QString &sourceFormat, const QString &format);
+    /// The same for a file that its format's encoder reads itself in other shapes: flac knows
+    /// AIFF of one and two channels. A few reads.
+    [[nodiscard]] static bool suitsShapeOf(const QString &source, const QString &format);
 
     /// `results`: the set of the batch, or null for a set of the job's own.
     EncodeThroughWavTask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath, Encoding encoding,

@@ -37,6 +37,7 @@ void EncodeWavpackToFlacTask::doEncodeCall()
 void EncodeWavpackToFlacTask::convertWavpackToWav(const QString &wav)
 {
     runTool(toolStages::wavpackToWavForFlac(fileName(), wav));
+    checkTemporaryWav(wav);
 }
 
 void EncodeWavpackToFlacTask::cleanup()

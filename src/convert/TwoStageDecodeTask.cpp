@@ -30,6 +30,7 @@ void TwoStageDecodeTask::decodeThroughTemporaryWav(const StageFor &stageFor)
         return;
     const StageFile wav(outputPath());
     runTool(stageFor(wav.path()));
+    checkTemporaryWav(wav.path());
     convertToAiff(wav.path());
 }
 
@@ -48,6 +49,7 @@ void TwoStageDecodeTask::decodeThroughIntermediateWav(const StageFor &stageFor)
         noteIntermediateGone();
     });
     runTool(stageFor(wav));
+    checkTemporaryWav(wav);
     convertToAiff(wav);
 }
 

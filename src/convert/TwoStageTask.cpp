@@ -12,6 +12,7 @@
 #include "platform/GuiThread.h"
 #include "platform/NurvFailure.h"
 #include "platform/ResourceFolder.h"
+#include "samples/SoundLength.h"
 
 #include <QFile>
 
@@ -97,6 +98,21 @@ void TwoStageTask::takeEnding(const ToolStage &stage, const ToolRunSync::Ending 
         appendResultsForSelf(reason);
         keepReasonForReport(reason);
     }
+}
+
+void TwoStageTask::checkTemporaryWav(const QString &wav)
+{
+    if (error() || cancelled())
+        return;
+    const std::optional<SoundLength> length = soundLength(wav);
+    if (!length || !length->declaredFrames || length->heldFrames.value_or(*length->declaredFrames) == *length->declaredFrames)
+        return;
+    m_isHalfMade = true;
+    const QString problem = u"damaged: its header promises %1 samples, its decoder delivers %2"_s
+                                .arg(*length->declaredFrames)
+                                .arg(*length->heldFrames);
+    noteProblem(problem);
+    failWith(problemLine(problem));
 }
 
 bool TwoStageTask::convertAudio(const QString &source, const QString &file, FourCharCode formatType,

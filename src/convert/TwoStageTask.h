@@ -51,6 +51,10 @@ protected:
     /// Runs the program to its end and parses what it writes. Nothing runs in a cancelled job.
     /// False: it failed, told of an error, or did not run.
     bool runTool(const ToolStage &stage);
+    /// Fails when a temporary WAV that a program has made holds another number of samples
+    /// than its header says: a decoder may take the one from its source's header and the
+    /// other from its sound, and the next stage reads as far as the header says. A few reads.
+    void checkTemporaryWav(const QString &wav);
     /// Converts `source` to `file` by the audio service. A failure sets the error flag.
     /// False: it failed, or the job was cancelled.
     bool convertAudio(const QString &source, const QString &file, FourCharCode formatType, FourCharCode fileType);

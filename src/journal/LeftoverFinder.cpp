@@ -73,6 +73,21 @@ TemporaryKind kindOf(const QByteArray &path)
     return temporaryKind(QString::fromUtf8(path.mid(path.lastIndexOf('/') + 1)));
 }
 
+/// "a/song.m4a" for "a/song-temp-57809.m4a"; empty for anything else.
+QByteArray targetOfTagEditorFile(const QByteArray &path)
+{
+    constexpr QByteArrayView kMark = "-temp-";
+    const qsizetype point = path.lastIndexOf('.');
+    const qsizetype mark = point < 0 ? -1 : path.lastIndexOf(kMark, point);
+    if (mark < 0 || mark + kMark.size() == point)
+        return {};
+    for (qsizetype at = mark + kMark.size(); at < point; ++at) {
+        if (path[at] < '0' || path[at] > '9')
+            return {};
+    }
+    return path.first(mark) + path.sliced(point);
+}
+
 Leftover leave(Leftover::Kind kind, const QString &reason)
 {
     return {.kind = kind, .plan = Leftover::Plan::Leave, .path = {}, .output = {}, .reason = reason, .identity = {}};
@@ -122,6 +137,7 @@ void LeftoverFinder::lookAtOutput(const PlannedOutput &planned)
     const Facts present = factsOf(planned.output);
     if (!planned.hasEnded && (planned.begunNs || !m_areMarksExact)) {
         m_folders.insert(folderOf(planned.output));
+        m_begunOutputs.insert(planned.output, planned.begunNs.value_or(m_contents.beganNs));
         lookAtScratchFiles(planned);
     }
     if (lookAtAside(planned, present) || planned.hasEnded)
@@ -254,11 +270,23 @@ void LeftoverFinder::lookAtFolder(const QByteArray &folder)
     while (const dirent *const entry = entries ? ::readdir(entries.get()) : nullptr) {
         const QByteArray path = folder + '/' + entry->d_name;
         const TemporaryKind kind = kindOf(path);
+        lookAtTagEditorFile(path);
         if (kind == TemporaryKind::Part || kind == TemporaryKind::PrivateFolder
             || (kind == TemporaryKind::Stage && !m_isSameBoot)) {
             lookAtFolderEntry(path, factsOf(path));
         }
     }
+}
+
+/// What AtomicParsley works on beside an output.
+void LeftoverFinder::lookAtTagEditorFile(const QByteArray &path)
+{
+    const auto begun = m_begunOutputs.constFind(targetOfTagEditorFile(path));
+    const Facts facts = begun != m_begunOutputs.cend() ? factsOf(path) : std::nullopt;
+    if (!facts || !S_ISREG(facts->st_mode) || !isOurs(*facts) || nanoseconds(facts->st_ctim) < *begun)
+        return;
+    add(m_programs.isOpen(*facts) ? waitFor(Leftover::Kind::Temporary) : removal(Leftover::Kind::Temporary), path,
+        *facts);
 }
 
 void LeftoverFinder::lookAtFolderEntry(const QByteArray &path, Facts facts)

@@ -6,6 +6,7 @@
 #include "journal/Leftover.h"
 #include "journal/RunningPrograms.h"
 
+#include <QHash>
 #include <QSet>
 
 #include <cstdint>
@@ -41,6 +42,7 @@ private:
     void lookAtScratchFiles(const PlannedOutput &planned);
     void lookAtNotedTemporary(const QByteArray &path);
     void lookAtFolder(const QByteArray &folder);
+    void lookAtTagEditorFile(const QByteArray &path);
     void lookAtFolderEntry(const QByteArray &path, Facts facts);
     void noteSource(const PlannedOutput &planned, const Facts &present);
 
@@ -61,6 +63,7 @@ private:
     const std::int64_t m_nowNs;
     UnfinishedRun m_run;
     QSet<QByteArray> m_folders; ///< in which something was being made
+    QHash<QByteArray, std::int64_t> m_begunOutputs; ///< when, of those that were not ended
 };
 
 } // namespace nurv

@@ -311,9 +311,11 @@ Mpeg4Timing::ReadAt AudioFileHeader::byteReader() const
 bool AudioFileHeader::measureOneEdit()
 {
     const auto timing = Mpeg4Timing::read(byteReader(), m_facts.st_size, static_cast<std::uint32_t>(m_stream->id));
+    const auto rate = static_cast<std::int64_t>(m_format.sampleRate);
     if (timing && timing->mediaTimescale > 0)
-        m_mediaLength =
-            av_rescale(timing->mediaDuration, static_cast<std::int64_t>(m_format.sampleRate), timing->mediaTimescale);
+        m_mediaLength = av_rescale(timing->mediaDuration, rate, timing->mediaTimescale);
+    if (timing && timing->tableDuration && *timing->tableDuration != timing->mediaDuration)
+        m_tableFrames = av_rescale(*timing->tableDuration, rate, timing->mediaTimescale);
     const auto length = timing ? timing->length() : std::nullopt;
     // In other units than the sample rate, frames would have to be guessed.
     if (!length || timing->mediaTimescale != m_format.sampleRate)

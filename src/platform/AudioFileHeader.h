@@ -59,6 +59,10 @@ public:
     /// the edit list of a lossless file hides.
     [[nodiscard]] bool holdsMoreSound() const { return m_holdsMoreSound; }
 
+    /// The length in frames after the table of durations of an MPEG-4 track, where that is
+    /// another one than its header tells.
+    [[nodiscard]] std::optional<std::int64_t> tableFrames() const { return m_tableFrames; }
+
     /// Whether the file is WAV or AIFF with plain integers, so that its bytes are
     /// the samples.
     [[nodiscard]] bool isPlainPcm() const { return m_isPlainPcm; }
@@ -97,6 +101,7 @@ private:
     std::int64_t m_declaredLength = 0; ///< from the codec's own header
     std::int64_t m_firstFrame = 0;
     int m_readError = 0;
+    std::optional<std::int64_t> m_tableFrames;
     std::int64_t m_mediaLength = 0; ///< of the track without its edit list; 0: not known
     bool m_hasOneEdit = false;
     bool m_holdsMoreSound = false;

@@ -14,6 +14,8 @@ namespace {
 /// More boxes side by side than any file has.
 constexpr int kMostBoxes = 10'000;
 constexpr int kBoxHeadSize = 8;
+/// Packets of one length are one entry.
+constexpr quint32 kMostDurations = 100'000;
 
 struct Box {
     std::int64_t start = 0; ///< of the contents
@@ -105,6 +107,26 @@ void readEdit(const BoxReader &boxes, const Box &track, Mpeg4Timing &timing)
     timing.editDurationAt = isWide ? 0 : list->start + 8;
 }
 
+std::optional<std::int64_t> sumOfDurations(const BoxReader &boxes, const Box &media)
+{
+    const auto information = boxes.first(media, "minf");
+    const auto tables = information ? boxes.first(*information, "stbl") : std::nullopt;
+    const auto table = tables ? boxes.first(*tables, "stts") : std::nullopt;
+    const auto count = table ? boxes.number<quint32>(*table, 4) : std::nullopt;
+    if (!count || *count > kMostDurations)
+        return std::nullopt;
+    std::int64_t sum = 0;
+    for (quint32 entry = 0; entry < *count; ++entry) {
+        const auto packets = boxes.number<quint32>(*table, 8 + std::int64_t{entry} * 8);
+        const auto duration = boxes.number<quint32>(*table, 12 + std::int64_t{entry} * 8);
+        std::int64_t product = 0;
+        if (!packets || !duration || __builtin_mul_overflow(std::int64_t{*packets}, std::int64_t{*duration}, &product)
+            || __builtin_add_overflow(sum, product, &sum))
+            return std::nullopt;
+    }
+    return sum;
+}
+
 } // namespace
 
 int Mpeg4Timing::trackCount(const ReadAt &readAt, std::int64_t fileSize)
@@ -143,6 +165,7 @@ std::optional<Mpeg4Timing> Mpeg4Timing::read(const ReadAt &readAt, std::int64_t 
     }
     if (!boxes.isWide(*trackHeader))
         timing.trackDurationAt = trackHeader->start + 20;
+    timing.tableDuration = sumOfDurations(boxes, *media);
     readEdit(boxes, *track, timing);
     return timing;
 }

@@ -19,6 +19,9 @@ struct Mpeg4Timing {
     std::uint32_t movieTimescale = 0; ///< units per second
     std::uint32_t mediaTimescale = 0;
     std::int64_t mediaDuration = 0; ///< 0: not told
+    /// The sum of the table that has the duration of every packet ("stts"); nothing where it
+    /// is missing, longer than any that is written, or beyond all numbers.
+    std::optional<std::int64_t> tableDuration;
     bool hasOneEdit = false;        ///< the edit list is one stretch of the media
     std::int64_t editDuration = 0;  ///< in units of the movie
     std::int64_t editStart = 0;     ///< in units of the media

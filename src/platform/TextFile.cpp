@@ -5,6 +5,7 @@
 #include "platform/DecodeText.h"
 #include "platform/FileDescriptor.h"
 #include "platform/SystemError.h"
+#include "platform/UnnamedFile.h"
 #include "platform/WriteAll.h"
 
 #include <QFile>
@@ -59,8 +60,9 @@ bool writeInPlace(const QByteArray &path, const QByteArray &contents, QString *r
 // still have a neighbour.
 QByteArray neighbourName(const QByteArray &path)
 {
-    return path.first(path.lastIndexOf('/') + 1) + ".nurv-"
-        + QByteArray::number(QRandomGenerator::global()->generate64(), 36);
+    constexpr int kLetters = 12;
+    const QByteArray random = QByteArray::number(QRandomGenerator::global()->generate64(), 36);
+    return path.first(path.lastIndexOf('/') + 1) + ".nurv-" + random.rightJustified(kLetters, '0', true) + ".part";
 }
 
 // The contents of a file must be on the disk before its new name is, and the name
@@ -73,6 +75,20 @@ void flushFolderOf(const QByteArray &path)
         ::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (descriptor.isOpen())
         ::fsync(descriptor.get());
+}
+
+/// Under a name that is free. Returns false with the reason in errno: EEXIST when something
+/// has that name, EOPNOTSUPP where there are no files without a name.
+bool writeUnnamed(const QByteArray &path, const QByteArray &contents)
+{
+    const QByteArray folder = path.first(path.lastIndexOf('/') + 1);
+    FileDescriptor file = unnamedFile::open(folder.isEmpty() ? "." : folder.toStdString());
+    if (!file.isOpen()) {
+        errno = EOPNOTSUPP;
+        return false;
+    }
+    return writeAll(file.get(), contents) && ::fsync(file.get()) == 0
+           && unnamedFile::name(file, path.toStdString());
 }
 
 bool writeNeighbour(FileDescriptor &file, const QByteArray &contents, const struct stat *old)
@@ -142,6 +158,14 @@ bool writeFileAtomically(const QString &path, const QByteArray &contents, QStrin
     if (exists && !S_ISREG(old.st_mode))
         return writeInPlace(target, contents, reason);
 
+    if (!exists) {
+        if (writeUnnamed(target, contents)) {
+            flushFolderOf(target);
+            return true;
+        }
+        if (errno != EOPNOTSUPP && errno != EEXIST)
+            return failWithErrno(reason);
+    }
     // The kernel applies the umask to a new file; one that takes the place of
     // another is readable by the owner only until it has the other's permissions.
     QByteArray neighbour;

@@ -6,6 +6,7 @@
 #include "platform/NurvFailure.h"
 #include "samples/ByteSource.h"
 #include "samples/CodecHeaders.h"
+#include "samples/FlacLastFrame.h"
 #include "samples/PcmHeader.h"
 #include "samples/ShortenSampleStream.h"
 #include "samples/WavpackBlocks.h"
@@ -30,6 +31,8 @@ SoundLength pcmLength(const PcmHeader &header)
 {
     SoundLength length = lengthOf(header.format, header.declaredFrames);
     length.heldFrames = header.heldFrames();
+    // Of a header that contradicts the file, every reader believes another part.
+    length.isBacked = !length.declaredFrames || length.declaredFrames == length.heldFrames;
     return length;
 }
 
@@ -43,7 +46,7 @@ std::optional<SoundLength> demuxedLength(const RegularFile &file)
         return std::nullopt;
     const AudioStreamDescription format = header->format();
     return SoundLength{.declaredFrames = header->isLengthExact() ? std::optional(header->lengthFrames()) : std::nullopt,
-                       .heldFrames = std::nullopt,
+                       .heldFrames = header->tableFrames(),
                        .isBacked = true,
                        .sampleRateHz = static_cast<int>(format.sampleRate),
                        .channels = static_cast<int>(format.channelsPerFrame),
@@ -87,10 +90,12 @@ std::optional<SoundLength> readLength(const RegularFile &file)
     }
     if (const auto header = CodecHeader::read(file, start)) {
         SoundLength length = lengthOf(header->format, header->declaredFrames);
-        // A checksum of TTA goes over the bytes of a frame, whatever of it is decoded.
-        const bool hasChecksums = header->kind == CodecHeader::Kind::MonkeysAudio;
-        length.isBacked = hasChecksums
-                          || std::any_of(header->md5.begin(), header->md5.end(), [](auto byte) { return byte != 0; });
+        if (header->kind == CodecHeader::Kind::Flac)
+            length.heldFrames = framesByLastFlacFrame(file, start);
+        // A checksum of TTA goes over the bytes of a frame, whatever of it is decoded. That of a FLAC file goes over
+        // all samples, but is not looked at behind the total.
+        const bool hasMd5 = std::any_of(header->md5.begin(), header->md5.end(), [](auto byte) { return byte != 0; });
+        length.isBacked = header->kind == CodecHeader::Kind::MonkeysAudio || (hasMd5 && length.heldFrames);
         return length;
     }
     if (const auto first = WavpackBlocks::readBlock(file, start))

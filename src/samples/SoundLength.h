@@ -14,9 +14,10 @@ struct SoundLength {
     /// After its headers; nothing when they do not tell, as in a stream that came from a
     /// pipe.
     std::optional<std::int64_t> declaredFrames;
-    /// After its size, where that tells: WAV and AIFF. To the end of the file when a
-    /// crashed recorder left a size of 0 or of 0xFFFFFFFF, or when the sound goes on behind
-    /// what the header counts.
+    /// After what else tells. WAV and AIFF: the size; to the end of the file when a crashed
+    /// recorder left a size of 0 or of 0xFFFFFFFF, or when the sound goes on behind what the
+    /// header counts. FLAC: the last frame's own number. MPEG-4: the table of durations,
+    /// where it and the header do not agree.
     std::optional<std::int64_t> heldFrames;
     /// Whether what decodes the file would notice that it holds another number of frames
     /// than its header says: by its size, or by checksums over all of it.

@@ -60,3 +60,25 @@ TEST(ExistingOutputs, OverwriteAnswersNoQuestion)
     EXPECT_EQ(result.exitStatus, 2);
     EXPECT_EQ(folder.list(), QStringList{u"a.wav"_s});
 }
+
+TEST(ExistingOutputs, ArePassedOverOnlyWhenTheyMayHoldTheirSources)
+{
+    const TestFolder folder;
+    const QString whole = writeWav(folder.path(u"in/a.wav"_s), {.seconds = 0.1});
+    const QString cut = writeWav(folder.path(u"in/b.wav"_s), {.frames = 4410, .seed = 2});
+    const QString text = writeWav(folder.path(u"in/c.wav"_s), {.seconds = 0.1, .seed = 3});
+    ASSERT_EQ(runNurv({u"encode"_s, u"--beside-source"_s, whole}).exitStatus, 0);
+    writeFlac(folder.path(u"in/b.flac"_s), {.frames = 4409, .seed = 2});
+    folder.write(u"in/c.flac"_s, "no sound");
+    const ProgramResult result =
+        runNurv({u"encode"_s, u"--beside-source"_s, u"--skip-existing"_s, u"--jobs=1"_s, whole, cut, text});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_TRUE(result.errors.contains("b.wav: its output b.flac exists already, but is not whole: its output holds "
+                                       "4409 of 4410 samples"))
+        << result.errors.constData();
+    EXPECT_TRUE(result.errors.contains("c.wav: its output c.flac exists already, but is not whole: its output is no "
+                                       "sound file"))
+        << result.errors.constData();
+    EXPECT_FALSE(result.errors.contains("a.wav:")) << result.errors.constData();
+    EXPECT_EQ(folder.read(u"in/c.flac"_s), "no sound");
+}

@@ -95,10 +95,12 @@ TEST_F(TemporaryFilesTest, WhatAProgramHasOpenWaits)
 TEST_F(TemporaryFilesTest, WhatBundledProgramsWereMakingGoes)
 {
     killAfter(
-        {write(kPart, u"x"_s), write(u"a.flac.metadata_edit"_s, u"x"_s), write(u"a.flac.tmp,fl-ac+en'c"_s, u"x"_s)});
+        {write(kPart, u"x"_s), write(u"a.flac.metadata_edit"_s, u"x"_s), write(u"a.flac.tmp,fl-ac+en'c"_s, u"x"_s),
+         write(u"a-temp-57809.flac"_s, u"x"_s)});
     folder.write(kFolder + u"/a.flac"_s, "x");
     EXPECT_THAT(cleaned(), UnorderedElementsAre(u"removed "_s + kPart, u"removed "_s + kFolder,
-                                                u"removed a.flac.metadata_edit"_s, u"removed a.flac.tmp,fl-ac+en'c"_s));
+                                                u"removed a.flac.metadata_edit"_s, u"removed a.flac.tmp,fl-ac+en'c"_s,
+                                                u"removed a-temp-57809.flac"_s));
     EXPECT_EQ(folder.list(), QStringList{u"a.wav"_s});
     EXPECT_FALSE(folder.exists(kFolder));
 }
@@ -117,7 +119,8 @@ TEST_F(TemporaryFilesTest, WhatIsOlderThanTheBatchStays)
 TEST_F(TemporaryFilesTest, WhatLooksAlikeStays)
 {
     killAfter({write(u".nurv-abcdef012345.part.flac"_s, u"x"_s), write(u"b.flac.metadata_edit"_s, u"x"_s),
-               write(u"song.part"_s, u"x"_s), write(kStage, u"x"_s)});
+               write(u"song.part"_s, u"x"_s), write(u"a-temp-.flac"_s, u"x"_s), write(u"a-temp-5x.flac"_s, u"x"_s),
+               write(u"b-temp-5.flac"_s, u"x"_s), write(u"a-temp-5.wav"_s, u"x"_s), write(kStage, u"x"_s)});
     EXPECT_THAT(found(), IsEmpty()) << "the last one nobody has noted, and its process may have another journal";
 }
 

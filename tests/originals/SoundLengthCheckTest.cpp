@@ -109,11 +109,15 @@ TEST_F(SoundLengthCheckTest, DoesNotKnowTheLengthOfAStream)
         bytes = folder.read(u"b.flac"_s);
     }
     bytes[21] = static_cast<char>(bytes[21] & 0xF0);
-    bytes.replace(22, 4, QByteArray(4, '\0'));
+    // Nor is there an MD5.
+    bytes.replace(22, 20, QByteArray(20, '\0'));
     const QString source = folder.write(u"pipe.flac"_s, bytes);
     const SoundLengthCheck check = SoundLengthCheck::of({source}, {wav});
     EXPECT_EQ(check.fault, std::nullopt);
     EXPECT_FALSE(check.isKnown);
+    const QString less = test::writeWav(folder.path(u"less.wav"_s), {.frames = 22049});
+    EXPECT_EQ(SoundLengthCheck::of({source}, {less}).fault, u"its output holds 22049 of 22050 samples"_s)
+        << "by its last frame";
 }
 
 TEST_F(SoundLengthCheckTest, AddsUpSourcesAndOutputs)

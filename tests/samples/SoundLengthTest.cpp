@@ -47,7 +47,7 @@ TEST_F(SoundLengthTest, TellsLengthAndFormatOfEveryKind)
             SCOPED_TRACE(qPrintable(kind));
             const SoundLength length = lengthOf(make(kind, shape));
             EXPECT_EQ(length.declaredFrames, shape.frameCount());
-            const bool isCounted = kind.startsWith(u"wav") || kind == u"aiff";
+            const bool isCounted = kind.startsWith(u"wav") || kind == u"aiff" || kind.startsWith(u"flac");
             EXPECT_EQ(length.heldFrames, isCounted ? Frames(shape.frameCount()) : Frames());
             EXPECT_EQ(length.sampleRateHz, shape.rate);
             EXPECT_EQ(length.channels, shape.channels);
@@ -78,7 +78,9 @@ TEST_F(SoundLengthTest, TellsNothingWhereAPipeLeftNothing)
 {
     QByteArray flac = make(u"flac"_s);
     flac[21] = static_cast<char>(flac[21] & '\xF0');
-    EXPECT_EQ(lengthOf(patched(flac, 22, big32(0))).declaredFrames, std::nullopt);
+    const SoundLength piped = lengthOf(patched(flac, 22, big32(0)));
+    EXPECT_EQ(piped.declaredFrames, std::nullopt);
+    EXPECT_EQ(piped.heldFrames, 22'050) << "the last frame tells";
     EXPECT_EQ(lengthOf(patched(make(u"wv"_s), 12, little32(0xFFFFFFFF))).declaredFrames, std::nullopt);
 }
 
@@ -92,6 +94,48 @@ TEST_F(SoundLengthTest, TellsWhatTheOwnHeadersSayAlsoWhereTheyLie)
     runOrFail(bundled(u"shorten"_s),
               {folder.write(u"lying.wav"_s, patched(wavBytes(kSound), 40, little32(176'400))), path});
     EXPECT_EQ(soundLength(path).value_or(SoundLength()).declaredFrames, 44'100);
+}
+
+TEST_F(SoundLengthTest, CountsAFlacFileByItsLastFrame)
+{
+    for (const SoundShape &shape :
+         {kSound, SoundShape{.rate = 96000, .bits = 24, .channels = 6, .frames = 4096}, SoundShape{.frames = 1},
+          SoundShape{.rate = 8000, .bits = 8, .channels = 1, .frames = 1'000'003}}) {
+        const QByteArray flac = make(u"flac"_s, shape);
+        EXPECT_EQ(lengthOf(flac).heldFrames, shape.frameCount());
+        const SoundLength lying = lengthOf(patched(flac, 22, big32(100)));
+        EXPECT_EQ(lying.declaredFrames, 100);
+        EXPECT_EQ(lying.heldFrames, shape.frameCount());
+        EXPECT_EQ(lengthOf(flac + "TAG" + QByteArray(125, 'x')).heldFrames, shape.frameCount());
+        // Neither the largest frame nor anything else is known.
+        EXPECT_EQ(lengthOf(patched(flac, 12, QByteArray(6, 0))).heldFrames, shape.frameCount());
+        const SoundLength cut = lengthOf(flac.chopped(1));
+        EXPECT_EQ(cut.heldFrames, std::nullopt);
+        EXPECT_FALSE(cut.isBacked);
+        EXPECT_EQ(lengthOf(flac + "rubbish").heldFrames, std::nullopt);
+    }
+}
+
+TEST_F(SoundLengthTest, CountsAFlacFileWhoseBlocksDiffer)
+{
+    // Its frames have the numbers of their first samples.
+    const QByteArray wav = wavBytes(kSound);
+    folder.write(u"sound.wav"_s, wav);
+    runOrFail(u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-i"_s, folder.path(u"sound.wav"_s), u"-af"_s, u"asetnsamples=999:p=0"_s,
+                            folder.path(u"odd.flac"_s)});
+    EXPECT_EQ(lengthOf(folder.read(u"odd.flac"_s)).heldFrames, 22'050);
+}
+
+TEST_F(SoundLengthTest, TellsWhereTheTableOfAnMpeg4FileSaysMoreThanItsHeader)
+{
+    const QByteArray m4a = make(u"m4a"_s);
+    EXPECT_EQ(lengthOf(m4a).heldFrames, std::nullopt) << "they agree";
+    const qsizetype header = m4a.indexOf("mdhd");
+    const SoundLength less = lengthOf(patched(m4a, header + 20, big32(11'025)));
+    EXPECT_EQ(less.declaredFrames, 11'025);
+    EXPECT_EQ(less.heldFrames, 22'050);
+    // The durations of a hundred packets instead of those that are there.
+    EXPECT_GE(lengthOf(patched(m4a, m4a.indexOf("stts") + 12, big32(100))).heldFrames, Frames(100 * 4096));
 }
 
 TEST_F(SoundLengthTest, TellsNothingOfWhatIsNoSound)

@@ -43,7 +43,7 @@ def trial(workshop, chance, root):
         tools = tools_with_meddler(chance, batch, workshop.tools, tool, [batch.format])
         before = batch.look()
         run = workshop.runner.run(batch, Interference(), tools=tools)
-        disk = DiskCheck(batch, before, workshop.decoder, run.jobs)
+        disk = DiskCheck(batch, before, workshop.decoder, run)
         is_deleted = not disk.is_there(batch.sources[0])
         outcome.description = f"{batch.description()}\n{tool} was the meddler"
         outcome.output = f"exit status {run.status}\n{run.output.decode()}{run.errors.decode('utf-8', 'replace')}"

@@ -9,14 +9,15 @@ LISTS = (".ffp", ".ffp.txt", "ffp.txt", ".md5", ".md5.txt")
 
 
 class DiskCheck:
-    """The state of one batch after its run. `told`: the jobs it told of, by source path."""
+    """The state of one batch after its run."""
 
-    def __init__(self, batch, before, decoder, jobs=()):
+    def __init__(self, batch, before, decoder, run):
         self.batch = batch
         self.before = before
         self.after = batch.look()
         self.decoder = decoder
-        self.jobs = {job.get("source"): job for job in jobs if job.get("source")}
+        self.jobs = {job.get("source"): job for job in run.jobs if job.get("source")}
+        self.errors = run.errors.decode("utf-8", "replace")
         self.source_paths = {source.path for source in batch.sources}
         self._decoded = {}
         self.is_meddled = bool(meddled_with(batch))
@@ -69,12 +70,18 @@ class DiskCheck:
         for source in self.batch.sources:
             if self.is_there(source):
                 continue
+            if source.path in self.after and self._is_only_in_the_way(source):
+                continue
             if source.path in self.after:
                 yield f"LOST: {source.path.name} was altered"
             elif not self.batch.deletes:
                 yield f"LOST: {source.path.name} is gone although nobody asked for that"
             elif not self.is_trashed(source):
                 yield from self._loss_without_source(source)
+
+    def _is_only_in_the_way(self, source):
+        """Whether the file is no source of this command, but has the name of an output that was to be replaced."""
+        return not self.batch.takes(source) and self.batch.has("--overwrite") and self.batch.sources_of(source.path)
 
     def _loss_without_source(self, source):
         outputs = self.batch.outputs_of(source)
@@ -85,11 +92,16 @@ class DiskCheck:
             yield f"LOST: {source.path.name} is gone; " + "; ".join(self.difference(path, source) for path in outputs[:1])
         elif not self.batch.has("--drop-metadata"):
             texts = self.decoder.texts(holding[0])
-            wide = [marker for marker in source.markers
-                    if marker not in texts and marker.decode("latin-1").encode("utf-16-le") not in texts
-                    and marker.decode("latin-1").encode("utf-16-be") not in texts]
-            if wide:
-                yield f"LOST: {source.path.name} is gone, and {holding[0].name} lacks {sorted(wide)[0][:40]!r}"
+            lacking = [marker for marker in source.markers if not self._has(holding[0], texts, marker)]
+            if lacking:
+                yield f"LOST: {source.path.name} is gone, and {holding[0].name} lacks {sorted(lacking)[0][:40]!r}"
+
+    def _has(self, path, texts, marker):
+        if marker.startswith(b"\x89PNG"):
+            # It may have been packed anew.
+            return marker in texts or self.decoder.colours(marker) in self.decoder.pictures(path)
+        wide = marker.decode("latin-1")
+        return any(form in texts for form in (marker, wide.encode("utf-16-le"), wide.encode("utf-16-be")))
 
     def replaced_files(self):
         for path, old in self.before.items():
@@ -130,6 +142,8 @@ class DiskCheck:
         """Whether the output holds the sound of a source, or what is wrong with it was told or is not the program's."""
         if any(self.holds(path, source) for source in makers) or self.is_meddled:
             return True
+        if not self.batch.has("--json"):
+            return any(f"{source.path.name}: its output " in self.errors for source in makers)
         told = [self.jobs.get(str(source.path)) for source in makers]
         return any(job and job.get("output") == str(path) and self._is_excused(job, source)
                    for job, source in zip(told, makers))

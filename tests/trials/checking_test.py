@@ -65,7 +65,7 @@ class Checks(unittest.TestCase):
         program.chmod(0o755)
         before = self.batch.look()
         run = Runner(program, self.folder).run(self.batch, interference)
-        return faults_of(DiskCheck(self.batch, before, self.decoder, run.jobs), run, interference)
+        return faults_of(DiskCheck(self.batch, before, self.decoder, run), run, interference)
 
     def assert_fault(self, text, *arguments, **words):
         faults = self.faults(*arguments, **words)

@@ -112,3 +112,14 @@ class Decoder:
         restoring = {"shn": (self.tools / "shorten", "-x", path, "-"), "wv": ("wvunpack", "-q", "-o", "-", path),
                      "ape": (self.tools / "mac", path, "-", "-d")}.get(kind_of(path))
         return data + self._run(*restoring).stdout if restoring else data
+
+    def pictures(self, path):
+        """The colours of all pictures in a file: red, green and blue of every dot."""
+        run = self._run("ffmpeg", "-v", "quiet", "-i", path, "-map", "0:v?", "-f", "rawvideo", "-pix_fmt", "rgb24", "-")
+        return run.stdout
+
+    def colours(self, picture):
+        """The same of a picture by itself."""
+        path = self.folder / "picture"
+        path.write_bytes(picture)
+        return self.pictures(path)

@@ -3,6 +3,7 @@
 """Makes the headers of sound files lie about how much sound there is. The sound itself stays as it was."""
 
 import dataclasses
+import hashlib
 import struct
 import subprocess
 import zlib
@@ -12,11 +13,11 @@ from sound import chunk_places, wav_bytes
 UNKNOWN = 0xFFFFFFFF
 
 
-def lying_number(chance, true, largest=UNKNOWN, frame=1):
-    """A wrong number, and what to call it. `frame`: what one frame of samples counts in it."""
+def lying_numbers(true, largest=UNKNOWN, frame=1):
+    """Wrong numbers, and what to call them. `frame`: what one frame of samples counts in them."""
     lies = [("0", 0), ("less", true // frame // 2 * frame), ("less by one", max(0, true - frame)),
             ("more", min(largest, true * 2 + frame)), ("all ones", largest)]
-    return chance.choice([(word, value) for word, value in lies if value != true])
+    return [(word, value) for word, value in lies if value != true]
 
 
 def put(data, at, layout, value):
@@ -24,39 +25,34 @@ def put(data, at, layout, value):
     return data[:at] + struct.pack(layout, value) + data[at + size :]
 
 
-def lie_in_wav(chance, data, frame):
-    field = chance.choice(("data", "data", "RIFF"))
-    at = 4
-    if field == "data":
-        at = next(start - 4 for name, start, *_ in chunk_places(data, False) if name == b"data")
-    word, value = lying_number(chance, int.from_bytes(data[at : at + 4], "little"), frame=frame)
-    return f"wav {field} size {word}", put(data, at, "<I", value)
+# Each of these yields all lies that its kind of file can tell: what to call it, and the file.
 
 
-def lie_in_aiff(chance, data, frame):
-    field = chance.choice(("COMM", "COMM", "SSND", "FORM"))
+def lies_in_wav(data, frame):
+    start = next(start for name, start, *_ in chunk_places(data, False) if name == b"data")
+    for field, at in (("data", start - 4), ("RIFF", 4)):
+        for word, value in lying_numbers(int.from_bytes(data[at : at + 4], "little"), frame=frame):
+            yield f"wav {field} size {word}", put(data, at, "<I", value)
+
+
+def lies_in_aiff(data, frame):
     places = {name: start for name, start, *_ in chunk_places(data, True)}
-    at = {"COMM": places[b"COMM"] + 2, "SSND": places[b"SSND"] - 4, "FORM": 4}[field]
-    unit = 1 if field == "COMM" else frame
-    word, value = lying_number(chance, int.from_bytes(data[at : at + 4], "big"), frame=unit)
-    if field == "SSND" and value < 8:
-        word, value = "no samples", 8
-    return f"aiff {field} {word}", put(data, at, ">I", value)
+    for field, at, unit in (("COMM", places[b"COMM"] + 2, 1), ("SSND", places[b"SSND"] - 4, frame), ("FORM", 4, frame)):
+        for word, value in lying_numbers(int.from_bytes(data[at : at + 4], "big"), frame=unit):
+            if field == "SSND" and value < 8:
+                word, value = "no samples", 8
+            yield f"aiff {field} {word}", put(data, at, ">I", value)
 
 
-def lie_in_flac(chance, data, _frame):
+def lies_in_flac(data, _frame):
     packed = int.from_bytes(data[18:26], "big")
     total = packed & (1 << 36) - 1
-    words = []
-    if chance.random() < 0.7:
-        word, value = lying_number(chance, total, (1 << 36) - 1)
-        words.append(f"total {word}")
-        data = data[:18] + (packed - total + value).to_bytes(8, "big") + data[26:]
-    if not words or chance.random() < 0.5:
-        word, digest = chance.choice((("0", bytes(16)), ("0", bytes(16)), ("another", chance.randbytes(16))))
-        words.append(f"MD5 {word}")
-        data = data[:26] + digest + data[42:]
-    return "flac " + ", ".join(words), data
+    for word, value in [("", total), *lying_numbers(total, (1 << 36) - 1)]:
+        told = data[:18] + (packed - total + value).to_bytes(8, "big") + data[26:]
+        if word:
+            yield f"flac total {word}", told
+        for digest_word, digest in (("0", bytes(16)), ("another", hashlib.md5(data).digest())):
+            yield "flac " + (f"total {word}, " if word else "") + f"MD5 {digest_word}", told[:26] + digest + told[42:]
 
 
 def wavpack_blocks(data):
@@ -66,36 +62,33 @@ def wavpack_blocks(data):
         at += 8 + int.from_bytes(data[at + 4 : at + 8], "little")
 
 
-def lie_in_wv(chance, data, _frame):
-    if chance.random() < 0.7:
-        word, value = lying_number(chance, int.from_bytes(data[12:16], "little"))
-        blocks = list(wavpack_blocks(data))
-        for at in blocks if chance.random() < 0.5 else blocks[:1]:
-            data = put(data, at + 12, "<I", value)
-        return f"wv total {word}", data
-    at = chance.choice(list(wavpack_blocks(data)))
-    word, value = lying_number(chance, int.from_bytes(data[at + 20 : at + 24], "little"))
-    return f"wv block samples {word}", put(data, at + 20, "<I", value)
+def lies_in_wv(data, _frame):
+    blocks = list(wavpack_blocks(data))
+    for word, value in lying_numbers(int.from_bytes(data[12:16], "little")):
+        yield f"wv first total {word}", put(data, blocks[0] + 12, "<I", value)
+        told = data
+        for at in blocks:
+            told = put(told, at + 12, "<I", value)
+        yield f"wv total {word}", told
+    for at in {blocks[0], blocks[-1]}:
+        for word, value in lying_numbers(int.from_bytes(data[at + 20 : at + 24], "little")):
+            yield f"wv block samples {word}", put(data, at + 20, "<I", value)
 
 
-def lie_in_tta(chance, data, _frame):
-    word, value = lying_number(chance, int.from_bytes(data[14:18], "little"))
-    data = put(data, 14, "<I", value)
-    if chance.random() < 0.8:
-        data = put(data, 18, "<I", zlib.crc32(data[:18]))
-        return f"tta total {word}", data
-    return f"tta total {word}, header CRC wrong", data
+def lies_in_tta(data, _frame):
+    for word, value in lying_numbers(int.from_bytes(data[14:18], "little")):
+        told = put(data, 14, "<I", value)
+        yield f"tta total {word}, header CRC wrong", told
+        yield f"tta total {word}", put(told, 18, "<I", zlib.crc32(told[:18]))
 
 
-def lie_in_ape(chance, data, _frame):
+def lies_in_ape(data, _frame):
     header = int.from_bytes(data[8:12], "little")
-    field, at = chance.choice((("final frame", header + 8), ("final frame", header + 8), ("frames", header + 12)))
-    word, value = lying_number(chance, int.from_bytes(data[at : at + 4], "little"))
-    data = put(data, at, "<I", value)
-    if chance.random() < 0.3:
-        data = data[:36] + bytes(16) + data[52:]
-        word += ", no MD5"
-    return f"ape {field} {word}", data
+    for field, at in (("final frame", header + 8), ("frames", header + 12)):
+        for word, value in lying_numbers(int.from_bytes(data[at : at + 4], "little")):
+            told = put(data, at, "<I", value)
+            yield f"ape {field} {word}", told
+            yield f"ape {field} {word}, no MD5", told[:36] + bytes(16) + told[52:]
 
 
 def box_place(data, *path):
@@ -114,7 +107,7 @@ def box_place(data, *path):
     return start
 
 
-def lie_in_m4a(chance, data, _frame):
+def lies_in_m4a(data, _frame):
     media = (b"moov", b"trak", b"mdia")
     table = (*media, b"minf", b"stbl")
     fields = {
@@ -124,40 +117,58 @@ def lie_in_m4a(chance, data, _frame):
         "mvhd duration": (box_place(data, b"moov", b"mvhd"), 16),
         "stsz count": (box_place(data, *table, b"stsz"), 8),
     }
-    field = chance.choice([name for name, (start, _) in fields.items() if start is not None])
-    at = sum(fields[field])
-    word, value = lying_number(chance, int.from_bytes(data[at : at + 4], "big"))
-    data = put(data, at, ">I", value)
-    if field == "stts count" and chance.random() < 0.5:
-        start, place = fields["mdhd duration"]
-        word += ", mdhd 0"
-        data = put(data, start + place, ">I", 0)
-    return f"m4a {field} {word}", data
+    for field, (start, place) in fields.items():
+        if start is None:
+            continue
+        for word, value in lying_numbers(int.from_bytes(data[start + place : start + place + 4], "big")):
+            told = put(data, start + place, ">I", value)
+            yield f"m4a {field} {word}", told
+            if field == "stts count":
+                yield f"m4a {field} {word}, mdhd 0", put(told, sum(fields["mdhd duration"]), ">I", 0)
 
 
-LIES = {"wav": lie_in_wav, "aiff": lie_in_aiff, "flac": lie_in_flac, "wv": lie_in_wv, "tta": lie_in_tta,
-        "ape": lie_in_ape, "m4a": lie_in_m4a}
+LIES = {"wav": lies_in_wav, "aiff": lies_in_aiff, "flac": lies_in_flac, "wv": lies_in_wv, "tta": lies_in_tta,
+        "ape": lies_in_ape, "m4a": lies_in_m4a}
 
 
-def tell_lie(chance, maker, decoder, source):
-    """The source with a header that lies, or None. What was said is the last of its `evils`."""
+def stored_lies(maker, decoder, source):
+    """The source with a WAV header in it that lies, as a recorder left it: all that its encoder takes."""
     frame = source.sound.channels * source.bits // 8
-    if source.kind == "shn" or (source.kind in ("wv", "tta", "ape") and chance.random() < 0.3):
-        word, wav = lie_in_wav(chance, wav_bytes(source.sound, source.bits), frame)
+    for word, wav in lies_in_wav(wav_bytes(source.sound, source.bits), frame):
         made = maker.from_wav(source.kind, wav, source.sound, source.bits)
         if made is not None and decoder.decode_bytes(made.data, source.kind).sound == source.sound:
             made.evils.append(f"lie: {source.kind} with a stored {word}")
-            return made
-    if source.kind == "shn":
-        return None
-    word, data = LIES[source.kind](chance, source.data, frame)
-    liar = dataclasses.replace(source, data=data, evils=[*source.evils, f"lie: {word}"], accepted=[source.sound])
-    if source.kind in ("wav", "aiff"):
-        # Without a size that is right, chunks behind the samples may be taken for more of them.
-        held = decoder.decode_bytes(data, source.kind).sound
-        if held is not None and held.samples.startswith(source.sound.samples):
-            liar.accepted.append(held)
-    return liar
+            yield made
+
+
+def own_lies(decoder, source):
+    """The source with a header of its own kind that lies."""
+    frame = source.sound.channels * source.bits // 8
+    for word, data in LIES[source.kind](source.data, frame):
+        liar = dataclasses.replace(source, data=data, evils=[*source.evils, f"lie: {word}"], accepted=[source.sound])
+        if source.kind in ("wav", "aiff"):
+            # Without a size that is right, chunks behind the samples may be taken for more of them.
+            held = decoder.decode_bytes(data, source.kind).sound
+            if held is not None and held.samples.startswith(source.sound.samples):
+                liar.accepted.append(held)
+        yield liar
+
+
+def all_lies(maker, decoder, source):
+    """The source with each lie that its kind of file can tell. What was said is the last of its `evils`."""
+    if source.kind in ("shn", "wv", "tta", "ape"):
+        yield from stored_lies(maker, decoder, source)
+    if source.kind in LIES:
+        yield from own_lies(decoder, source)
+    if source.kind == "flac" and source.bits > 8:
+        yield piped_flac(source)
+
+
+def tell_lie(chance, maker, decoder, source):
+    """The source with one of those lies; None when there is none."""
+    is_stored = source.kind == "shn" or (source.kind in ("wv", "tta", "ape") and chance.random() < 0.3)
+    lies = list(stored_lies(maker, decoder, source) if is_stored else own_lies(decoder, source))
+    return chance.choice(lies) if lies else None
 
 
 def piped_flac(source):

@@ -56,7 +56,7 @@ def finish(workshop, batch, faults):
     run = workshop.runner.run(batch, Interference())
     sources = batch.sources
     batch.sources = [source for source in sources if source.path in before]
-    disk = DiskCheck(batch, before, workshop.decoder, run.jobs)
+    disk = DiskCheck(batch, before, workshop.decoder, run)
     faults += [f"second run: {fault}" for fault in faults_of(disk, run, Interference())]
     if run.status != 0:
         faults.append(f"second run: NOT DONE: exit status {run.status}: {run.errors.decode('utf-8', 'replace')[-300:]}")
@@ -75,7 +75,7 @@ def trial(workshop, chance, root):
     run = workshop.runner.run(batch, interference, waits_for_orphans=chance.random() < 0.5)
     recovery = workshop.runner.recover(batch)
     left_over = workshop.runner.wait_for_children(run.mark, GRACE_SECONDS)
-    disk = DiskCheck(batch, before, workshop.decoder, run.jobs)
+    disk = DiskCheck(batch, before, workshop.decoder, run)
     faults = faults_of(disk, run, interference) + list(output_faults(disk, run))
     faults += [f"recovery: {fault}" for fault in recovery.faults + left_over]
     if recovery.status != 0:

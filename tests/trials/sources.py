@@ -46,12 +46,12 @@ class Source:
 
 
 def png_picture(marker):
-    """A picture of one dot, with a text in it that finds it again."""
+    """A picture of one dot, whose colour and whose text find it again."""
     def chunk(name, held):
         return struct.pack(">I", len(held)) + name + held + struct.pack(">I", zlib.crc32(name + held))
-    head = chunk(b"IHDR", struct.pack(">IIBBBBB", 1, 1, 8, 0, 0, 0, 0))
+    head = chunk(b"IHDR", struct.pack(">IIBBBBB", 1, 1, 8, 2, 0, 0, 0))
     return b"\x89PNG\r\n\x1a\n" + head + chunk(b"tEXt", b"Comment\0" + marker) + \
-        chunk(b"IDAT", zlib.compress(b"\0\x80")) + chunk(b"IEND", b"")
+        chunk(b"IDAT", zlib.compress(b"\0" + zlib.crc32(marker).to_bytes(4, "big")[:3])) + chunk(b"IEND", b"")
 
 
 def ape_tag(fields):

@@ -36,7 +36,7 @@ def trial(workshop, chance, root):
     before = batch.look()
     run = workshop.runner.run(batch, interference, as_nobody=is_closed, tools=tools)
     faults = []
-    if run.status is not None and run.status < 0:
+    if run.status is not None and (run.status < 0 or leaves_stages(batch, interference, run)):
         recovery = workshop.runner.recover(batch)
         faults = [f"after recovery: {fault}" for fault in recovery.faults]
         if recovery.status != 0:
@@ -44,7 +44,7 @@ def trial(workshop, chance, root):
     outcome = Outcome(description=f"{batch.description()}\ninterference: {interference}, hit: {run.was_hit}")
     texts = [run.output.decode("utf-8", "replace"), run.errors.decode("utf-8", "replace")]
     outcome.output = "\n".join([f"exit status {run.status}", *texts])
-    outcome.faults = faults + faults_of(DiskCheck(batch, before, workshop.decoder, run.jobs), run, interference)
+    outcome.faults = faults + faults_of(DiskCheck(batch, before, workshop.decoder, run), run, interference)
     outcome.evils = batch.evil_names() + ([interference.name] if run.was_hit else [])
     count_jobs(outcome, run)
     outcome.counts["sources"] += len(batch.sources)
@@ -56,6 +56,11 @@ def trial(workshop, chance, root):
     if not outcome.faults:
         batch.remove()
     return outcome
+
+
+def leaves_stages(batch, interference, run):
+    """Whether a job may have been cancelled that leaves its temporary WAV for the recovery."""
+    return batch.format == "m4a" and interference.kind == "signal" and run.was_hit
 
 
 def prepare_meddler(chance, batch, tools):

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/TemporaryFile.h"
 
+#include "platform/UnnamedFile.h"
 #include "support/EndingSignals.h"
 #include "support/SystemCalls.h"
 
@@ -65,12 +66,6 @@ std::string randomName()
     return name + ".part";
 }
 
-/// The name of an open file that has no other one.
-std::string pathOf(int descriptor)
-{
-    return "/proc/self/fd/" + std::to_string(descriptor);
-}
-
 } // namespace
 
 TemporaryFile::TemporaryFile(const std::string &destination) : m_destination(destination)
@@ -122,17 +117,15 @@ std::string TemporaryFile::folder() const
     return slash == std::string::npos ? "./" : m_destination.substr(0, slash + 1);
 }
 
-/// Returns false where the file system, or a system without /proc, cannot do that.
 bool TemporaryFile::openUnnamed()
 {
-    m_descriptor = FileDescriptor(::open(folder().c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, 0666));
-    return m_descriptor.isOpen() && ::access(pathOf(m_descriptor.get()).c_str(), F_OK) == 0;
+    m_descriptor = unnamedFile::open(folder());
+    return m_descriptor.isOpen();
 }
 
 void TemporaryFile::nameUnnamed()
 {
-    const std::string path = pathOf(m_descriptor.get());
-    if (::linkat(AT_FDCWD, path.c_str(), AT_FDCWD, m_destination.c_str(), AT_SYMLINK_FOLLOW) != 0)
+    if (!unnamedFile::name(m_descriptor, m_destination))
         failWrite(m_destination, errno);
     if (m_descriptor.close())
         return;

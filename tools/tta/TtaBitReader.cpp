@@ -3,6 +3,7 @@
 #include "tta/TtaBitReader.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace nurv {
@@ -36,6 +37,24 @@ bool TtaBitReader::isWithinFrame(const Position &position) const
         return true;
     const auto loadedBits = static_cast<uint64_t>(position.m_at - m_buffer.data()) * 8;
     return loadedBits - position.m_bitCount <= static_cast<uint64_t>(m_end - m_buffer.data()) * 8;
+}
+
+bool TtaBitReader::holdsMore(const Position &position)
+{
+    constexpr size_t kMostPadBytes = 3;
+    // Bits that are ready are not read yet; the highest ones of a byte may be left.
+    const uint8_t *at = position.m_at - position.m_bitCount / 8;
+    const uint32_t bitsOfByte = position.m_bitCount % 8;
+    if (bitsOfByte != 0 && (at[-1] >> (8 - bitsOfByte)) != 0)
+        return true;
+    std::vector<uint8_t> rest(at, std::max(at, static_cast<const uint8_t *>(m_end)));
+    std::array<uint8_t, kMostPadBytes + 1> more{};
+    while (!m_isAtEnd && rest.size() <= kMostPadBytes) {
+        const size_t count = m_source(more);
+        rest.insert(rest.end(), more.begin(), more.begin() + static_cast<std::ptrdiff_t>(count));
+        m_isAtEnd = count == 0;
+    }
+    return rest.size() > kMostPadBytes || std::any_of(rest.begin(), rest.end(), [](uint8_t byte) { return byte != 0; });
 }
 
 TtaBitReader::Position TtaBitReader::refill(Position position)

@@ -59,6 +59,10 @@ public:
     /// Whether the codes read so far end within the frame.
     [[nodiscard]] bool isWithinFrame(const Position &position) const;
 
+    /// Whether something but padding follows the codes in the frame: four bytes or more, or
+    /// anything but zeros. Reads on, so that no more codes can be read.
+    [[nodiscard]] bool holdsMore(const Position &position);
+
 private:
     struct LongCode {
         Position position;

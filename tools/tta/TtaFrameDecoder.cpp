@@ -14,7 +14,7 @@ namespace {
 
 /// `Channels` is 0 where only the running program knows their number.
 template<int BytesPerSample, unsigned Channels>
-[[gnu::always_inline]] inline bool decodeSamples(TtaBitReader &reader, std::span<uint8_t> pcm, unsigned channelCount)
+[[gnu::always_inline]] inline TtaFrameDecoder::Ending decodeSamples(TtaBitReader &reader, std::span<uint8_t> pcm, unsigned channelCount)
 {
     constexpr unsigned kRoom = Channels != 0 ? Channels : TtaHeader::kMaxChannels;
     const unsigned count = Channels != 0 ? Channels : channelCount;
@@ -42,17 +42,20 @@ template<int BytesPerSample, unsigned Channels>
         for (unsigned c = 0; c < count; ++c, at += BytesPerSample)
             TtaSample<BytesPerSample>::store(at, samples[c]);
     }
-    return reader.isWithinFrame(position);
+    using enum TtaFrameDecoder::Ending;
+    if (!reader.isWithinFrame(position))
+        return BeforeSamples;
+    return reader.holdsMore(position) ? BehindSamples : WithSamples;
 }
 
 template<int BytesPerSample, unsigned Channels>
-bool decodeBaseline(TtaBitReader &reader, std::span<uint8_t> pcm, unsigned channels)
+TtaFrameDecoder::Ending decodeBaseline(TtaBitReader &reader, std::span<uint8_t> pcm, unsigned channels)
 {
     return decodeSamples<BytesPerSample, Channels>(reader, pcm, channels);
 }
 
 template<int BytesPerSample, unsigned Channels>
-NURV_TTA_AVX2 bool decodeAvx2(TtaBitReader &reader, std::span<uint8_t> pcm, unsigned channels)
+NURV_TTA_AVX2 TtaFrameDecoder::Ending decodeAvx2(TtaBitReader &reader, std::span<uint8_t> pcm, unsigned channels)
 {
     return decodeSamples<BytesPerSample, Channels>(reader, pcm, channels);
 }
@@ -81,12 +84,12 @@ TtaFrameDecoder::TtaFrameDecoder(const TtaHeader &header, TtaCpu cpu) : m_channe
     }
 }
 
-bool TtaFrameDecoder::decode(TtaBitReader &reader, std::span<uint8_t> pcm) const
+TtaFrameDecoder::Ending TtaFrameDecoder::decode(TtaBitReader &reader, std::span<uint8_t> pcm) const
 {
     try {
         return m_loop(reader, pcm, m_channels);
     } catch (const TtaFrameOverrun &) {
-        return false;
+        return Ending::BeforeSamples;
     }
 }
 

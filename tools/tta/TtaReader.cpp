@@ -86,18 +86,23 @@ TtaFrameState TtaReader::readFrame()
     const size_t samples = m_header.samplesInFrame(frame);
     m_frameBytesLeft = size - std::min(size, kCrcBytes);
     m_frameCrc = 0;
-    bool isComplete = false;
+    auto ending = TtaFrameDecoder::Ending::BeforeSamples;
     // Every sample takes at least a bit: room is made for samples that can be there only.
     if (m_frameBytesLeft * 8 >= samples * m_header.channels) {
         m_pcm.resize(samples * m_header.blockAlign());
-        isComplete = m_decoder.decode(m_bitReader, m_pcm);
+        ending = m_decoder.decode(m_bitReader, m_pcm);
     }
     const bool isIntact = frameCrcMatches();
     if (m_isTruncated)
         return TtaFrameState::Truncated;
     if (!isIntact)
         return TtaFrameState::CrcMismatch;
-    return isComplete ? TtaFrameState::Good : TtaFrameState::Overrun;
+    switch (ending) {
+    case TtaFrameDecoder::Ending::WithSamples: return TtaFrameState::Good;
+    case TtaFrameDecoder::Ending::BehindSamples: return TtaFrameState::HoldsMore;
+    case TtaFrameDecoder::Ending::BeforeSamples: break;
+    }
+    return TtaFrameState::Overrun;
 }
 
 /// Reads on where the bytes of the current frame are left.
@@ -136,6 +141,8 @@ std::string TtaReader::describe(TtaFrameState state) const
     case TtaFrameState::Good: break;
     case TtaFrameState::Truncated: return place.data() + std::string(" is missing: the file is truncated");
     case TtaFrameState::CrcMismatch: return place.data() + std::string(" is damaged: its CRC does not match");
+    case TtaFrameState::HoldsMore:
+        return place.data() + std::string(" is damaged: it holds more samples than the header counts");
     case TtaFrameState::Overrun: return place.data() + std::string(" is damaged: it holds too few samples");
     }
     return place.data() + std::string(" is good");

@@ -22,6 +22,7 @@ enum class TtaFrameState {
     Truncated,   ///< the file ends before the frame
     CrcMismatch, ///< its bytes are not those that were written
     Overrun,     ///< its CRC matches, but it holds fewer samples than it should
+    HoldsMore,   ///< its CRC matches, but it holds more samples than the header counts
 };
 
 /// Reads a TTA1 file from its start to its end, frame by frame; tags before and after the

@@ -32,7 +32,7 @@ std::vector<uint8_t> decoded(const std::vector<uint8_t> &bytes, const TtaHeader 
         return size;
     });
     std::vector<uint8_t> pcm(shape.pcmByteCount());
-    EXPECT_TRUE(TtaFrameDecoder(shape, cpu).decode(reader, pcm));
+    EXPECT_EQ(TtaFrameDecoder(shape, cpu).decode(reader, pcm), TtaFrameDecoder::Ending::WithSamples);
     return pcm;
 }
 
@@ -80,7 +80,7 @@ TEST(TtaFrame, SaysSoWhenAFrameEndsBeforeItsSamples)
         return size;
     });
     std::vector<uint8_t> pcm(shape.pcmByteCount());
-    EXPECT_FALSE(TtaFrameDecoder(shape).decode(reader, pcm));
+    EXPECT_EQ(TtaFrameDecoder(shape).decode(reader, pcm), TtaFrameDecoder::Ending::BeforeSamples);
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 
 #include "support/InputFile.h"
 #include "support/ToolError.h"
+#include "tta/TtaCrc.h"
 #include "TtaSounds.h"
 
 #include <gtest/gtest.h>
@@ -43,6 +44,22 @@ std::vector<TtaFrameState> statesOf(const std::vector<uint8_t> &file)
     for (uint64_t frame = 0; frame < reader.header().frameCount(); ++frame)
         states.push_back(reader.readFrame());
     return states;
+}
+
+/// A file of one frame of these bytes, all checksums right.
+std::vector<uint8_t> withOneFrame(const TtaHeader &shape, const std::vector<uint8_t> &frame)
+{
+    const auto append = [](std::vector<uint8_t> &bytes, uint32_t number) {
+        for (int shift = 0; shift < 32; shift += 8)
+            bytes.push_back(static_cast<uint8_t>(number >> shift));
+    };
+    const auto header = shape.toBytes();
+    std::vector<uint8_t> file(header.begin(), header.end());
+    append(file, static_cast<uint32_t>(frame.size()) + 4);
+    append(file, ttaCrc(std::span(file).subspan(kHeaderBytes)));
+    file.insert(file.end(), frame.begin(), frame.end());
+    append(file, ttaCrc(frame));
+    return file;
 }
 
 std::string failureOf(const std::vector<uint8_t> &file)
@@ -114,6 +131,32 @@ TEST(TtaReader, TellsAFrameThatHoldsTooFewSamples)
     EXPECT_EQ(statesOf(file), std::vector{TtaFrameState::Overrun});
 }
 
+TEST(TtaReader, TellsAFrameThatHoldsMoreSamples)
+{
+    for (const int bits : {8, 16, 24}) {
+        for (const int missing : {1, 7, 999}) {
+            const TtaHeader longer = shapeOf(1, bits, 1000);
+            std::vector<uint8_t> file = ttaOf(makePcm(Sound::Music, longer), longer);
+            const auto header = shapeOf(1, bits, 1000 - missing).toBytes();
+            std::copy(header.begin(), header.end(), file.begin());
+            EXPECT_EQ(statesOf(file), std::vector{TtaFrameState::HoldsMore}) << bits << ' ' << missing;
+        }
+    }
+}
+
+TEST(TtaReader, AllowsForPaddingInAFrame)
+{
+    const TtaHeader shape = shapeOf(2, 16, 1000);
+    const std::vector<uint8_t> file = ttaOf(makePcm(Sound::Music, shape), shape);
+    for (const size_t zeros : {1, 3, 4}) {
+        std::vector<uint8_t> frame(file.begin() + kHeaderBytes + 8, file.end() - 4);
+        frame.insert(frame.end(), zeros, 0);
+        EXPECT_EQ(statesOf(withOneFrame(shape, frame)),
+                  std::vector{zeros < 4 ? TtaFrameState::Good : TtaFrameState::HoldsMore})
+            << zeros;
+    }
+}
+
 TEST(TtaReader, DescribesWhatItFoundWhere)
 {
     std::vector<uint8_t> file = fourFrameFile();
@@ -127,6 +170,8 @@ TEST(TtaReader, DescribesWhatItFoundWhere)
     EXPECT_EQ(texts[0], "frame 1 of 4 (at 0.00 s) is good");
     EXPECT_EQ(texts[1], "frame 2 of 4 (at 1.04 s) is damaged: its CRC does not match");
     EXPECT_EQ(texts[3], "frame 4 of 4 (at 3.13 s) is missing: the file is truncated");
+    EXPECT_EQ(reader.describe(TtaFrameState::HoldsMore),
+              "frame 4 of 4 (at 3.13 s) is damaged: it holds more samples than the header counts");
     EXPECT_EQ(reader.describe(TtaFrameState::Overrun), "frame 4 of 4 (at 3.13 s) is damaged: it holds too few samples");
 }
 

@@ -310,24 +310,26 @@ TEST(TtaencProgram, EncodesToDevicesAndNamedPipes)
 }
 
 /// Sends the signal while the program waits for the rest of its input.
-void expectNothingLeft(const QStringList &arguments, const QByteArray &input, const TestFolder &folder)
+void expectFormerLeft(const QString &direction, const QByteArray &input)
 {
+    const TestFolder folder;
+    const QString output = folder.write(u"x"_s, "former");
     QProcess process;
-    process.start(ttaenc(), arguments);
+    process.start(ttaenc(), {direction, u"-"_s, u"-o"_s, output});
     ASSERT_TRUE(process.waitForStarted());
     process.write(input.first(input.size() / 2));
-    ASSERT_TRUE(waitUntil([&] { return !folder.list().isEmpty(); }));
+    ASSERT_TRUE(waitUntil([&] { return folder.list().size() == 2; }));
     ::kill(static_cast<pid_t>(process.processId()), SIGTERM);
     ASSERT_TRUE(process.waitForFinished());
     EXPECT_EQ(process.exitStatus(), QProcess::CrashExit);
-    EXPECT_EQ(folder.list(), QStringList{});
+    EXPECT_EQ(folder.list(), QStringList{u"x"_s});
+    EXPECT_EQ(folder.read(u"x"_s), "former");
 }
 
-TEST(TtaencProgram, LeavesNothingWhenItIsTerminated)
+TEST(TtaencProgram, LeavesTheFormerFileWhenItIsTerminated)
 {
-    const TestFolder folder;
-    expectNothingLeft({u"-e"_s, u"-"_s, u"-o"_s, folder.path(u"x.tta"_s)}, wav(), folder);
-    expectNothingLeft({u"-d"_s, u"-"_s, u"-o"_s, folder.path(u"x.wav"_s)}, tta(), folder);
+    expectFormerLeft(u"-e"_s, wav());
+    expectFormerLeft(u"-d"_s, tta());
 }
 
 TEST(TtaencProgram, NeedsNoMoreMemoryForLongFiles)
