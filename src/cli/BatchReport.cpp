@@ -53,6 +53,17 @@ struct BatchReport::Job {
     [[nodiscard]] bool hasProblem() const { return !problem.isEmpty() || keptOriginal(); }
 };
 
+namespace {
+
+/// The text with the path that it ends with, if it does, as the user knows it.
+QString withKnownName(const QString &text, const SourceNames &names)
+{
+    const qsizetype path = text.indexOf(u" /"_s) + 1;
+    return path == 0 ? text : text.first(path) + names.nameOf(text.sliced(path));
+}
+
+} // namespace
+
 BatchReport::BatchReport(Console &console, Options options) : m_console(console), m_options(std::move(options))
 {
     m_counts.refused = m_options.refused;
@@ -64,6 +75,7 @@ void BatchReport::addSettled(const NURVTask &task)
     const bool hasFailed = task.error() && !task.cancelled();
     if (hasFailed && job.problem.isEmpty())
         job.problem = problemLine(job.report, task.sourcePath(), m_options.switches);
+    job.problem = withKnownName(job.problem, m_options.names);
     for (const QString &warning : task.warnings()) {
         if (!job.problem.contains(warning))
             job.problem += job.problem.isEmpty() ? warning : u"; "_s + warning;

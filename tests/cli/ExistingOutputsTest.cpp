@@ -82,3 +82,16 @@ TEST(ExistingOutputs, ArePassedOverOnlyWhenTheyMayHoldTheirSources)
     EXPECT_FALSE(result.errors.contains("a.wav:")) << result.errors.constData();
     EXPECT_EQ(folder.read(u"in/c.flac"_s), "no sound");
 }
+
+TEST(ExistingOutputs, OfAnotherSourceAreToldByTheNameThatWasGiven)
+{
+    const TestFolder folder;
+    writeWav(folder.path(u"show/a.wav"_s), {.seconds = 0.1});
+    writeFlac(folder.path(u"show/disc 2/a.flac"_s), {.seconds = 0.1, .seed = 2});
+    const ProgramResult result = runNurv(
+        {u"encode"_s, u"--format=wv"_s, u"--output-dir"_s, folder.makeFolder(u"out"_s), folder.path(u"show"_s)});
+    EXPECT_EQ(result.exitStatus, 1);
+    const bool isOneOfBoth = result.errors.contains("disc 2/a.flac: its output a.wv is made from a.wav\n")
+                             || result.errors.contains("a.wav: its output a.wv is made from disc 2/a.flac\n");
+    EXPECT_TRUE(isOneOfBoth) << result.errors.constData();
+}
