@@ -271,10 +271,8 @@ void LeftoverFinder::lookAtFolder(const QByteArray &folder)
         const QByteArray path = folder + '/' + entry->d_name;
         const TemporaryKind kind = kindOf(path);
         lookAtTagEditorFile(path);
-        if (kind == TemporaryKind::Part || kind == TemporaryKind::PrivateFolder
-            || (kind == TemporaryKind::Stage && !m_isSameBoot)) {
+        if (kind == TemporaryKind::Part || kind == TemporaryKind::PrivateFolder || kind == TemporaryKind::Stage)
             lookAtFolderEntry(path, factsOf(path));
-        }
     }
 }
 
@@ -293,6 +291,9 @@ void LeftoverFinder::lookAtFolderEntry(const QByteArray &path, Facts facts)
 {
     using enum Leftover::Kind;
     const bool isFolder = kindOf(path) == TemporaryKind::PrivateFolder;
+    // One that is noted in another journal is that one's; between its making and its note it is empty.
+    if (kindOf(path) == TemporaryKind::Stage && m_isSameBoot && facts && facts->st_size > 0)
+        return;
     if (!facts || !isOurs(*facts) || (isFolder ? !S_ISDIR(facts->st_mode) : !S_ISREG(facts->st_mode)))
         return;
     const std::int64_t changed = nanoseconds(facts->st_ctim);

@@ -105,6 +105,12 @@ TEST_F(TemporaryFilesTest, WhatBundledProgramsWereMakingGoes)
     EXPECT_FALSE(folder.exists(kFolder));
 }
 
+TEST_F(TemporaryFilesTest, WhatWasKilledBeforeItsNoteGoes)
+{
+    killAfter({write(kStage, u""_s), write(u"Nurv-00000042-other123.wav"_s, u"x"_s)});
+    EXPECT_THAT(cleaned(), ElementsAre(u"removed "_s + kStage)) << "what is in use is never empty for long";
+}
+
 TEST_F(TemporaryFilesTest, WhatIsOlderThanTheBatchStays)
 {
     folder.write(kPart, "x");
