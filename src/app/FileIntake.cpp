@@ -5,6 +5,7 @@
 #include "app/AppLog.h"
 #include "app/PathNames.h"
 #include "app/TemporaryNames.h"
+#include "platform/FileFacts.h"
 #include "platform/FileNames.h"
 
 #include <QDir>
@@ -13,9 +14,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <set>
-#include <utility>
-#include <vector>
 
 #include <sys/stat.h>
 
@@ -26,8 +24,6 @@ namespace nurv {
 namespace {
 
 constexpr qsizetype kNamesShown = 20;
-
-using FolderIdentity = std::pair<dev_t, ino_t>;
 
 class FolderWalk {
 public:
@@ -46,19 +42,19 @@ public:
         const QByteArray name = QFile::encodeName(path);
         struct stat facts = {};
         if (::stat(name.constData(), &facts) != 0) {
-            if (errno == ENOENT || m_ancestors.empty())
+            if (errno == ENOENT || m_depth == 0)
                 takeFile(path);
             else if (errno == EACCES && !canLookInto(folderOf(path)))
                 return false;
             else
                 m_intake.unreachableFiles.append(path);
         } else if (!S_ISDIR(facts.st_mode)) {
-            if (S_ISREG(facts.st_mode) || m_ancestors.empty())
+            if (S_ISREG(facts.st_mode) || m_depth == 0)
                 takeFile(path);
-        } else if (mayEnter(name, {facts.st_dev, facts.st_ino})) {
-            m_ancestors.emplace_back(facts.st_dev, facts.st_ino);
+        } else if (mayEnter(path)) {
+            ++m_depth;
             visitEntries(path);
-            m_ancestors.pop_back();
+            --m_depth;
         }
         return true;
     }
@@ -70,13 +66,13 @@ private:
         return ::stat(QFile::encodeName(joinPath(folder, u"."_s)).constData(), &facts) == 0;
     }
 
-    bool mayEnter(const QByteArray &name, const FolderIdentity &folder)
+    /// Not through a link that lies in a folder: what it leads to was not given.
+    bool mayEnter(const QString &path)
     {
-        if (std::find(m_ancestors.begin(), m_ancestors.end(), folder) != m_ancestors.end())
-            return false;
-        struct stat facts = {};
-        const bool isLink = ::lstat(name.constData(), &facts) == 0 && S_ISLNK(facts.st_mode);
-        return !isLink || m_linkedFolders.insert(folder).second;
+        if (m_depth == 0 || !isLink(path))
+            return true;
+        m_intake.linkedFolders.append(path);
+        return false;
     }
 
     void visitEntries(const QString &folder)
@@ -103,15 +99,14 @@ private:
         if (!m_isValid(path))
             m_intake.badExtensions.insert(pathExtension(path));
         else if (!isSkippedName(path))
-            m_intake.accept(path, m_ancestors.empty() ? QString() : m_base);
+            m_intake.accept(path, m_depth == 0 ? QString() : m_base);
     }
 
     const FileTest &m_isValid;
     QString m_base;
     FileIntake &m_intake;
     const StopTest &m_mustStop;
-    std::vector<FolderIdentity> m_ancestors;
-    std::set<FolderIdentity> m_linkedFolders;
+    int m_depth = 0; ///< of the folders that are being listed
 };
 
 /// The folder from which the relative folders of what lies in a given folder count.
@@ -178,7 +173,11 @@ QString relativeFolder(const QString &path, const QString &base)
 void collectFiles(const QString &given, const FileTest &isValid, FileIntake &intake, const StopTest &mustStop)
 {
     const QString path = absolutePath(given);
+    const qsizetype linksBefore = intake.linkedFolders.size();
     FolderWalk(isValid, baseOf(given, path), intake, mustStop).visit(path);
+    if (const qsizetype links = intake.linkedFolders.size() - linksBefore; links > 0)
+        qCWarning(appLog).noquote() << u"Not followed: %1 link(s) to folders, first %2"_s.arg(links).arg(
+            intake.linkedFolders.at(linksBefore));
 }
 
 std::optional<Alert> unreadableAlert(const FileIntake &intake)

@@ -27,6 +27,7 @@ struct FileIntake {
     QStringList unreadableNames;   ///< paths whose names are no valid UTF-8, made printable
     QStringList unreadableFolders; ///< folders that could not be listed to their end
     QStringList unreachableFiles;  ///< entries that could not even be looked at
+    QStringList linkedFolders;     ///< links to folders that were met on the way, and not followed
 };
 
 /// Whether a file is one of interest.
@@ -54,9 +55,8 @@ using StopTest = std::function<bool()>;
 /// Every file at or under `given` that passes `isValid`, less the skipped names and, in folders, the
 /// temporary ones, in the file system's order, with absolute paths. Their base is the folder that holds the
 /// given one, but the given one itself when "." or ".." is all it was called, and for the
-/// root. Follows symbolic links, but never into a folder that it
-/// is in already, and into a folder behind several links only once: links cannot
-/// make it run without end. A path that does not exist counts as a file. Asks
+/// root. Follows a link that is given and links to files, but no link to a folder that lies in a
+/// given one. A path that does not exist counts as a file. Asks
 /// `mustStop` before every entry. Any thread; blocks.
 void collectFiles(const QString &given, const FileTest &isValid, FileIntake &intake, const StopTest &mustStop = {});
 

@@ -3,6 +3,8 @@
 #include "app/Util.h"
 
 #include "app/AppLog.h"
+#include "platform/FileFacts.h"
+#include "platform/FolderEntry.h"
 #include "platform/NurvFailure.h"
 #include "platform/SessionIdentifier.h"
 #include "platform/SettingsStore.h"
@@ -85,14 +87,20 @@ QString Util::generateTempFileName2(const std::optional<QString> &folder, const 
     return nameTemplate(folder, extension);
 }
 
-Util::Removal Util::removeFile(const QString &path, const QString &originalPath)
+Util::Removal Util::removeFile(const QString &path, const QString &originalPath, const std::optional<struct stat> &seen)
 {
+    // One folder from the last look on, whatever is put in its place.
+    const FolderEntry entry(path);
+    if (const auto now = entry.factsOfTarget(); seen && !(now && isUntouched(*seen, *now))) {
+        qCWarning(appLog).noquote() << path << "was not removed: it is not what it was";
+        return Removal::Stayed;
+    }
     // In doubt about the user's choice the file stays recoverable.
     const std::optional<int> choice = SettingsStore::instance().reliableInteger(u"trashOrDelete"_s);
     // The log line of the trash tells why a file has stayed.
     if (!choice || *choice != 0)
-        return moveToTrash(path, originalPath) ? Removal::Trashed : Removal::Stayed;
-    if (::unlink(QFile::encodeName(path).constData()) == 0 || errno == ENOENT)
+        return moveToTrash(path, originalPath, entry) ? Removal::Trashed : Removal::Stayed;
+    if (entry.remove() || errno == ENOENT)
         return Removal::Deleted;
     qCWarning(appLog).noquote() << path << "was not deleted:" << systemErrorText(errno);
     return Removal::Stayed;

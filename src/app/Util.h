@@ -6,6 +6,8 @@
 
 #include <optional>
 
+#include <sys/stat.h>
+
 namespace nurv {
 
 /// File operations that many jobs share. Any thread.
@@ -29,8 +31,10 @@ public:
 
     enum class Removal { Deleted, Trashed, Stayed };
     /// The same for callers that tell what became of the file: also `Deleted` when there
-    /// was none. `originalPath`: see moveToTrash.
-    [[nodiscard]] static Removal removeFile(const QString &path, const QString &originalPath = {});
+    /// was none. `originalPath`: see moveToTrash. `seen`: what the name, or the link that has
+    /// it, led to when its removal was decided; anything else stays.
+    [[nodiscard]] static Removal removeFile(const QString &path, const QString &originalPath = {},
+                                            const std::optional<struct stat> &seen = std::nullopt);
 };
 
 } // namespace nurv

@@ -66,7 +66,7 @@ void CreateFFPTask::doCreateFFP(const QStringList &files, const QString &outputD
         return;
     const QString path = listPath(outputDir);
     QString reason;
-    if (!writeTextFileAtomically(path, list, &reason))
+    if (!writeTextFileAtomically(path, list, &reason, LinkAtName::Replaced))
         warn(u"Unable to write %1: %2"_s.arg(path, reason));
 }
 

@@ -52,7 +52,7 @@ void CreateMD5Task::doCreateMd5()
     setTopTextFieldString(QString());
     setTopTextFieldValue();
     QString reason;
-    if (!writeTextFileAtomically(m_outputPath, list, &reason))
+    if (!writeTextFileAtomically(m_outputPath, list, &reason, LinkAtName::Replaced))
         warn(u"Unable to write %1: %2"_s.arg(m_outputPath, reason));
 }
 

@@ -3,6 +3,7 @@
 #include "convert/Conversion.h"
 
 #include "app/PathNames.h"
+#include "app/TemporaryNames.h"
 #include "convert/ConvertLog.h"
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskResults.h"
@@ -88,6 +89,8 @@ std::optional<QString> Conversion::takeOutput()
         return u"its output %1 is another file of the list"_s.arg(name);
     if (m_batch && m_batch->makesFolders && !QDir().mkpath(folderOf(output)))
         return u"its folder %1 cannot be made"_s.arg(folderOf(output));
+    if (const std::optional<QString> link = linkInTheWay())
+        return link;
     if (std::optional<QString> refusal = m_claim.take(output, fileName(), m_batch.get()))
         return refusal;
     m_retirement.rememberSources();
@@ -101,6 +104,20 @@ std::optional<QString> Conversion::takeOutput()
     return u"its output %1 exists already"_s.arg(name);
 }
 
+/// A program would write to wherever a link leads.
+std::optional<QString> Conversion::linkInTheWay() const
+{
+    const QString output = outputFile();
+    if (isLink(output))
+        return u"its output name is a link"_s;
+    for (const QStringView suffix : {kFlacScratchSuffix, kMetaflacScratchSuffix}) {
+        const QString name = output + suffix.toString();
+        if (isLink(name))
+            return u"%1 is a link, and has the name of a temporary file of its program"_s.arg(lastPathComponent(name));
+    }
+    return std::nullopt;
+}
+
 void Conversion::lookAtOutput()
 {
     m_outputBefore = factsOf(outputFile());
@@ -111,11 +128,13 @@ void Conversion::lookAtOutput()
 
 void Conversion::beginOutput(bool replaces)
 {
+    // It may have come since the job took the name.
+    if (const std::optional<QString> link = linkInTheWay())
+        throw NurvFailure(*link);
     lookAtOutput();
     m_hasBegunOutput = true;
     const ExistingOutputs existing = m_batch ? m_batch->existingOutputs : ExistingOutputs::AsTold;
     const bool isAsked = existing == ExistingOutputs::Replace;
-    // It may have come since the job took the name.
     if (outputExisted() && existing != ExistingOutputs::AsTold && !isAsked)
         throw NurvFailure(u"its output %1 exists already"_s.arg(lastPathComponent(outputFile())));
     if (isAsked && outputIsSource())
@@ -151,7 +170,7 @@ bool Conversion::outputIsSource() const
 bool Conversion::hasMadeOutput() const
 {
     const std::optional<struct stat> now = factsOf(outputFile());
-    return now && S_ISREG(now->st_mode) && now->st_size > 0 && hasTouchedOutput();
+    return now && !isLink(outputFile()) && S_ISREG(now->st_mode) && now->st_size > 0 && hasTouchedOutput();
 }
 
 bool Conversion::hasTouchedOutput() const

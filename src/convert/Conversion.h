@@ -136,6 +136,7 @@ protected:
     void dropResultsUnlessFailed();
 
 private:
+    [[nodiscard]] std::optional<QString> linkInTheWay() const;
     void lookAtOutput();
     /// What holds for every job that has come to its end.
     void noteEnding();

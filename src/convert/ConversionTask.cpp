@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "convert/ConversionTask.h"
 
+#include "app/PathNames.h"
 #include "convert/ConvertLog.h"
 #include "platform/FileFacts.h"
 #include "platform/GuiThread.h"
@@ -44,6 +45,9 @@ void ConversionTask::startTask()
             beginOutput(replacesOutput());
             noteIntermediateBegun();
             m_intermediateExisted = isThere(intermediateFile());
+            if (isLink(intermediateFile()))
+                throw NurvFailure(u"%1 is a link, and has the name of a file on the way to its output"_s.arg(
+                    lastPathComponent(intermediateFile())));
         } catch (const NurvFailure &failure) {
             obstacle = failure.reason();
         }

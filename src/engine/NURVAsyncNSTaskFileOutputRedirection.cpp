@@ -39,7 +39,7 @@ void NURVAsyncNSTaskFileOutputRedirection::completeStop()
     setResults(nullptr);
     NURVAsyncNSTask::completeStop();
     QString reason;
-    if (hasRun() && !writeTextFileAtomically(m_fileName, text, &reason))
+    if (hasRun() && !writeTextFileAtomically(m_fileName, text, &reason, LinkAtName::Replaced))
         qCWarning(engineLog).noquote() << u"Unable to write %1: %2"_s.arg(m_fileName, reason);
 }
 

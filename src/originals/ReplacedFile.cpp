@@ -8,6 +8,7 @@
 #include "originals/OriginalsLog.h"
 #include "platform/FileFacts.h"
 #include "platform/FileRename.h"
+#include "platform/FolderEntry.h"
 #include "platform/NurvFailure.h"
 #include "platform/SystemError.h"
 
@@ -69,7 +70,7 @@ ReplacedFile::~ReplacedFile()
 void ReplacedFile::passOnPermissions() const
 {
     const std::optional<struct stat> former = factsOf(m_aside);
-    if (former && ::chmod(QFile::encodeName(m_path).constData(), former->st_mode & 0777) != 0)
+    if (former && !FolderEntry(m_path).changeMode(former->st_mode & 0777))
         qCWarning(originalsLog).noquote() << "Permissions not kept:" << m_path << systemErrorText(errno);
 }
 

@@ -155,8 +155,8 @@ SourceRetirement::Ending SourceRetirement::retire()
     if (!areUntouched(m_outputsExamined))
         return {Original::Kept, u"its output has changed since it was examined"_s};
     Ending ending{Original::Deleted, {}};
-    for (const QString &source : std::as_const(m_sources)) {
-        switch (Util::removeFile(source)) {
+    for (const Seen &source : std::as_const(m_sourcesBefore)) {
+        switch (Util::removeFile(source.path, {}, source.facts)) {
         case Util::Removal::Deleted: break;
         case Util::Removal::Trashed: ending.original = Original::Trashed; break;
         case Util::Removal::Stayed: return {Original::Kept, u"it could not be removed"_s};

@@ -7,6 +7,7 @@
 #include "originals/OriginalsLog.h"
 #include "platform/FileFacts.h"
 #include "platform/FileRename.h"
+#include "platform/FolderEntry.h"
 #include "platform/NurvFailure.h"
 #include "platform/SystemError.h"
 
@@ -66,7 +67,7 @@ StageFile::~StageFile()
 void StageFile::grantUsualAccess() const
 {
     constexpr mode_t kReadAndWriteByAll = 0666;
-    if (::chmod(QFile::encodeName(m_path).constData(), kReadAndWriteByAll & ~maskOfNewFiles()) != 0)
+    if (!FolderEntry(m_path).changeMode(kReadAndWriteByAll & ~maskOfNewFiles()))
         qCWarning(originalsLog).noquote() << "Readable by its owner only:" << m_path << systemErrorText(errno);
 }
 

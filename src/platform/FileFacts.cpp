@@ -40,4 +40,10 @@ bool isThere(const QString &path)
     return ::lstat(QFile::encodeName(path).constData(), &facts) == 0;
 }
 
+bool isLink(const QString &path)
+{
+    struct stat facts = {};
+    return ::lstat(QFile::encodeName(path).constData(), &facts) == 0 && S_ISLNK(facts.st_mode);
+}
+
 } // namespace nurv

@@ -17,5 +17,7 @@ namespace nurv {
 [[nodiscard]] bool isUntouched(const struct stat &before, const struct stat &now);
 /// Whether something has that name: also true for a link that leads nowhere.
 [[nodiscard]] bool isThere(const QString &path);
+/// Whether the name itself is a symbolic link, wherever it leads.
+[[nodiscard]] bool isLink(const QString &path);
 
 } // namespace nurv

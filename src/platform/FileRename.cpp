@@ -12,7 +12,12 @@ namespace nurv {
 
 bool renameToFreeName(const QByteArray &from, const QByteArray &to)
 {
-    if (::renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0)
+    return renameToFreeName(AT_FDCWD, from, to);
+}
+
+bool renameToFreeName(int folder, const QByteArray &entry, const QByteArray &to)
+{
+    if (::renameat2(folder, entry.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0)
         return true;
     if (errno != EINVAL && errno != ENOSYS)
         return false;
@@ -21,7 +26,7 @@ bool renameToFreeName(const QByteArray &from, const QByteArray &to)
         errno = EEXIST;
         return false;
     }
-    return ::rename(from.constData(), to.constData()) == 0;
+    return ::renameat(folder, entry.constData(), AT_FDCWD, to.constData()) == 0;
 }
 
 } // namespace nurv

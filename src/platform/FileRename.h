@@ -11,5 +11,7 @@ namespace nurv {
 /// it has its former name then. Where the file system cannot promise that, the name is looked
 /// at right before. Any thread; encoded paths.
 [[nodiscard]] bool renameToFreeName(const QByteArray &from, const QByteArray &to);
+/// The same for the entry of an open folder.
+[[nodiscard]] bool renameToFreeName(int folder, const QByteArray &entry, const QByteArray &to);
 
 } // namespace nurv

@@ -4,6 +4,7 @@
 
 #include "platform/DecodeText.h"
 #include "platform/FileDescriptor.h"
+#include "platform/FileFacts.h"
 #include "platform/SystemError.h"
 #include "platform/UnnamedFile.h"
 #include "platform/WriteAll.h"
@@ -141,16 +142,18 @@ std::optional<QString> readTextFile(const QString &path, QString *reason)
     return decodeText(bytes);
 }
 
-bool writeTextFileAtomically(const QString &path, const QString &text, QString *reason)
+bool writeTextFileAtomically(const QString &path, const QString &text, QString *reason, LinkAtName link)
 {
-    return writeFileAtomically(path, text.toUtf8(), reason);
+    return writeFileAtomically(path, text.toUtf8(), reason, link);
 }
 
-bool writeFileAtomically(const QString &path, const QByteArray &contents, QString *reason)
+bool writeFileAtomically(const QString &path, const QByteArray &contents, QString *reason, LinkAtName link)
 {
-    const QByteArray target = resolved(QFile::encodeName(path));
+    const bool isReplaced = link == LinkAtName::Replaced && isLink(path);
+    const QByteArray name = QFile::encodeName(path);
+    const QByteArray target = isReplaced ? name : resolved(name);
     struct stat old = {};
-    const bool exists = ::stat(target.constData(), &old) == 0;
+    const bool exists = !isReplaced && ::stat(target.constData(), &old) == 0;
     if (exists && S_ISDIR(old.st_mode)) {
         errno = EISDIR;
         return failWithErrno(reason);
@@ -158,7 +161,7 @@ bool writeFileAtomically(const QString &path, const QByteArray &contents, QStrin
     if (exists && !S_ISREG(old.st_mode))
         return writeInPlace(target, contents, reason);
 
-    if (!exists) {
+    if (!exists && !isReplaced) {
         if (writeUnnamed(target, contents)) {
             flushFolderOf(target);
             return true;

@@ -14,16 +14,22 @@ namespace nurv {
 /// that the system reads comes near that). `reason`, when given, receives why.
 [[nodiscard]] std::optional<QString> readTextFile(const QString &path, QString *reason = nullptr);
 
+/// What becomes of a symbolic link that has the name of a file to be written.
+enum class LinkAtName {
+    Followed, ///< a file that the user has named: what it leads to is written
+    Replaced, ///< a name that was made up in somebody's folder: it makes way
+};
+
 /// Writes `text` as UTF-8 by `writeFileAtomically`.
-[[nodiscard]] bool writeTextFileAtomically(const QString &path, const QString &text,
-                                           QString *reason = nullptr);
+[[nodiscard]] bool writeTextFileAtomically(const QString &path, const QString &text, QString *reason = nullptr,
+                                           LinkAtName link = LinkAtName::Followed);
 
 /// Replaces the contents of `path`: written beside it, flushed to the disk,
-/// renamed over it. A link is followed, an existing file keeps its permissions,
+/// renamed over it. An existing file keeps its permissions,
 /// a device or pipe is simply written to. Returns false on failure, with the
 /// system's text in `reason`; the old contents are then untouched and nothing is
 /// left beside them. Blocks until the disk has the bytes.
-[[nodiscard]] bool writeFileAtomically(const QString &path, const QByteArray &contents,
-                                       QString *reason = nullptr);
+[[nodiscard]] bool writeFileAtomically(const QString &path, const QByteArray &contents, QString *reason = nullptr,
+                                       LinkAtName link = LinkAtName::Followed);
 
 } // namespace nurv

@@ -3,7 +3,7 @@
 #include "platform/Trash.h"
 
 #include "platform/FileDescriptor.h"
-#include "platform/FileRename.h"
+#include "platform/FolderEntry.h"
 #include "platform/PlatformLog.h"
 #include "platform/SystemError.h"
 #include "platform/WriteAll.h"
@@ -139,9 +139,9 @@ bool writeInfo(FileDescriptor file, const QByteArray &info)
 
 // The info file reserves the name; only then the file moves. One may lie in the trash
 // without its info file: its name is taken, too.
-bool moveInto(const TrashFolder &trash, const QString &path, const QString &recordedName)
+bool moveInto(const TrashFolder &trash, const FolderEntry &item, const QString &folder, const QString &recordedName)
 {
-    const QByteArray info = trashInfo(QDir(QFileInfo(path).path()).filePath(recordedName), trash);
+    const QByteArray info = trashInfo(QDir(folder).filePath(recordedName), trash);
     const QString &name = recordedName;
     constexpr int kAttempts = 10000;
     for (int attempt = 1; attempt <= kAttempts; ++attempt) {
@@ -156,8 +156,7 @@ bool moveInto(const TrashFolder &trash, const QString &path, const QString &reco
             return false;
         }
         const QByteArray target = QFile::encodeName(trash.path + u"/files/"_s + entry);
-        if (writeInfo(std::move(infoFile), info)
-            && renameToFreeName(QFile::encodeName(path), target))
+        if (writeInfo(std::move(infoFile), info) && item.moveTo(target))
             return true;
         const int error = errno;
         ::unlink(infoPath.constData());
@@ -172,6 +171,11 @@ bool moveInto(const TrashFolder &trash, const QString &path, const QString &reco
 
 bool moveToTrash(const QString &path, const QString &originalPath)
 {
+    return moveToTrash(path, originalPath, FolderEntry(path));
+}
+
+bool moveToTrash(const QString &path, const QString &originalPath, const FolderEntry &entry)
+{
     const QFileInfo item(path);
     const QString recordedName = originalPath.isEmpty() ? item.fileName() : QFileInfo(originalPath).fileName();
     // The folder is resolved and the item is not: a link goes into the trash itself.
@@ -181,12 +185,11 @@ bool moveToTrash(const QString &path, const QString &originalPath)
     bool moved = false;
     errno = ENOENT;
     if (facts && !folder.isEmpty() && !name.isEmpty() && name != u"."_s && name != u".."_s) {
-        const QString absolute = folder == u"/"_s ? folder + name : folder + u'/' + name;
-        if (factsOf(absolute)) {
+        if (entry.facts()) {
             const auto trash = deviceOfHomeTrash() == facts->st_dev
                 ? homeTrash()
                 : topTrash(folder, facts->st_dev);
-            moved = trash && moveInto(*trash, absolute, recordedName);
+            moved = trash && moveInto(*trash, entry, folder, recordedName);
         }
     }
     if (!moved)

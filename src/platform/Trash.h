@@ -6,6 +6,8 @@
 
 namespace nurv {
 
+class FolderEntry;
+
 /// Moves a file or folder into the user's trash, by the freedesktop.org trash
 /// specification 1.0: the trash of the home folder for what lies on its file
 /// system, else the one at the top of the file system that holds the path
@@ -17,5 +19,7 @@ namespace nurv {
 /// `originalPath`, in the same folder, is what the trash records as the file's path, for
 /// one that was renamed meanwhile; `path` itself when empty.
 [[nodiscard]] bool moveToTrash(const QString &path, const QString &originalPath = {});
+/// The same for a name in a folder that is open already.
+[[nodiscard]] bool moveToTrash(const QString &path, const QString &originalPath, const FolderEntry &entry);
 
 } // namespace nurv

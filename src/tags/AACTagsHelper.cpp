@@ -7,6 +7,7 @@
 #include "engine/ToolRunSync.h"
 #include "journal/NotedTemporary.h"
 #include "platform/AudioPackets.h"
+#include "platform/FolderEntry.h"
 #include "platform/NurvFailure.h"
 #include "platform/ResourceFolder.h"
 #include "platform/SystemError.h"
@@ -257,7 +258,7 @@ public:
                     << m_path << "is kept as" << QFile::decodeName(std::exchange(m_keptName, {}));
         }
         // Programs make new files, which all may read.
-        if (::chmod(name.constData(), m_facts.st_mode & 07777) != 0)
+        if (!FolderEntry(m_path).changeMode(m_facts.st_mode & 07777))
             qCWarning(tagsLog).noquote() << "Permissions not kept:" << m_path << systemErrorText(errno);
     }
 

@@ -1,0 +1,71 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/FolderEntry.h"
+
+#include "platform/FileRename.h"
+
+#include <QFile>
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace nurv {
+
+namespace {
+
+std::optional<struct stat> look(int folder, const QByteArray &name, int flags)
+{
+    struct stat facts = {};
+    if (::fstatat(folder, name.constData(), &facts, flags) != 0)
+        return std::nullopt;
+    return facts;
+}
+
+} // namespace
+
+FolderEntry::FolderEntry(const QString &path)
+{
+    const QByteArray encoded = QFile::encodeName(path);
+    const qsizetype slash = encoded.lastIndexOf('/');
+    m_name = encoded.sliced(slash + 1);
+    const QByteArray folder = slash < 0 ? QByteArray(".") : encoded.first(slash + 1);
+    m_folder = FileDescriptor(::open(folder.constData(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+}
+
+std::optional<struct stat> FolderEntry::facts() const
+{
+    return look(m_folder.get(), m_name, AT_SYMLINK_NOFOLLOW);
+}
+
+std::optional<struct stat> FolderEntry::factsOfTarget() const
+{
+    return look(m_folder.get(), m_name, 0);
+}
+
+bool FolderEntry::remove() const
+{
+    return ::unlinkat(m_folder.get(), m_name.constData(), 0) == 0;
+}
+
+bool FolderEntry::moveTo(const QByteArray &path) const
+{
+    return renameToFreeName(m_folder.get(), m_name, path);
+}
+
+bool FolderEntry::changeMode(mode_t mode) const
+{
+    const FileDescriptor file(
+        ::openat(m_folder.get(), m_name.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    struct stat facts = {};
+    if (!file.isOpen() || ::fstat(file.get(), &facts) != 0)
+        return false;
+    if (!S_ISREG(facts.st_mode) || facts.st_uid != ::geteuid()) {
+        errno = EPERM;
+        return false;
+    }
+    return ::fchmod(file.get(), mode) == 0;
+}
+
+} // namespace nurv
