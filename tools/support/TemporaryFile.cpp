@@ -72,21 +72,12 @@ TemporaryFile::TemporaryFile(const std::string &destination) : m_destination(des
 {
     struct stat former {};
     m_replaces = ::stat(m_destination.c_str(), &former) == 0;
-    // A file without a name can be given a free one only.
-    if (!m_replaces && openUnnamed())
-        return;
-    const SignalPause pause;
-    openNamed();
+    m_descriptor = unnamedFile::open(folder());
+    if (!m_descriptor.isOpen())
+        takeName([this] { openNamed(); });
     // A file system without modes has nothing to keep.
     if (m_replaces) [[maybe_unused]]
         const int done = ::fchmod(m_descriptor.get(), former.st_mode & 0777);
-    for (m_slot = 0; m_slot < g_paths.size(); ++m_slot) {
-        const char *none = nullptr;
-        if (g_paths[m_slot].compare_exchange_strong(none, m_path.c_str()))
-            return;
-    }
-    ::unlink(m_path.c_str());
-    failWrite(m_destination, EMFILE);
 }
 
 TemporaryFile::~TemporaryFile()
@@ -99,13 +90,16 @@ TemporaryFile::~TemporaryFile()
 
 void TemporaryFile::moveToDestination()
 {
-    if (m_path.empty()) {
-        nameUnnamed();
+    if (m_path.empty() && !m_replaces) {
+        if (!unnamedFile::name(m_descriptor, m_destination))
+            failWrite(m_destination, errno);
         return;
     }
     // A power cut must leave one of both; without this it may leave the name of an empty file.
     if (m_replaces && ::fsync(m_descriptor.get()) != 0)
         failWrite(m_destination, errno);
+    if (m_path.empty())
+        takeName([this] { nameUnnamed(); });
     if (!m_descriptor.close() || std::rename(m_path.c_str(), m_destination.c_str()) != 0)
         failWrite(m_destination, errno);
     forget();
@@ -117,21 +111,31 @@ std::string TemporaryFile::folder() const
     return slash == std::string::npos ? "./" : m_destination.substr(0, slash + 1);
 }
 
-bool TemporaryFile::openUnnamed()
+/// Runs `make`, which gives the file a hidden name, and notes that name for the signals.
+void TemporaryFile::takeName(const std::function<void()> &make)
 {
-    m_descriptor = unnamedFile::open(folder());
-    return m_descriptor.isOpen();
+    const SignalPause pause;
+    make();
+    for (m_slot = 0; m_slot < g_paths.size(); ++m_slot) {
+        const char *none = nullptr;
+        if (g_paths[m_slot].compare_exchange_strong(none, m_path.c_str()))
+            return;
+    }
+    ::unlink(m_path.c_str());
+    failWrite(m_destination, EMFILE);
 }
 
 void TemporaryFile::nameUnnamed()
 {
-    if (!unnamedFile::name(m_descriptor, m_destination))
-        failWrite(m_destination, errno);
-    if (m_descriptor.close())
+    bool isNamed = false;
+    do {
+        m_path = folder() + randomName();
+        isNamed = unnamedFile::name(m_descriptor, m_path);
+    } while (!isNamed && errno == EEXIST);
+    if (isNamed)
         return;
-    const int error = errno;
-    ::unlink(m_destination.c_str());
-    failWrite(m_destination, error);
+    m_path.clear();
+    failWrite(m_destination, errno);
 }
 
 void TemporaryFile::openNamed()
@@ -141,8 +145,10 @@ void TemporaryFile::openNamed()
         // Not mkstemp, whose mode shuts everybody else out.
         m_descriptor = FileDescriptor(::open(m_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
     } while (!m_descriptor.isOpen() && (errno == EEXIST || errno == EINTR));
-    if (!m_descriptor.isOpen())
-        failWrite(m_destination, errno);
+    if (m_descriptor.isOpen())
+        return;
+    m_path.clear();
+    failWrite(m_destination, errno);
 }
 
 void TemporaryFile::forget()

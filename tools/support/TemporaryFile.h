@@ -5,6 +5,7 @@
 #include "platform/FileDescriptor.h"
 
 #include <cstddef>
+#include <functional>
 #include <string>
 
 namespace nurv {
@@ -12,10 +13,10 @@ namespace nurv {
 /// A new file in the folder of the file that it shall become. It has no name until it is
 /// complete, so that nothing is left however the program ends.
 ///
-/// Where it replaces a file, or the file system knows no files without a name, it has a
-/// hidden one of its own. It is removed with this object, and by a signal that ends the
-/// program once `removeTemporaryFilesOnSignals` was called. At most eight of those live at
-/// a time.
+/// Where the file system knows no files without a name, and for the moment in which it takes
+/// the place of another one, it has a hidden name of its own. That is removed with this
+/// object, and by a signal that ends the program once `removeTemporaryFilesOnSignals` was
+/// called. At most eight of those live at a time.
 class TemporaryFile {
 public:
     /// Open for writing, with the mode of the file that it shall replace, or else that of
@@ -36,7 +37,7 @@ public:
     void moveToDestination();
 
 private:
-    [[nodiscard]] bool openUnnamed();
+    void takeName(const std::function<void()> &make);
     void nameUnnamed();
     void openNamed();
     void forget();

@@ -299,7 +299,7 @@ void expectFormerLeft(const QStringList &arguments, const QByteArray &input, con
     process.start(mac(), QStringList{u"-"_s, output} + arguments);
     ASSERT_TRUE(process.waitForStarted());
     process.write(input.first(input.size() / 2));
-    ASSERT_TRUE(waitUntil([&] { return folder.list().size() == 2; }));
+    ASSERT_TRUE(waitUntil([&] { return process.bytesToWrite() == 0; }));
     ::kill(static_cast<pid_t>(process.processId()), signal);
     ASSERT_TRUE(process.waitForFinished());
     EXPECT_EQ(process.exitStatus(), QProcess::CrashExit);

@@ -223,7 +223,7 @@ TEST(ShortenProgram, LeavesNothingBehindAfterASignal)
         QProcess process;
         process.start(shorten(), {u"-"_s, folder.write(u"out.shn"_s, "former")});
         process.write(asArray(Wave{.frames = 200'000}.file()).chopped(1000));
-        EXPECT_TRUE(nurv::test::waitUntil([&] { return folder.list().size() == 2 && process.bytesToWrite() == 0; }));
+        EXPECT_TRUE(nurv::test::waitUntil([&] { return process.bytesToWrite() == 0; }));
         ::kill(static_cast<pid_t>(process.processId()), signal);
         ASSERT_TRUE(process.waitForFinished(kLimitMs));
         EXPECT_EQ(process.exitStatus(), QProcess::CrashExit);

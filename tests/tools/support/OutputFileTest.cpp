@@ -12,7 +12,9 @@
 
 #include <gmock/gmock.h>
 
+#include <cerrno>
 #include <csignal>
+#include <cstdarg>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -28,6 +30,7 @@ namespace {
 
 /// How long the files were that were synchronised.
 QList<qint64> g_synced;
+bool g_knowsUnnamedFiles = true;
 
 } // namespace
 
@@ -37,6 +40,20 @@ extern "C" int fsync(int descriptor)
     struct stat status {};
     g_synced.append(::fstat(descriptor, &status) == 0 ? status.st_size : -1);
     return static_cast<int>(::syscall(SYS_fsync, descriptor));
+}
+
+/// The same, but for files without a name where there shall be none.
+extern "C" int open(const char *path, int flags, ...)
+{
+    if ((flags & O_TMPFILE) == O_TMPFILE && !g_knowsUnnamedFiles) {
+        errno = EOPNOTSUPP;
+        return -1;
+    }
+    va_list arguments;
+    va_start(arguments, flags);
+    const auto mode = static_cast<mode_t>((flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, int) : 0);
+    va_end(arguments);
+    return static_cast<int>(::syscall(SYS_openat, AT_FDCWD, path, flags, mode));
 }
 
 namespace nurv::test {
@@ -102,9 +119,7 @@ TEST_F(OutputFileTest, ReplacesAFileOnlyWhenAllIsWritten)
         output.write(bytesOf("new"));
         output.flush();
         EXPECT_EQ(m_folder.read(u"out"_s), "former");
-        ASSERT_EQ(m_folder.list().size(), 3);
-        EXPECT_THAT(m_folder.list().front().toStdString(), StartsWith(".nurv-"));
-        EXPECT_EQ(m_folder.read(m_folder.list().front()), "new");
+        EXPECT_EQ(m_folder.list(), (QStringList{u"in"_s, u"out"_s}));
         output.commit();
         EXPECT_EQ(m_folder.read(u"out"_s), "new");
     }
@@ -119,10 +134,56 @@ TEST_F(OutputFileTest, LeavesNothingWhenItIsGivenUp)
         output.write(bytesOf(std::string(300'000, 'x')));
         OutputFile another(path(u"another"_s), input());
         another.write(bytesOf(std::string(300'000, 'x')));
-        EXPECT_EQ(m_folder.list().size(), 3);
+        EXPECT_EQ(m_folder.list().size(), 2);
     }
     EXPECT_EQ(m_folder.list(), (QStringList{u"in"_s, u"out"_s}));
     EXPECT_EQ(m_folder.read(u"out"_s), "former");
+}
+
+/// On a file system without files that have no name.
+class NamedOutputFileTest : public OutputFileTest {
+protected:
+    NamedOutputFileTest() { g_knowsUnnamedFiles = false; }
+    ~NamedOutputFileTest() override { g_knowsUnnamedFiles = true; }
+};
+
+TEST_F(NamedOutputFileTest, ReplacesAFileOnlyWhenAllIsWritten)
+{
+    m_folder.write(u"out"_s, "former");
+    OutputFile output(path(u"out"_s), input());
+    output.write(bytesOf("new"));
+    output.flush();
+    EXPECT_EQ(m_folder.read(u"out"_s), "former");
+    ASSERT_EQ(m_folder.list().size(), 3);
+    EXPECT_THAT(m_folder.list().front().toStdString(), StartsWith(".nurv-"));
+    EXPECT_EQ(m_folder.read(m_folder.list().front()), "new");
+    output.commit();
+    EXPECT_EQ(m_folder.read(u"out"_s), "new");
+    EXPECT_EQ(m_folder.list(), (QStringList{u"in"_s, u"out"_s}));
+}
+
+TEST_F(NamedOutputFileTest, LeavesNothingWhenItIsGivenUp)
+{
+    {
+        OutputFile output(path(u"out"_s), input());
+        output.write(bytesOf(std::string(300'000, 'x')));
+        OutputFile another(path(u"another"_s), input());
+        EXPECT_EQ(m_folder.list().size(), 3);
+    }
+    EXPECT_EQ(m_folder.list(), QStringList{u"in"_s});
+}
+
+TEST_F(NamedOutputFileTest, KeepsTheModeOfTheFileThatItReplacesFromTheStart)
+{
+    m_folder.write(u"out"_s, "former");
+    for (const mode_t mode : {0600U, 0640U, 0666U}) {
+        ASSERT_EQ(::chmod(path(u"out"_s).c_str(), mode), 0);
+        OutputFile output(path(u"out"_s), input());
+        // Nobody else shall read what is private.
+        EXPECT_EQ(modeOf(m_folder.list().front()), mode);
+        output.commit();
+        EXPECT_EQ(modeOf(u"out"_s), mode);
+    }
 }
 
 TEST_F(OutputFileTest, HasNoNameBeforeAllIsWritten)
@@ -200,8 +261,6 @@ TEST_F(OutputFileTest, KeepsTheModeOfTheFileThatItReplaces)
     for (const mode_t mode : {0600U, 0640U, 0666U}) {
         ASSERT_EQ(::chmod(path(u"out"_s).c_str(), mode), 0);
         OutputFile output(path(u"link"_s), input());
-        // From the start on: nobody else shall read what is private.
-        EXPECT_EQ(modeOf(m_folder.list().front()), mode);
         output.write(bytesOf("new"));
         output.commit();
         EXPECT_EQ(modeOf(u"out"_s), mode);

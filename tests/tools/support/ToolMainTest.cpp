@@ -167,7 +167,6 @@ TEST_P(EndedBySignal, LeavesTheFormerFileAndNothingElse)
     process.start(copyTool(), {u"--wait"_s, in, out});
     process.setReadChannel(QProcess::StandardError);
     ASSERT_TRUE(process.waitForReadyRead(30'000));
-    EXPECT_EQ(folder.list().size(), 3);
     ::kill(static_cast<pid_t>(process.processId()), GetParam());
     ASSERT_TRUE(process.waitForFinished(30'000));
     EXPECT_EQ(process.exitStatus(), QProcess::CrashExit);

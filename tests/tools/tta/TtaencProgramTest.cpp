@@ -318,7 +318,7 @@ void expectFormerLeft(const QString &direction, const QByteArray &input)
     process.start(ttaenc(), {direction, u"-"_s, u"-o"_s, output});
     ASSERT_TRUE(process.waitForStarted());
     process.write(input.first(input.size() / 2));
-    ASSERT_TRUE(waitUntil([&] { return folder.list().size() == 2; }));
+    ASSERT_TRUE(waitUntil([&] { return process.bytesToWrite() == 0; }));
     ::kill(static_cast<pid_t>(process.processId()), SIGTERM);
     ASSERT_TRUE(process.waitForFinished());
     EXPECT_EQ(process.exitStatus(), QProcess::CrashExit);
