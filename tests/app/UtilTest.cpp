@@ -4,6 +4,7 @@
 
 #include "app/NURVController.h"
 #include "app/TestApplication.h"
+#include "platform/FileFacts.h"
 #include "platform/NurvFailure.h"
 #include "support/TestFolder.h"
 
@@ -216,6 +217,21 @@ TEST_F(UtilTest, RemovesALinkAndNotWhatItNames)
     const QString link = folder.makeLink(u"link.flac"_s, original);
     Util::deleteFile(link);
     EXPECT_THAT(folder.list(), ElementsAre(u"a.flac"_s));
+}
+
+TEST_F(UtilTest, RemovesOnlyTheVeryFileThatWasLookedAt)
+{
+    const QString path = folder.write(u"a.wav"_s, "sound");
+    const auto seen = factsOf(path);
+    folder.write(u"other.wav"_s, "another");
+    ASSERT_TRUE(QFile::remove(path) && QFile::rename(folder.path(u"other.wav"_s), path));
+    for (const int choice : {0, 1}) {
+        SettingsStore::instance().setValue(u"trashOrDelete"_s, choice);
+        EXPECT_EQ(Util::removeFile(path, {}, seen), Util::Removal::Stayed);
+        EXPECT_EQ(folder.read(u"a.wav"_s), "another");
+    }
+    SettingsStore::instance().setValue(u"trashOrDelete"_s, 0);
+    EXPECT_EQ(Util::removeFile(path, {}, factsOf(path)), Util::Removal::Deleted);
 }
 
 TEST_F(UtilTest, NeverDeletesAFolderForGood)

@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "convert/ConvertFixture.h"
+#include "convert/TaggedSource.h"
 
 #include "platform/WorkerThreads.h"
 
 #include <QFileInfo>
-#include <QtEndian>
 
 #include <ostream>
 
@@ -13,73 +13,6 @@ using namespace Qt::StringLiterals;
 
 namespace nurv {
 namespace {
-
-const QString kTitle = u"Ночь “8½”"_s;
-const QString kArtist = u"Ensemble & Söhne"_s;
-
-/// An APEv2 tag as it stands at the end of a file: items and a footer.
-QByteArray apeTag(const QList<std::pair<QByteArray, QString>> &items)
-{
-    const auto number = [](quint32 value) {
-        QByteArray bytes(4, Qt::Uninitialized);
-        qToLittleEndian(value, bytes.data());
-        return bytes;
-    };
-    QByteArray body;
-    for (const auto &[key, text] : items) {
-        const QByteArray value = text.toUtf8();
-        body += number(static_cast<quint32>(value.size())) + number(0) + key + '\0' + value;
-    }
-    return body + "APETAGEX" + number(2000) + number(static_cast<quint32>(body.size() + 32))
-           + number(static_cast<quint32>(items.size())) + number(0) + QByteArray(8, '\0');
-}
-
-void runOrFail(const QString &program, const QStringList &arguments)
-{
-    const test::ProgramResult result = test::runProgram(program, arguments);
-    ASSERT_EQ(result.exitStatus, 0) << qPrintable(program) << ' ' << result.errors.constData();
-}
-
-QString builtTool(const QString &name)
-{
-    return QString::fromLocal8Bit(NURV_BUILT_TOOLS) + u'/' + name;
-}
-
-/// Makes a tagged file of that kind by other programs than the conversion's own, but for
-/// Shorten and Monkey's Audio, which only the bundled ones write.
-void makeSource(const QString &path, const QString &kind, const test::SoundShape &shape)
-{
-    const QStringList tags{u"-metadata"_s, u"title="_s + kTitle, u"-metadata"_s, u"artist="_s + kArtist};
-    const QString wav = path + u".plain.wav"_s;
-    if (kind == u"WAV") {
-        test::writeWav(path, shape);
-    } else if (kind == u"AIFF") {
-        const QString codec = shape.bits == 8 ? u"pcm_s8"_s : u"pcm_s%1be"_s.arg(shape.bits);
-        test::writeByFfmpeg(path, shape, QStringList{u"-c:a"_s, codec, u"-write_id3v2"_s, u"1"_s} + tags);
-    } else if (kind == u"FLAC" && shape.bits == 8) {
-        // FFmpeg's encoder makes 16 bits of them.
-        runOrFail(u"flac"_s, {u"-s"_s, u"--tag=title="_s + kTitle, u"--tag=artist="_s + kArtist,
-                              test::writeWav(wav, shape), u"-o"_s, path});
-    } else if (kind == u"FLAC" || kind == u"M4A") {
-        QStringList codec;
-        if (kind == u"M4A")
-            codec << u"-c:a"_s << u"alac"_s << u"-sample_fmt"_s << (shape.bits == 16 ? u"s16p"_s : u"s32p"_s);
-        test::writeByFfmpeg(path, shape, codec + tags);
-    } else if (kind == u"TTA") {
-        test::writeByFfmpeg(path, shape);
-    } else if (kind == u"WV") {
-        runOrFail(u"wavpack"_s, {u"-q"_s, u"-w"_s, u"Title="_s + kTitle, u"-w"_s, u"Artist="_s + kArtist,
-                                 test::writeWav(wav, shape), u"-o"_s, path});
-    } else if (kind == u"SHN") {
-        runOrFail(builtTool(u"shorten"_s), {test::writeWav(wav, shape), path});
-    } else if (kind == u"APE") {
-        runOrFail(builtTool(u"mac"_s), {test::writeWav(wav, shape), path, u"-c1000"_s});
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::Append));
-        file.write(apeTag({{"Title", kTitle}, {"Artist", kArtist}}));
-    }
-    ASSERT_TRUE(!QFile::exists(wav) || QFile::remove(wav));
-}
 
 /// What becomes of a source in a format.
 enum class Outcome {
@@ -203,12 +136,12 @@ private:
     static void expectTags(const QString &output, bool hasTags)
     {
         const auto tags = test::ffprobeTags(output);
-        EXPECT_EQ(tags.value(u"title"_s), hasTags ? kTitle : QString());
-        EXPECT_EQ(tags.value(u"artist"_s), hasTags ? kArtist : QString());
+        EXPECT_EQ(tags.value(u"title"_s), hasTags ? test::kSourceTitle : QString());
+        EXPECT_EQ(tags.value(u"artist"_s), hasTags ? test::kSourceArtist : QString());
         if (hasTags && output.endsWith(u".flac"_s)) {
             QStringList fields = test::metaflacTags(output);
-            EXPECT_TRUE(fields.contains(u"TITLE="_s + kTitle, Qt::CaseInsensitive)) << qPrintable(fields.join(u'\n'));
-            EXPECT_TRUE(fields.contains(u"ARTIST="_s + kArtist, Qt::CaseInsensitive));
+            EXPECT_TRUE(fields.contains(u"TITLE="_s + test::kSourceTitle, Qt::CaseInsensitive)) << qPrintable(fields.join(u'\n'));
+            EXPECT_TRUE(fields.contains(u"ARTIST="_s + test::kSourceArtist, Qt::CaseInsensitive));
         }
     }
 };
@@ -219,7 +152,7 @@ TEST_P(EncodingMatrixTest, ReachesEveryFormatThatItsProgramsKnow)
 {
     const QString &kind = GetParam().source;
     const QString source = folder.path(u"Track 01."_s + kind.toLower());
-    makeSource(source, kind, GetParam().shape());
+    test::makeTaggedSource(source, kind, GetParam().shape());
     EncodeTab tab(controller);
     for (const QString &format : {u"SHN"_s, u"FLAC"_s, u"APE"_s, u"WV"_s, u"TTA"_s, u"M4A"_s})
         convert(tab, source, format, encodingOutcome(kind, format, GetParam().shape()));
@@ -231,7 +164,7 @@ TEST_P(DecodingMatrixTest, ReachesWavAndAiff)
 {
     const QString &kind = GetParam().source;
     const QString source = folder.path(u"Track 01."_s + kind.toLower());
-    makeSource(source, kind, GetParam().shape());
+    test::makeTaggedSource(source, kind, GetParam().shape());
     DecodeTab tab(controller);
     for (const QString &format : {u"WAV"_s, u"AIFF"_s})
         convert(tab, source, format, decodingOutcome(kind, format));

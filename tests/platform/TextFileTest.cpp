@@ -109,6 +109,22 @@ TEST(TextFile, FollowsALinkToWhereItLeads)
     EXPECT_EQ(folder.read(u"real/made.txt"_s), QByteArray("made"));
 }
 
+TEST(TextFile, TakesThePlaceOfALinkWhereThatIsAskedFor)
+{
+    const test::TestFolder folder;
+    const QString real = folder.write(u"real.txt"_s, "somebody's");
+    for (const QString &target : {real, folder.path(u"nowhere"_s), folder.makeFolder(u"folder"_s), u"/dev/null"_s}) {
+        const QString link = folder.makeLink(u"link"_s, target);
+        QString reason;
+        EXPECT_TRUE(writeTextFileAtomically(link, u"text\n"_s, &reason, LinkAtName::Replaced)) << qPrintable(reason);
+        EXPECT_FALSE(QFileInfo(link).isSymLink());
+        EXPECT_EQ(folder.read(u"link"_s), "text\n");
+        folder.remove(u"link"_s);
+    }
+    EXPECT_EQ(folder.read(u"real.txt"_s), "somebody's");
+    EXPECT_EQ(folder.list(), QStringList{u"real.txt"_s});
+}
+
 TEST(TextFile, WritesANameOfTheGreatestLength)
 {
     const TestFolder folder;

@@ -1,0 +1,84 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/FolderEntry.h"
+
+#include "platform/FileFacts.h"
+#include "support/TestFolder.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+namespace {
+
+struct FolderEntryTest : ::testing::Test {
+    /// Somebody puts a link to a folder of his choice into the place of the one that is open.
+    void swapFolders() const
+    {
+        ASSERT_TRUE(QDir(folder.path()).rename(u"music"_s, u"aside"_s));
+        folder.makeLink(u"music"_s, folder.path(u"private"_s));
+    }
+
+    test::TestFolder folder;
+    const QString song = folder.write(u"music/01.wav"_s, "sound");
+    const QString secret = folder.write(u"private/01.wav"_s, "secret");
+};
+
+} // namespace
+
+TEST_F(FolderEntryTest, RemovesInTheFolderThatWasOpened)
+{
+    const FolderEntry entry(song);
+    swapFolders();
+    EXPECT_TRUE(entry.remove());
+    EXPECT_EQ(folder.list(), (QStringList{u"private/01.wav"_s}));
+    EXPECT_FALSE(entry.remove());
+    EXPECT_EQ(errno, ENOENT);
+}
+
+TEST_F(FolderEntryTest, MovesInTheFolderThatWasOpened)
+{
+    const FolderEntry entry(song);
+    swapFolders();
+    EXPECT_TRUE(entry.moveTo(QFile::encodeName(folder.path(u"moved"_s))));
+    EXPECT_EQ(folder.read(u"moved"_s), "sound");
+    EXPECT_EQ(folder.read(u"private/01.wav"_s), "secret");
+}
+
+TEST_F(FolderEntryTest, LooksIntoTheFolderThatWasOpened)
+{
+    const FolderEntry entry(song);
+    const auto before = factsOf(song);
+    swapFolders();
+    ASSERT_TRUE(before && entry.facts());
+    EXPECT_TRUE(isUntouched(*before, *entry.facts()));
+}
+
+TEST_F(FolderEntryTest, ChangesThePermissionsOfAFileAndOfNoLink)
+{
+    EXPECT_TRUE(FolderEntry(song).changeMode(0640));
+    EXPECT_EQ(factsOf(song)->st_mode & 0777U, 0640U);
+    ASSERT_TRUE(FolderEntry(secret).changeMode(0600));
+    const QString link = folder.makeLink(u"music/link"_s, secret);
+    EXPECT_FALSE(FolderEntry(link).changeMode(0644));
+    EXPECT_EQ(errno, ELOOP);
+    EXPECT_FALSE(FolderEntry(folder.path(u"music"_s)).changeMode(0777));
+    EXPECT_EQ(factsOf(secret)->st_mode & 0777U, 0600U);
+}
+
+TEST_F(FolderEntryTest, TellsWhenThereIsNoFolder)
+{
+    const FolderEntry entry(folder.path(u"nowhere/a"_s));
+    EXPECT_FALSE(entry.isFolderOpen());
+    EXPECT_FALSE(entry.facts());
+    EXPECT_FALSE(entry.remove());
+}
+
+} // namespace nurv
