@@ -7,6 +7,7 @@
 #include "engine/ToolRunSync.h"
 #include "journal/NotedTemporary.h"
 #include "platform/AudioPackets.h"
+#include "platform/FileFacts.h"
 #include "platform/FolderEntry.h"
 #include "platform/NurvFailure.h"
 #include "platform/ResourceFolder.h"
@@ -25,6 +26,7 @@
 
 #include <id3v1genres.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <exception>
 #include <mutex>
@@ -213,7 +215,8 @@ QStringList temporariesOfParsley(const QString &path)
     const QFileInfo file(path);
     const QRegularExpression name(u'^' + QRegularExpression::escape(file.completeBaseName()) + u"-temp-\\d+\\."_s
                                   + QRegularExpression::escape(file.suffix()) + u'$');
-    return file.dir().entryList(QDir::Files | QDir::Hidden).filter(name);
+    // With those that are links to nowhere.
+    return file.dir().entryList(QDir::Files | QDir::Hidden | QDir::System).filter(name);
 }
 
 /// Removes what an AtomicParsley that was ended has left beside `path`.
@@ -333,6 +336,12 @@ void AACTagsHelper::makeGapless(const QString &path, const std::function<bool()>
 void AACTagsHelper::runParsley(const QString &path, const std::function<bool()> &isUnwanted)
 {
     const QStringList formerTemporaries = temporariesOfParsley(path);
+    // It would write through the one whose number it draws.
+    const auto leads = [&path](const QString &name) { return isLink(joinPath(folderOf(path), name)); };
+    if (std::any_of(formerTemporaries.begin(), formerTemporaries.end(), leads)) {
+        qCWarning(tagsLog).noquote() << "Not marked as gapless, since links have the names of its program's files:" << path;
+        return;
+    }
     ToolRunSync parsley(toolPath(u"AtomicParsley"_s), {path, u"--overWrite"_s, u"--gapless"_s, u"--true"_s});
     parsley.environment().insert(u"AP_PADDING"_s, u"\"DEFAULT_PAD=0:MAX_PAD=0\""_s);
     QString recent;

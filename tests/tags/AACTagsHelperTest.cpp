@@ -569,6 +569,20 @@ TEST_F(AACTagsHelperFiles, RunsTheProgramForGaplessFilesWithoutPadding)
     EXPECT_EQ(folder.read(u"a b.m4a"_s), QByteArray("\"DEFAULT_PAD=0:MAX_PAD=0\""));
 }
 
+TEST_F(AACTagsHelperFiles, StartsNoProgramForGaplessFilesThatCouldWriteThroughALink)
+{
+    const ToolFolder tools;
+    const QString log = folder.path(u"log"_s);
+    tools.addFake(u"AtomicParsley"_s, "log=" + log.toUtf8());
+    const QString path = folder.write(u"a.m4a"_s, "no sound");
+    const QString link = folder.makeLink(u"a-temp-4711.m4a"_s, folder.path(u"nowhere"_s));
+    AACTagsHelper::makeGapless(path);
+    EXPECT_FALSE(folder.exists(u"log"_s));
+    ASSERT_TRUE(QFile::remove(link));
+    AACTagsHelper::makeGapless(path);
+    EXPECT_TRUE(folder.exists(u"log"_s));
+}
+
 TEST_F(AACTagsHelperFiles, DoesNotMindAMissingOrFailingProgramForGaplessFiles)
 {
     const ToolFolder tools;
