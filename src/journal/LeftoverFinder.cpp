@@ -135,8 +135,10 @@ void LeftoverFinder::lookAtOutput(const PlannedOutput &planned)
     if (planned.hasEnded && !planned.hasOpenAside())
         return;
     const Facts present = factsOf(planned.output);
-    if (!planned.hasEnded && (planned.begunNs || !m_areMarksExact)) {
+    // Before the output itself is begun, what goes before it may be.
+    if (!planned.hasEnded)
         m_folders.insert(folderOf(planned.output));
+    if (!planned.hasEnded && (planned.begunNs || !m_areMarksExact)) {
         m_begunOutputs.insert(planned.output, planned.begunNs.value_or(m_contents.beganNs));
         lookAtScratchFiles(planned);
     }

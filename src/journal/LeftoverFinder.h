@@ -62,7 +62,7 @@ private:
     const std::int64_t m_bootedNs;
     const std::int64_t m_nowNs;
     UnfinishedRun m_run;
-    QSet<QByteArray> m_folders; ///< in which something was being made
+    QSet<QByteArray> m_folders; ///< in which something was to be made, and may have been
     QHash<QByteArray, std::int64_t> m_begunOutputs; ///< when, of those that were not ended
 };
 

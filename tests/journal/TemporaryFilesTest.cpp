@@ -111,6 +111,12 @@ TEST_F(TemporaryFilesTest, WhatWasKilledBeforeItsNoteGoes)
     EXPECT_THAT(cleaned(), ElementsAre(u"removed "_s + kStage)) << "what is in use is never empty for long";
 }
 
+TEST_F(TemporaryFilesTest, WhatWasKilledOnTheWayToAnOutputGoes)
+{
+    test::runAndKill({two("plan", u"a.flac"_s, u"a.wav"_s), u"begin"_s, write(kStage, u""_s)});
+    EXPECT_THAT(cleaned(), ElementsAre(u"removed "_s + kStage));
+}
+
 TEST_F(TemporaryFilesTest, WhatIsOlderThanTheBatchStays)
 {
     folder.write(kPart, "x");
