@@ -71,7 +71,8 @@ class CheckHardening(unittest.TestCase):
 
     def test_no_checks_by_the_compiler(self):
         self.assert_fault(self.program.replace(b"__stack_chk_fail\0", b"__stack_xxx_fail\0"), "stack protector")
-        self.assert_fault(self.program.replace(b"_chk\0", b"_xxx\0"), "checked function")
+        unchecked = b"fprintf\0".ljust(len(b"__fprintf_chk\0"), b"\0")
+        self.assert_fault(self.program.replace(b"__fprintf_chk\0", unchecked), "it calls fprintf, not the checked")
         self.assert_fault(self.program.replace(b"__glibcxx_assert", b"__glibcxx_xxxxxx"), "assertions are off")
 
     def test_jumps_anywhere(self):
