@@ -38,8 +38,42 @@ nurv_missing_packages() {
     done
 }
 
+# nurv_person_agrees: asks whether to install them, where somebody sits at the
+# terminal. Enter alone means no.
+nurv_person_agrees() {
+    if [[ ${CI:-} == true || ! -t 0 || ! -t 2 ]]; then
+        return 0
+    fi
+    local answer=
+    printf 'Install them, and what they need, with apt-get? [y/N] ' >&2
+    read -r answer || printf '\n' >&2
+    [[ $answer == [yY] || $answer == [yY][eE][sS] ]]
+}
+
+# nurv_apt_get ARGUMENT...: runs it as root, without questions of its own.
+nurv_apt_get() {
+    local -a as_root=(env)
+    if ((EUID != 0)); then
+        as_root=(sudo env)
+    fi
+    "${as_root[@]}" DEBIAN_FRONTEND=noninteractive apt-get -q -y -o DPkg::Lock::Timeout=300 "$@" >&2
+}
+
+# nurv_tell_removals PACKAGE...: names what apt-get would remove for the packages, if anything.
+nurv_tell_removals() {
+    local -a removed
+    mapfile -t removed < <(
+        apt-get --simulate --quiet --yes install --no-install-recommends "$@" 2>/dev/null </dev/null \
+            | sed -n 's/^Remv \([^ ]*\).*/\1/p'
+    )
+    if ((${#removed[@]} > 0)); then
+        printf 'Nothing was installed, because these packages would have been removed: %s\n' "${removed[*]}" >&2
+    fi
+}
+
 # nurv_install_missing PACKAGE...: names what is missing on standard error and
-# installs it. Does nothing, quickly, when nothing is missing.
+# installs it, when a person who sits there agrees. Removes nothing. Does nothing,
+# quickly, when nothing is missing.
 nurv_install_missing() {
     if ! command -v dpkg-query >/dev/null; then
         printf 'This is no Debian system: provide these packages yourself: %s\n' "$*" >&2
@@ -50,16 +84,20 @@ nurv_install_missing() {
     if ((${#missing[@]} == 0)); then
         return 0
     fi
-    printf 'Installing missing packages: %s\n' "${missing[*]}" >&2
-    local -a as_root=(env)
-    if ((EUID != 0)); then
-        if ! command -v sudo >/dev/null; then
-            printf 'There is no sudo here. Run this as root, then try again:\n  apt-get install %s\n' "${missing[*]}" >&2
-            return 1
-        fi
-        as_root=(sudo env)
+    local command="apt-get install --no-install-recommends ${missing[*]}"
+    if ((EUID != 0)) && ! command -v sudo >/dev/null; then
+        printf 'There is no sudo here. Run this as root, then try again:\n  %s\n' "$command" >&2
+        return 1
     fi
-    as_root+=(DEBIAN_FRONTEND=noninteractive apt-get -q -y -o DPkg::Lock::Timeout=300)
-    "${as_root[@]}" update >&2
-    "${as_root[@]}" install --no-install-recommends "${missing[@]}" >&2
+    printf 'These packages are missing: %s\n' "${missing[*]}" >&2
+    if ! nurv_person_agrees; then
+        printf 'Nothing was installed. To do it yourself, run this as root:\n  %s\n' "$command" >&2
+        return 1
+    fi
+    printf 'Installing missing packages: %s\n' "${missing[*]}" >&2
+    nurv_apt_get update || return
+    nurv_apt_get install --no-remove --no-install-recommends "${missing[@]}" || {
+        nurv_tell_removals "${missing[@]}"
+        return 1
+    }
 }

@@ -3,6 +3,7 @@
 #include "cli/Console.h"
 
 #include "cli/TextWidth.h"
+#include "platform/PrintableText.h"
 #include "platform/SystemError.h"
 #include "platform/WriteAll.h"
 
@@ -85,7 +86,7 @@ void Console::writeOutput(const QString &text)
 
 void Console::writeJson(const QJsonObject &object)
 {
-    writeOutput(QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)) + u'\n');
+    writeOutput(printableJson(QJsonDocument(object).toJson(QJsonDocument::Compact)) + u'\n');
 }
 
 void Console::writeNote(const QString &line)

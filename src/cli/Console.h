@@ -36,7 +36,8 @@ public:
 
     /// Writes text to standard output, as it stands unless that is a terminal.
     void writeOutput(const QString &text);
-    /// Writes the object as one line to standard output.
+    /// Writes the object as one line to standard output, with nothing in it that a terminal
+    /// obeys.
     void writeJson(const QJsonObject &object);
     /// Writes "nurv: <line>" to standard error.
     void writeNote(const QString &line);

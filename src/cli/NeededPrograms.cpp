@@ -2,11 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/NeededPrograms.h"
 
+#include "engine/ToolEnvironment.h"
 #include "platform/ExternalPrograms.h"
 #include "platform/ResourceFolder.h"
 
 #include <QFileInfo>
-#include <QStandardPaths>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -26,6 +28,14 @@ bool isProgram(const QString &path)
 {
     const QFileInfo file(path);
     return file.isFile() && file.isExecutable();
+}
+
+/// Whether shntool would find it: along the PATH that children get, the resource folder included.
+bool isAlongPath(const QString &name)
+{
+    const QStringList folders = toolEnvironment().value(u"PATH"_s).split(u':');
+    return std::any_of(folders.begin(), folders.end(),
+                       [&name](const QString &folder) { return isProgram(folder + u'/' + name); });
 }
 
 /// A text for a program that cannot be started from the resource folder.
@@ -53,8 +63,7 @@ QStringList NeededPrograms::missing() const
             texts.append(missingText(name));
     }
     for (const QString &name : helpers) {
-        const bool isThere = isProgram(toolPath(name)) || !QStandardPaths::findExecutable(name).isEmpty();
-        if (!isThere && !launched.contains(name))
+        if (!isAlongPath(name) && !launched.contains(name))
             texts.append(missingText(name));
     }
     return texts;

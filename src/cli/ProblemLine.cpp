@@ -3,6 +3,7 @@
 #include "cli/ProblemLine.h"
 
 #include "app/PathNames.h"
+#include "platform/PrintableText.h"
 #include "platform/RegularExpression.h"
 
 #include <array>
@@ -119,7 +120,8 @@ QString problemLine(const QString &report, const QString &sourcePath, const QStr
     static const std::array vague{u"its program made no output"_s, u"Got error code"_s};
     QString reason;
     QString vagueReason;
-    const QStringList lines = report.split(u'\n');
+    // Our own programs show what a terminal would obey in a name, the others do not.
+    const QStringList lines = QString(report).replace(printableText(sourcePath), sourcePath).split(u'\n');
     for (const QString &written : lines) {
         if (asksToOverwrite(written)) {
             reason = u"its output exists already"_s;

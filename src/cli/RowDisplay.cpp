@@ -6,6 +6,7 @@
 #include "cli/TextWidth.h"
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskQueue.h"
+#include "platform/PrintableText.h"
 
 #include <algorithm>
 #include <chrono>

@@ -26,14 +26,6 @@ int characterWidth(char32_t character)
     return eastAsianWidth == U_EA_WIDE || eastAsianWidth == U_EA_FULLWIDTH ? 2 : 1;
 }
 
-bool isObeyedByTerminals(char32_t character)
-{
-    const QChar::Category category = QChar::category(character);
-    const bool isDirectionMark = u_hasBinaryProperty(static_cast<UChar32>(character), UCHAR_BIDI_CONTROL);
-    return isDirectionMark || category == QChar::Other_Control || category == QChar::Separator_Line
-           || category == QChar::Separator_Paragraph;
-}
-
 /// The most characters from the front that fit into `columns`.
 QString frontPart(const QList<char32_t> &characters, int columns)
 {
@@ -72,30 +64,6 @@ int displayWidth(const QString &text)
     for (const char32_t character : charactersOf(text))
         width += characterWidth(character);
     return width;
-}
-
-QString printableLine(const QString &text)
-{
-    QString result;
-    for (const char32_t character : charactersOf(text)) {
-        if (character == U'\n' || character == U'\r' || character == U'\t')
-            result += u' ';
-        else if (isObeyedByTerminals(character))
-            result += QChar(QChar::ReplacementCharacter);
-        else
-            result += QString::fromUcs4(&character, 1);
-    }
-    return result;
-}
-
-QString printableText(const QString &text)
-{
-    QString result;
-    for (const char32_t character : charactersOf(text)) {
-        if (character == U'\n' || character == U'\t' || !isObeyedByTerminals(character))
-            result += QString::fromUcs4(&character, 1);
-    }
-    return result;
 }
 
 QString elideMiddle(const QString &text, int columns)

@@ -10,13 +10,6 @@ namespace nurv {
 /// combining ones.
 [[nodiscard]] int displayWidth(const QString &text);
 
-/// The text on one line with nothing in it that a terminal would obey: control
-/// characters and direction marks become U+FFFD, line ends and tabs blanks.
-[[nodiscard]] QString printableLine(const QString &text);
-
-/// The text with line ends and tabs kept and other control characters left out.
-[[nodiscard]] QString printableText(const QString &text);
-
 /// The text cut to `columns`, with an ellipsis in the middle when it is longer,
 /// so that the number and the extension of a file name both stay visible.
 [[nodiscard]] QString elideMiddle(const QString &text, int columns);

@@ -9,13 +9,6 @@ using namespace Qt::StringLiterals;
 
 namespace nurv {
 
-namespace {
-
-/// What a shell of the distribution would search when PATH is not set.
-constexpr QStringView kDefaultPath = u"/usr/local/bin:/usr/bin:/bin";
-
-} // namespace
-
 ChildEnvironment toolEnvironment()
 {
     ChildEnvironment result = processEnvironment();
@@ -25,8 +18,8 @@ ChildEnvironment toolEnvironment()
 
 void appendToPATH(ChildEnvironment &environment, const QString &folder)
 {
-    const QString path = environment.value(u"PATH"_s, kDefaultPath.toString());
-    environment.insert(u"PATH"_s, path + u':' + folder);
+    const QString path = safeSearchPath(environment.value(u"PATH"_s));
+    environment.insert(u"PATH"_s, safeSearchPath(path + u':' + folder));
 }
 
 void setUnbuffered(ChildEnvironment &environment)

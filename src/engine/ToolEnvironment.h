@@ -10,7 +10,8 @@ namespace nurv {
 /// its programs are found after the user's own programs of the same name.
 [[nodiscard]] ChildEnvironment toolEnvironment();
 
-/// Sets PATH to its current value, a colon and the folder.
+/// Sets PATH to its current value, a colon and the folder. Entries that are not absolute,
+/// by which a child would find programs in the current folder, are dropped.
 void appendToPATH(ChildEnvironment &environment, const QString &folder);
 
 /// Asks the child to write its output as it comes ("NSUnbufferedIO").

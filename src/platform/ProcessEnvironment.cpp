@@ -2,9 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/ProcessEnvironment.h"
 
+#include "platform/SearchPath.h"
+
 #include <QFile>
 
 #include <unistd.h>
+
+using namespace Qt::StringLiterals;
 
 namespace nurv {
 
@@ -17,7 +21,14 @@ ChildEnvironment processEnvironment()
         if (equals > 0)
             result.insert(QFile::decodeName(text.left(equals)), QFile::decodeName(text.mid(equals + 1)));
     }
+    if (const auto path = result.constFind(u"PATH"_s); path != result.cend())
+        result.insert(u"PATH"_s, safeSearchPath(*path));
     return result;
+}
+
+QString safeSearchPath(const QString &path)
+{
+    return QString::fromStdString(safeSearchPath(path.toStdString()));
 }
 
 } // namespace nurv

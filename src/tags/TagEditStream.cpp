@@ -330,7 +330,7 @@ std::optional<QString> TagEditStream::commitInPlace()
     if (growth > 0) {
         const int error = ::posix_fallocate(file, m_fileLength, growth);
         if (error != 0) {
-            static_cast<void>(::ftruncate(file, m_fileLength));
+            [[maybe_unused]] const int cut = ::ftruncate(file, m_fileLength);
             return systemErrorText(error);
         }
     }
@@ -369,7 +369,7 @@ std::optional<QString> TagEditStream::commitInPlace()
         return std::nullopt;
     for (const Overwrite &overwrite : overwrites)
         static_cast<void>(writeFully(file, overwrite.oldBytes.data(), overwrite.oldBytes.size(), overwrite.start));
-    static_cast<void>(::ftruncate(file, m_fileLength));
+    [[maybe_unused]] const int cut = ::ftruncate(file, m_fileLength);
     return systemErrorText(error);
 }
 

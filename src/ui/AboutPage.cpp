@@ -5,6 +5,7 @@
 #include "app/NURVController.h"
 #include "platform/ExternalPrograms.h"
 #include "platform/GuiThread.h"
+#include "platform/PrintableText.h"
 #include "platform/WorkerThreads.h"
 #include "ui/ApplicationIcon.h"
 #include "ui/StatusQueueCell.h"
@@ -154,7 +155,7 @@ void AboutPage::showStatus(int row, const ProgramStatus &status)
     item->setForeground(Found,
                         isFound ? palette().brush(QPalette::Text) : QBrush(StatusQueueCell::systemRed(palette())));
     item->setText(Version, status.version);
-    item->setText(Path, status.path);
+    item->setText(Path, printableLine(status.path));
     item->setToolTip(Path, toolTipText(status.path));
 }
 

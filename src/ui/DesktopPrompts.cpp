@@ -2,9 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/DesktopPrompts.h"
 
+#include "platform/PrintableText.h"
+
 #include <QApplication>
 #include <QDir>
 #include <QFileDialog>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -49,8 +52,12 @@ QString DesktopPrompts::ask(const Alert &alert)
     box.setObjectName(u"alert"_s);
     box.setWindowTitle(QApplication::applicationDisplayName());
     box.setTextFormat(Qt::PlainText);
-    box.setText(alert.title);
-    box.setInformativeText(alert.message);
+    box.setText(printableText(alert.title));
+    box.setInformativeText(printableText(alert.message));
+    // The box keeps the format to its first text; the second would take a name for markup.
+    const QList<QLabel *> labels = box.findChildren<QLabel *>();
+    for (QLabel *const label : labels)
+        label->setTextFormat(Qt::PlainText);
     const bool isQuestion = alert.buttons.size() > 1;
     box.setIcon(isQuestion ? QMessageBox::Question : QMessageBox::Information);
     const qsizetype dismissing = alert.buttons.indexOf(dismissingButton(alert));

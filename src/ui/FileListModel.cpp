@@ -4,6 +4,7 @@
 
 #include "app/BaseTab.h"
 #include "app/PathNames.h"
+#include "platform/PrintableText.h"
 #include "ui/ToolTipText.h"
 
 namespace nurv {
@@ -27,9 +28,9 @@ QVariant FileListModel::data(const QModelIndex &index, int role) const
         return {};
     const QString &path = m_tab.fileNames().at(index.row());
     switch (role) {
-    case Qt::DisplayRole: return lastPathComponent(path);
+    case Qt::DisplayRole: return printableLine(lastPathComponent(path));
     case Qt::ToolTipRole: return toolTipText(path);
-    case Qt::AccessibleDescriptionRole: return path;
+    case Qt::AccessibleDescriptionRole: return printableLine(path);
     default: return {};
     }
 }

@@ -4,6 +4,7 @@
 
 #include "app/BaseTab.h"
 #include "app/PathNames.h"
+#include "platform/PrintableText.h"
 #include "ui/FileListModel.h"
 #include "ui/TextWidth.h"
 
@@ -101,7 +102,7 @@ void FileListView::rebuildFilterMenu()
     const QStringList extensions = m_tab.listedExtensions();
     for (const QString &extension : extensions) {
         // A name may hold the character that marks a mnemonic.
-        QAction *const action = m_filterMenu->addAction(QString(extension).replace(u"&"_s, u"&&"_s));
+        QAction *const action = m_filterMenu->addAction(printableLine(extension).replace(u"&"_s, u"&&"_s));
         action->setData(extension);
         connect(action, &QAction::triggered, this, [this, extension] { m_tab.filterGivenExtension(extension); });
     }
@@ -130,7 +131,7 @@ double FileListView::neededColumnWidth() const
     QStringList names;
     names.reserve(m_tab.fileNames().size());
     for (const QString &path : m_tab.fileNames())
-        names.append(lastPathComponent(path));
+        names.append(printableLine(lastPathComponent(path)));
     return std::max(kLeastColumnWidth, kWidthFactor * widestText(names, font()));
 }
 

@@ -3,6 +3,7 @@
 #include "ui/OutputWindow.h"
 
 #include "app/UserPrompts.h"
+#include "platform/PrintableText.h"
 #include "platform/TextFile.h"
 #include "ui/WindowPlace.h"
 
@@ -149,13 +150,13 @@ void OutputWindow::addShortcuts()
 
 void OutputWindow::setTextValue(const QString &text, const QString &title)
 {
-    m_textField->setPlainText(text);
-    setWindowTitle(title);
+    m_textField->setPlainText(printableText(text));
+    setWindowTitle(printableLine(title));
 }
 
 void OutputWindow::addReport(const QString &text, const QString &title)
 {
-    m_textField->appendPlainText(u"--- %1 ---\n%2"_s.arg(title, text));
+    m_textField->appendPlainText(u"--- %1 ---\n%2"_s.arg(printableLine(title), printableText(text)));
 }
 
 QString OutputWindow::text() const

@@ -4,6 +4,7 @@
 
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskQueue.h"
+#include "platform/PrintableText.h"
 #include "ui/ToolTipText.h"
 
 #include <algorithm>
@@ -64,7 +65,7 @@ QVariant StatusListModel::data(const QModelIndex &index, int role) const
     if (!job)
         return {};
     switch (role) {
-    case Qt::DisplayRole: return job->textField().text.isEmpty() ? job->title() : job->textField().text;
+    case Qt::DisplayRole: return printableLine(job->textField().text.isEmpty() ? job->title() : job->textField().text);
     case Qt::ToolTipRole: {
         const QString report = job->error() ? reportOf(*job) : QString();
         return toolTipText(report.isEmpty() ? job->title() : report);
@@ -83,7 +84,7 @@ QString StatusListModel::spokenText(const NURVTask &task) const
     const RowProgress &progress = task.progressIndicator();
     if (task.isActive() && !progress.hidden && !progress.indeterminate)
         parts.append(tr("%1 percent").arg(static_cast<int>(progress.value)));
-    return parts.join(u", "_s);
+    return printableLine(parts.join(u", "_s));
 }
 
 void StatusListModel::wake()

@@ -3,6 +3,7 @@
 #include "ui/StatusQueueCell.h"
 
 #include "engine/NURVTask.h"
+#include "platform/PrintableText.h"
 #include "ui/StatusListModel.h"
 
 #include <QAbstractItemView>
@@ -54,11 +55,9 @@ void paintLine(QPainter &painter, const QRectF &frame, const RowText &line, cons
     painter.setFont(font);
     painter.setPen(color);
     const QFontMetricsF metrics(font);
-    QString text = line.text;
-    text.replace(u'\n', u' ').replace(u'\r', u' ');
     painter.drawText(frame,
                      int(Qt::AlignLeft) | int(Qt::AlignVCenter) | int(Qt::TextSingleLine) | int(Qt::TextDontClip),
-                     metrics.elidedText(text, Qt::ElideMiddle, frame.width()));
+                     metrics.elidedText(printableLine(line.text), Qt::ElideMiddle, frame.width()));
 }
 
 /// A cross in a disc: the freestanding image that stops a progress.

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/ToolTipText.h"
 
+#include "platform/PrintableText.h"
+
 #include <QTextDocument>
 
 namespace nurv {
@@ -14,7 +16,8 @@ constexpr int kLongestToolTip = 1500;
 
 QString toolTipText(const QString &plain)
 {
-    const QString shown = plain.size() > kLongestToolTip ? plain.left(kLongestToolTip) + u'…' : plain;
+    const QString cut = plain.size() > kLongestToolTip ? plain.left(kLongestToolTip) + u'…' : plain;
+    const QString shown = printableText(cut);
     return Qt::mightBeRichText(shown) ? Qt::convertFromPlainText(shown, Qt::WhiteSpaceNormal) : shown;
 }
 

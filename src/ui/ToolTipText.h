@@ -7,7 +7,7 @@
 namespace nurv {
 
 /// `plain` for a tool tip, which would take a name such as "<b>.wav" for markup.
-/// Long texts are cut.
+/// Long texts are cut, control characters made visible.
 [[nodiscard]] QString toolTipText(const QString &plain);
 
 } // namespace nurv

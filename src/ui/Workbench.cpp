@@ -7,6 +7,7 @@
 #include "convert/DecodeTab.h"
 #include "convert/EncodeTab.h"
 #include "platform/FileNames.h"
+#include "platform/PrintableLog.h"
 #include "platform/SettingsStore.h"
 #include "platform/TerminationSignals.h"
 #include "platform/Version.h"
@@ -57,6 +58,7 @@ QStringList urisOfCommandLine(int argc, char **argv)
 
 int Workbench::run(int &argc, char **argv)
 {
+    makeLogPrintable();
     QApplication application(argc, argv);
     QApplication::setApplicationName(u"nurv-workbench"_s);
     QApplication::setApplicationDisplayName(u"Nurv Audio Workbench"_s);

@@ -28,6 +28,12 @@ QString lineOf(const QString &sourcePath, const QString &text)
 
 } // namespace
 
+TEST(ProblemLine, KnowsTheNamesThatOurOwnProgramsShow)
+{
+    EXPECT_EQ(lineOf(u"/m/a\x1b[2J.tta"_s, u"ttaenc: /m/a\\x1B[2J.tta: not a TTA1 file\n"_s), u"not a TTA1 file"_s);
+    EXPECT_EQ(lineOf(u"/m/a\x1b[2J.tta"_s, u"ttaenc: /m/a\x1b[2J.tta: not a TTA1 file\n"_s), u"not a TTA1 file"_s);
+}
+
 TEST(ProblemLine, OfFlacThatEncodes)
 {
     EXPECT_EQ(lineOf(u"/m/bad.wav"_s,

@@ -94,7 +94,27 @@ TEST(Terminal, ANameCannotGiveTheTerminalOrders)
     PseudoTerminal terminal(80, 24, nurvPath(), {u"encode"_s, u"--beside-source"_s, folder.path()});
     EXPECT_EQ(terminal.finish(), 1);
     EXPECT_FALSE(terminal.received().contains("\x1b[2J"));
-    EXPECT_TRUE(terminal.received().contains("a\xEF\xBF\xBD[2Jb.wav: it failed without a reason"));
+    EXPECT_TRUE(terminal.received().contains("a\\x1B[2Jb.wav: it failed without a reason"));
+}
+
+TEST(Terminal, JsonOfANameCannotGiveTheTerminalOrders)
+{
+    const TestFolder folder;
+    const QString name = u"a\u009b2Jb\u202Evaw.wav"_s;
+    folder.write(name, "x");
+    const ToolFolder tools;
+    tools.addFake(u"flac"_s, "exit=1");
+    const QStringList arguments{u"encode"_s, u"--json"_s, u"--beside-source"_s, folder.path()};
+    PseudoTerminal terminal(80, 24, nurvPath(), arguments);
+    EXPECT_EQ(terminal.finish(), 1);
+    EXPECT_FALSE(terminal.received().contains("\xC2\x9B"));
+    EXPECT_FALSE(terminal.received().contains("\xE2\x80\xAE"));
+
+    const ProgramResult piped = runNurv(arguments);
+    EXPECT_FALSE(piped.output.contains("\xC2\x9B"));
+    EXPECT_FALSE(piped.output.contains("\xE2\x80\xAE"));
+    EXPECT_TRUE(piped.output.contains("a\\u009b2Jb\\u202evaw.wav")) << piped.output.constData();
+    EXPECT_EQ(jsonLines(piped.output).first().value(u"source"_s).toString(), folder.path(name));
 }
 
 TEST(Terminal, CtrlCOnTheKeyboardCancelsAndTheScreenIsLeftClean)

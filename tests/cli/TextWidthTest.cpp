@@ -32,11 +32,3 @@ TEST(TextWidth, ElidesAtTheEndWithinTheColumns)
     EXPECT_EQ(elideEnd(u"Encoding"_s, 5), u"Enco…"_s);
     EXPECT_EQ(elideEnd(u"曲曲曲"_s, 4), u"曲…"_s);
 }
-
-TEST(TextWidth, APrintableLineHoldsNothingThatATerminalObeys)
-{
-    EXPECT_EQ(printableLine(u"a\x1b[2Jb"_s), u"a\uFFFD[2Jb"_s);
-    EXPECT_EQ(printableLine(u"two\nlines\tand\rmore"_s), u"two lines and more"_s);
-    EXPECT_EQ(printableLine(u"gnp\u202Ewav"_s), u"gnp\uFFFDwav"_s);
-    EXPECT_EQ(printableText(u"a\bb\x1b[0m\n\tc"_s), u"ab[0m\n\tc"_s);
-}

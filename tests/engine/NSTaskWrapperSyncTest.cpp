@@ -57,6 +57,24 @@ TEST(NSTaskWrapperSync, UsesASearchPathWhenTheProcessHasNone)
     EXPECT_EQ(output, u"PATH=/usr/local/bin:/usr/bin:/bin:%1\n"_s.arg(pathToCommandLineTools()));
 }
 
+TEST(NSTaskWrapperSync, KeepsTheCurrentFolderOutOfTheSearchPath)
+{
+    const QByteArray former = qgetenv("PATH");
+    const auto pathOf = [](const char *path) {
+        qputenv("PATH", path);
+        NSTaskWrapperSync tool = fake({u"env=PATH"_s});
+        tool.appendToPATH(u"more"_s);
+        return tool.runTask();
+    };
+    const QString dropped = pathOf(":/b:.:rel/x:/a::~/bin:/b:");
+    const QString usual = pathOf(".");
+    const QString empty = pathOf("");
+    qputenv("PATH", former);
+    EXPECT_EQ(dropped, u"PATH=/b:/a:/b:%1\n"_s.arg(pathToCommandLineTools()));
+    EXPECT_EQ(usual, u"PATH=/usr/local/bin:/usr/bin:/bin:%1\n"_s.arg(pathToCommandLineTools()));
+    EXPECT_EQ(empty, usual);
+}
+
 TEST(NSTaskWrapperSync, HandsArgumentsOverWordByWord)
 {
     EXPECT_EQ(fake({u"args"_s, u"delay=0"_s}).runTask(), u"arg 1: args\narg 2: delay=0\n");

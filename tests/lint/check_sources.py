@@ -36,7 +36,12 @@ ALLOWED_TOOLS = {
     "shntool": {"support"},
 }
 # What of src the tools may include: headers that need neither Qt nor a library.
-SHARED_WITH_TOOLS = {"platform/FileDescriptor.h", "platform/UnnamedFile.h"}
+SHARED_WITH_TOOLS = {
+    "platform/FileDescriptor.h",
+    "platform/SearchPath.h",
+    "platform/UnnamedFile.h",
+    "platform/VisibleText.h",
+}
 
 # The codecs that a folder under src may include: the libraries of the bundled programs.
 CODECS = {"samples": {"ape", "shorten", "support"}}

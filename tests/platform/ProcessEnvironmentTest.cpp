@@ -27,6 +27,22 @@ TEST(ProcessEnvironment, ReachesAChildByteForByte)
     EXPECT_TRUE(result.output.contains("NURV_TEST_EMPTY=\n")) << result.output.constData();
 }
 
+TEST(ProcessEnvironment, KeepsTheCurrentFolderOutOfTheSearchPath)
+{
+    const QByteArray former = qgetenv("PATH");
+    const auto pathFor = [](const char *path) {
+        ::setenv("PATH", path, 1);
+        return processEnvironment().value(u"PATH"_s);
+    };
+    EXPECT_EQ(pathFor("/usr/bin:/bin"), u"/usr/bin:/bin"_s);
+    EXPECT_EQ(pathFor(":/usr/bin:./x:..:/bin/:x:"), u"/usr/bin:/bin/"_s);
+    EXPECT_EQ(pathFor(""), u"/usr/local/bin:/usr/bin:/bin"_s);
+    EXPECT_EQ(pathFor("::."), u"/usr/local/bin:/usr/bin:/bin"_s);
+    ::unsetenv("PATH");
+    EXPECT_FALSE(processEnvironment().contains(u"PATH"_s));
+    ::setenv("PATH", former.constData(), 1);
+}
+
 TEST(ProcessEnvironment, GetsTheMarkOfThisProcessAndNoOther)
 {
     EXPECT_EQ(processMark().size(), 32);

@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QDialogButtonBox>
 #include <QFileDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
@@ -95,9 +96,27 @@ TEST_F(DesktopPromptsTest, AnAlertShowsMarkupAsItIs)
 {
     WhenOpen<QMessageBox> user([](QMessageBox &box) {
         EXPECT_EQ(box.textFormat(), Qt::PlainText);
+        const QList<QLabel *> labels = box.findChildren<QLabel *>();
+        int shown = 0;
+        for (const QLabel *const label : labels) {
+            EXPECT_EQ(label->textFormat(), Qt::PlainText) << qPrintable(label->objectName());
+            shown += label->text().startsWith(u"<b>"_s) ? 1 : 0;
+        }
+        EXPECT_EQ(shown, 2);
         QTest::keyClick(&box, Qt::Key_Return);
     });
-    EXPECT_EQ(prompts.ask({.title = u"<b>x</b>.flac"_s, .message = {}, .buttons = {u"OK"_s}}), u"OK"_s);
+    EXPECT_EQ(prompts.ask({.title = u"<b>x</b>.flac"_s, .message = u"<b>y</b>.flac"_s, .buttons = {u"OK"_s}}), u"OK"_s);
+}
+
+TEST_F(DesktopPromptsTest, AnAlertShowsDirectionMarksAndControlCharacters)
+{
+    WhenOpen<QMessageBox> user([](QMessageBox &box) {
+        EXPECT_EQ(box.text(), u"gnp\\u{202E}wav"_s);
+        EXPECT_EQ(box.informativeText(), u"two\nlines\\x1B[2J"_s);
+        QTest::keyClick(&box, Qt::Key_Return);
+    });
+    EXPECT_EQ(prompts.ask({.title = u"gnp\u202Ewav"_s, .message = u"two\nlines\x1b[2J"_s, .buttons = {u"OK"_s}}),
+              u"OK"_s);
 }
 
 TEST_F(DesktopPromptsTest, TheFileChooserHasItsTitleAndButtonAndTakesSeveralFiles)

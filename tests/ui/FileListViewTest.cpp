@@ -61,6 +61,16 @@ TEST_F(FileListViewTest, ShowsNamesThatLookLikeMarkupAsTheyAre)
     EXPECT_TRUE(toolTip.contains(u"&lt;b&gt;loud"_s)) << toolTip.toStdString();
 }
 
+TEST_F(FileListViewTest, ShowsDirectionMarksAndControlCharacters)
+{
+    decodeTab.addFiles({folder.write(u"a\u202Enhs.\x1b[2J.flac"_s, "x")});
+    const QString shown = u"a\\u{202E}nhs.\\x1B[2J.flac"_s;
+    EXPECT_EQ(text(0), shown);
+    const QModelIndex index = list->model()->index(0, 0);
+    EXPECT_EQ(index.data(Qt::ToolTipRole).toString(), folder.path(shown));
+    EXPECT_EQ(index.data(Qt::AccessibleDescriptionRole).toString(), folder.path(shown));
+}
+
 TEST_F(FileListViewTest, KeepsTheColumnOfShortNamesAtLeast211Wide)
 {
     decodeTab.addFiles({folder.write(u"a.flac"_s, "x")});

@@ -55,6 +55,15 @@ TEST_F(OutputWindowTest, ShowsTheTextReadOnlyInAMonospacedFontOfTenPoints)
     EXPECT_EQ(output->text(), u"alpha ok\nbeta FAILED\ngamma ok\ndelta failed\n"_s);
 }
 
+TEST_F(OutputWindowTest, ShowsDirectionMarksControlCharactersAndMarkupAsTheyAre)
+{
+    output->setTextValue(u"<b>a\u202Evaw.wav\x1b[2J</b>\nb"_s, u"c\u2066d"_s);
+    EXPECT_EQ(output->text(), u"<b>a\\u{202E}vaw.wav\\x1B[2J</b>\nb"_s);
+    EXPECT_EQ(output->windowTitle(), u"c\\u{2066}d"_s);
+    output->addReport(u"e\u009b"_s, u"f\u061C"_s);
+    EXPECT_TRUE(output->text().endsWith(u"\n--- f\\u{061C} ---\ne\\u{009B}"_s)) << qPrintable(output->text());
+}
+
 TEST_F(OutputWindowTest, FindsForwardsAndBackwardsAndGoesOnFromTheOtherEnd)
 {
     QTest::keySequence(output, QKeySequence::Find);

@@ -294,6 +294,17 @@ TEST_F(StatusWindowTest, TakesTwentyThousandJobsInOneGo)
     queue.cancelAllTasks();
 }
 
+TEST_F(StatusWindowTest, ShowsDirectionMarksAndControlCharacters)
+{
+    add(u"a\u202Enhs\x1b[2J.flac"_s);
+    showRows();
+    const QModelIndex index = list->model()->index(0, 0);
+    const QString shown = u"a\\u{202E}nhs\\x1B[2J.flac"_s;
+    EXPECT_EQ(index.data(Qt::DisplayRole).toString(), shown);
+    EXPECT_EQ(index.data(Qt::ToolTipRole).toString(), shown);
+    EXPECT_TRUE(index.data(Qt::AccessibleTextRole).toString().startsWith(shown));
+}
+
 TEST_F(StatusWindowTest, ElidesALongNameInTheMiddleOfItsLine)
 {
     add(QString(400, u'W'));

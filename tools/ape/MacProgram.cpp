@@ -94,7 +94,7 @@ int run(const MacOptions &options, const std::function<std::unique_ptr<ApeSource
 /// Callers look for the number.
 void report(const ToolError &error)
 {
-    std::fprintf(stderr, "mac: %s\n", error.what());
+    printMessage(std::string("mac: ") + error.what());
     if (error.kind() == ToolError::Kind::BadArguments)
         std::fprintf(stderr, "Try 'mac --help'.\n");
     std::fprintf(stderr, "Error: %d\n", static_cast<int>(apeErrorNumber(error)));

@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shntool/DistributionProgram.h"
 
-#include <algorithm>
+#include "platform/SearchPath.h"
+
 #include <cstdlib>
 #include <filesystem>
-#include <vector>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -18,24 +18,10 @@ namespace fs = std::filesystem;
 
 constexpr char kSelf[] = "/proc/self/exe";
 
-/// Where execvp(3) looks without PATH.
-constexpr char kUsualPath[] = "/usr/local/bin:/usr/bin:/bin";
-
 std::string searchPath()
 {
     const char *path = std::getenv("PATH");
-    return path ? path : kUsualPath;
-}
-
-std::vector<std::string> foldersOf(const std::string &path)
-{
-    std::vector<std::string> folders;
-    for (size_t start = 0; start <= path.size();) {
-        const size_t end = std::min(path.find(':', start), path.size());
-        folders.push_back(path.substr(start, end - start));
-        start = end + 1;
-    }
-    return folders;
+    return safeSearchPath(path ? path : "");
 }
 
 /// The front ends that handed over before they came to this one, as identityOf tells them.
@@ -77,9 +63,8 @@ std::optional<std::string> findDistributionProgram(const std::string &usual)
     ::setenv(kFrontEnds, passedOver.c_str(), 1);
     if (isDistributionProgram(usual, passedOver))
         return usual;
-    for (const std::string &folder : foldersOf(searchPath())) {
-        // An empty entry is the current folder.
-        const std::string path = (folder.empty() ? "." : folder) + "/shntool";
+    for (const std::string &folder : searchedFolders(searchPath())) {
+        const std::string path = folder + "/shntool";
         if (isDistributionProgram(path, passedOver))
             return path;
     }
@@ -89,7 +74,7 @@ std::optional<std::string> findDistributionProgram(const std::string &usual)
 std::string pathWithFolder(const std::string &folder)
 {
     const std::string path = searchPath();
-    for (const std::string &known : foldersOf(path)) {
+    for (const std::string &known : searchedFolders(path)) {
         if (known == folder)
             return path;
     }

@@ -15,7 +15,7 @@ namespace nurv {
 /// by the environment what is none. Nothing where there is none.
 [[nodiscard]] std::optional<std::string> findDistributionProgram(const std::string &usual);
 
-/// PATH with the folder at its end, unless it is among them.
+/// The absolute folders of PATH with this one at their end, unless it is among them.
 [[nodiscard]] std::string pathWithFolder(const std::string &folder);
 
 } // namespace nurv

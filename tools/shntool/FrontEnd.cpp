@@ -13,7 +13,6 @@
 #include "support/ToolMain.h"
 
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string_view>
@@ -134,11 +133,6 @@ Ending convert(const NamedConversion &conversion, const std::string &program, co
     return {.status = WEXITSTATUS(end)};
 }
 
-void printError(const char *prefix, const std::string &text)
-{
-    std::fprintf(stderr, "%s: %s\n", prefix, text.c_str());
-}
-
 } // namespace
 
 int runFrontEnd(int argc, char **argv, const std::string &usualProgram)
@@ -148,7 +142,7 @@ int runFrontEnd(int argc, char **argv, const std::string &usualProgram)
         return toolMain({.name = "shntool", .help = kHelp}, argc, argv, [](std::span<const std::string>) { return 0; });
     const std::optional<std::string> program = findDistributionProgram(usualProgram);
     if (!program) {
-        printError("shntool", "the shntool of the distribution is not installed; the package \"shntool\" provides it");
+        printMessage("shntool: the shntool of the distribution is not installed; the package \"shntool\" provides it");
         return kNothingToHandOverTo;
     }
     try {
@@ -163,11 +157,11 @@ int runFrontEnd(int argc, char **argv, const std::string &usualProgram)
             }
         }
     } catch (const std::exception &error) {
-        printError("shntool [conv]: error", error.what());
+        printMessage(std::string("shntool [conv]: error: ") + error.what());
         return kFailed;
     }
     ::execv(program->c_str(), argv);
-    printError("shntool", "cannot start " + *program + ": " + errorText(errno));
+    printMessage("shntool: cannot start " + *program + ": " + errorText(errno));
     return kNothingToHandOverTo;
 }
 

@@ -23,10 +23,10 @@ uint64_t sumShifted(std::span<const uint32_t> codes, unsigned codeBits)
 {
     uint64_t sum = 0;
     for (size_t start = 0; start < codes.size(); start += kSumStep) {
-        const size_t end = std::min(codes.size(), start + kSumStep);
         uint32_t part = 0;
-        for (size_t i = start; i < end; ++i)
-            part += codes[i] >> codeBits;
+        // By iterators: the check of an index would keep the loop from being vectorised.
+        for (const uint32_t code : codes.subspan(start, std::min(codes.size() - start, kSumStep)))
+            part += code >> codeBits;
         sum += part;
     }
     return sum;

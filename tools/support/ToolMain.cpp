@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/ToolMain.h"
 
+#include "platform/VisibleText.h"
 #include "support/SystemCalls.h"
 #include "support/TemporaryFile.h"
 #include "support/ToolError.h"
@@ -45,7 +46,7 @@ void print(const std::string &text)
 
 void printFailure(const ToolText &text, const ToolError &error)
 {
-    std::fprintf(stderr, "%s: %s\n", text.name, error.what());
+    printMessage(std::string(text.name) + ": " + error.what());
     if (error.kind() == ToolError::Kind::BadArguments)
         std::fprintf(stderr, "Try '%s --help'.\n", text.name);
 }
@@ -61,6 +62,11 @@ void occupyStandardStreams()
 }
 
 } // namespace
+
+void printMessage(const std::string &line)
+{
+    std::fprintf(stderr, "%s\n", visibleText(line).c_str());
+}
 
 int toolMain(const ToolText &text, int argc, char **argv, const std::function<int(std::span<const std::string>)> &run,
              const std::function<void(const ToolError &)> &report)

@@ -18,6 +18,10 @@ struct ToolText {
     const char *help;
 };
 
+/// Writes the line to standard error, with what a terminal would obey made visible: it may
+/// hold the name of a file.
+void printMessage(const std::string &line);
+
 /// Runs the program: answers --help and --version, prepares the signals, calls `run` with
 /// the arguments and turns what it throws into a text and an exit status. `report`,
 /// where given, prints a failure in place of "NAME: TEXT" on standard error.

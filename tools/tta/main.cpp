@@ -9,7 +9,6 @@
 #include "tta/TtaencOptions.h"
 #include "tta/TtaReader.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <string>
 
@@ -54,7 +53,7 @@ int test(InputFile &input)
         damage = testTta(input, [&](uint64_t done, uint64_t total) { display.show(done, total); });
         input.drainPipe();
     }
-    std::fprintf(stderr, "%s: %s\n", input.name().c_str(), damage.empty() ? "OK" : damage.c_str());
+    printMessage(input.name() + ": " + (damage.empty() ? "OK" : damage));
     return damage.empty() ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 

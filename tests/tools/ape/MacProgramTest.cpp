@@ -50,6 +50,17 @@ std::string withoutTimes(const QByteArray &errors)
     return text.toStdString();
 }
 
+TEST(MacProgram, NamesCannotGiveATerminalOrders)
+{
+    const TestFolder folder;
+    const QString path = folder.write(u"a\x1b[2J\u009b\u202E.ape"_s, "no such file");
+    const QByteArray shown = folder.path(u"a\\x1B[2J\\u{009B}\\u{202E}.ape"_s).toUtf8();
+    const ProgramResult result = runMac({path, u"-v"_s});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_TRUE(result.errors.startsWith("mac: " + shown)) << result.errors.constData();
+    EXPECT_FALSE(result.errors.contains('\x1b'));
+}
+
 TEST(MacProgram, EncodesDecodesAndVerifies)
 {
     const TestFolder folder;

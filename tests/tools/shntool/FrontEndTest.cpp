@@ -99,6 +99,30 @@ TEST_F(FrontEnd, AddsItsFolderToTheEndOfPath)
     EXPECT_EQ(runProgram(program(), {u"len"_s}).output, own + ':' + path);
 }
 
+TEST_F(FrontEnd, StartsNothingFromTheCurrentFolder)
+{
+    standIn("printf '%s' \"$PATH\"");
+    const QByteArray trap = "#!/bin/sh\necho trapped\n";
+    for (const QString &name : {u"in/shntool"_s, u"in/rel/shntool"_s})
+        QFile::setPermissions(m_folder.write(name, trap), QFile::ReadOwner | QFile::ExeOwner);
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", ":.:rel:" + path + ":rel:");
+    const ProgramResult result =
+        runProgram(u"/usr/bin/env"_s, {u"-C"_s, m_folder.path(u"in"_s), program(), u"len"_s});
+    EXPECT_EQ(result.output, path + ':' + QFile::encodeName(QFileInfo(program()).canonicalPath()));
+}
+
+TEST_F(FrontEnd, NamesCannotGiveATerminalOrders)
+{
+    standIn("touch \"$folder/a.wav\"");
+    const QString name = m_folder.write(u"out/a\x1b[2J\u009b\u202E.wav"_s, "former");
+    const ProgramResult result = runProgram(
+        program(), {u"conv"_s, u"-O"_s, u"never"_s, u"-n"_s, name, m_folder.path(u"in.flac"_s)});
+    EXPECT_NE(result.exitStatus, 0);
+    EXPECT_EQ(result.errors, "shntool [conv]: error: output file already exists -- skipping: ["
+                                 + m_folder.path(u"out/a\\x1B[2J\\u{009B}\\u{202E}.wav"_s).toUtf8() + "]\n");
+}
+
 TEST_F(FrontEnd, NeverStartsItself)
 {
     standIn("echo found");

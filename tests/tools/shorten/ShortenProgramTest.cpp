@@ -73,6 +73,17 @@ void feed(QProcess &process, const QByteArray &bytes, QCryptographicHash &output
 
 } // namespace
 
+TEST(ShortenProgram, NamesCannotGiveATerminalOrders)
+{
+    const TestFolder folder;
+    const QString path = folder.write(u"a\x1b[2J\u009b\u202E.shn"_s, "no such file");
+    const QByteArray shown = folder.path(u"a\\x1B[2J\\u{009B}\\u{202E}.shn"_s).toUtf8();
+    const ProgramResult result = runProgram(shorten(), {u"-x"_s, path, u"-"_s});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_TRUE(result.errors.contains(shown)) << result.errors.constData();
+    EXPECT_FALSE(result.errors.contains('\x1b'));
+}
+
 TEST(ShortenProgram, ReadsAPipeToItsEnd)
 {
     // The writer of a closed one would be ended by it.

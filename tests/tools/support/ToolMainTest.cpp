@@ -52,6 +52,14 @@ TEST(ToolMain, AnswersQuestionsOnStandardOutput)
     EXPECT_EQ(version.errors, "");
 }
 
+TEST(ToolMain, NamesCannotGiveATerminalOrders)
+{
+    // 0x9B is no UTF-8, so that a terminal of eight bits would obey it.
+    const ProgramResult result = runShell(u"\"$0\" $'a\\e[2J\\u009b1m\\u202e\\x9b\\tb' out"_s, {});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_EQ(result.errors, "copy_tool: cannot read a\\x1B[2J\\u{009B}1m\\u{202E}\\x9B\tb: No such file or directory\n");
+}
+
 TEST(ToolMain, TakesEverythingAfterTwoDashesAsNames)
 {
     const ProgramResult result = runCopyTool({u"--"_s, u"--help"_s, u"x"_s});

@@ -45,6 +45,17 @@ QByteArray withDeclaredSize(QByteArray file, quint32 size)
     return file;
 }
 
+TEST(TtaencProgram, NamesCannotGiveATerminalOrders)
+{
+    const TestFolder folder;
+    const QString path = folder.write(u"a\x1b[2J\u009b\u202E.tta"_s, tta());
+    const QByteArray shown = folder.path(u"a\\x1B[2J\\u{009B}\\u{202E}.tta"_s).toUtf8();
+    EXPECT_TRUE(runTtaenc({u"-t"_s, path}).errors.endsWith(shown + ": OK\n"));
+    const ProgramResult failure = runTtaenc({u"-e"_s, path, u"-o"_s, folder.path(u"b.tta"_s)});
+    EXPECT_TRUE(failure.errors.startsWith("ttaenc: " + shown)) << failure.errors.constData();
+    EXPECT_FALSE(failure.errors.contains('\x1b'));
+}
+
 TEST(TtaencProgram, DecidesByTheInputAndTakesOptionsInAnyOrder)
 {
     const TestFolder folder;
