@@ -202,6 +202,8 @@ TagLib::ByteVector TagEditStream::readBlock(unsigned long length)
     // TagLib counts the bytes of a vector in 32 bits.
     const auto wanted = static_cast<std::int64_t>(
         std::min<unsigned long>({length, static_cast<unsigned long>(available), 0x7fffffffUL}));
+    if (m_guard && !m_guard->mayRead(wanted))
+        return {};
     TagLib::ByteVector block(static_cast<unsigned int>(wanted), '\0');
     std::int64_t done = 0;
     std::int64_t pieceStart = 0;
@@ -227,8 +229,16 @@ TagLib::ByteVector TagEditStream::readBlock(unsigned long length)
         if (done == wanted)
             break;
     }
+    const std::int64_t start = m_position;
     m_position += wanted;
-    return block;
+    return m_guard && !m_guard->mayHave(start, block) ? TagLib::ByteVector() : block;
+}
+
+std::optional<QString> TagEditStream::readingFailure() const
+{
+    if (m_guard && m_guard->refusal())
+        return m_guard->refusal();
+    return m_readError != 0 ? std::optional(systemErrorText(m_readError)) : std::nullopt;
 }
 
 void TagEditStream::writeBlock(const TagLib::ByteVector &data)
@@ -309,8 +319,8 @@ bool TagEditStream::keepsBytesInPlace() const
 
 std::optional<QString> TagEditStream::commit()
 {
-    if (m_readError != 0)
-        return systemErrorText(m_readError);
+    if (std::optional<QString> reason = readingFailure())
+        return reason;
     if (!m_isEdited)
         return std::nullopt;
     return keepsBytesInPlace() ? commitInPlace() : commitByReplacement();
@@ -318,8 +328,8 @@ std::optional<QString> TagEditStream::commit()
 
 std::optional<QString> TagEditStream::commitAsNewFile()
 {
-    if (m_readError != 0)
-        return systemErrorText(m_readError);
+    if (std::optional<QString> reason = readingFailure())
+        return reason;
     return m_isEdited ? commitByReplacement() : std::nullopt;
 }
 
@@ -389,8 +399,8 @@ void TagEditStream::appendRange(std::int64_t start, std::int64_t length)
 
 std::optional<QString> TagEditStream::writeTo(const QString &path)
 {
-    if (m_readError != 0)
-        return systemErrorText(m_readError);
+    if (std::optional<QString> reason = readingFailure())
+        return reason;
     FileDescriptor target(::open(QFile::encodeName(path).constData(), O_WRONLY | O_TRUNC | O_CLOEXEC | O_NOFOLLOW));
     if (!target.isOpen())
         return systemErrorText(errno);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "platform/FileDescriptor.h"
+#include "tags/TagLibGuard.h"
 
 #include <QByteArray>
 #include <QString>
@@ -34,6 +35,12 @@ public:
     /// Opens a regular file; links are followed. `isOpen` tells whether that worked;
     /// for Edit it must be writable.
     TagEditStream(const QString &path, Access access);
+
+    /// From now on blocks are read for TagLib, within the limits of TagLibGuard.
+    void guardReading() { m_guard.emplace(); }
+    /// Why what was read of the file is not what it holds, as the end of a sentence: a refusal of
+    /// the guard, or the disk failed. Nothing when all was read.
+    [[nodiscard]] std::optional<QString> readingFailure() const;
 
     /// Makes the edits the file's contents. Returns nothing on success, else why not;
     /// then the file is as it was. Refuses when any read before has failed, since the
@@ -88,6 +95,7 @@ private:
     std::int64_t m_length = 0;
     std::int64_t m_position = 0;
     int m_readError = 0;
+    std::optional<TagLibGuard> m_guard;
     bool m_isEdited = false;
 };
 

@@ -6,6 +6,7 @@
 #include "platform/Version.h"
 #include "tags/FlacTagHelper.h"
 #include "tags/TagLibFile.h"
+#include "tags/TagsLog.h"
 
 #include <attachedpictureframe.h>
 #include <flacpicture.h>

@@ -14,8 +14,9 @@ namespace nurv {
 /// with TagLib. Each format has a pair of operations of its own, since each keeps
 /// another subset of the fields.
 ///
-/// Readers never fail: a file that is missing, unreadable or of another format gives
-/// the blank record. Writers throw NurvFailure and then leave the file as it was;
+/// Readers give the blank record for a file that is missing or of another format, and throw
+/// NurvFailure for one whose tags are not to be trusted (TagLibGuard) or cannot be read, since it
+/// has tags that a blank record would lose. Writers throw NurvFailure and then leave the file as it was;
 /// they save by TagEditStream. All operations block and may be called from any
 /// thread, but not twice at a time for one file. Paths are absolute.
 ///
