@@ -4,6 +4,7 @@
 
 #include "journal/NotedTemporary.h"
 #include "platform/SystemError.h"
+#include "tags/HandedFile.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -12,6 +13,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <string_view>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -141,12 +143,16 @@ void copyAttributes(int source, int target)
 
 } // namespace
 
-TagEditStream::TagEditStream(const QString &path, Access access)
-    : m_path(QFile::encodeName(QFileInfo(path).canonicalFilePath())), m_readOnly(access == Access::Read)
+TagEditStream::TagEditStream(const QString &path, Access access) : m_readOnly(access == Access::Read)
 {
-    // Non-blocking, so that a FIFO in a regular file's place cannot hold the job.
-    const int mode = (m_readOnly ? O_RDONLY : O_RDWR) | O_CLOEXEC | O_NONBLOCK;
-    FileDescriptor file(m_path.isEmpty() ? -1 : ::open(m_path.constData(), mode));
+    FileDescriptor file = HandedFile::open(path);
+    m_isHanded = file.isOpen();
+    if (!m_isHanded) {
+        m_path = QFile::encodeName(QFileInfo(path).canonicalFilePath());
+        // Non-blocking, so that a FIFO in a regular file's place cannot hold the job.
+        const int mode = (m_readOnly ? O_RDONLY : O_RDWR) | O_CLOEXEC | O_NONBLOCK;
+        file = FileDescriptor(m_path.isEmpty() ? -1 : ::open(m_path.constData(), mode));
+    }
     struct stat info = {};
     if (!file.isOpen() || ::fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode))
         return;
@@ -321,7 +327,7 @@ std::optional<QString> TagEditStream::commit()
 {
     if (std::optional<QString> reason = readingFailure())
         return reason;
-    if (!m_isEdited)
+    if (!m_isEdited || leaveEdits())
         return std::nullopt;
     return keepsBytesInPlace() ? commitInPlace() : commitByReplacement();
 }
@@ -330,7 +336,31 @@ std::optional<QString> TagEditStream::commitAsNewFile()
 {
     if (std::optional<QString> reason = readingFailure())
         return reason;
-    return m_isEdited ? commitByReplacement() : std::nullopt;
+    return m_isEdited && !leaveEdits() ? commitByReplacement() : std::nullopt;
+}
+
+FileDescriptor TagEditStream::reopenedForReading() const
+{
+    const QByteArray name = "/proc/self/fd/" + QByteArray::number(m_file.get());
+    return FileDescriptor(::open(name.constData(), O_RDONLY | O_CLOEXEC));
+}
+
+void TagEditStream::apply(Edits edits)
+{
+    m_isEdited = edits.isEdited;
+    m_pieces = std::move(edits.pieces);
+    m_newBytes = std::move(edits.newBytes);
+    m_length = 0;
+    for (const Piece &piece : m_pieces)
+        m_length += piece.length;
+}
+
+bool TagEditStream::leaveEdits()
+{
+    if (!m_isHanded)
+        return false;
+    HandedFile::leaveEdits({.isEdited = m_isEdited, .pieces = m_pieces, .newBytes = m_newBytes});
+    return true;
 }
 
 std::optional<QString> TagEditStream::commitInPlace()
@@ -401,6 +431,8 @@ std::optional<QString> TagEditStream::writeTo(const QString &path)
 {
     if (std::optional<QString> reason = readingFailure())
         return reason;
+    if (leaveEdits())
+        return std::nullopt;
     FileDescriptor target(::open(QFile::encodeName(path).constData(), O_WRONLY | O_TRUNC | O_CLOEXEC | O_NOFOLLOW));
     if (!target.isOpen())
         return systemErrorText(errno);
