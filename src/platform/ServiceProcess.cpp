@@ -136,7 +136,7 @@ ServiceProcess::~ServiceProcess()
 {
     if (m_pid < 0)
         return;
-    ::kill(m_pid, SIGKILL); // not reaped yet, so the number is its own
+    ::kill(-m_pid, SIGKILL); // not reaped yet, so the number is its own
     static_cast<void>(end());
 }
 
@@ -153,7 +153,7 @@ ChildExit ServiceProcess::end()
     while (!hasEnded() && std::chrono::steady_clock::now() < deadline)
         std::this_thread::sleep_for(1ms);
     if (!hasEnded())
-        ::kill(m_pid, SIGKILL);
+        ::kill(-m_pid, SIGKILL);
     siginfo_t info{};
     while (::waitid(P_PID, static_cast<id_t>(m_pid), &info, WEXITED | WNOWAIT) != 0 && errno == EINTR) {
     }
@@ -171,7 +171,7 @@ void ServiceProcess::endAll(bool refuseNew)
     const std::scoped_lock lock(registry().lock);
     registry().refusesNew = refuseNew;
     for (const pid_t pid : registry().running)
-        ::kill(pid, SIGKILL);
+        ::kill(-pid, SIGKILL);
 }
 
 int ServiceProcess::runningCount()
