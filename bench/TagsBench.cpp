@@ -19,8 +19,11 @@ using namespace nurv::bench;
 namespace {
 
 constexpr int kRounds = 5;
-constexpr int kFiles = 5'000;
+/// In five rounds 5,000 files each way.
+constexpr int kFiles = 1'000;
 constexpr double kGoal = 1.2;
+/// Reading alone is a few calls of the kernel; a message costs about as many.
+constexpr double kReadingGoal = 3.0;
 
 } // namespace
 
@@ -42,8 +45,10 @@ int main(int argc, char **argv)
 
     int round = 0;
     const auto readAll = [&] {
-        for (const QString &file : files)
-            static_cast<void>(TagLibTagsHelper::tagsForWavpackFile(file));
+        for (int time = 0; time < 5; ++time) {
+            for (const QString &file : files)
+                static_cast<void>(TagLibTagsHelper::tagsForWavpackFile(file));
+        }
     };
     const auto copyAll = [&] {
         ++round;
@@ -60,7 +65,7 @@ int main(int argc, char **argv)
             TagsProcess::takeDown();
         };
     };
-    compare(u"5,000 files: tags read"_s, kRounds, kGoal, inProcessesOfTheirOwn(readAll), readAll);
-    compare(u"5,000 files: tags read and written"_s, kRounds, kGoal, inProcessesOfTheirOwn(copyAll), copyAll);
+    compare(u"5,000 times tags read"_s, kRounds, kReadingGoal, inProcessesOfTheirOwn(readAll), readAll);
+    compare(u"1,000 files: tags read and written"_s, kRounds, kGoal, inProcessesOfTheirOwn(copyAll), copyAll);
     return 0;
 }
