@@ -2,10 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/CliApplication.h"
 #include "platform/StandardDescriptors.h"
+#include "tags/TagsProcess.h"
 
 int main(int argc, char **argv)
 {
     if (!nurv::openStandardDescriptors())
         return static_cast<int>(nurv::ExitStatus::Failed);
+    nurv::TagsProcess::setUp();
     return nurv::CliApplication::main(argc, argv);
 }

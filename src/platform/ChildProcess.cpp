@@ -3,6 +3,7 @@
 #include "platform/ChildProcess.h"
 
 #include "platform/ProcessMark.h"
+#include "platform/ServiceProcess.h"
 #include "platform/SystemError.h"
 
 #include <QFile>
@@ -550,6 +551,7 @@ ChildResult followChild(const ChildCommand &command, const ChildFollower &follow
 
 void children::terminateAll(std::chrono::milliseconds grace, bool refuseNew)
 {
+    ServiceProcess::endAll(refuseNew);
     ChildRegistry &registry = ChildRegistry::instance();
     std::unique_lock lock(registry.lock);
     registry.refusesNew = refuseNew;

@@ -18,6 +18,7 @@
 #include "tags/Mp4Optimizer.h"
 #include "tags/TagEditStream.h"
 #include "tags/TagsLog.h"
+#include "tags/TagsProcess.h"
 
 #include <QDir>
 #include <QFile>
@@ -278,6 +279,8 @@ private:
 
 TagsObject AACTagsHelper::tagsForFile(const QString &path)
 {
+    if (std::optional<TagsObject> tags = TagsProcess::readTags(TagFormat::Mp4, path))
+        return *std::move(tags);
     try {
         TagEditStream stream(path, TagEditStream::Access::Read);
         if (const std::optional<Mp4Movie> movie = Mp4Movie::of(stream, Mp4Layout::of(stream)))
@@ -291,12 +294,23 @@ TagsObject AACTagsHelper::tagsForFile(const QString &path)
 void AACTagsHelper::writeTagsForFile(const QString &path, const TagsObject &tagObject, bool writeEmptyTags,
                                      bool encoding)
 {
+    writeItemsForFile(path, tagObject, writeEmptyTags, encoding);
+    Mp4Optimizer::optimizeInPlace(path);
+}
+
+void AACTagsHelper::writeItemsForFile(const QString &path, const TagsObject &tagObject, bool writeEmptyTags,
+                                      bool encoding)
+{
     try {
-        writeTags(path, tagObject, writeEmptyTags, encoding);
+        const TagsProcess::Writing writing{.format = TagFormat::Mp4,
+                                           .writeEmptyTags = writeEmptyTags,
+                                           .encoding = encoding,
+                                           .quickTimeVersion = quickTimeVersion()};
+        if (!TagsProcess::writeTags(writing, path, tagObject))
+            writeTags(path, tagObject, writeEmptyTags, encoding);
     } catch (const std::bad_alloc &) {
         throw NurvFailure(u"Unable to allocate memory."_s);
     }
-    Mp4Optimizer::optimizeInPlace(path);
 }
 
 void AACTagsHelper::setBlankTags(TagsObject &tagObject)

@@ -33,6 +33,10 @@ public:
     /// the new tags in the old order when it cannot be optimised.
     static void writeTagsForFile(const QString &path, const TagsObject &tagObject, bool writeEmptyTags, bool encoding);
 
+    /// `writeTagsForFile` without the optimising; the file is as it was when it throws.
+    static void writeItemsForFile(const QString &path, const TagsObject &tagObject, bool writeEmptyTags,
+                                  bool encoding);
+
     /// Empties title, artist, date, album, disc, track, comment, genre and composer; leaves
     /// the other fields.
     static void setBlankTags(TagsObject &tagObject);

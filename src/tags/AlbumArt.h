@@ -12,9 +12,10 @@ namespace nurv {
 /// A cover picture. Two pictures are equal when they are the same image object.
 using AlbumArt = std::shared_ptr<const QImage>;
 
-/// The picture in the bytes of a picture frame (PNG, JPEG and whatever other raster
-/// format is installed; the bytes decide, not their declared type). None when they
-/// hold no picture or one beyond 256 MiB of pixels. Any thread.
+/// The picture in the bytes of a picture frame: PNG, JPEG, GIF, BMP, TIFF or WebP, known by their first
+/// bytes, whatever their declared type; no other decoder ever sees them. None when they hold no such
+/// picture, one whose decoder is not installed, or one beyond 256 MiB of pixels. Waits while other threads'
+/// pictures take all of PictureMemory. Any thread.
 [[nodiscard]] AlbumArt albumArtFromBytes(const QByteArray &bytes);
 
 /// The file types that pictures are rendered to.

@@ -4,6 +4,7 @@
 
 #include "platform/NurvFailure.h"
 #include "platform/SystemError.h"
+#include "tags/HandedFile.h"
 
 #include <QCryptographicHash>
 #include <QFile>
@@ -48,8 +49,10 @@ QByteArray readFile(int descriptor, std::int64_t offset, std::int64_t length)
 
 MetadataBytes MetadataBytes::ofFile(const QString &path)
 {
+    FileDescriptor descriptor = HandedFile::open(path);
     // Non-blocking, so that a FIFO in a regular file's place cannot hold the caller.
-    FileDescriptor descriptor(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (!descriptor.isOpen())
+        descriptor = FileDescriptor(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat facts = {};
     if (!descriptor.isOpen() || ::fstat(descriptor.get(), &facts) != 0)
         throw NurvFailure(u"it cannot be opened: %1"_s.arg(systemErrorText(errno)));

@@ -3,9 +3,9 @@
 #include "tags/MetadataInventory.h"
 
 #include "app/PathNames.h"
-#include "tags/AlbumArt.h"
-#include "tags/MetadataBytes.h"
 #include "tags/MetadataReader.h"
+#include "tags/PictureDigest.h"
+#include "tags/TagsProcess.h"
 
 #include <QSet>
 
@@ -130,14 +130,7 @@ public:
         if (m_decoded == kMostDecodedPictures)
             return {};
         ++m_decoded;
-        const AlbumArt decoded = albumArtFromBytes(picture);
-        if (!decoded)
-            return {};
-        const bool isDeep = decoded->depth() > 32 || decoded->format() == QImage::Format_Grayscale16;
-        const QImage image = decoded->convertToFormat(isDeep ? QImage::Format_RGBA64 : QImage::Format_ARGB32);
-        const QByteArray pixels =
-            QByteArray::fromRawData(reinterpret_cast<const char *>(image.constBits()), image.sizeInBytes());
-        return metadataDigest(pixels) + QByteArray::number(image.width());
+        return pictureDigest(picture);
     }
 
 private:
@@ -253,6 +246,8 @@ private:
 
 MetadataInventory MetadataInventory::of(const QString &path)
 {
+    if (std::optional<MetadataInventory> inventory = TagsProcess::readInventory(path))
+        return *std::move(inventory);
     return readMetadata(path);
 }
 

@@ -10,6 +10,7 @@
 #include "tags/Mp4Movie.h"
 #include "tags/TagEditStream.h"
 #include "tags/TagsLog.h"
+#include "tags/TagsProcess.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -88,6 +89,8 @@ std::optional<QString> putInOrder(TagEditStream &stream)
 std::optional<QString> Mp4Optimizer::optimize(const QString &path, const QString &targetPath)
 {
     try {
+        if (TagsProcess::optimize(path, targetPath))
+            return std::nullopt;
         TagEditStream stream(path, TagEditStream::Access::Edit);
         if (!stream.isOpen())
             return u"the file cannot be opened"_s;

@@ -4,6 +4,7 @@
 
 #include "journal/NotedTemporary.h"
 #include "platform/SystemError.h"
+#include "tags/HandedFile.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -12,6 +13,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <string_view>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -141,12 +143,16 @@ void copyAttributes(int source, int target)
 
 } // namespace
 
-TagEditStream::TagEditStream(const QString &path, Access access)
-    : m_path(QFile::encodeName(QFileInfo(path).canonicalFilePath())), m_readOnly(access == Access::Read)
+TagEditStream::TagEditStream(const QString &path, Access access) : m_readOnly(access == Access::Read)
 {
-    // Non-blocking, so that a FIFO in a regular file's place cannot hold the job.
-    const int mode = (m_readOnly ? O_RDONLY : O_RDWR) | O_CLOEXEC | O_NONBLOCK;
-    FileDescriptor file(m_path.isEmpty() ? -1 : ::open(m_path.constData(), mode));
+    FileDescriptor file = HandedFile::open(path);
+    m_isHanded = file.isOpen();
+    if (!m_isHanded) {
+        m_path = QFile::encodeName(QFileInfo(path).canonicalFilePath());
+        // Non-blocking, so that a FIFO in a regular file's place cannot hold the job.
+        const int mode = (m_readOnly ? O_RDONLY : O_RDWR) | O_CLOEXEC | O_NONBLOCK;
+        file = FileDescriptor(m_path.isEmpty() ? -1 : ::open(m_path.constData(), mode));
+    }
     struct stat info = {};
     if (!file.isOpen() || ::fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode))
         return;
@@ -202,6 +208,8 @@ TagLib::ByteVector TagEditStream::readBlock(unsigned long length)
     // TagLib counts the bytes of a vector in 32 bits.
     const auto wanted = static_cast<std::int64_t>(
         std::min<unsigned long>({length, static_cast<unsigned long>(available), 0x7fffffffUL}));
+    if (m_guard && !m_guard->mayRead(wanted))
+        return {};
     TagLib::ByteVector block(static_cast<unsigned int>(wanted), '\0');
     std::int64_t done = 0;
     std::int64_t pieceStart = 0;
@@ -227,8 +235,16 @@ TagLib::ByteVector TagEditStream::readBlock(unsigned long length)
         if (done == wanted)
             break;
     }
+    const std::int64_t start = m_position;
     m_position += wanted;
-    return block;
+    return m_guard && !m_guard->mayHave(start, block) ? TagLib::ByteVector() : block;
+}
+
+std::optional<QString> TagEditStream::readingFailure() const
+{
+    if (m_guard && m_guard->refusal())
+        return m_guard->refusal();
+    return m_readError != 0 ? std::optional(systemErrorText(m_readError)) : std::nullopt;
 }
 
 void TagEditStream::writeBlock(const TagLib::ByteVector &data)
@@ -309,18 +325,42 @@ bool TagEditStream::keepsBytesInPlace() const
 
 std::optional<QString> TagEditStream::commit()
 {
-    if (m_readError != 0)
-        return systemErrorText(m_readError);
-    if (!m_isEdited)
+    if (std::optional<QString> reason = readingFailure())
+        return reason;
+    if (!m_isEdited || leaveEdits())
         return std::nullopt;
     return keepsBytesInPlace() ? commitInPlace() : commitByReplacement();
 }
 
 std::optional<QString> TagEditStream::commitAsNewFile()
 {
-    if (m_readError != 0)
-        return systemErrorText(m_readError);
-    return m_isEdited ? commitByReplacement() : std::nullopt;
+    if (std::optional<QString> reason = readingFailure())
+        return reason;
+    return m_isEdited && !leaveEdits() ? commitByReplacement() : std::nullopt;
+}
+
+FileDescriptor TagEditStream::reopenedForReading() const
+{
+    const QByteArray name = "/proc/self/fd/" + QByteArray::number(m_file.get());
+    return FileDescriptor(::open(name.constData(), O_RDONLY | O_CLOEXEC));
+}
+
+void TagEditStream::apply(Edits edits)
+{
+    m_isEdited = edits.isEdited;
+    m_pieces = std::move(edits.pieces);
+    m_newBytes = std::move(edits.newBytes);
+    m_length = 0;
+    for (const Piece &piece : m_pieces)
+        m_length += piece.length;
+}
+
+bool TagEditStream::leaveEdits()
+{
+    if (!m_isHanded)
+        return false;
+    HandedFile::leaveEdits({.isEdited = m_isEdited, .pieces = m_pieces, .newBytes = m_newBytes});
+    return true;
 }
 
 std::optional<QString> TagEditStream::commitInPlace()
@@ -389,8 +429,10 @@ void TagEditStream::appendRange(std::int64_t start, std::int64_t length)
 
 std::optional<QString> TagEditStream::writeTo(const QString &path)
 {
-    if (m_readError != 0)
-        return systemErrorText(m_readError);
+    if (std::optional<QString> reason = readingFailure())
+        return reason;
+    if (leaveEdits())
+        return std::nullopt;
     FileDescriptor target(::open(QFile::encodeName(path).constData(), O_WRONLY | O_TRUNC | O_CLOEXEC | O_NOFOLLOW));
     if (!target.isOpen())
         return systemErrorText(errno);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "platform/FileDescriptor.h"
+#include "tags/TagLibGuard.h"
 
 #include <QByteArray>
 #include <QString>
@@ -31,9 +32,36 @@ class TagEditStream final : public TagLib::IOStream {
 public:
     enum class Access { Read, Edit };
 
+    /// A run of bytes, of the file or of the new ones.
+    struct Piece {
+        bool isNew = false;
+        std::int64_t offset = 0;
+        std::int64_t length = 0;
+    };
+    /// What an edited file consists of.
+    struct Edits {
+        bool isEdited = false;
+        std::vector<Piece> pieces;
+        std::string newBytes;
+    };
+
     /// Opens a regular file; links are followed. `isOpen` tells whether that worked;
-    /// for Edit it must be writable.
+    /// for Edit it must be writable. Of a file that another process has handed over (HandedFile)
+    /// nothing is written here: a commit leaves the edits with it.
     TagEditStream(const QString &path, Access access);
+
+    /// From now on blocks are read for TagLib, within the limits of TagLibGuard.
+    void guardReading() { m_guard.emplace(); }
+    /// Why what was read of the file is not what it holds, as the end of a sentence: a refusal of
+    /// the guard, or the disk failed. Nothing when all was read.
+    [[nodiscard]] std::optional<QString> readingFailure() const;
+
+    /// The same file, for reading only; not open when that cannot be had.
+    [[nodiscard]] FileDescriptor reopenedForReading() const;
+    [[nodiscard]] std::int64_t fileLength() const { return m_fileLength; }
+    /// Takes edits that were made elsewhere in place of its own. Their pieces must lie within the file
+    /// and the new bytes.
+    void apply(Edits edits);
 
     /// Makes the edits the file's contents. Returns nothing on success, else why not;
     /// then the file is as it was. Refuses when any read before has failed, since the
@@ -64,13 +92,8 @@ public:
     void truncate(long length) override;
 
 private:
-    /// A run of bytes, of the file or of m_newBytes.
-    struct Piece {
-        bool isNew = false;
-        std::int64_t offset = 0;
-        std::int64_t length = 0;
-    };
-
+    /// Leaves the edits of a handed file with it; false for any other file.
+    [[nodiscard]] bool leaveEdits();
     void replaceRange(std::int64_t start, std::int64_t length, const char *data, std::size_t size);
     std::size_t splitAt(std::int64_t position);
     [[nodiscard]] bool keepsBytesInPlace() const;
@@ -81,6 +104,7 @@ private:
 
     QByteArray m_path; ///< free of links, as the system's bytes
     bool m_readOnly;
+    bool m_isHanded = false;
     FileDescriptor m_file;
     std::int64_t m_fileLength = 0;
     std::vector<Piece> m_pieces;
@@ -88,6 +112,7 @@ private:
     std::int64_t m_length = 0;
     std::int64_t m_position = 0;
     int m_readError = 0;
+    std::optional<TagLibGuard> m_guard;
     bool m_isEdited = false;
 };
 

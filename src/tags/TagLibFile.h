@@ -4,7 +4,6 @@
 
 #include "platform/NurvFailure.h"
 #include "tags/TagEditStream.h"
-#include "tags/TagsLog.h"
 #include "tags/TagsObject.h"
 
 #include <QString>
@@ -56,6 +55,7 @@ public:
 private:
     static File open(TagEditStream &stream)
     {
+        stream.guardReading();
         // Also for the kinds that do not take the factory: it sets the encoding
         // that their frames are written in.
         [[maybe_unused]] auto *const factory = frameFactory();
@@ -70,18 +70,26 @@ private:
 };
 
 /// Runs `read(file)` on a valid file, which returns the record; nothing for any other
-/// file and when the read throws.
+/// file. Throws NurvFailure for a file whose tags may not or cannot be read: to take it for one
+/// without tags would lose them.
 template<typename File, typename Read>
 [[nodiscard]] std::optional<TagsObject> read(const QString &path, const Read &read)
 {
     try {
         OpenFile<File> opened(path, TagEditStream::Access::Read);
+        std::optional<TagsObject> tags;
         if (opened.isValid())
-            return read(opened.file());
+            tags = read(opened.file());
+        if (const std::optional<QString> reason = opened.stream().readingFailure())
+            throw NurvFailure(*reason);
+        return tags;
+    } catch (const NurvFailure &) {
+        throw;
+    } catch (const std::bad_alloc &) {
+        throw NurvFailure(QStringLiteral("there is not enough memory to read its tags"));
     } catch (const std::exception &failure) {
-        qCWarning(tagsLog, "Tags not read: %s: %s", qUtf8Printable(path), failure.what());
+        throw NurvFailure(QStringLiteral("its tags could not be read: %1").arg(QString::fromUtf8(failure.what())));
     }
-    return std::nullopt;
 }
 
 /// Runs `edit(file)`, saves and commits. Throws NurvFailure for all that goes wrong;
@@ -91,6 +99,8 @@ void edit(const QString &path, const Edit &edit)
 {
     try {
         OpenFile<File> opened(path, TagEditStream::Access::Edit);
+        if (const std::optional<QString> reason = opened.stream().readingFailure())
+            throw NurvFailure(QStringLiteral("Unable to save the tags: %1.").arg(*reason));
         if (!opened.isWritable())
             throw NurvFailure(QStringLiteral("Unable to open the output file for tagging."));
         edit(opened.file());

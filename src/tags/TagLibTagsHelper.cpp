@@ -6,6 +6,8 @@
 #include "platform/Version.h"
 #include "tags/FlacTagHelper.h"
 #include "tags/TagLibFile.h"
+#include "tags/TagsLog.h"
+#include "tags/TagsProcess.h"
 
 #include <attachedpictureframe.h>
 #include <flacpicture.h>
@@ -16,6 +18,7 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -309,6 +312,8 @@ TagLib::String TagLibTagsHelper::tagLibString(const QString &text)
 
 TagsObject TagLibTagsHelper::tagsForMP3File(const QString &path)
 {
+    if (std::optional<TagsObject> asked = TagsProcess::readTags(TagFormat::Mp3, path))
+        return *std::move(asked);
     return tagLibFile::read<TagLib::MPEG::File>(path,
                                                 [](TagLib::MPEG::File &file) {
                                                     TagsObject tags = blankTags();
@@ -322,6 +327,8 @@ TagsObject TagLibTagsHelper::tagsForMP3File(const QString &path)
 
 void TagLibTagsHelper::writeTagsForMP3File(const QString &path, const TagsObject &tagObject, bool writeEmptyTags)
 {
+    if (TagsProcess::writeTags({.format = TagFormat::Mp3, .writeEmptyTags = writeEmptyTags}, path, tagObject))
+        return;
     tagLibFile::edit<TagLib::MPEG::File>(path, [&](TagLib::MPEG::File &file) {
         if (writeEmptyTags)
             file.strip(TagLib::MPEG::File::AllTags);
@@ -355,6 +362,8 @@ void TagLibTagsHelper::writeTagsForMP3File(const QString &path, const TagsObject
 
 TagsObject TagLibTagsHelper::tagsForAIFFFile(const QString &path)
 {
+    if (std::optional<TagsObject> asked = TagsProcess::readTags(TagFormat::Aiff, path))
+        return *std::move(asked);
     return tagLibFile::read<TagLib::RIFF::AIFF::File>(path,
                                                       [](TagLib::RIFF::AIFF::File &file) {
                                                           TagsObject tags = blankTags();
@@ -371,6 +380,8 @@ TagsObject TagLibTagsHelper::tagsForAIFFFile(const QString &path)
 
 void TagLibTagsHelper::writeTagsForAIFFFile(const QString &path, const TagsObject &tagObject)
 {
+    if (TagsProcess::writeTags({.format = TagFormat::Aiff}, path, tagObject))
+        return;
     tagLibFile::edit<TagLib::RIFF::AIFF::File>(path, [&](TagLib::RIFF::AIFF::File &file) {
         TagLib::ID3v2::Tag &id3v2 = *file.tag();
         if (hasText(tagObject.titleText()))
@@ -403,6 +414,8 @@ void TagLibTagsHelper::writeTagsForAIFFFile(const QString &path, const TagsObjec
 
 TagsObject TagLibTagsHelper::tagsForFlacFile(const QString &path)
 {
+    if (std::optional<TagsObject> asked = TagsProcess::readTags(TagFormat::Flac, path))
+        return *std::move(asked);
     return tagLibFile::read<TagLib::FLAC::File>(
                path,
                [](TagLib::FLAC::File &file) {
@@ -443,8 +456,12 @@ TagsObject TagLibTagsHelper::tagsForFlacFile(const QString &path)
         .value_or(blankTags());
 }
 
-void TagLibTagsHelper::writeTagsForFLACFile(const QString &path, const TagsObject &tagObject, bool writeEmptyTags)
+TagsObject::Text TagLibTagsHelper::writeTagsButDate(const QString &path, const TagsObject &tagObject,
+                                                    bool writeEmptyTags)
 {
+    if (std::optional<TagsProcess::Written> written =
+            TagsProcess::writeTags({.format = TagFormat::Flac, .writeEmptyTags = writeEmptyTags}, path, tagObject))
+        return std::move(written->date);
     Text fileDate;
     tagLibFile::edit<TagLib::FLAC::File>(path, [&](TagLib::FLAC::File &file) {
         TagLib::Ogg::XiphComment &comment = *file.xiphComment(true);
@@ -457,6 +474,12 @@ void TagLibTagsHelper::writeTagsForFLACFile(const QString &path, const TagsObjec
         writeFlacFields(file, comment, tagObject);
         refuseOversizedBlocks(file, comment);
     });
+    return fileDate;
+}
+
+void TagLibTagsHelper::writeTagsForFLACFile(const QString &path, const TagsObject &tagObject, bool writeEmptyTags)
+{
+    const Text fileDate = writeTagsButDate(path, tagObject, writeEmptyTags);
     // The date never goes through TagLib: a new one, and one that the file had, is
     // written by the other path once the file is saved.
     const Text &date = hasText(tagObject.dateText()) ? tagObject.dateText() : fileDate;
@@ -466,6 +489,8 @@ void TagLibTagsHelper::writeTagsForFLACFile(const QString &path, const TagsObjec
 
 TagsObject TagLibTagsHelper::tagsForAPEFile(const QString &path)
 {
+    if (std::optional<TagsObject> asked = TagsProcess::readTags(TagFormat::Ape, path))
+        return *std::move(asked);
     return tagLibFile::read<TagLib::APE::File>(path,
                                                [](TagLib::APE::File &file) { return readGenericTags(*file.tag()); })
         .value_or(blankTags());
@@ -473,6 +498,8 @@ TagsObject TagLibTagsHelper::tagsForAPEFile(const QString &path)
 
 void TagLibTagsHelper::writeTagsForAPEFile(const QString &path, const TagsObject &tagObject, bool writeEmptyTags)
 {
+    if (TagsProcess::writeTags({.format = TagFormat::Ape, .writeEmptyTags = writeEmptyTags}, path, tagObject))
+        return;
     tagLibFile::edit<TagLib::APE::File>(path, [&](TagLib::APE::File &file) {
         file.APETag(true);
         writeGenericTags(*file.tag(), tagObject, writeEmptyTags);
@@ -481,6 +508,8 @@ void TagLibTagsHelper::writeTagsForAPEFile(const QString &path, const TagsObject
 
 TagsObject TagLibTagsHelper::tagsForTTAFile(const QString &path)
 {
+    if (std::optional<TagsObject> asked = TagsProcess::readTags(TagFormat::Tta, path))
+        return *std::move(asked);
     return tagLibFile::read<TagLib::TrueAudio::File>(
                path, [](TagLib::TrueAudio::File &file) { return readGenericTags(*file.tag()); })
         .value_or(blankTags());
@@ -488,6 +517,8 @@ TagsObject TagLibTagsHelper::tagsForTTAFile(const QString &path)
 
 TagsObject TagLibTagsHelper::tagsForWavpackFile(const QString &path)
 {
+    if (std::optional<TagsObject> asked = TagsProcess::readTags(TagFormat::Wavpack, path))
+        return *std::move(asked);
     return tagLibFile::read<TagLib::WavPack::File>(
                path, [](TagLib::WavPack::File &file) { return readGenericTags(*file.tag()); })
         .value_or(blankTags());
@@ -495,6 +526,8 @@ TagsObject TagLibTagsHelper::tagsForWavpackFile(const QString &path)
 
 void TagLibTagsHelper::writeTagsForWavpackFile(const QString &path, const TagsObject &tagObject, bool writeEmptyTags)
 {
+    if (TagsProcess::writeTags({.format = TagFormat::Wavpack, .writeEmptyTags = writeEmptyTags}, path, tagObject))
+        return;
     tagLibFile::edit<TagLib::WavPack::File>(path, [&](TagLib::WavPack::File &file) {
         file.APETag(true);
         writeGenericTags(*file.tag(), tagObject, writeEmptyTags);

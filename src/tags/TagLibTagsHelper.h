@@ -14,9 +14,10 @@ namespace nurv {
 /// with TagLib. Each format has a pair of operations of its own, since each keeps
 /// another subset of the fields.
 ///
-/// Readers never fail: a file that is missing, unreadable or of another format gives
-/// the blank record. Writers throw NurvFailure and then leave the file as it was;
-/// they save by TagEditStream. All operations block and may be called from any
+/// Readers give the blank record for a file that is missing or of another format, and throw
+/// NurvFailure for one whose tags are not to be trusted (TagLibGuard) or cannot be read, since it
+/// has tags that a blank record would lose. Writers throw NurvFailure and then leave the file as it was;
+/// they save by TagEditStream. Where TagsProcess is set up, it does the reading and editing. All operations block and may be called from any
 /// thread, but not twice at a time for one file. Paths are absolute.
 ///
 /// `writeEmptyTags`: with it, what the record lacks is cleared in the file; without
@@ -40,6 +41,9 @@ public:
     /// With `writeEmptyTags` all fields and pictures are removed first. The picture is
     /// added beside those already there. The date goes through FlacTagHelper.
     static void writeTagsForFLACFile(const QString &path, const TagsObject &tagObject, bool writeEmptyTags);
+    /// `writeTagsForFLACFile` up to the date. Returns the one that the file had.
+    [[nodiscard]] static TagsObject::Text writeTagsButDate(const QString &path, const TagsObject &tagObject,
+                                                           bool writeEmptyTags);
 
     [[nodiscard]] static TagsObject tagsForAPEFile(const QString &path);
     static void writeTagsForAPEFile(const QString &path, const TagsObject &tagObject, bool writeEmptyTags);

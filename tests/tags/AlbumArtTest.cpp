@@ -2,12 +2,154 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tags/AlbumArt.h"
 
+#include "support/LimitedRun.h"
 #include "TagFixtures.h"
+#include "tags/PictureMemory.h"
+
+#include <QFile>
+#include <QImageReader>
+#include <QtEndian>
 
 #include <gtest/gtest.h>
+#include <zlib.h>
 
+#include <atomic>
+#include <thread>
+#include <vector>
+
+using namespace Qt::StringLiterals;
 using namespace nurv;
 using namespace nurv::test;
+
+namespace {
+
+QByteArray pngChunk(const QByteArray &type, const QByteArray &contents)
+{
+    const QByteArray body = type + contents;
+    QByteArray size(4, '\0');
+    qToBigEndian(static_cast<quint32>(contents.size()), size.data());
+    QByteArray sum(4, '\0');
+    qToBigEndian(static_cast<quint32>(::crc32(0, reinterpret_cast<const Bytef *>(body.constData()),
+                                              static_cast<uInt>(body.size()))),
+                 sum.data());
+    return size + body + sum;
+}
+
+/// A whole and playable MNG around a PNG.
+QByteArray mngAround(const QByteArray &png, quint32 width, quint32 height)
+{
+    QByteArray head(28, '\0');
+    qToBigEndian(width, head.data());
+    qToBigEndian(height, head.data() + 4);
+    head[27] = 1;
+    return QByteArray("\x8aMNG\r\n\x1a\n", 8) + pngChunk("MHDR", head) + png.mid(8) + pngChunk("MEND", {});
+}
+
+/// A PNG whose head says that it has so many pixels, in which nearly nothing stands.
+QByteArray pngHead(quint32 width, quint32 height)
+{
+    QByteArray head(13, '\0');
+    qToBigEndian(width, head.data());
+    qToBigEndian(height, head.data() + 4);
+    head[8] = 8;
+    head[9] = 6;
+    return QByteArray("\x89PNG\r\n\x1a\n", 8) + pngChunk("IHDR", head)
+           + pngChunk("IDAT", QByteArray::fromHex("78da0300000000 01")) + pngChunk("IEND", {});
+}
+
+} // namespace
+
+TEST(AlbumArt, DecodesEveryKindThatItKnows)
+{
+    const AlbumArt source = picture(20, 10, Qt::blue);
+    const QList<QByteArray> installed = QImageReader::supportedImageFormats();
+    for (const char *format : {"bmp", "tiff", "webp"}) {
+        if (!installed.contains(format))
+            continue;
+        const AlbumArt decoded = albumArtFromBytes(encodedPicture(source, format));
+        ASSERT_NE(decoded, nullptr) << format;
+        EXPECT_EQ(decoded->size(), source->size()) << format;
+    }
+    // One black pixel.
+    const QByteArray gif = QByteArray::fromHex("47494638396101000100800000000000ffffff2c00000000010001000002024401003b");
+    const AlbumArt decoded = albumArtFromBytes(gif);
+    ASSERT_NE(decoded, nullptr);
+    EXPECT_EQ(decoded->size(), QSize(1, 1));
+}
+
+TEST(AlbumArt, GivesNoneForPicturesOfOtherKinds)
+{
+    const AlbumArt source = picture(20, 10, Qt::blue);
+    for (const char *format : {"ppm", "xbm", "xpm", "ico", "cur", "wbmp", "icns"}) {
+        const QByteArray bytes = encodedPicture(source, format);
+        ASSERT_FALSE(bytes.isEmpty()) << format;
+        EXPECT_EQ(albumArtFromBytes(bytes), nullptr) << format;
+    }
+}
+
+TEST(AlbumArt, ShowsAnMngToNoDecoder)
+{
+    const QByteArray mng = mngAround(encodedPicture(picture(4, 4, Qt::red), "png"), 4, 4);
+    EXPECT_EQ(runLimited(512, 20, [&] { return albumArtFromBytes(mng) ? u"decoded"_s : u"left out"_s; }), u"left out"_s);
+    EXPECT_EQ(albumArtFromBytes(mng), nullptr);
+    EXPECT_EQ(albumArtFromBytes(mng.left(40)), nullptr);
+}
+
+TEST(AlbumArt, LoadsNoDecoderOfOtherKinds)
+{
+    const auto hasMngDecoder = [] {
+        QFile maps(u"/proc/self/maps"_s);
+        EXPECT_TRUE(maps.open(QIODevice::ReadOnly));
+        return maps.readAll().contains("libqmng");
+    };
+    if (hasMngDecoder())
+        GTEST_SKIP() << "another test of this process has loaded it";
+    EXPECT_EQ(albumArtFromBytes(pngHead(4, 4).left(60)), nullptr);
+    EXPECT_EQ(albumArtFromBytes(QByteArray("\xff\xd8\xff\xe0", 4)), nullptr);
+    EXPECT_EQ(albumArtFromBytes(QByteArray("\x8aMNG\r\n\x1a\n", 8)), nullptr);
+    EXPECT_FALSE(hasMngDecoder());
+}
+
+TEST(AlbumArt, LooksAtTheSizeBeforeItDecodes)
+{
+    for (const auto &[width, height] : {std::pair(30'000U, 30'000U), std::pair(0x7fffffffU, 1U), std::pair(9'000U, 9'000U)}) {
+        EXPECT_EQ(runLimited(64, 5,
+                             [&, w = width, h = height] {
+                                 return albumArtFromBytes(pngHead(w, h)) ? u"decoded"_s : u"left out"_s;
+                             }),
+                  u"left out"_s);
+    }
+}
+
+TEST(AlbumArt, WaitsForItsShareOfTheMemory)
+{
+    const QByteArray png = encodedPicture(picture(1'000, 1'000, Qt::blue), "png");
+    std::atomic<bool> isDecoded = false;
+    std::thread other;
+    {
+        const PictureMemory::Share all = PictureMemory::take(10 * PictureMemory::kCapacity);
+        EXPECT_EQ(PictureMemory::givenOut(), PictureMemory::kCapacity);
+        other = std::thread([&] { isDecoded = albumArtFromBytes(png) != nullptr; });
+        std::this_thread::yield();
+        EXPECT_FALSE(isDecoded);
+    }
+    other.join();
+    EXPECT_TRUE(isDecoded);
+    EXPECT_EQ(PictureMemory::givenOut(), 0);
+}
+
+TEST(AlbumArt, DecodesManyAtTheSameTimeWithinOneLimit)
+{
+    const QByteArray png = encodedPicture(picture(4'000, 4'000, Qt::blue), "png");
+    std::vector<std::thread> threads;
+    std::atomic<int> decoded = 0;
+    for (int i = 0; i < 8; ++i)
+        threads.emplace_back([&] { decoded += albumArtFromBytes(png) != nullptr ? 1 : 0; });
+    for (std::thread &thread : threads)
+        thread.join();
+    EXPECT_EQ(decoded, 8);
+    EXPECT_EQ(PictureMemory::givenOut(), 0);
+}
 
 TEST(AlbumArt, DecodesPngAndJpegByTheirBytes)
 {

@@ -1,0 +1,89 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "tags/MetadataInventory.h"
+#include "tags/TagEditStream.h"
+#include "tags/TagsObject.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <cstdint>
+#include <optional>
+#include <utility>
+
+namespace nurv {
+
+/// What the process that reads tags and the one that asks it say to each other.
+enum class TagsMessageKind : std::uint8_t {
+    ReadTags = 1, ///< format; with a file
+    EditTags,     ///< format, what to write; with a file
+    Optimize,     ///< with a file
+    ReadInventory, ///< with a file
+    DigestPixels, ///< bytes of a picture
+    Done = 16,    ///< what was asked for
+    Failed,       ///< the reason
+    NeedMemory,   ///< in between: bytes for a picture
+    Granted,      ///< the answer to that
+    Logged        ///< in between: kind and text of a line for the log
+};
+
+/// The kinds of files that have readers of their own.
+enum class TagFormat : std::uint8_t { Mp3, Aiff, Flac, Ape, Tta, Wavpack, Mp4 };
+
+/// Puts values behind each other.
+class TagsMessageWriter {
+public:
+    void putNumber(std::uint64_t number);
+    void putBytes(const QByteArray &bytes);
+    void putText(const QString &text);
+    void putOptional(const TagsObject::Text &text);
+    void putRecord(const TagsObject &record);
+    void putInventory(const MetadataInventory &inventory);
+    void putEdits(const TagEditStream::Edits &edits);
+
+    [[nodiscard]] const QByteArray &bytes() const { return m_bytes; }
+
+private:
+    void putPicture(const AlbumArt &picture);
+
+    QByteArray m_bytes;
+};
+
+/// Takes them off again. What it reads is foreign: the other process may have been taken over by the
+/// file that it read. Throws NurvFailure for what does not fit together, before room is made for it.
+class TagsMessageReader {
+public:
+    enum class Profiles { Kept, Parsed };
+
+    /// Profiles of colours are parsed by the process that the pictures are for, and kept as they are by
+    /// the one that only hands them on.
+    explicit TagsMessageReader(QByteArray bytes, Profiles profiles = Profiles::Kept)
+        : m_bytes(std::move(bytes)), m_profiles(profiles)
+    {
+    }
+
+    [[nodiscard]] std::uint64_t takeNumber();
+    [[nodiscard]] std::uint64_t takeNumber(std::uint64_t largest);
+    [[nodiscard]] QByteArray takeBytes();
+    [[nodiscard]] QString takeText();
+    [[nodiscard]] TagsObject::Text takeOptional();
+    [[nodiscard]] TagsObject takeRecord();
+    [[nodiscard]] MetadataInventory takeInventory();
+    /// Of a file of that length.
+    [[nodiscard]] TagEditStream::Edits takeEdits(std::int64_t fileLength);
+    /// Nothing may follow.
+    void expectEnd() const;
+
+private:
+    [[nodiscard]] AlbumArt takePicture();
+    /// A count of parts that have at least so many bytes each.
+    [[nodiscard]] std::uint64_t takeCount(std::uint64_t smallestPart);
+
+    QByteArray m_bytes;
+    Profiles m_profiles;
+    qsizetype m_position = 0;
+};
+
+} // namespace nurv

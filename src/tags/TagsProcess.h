@@ -1,0 +1,66 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "tags/MetadataInventory.h"
+#include "tags/TagsMessage.h"
+#include "tags/TagsObject.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+
+namespace nurv {
+
+/// Asks processes of their own to read and edit the tags of files, so that a file that overcomes a
+/// reader ends that process and no batch.
+///
+///     job ──> file, open for reading ──> nurv-tags ──> record, inventory, edits ──> checked ──> job
+///                                        no files, no privileges, limits          edits: written here
+///
+/// Processes start on first need, up to a number that work at the same time, and live on; one that
+/// ends, takes too long or answers nonsense is replaced when the next is needed. What it was asked then
+/// throws NurvFailure. Until `setUp` everything gives nothing: then, and in such a process itself, the
+/// callers do the work. Any thread; blocks.
+class TagsProcess {
+public:
+    struct Settings {
+        QString program;
+        int most = 1; ///< processes; the GUI thread may have one more, so that it waits for none
+        std::chrono::milliseconds timeToRead{std::chrono::minutes(3)};
+        std::chrono::milliseconds timeToTakeStock{std::chrono::minutes(30)};
+    };
+
+    /// `nurv-tags` of this installation, as many as the machine has processors. Does nothing, but for a
+    /// line in the log, when it is not there.
+    static void setUp();
+    static void setUp(const Settings &settings);
+    /// Ends them all and asks none from now on.
+    static void takeDown();
+    [[nodiscard]] static QString installedProgram();
+
+    /// Nothing also for what is no file that can be opened.
+    [[nodiscard]] static std::optional<TagsObject> readTags(TagFormat format, const QString &path);
+    [[nodiscard]] static std::optional<MetadataInventory> readInventory(const QString &path);
+    [[nodiscard]] static std::optional<QByteArray> pictureDigest(const QByteArray &picture);
+
+    struct Writing {
+        TagFormat format;
+        bool writeEmptyTags = false;
+        bool encoding = false;
+        std::optional<std::uint32_t> quickTimeVersion = std::nullopt;
+    };
+    /// What was written, but for a date that TagLib shall not write.
+    struct Written {
+        TagsObject::Text date;
+    };
+    [[nodiscard]] static std::optional<Written> writeTags(const Writing &writing, const QString &path,
+                                                          const TagsObject &tags);
+    /// False when there is none to ask.
+    [[nodiscard]] static bool optimize(const QString &path, const QString &targetPath);
+};
+
+} // namespace nurv

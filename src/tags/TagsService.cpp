@@ -1,0 +1,167 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tags/TagsService.h"
+
+#include "platform/NurvFailure.h"
+#include "tags/AACTagsHelper.h"
+#include "tags/HandedFile.h"
+#include "tags/Mp4Optimizer.h"
+#include "tags/PictureDigest.h"
+#include "tags/PictureMemory.h"
+#include "tags/TagLibTagsHelper.h"
+#include "tags/TagsChannel.h"
+#include "tags/TagsSandbox.h"
+
+#include <exception>
+#include <new>
+#include <thread>
+
+#include <poll.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+using Kind = TagsMessageKind;
+
+constexpr std::chrono::seconds kTagsTime{20};
+// The digest of a chunk of many gigabytes.
+constexpr std::chrono::seconds kInventoryTime{600};
+
+TagsObject readTags(TagFormat format, const QString &path)
+{
+    switch (format) {
+    case TagFormat::Mp3: return TagLibTagsHelper::tagsForMP3File(path);
+    case TagFormat::Aiff: return TagLibTagsHelper::tagsForAIFFFile(path);
+    case TagFormat::Flac: return TagLibTagsHelper::tagsForFlacFile(path);
+    case TagFormat::Ape: return TagLibTagsHelper::tagsForAPEFile(path);
+    case TagFormat::Tta: return TagLibTagsHelper::tagsForTTAFile(path);
+    case TagFormat::Wavpack: return TagLibTagsHelper::tagsForWavpackFile(path);
+    case TagFormat::Mp4: return AACTagsHelper::tagsForFile(path);
+    }
+    throw NurvFailure(u"its format is unknown"_s);
+}
+
+/// Returns a date that is still to be written.
+TagsObject::Text editTags(TagFormat format, const QString &path, TagsMessageReader &request)
+{
+    const bool writeEmptyTags = request.takeNumber(1) == 1;
+    const bool encoding = request.takeNumber(1) == 1;
+    const std::uint64_t version = request.takeNumber();
+    const TagsObject tags = request.takeRecord();
+    switch (format) {
+    case TagFormat::Mp3: TagLibTagsHelper::writeTagsForMP3File(path, tags, writeEmptyTags); break;
+    case TagFormat::Aiff: TagLibTagsHelper::writeTagsForAIFFFile(path, tags); break;
+    case TagFormat::Flac: return TagLibTagsHelper::writeTagsButDate(path, tags, writeEmptyTags);
+    case TagFormat::Ape: TagLibTagsHelper::writeTagsForAPEFile(path, tags, writeEmptyTags); break;
+    case TagFormat::Wavpack: TagLibTagsHelper::writeTagsForWavpackFile(path, tags, writeEmptyTags); break;
+    case TagFormat::Mp4:
+        AACTagsHelper::setQuickTimeVersionProvider([version]() -> std::optional<std::uint32_t> {
+            return version == 0 ? std::nullopt : std::optional(static_cast<std::uint32_t>(version - 1));
+        });
+        AACTagsHelper::writeItemsForFile(path, tags, writeEmptyTags, encoding);
+        break;
+    case TagFormat::Tta: throw NurvFailure(u"its format is not written"_s);
+    }
+    return std::nullopt;
+}
+
+TagsMessageWriter answerTo(TagsChannel::Message message)
+{
+    TagsMessageReader request(std::move(message.bytes), TagsMessageReader::Profiles::Parsed);
+    TagsMessageWriter answer;
+    tagsSandbox::allowProcessorTime(message.kind == Kind::ReadInventory ? kInventoryTime : kTagsTime);
+    if (message.kind == Kind::DigestPixels) {
+        answer.putBytes(pictureDigest(request.takeBytes()));
+        return answer;
+    }
+    HandedFile file(std::move(message.file));
+    const QString path = HandedFile::name();
+    constexpr auto kLastFormat = static_cast<std::uint64_t>(TagFormat::Mp4);
+    switch (message.kind) {
+    case Kind::ReadTags:
+        answer.putRecord(readTags(static_cast<TagFormat>(request.takeNumber(kLastFormat)), path));
+        break;
+    case Kind::EditTags: {
+        const auto format = static_cast<TagFormat>(request.takeNumber(kLastFormat));
+        answer.putOptional(editTags(format, path, request));
+        answer.putEdits(file.takeEdits());
+        break;
+    }
+    case Kind::Optimize:
+        if (const std::optional<QString> reason = Mp4Optimizer::optimize(path, path))
+            throw NurvFailure(*reason);
+        answer.putEdits(file.takeEdits());
+        break;
+    case Kind::ReadInventory: answer.putInventory(MetadataInventory::of(path)); break;
+    default: throw NurvFailure(u"nobody asks that"_s);
+    }
+    return answer;
+}
+
+bool answer(TagsChannel &channel, TagsChannel::Message message)
+{
+    TagsMessageWriter failure;
+    try {
+        return channel.send(Kind::Done, answerTo(std::move(message)).bytes());
+    } catch (const NurvFailure &reason) {
+        failure.putText(reason.reason());
+    } catch (const std::bad_alloc &) {
+        failure.putText(u"there is not enough memory to read its tags"_s);
+    } catch (const std::exception &reason) {
+        failure.putText(QString::fromUtf8(reason.what()));
+    }
+    return channel.send(Kind::Failed, failure.bytes());
+}
+
+TagsChannel *logChannel = nullptr;
+
+/// Lines of the log are the other process's to write, or not.
+void logElsewhere(QtMsgType type, const QMessageLogContext &, const QString &text)
+{
+    TagsMessageWriter line;
+    line.putNumber(static_cast<std::uint64_t>(type));
+    line.putText(text);
+    if (logChannel != nullptr && !logChannel->send(Kind::Logged, line.bytes()))
+        ::_exit(0);
+}
+
+/// Ends the process as soon as the other one is gone, whatever it is busy with.
+void endWithTheOther(int socket)
+{
+    std::thread([socket] {
+        pollfd fd{socket, 0, 0};
+        while (::poll(&fd, 1, -1) <= 0) {
+        }
+        ::_exit(0);
+    }).detach();
+}
+
+} // namespace
+
+int runTagsService(int socket)
+{
+    tagsSandbox::enter();
+    endWithTheOther(socket);
+    TagsChannel channel(socket);
+    PictureMemory::askElsewhere([&channel](std::int64_t bytes) {
+        TagsMessageWriter request;
+        request.putNumber(static_cast<std::uint64_t>(bytes));
+        if (!channel.send(Kind::NeedMemory, request.bytes()) || !channel.receive())
+            ::_exit(0);
+    });
+    qInstallMessageHandler(logElsewhere);
+    while (std::optional<TagsChannel::Message> message = channel.receive()) {
+        logChannel = &channel;
+        const bool isAnswered = answer(channel, std::move(*message));
+        logChannel = nullptr;
+        if (!isAnswered)
+            break;
+    }
+    return 0;
+}
+
+} // namespace nurv
