@@ -14,7 +14,9 @@
 #include <QTemporaryFile>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 
 #include <fcntl.h>
@@ -85,6 +87,51 @@ bool endsWithinItself(const QByteArray &line)
     return !isQuoted;
 }
 
+int digitOf(char character)
+{
+    if (character >= 'A' && character <= 'F')
+        return character - 'A' + 10;
+    if (character >= 'a' && character <= 'f')
+        return character - 'a' + 10;
+    return character >= '0' && character <= '9' ? character - '0' : 16;
+}
+
+// The character that the escape sequence behind a backslash stands for, as QSettings reads
+// it: of any number of digits the last ones count. `at`, its place, is put behind it. 0 for
+// what cannot be part of a type's name.
+char escapedCharacter(const QByteArray &line, qsizetype &at)
+{
+    int base = 8;
+    if (line.at(at) == 'x') {
+        base = 16;
+        ++at;
+    } else if (digitOf(line.at(at)) >= base) {
+        ++at;
+        return '\0';
+    }
+    std::uint16_t number = 0;
+    for (; at < line.size() && digitOf(line.at(at)) < base; ++at)
+        number = static_cast<std::uint16_t>(number * base + digitOf(line.at(at)));
+    return number < 0x80 ? static_cast<char>(number) : '\0';
+}
+
+// Whether a value is one of Qt's own streams, which may hold any type, nested as deep and as
+// large as it likes: reading it ends the program or takes all memory. We write none.
+// Escapes, quotation marks and blanks hide nothing.
+bool holdsStream(const QByteArray &line)
+{
+    QByteArray plain;
+    for (qsizetype at = 0; at < line.size();) {
+        const char character = line.at(at++);
+        if (character == '\\' && at < line.size())
+            plain += escapedCharacter(line, at);
+        else if (character != '"' && character != ' ' && character != '\t')
+            plain += character;
+    }
+    static constexpr std::array kStreams{"=@Variant(", ",@Variant(", "=@DateTime(", ",@DateTime("};
+    return std::any_of(kStreams.begin(), kStreams.end(), [&](const char *stream) { return plain.contains(stream); });
+}
+
 bool isSound(const QByteArray &line)
 {
     if (line.isEmpty() || line.startsWith(';'))
@@ -92,7 +139,7 @@ bool isSound(const QByteArray &line)
     const bool hasControls = std::any_of(line.begin(), line.end(), [](char character) {
         return static_cast<unsigned char>(character) < 0x20 && character != '\t';
     });
-    if (hasControls || !line.isValidUtf8() || !endsWithinItself(line))
+    if (hasControls || !line.isValidUtf8() || !endsWithinItself(line) || holdsStream(line))
         return false;
     const bool isSection = line.startsWith('[') && line.endsWith(']');
     return isSection || line.startsWith('#') || (!line.startsWith('[') && line.indexOf('=') > 0);

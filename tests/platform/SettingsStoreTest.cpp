@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/SettingsStore.h"
 
+#include "platform/SettingsFile.h"
 #include "support/LogLines.h"
 #include "support/TestFolder.h"
 #include "support/WaitUntil.h"
@@ -22,6 +23,7 @@
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
+using nurv::SettingsFile;
 using nurv::SettingsStore;
 using nurv::test::LogLines;
 using nurv::test::TestFolder;
@@ -109,6 +111,26 @@ TEST_F(SettingsStoreFile, BringsEveryKindOfValueBackFromTheFile)
     EXPECT_EQ(store.bytes(u"windowGeometry"_s), geometry);
     EXPECT_EQ(store.bytes(u"plainBytes"_s), QByteArray("plain"));
     EXPECT_EQ(store.string(u"empty"_s), QString());
+}
+
+TEST_F(SettingsStoreFile, ReadsNoStreamsOfQtsOwnTypes)
+{
+    // Lists within lists: each level takes the stack a little further down.
+    QByteArray nested = "[General]\nmaxThreads=3\nx=@Variant(";
+    for (int level = 0; level < 150'000; ++level)
+        nested += "\\0\\0\\0\\t\\0\\0\\0\\x1";
+    for (const QByteArray &bytes :
+         {nested + ")\n", QByteArray("[General]\nmaxThreads=3\nx=\"@Var\"  \"iant(\\0\\0\\0\\t\\0\\0\\0\\0)\"\n"),
+          QByteArray("[General]\nmaxThreads=3\nx=\\x40\\126ariant(\\0\\0\\0\\t\\0\\0\\0\\0)\n"),
+          QByteArray("[General]\nmaxThreads=3\nx=a, @DateTime(\\0\\0\\0\\0)\n")}) {
+        write(bytes);
+        const SettingsFile::Contents found = SettingsFile(path()).read();
+        EXPECT_EQ(found.state, SettingsFile::State::Damaged);
+        EXPECT_EQ(found.defect, u"line 3 makes no sense"_s);
+        EXPECT_EQ(found.values, (QVariantMap{{u"maxThreads"_s, u"3"_s}}));
+    }
+    write("[General]\nx=\"@@Variant(a)\"\ny=the @Variant(b)\nz=@ByteArray(\\x56)\n");
+    EXPECT_EQ(SettingsFile(path()).read().state, SettingsFile::State::Healthy);
 }
 
 TEST_F(SettingsStoreFile, IsReadableByItsOwnerOnlyFromTheFirstMomentOn)
