@@ -102,7 +102,8 @@ std::size_t MemoryBytes::readAt(std::int64_t offset, void *bytes, std::size_t si
         return 0;
     const auto from = static_cast<std::size_t>(offset);
     const std::size_t count = std::min(size, m_bytes.size() - from);
-    std::memcpy(bytes, m_bytes.data() + from, count);
+    // An empty vector may have no place to copy to, which memcpy does not allow for.
+    std::copy_n(m_bytes.begin() + static_cast<std::ptrdiff_t>(from), count, static_cast<std::uint8_t *>(bytes));
     return count;
 }
 

@@ -30,6 +30,9 @@ constexpr std::int64_t kLargestFrameBytes = std::int64_t{512} << 10;
 /// Sync code to number of a frame.
 constexpr std::size_t kFixedHeadBytes = 4;
 constexpr std::size_t kCrc16Bytes = 2;
+/// Of heads with a right checksum, in bytes that may be nothing but such heads: each costs a
+/// checksum of all that follows. Sound that looks like one by chance is rare.
+constexpr int kMostHeads = 100;
 
 /// A number of up to 36 bits, coded like the characters of UTF-8, and the bytes that it takes.
 struct CodedNumber {
@@ -81,25 +84,41 @@ std::int64_t blockSize(unsigned code, Bytes extra)
     }
 }
 
-/// The number of the first sample behind a frame that fills these bytes; nothing when they
-/// are not just that. `fixedBlockSize`: of every frame but the last.
-std::optional<std::int64_t> endOfFrame(Bytes bytes, std::int64_t fixedBlockSize)
+/// What the head of a frame says.
+struct FrameHead {
+    std::int64_t number = 0; ///< of the frame, or of its first sample
+    std::int64_t samples = 0;
+    bool countsSamples = false;
+
+    /// Nothing when these bytes do not begin with one, and with room for a frame.
+    static std::optional<FrameHead> read(Bytes bytes)
+    {
+        const auto number = CodedNumber::read(bytes.subspan(kFixedHeadBytes));
+        if (!number)
+            return std::nullopt;
+        const unsigned sizeCode = bytes[2] >> 4;
+        const std::size_t sizeAt = kFixedHeadBytes + number->bytes;
+        const std::size_t crcAt = sizeAt + bytesOfBlockSize(sizeCode) + bytesOfSampleRate(bytes[2] & 0x0F);
+        if (bytes.size() < crcAt + 1 + kCrc16Bytes)
+            return std::nullopt;
+        const std::int64_t samples = blockSize(sizeCode, bytes.subspan(sizeAt));
+        // A checksum over itself, too, is 0.
+        if (samples == 0 || av_crc(av_crc_get_table(AV_CRC_8_ATM), 0, bytes.data(), crcAt + 1) != 0)
+            return std::nullopt;
+        return FrameHead{.number = number->value, .samples = samples, .countsSamples = (bytes[1] & 1) != 0};
+    }
+
+    /// The number of the first sample behind the frame. `fixedBlockSize`: of every frame but the last.
+    [[nodiscard]] std::int64_t end(std::int64_t fixedBlockSize) const
+    {
+        return (countsSamples ? number : number * fixedBlockSize) + samples;
+    }
+};
+
+/// Whether a frame that begins there fills these bytes.
+bool isWholeFrame(Bytes bytes)
 {
-    const auto number = CodedNumber::read(bytes.subspan(kFixedHeadBytes));
-    if (!number)
-        return std::nullopt;
-    const unsigned sizeCode = bytes[2] >> 4;
-    const std::size_t sizeAt = kFixedHeadBytes + number->bytes;
-    const std::size_t crcAt = sizeAt + bytesOfBlockSize(sizeCode) + bytesOfSampleRate(bytes[2] & 0x0F);
-    if (bytes.size() < crcAt + 1 + kCrc16Bytes)
-        return std::nullopt;
-    const std::int64_t samples = blockSize(sizeCode, bytes.subspan(sizeAt));
-    // A checksum over itself, too, is 0.
-    if (samples == 0 || av_crc(av_crc_get_table(AV_CRC_8_ATM), 0, bytes.data(), crcAt + 1) != 0
-        || av_crc(av_crc_get_table(AV_CRC_16_ANSI), 0, bytes.data(), bytes.size()) != 0)
-        return std::nullopt;
-    const bool countsSamples = (bytes[1] & 1) != 0;
-    return (countsSamples ? number->value : number->value * fixedBlockSize) + samples;
+    return av_crc(av_crc_get_table(AV_CRC_16_ANSI), 0, bytes.data(), bytes.size()) == 0;
 }
 
 bool mayBeginFrame(Bytes bytes)
@@ -133,12 +152,15 @@ std::optional<std::int64_t> framesByLastFlacFrame(const ByteSource &source, std:
     std::vector<std::uint8_t> tail(static_cast<std::size_t>(window));
     if (!source.readAll(end - window, tail.data(), tail.size()))
         return std::nullopt;
-    for (std::size_t at = tail.size() - kFixedHeadBytes + 1; at-- > 0;) {
+    int heads = 0;
+    for (std::size_t at = tail.size() - kFixedHeadBytes + 1; at-- > 0 && heads < kMostHeads;) {
         const Bytes frame = Bytes(tail).subspan(at);
-        if (!mayBeginFrame(frame))
+        const auto head = mayBeginFrame(frame) ? FrameHead::read(frame) : std::nullopt;
+        if (!head)
             continue;
-        if (const auto last = endOfFrame(frame, largestBlock))
-            return last;
+        if (isWholeFrame(frame))
+            return head->end(largestBlock);
+        ++heads;
     }
     return std::nullopt;
 }

@@ -14,7 +14,8 @@ class ByteSource;
 /// total in the header, and a total may be wrong. `start`: of the file's header.
 ///
 /// Reads the header and the end of the file, two pieces. Nothing when the file does not end
-/// with a frame whose two checksums are right; tags behind it may be ID3v1 only.
+/// with a frame whose two checksums are right, and when it only looks a hundred times as if it
+/// did; tags behind it may be ID3v1 only.
 [[nodiscard]] std::optional<std::int64_t> framesByLastFlacFrame(const ByteSource &source, std::int64_t start);
 
 } // namespace nurv
