@@ -33,3 +33,17 @@ function(nurv_test name)
       TIMEOUT 120
       ENVIRONMENT "QT_QPA_PLATFORM=offscreen;NURV_TOOLS=${NURV_TOOLS_DIR}")
 endfunction()
+
+# nurv_corpus_test(<Fuzzer> LINKS ...): gives the files of corpus/<Fuzzer> in the current
+# folder to fuzz/<Fuzzer>Fuzzer.cpp, with limits of memory and time.
+function(nurv_corpus_test fuzzer)
+  cmake_parse_arguments(ARG "" "" "LINKS" ${ARGN})
+  string(REGEX REPLACE "([a-z0-9])([A-Z])" "\\1_\\2" name "${fuzzer}")
+  string(TOLOWER "${name}_corpus" name)
+  nurv_test(${name} LABELS unit
+    SOURCES
+      "${CMAKE_SOURCE_DIR}/tests/support/ReplayedCorpusTest.cpp"
+      "${CMAKE_SOURCE_DIR}/fuzz/${fuzzer}Fuzzer.cpp"
+    LINKS nurv_allocation_meter ${ARG_LINKS})
+  target_compile_definitions(${name}_test PRIVATE NURV_CORPUS="${CMAKE_CURRENT_SOURCE_DIR}/corpus/${fuzzer}")
+endfunction()

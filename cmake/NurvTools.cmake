@@ -46,10 +46,11 @@ function(nurv_tool name)
   endif()
 endfunction()
 
-# nurv_fuzzer(<Name> LINKS ...): fuzz/<Name>Fuzzer.cpp as a program of that name.
+# nurv_fuzzer(<Name> [SOURCES ...] LINKS ...): fuzz/<Name>Fuzzer.cpp as a program of that
+# name, with further sources.
 function(nurv_fuzzer name)
-  cmake_parse_arguments(ARG "" "" "LINKS" ${ARGN})
-  add_executable(${name}Fuzzer ${name}Fuzzer.cpp)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(${name}Fuzzer ${name}Fuzzer.cpp ${ARG_SOURCES})
   target_link_libraries(${name}Fuzzer PRIVATE nurv_options ${ARG_LINKS})
   target_link_options(${name}Fuzzer PRIVATE -fsanitize=fuzzer)
   set_target_properties(${name}Fuzzer PROPERTIES AUTOMOC OFF)

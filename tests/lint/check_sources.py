@@ -85,8 +85,7 @@ def check_layers(path, folder, lines):
 
 
 def check_tool_includes(path, folder, lines):
-    """A folder under tools, or the fuzzers, which stand above all of these."""
-    allowed = ALLOWED_TOOLS.keys() if folder == "fuzz" else ALLOWED_TOOLS[folder] | {folder}
+    allowed = ALLOWED_TOOLS[folder] | {folder}
     for number, line in enumerate(lines, 1):
         match = INCLUDE.match(line)
         if not match:
@@ -96,6 +95,18 @@ def check_tool_includes(path, folder, lines):
             yield f"{path}:{number}: {target}: the bundled programs use no Qt"
         elif match.group(1) == '"' and target.split("/")[0] not in allowed and target not in SHARED_WITH_TOOLS:
             yield f"{path}:{number}: {folder} must not include {target}"
+
+
+def check_fuzzer_includes(path, lines):
+    """The fuzzers stand above all that reads foreign bytes, and have headers of their own."""
+    allowed = ALLOWED.keys() | ALLOWED_TOOLS.keys()
+    for number, line in enumerate(lines, 1):
+        match = INCLUDE.match(line)
+        if not match or match.group(1) == "<":
+            continue
+        target = match.group(2)
+        if target.startswith("ui/") or ("/" in target and target.split("/")[0] not in allowed):
+            yield f"{path}:{number}: fuzz must not include {target}"
 
 
 def check_manual_pages(root):
@@ -151,10 +162,13 @@ def check_tree(root, widgets_headers):
     for top in ("tests", "tools", "fuzz", "bench"):
         for path in source_files(root, top):
             faults += check_head(path.relative_to(root), path.read_text(encoding="utf-8").splitlines())
-    for path in source_files(root, "tools") + source_files(root, "fuzz"):
+    for path in source_files(root, "fuzz"):
+        lines = without_comments(path.read_text(encoding="utf-8")).splitlines()
+        faults += check_fuzzer_includes(path.relative_to(root), lines)
+    for path in source_files(root, "tools"):
         relative = path.relative_to(root)
-        folder = "fuzz" if relative.parts[0] == "fuzz" else relative.parts[1]
-        if folder != "fuzz" and folder not in ALLOWED_TOOLS:
+        folder = relative.parts[1]
+        if folder not in ALLOWED_TOOLS:
             faults.append(f"{relative}:1: {folder} has no place among the tools yet")
             continue
         faults += check_tool_includes(relative, folder, without_comments(path.read_text(encoding="utf-8")).splitlines())
