@@ -53,9 +53,10 @@ public:
     }
 
 private:
-    FuzzedFolder() : m_folder(QDir(QStringLiteral("/dev/shm")).exists()
-                                  ? QStringLiteral("/dev/shm/nurv-fuzz-XXXXXX")
-                                  : QDir::temp().filePath(QStringLiteral("nurv-fuzz-XXXXXX")))
+    FuzzedFolder()
+        : m_folder(QDir(QStringLiteral("/dev/shm")).exists()
+                       ? QStringLiteral("/dev/shm/nurv-fuzz-XXXXXX")
+                       : QDir::temp().filePath(QStringLiteral("nurv-fuzz-XXXXXX")))
     {
     }
 

@@ -26,8 +26,8 @@ QByteArray withChecksums(const QByteArray &text)
 {
     QByteArray lines;
     for (const QByteArray &line : text.split('\n')) {
-        const auto sum = static_cast<unsigned>(::crc32_z(0, reinterpret_cast<const Bytef *>(line.constData()),
-                                                         static_cast<z_size_t>(line.size())));
+        const auto sum = static_cast<unsigned>(
+            ::crc32_z(0, reinterpret_cast<const Bytef *>(line.constData()), static_cast<z_size_t>(line.size())));
         char digits[11];
         std::snprintf(digits, sizeof digits, " %08x\n", sum);
         lines += line + digits;

@@ -41,8 +41,8 @@ void readTiming(std::span<const std::uint8_t> file)
             continue;
         require(timing->length().value_or(0) >= 0 && timing->length().value_or(0) <= timing->mediaDuration);
         require(timing->tableDuration.value_or(0) >= 0);
-        for (const std::int64_t place : {timing->movieTimescaleAt, timing->movieDurationAt, timing->trackDurationAt,
-                                         timing->editDurationAt})
+        for (const std::int64_t place :
+             {timing->movieTimescaleAt, timing->movieDurationAt, timing->trackDurationAt, timing->editDurationAt})
             require(place >= 0 && place <= fileSize);
     }
 }

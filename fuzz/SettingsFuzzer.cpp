@@ -31,10 +31,8 @@ bool isPlain(const QVariant &value)
     case QMetaType::QByteArray:
     case QMetaType::QRect:
     case QMetaType::QSize:
-    case QMetaType::QPoint:
-        return true;
-    default:
-        return false;
+    case QMetaType::QPoint: return true;
+    default: return false;
     }
 }
 

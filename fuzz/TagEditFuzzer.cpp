@@ -32,8 +32,8 @@ TagLib::ByteVector vectorOf(const std::string &bytes)
 /// The stream under test, and a text that has to be the same after every edit.
 class EditedTwice {
 public:
-    EditedTwice(const QString &path, std::string bytes) : m_stream(path, TagEditStream::Access::Edit)
-        , m_expected(std::move(bytes))
+    EditedTwice(const QString &path, std::string bytes)
+        : m_stream(path, TagEditStream::Access::Edit), m_expected(std::move(bytes))
     {
         require(m_stream.isOpen());
     }

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "FuzzedChoices.h"
 #include "cli/ProblemLine.h"
 #include "convert/ToolOutputParsers.h"
+#include "FuzzedChoices.h"
 #include "platform/DecodeText.h"
 #include "platform/Utf8ChunkDecoder.h"
 
@@ -66,8 +66,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     Utf8ChunkDecoder decoder;
     QString report;
     const auto give = [&](std::span<const std::uint8_t> chunk) {
-        const QString text = decoder.decode(
-            {reinterpret_cast<const char *>(chunk.data()), static_cast<qsizetype>(chunk.size())});
+        const QString text =
+            decoder.decode({reinterpret_cast<const char *>(chunk.data()), static_cast<qsizetype>(chunk.size())});
         parse(text);
         report += text;
     };

@@ -183,7 +183,7 @@ TEST_F(SoundLengthTest, LooksAtAFewHeadsOfFlacFramesOnly)
         const QByteArray frame = flacFrameHead() + flacFrameHead().repeated(heads);
         const QByteArray whole = frame + cyclicChecksum(frame, 16, 0x8005);
         QByteArray file = metadata + whole;
-        file[4] = static_cast<char>(0x80);      // the last block of metadata
+        file[4] = static_cast<char>(0x80);     // the last block of metadata
         file.replace(15, 3, QByteArray(3, 0)); // the largest frame is not told
         EXPECT_EQ(lengthOf(file).heldFrames, heads < 100 ? Frames(512) : Frames()) << heads;
     }
