@@ -9,5 +9,7 @@ int main(int argc, char **argv)
     if (!nurv::openStandardDescriptors())
         return static_cast<int>(nurv::ExitStatus::Failed);
     nurv::TagsProcess::setUp();
-    return nurv::CliApplication::main(argc, argv);
+    const int status = nurv::CliApplication::main(argc, argv);
+    nurv::TagsProcess::takeDown();
+    return status;
 }

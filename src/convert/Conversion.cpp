@@ -337,7 +337,7 @@ void Conversion::noteKept(const QString &reason)
 {
     m_task.ownOutcome().original = TaskOutcome::Original::Kept;
     noteProblem(reason);
-    qCWarning(convertLog).noquote() << "Kept, since" << reason + u':' << fileName();
+    qCWarning(keptSourceLog).noquote() << "Kept, since" << reason + u':' << fileName();
     tell(u"%1; original kept"_s.arg(reason));
 }
 

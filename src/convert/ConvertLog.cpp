@@ -5,5 +5,6 @@
 namespace nurv {
 
 Q_LOGGING_CATEGORY(convertLog, "nurv.convert")
+Q_LOGGING_CATEGORY(keptSourceLog, "nurv.convert.kept")
 
 } // namespace nurv

@@ -7,5 +7,8 @@
 namespace nurv {
 
 Q_DECLARE_LOGGING_CATEGORY(convertLog)
+/// Sources that stay although their deletion was asked for, category `nurv.convert.kept`: rows, and the lines of
+/// the command line, tell the same.
+Q_DECLARE_LOGGING_CATEGORY(keptSourceLog)
 
 } // namespace nurv

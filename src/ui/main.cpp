@@ -9,5 +9,7 @@ int main(int argc, char **argv)
     if (!nurv::openStandardDescriptors())
         return 1;
     nurv::TagsProcess::setUp();
-    return nurv::Workbench::run(argc, argv);
+    const int status = nurv::Workbench::run(argc, argv);
+    nurv::TagsProcess::takeDown();
+    return status;
 }
