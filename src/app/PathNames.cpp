@@ -57,6 +57,11 @@ QString formatWord(const QString &path)
     return pathExtension(path).toUpper();
 }
 
+bool isAiff(const QString &format)
+{
+    return format == u"AIFF" || format == u"AIF";
+}
+
 QString nameWithoutExtension(const QString &path)
 {
     const QStringView name = lastComponentView(path);

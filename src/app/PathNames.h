@@ -18,6 +18,8 @@ namespace nurv {
 [[nodiscard]] QString pathExtension(const QString &path);
 /// The format word of a file: its extension upper-cased.
 [[nodiscard]] QString formatWord(const QString &path);
+/// Whether a format word is one of the two that AIFF has.
+[[nodiscard]] bool isAiff(const QString &format);
 /// The last component without its extension.
 [[nodiscard]] QString nameWithoutExtension(const QString &path);
 /// folder + "/" + name, with one slash between; only the name without a folder.

@@ -99,8 +99,10 @@ std::optional<QString> Conversion::takeOutput()
     const ExistingOutputs existing = m_batch ? m_batch->existingOutputs : ExistingOutputs::AsTold;
     if (!outputExisted() || (existing != ExistingOutputs::Refuse && existing != ExistingOutputs::Skip))
         return std::nullopt;
-    if (const auto fault = SoundLengthCheck::of({fileName()}, {output}).fault; fault && existing == ExistingOutputs::Skip)
-        return u"its output %1 exists already, but is not whole: %2"_s.arg(name, *fault);
+    if (existing == ExistingOutputs::Skip) {
+        if (const auto fault = SoundLengthCheck::of({fileName()}, {output}).fault)
+            return u"its output %1 exists already, but is not whole: %2"_s.arg(name, *fault);
+    }
     return u"its output %1 exists already"_s.arg(name);
 }
 
@@ -379,7 +381,7 @@ void Conversion::noteEnding()
     if (m_isDamaged && m_retirement.doubtReason() && !m_task.error())
         noteProblem(*m_retirement.doubtReason());
     // A job that does not fail for damage is not told to have done all either.
-    if (m_isDamaged && m_task.outcome().proof == TaskOutcome::Proof::NotNeeded)
+    if (m_isDamaged && !m_task.error() && m_task.outcome().proof == TaskOutcome::Proof::NotNeeded)
         m_task.ownOutcome().proof = TaskOutcome::Proof::NotProven;
     if (deleteOriginal() && m_task.error())
         m_task.ownOutcome().original = TaskOutcome::Original::Kept;

@@ -3,6 +3,7 @@
 #include "convert/ConversionTask.h"
 
 #include "app/PathNames.h"
+#include "app/TemporaryNames.h"
 #include "convert/ConvertLog.h"
 #include "platform/FileFacts.h"
 #include "platform/GuiThread.h"
@@ -25,7 +26,7 @@ namespace {
 /// Where flac works when it replaces an output, source or not.
 QString temporaryOf(const QString &output)
 {
-    return output + u".tmp,fl-ac+en'c"_s;
+    return output + kFlacScratchSuffix.toString();
 }
 
 } // namespace

@@ -35,8 +35,7 @@ bool EncodeFlacTask::replacesOutput() const
 
 void EncodeFlacTask::finishOutput()
 {
-    const QString format = formatWord(fileName());
-    if (format == u"AIFF" || format == u"AIF")
+    if (isAiff(formatWord(fileName())))
         copyTags([this] { getAiffTags(); });
 }
 

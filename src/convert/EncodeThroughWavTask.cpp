@@ -47,11 +47,6 @@ ToolStage decodingOf(const QString &sourceFormat, const QString &source, const Q
 /// Of more, a program has to be told which is which.
 constexpr int kMostUnmappedChannels = 2;
 
-bool isAiff(const QString &format)
-{
-    return format == u"AIFF" || format == u"AIF";
-}
-
 int channelsOf(const QString &path)
 {
     return soundLength(path).value_or(SoundLength{}).channels;

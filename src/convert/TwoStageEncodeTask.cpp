@@ -50,8 +50,7 @@ void TwoStageEncodeTask::encodeWav(const StageFor &stageFor)
         stage.looksAtExitStatus = false;
         return stage;
     };
-    const QString format = formatWord(fileName());
-    if (format == u"AIFF" || format == u"AIF")
+    if (isAiff(formatWord(fileName())))
         encodeThroughWav(unwatched);
     else
         runTool(unwatched(fileName()));

@@ -6,13 +6,13 @@
 #include "samples/ByteSource.h"
 #include "samples/ChunkRun.h"
 #include "samples/CodecHeaders.h"
+#include "samples/FlacCodedNumber.h"
 #include "samples/PcmSamples.h"
 #include "samples/WavpackBlocks.h"
 
 #include <QCryptographicHash>
 
 #include <algorithm>
-#include <bit>
 #include <utility>
 #include <vector>
 
@@ -39,18 +39,18 @@ public:
     void onPacket(std::span<const std::uint8_t> bytes) override
     {
         const auto number = bytes.size() > 4 && bytes[0] == 0xFF && (bytes[1] & 0xFE) == 0xF8
-                                ? readNumber(bytes.subspan(4))
+                                ? FlacCodedNumber::read(bytes.subspan(4))
                                 : std::nullopt;
         if (!number)
             throw NurvFailure(u"a frame of its sound is damaged"_s);
         const bool countsSamples = (bytes[1] & 1) != 0;
-        if (!countsSamples && *number != m_frames)
+        if (!countsSamples && number->value != m_frames)
             throw NurvFailure(u"frame %1 of its sound is missing or damaged"_s.arg(m_frames));
-        if (countsSamples && m_frames > 0 && *number <= m_lastNumber)
+        if (countsSamples && m_frames > 0 && number->value <= m_lastNumber)
             throw NurvFailure(u"its frames are out of order"_s);
         if (countsSamples)
-            m_sampleNumbers.push_back(*number);
-        m_lastNumber = *number;
+            m_sampleNumbers.push_back(number->value);
+        m_lastNumber = number->value;
         ++m_frames;
         checkPacket(bytes);
     }
@@ -107,23 +107,6 @@ private:
                 return true;
         }
         return false;
-    }
-
-    /// A number of up to 36 bits, coded like the characters of UTF-8.
-    static std::optional<std::uint64_t> readNumber(std::span<const std::uint8_t> bytes)
-    {
-        const int ones = std::countl_one(bytes[0]);
-        if (ones == 0)
-            return bytes[0];
-        if (ones == 1 || ones > 7 || bytes.size() < static_cast<std::size_t>(ones))
-            return std::nullopt;
-        std::uint64_t number = bytes[0] & (0x7FU >> ones);
-        for (std::size_t i = 1; i < static_cast<std::size_t>(ones); ++i) {
-            if ((bytes[i] & 0xC0) != 0x80)
-                return std::nullopt;
-            number = number << 6 | (bytes[i] & 0x3FU);
-        }
-        return number;
     }
 
     const ByteSource &m_source;

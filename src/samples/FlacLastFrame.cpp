@@ -3,12 +3,12 @@
 #include "samples/FlacLastFrame.h"
 
 #include "samples/ByteSource.h"
+#include "samples/FlacCodedNumber.h"
 
 #include <QtEndian>
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cstring>
 #include <span>
 #include <vector>
@@ -33,30 +33,6 @@ constexpr std::size_t kCrc16Bytes = 2;
 /// Of heads with a right checksum, in bytes that may be nothing but such heads: each costs a
 /// checksum of all that follows. Sound that looks like one by chance is rare.
 constexpr int kMostHeads = 100;
-
-/// A number of up to 36 bits, coded like the characters of UTF-8, and the bytes that it takes.
-struct CodedNumber {
-    std::int64_t value = 0;
-    std::size_t bytes = 0;
-
-    static std::optional<CodedNumber> read(Bytes bytes)
-    {
-        if (bytes.empty())
-            return std::nullopt;
-        const auto ones = static_cast<std::size_t>(std::countl_one(bytes[0]));
-        if (ones == 0)
-            return CodedNumber{bytes[0], 1};
-        if (ones == 1 || ones > 7 || bytes.size() < ones)
-            return std::nullopt;
-        CodedNumber number{bytes[0] & (0x7F >> ones), ones};
-        for (std::size_t i = 1; i < ones; ++i) {
-            if ((bytes[i] & 0xC0) != 0x80)
-                return std::nullopt;
-            number.value = number.value << 6 | (bytes[i] & 0x3F);
-        }
-        return number;
-    }
-};
 
 std::size_t bytesOfBlockSize(unsigned code)
 {
@@ -93,7 +69,7 @@ struct FrameHead {
     /// Nothing when these bytes do not begin with one, and with room for a frame.
     static std::optional<FrameHead> read(Bytes bytes)
     {
-        const auto number = CodedNumber::read(bytes.subspan(kFixedHeadBytes));
+        const auto number = FlacCodedNumber::read(bytes.subspan(kFixedHeadBytes));
         if (!number)
             return std::nullopt;
         const unsigned sizeCode = bytes[2] >> 4;
@@ -105,7 +81,8 @@ struct FrameHead {
         // A checksum over itself, too, is 0.
         if (samples == 0 || av_crc(av_crc_get_table(AV_CRC_8_ATM), 0, bytes.data(), crcAt + 1) != 0)
             return std::nullopt;
-        return FrameHead{.number = number->value, .samples = samples, .countsSamples = (bytes[1] & 1) != 0};
+        return FrameHead{.number = static_cast<std::int64_t>(number->value),
+                         .samples = samples, .countsSamples = (bytes[1] & 1) != 0};
     }
 
     /// The number of the first sample behind the frame. `fixedBlockSize`: of every frame but the last.
