@@ -5,6 +5,7 @@
 #include "cli/Console.h"
 #include "cli/TextWidth.h"
 #include "platform/ExternalPrograms.h"
+#include "tags/TagsProcess.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -33,6 +34,23 @@ bool isFound(const Finding &finding)
 bool isRequired(const QString &name)
 {
     return name == u"flac" || name == u"metaflac" || name == u"shntool";
+}
+
+/// No program that jobs start, but the one that reads tags for them.
+const ExternalProgram &tagsProgram()
+{
+    static const ExternalProgram program{
+        u"nurv-tags"_s, true, {}, u"reads tags and pictures, apart from everything else"_s, {u"--version"_s}};
+    return program;
+}
+
+std::vector<Finding> findAll()
+{
+    std::vector<Finding> findings;
+    for (const ExternalProgram &program : externalPrograms())
+        findings.push_back({program, checkProgram(program)});
+    findings.push_back({tagsProgram(), checkProgram(tagsProgram(), TagsProcess::installedProgram())});
+    return findings;
 }
 
 QString stateText(const Finding &finding)
@@ -116,7 +134,8 @@ CommandSpec makeSpec()
     spec.synopsis = u"[OPTION]..."_s;
     spec.details = u"Looks every external program up in the folder of the tools and asks it for its\n"
                    "version. flac, metaflac and shntool are required; the others are needed for the\n"
-                   "formats that they stand for."_s;
+                   "formats that they stand for. nurv-tags is a part of this program: where it is\n"
+                   "missing, tags are read without the protection of a process of their own."_s;
     spec.options = {
         {u"json"_s, {}, u"print one JSON object per program and one for the whole"_s},
         {u"quiet"_s, {}, u"print nothing; the exit status tells"_s},
@@ -142,15 +161,14 @@ ExitStatus DoctorCommand::run(const ParsedArguments &arguments, Console &console
 {
     if (!arguments.operands.isEmpty())
         throw UsageError(u"doctor takes no files"_s);
-    std::vector<Finding> findings;
+    const std::vector<Finding> findings = findAll();
     QStringList missing;
     bool requiredIsMissing = false;
-    for (const ExternalProgram &program : externalPrograms()) {
-        findings.push_back({program, checkProgram(program)});
-        if (isFound(findings.back()))
+    for (const Finding &finding : findings) {
+        if (isFound(finding))
             continue;
-        missing.append(program.name);
-        requiredIsMissing = requiredIsMissing || isRequired(program.name);
+        missing.append(finding.program.name);
+        requiredIsMissing = requiredIsMissing || isRequired(finding.program.name);
     }
     const ExitStatus status = requiredIsMissing ? ExitStatus::MissingProgram : ExitStatus::Ok;
     if (arguments.has(u"json"_s))

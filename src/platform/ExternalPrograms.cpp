@@ -100,8 +100,13 @@ bool isPartOfThisBuild(const ExternalProgram &program)
 
 ProgramStatus checkProgram(const ExternalProgram &program)
 {
+    return checkProgram(program, toolPath(program.name));
+}
+
+ProgramStatus checkProgram(const ExternalProgram &program, const QString &path)
+{
     ProgramStatus status;
-    status.path = toolPath(program.name);
+    status.path = path;
     const QFileInfo file(status.path);
     if (!file.exists())
         return status;

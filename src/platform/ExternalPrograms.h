@@ -40,6 +40,8 @@ struct ProgramStatus {
 /// Looks the program up in the resource folder and asks it for its version.
 /// Blocks while it runs; meant for worker threads and the command line.
 [[nodiscard]] ProgramStatus checkProgram(const ExternalProgram &program);
+/// The same for a program that lies elsewhere.
+[[nodiscard]] ProgramStatus checkProgram(const ExternalProgram &program, const QString &path);
 
 /// Whether the bundled program of that name is there, but not what it hands over to.
 /// Blocks as `checkProgram`; for other programs it starts nothing.

@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 
 #include <cstdio>
+#include <cstring>
 
 #include <sys/socket.h>
 
@@ -23,6 +24,10 @@ bool isSocket(int descriptor)
 
 int main(int argc, char **argv)
 {
+    if (argc == 2 && std::strcmp(argv[1], "--version") == 0) {
+        std::puts("nurv-tags " NURV_VERSION);
+        return 0;
+    }
     if (!isSocket(kSocket)) {
         std::fputs("nurv-tags reads tags for nurv, which starts it.\n", stderr);
         return 2;

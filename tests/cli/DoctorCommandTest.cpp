@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "NurvProgram.h"
+#include "platform/Version.h"
 #include "support/AudioFixtures.h"
 #include "support/ToolFolder.h"
 
@@ -71,6 +72,9 @@ TEST(DoctorCommand, GivesOneJsonObjectPerProgramAndOneForTheWhole)
     EXPECT_EQ(result.exitStatus, 3);
     QList<QJsonObject> objects = jsonLines(result.output);
     const QJsonObject whole = objects.takeLast();
+    const QJsonObject tags = objects.takeLast();
+    EXPECT_EQ(tags[u"name"_s], u"nurv-tags"_s);
+    EXPECT_TRUE(tags[u"found"_s].toBool());
     EXPECT_EQ(whole[u"type"_s], u"doctor"_s);
     EXPECT_EQ(whole[u"exitStatus"_s], 3);
     int foundCount = 0;
@@ -98,4 +102,15 @@ TEST(DoctorCommand, AFileThatIsNotExecutableIsNoProgram)
     const ProgramResult result = runNurv({u"doctor"_s});
     EXPECT_EQ(result.exitStatus, 3);
     EXPECT_TRUE(result.output.contains("not executable"));
+}
+
+TEST(DoctorCommand, TellsOfTheProgramThatReadsTags)
+{
+    ToolFolder tools;
+    tools.addAllReal();
+    const ProgramResult result = runNurv({u"doctor"_s});
+    const QByteArray line = result.output.trimmed().split('\n').last().simplified();
+    const QByteArray expected = "nurv-tags found " + nurv::shortVersionString().toUtf8() + " bundled /";
+    EXPECT_TRUE(line.startsWith(expected)) << line.constData();
+    EXPECT_TRUE(line.contains("/lib/nurv/nurv-tags reads tags")) << line.constData();
 }
