@@ -82,9 +82,12 @@ private:
             m_intake.unreadableNames.append(joinPath(folder, name));
         bool isReadable = listing.error.isEmpty();
         for (const QString &name : listing.names) {
-            // What a job is making, or was making when it was killed.
-            if (temporaryKind(name) != TemporaryKind::None)
+            // What a job is making, or was making when it was killed; or somebody hides a file so.
+            if (temporaryKind(name) != TemporaryKind::None) {
+                if (m_isValid(joinPath(folder, name)))
+                    m_intake.temporaryFiles.append(joinPath(folder, name));
                 continue;
+            }
             if (!visit(joinPath(folder, name))) {
                 isReadable = false;
                 break;
@@ -173,11 +176,7 @@ QString relativeFolder(const QString &path, const QString &base)
 void collectFiles(const QString &given, const FileTest &isValid, FileIntake &intake, const StopTest &mustStop)
 {
     const QString path = absolutePath(given);
-    const qsizetype linksBefore = intake.linkedFolders.size();
     FolderWalk(isValid, baseOf(given, path), intake, mustStop).visit(path);
-    if (const qsizetype links = intake.linkedFolders.size() - linksBefore; links > 0)
-        qCWarning(appLog).noquote() << u"Not followed: %1 link(s) to folders, first %2"_s.arg(links).arg(
-            intake.linkedFolders.at(linksBefore));
 }
 
 std::optional<Alert> unreadableAlert(const FileIntake &intake)
@@ -186,6 +185,10 @@ std::optional<Alert> unreadableAlert(const FileIntake &intake)
     appendNames(alert.message, u"File names that are not valid UTF-8:"_s, intake.unreadableNames);
     appendNames(alert.message, u"Folders that cannot be read:"_s, intake.unreadableFolders);
     appendNames(alert.message, u"Files that cannot be reached:"_s, intake.unreachableFiles);
+    if (alert.message.isEmpty())
+        alert.title = u"Some files were skipped"_s;
+    appendNames(alert.message, u"Links to folders, which are not followed:"_s, intake.linkedFolders);
+    appendNames(alert.message, u"Files with the names of temporary ones:"_s, intake.temporaryFiles);
     return alert.message.isEmpty() ? std::nullopt : std::optional(alert);
 }
 

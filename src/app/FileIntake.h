@@ -28,6 +28,7 @@ struct FileIntake {
     QStringList unreadableFolders; ///< folders that could not be listed to their end
     QStringList unreachableFiles;  ///< entries that could not even be looked at
     QStringList linkedFolders;     ///< links to folders that were met on the way, and not followed
+    QStringList temporaryFiles;    ///< files of interest, but for names that only jobs give
 };
 
 /// Whether a file is one of interest.
@@ -60,7 +61,7 @@ using StopTest = std::function<bool()>;
 /// `mustStop` before every entry. Any thread; blocks.
 void collectFiles(const QString &given, const FileTest &isValid, FileIntake &intake, const StopTest &mustStop = {});
 
-/// The message that names what could not be read; nothing when there is nothing to
+/// The message that names what could not be read or was passed over; nothing when there is nothing to
 /// tell. Of a long list it shows the beginning, and the log has the rest.
 [[nodiscard]] std::optional<Alert> unreadableAlert(const FileIntake &intake);
 

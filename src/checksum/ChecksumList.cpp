@@ -48,6 +48,11 @@ bool areAllSameDirectory(const QStringList &paths)
                        [&](const QString &path) { return folderOf(path) == folderOf(paths.first()); });
 }
 
+bool canName(const QString &path)
+{
+    return !path.contains(u'\n') && !path.contains(u'\r');
+}
+
 QString md5EntryName(const QString &path, const QString &listFolder, bool allInOneFolder)
 {
     const bool isBelow = path.startsWith(listFolder) && folderOf(path) != listFolder;

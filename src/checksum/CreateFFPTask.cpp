@@ -60,7 +60,10 @@ void CreateFFPTask::doCreateFFP(const QStringList &files, const QString &outputD
     for (const QString &path : files) {
         if (cancelled())
             return;
-        list += fingerprint(path);
+        if (checksumList::canName(lastPathComponent(path)))
+            list += fingerprint(path);
+        else
+            warn(u"%1 is not in the list: its name holds a line break"_s.arg(path));
     }
     if (cancelled())
         return;

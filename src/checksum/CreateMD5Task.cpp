@@ -36,6 +36,10 @@ void CreateMD5Task::doCreateMd5()
     const QString listFolder = folderOf(m_outputPath);
     qsizetype done = 0;
     for (const QString &path : m_fileNames) {
+        if (!checksumList::canName(path)) {
+            warn(u"%1 is not in the list: its name holds a line break"_s.arg(path));
+            continue;
+        }
         setTextFieldString(lastPathComponent(path));
         setTextFieldValue();
         const QString digest = MD5Helper::getMD5FromFile(path, [this] { return cancelled(); });

@@ -98,11 +98,17 @@ InputFiles collectInput(const QList<QByteArray> &arguments, const FileTest &isVa
         result.refusals.append(u"%1: the folder cannot be read"_s.arg(result.names.nameOf(folder)));
     for (const QString &file : std::as_const(result.intake.unreachableFiles))
         result.refusals.append(u"%1: the file cannot be reached"_s.arg(result.names.nameOf(file)));
+    for (const QString &folder : std::as_const(result.intake.linkedFolders))
+        result.skipped.append(u"%1: skipped, a link to a folder"_s.arg(result.names.nameOf(folder)));
+    for (const QString &file : std::as_const(result.intake.temporaryFiles))
+        result.skipped.append(u"%1: skipped, it has the name of a temporary file"_s.arg(result.names.nameOf(file)));
     // Told above by their names; the tab would tell the kinds alone.
     result.intake.badExtensions.clear();
     result.intake.unreadableNames.clear();
     result.intake.unreadableFolders.clear();
     result.intake.unreachableFiles.clear();
+    result.intake.linkedFolders.clear();
+    result.intake.temporaryFiles.clear();
     return result;
 }
 

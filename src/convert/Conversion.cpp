@@ -9,14 +9,17 @@
 #include "engine/NURVTaskResults.h"
 #include "originals/SoundLengthCheck.h"
 #include "platform/FileFacts.h"
+#include "platform/FolderEntry.h"
 #include "platform/GuiThread.h"
+#include "platform/NewFolders.h"
 #include "platform/NurvFailure.h"
+#include "platform/SystemError.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
+#include <cerrno>
 #include <exception>
 #include <utility>
 
@@ -87,12 +90,16 @@ std::optional<QString> Conversion::takeOutput()
     const QString name = lastPathComponent(output);
     if (outputIsAnotherSource())
         return u"its output %1 is another file of the list"_s.arg(name);
-    if (m_batch && m_batch->makesFolders && !QDir().mkpath(folderOf(output)))
-        return u"its folder %1 cannot be made"_s.arg(folderOf(output));
-    if (const std::optional<QString> link = linkInTheWay())
-        return link;
+    if (m_batch && !m_batch->foldersBelow.isEmpty()) {
+        if (const std::optional<QString> obstacle = makeFoldersBelow(m_batch->foldersBelow, folderOf(output)))
+            return obstacle;
+    }
+    if (const std::optional<QString> obstacle = somethingInTheWay())
+        return obstacle;
     if (std::optional<QString> refusal = m_claim.take(output, fileName(), m_batch.get()))
         return refusal;
+    m_since = FolderEntry::now();
+    m_outputFolder = FolderEntry(output).folderFacts();
     m_retirement.rememberSources();
     m_task.ownOutcome().sourceBytes = QFileInfo(fileName()).size();
     lookAtOutput();
@@ -106,16 +113,16 @@ std::optional<QString> Conversion::takeOutput()
     return u"its output %1 exists already"_s.arg(name);
 }
 
-/// A program would write to wherever a link leads.
-std::optional<QString> Conversion::linkInTheWay() const
+/// A program would write to wherever a link leads, and into any file with the name that it gives its own.
+std::optional<QString> Conversion::somethingInTheWay() const
 {
     const QString output = outputFile();
     if (isLink(output))
         return u"its output name is a link"_s;
     for (const QStringView suffix : {kFlacScratchSuffix, kMetaflacScratchSuffix}) {
         const QString name = output + suffix.toString();
-        if (isLink(name))
-            return u"%1 is a link, and has the name of a temporary file of its program"_s.arg(lastPathComponent(name));
+        if (isThere(name))
+            return u"%1 is there already, and has the name of a temporary file of its program"_s.arg(lastPathComponent(name));
     }
     return std::nullopt;
 }
@@ -131,8 +138,8 @@ void Conversion::lookAtOutput()
 void Conversion::beginOutput(bool replaces)
 {
     // It may have come since the job took the name.
-    if (const std::optional<QString> link = linkInTheWay())
-        throw NurvFailure(*link);
+    if (const std::optional<QString> obstacle = somethingInTheWay())
+        throw NurvFailure(*obstacle);
     lookAtOutput();
     m_hasBegunOutput = true;
     const ExistingOutputs existing = m_batch ? m_batch->existingOutputs : ExistingOutputs::AsTold;
@@ -181,10 +188,24 @@ bool Conversion::hasTouchedOutput() const
     return now && !(m_outputBefore && isUntouched(*m_outputBefore, *now));
 }
 
-void Conversion::removeHalfMade(const QString &path)
+void Conversion::removeHalfMade(const QString &path) const
 {
-    if (isThere(path) && !QFile::remove(path))
-        qCWarning(convertLog).noquote() << "Half made and not removed:" << path;
+    const FolderEntry entry(path);
+    if (!entry.facts())
+        return;
+    const std::optional<struct stat> folder = entry.folderFacts();
+    if (!m_outputFolder || !isSameFile(*m_outputFolder, *folder))
+        qCWarning(convertLog).noquote() << "Half made and not removed, since its folder is another one now:" << path;
+    else if (!entry.remove() && errno != ENOENT)
+        qCWarning(convertLog).noquote() << "Half made and not removed:" << path << systemErrorText(errno);
+}
+
+/// What a program left that could not write anything holds nothing that anybody could want.
+void Conversion::removeEmptyOutput() const
+{
+    const std::optional<struct stat> now = FolderEntry(outputFile()).facts();
+    if (now && S_ISREG(now->st_mode) && now->st_size == 0 && !outputExisted())
+        removeHalfMade(outputFile());
 }
 
 void Conversion::showStatus(const QString &text)
@@ -293,7 +314,7 @@ void Conversion::noteLostTags(const QString &reason)
 void Conversion::noteComplete()
 {
     if (m_replaced && hasMadeOutput())
-        m_replaced->passOnPermissions();
+        m_replaced->passOnPermissions(m_since);
     if (m_hasBegunOutput && m_batch && m_batch->journal && !m_task.error() && !m_task.cancelled())
         m_batch->journal->markEnded(outputFile());
 }
@@ -365,6 +386,7 @@ void Conversion::settleOutput()
         }
         m_replaced.reset();
     }
+    removeEmptyOutput();
     if (m_batch && m_batch->journal)
         m_batch->journal->markEnded(outputFile());
     if (!hasMadeOutput())

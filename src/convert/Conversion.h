@@ -86,8 +86,9 @@ protected:
     [[nodiscard]] bool hasMadeOutput() const;
     /// Whether what has the output's name is another file than before, empty or not.
     [[nodiscard]] bool hasTouchedOutput() const;
-    /// Removes a file that is not what its name says, with a line in the log if it stays.
-    static void removeHalfMade(const QString &path);
+    /// Removes a file of the output's folder that is not what its name says, with a line in the log if it
+    /// stays: a folder, or one in a folder that has the other's name now, does.
+    void removeHalfMade(const QString &path) const;
 
     /// Shows the next status line.
     void showStatus(const QString &text);
@@ -136,7 +137,8 @@ protected:
     void dropResultsUnlessFailed();
 
 private:
-    [[nodiscard]] std::optional<QString> linkInTheWay() const;
+    [[nodiscard]] std::optional<QString> somethingInTheWay() const;
+    void removeEmptyOutput() const;
     void lookAtOutput();
     /// What holds for every job that has come to its end.
     void noteEnding();
@@ -156,6 +158,8 @@ private:
     SourceRetirement m_retirement;
     std::unique_ptr<ReplacedFile> m_replaced;
     std::optional<struct stat> m_outputBefore;
+    std::optional<struct stat> m_outputFolder; ///< when the output was taken
+    timespec m_since = {};                     ///< then, too
     bool m_hasBegunOutput = false;
     bool m_isDamaged = false;
     bool m_hasDeletedSource = false;

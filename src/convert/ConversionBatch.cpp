@@ -13,13 +13,13 @@ using namespace Qt::StringLiterals;
 
 namespace nurv {
 
-ConversionBatch::ConversionBatch(const OriginalsControls &controls, bool deletesOriginals, bool makesFolders)
+ConversionBatch::ConversionBatch(const OriginalsControls &controls, bool deletesOriginals, const QString &foldersBelow)
     : m_deletesOriginals(deletesOriginals)
 {
     m_batch->existingOutputs = controls.existingOutputs;
     m_batch->provesBeforeDeleting = controls.proveButton.isOn();
     m_batch->dropsMetadata = controls.dropMetadataButton.isOn();
-    m_batch->makesFolders = makesFolders;
+    m_batch->foldersBelow = foldersBelow;
 }
 
 bool ConversionBatch::add(const std::shared_ptr<Conversion> &conversion)

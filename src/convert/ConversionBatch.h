@@ -20,8 +20,9 @@ class NURVTaskQueue;
 /// thread.
 class ConversionBatch {
 public:
-    /// `makesFolders`: the folders of the outputs are made where they are missing.
-    ConversionBatch(const OriginalsControls &controls, bool deletesOriginals, bool makesFolders);
+    /// `foldersBelow`: the folder below which those of the outputs are made where they are missing; empty
+    /// when none is.
+    ConversionBatch(const OriginalsControls &controls, bool deletesOriginals, const QString &foldersBelow);
 
     /// Takes a conversion in. False: its output exists already and is to be passed over, so
     /// the job is not one of the batch.

@@ -6,6 +6,7 @@
 #include "app/TemporaryNames.h"
 #include "convert/ConvertLog.h"
 #include "platform/FileFacts.h"
+#include "platform/FileRename.h"
 #include "platform/GuiThread.h"
 #include "platform/NurvFailure.h"
 #include "platform/WorkerThreads.h"
@@ -67,33 +68,19 @@ void ConversionTask::startTask()
 void ConversionTask::completeStop()
 {
     takeIntermediateFile();
-    runHook([this] { finishOutput(); });
-    removeHalfMadeFiles();
-    if (cancelled() || error() || !programSucceeded())
+    if (!hasRun() || !isThere(outputFile())) {
+        removeHalfMadeFiles();
         finishStop();
-    else
-        startExamination();
-}
-
-void ConversionTask::takeIntermediateFile()
-{
-    const QString made = intermediateFile();
-    if (made.isEmpty() || !hasRun() || m_intermediateExisted || !isThere(made))
         return;
-    if (programSucceeded() && !isThere(outputFile()) && QFile::rename(made, outputFile()))
-        return;
-    removeHalfMade(made);
-}
-
-void ConversionTask::startExamination()
-{
-    noteComplete();
-    // The disk may take its time, and so does a proof, so a worker does both; until then
+    }
+    // The disk may take its time, and so do tags and a proof, so a worker does all; until then
     // the job stays active. When the application ends meanwhile, the source simply stays.
     const auto self = std::static_pointer_cast<ConversionTask>(shared_from_this());
     try {
         workerThreads::start([task = self]() mutable {
-            const SourceRetirement::Verdict verdict = task->examineOutput();
+            task->finishMadeOutput();
+            const SourceRetirement::Verdict verdict =
+                task->programSucceeded() ? task->examineOutput() : SourceRetirement::Verdict();
             // When the application ends meanwhile, nobody else does.
             if (task->cancelled())
                 task->settleOutput();
@@ -103,8 +90,27 @@ void ConversionTask::startExamination()
         });
     } catch (const std::system_error &failure) {
         qCWarning(convertLog, "The output was not examined: %s", failure.what());
+        finishMadeOutput();
         takeExamination({.failure = {}, .keeping = u"its output could not be examined"_s});
     }
+}
+
+void ConversionTask::finishMadeOutput()
+{
+    runHook([this] { finishOutput(); });
+    removeHalfMadeFiles();
+    if (programSucceeded() && !cancelled() && !error())
+        noteComplete();
+}
+
+void ConversionTask::takeIntermediateFile()
+{
+    const QString made = intermediateFile();
+    if (made.isEmpty() || !hasRun() || m_intermediateExisted || !isThere(made))
+        return;
+    if (programSucceeded() && renameToFreeName(QFile::encodeName(made), QFile::encodeName(outputFile())))
+        return;
+    removeHalfMade(made);
 }
 
 void ConversionTask::takeExamination(const SourceRetirement::Verdict &verdict)

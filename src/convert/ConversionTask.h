@@ -58,7 +58,8 @@ private:
     void removeHalfMadeFiles() const;
     /// Gives what a program has made under another name the output's one.
     void takeIntermediateFile();
-    void startExamination();
+    /// With its tags, or without what a failed program has left. Blocks; a worker where there is one.
+    void finishMadeOutput();
     void takeExamination(const SourceRetirement::Verdict &verdict);
     void finishStop();
 

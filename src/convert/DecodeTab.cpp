@@ -71,7 +71,7 @@ void DecodeTab::executeCommand()
 void DecodeTab::queueTasks(const std::optional<QString> &chosenFolder)
 {
     const bool keepsFolders = chosenFolder && originals.keepFoldersButton.isOn();
-    ConversionBatch batch(originals, deleteOriginalsButton.isOn(), keepsFolders);
+    ConversionBatch batch(originals, deleteOriginalsButton.isOn(), keepsFolders ? *chosenFolder : QString());
     for (const QString &source : fileNames()) {
         const QString folder = !chosenFolder  ? folderOf(source)
                                : keepsFolders ? joinPath(*chosenFolder, relativeFolderOf(source))

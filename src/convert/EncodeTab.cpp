@@ -195,7 +195,8 @@ std::shared_ptr<NURVTask> EncodeTab::ffpTask(const Batch &batch) const
 
 void EncodeTab::queueTasks(const Batch &batch)
 {
-    ConversionBatch conversions(originals, deleteOriginalsButton.isOn(), batch.chosenFolder && batch.keepsFolders);
+    const QString foldersBelow = batch.keepsFolders ? batch.chosenFolder.value_or(QString()) : QString();
+    ConversionBatch conversions(originals, deleteOriginalsButton.isOn(), foldersBelow);
     for (const QString &source : fileNames()) {
         const std::shared_ptr<Conversion> conversion = makeConversion(batch, source);
         if (conversion && conversions.add(conversion) && (batch.format == u"SHN" || batch.format == u"FLAC"))

@@ -175,8 +175,7 @@ void TwoStageTask::settle()
         settleHalfMadeOutput();
     if (m_failsAtStop && !cancelled())
         setError(true);
-    if (!cancelled() && !error() && !hasMadeOutput())
-        failWith(u"%1: its program made no output\n"_s.arg(fileName()));
+    failWithoutOutput();
     try {
         cleanup();
     } catch (const NurvFailure &failure) {
@@ -184,8 +183,16 @@ void TwoStageTask::settle()
     } catch (const std::exception &failure) {
         failWith(QString::fromUtf8(failure.what()));
     }
+    // It may have gone while its tags were copied.
+    failWithoutOutput();
     examineOnce();
     settleOutput();
+}
+
+void TwoStageTask::failWithoutOutput()
+{
+    if (!cancelled() && !error() && !hasMadeOutput())
+        failWith(u"%1: its program made no output\n"_s.arg(fileName()));
 }
 
 void TwoStageTask::examineOnce()

@@ -82,6 +82,7 @@ private:
     void takeEnding(const ToolStage &stage, const ToolRunSync::Ending &ending);
     void settle();
     void settleHalfMadeOutput();
+    void failWithoutOutput();
     void examineOnce();
 
     QString m_outputPath;

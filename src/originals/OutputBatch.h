@@ -28,8 +28,8 @@ struct OutputBatch {
     ExistingOutputs existingOutputs = ExistingOutputs::AsTold;
     bool provesBeforeDeleting = true;
     bool dropsMetadata = false;
-    /// The folders of the outputs are made where they are missing.
-    bool makesFolders = false;
+    /// Below this folder the folders of the outputs are made where they are missing; empty: none is made.
+    QString foldersBelow;
     /// Null in a batch that notes nothing.
     std::shared_ptr<OutputJournal> journal;
 };

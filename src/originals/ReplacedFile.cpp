@@ -67,10 +67,10 @@ ReplacedFile::~ReplacedFile()
     }
 }
 
-void ReplacedFile::passOnPermissions() const
+void ReplacedFile::passOnPermissions(const timespec &since) const
 {
     const std::optional<struct stat> former = factsOf(m_aside);
-    if (former && !FolderEntry(m_path).changeMode(former->st_mode & 0777))
+    if (former && !FolderEntry(m_path).changeMode(former->st_mode & 0777, since))
         qCWarning(originalsLog).noquote() << "Permissions not kept:" << m_path << systemErrorText(errno);
 }
 

@@ -6,6 +6,8 @@
 
 #include <memory>
 
+#include <time.h>
+
 namespace nurv {
 
 class OutputJournal;
@@ -26,9 +28,9 @@ public:
     ReplacedFile(const ReplacedFile &) = delete;
     ReplacedFile &operator=(const ReplacedFile &) = delete;
 
-    /// Gives its permissions to the file that has its name now, with a line in the log when
-    /// that cannot be done. Before that file is examined.
-    void passOnPermissions() const;
+    /// Gives its permissions to the file that has its name now, which was made after `since`,
+    /// with a line in the log when that cannot be done. Before that file is examined.
+    void passOnPermissions(const timespec &since) const;
     /// Deletes it or moves it to the trash, as the setting "trashOrDelete" says. Throws
     /// NurvFailure, which names where it stays, when it cannot be removed.
     void retire();

@@ -6,8 +6,6 @@
 #include "journal/OutputJournal.h"
 #include "originals/OriginalsLog.h"
 #include "platform/FileFacts.h"
-#include "platform/FileRename.h"
-#include "platform/FolderEntry.h"
 #include "platform/NurvFailure.h"
 #include "platform/SystemError.h"
 
@@ -44,11 +42,12 @@ mode_t maskOfNewFiles()
 
 } // namespace
 
-StageFile::StageFile(const QString &folder, const QString &extension)
+StageFile::StageFile(const QString &folder, const QString &extension) : m_since(FolderEntry::now())
 {
     try {
         m_path = Util::generateTempFileName(folder, extension);
         OutputJournal::noteTemporary(m_path);
+        m_entry.emplace(m_path);
     } catch (const NurvFailure &failure) {
         throw NurvFailure(u"%1: %2\n"_s.arg(folder, failure.reason()));
     }
@@ -58,7 +57,7 @@ StageFile::~StageFile()
 {
     if (m_path.isEmpty())
         return;
-    if (QFile::exists(m_path) && !QFile::remove(m_path))
+    if (!m_entry->remove() && errno != ENOENT)
         qCWarning(originalsLog).noquote() << "Temporary and not removed:" << m_path;
     else
         OutputJournal::forgetTemporary(m_path);
@@ -67,7 +66,7 @@ StageFile::~StageFile()
 void StageFile::grantUsualAccess() const
 {
     constexpr mode_t kReadAndWriteByAll = 0666;
-    if (!FolderEntry(m_path).changeMode(kReadAndWriteByAll & ~maskOfNewFiles()))
+    if (!m_entry->changeMode(kReadAndWriteByAll & ~maskOfNewFiles(), m_since))
         qCWarning(originalsLog).noquote() << "Readable by its owner only:" << m_path << systemErrorText(errno);
 }
 
@@ -81,7 +80,7 @@ void StageFile::giveUp()
 void StageFile::place(const QString &path)
 {
     grantUsualAccess();
-    if (!renameToFreeName(QFile::encodeName(m_path), QFile::encodeName(path)))
+    if (!m_entry->moveTo(QFile::encodeName(path)))
         throw NurvFailure(u"%1 could not be made: %2\n"_s.arg(path, systemErrorText(errno)));
 }
 

@@ -2,7 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/FolderEntry.h"
+
 #include <QString>
+
+#include <optional>
+
+#include <time.h>
 
 namespace nurv {
 
@@ -28,6 +34,8 @@ public:
 
 private:
     QString m_path;
+    timespec m_since;
+    std::optional<FolderEntry> m_entry; ///< in the folder that the file was made in
 };
 
 } // namespace nurv

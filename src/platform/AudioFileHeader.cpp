@@ -9,6 +9,7 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 
@@ -212,8 +213,9 @@ AudioFileStatus AudioFileHeader::open(const QString &path, QString &reason, Edit
     container->format_probesize = kProbeSize;
     container->probesize = kProbeSize;
     container->max_streams = kMostStreams;
-    // A header whose own checksum is wrong is no header.
-    if (kinds == Kinds::All)
+    // A header whose own checksum is wrong is no header. FLAC's has none, and its reader would refuse the
+    // file for a picture.
+    if (kinds == Kinds::All && !isFlac())
         container->error_recognition = AV_EF_CRCCHECK | AV_EF_EXPLODE;
     AVDictionary *options = nullptr;
     if (edits == Edits::LeftToCaller)
@@ -299,6 +301,12 @@ std::optional<std::int64_t> AudioFileHeader::declaredWavBytes() const
     if (size == 0)
         return isFinished ? 0 : available;
     return size >= kStreamedWavSize && size > available ? available : size;
+}
+
+bool AudioFileHeader::isFlac() const
+{
+    std::array<char, 4> mark = {};
+    return byteReader()(0, mark.data(), mark.size()) && std::memcmp(mark.data(), "fLaC", mark.size()) == 0;
 }
 
 Mpeg4Timing::ReadAt AudioFileHeader::byteReader() const

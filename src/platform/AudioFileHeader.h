@@ -87,6 +87,7 @@ private:
     void measure();
     void lookForMoreSound();
     [[nodiscard]] std::optional<std::int64_t> declaredWavBytes() const;
+    [[nodiscard]] bool isFlac() const;
     [[nodiscard]] Mpeg4Timing::ReadAt byteReader() const;
     [[nodiscard]] bool measureOneEdit();
     static int readBytes(void *self, std::uint8_t *buffer, int size);

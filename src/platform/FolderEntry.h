@@ -11,6 +11,7 @@
 
 #include <sys/stat.h>
 #include <sys/types.h>
+#include <time.h>
 
 namespace nurv {
 
@@ -22,6 +23,8 @@ public:
     explicit FolderEntry(const QString &path);
 
     [[nodiscard]] bool isFolderOpen() const { return m_folder.isOpen(); }
+    /// What the system tells of the folder; nothing when it could not be opened.
+    [[nodiscard]] std::optional<struct stat> folderFacts() const;
 
     /// What the system tells of the name itself, a link included; nothing without one.
     [[nodiscard]] std::optional<struct stat> facts() const;
@@ -34,8 +37,13 @@ public:
     [[nodiscard]] bool remove() const;
     /// Gives it another name on the same file system that nothing has; see renameToFreeName.
     [[nodiscard]] bool moveTo(const QByteArray &path) const;
-    /// Changes the permissions of a regular file of this user, of no link.
-    [[nodiscard]] bool changeMode(mode_t mode) const;
+    /// Changes the permissions of a regular file of this user, of no link. Of one that has other
+    /// names as well, or that came into being before `since`, they are not widened: somebody may
+    /// have put it here for that. Where the file system does not tell when, they are.
+    [[nodiscard]] bool changeMode(mode_t mode, const timespec &since) const;
+
+    /// For `changeMode`: now, by the clock of file systems.
+    [[nodiscard]] static timespec now();
 
 private:
     FileDescriptor m_folder;

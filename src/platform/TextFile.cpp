@@ -51,8 +51,9 @@ QByteArray resolved(const QByteArray &path)
 
 bool writeInPlace(const QByteArray &path, const QByteArray &contents, QString *reason)
 {
-    FileDescriptor file(::open(path.constData(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
-    if (!file.isOpen() || !writeAll(file.get(), contents) || !file.close())
+    // Non-blocking until it is open: nobody may be reading from a pipe.
+    FileDescriptor file(::open(path.constData(), O_WRONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+    if (!file.isOpen() || ::fcntl(file.get(), F_SETFL, 0) != 0 || !writeAll(file.get(), contents) || !file.close())
         return failWithErrno(reason);
     return true;
 }
@@ -149,19 +150,18 @@ bool writeTextFileAtomically(const QString &path, const QString &text, QString *
 
 bool writeFileAtomically(const QString &path, const QByteArray &contents, QString *reason, LinkAtName link)
 {
-    const bool isReplaced = link == LinkAtName::Replaced && isLink(path);
     const QByteArray name = QFile::encodeName(path);
-    const QByteArray target = isReplaced ? name : resolved(name);
+    const QByteArray target = link == LinkAtName::Followed ? resolved(name) : name;
     struct stat old = {};
-    const bool exists = !isReplaced && ::stat(target.constData(), &old) == 0;
-    if (exists && S_ISDIR(old.st_mode)) {
+    const bool isThere = ::lstat(target.constData(), &old) == 0;
+    if (isThere && S_ISDIR(old.st_mode)) {
         errno = EISDIR;
         return failWithErrno(reason);
     }
-    if (exists && !S_ISREG(old.st_mode))
+    if (isThere && !S_ISREG(old.st_mode) && link == LinkAtName::Followed)
         return writeInPlace(target, contents, reason);
 
-    if (!exists && !isReplaced) {
+    if (!isThere) {
         if (writeUnnamed(target, contents)) {
             flushFolderOf(target);
             return true;
@@ -169,6 +169,8 @@ bool writeFileAtomically(const QString &path, const QByteArray &contents, QStrin
         if (errno != EOPNOTSUPP && errno != EEXIST)
             return failWithErrno(reason);
     }
+    // What is no file makes way as it is, and gives its permissions to nobody.
+    const bool exists = isThere && S_ISREG(old.st_mode);
     // The kernel applies the umask to a new file; one that takes the place of
     // another is readable by the owner only until it has the other's permissions.
     QByteArray neighbour;

@@ -14,9 +14,9 @@ namespace nurv {
 /// that the system reads comes near that). `reason`, when given, receives why.
 [[nodiscard]] std::optional<QString> readTextFile(const QString &path, QString *reason = nullptr);
 
-/// What becomes of a symbolic link that has the name of a file to be written.
+/// What becomes of a symbolic link, pipe or device that has the name of a file to be written.
 enum class LinkAtName {
-    Followed, ///< a file that the user has named: what it leads to is written
+    Followed, ///< a file that the user has named: what it leads to, or is, is written
     Replaced, ///< a name that was made up in somebody's folder: it makes way
 };
 
@@ -26,7 +26,7 @@ enum class LinkAtName {
 
 /// Replaces the contents of `path`: written beside it, flushed to the disk,
 /// renamed over it. An existing file keeps its permissions,
-/// a device or pipe is simply written to. Returns false on failure, with the
+/// a device, or a pipe that somebody reads, is simply written to unless it makes way. Returns false on failure, with the
 /// system's text in `reason`; the old contents are then untouched and nothing is
 /// left beside them. Blocks until the disk has the bytes.
 [[nodiscard]] bool writeFileAtomically(const QString &path, const QByteArray &contents, QString *reason = nullptr,

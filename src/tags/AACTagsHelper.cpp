@@ -262,7 +262,7 @@ public:
                     << m_path << "is kept as" << QFile::decodeName(std::exchange(m_keptName, {}));
         }
         // Programs make new files, which all may read.
-        if (!FolderEntry(m_path).changeMode(m_facts.st_mode & 07777))
+        if (!FolderEntry(m_path).changeMode(m_facts.st_mode & 07777, m_since))
             qCWarning(tagsLog).noquote() << "Permissions not kept:" << m_path << systemErrorText(errno);
     }
 
@@ -272,6 +272,7 @@ private:
     QByteArray m_keptName;
     NotedTemporary m_note;
     struct stat m_facts = {};
+    timespec m_since = FolderEntry::now();
     bool m_isKept = false;
 };
 

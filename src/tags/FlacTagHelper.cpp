@@ -2,7 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tags/FlacTagHelper.h"
 
+#include "app/PathNames.h"
+#include "app/TemporaryNames.h"
 #include "engine/NSTaskWrapperSync.h"
+#include "platform/FileFacts.h"
+#include "platform/NurvFailure.h"
 #include "platform/ResourceFolder.h"
 #include "platform/TextNumbers.h"
 #include "tags/TagsLog.h"
@@ -23,6 +27,24 @@ QString runMetaflac(const QStringList &arguments)
     // other locale it would replace the characters that the locale lacks.
     task.environment().insert(u"LC_ALL"_s, u"C.UTF-8"_s);
     return task.runTask();
+}
+
+/// Right before and after it writes: metaflac works in a file of a fixed name beside its target, wherever a link of
+/// that name leads.
+void writeByMetaflac(const QString &path, const QStringList &arguments)
+{
+    const QString scratch = path + kMetaflacScratchSuffix.toString();
+    if (isThere(scratch))
+        throw NurvFailure(u"%1 is there already, and has the name of a temporary file of metaflac"_s.arg(
+            lastPathComponent(scratch)));
+    const bool wasThere = factsOf(path).has_value();
+    const bool wasLink = isLink(path);
+    runMetaflac(arguments);
+    const std::optional<struct stat> now = factsOf(path);
+    if (!wasThere)
+        return;
+    if (!now || !S_ISREG(now->st_mode) || isLink(path) != wasLink)
+        throw NurvFailure(u"%1 is no file any more after metaflac has worked on it"_s.arg(lastPathComponent(path)));
 }
 
 } // namespace
@@ -79,7 +101,7 @@ TagsObject FlacTagHelper::tagsForFile(const QString &path)
 
 void FlacTagHelper::removeTagForFile(const QString &path, QStringView tagKey)
 {
-    runMetaflac(removeTagArguments(path, tagKey));
+    writeByMetaflac(path, removeTagArguments(path, tagKey));
 }
 
 void FlacTagHelper::writeTagForFile(const QString &path, QStringView tagKey, const std::optional<QString> &tagValue,
@@ -96,7 +118,7 @@ void FlacTagHelper::writeTagForFile(const QString &path, QStringView tagKey, con
         return;
     }
     removeTagForFile(path, tagKey);
-    runMetaflac(setArguments);
+    writeByMetaflac(path, setArguments);
 }
 
 void FlacTagHelper::writeTagsForFile(const QString &path, const TagsObject &tagObject, bool writeEmptyTags)

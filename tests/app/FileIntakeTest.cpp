@@ -175,6 +175,16 @@ TEST(FileIntake, FollowsLinksToFilesButLeavesNoGivenFolderByALink)
     EXPECT_THAT(collectedFrom(disc).accepted, ElementsAre(folder.path(u"disc/song.flac"_s))) << "it was given itself";
 }
 
+TEST(FileIntake, NamesFilesOfInterestThatAreCalledAsTemporaryOnesAre)
+{
+    const test::TestFolder folder;
+    folder.write(u"one.flac"_s, "x");
+    const QString hidden = folder.write(u"disc/Nurv-00000000-abcdefgh.flac"_s, "x");
+    const FileIntake intake = collectedFrom(folder.path());
+    EXPECT_THAT(intake.accepted, ElementsAre(folder.path(u"one.flac"_s)));
+    EXPECT_THAT(intake.temporaryFiles, ElementsAre(hidden));
+}
+
 TEST(FileIntake, NamesFilesWhoseNamesAreNoUtf8)
 {
     const test::TestFolder folder;
@@ -300,6 +310,18 @@ TEST(UnreadableAlert, NamesFilesAndFolders)
               u"File names that are not valid UTF-8:\n/m/caf\\xE9.flac\n\nFolders that cannot be read:\n/m/locked\n/m/gone"
               "\n\nFiles that cannot be reached:\n/m/far.flac"_s);
     EXPECT_THAT(alert->buttons, ElementsAre(u"OK"_s));
+}
+
+TEST(UnreadableAlert, NamesWhatWasPassedOver)
+{
+    FileIntake intake;
+    intake.linkedFolders = {u"/m/link"_s};
+    intake.temporaryFiles = {u"/m/Nurv-00000000-abcdefgh.wav"_s};
+    const std::optional<Alert> alert = unreadableAlert(intake);
+    ASSERT_TRUE(alert.has_value());
+    EXPECT_EQ(alert->title, u"Some files were skipped"_s);
+    EXPECT_EQ(alert->message, u"Links to folders, which are not followed:\n/m/link\n\n"
+                              "Files with the names of temporary ones:\n/m/Nurv-00000000-abcdefgh.wav"_s);
 }
 
 TEST(UnreadableAlert, ShowsTheBeginningOfALongList)

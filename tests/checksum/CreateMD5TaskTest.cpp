@@ -100,6 +100,17 @@ TEST_F(CreateMD5TaskTest, ShowsTheFileInWorkAndTheShareDone)
     EXPECT_TRUE(finish());
 }
 
+TEST_F(CreateMD5TaskTest, LetsNoNameBeginAnEntryOfItsOwn)
+{
+    const QString forged = u"x\n"_s + kDigestOfAbc + u" *evil.wav\ny.wav"_s;
+    const QStringList files{folder.write(u"a.wav"_s, "abc"), folder.write(forged, ""), folder.write(u"b\r.wav"_s, "")};
+    const auto task = make(files, folder.path(u"md5sum.md5"_s));
+    run(task);
+    EXPECT_EQ(entriesOf(u"md5sum.md5"_s), kDigestOfAbc + u" *a.wav\n"_s);
+    EXPECT_EQ(task->warnings(), (QStringList{files[1] + u" is not in the list: its name holds a line break"_s,
+                                             files[2] + u" is not in the list: its name holds a line break"_s}));
+}
+
 TEST_F(CreateMD5TaskTest, ReplacesAnOlderList)
 {
     folder.write(u"md5sum.md5"_s, QByteArray(5000, 'x'));

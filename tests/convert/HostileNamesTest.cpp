@@ -101,6 +101,62 @@ TEST_F(HostileNamesTest, NoTemporaryNameOfAProgramMayBeALink)
     }
 }
 
+TEST_F(HostileNamesTest, NoTemporaryNameOfAProgramMayBeAFile)
+{
+    EncodeTab tab(controller);
+    tab.sourceEncodeButton.setOn(true);
+    ASSERT_TRUE(tab.outputFormatMatrix.selectTitle(u"FLAC"_s));
+    for (const QString &name : {u"01.flac.metadata_edit"_s, u"01.flac.tmp,fl-ac+en'c"_s}) {
+        folder.write(name, "somebody's");
+        runBeside(tab, {source(u"M4A"_s)});
+        ASSERT_FALSE(endedTasks.empty());
+        EXPECT_TRUE(endedTasks.back()->error());
+        EXPECT_TRUE(endedTasks.back()->report().contains(name)) << qPrintable(endedTasks.back()->report());
+        EXPECT_EQ(folder.read(name), "somebody's");
+        EXPECT_FALSE(folder.exists(u"01.flac"_s));
+        folder.remove(name);
+    }
+}
+
+TEST_F(HostileNamesTest, NoLinkThatComesWhileAnEncoderRunsIsWrittenThrough)
+{
+    const QString victim = outside.write(u"precious"_s, "somebody's");
+    const QString link = folder.path(u"01.flac.metadata_edit"_s);
+    const QString m4a = source(u"M4A"_s);
+    const test::ToolFolder tools;
+    tools.addAllReal();
+    const QByteArray flac = QFileInfo(tools.path(u"flac"_s)).canonicalFilePath().toUtf8();
+    tools.remove(u"flac"_s);
+    tools.addFake(u"flac"_s, "link=" + victim.toUtf8() + ':' + link.toUtf8() + ";exec=" + flac);
+    EncodeTab tab(controller);
+    tab.sourceEncodeButton.setOn(true);
+    ASSERT_TRUE(tab.outputFormatMatrix.selectTitle(u"FLAC"_s));
+    runBeside(tab, {m4a});
+    EXPECT_EQ(outside.read(u"precious"_s), "somebody's");
+    ASSERT_EQ(endedTasks.size(), 1U);
+    EXPECT_TRUE(endedTasks[0]->report().contains(u"has the name of a temporary file of metaflac"_s))
+        << qPrintable(endedTasks[0]->report());
+    EXPECT_TRUE(QFileInfo(link).isSymLink());
+}
+
+TEST_F(HostileNamesTest, NoFolderOfAnOutputMayBeALink)
+{
+    EncodeTab tab(controller);
+    ASSERT_TRUE(tab.outputFormatMatrix.selectTitle(u"FLAC"_s));
+    tab.originals.keepFoldersButton.setOn(true);
+    folder.makeFolder(u"show"_s);
+    test::writeWav(folder.path(u"show/01.wav"_s));
+    const QString link = out.makeLink(u"show"_s, outside.path());
+    prompts.expectOutputFolder(out.path());
+    tab.addFiles({folder.path(u"show"_s)});
+    tab.executeCommand();
+    ASSERT_TRUE(finish());
+    ASSERT_EQ(endedTasks.size(), 1U);
+    EXPECT_TRUE(endedTasks[0]->report().contains(u"its folder %1 is a link"_s.arg(link)))
+        << qPrintable(endedTasks[0]->report());
+    EXPECT_EQ(outside.list(), QStringList());
+}
+
 TEST_F(HostileNamesTest, NoFileOnTheWayMayBeALink)
 {
     // shntool names what it makes by itself: "01.SHN" becomes "01.SHN.wav".

@@ -123,6 +123,7 @@ TEST_F(TwoStageTaskTest, FailsWithoutAnOutputWhateverTheProgramSays)
         EXPECT_TRUE(task->error()) << qPrintable(format);
         EXPECT_TRUE(task->report().contains(u"made no output"_s)) << qPrintable(task->report());
         EXPECT_TRUE(folder.exists(u"a.wav"_s));
+        EXPECT_EQ(out.list(), QStringList()) << "an empty file is none either";
     }
 }
 

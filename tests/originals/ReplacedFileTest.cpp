@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "originals/ReplacedFile.h"
 
+#include "platform/FolderEntry.h"
+
 #include "journal/OutputJournal.h"
 #include "platform/NurvFailure.h"
 #include "platform/SettingsStore.h"
@@ -81,9 +83,10 @@ TEST_F(ReplacedFileTest, NeverTakesTheNameFromAnotherFile)
 TEST_F(ReplacedFileTest, GoesForGoodOnceTheNewFileStands)
 {
     ASSERT_EQ(::chmod(QFile::encodeName(path).constData(), 0640), 0);
+    const timespec start = FolderEntry::now();
     ReplacedFile replaced(path, journal);
     folder.write(u"a.tta"_s, "new");
-    replaced.passOnPermissions();
+    replaced.passOnPermissions(start);
     replaced.retire();
     EXPECT_EQ(folder.list(), QStringList{u"a.tta"_s});
     EXPECT_EQ(folder.read(u"a.tta"_s), "new");

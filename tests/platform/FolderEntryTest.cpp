@@ -13,6 +13,8 @@
 
 #include <cerrno>
 
+#include <unistd.h>
+
 using namespace Qt::StringLiterals;
 
 namespace nurv {
@@ -26,6 +28,7 @@ struct FolderEntryTest : ::testing::Test {
         folder.makeLink(u"music"_s, folder.path(u"private"_s));
     }
 
+    const timespec start = FolderEntry::now();
     test::TestFolder folder;
     const QString song = folder.write(u"music/01.wav"_s, "sound");
     const QString secret = folder.write(u"private/01.wav"_s, "secret");
@@ -63,14 +66,31 @@ TEST_F(FolderEntryTest, LooksIntoTheFolderThatWasOpened)
 
 TEST_F(FolderEntryTest, ChangesThePermissionsOfAFileAndOfNoLink)
 {
-    EXPECT_TRUE(FolderEntry(song).changeMode(0640));
+    EXPECT_TRUE(FolderEntry(song).changeMode(0640, start));
     EXPECT_EQ(factsOf(song)->st_mode & 0777U, 0640U);
-    ASSERT_TRUE(FolderEntry(secret).changeMode(0600));
+    ASSERT_TRUE(FolderEntry(secret).changeMode(0600, start));
     const QString link = folder.makeLink(u"music/link"_s, secret);
-    EXPECT_FALSE(FolderEntry(link).changeMode(0644));
+    EXPECT_FALSE(FolderEntry(link).changeMode(0644, start));
     EXPECT_EQ(errno, ELOOP);
-    EXPECT_FALSE(FolderEntry(folder.path(u"music"_s)).changeMode(0777));
+    EXPECT_FALSE(FolderEntry(folder.path(u"music"_s)).changeMode(0777, start));
     EXPECT_EQ(factsOf(secret)->st_mode & 0777U, 0600U);
+}
+
+TEST_F(FolderEntryTest, OpensNoFileThatWasPutInThePlaceOfAnother)
+{
+    ASSERT_TRUE(FolderEntry(secret).changeMode(0600, start));
+    // Later than any file of this test, on file systems with coarse clocks too.
+    timespec later = FolderEntry::now();
+    ++later.tv_sec;
+    ASSERT_TRUE(QFile::remove(song));
+    ASSERT_TRUE(QFile::rename(secret, song));
+    EXPECT_FALSE(FolderEntry(song).changeMode(0644, later)) << "it is older than what it stands in for";
+    EXPECT_EQ(factsOf(song)->st_mode & 0777U, 0600U);
+    EXPECT_TRUE(FolderEntry(song).changeMode(0400, later)) << "nobody gains by that";
+
+    ASSERT_EQ(::link(qPrintable(song), qPrintable(secret)), 0);
+    EXPECT_FALSE(FolderEntry(song).changeMode(0644, start)) << "it is somebody's under another name, too";
+    EXPECT_EQ(factsOf(secret)->st_mode & 0777U, 0400U);
 }
 
 TEST_F(FolderEntryTest, TellsWhenThereIsNoFolder)

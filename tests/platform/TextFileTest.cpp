@@ -2,17 +2,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/TextFile.h"
 
+#include "platform/FileDescriptor.h"
 #include "support/TestFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <QFile>
+#include <QFileInfo>
 
+#include <array>
 #include <csignal>
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -125,6 +128,18 @@ TEST(TextFile, TakesThePlaceOfALinkWhereThatIsAskedFor)
     EXPECT_EQ(folder.list(), QStringList{u"real.txt"_s});
 }
 
+TEST(TextFile, TakesThePlaceOfAPipeWhereThatIsAskedFor)
+{
+    const test::TestFolder folder;
+    const QString pipe = folder.path(u"pipe"_s);
+    ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0666), 0);
+    QString reason;
+    EXPECT_TRUE(writeTextFileAtomically(pipe, u"text\n"_s, &reason, LinkAtName::Replaced)) << qPrintable(reason);
+    EXPECT_TRUE(QFileInfo(pipe).isFile());
+    EXPECT_EQ(folder.read(u"pipe"_s), "text\n");
+    EXPECT_EQ(folder.list(), QStringList{u"pipe"_s});
+}
+
 TEST(TextFile, WritesANameOfTheGreatestLength)
 {
     const TestFolder folder;
@@ -139,15 +154,15 @@ TEST(TextFile, WritesThroughAPipe)
     const TestFolder folder;
     const QString pipe = folder.path(u"pipe"_s);
     ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
-    QByteArray received;
-    std::thread reader([&] {
-        QFile file(pipe);
-        if (file.open(QIODevice::ReadOnly))
-            received = file.readAll();
-    });
-    EXPECT_TRUE(writeTextFileAtomically(pipe, u"through"_s));
-    reader.join();
-    EXPECT_EQ(received, QByteArray("through"));
+    QString reason;
+    EXPECT_FALSE(writeTextFileAtomically(pipe, u"nobody reads"_s, &reason)) << "it must not wait for a reader";
+    EXPECT_FALSE(reason.isEmpty());
+    const FileDescriptor reader(::open(QFile::encodeName(pipe).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    ASSERT_TRUE(reader.isOpen());
+    EXPECT_TRUE(writeTextFileAtomically(pipe, u"through"_s, &reason)) << qPrintable(reason);
+    std::array<char, 32> received = {};
+    EXPECT_EQ(::read(reader.get(), received.data(), received.size()), 7);
+    EXPECT_STREQ(received.data(), "through");
     struct stat facts = {};
     ASSERT_EQ(::stat(QFile::encodeName(pipe).constData(), &facts), 0);
     EXPECT_TRUE(S_ISFIFO(facts.st_mode));

@@ -3,6 +3,7 @@
 #include "samples/SoundComparison.h"
 
 #include "SampleFixtures.h"
+#include "support/TestProgram.h"
 
 #include <gtest/gtest.h>
 
@@ -311,4 +312,15 @@ TEST_F(SoundComparisonTest, NeedsNobodyWhoListens)
 }
 
 } // namespace
+TEST_F(SoundComparisonTest, TakesAFlacFileWithAPictureOfAnUnknownKind)
+{
+    const QString wav = write(u"a.wav"_s, samples);
+    const QString flac = writeFlac(folder.path(u"a.flac"_s), kSound);
+    const QString icon = folder.write(u"a.ico"_s, "an icon");
+    const ProgramResult imported = runProgram(
+        u"metaflac"_s, {u"--import-picture-from=3|image/x-icon||16x16x24|"_s + icon, flac});
+    ASSERT_EQ(imported.exitStatus, 0) << imported.errors.constData();
+    expectProven(compare({flac}, {wav}), kSound.frames);
+}
+
 } // namespace nurv

@@ -24,6 +24,7 @@
 //   create=PATH         make an empty file, or cut the file to nothing
 //   append=PATH:BYTES   append the bytes to a file
 //   copy=PATH:PATH      copy a file
+//   link=PATH:PATH      make a symbolic link to the first, with the name of the second
 //   delete=PATH         delete a file
 //   log=PATH            append the arguments as one line, tabs between them
 //   args                print the arguments, one 'arg N: TEXT' a line
@@ -367,6 +368,12 @@ bool actFiles(const std::string &verb, const std::string &value, const std::stri
         if (!fs::copy_file(pathOf(from), pathOf(to), fs::copy_options::overwrite_existing, error)) {
             refuse(step);
         }
+    } else if (verb == "link") {
+        const auto [target, link] = pairOf(value, step);
+        std::error_code error;
+        fs::create_symlink(pathOf(target), pathOf(link), error);
+        if (error)
+            refuse(step);
     } else if (verb == "delete") {
         std::error_code error;
         if (!fs::remove(pathOf(value), error)) {

@@ -2,8 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tags/FlacTagHelper.h"
 
+#include "platform/NurvFailure.h"
 #include "support/AudioFixtures.h"
 #include "support/TestProgram.h"
+#include "support/TestFolder.h"
 #include "support/ToolFolder.h"
 #include "TagFixtures.h"
 
@@ -280,4 +282,41 @@ TEST(FlacTagHelper, GivesEmptyValuesAndLeavesTheFileWithoutMetaflac)
     FlacTagHelper::writeTagForFile(path, FlacTagHelper::kTitle, u"new"_s, false);
     EXPECT_EQ(FlacTagHelper::getFormatInfo(path).sampleRate, 0);
     EXPECT_EQ(folder.read(u"a.flac"_s), before);
+}
+
+TEST(FlacTagHelper, WritesThroughNoLinkWithTheNameOfATemporaryFile)
+{
+    ToolFolder tools;
+    tools.addAllReal();
+    const TestFolder folder;
+    const QString victim = folder.write(u"victim"_s, "somebody's");
+    const QString path = writeFlac(folder.path(u"a.flac"_s));
+    const QByteArray before = folder.read(u"a.flac"_s);
+    // Too long for the room that flac leaves for tags, so that all has to be written anew.
+    const QString comment(30'000, u'c');
+    for (const QString &target : {victim, folder.path(u"nowhere"_s)}) {
+        folder.makeLink(u"a.flac.metadata_edit"_s, target);
+        try {
+            FlacTagHelper::writeTagForFile(path, FlacTagHelper::kComment, comment, false);
+            ADD_FAILURE() << "it went through";
+        } catch (const NurvFailure &failure) {
+            EXPECT_EQ(failure.reason(),
+                      u"a.flac.metadata_edit is there already, and has the name of a temporary file of metaflac"_s);
+        }
+        folder.remove(u"a.flac.metadata_edit"_s);
+    }
+    EXPECT_EQ(folder.read(u"victim"_s), "somebody's");
+    EXPECT_EQ(folder.list(), (QStringList{u"a.flac"_s, u"victim"_s}));
+    EXPECT_EQ(folder.read(u"a.flac"_s), before);
+    FlacTagHelper::writeTagForFile(path, FlacTagHelper::kComment, comment, false);
+    EXPECT_EQ(FlacTagHelper::tagForFile(path, FlacTagHelper::kComment), comment);
+}
+
+TEST(FlacTagHelper, NoticesWhenMetaflacLeavesNoFile)
+{
+    const TestFolder folder;
+    const QString path = writeFlac(folder.path(u"a.flac"_s));
+    ToolFolder tools;
+    tools.addFake(u"metaflac"_s, "delete=@-1");
+    EXPECT_THROW(FlacTagHelper::writeTagForFile(path, FlacTagHelper::kDate, u"1999"_s, false), NurvFailure);
 }
