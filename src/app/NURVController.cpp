@@ -2,14 +2,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/NURVController.h"
 
+#include "app/AppLog.h"
 #include "app/BaseTab.h"
 #include "app/PathNames.h"
 #include "app/UserPrompts.h"
 #include "engine/NURVTaskQueue.h"
 #include "platform/CoreAudioHelper.h"
+#include "platform/NurvFailure.h"
 #include "platform/SettingsStore.h"
 #include "platform/Version.h"
 
+#include <algorithm>
+#include <exception>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -26,6 +30,8 @@ const QString kFix = u"fix SBE"_s;
 const QString kUtil = u"util"_s;
 const QString kTags = u"Tags"_s;
 const QString kLossy = u"lossy"_s;
+
+constexpr qsizetype kMostKindsTold = 20;
 
 QStringList words(const QString &text)
 {
@@ -164,6 +170,11 @@ FileIntake NURVController::collect(const QString &label, const QStringList &path
     found.unreadableNames = all.unreadableNames;
     found.unreadableFolders = all.unreadableFolders;
     found.unreachableFiles = all.unreachableFiles;
+    found.linkedFolders = all.linkedFolders;
+    for (const QString &path : all.temporaryFiles) {
+        if (takesFromFolder(label, path))
+            found.temporaryFiles.append(path);
+    }
     return found;
 }
 
@@ -193,6 +204,7 @@ void NURVController::routeByExtension(const FileIntake &found)
     // Of all the pages that the files select one after the other only the last
     // stays, so only that one is shown.
     QString lastPage;
+    QSet<QString> unknownKinds;
     for (qsizetype i = 0; i < found.accepted.size(); ++i) {
         const QString &path = found.accepted.at(i);
         const QString extension = formatWord(path);
@@ -206,6 +218,9 @@ void NURVController::routeByExtension(const FileIntake &found)
         else if (extensions(kChecksum).contains(extension))
             page = kChecksum;
 
+        // A folder may well hold covers and notes.
+        if (!tab(page) && found.bases.value(i).isEmpty())
+            unknownKinds.insert(extension.isEmpty() ? lastPathComponent(path) : extension);
         if (page.isEmpty()) {
             lastPage = kEncode;
         } else if (tab(page)) {
@@ -217,18 +232,45 @@ void NURVController::routeByExtension(const FileIntake &found)
         tab(it.key())->addMatchedFiles(it.value().accepted, it.value().bases);
     if (!lastPage.isEmpty())
         show(lastPage);
+    if (!unknownKinds.isEmpty() && SettingsStore::instance().boolean(u"warnOnFilesSkipped"_s)) {
+        QStringList kinds = unknownKinds.values();
+        kinds.sort();
+        m_prompts.ask({.title = u"Some files are of kinds that no tab takes and were skipped"_s,
+                       .message = kinds.first(std::min(kinds.size(), kMostKindsTold)).join(u", "_s),
+                       .buttons = {u"OK"_s}});
+    }
     if (const std::optional<Alert> unreadable = unreadableAlert(found))
         m_prompts.ask(*unreadable);
 }
 
-void NURVController::execute(BaseTab &tab)
+bool NURVController::execute(BaseTab &tab)
 {
     ++m_executions;
-    tab.executeCommand();
+    const bool isDone = runAndTell([&tab] { tab.executeCommand(); });
     if (--m_executions > 0)
-        return;
+        return isDone;
+    bool isAllDone = isDone;
     for (const std::function<void()> &change : std::exchange(m_waitingChanges, {}))
-        change();
+        isAllDone = runAndTell(change) && isAllDone;
+    return isAllDone;
+}
+
+/// No exception leaves the handler of an event.
+bool NURVController::runAndTell(const std::function<void()> &action)
+{
+    QString reason;
+    try {
+        action();
+        return true;
+    } catch (const NurvFailure &failure) {
+        reason = failure.reason();
+    } catch (const std::exception &failure) {
+        reason = QString::fromUtf8(failure.what());
+    }
+    qCCritical(appLog).noquote() << "A command was not carried out:" << reason;
+    m_prompts.ask(
+        {.title = u"The command could not be carried out."_s, .message = reason.trimmed(), .buttons = {u"OK"_s}});
+    return false;
 }
 
 void NURVController::whenListsMayChange(const std::function<void()> &change)

@@ -84,7 +84,8 @@ public:
 
     /// Lets the tab execute. Files that arrive before it has returned join their
     /// lists then: the tab walks its list, and clears it, while it asks the user.
-    void execute(BaseTab &tab);
+    /// False when it threw: the reason has been shown, and lists may change again.
+    [[nodiscard]] bool execute(BaseTab &tab);
     /// Runs `change` at once, or after the tab that executes. GUI thread.
     void whenListsMayChange(const std::function<void()> &change);
     /// Whether searches of folders must give up. Any thread.
@@ -109,6 +110,9 @@ private:
     void routeByExtension(const FileIntake &found);
     void show(const QString &label);
     void didSelectTabViewItem();
+
+    /// False when `action` threw: the reason has been shown.
+    [[nodiscard]] bool runAndTell(const std::function<void()> &action);
 
     UserPrompts &m_prompts;
     std::unique_ptr<NURVTaskQueue> m_taskQueue;

@@ -86,7 +86,7 @@ void CreateFFPTask::stopTask()
     // A list that was made has nothing to report: no output window opens for it. The
     // queue reads the set on its own thread.
     if (!error() && warnings().isEmpty())
-        runOnGuiThread([this] { setResults(nullptr); });
+        showOnGuiThread([this] { setResults(nullptr); });
     NURVTask::stopTask();
 }
 

@@ -65,7 +65,7 @@ void CreateMD5Task::stopTask()
     // A list that was made has nothing to report: no output window opens for it. The
     // queue reads the set on its own thread.
     if (!error() && warnings().isEmpty())
-        runOnGuiThread([this] { setResults(nullptr); });
+        showOnGuiThread([this] { setResults(nullptr); });
     NURVTask::stopTask();
 }
 

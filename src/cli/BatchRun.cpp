@@ -3,6 +3,7 @@
 #include "cli/BatchRun.h"
 
 #include "app/BaseTab.h"
+#include "app/NURVController.h"
 #include "cli/Console.h"
 #include "cli/ConsolePrompts.h"
 #include "cli/RowDisplay.h"
@@ -62,7 +63,7 @@ ExitStatus BatchRun::run(BaseTab &tab)
     if (!m_options.report.quiet)
         rows.emplace(m_queue, m_console);
 
-    tab.executeCommand();
+    m_hasExecuted = tab.nurvController().execute(tab);
     m_prompts.setInterruptDescriptor(-1);
     m_report.setSkippedExisting(static_cast<int>(tab.passedOver().size()));
     waitForJobs();
@@ -217,6 +218,8 @@ ExitStatus BatchRun::status() const
     if (m_prompts.outcome() == ConsolePrompts::Outcome::Unanswered)
         return ExitStatus::Usage;
     if (m_prompts.outcome() == ConsolePrompts::Outcome::Declined)
+        return ExitStatus::Failed;
+    if (!m_hasExecuted)
         return ExitStatus::Failed;
     const bool hadNothingToDo = m_addedCount == 0 && counts.skippedExisting == 0;
     return counts.allDone() && !hadNothingToDo ? ExitStatus::Ok : ExitStatus::Failed;

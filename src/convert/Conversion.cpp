@@ -279,7 +279,7 @@ void Conversion::tell(const QString &problem)
         m_batch->toldOfDamage = true;
     if (!m_task.results()) {
         // Where the queue looks at it.
-        runOnGuiThread([this] {
+        showOnGuiThread([this] {
             auto results = std::make_shared<NURVTaskResults>();
             results->addTaskInSet(m_task);
             m_task.setResults(results);
@@ -456,7 +456,7 @@ void Conversion::dropResultsUnlessFailed()
     if (hasToTell() || sharesSetWithDamage())
         return;
     // Where the queue looks at it.
-    runOnGuiThread([this] { m_task.setResults(nullptr); });
+    showOnGuiThread([this] { m_task.setResults(nullptr); });
     m_ownText.clear();
 }
 

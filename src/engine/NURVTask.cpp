@@ -68,7 +68,7 @@ QString NURVTask::report() const
 
 void NURVTask::startTask()
 {
-    runOnGuiThread([this] { doStartTaskOnMainThread(); });
+    showOnGuiThread([this] { doStartTaskOnMainThread(); });
 }
 
 void NURVTask::doStartTaskOnMainThread()
@@ -119,7 +119,7 @@ void NURVTask::stopTask()
 void NURVTask::reportCompletion()
 {
     const std::shared_ptr<NURVTask> self = shared_from_this();
-    runOnGuiThread([self] {
+    showOnGuiThread([self] {
         if (NURVTaskQueue *const queue = self->queue())
             queue->taskCompleted(self);
     });
@@ -163,7 +163,7 @@ void NURVTask::appendResults(const QString &text)
 
 void NURVTask::paint(const std::function<void()> &change)
 {
-    runOnGuiThread([this, &change] {
+    showOnGuiThread([this, &change] {
         change();
         if (m_queue)
             m_queue->rowStateChanged(*this);

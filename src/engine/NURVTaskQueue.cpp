@@ -6,8 +6,11 @@
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskResults.h"
 #include "platform/DesktopServices.h"
+#include "platform/GuiThread.h"
 #include "platform/NotificationCenter.h"
 #include "platform/SettingsStore.h"
+
+#include <QScopeGuard>
 
 #include <algorithm>
 #include <exception>
@@ -39,23 +42,68 @@ NURVTaskQueue::NURVTaskQueue(DesktopServices &services, QObject *parent)
 
 NURVTaskQueue::~NURVTaskQueue() = default;
 
+void NURVTaskQueue::underLock(const std::function<void()> &work)
+{
+    try {
+        const std::scoped_lock lock(m_lock);
+        m_isLocked = true;
+        const auto unlock = qScopeGuard([this] { m_isLocked = false; });
+        work();
+    } catch (...) {
+        tellAll();
+        throw;
+    }
+    tellAll();
+}
+
+void NURVTaskQueue::announce(std::function<void()> announcement)
+{
+    m_announcements.push_back(std::move(announcement));
+    if (!m_isLocked)
+        tellAll();
+}
+
+void NURVTaskQueue::tellAll()
+{
+    while (!m_announcements.empty()) {
+        const std::function<void()> announcement = std::move(m_announcements.front());
+        m_announcements.pop_front();
+        announcement();
+    }
+}
+
 void NURVTaskQueue::addTask(const std::shared_ptr<NURVTask> &task)
 {
+    Q_ASSERT(isGuiThread());
     Q_EMIT panelRequested();
-    const std::scoped_lock lock(m_lock);
-    m_taskArray.push_back(task);
-    countChanged();
-    const int row = static_cast<int>(m_panelArray.size());
-    m_panelArray.push_back(task);
-    m_rowOfTask.insert(task.get(), row);
-    Q_EMIT rowAppended(row);
-    if (!m_noSleep)
-        preventSleep();
-    if (m_activeTask < m_maxThreads) {
-        startTask(task);
-        m_lowestActivePosition = std::max(m_lowestActivePosition, row);
-        ++m_activeTask;
-    }
+    underLock([&] {
+        m_taskArray.push_back(task);
+        countChanged();
+        const int row = static_cast<int>(m_panelArray.size());
+        m_panelArray.push_back(task);
+        m_rowOfTask.insert(task.get(), row);
+        announce([this, row] {
+            Q_EMIT rowAppended(row);
+            if (!m_noSleep)
+                preventSleep();
+        });
+        if (m_activeTask < m_maxThreads && !m_isHeld) {
+            startTask(task);
+            m_lowestActivePosition = std::max(m_lowestActivePosition, row);
+            ++m_activeTask;
+        }
+    });
+}
+
+void NURVTaskQueue::hold()
+{
+    m_isHeld = true;
+}
+
+void NURVTaskQueue::release()
+{
+    m_isHeld = false;
+    underLock([this] { startWaitingTasks(); });
 }
 
 void NURVTaskQueue::addTasks(const std::vector<std::shared_ptr<NURVTask>> &tasks)
@@ -71,6 +119,7 @@ void NURVTaskQueue::startTask(const std::shared_ptr<NURVTask> &task)
 
 void NURVTaskQueue::taskCompleted(const std::shared_ptr<NURVTask> &task)
 {
+    Q_ASSERT(isGuiThread());
     try {
         finishTask(task);
     } catch (const std::exception &failure) {
@@ -91,10 +140,11 @@ void NURVTaskQueue::becomeEmpty()
 void NURVTaskQueue::finishTask(const std::shared_ptr<NURVTask> &task)
 {
     const std::shared_ptr<NURVTaskResults> results = task->results();
-    {
-        const std::scoped_lock lock(m_lock);
+    bool isKnown = false;
+    underLock([&] {
         const auto place = std::find(m_taskArray.begin(), m_taskArray.end(), task);
-        if (place == m_taskArray.end())
+        isKnown = place != m_taskArray.end();
+        if (!isKnown)
             return;
         // Counted down also for a job that was cancelled while it waited and so
         // was never counted as running.
@@ -103,8 +153,10 @@ void NURVTaskQueue::finishTask(const std::shared_ptr<NURVTask> &task)
         m_taskArray.erase(place);
         countChanged();
         startWaitingTasks();
-        Q_EMIT scrollRequested(m_lowestActivePosition);
-    }
+        announce([this, row = m_lowestActivePosition] { Q_EMIT scrollRequested(row); });
+    });
+    if (!isKnown)
+        return;
     if (m_activeTask == 0 && !m_isCancellingAll)
         sweep();
     if (results && results->takeReport()) {
@@ -116,14 +168,14 @@ void NURVTaskQueue::finishTask(const std::shared_ptr<NURVTask> &task)
 void NURVTaskQueue::startWaitingTasks()
 {
     // A job that "cancel all" has yet to reach must not start a program first.
-    if (m_isCancellingAll)
+    if (m_isCancellingAll || m_isHeld)
         return;
     for (std::size_t k = 0; k < m_taskArray.size() && m_activeTask < m_maxThreads; ++k) {
         const std::shared_ptr<NURVTask> waiting = m_taskArray[k];
         if (waiting->isActive() || waiting->isDone())
             continue;
         startTask(waiting);
-        Q_EMIT panelRequested();
+        announce([this] { Q_EMIT panelRequested(); });
         m_lowestActivePosition = std::max(m_lowestActivePosition, rowOf(*waiting));
         ++m_activeTask;
     }
@@ -161,8 +213,9 @@ void NURVTaskQueue::rebuildRows(std::vector<std::shared_ptr<NURVTask>> rows)
 
 void NURVTaskQueue::rowStateChanged(const NURVTask &task)
 {
+    Q_ASSERT(isGuiThread());
     if (const int row = rowOf(task); row >= 0)
-        Q_EMIT rowChanged(row);
+        announce([this, row] { Q_EMIT rowChanged(row); });
 }
 
 void NURVTaskQueue::killAllTasks()
@@ -178,6 +231,7 @@ void NURVTaskQueue::cancelAllTasks()
 
 void NURVTaskQueue::cancelFromLastToFirst()
 {
+    Q_ASSERT(isGuiThread());
     if (m_taskArray.empty())
         return;
     m_isCancellingAll = true;
@@ -201,6 +255,7 @@ void NURVTaskQueue::cancelFromLastToFirst()
 
 void NURVTaskQueue::removeAllErrors()
 {
+    Q_ASSERT(isGuiThread());
     std::vector<std::shared_ptr<NURVTask>> others;
     for (const std::shared_ptr<NURVTask> &task : m_panelArray) {
         if (task->error())
@@ -216,8 +271,10 @@ void NURVTaskQueue::removeAllErrors()
 
 void NURVTaskQueue::countChanged()
 {
-    m_services.setBadge(taskCount());
-    Q_EMIT taskCountChanged(taskCount());
+    announce([this, count = taskCount()] {
+        m_services.setBadge(count);
+        Q_EMIT taskCountChanged(count);
+    });
 }
 
 void NURVTaskQueue::preventSleep()

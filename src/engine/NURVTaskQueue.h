@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -25,8 +26,8 @@ class NURVTask;
 ///            └──> panelArray (rows) ──────────────> sweep when nothing is counted as running
 ///
 /// It knows neither widgets nor a console: a status window, a terminal or a test
-/// listens to its signals. Everything runs on the GUI thread; a listener that
-/// adds jobs does so from a later event.
+/// listens to its signals. Everything runs on the GUI thread. Listeners and the desktop
+/// are told when the lock is free, in the order of what happened: they may add jobs.
 class NURVTaskQueue : public QObject {
     Q_OBJECT
 
@@ -40,6 +41,9 @@ public:
 
     void addTask(const std::shared_ptr<NURVTask> &task);
     void addTasks(const std::vector<std::shared_ptr<NURVTask>> &tasks);
+    /// Starts no further job until `release`.
+    void hold();
+    void release();
     /// Called once by every job, after it has stopped.
     void taskCompleted(const std::shared_ptr<NURVTask> &task);
 
@@ -89,6 +93,11 @@ Q_SIGNALS:
     void outputWindowRequested(const QString &text, const QString &title);
 
 private:
+    /// Does what changes lists and counters, and then tells of it.
+    void underLock(const std::function<void()> &work);
+    /// Tells at once, or when the lock is free.
+    void announce(std::function<void()> announcement);
+    void tellAll();
     void startTask(const std::shared_ptr<NURVTask> &task);
     void finishTask(const std::shared_ptr<NURVTask> &task);
     void becomeEmpty();
@@ -103,6 +112,9 @@ private:
     std::vector<std::shared_ptr<NURVTask>> m_panelArray;
     QHash<const NURVTask *, int> m_rowOfTask;
     std::mutex m_lock;
+    std::deque<std::function<void()>> m_announcements;
+    bool m_isLocked = false;
+    bool m_isHeld = false;
     std::int32_t m_activeTask = 0;
     std::int32_t m_maxThreads = 2;
     std::int32_t m_lowestActivePosition = 0;

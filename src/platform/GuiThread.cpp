@@ -22,7 +22,7 @@ namespace {
 struct Request {
     std::function<void()> work;
     bool isFinished = false; ///< has run, or was dropped
-    bool hasRun = false;
+    HandOver result = HandOver::Refused;
 };
 
 class Gate final : public QObject {
@@ -34,15 +34,15 @@ public:
         return *gate;
     }
 
-    bool ask(const std::function<void()> &work)
+    HandOver ask(const std::function<void()> &work)
     {
         const auto request = std::make_shared<Request>();
         request->work = work;
         std::unique_lock lock(m_lock);
         if (!enqueue(request))
-            return false;
+            return HandOver::Refused;
         m_finished.wait(lock, [&] { return request->isFinished; });
-        return request->hasRun;
+        return request->result;
     }
 
     void post(std::function<void()> work)
@@ -88,15 +88,15 @@ private:
             moveToThread(application->thread());
     }
 
-    static bool runWork(Request &request)
+    static HandOver runWork(Request &request)
     {
         try {
             request.work();
             request.work = nullptr;
-            return true;
+            return HandOver::Done;
         } catch (const std::exception &failure) {
             qCCritical(platformLog, "Work for the GUI thread failed: %s", failure.what());
-            return false;
+            return HandOver::Failed;
         }
     }
 
@@ -122,9 +122,9 @@ private:
             const std::shared_ptr<Request> request = std::move(m_requests.front());
             m_requests.pop_front();
             lock.unlock();
-            const bool hasRun = runWork(*request);
+            const HandOver result = runWork(*request);
             lock.lock();
-            request->hasRun = hasRun;
+            request->result = result;
             request->isFinished = true;
             m_finished.notify_all();
         }
@@ -147,13 +147,19 @@ bool isGuiThread()
     return application && QThread::currentThread() == application->thread();
 }
 
-bool runOnGuiThread(const std::function<void()> &work)
+HandOver runOnGuiThread(const std::function<void()> &work)
 {
     if (isGuiThread()) {
         work();
-        return true;
+        return HandOver::Done;
     }
     return Gate::instance().ask(work);
+}
+
+void showOnGuiThread(const std::function<void()> &work)
+{
+    // The log has the reason of a failure, and at the end of the application nobody looks any more.
+    static_cast<void>(runOnGuiThread(work));
 }
 
 void postToGuiThread(std::function<void()> work)

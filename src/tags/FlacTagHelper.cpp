@@ -11,6 +11,8 @@
 #include "platform/TextNumbers.h"
 #include "tags/TagsLog.h"
 
+#include <QFileInfo>
+
 using namespace Qt::StringLiterals;
 
 namespace nurv {
@@ -29,6 +31,13 @@ QString runMetaflac(const QStringList &arguments)
     return task.runTask();
 }
 
+/// metaflac puts a new file in the place of a link: it gets what the link leads to.
+QString fileOf(const QString &path)
+{
+    const QString target = isLink(path) ? QFileInfo(path).canonicalFilePath() : QString();
+    return target.isEmpty() ? path : target;
+}
+
 /// Right before and after it writes: metaflac works in a file of a fixed name beside its target, wherever a link of
 /// that name leads.
 void writeByMetaflac(const QString &path, const QStringList &arguments)
@@ -38,12 +47,11 @@ void writeByMetaflac(const QString &path, const QStringList &arguments)
         throw NurvFailure(u"%1 is there already, and has the name of a temporary file of metaflac"_s.arg(
             lastPathComponent(scratch)));
     const bool wasThere = factsOf(path).has_value();
-    const bool wasLink = isLink(path);
     runMetaflac(arguments);
     const std::optional<struct stat> now = factsOf(path);
     if (!wasThere)
         return;
-    if (!now || !S_ISREG(now->st_mode) || isLink(path) != wasLink)
+    if (!now || !S_ISREG(now->st_mode) || isLink(path))
         throw NurvFailure(u"%1 is no file any more after metaflac has worked on it"_s.arg(lastPathComponent(path)));
 }
 
@@ -101,7 +109,8 @@ TagsObject FlacTagHelper::tagsForFile(const QString &path)
 
 void FlacTagHelper::removeTagForFile(const QString &path, QStringView tagKey)
 {
-    writeByMetaflac(path, removeTagArguments(path, tagKey));
+    const QString file = fileOf(path);
+    writeByMetaflac(file, removeTagArguments(file, tagKey));
 }
 
 void FlacTagHelper::writeTagForFile(const QString &path, QStringView tagKey, const std::optional<QString> &tagValue,
@@ -110,15 +119,16 @@ void FlacTagHelper::writeTagForFile(const QString &path, QStringView tagKey, con
     const QString value = tagValue.value_or(QString());
     if (value.isEmpty() && !writeEmptyTags)
         return;
-    const QStringList setArguments = setTagArguments(path, tagKey, value);
+    const QString file = fileOf(path);
+    const QStringList setArguments = setTagArguments(file, tagKey, value);
     // Such a run could not start, and the removal before it would lose the old value.
     if (setArguments.first().toUtf8().size() >= kArgumentLimit) {
         qCWarning(tagsLog, "%s is too long for a command line and keeps its old value: %s",
                   qUtf8Printable(tagKey.toString()), qUtf8Printable(path));
         return;
     }
-    removeTagForFile(path, tagKey);
-    writeByMetaflac(path, setArguments);
+    removeTagForFile(file, tagKey);
+    writeByMetaflac(file, setArguments);
 }
 
 void FlacTagHelper::writeTagsForFile(const QString &path, const TagsObject &tagObject, bool writeEmptyTags)

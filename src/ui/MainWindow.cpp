@@ -36,7 +36,7 @@ namespace {
 
 constexpr QSize kFirstSize{880, 700};
 constexpr int kCascade = 28;
-constexpr qsizetype kMostOutputWindows = 20;
+constexpr qsizetype kMostWindowsAtOnce = 20;
 const QString kGeometryKey = u"window/geometry"_s;
 const QString kPageKey = u"window/page"_s;
 
@@ -80,7 +80,8 @@ MainWindow::MainWindow(NURVController &controller, QWidget *parent)
     createMenus();
     connect(m_tabView, &QTabWidget::currentChanged, this, &MainWindow::pageChosen);
     connect(&controller, &NURVController::pageSelected, this, &MainWindow::showPage);
-    connect(&controller.taskQueue(), &NURVTaskQueue::outputWindowRequested, this, &MainWindow::openOutputWindow);
+    connect(&controller.taskQueue(), &NURVTaskQueue::outputWindowRequested, this, &MainWindow::showReport);
+    connect(&m_reportTimer, &QTimer::timeout, this, &MainWindow::showWaitingReport);
     restoreState();
 }
 
@@ -239,16 +240,33 @@ void MainWindow::openFiles(const GivenFiles &files)
     });
 }
 
+void MainWindow::showReport(const QString &text, const QString &title)
+{
+    m_outputWindows.removeAll(nullptr);
+    // Thousands of windows take their time: from here on one comes at each turn of the event loop.
+    if (m_outputWindows.size() >= kMostWindowsAtOnce || !m_waitingReports.empty()) {
+        m_waitingReports.emplace_back(text, title);
+        m_reportTimer.start();
+        return;
+    }
+    openOutputWindow(text, title);
+}
+
+void MainWindow::showWaitingReport()
+{
+    if (m_waitingReports.empty() || m_isClosing) {
+        m_reportTimer.stop();
+        return;
+    }
+    const auto [text, title] = std::move(m_waitingReports.front());
+    m_waitingReports.pop_front();
+    openOutputWindow(text, title);
+}
+
 void MainWindow::openOutputWindow(const QString &text, const QString &title)
 {
     if (m_isClosing)
         return;
-    m_outputWindows.removeAll(nullptr);
-    // A batch of jobs with a report each must not bury the desktop.
-    if (m_outputWindows.size() >= kMostOutputWindows) {
-        m_outputWindows.last()->addReport(text, title);
-        return;
-    }
     auto *const window = new OutputWindow(m_controller.prompts());
     window->setWindowIcon(windowIcon());
     window->setTextValue(text, title);

@@ -6,8 +6,11 @@
 #include <QList>
 #include <QMainWindow>
 #include <QPointer>
+#include <QTimer>
 
+#include <deque>
 #include <functional>
+#include <utility>
 
 class QAction;
 class QMenu;
@@ -75,6 +78,8 @@ private:
     void showPage(const QString &label);
     void pageChosen(int index);
     void showReadiness();
+    void showReport(const QString &text, const QString &title);
+    void showWaitingReport();
     void openOutputWindow(const QString &text, const QString &title);
     void addFolder();
     [[nodiscard]] TabPage *currentPage() const;
@@ -90,6 +95,8 @@ private:
     QAction *m_cancelAllAction = nullptr;
     QAction *m_removeErrorsAction = nullptr;
     QList<QPointer<OutputWindow>> m_outputWindows;
+    std::deque<std::pair<QString, QString>> m_waitingReports; ///< texts and titles
+    QTimer m_reportTimer;
     QPoint m_outputWindowTopLeft;
     bool m_isClosing = false;
 };

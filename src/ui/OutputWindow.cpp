@@ -18,7 +18,8 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QShortcut>
-#include <QTextDocumentFragment>
+#include <QTextCursor>
+#include <QTextDocument>
 #include <QVBoxLayout>
 
 #include <optional>
@@ -54,6 +55,12 @@ QPushButton *makeButton(const QString &title, const QString &objectName, const Q
     button->setAccessibleName(accessibleName);
     button->setAutoDefault(false);
     return button;
+}
+
+/// A document's own text with line feeds. Its plain text has blanks where non-breaking ones stood.
+QString withLineFeeds(QString raw)
+{
+    return raw.replace(QChar::ParagraphSeparator, u'\n').replace(QChar::LineSeparator, u'\n');
 }
 
 /// A name for the file that a title stands for.
@@ -154,14 +161,9 @@ void OutputWindow::setTextValue(const QString &text, const QString &title)
     setWindowTitle(printableLine(title));
 }
 
-void OutputWindow::addReport(const QString &text, const QString &title)
-{
-    m_textField->appendPlainText(u"--- %1 ---\n%2"_s.arg(printableLine(title), printableText(text)));
-}
-
 QString OutputWindow::text() const
 {
-    return m_textField->toPlainText();
+    return withLineFeeds(m_textField->document()->toRawText());
 }
 
 void OutputWindow::save()
@@ -176,7 +178,7 @@ void OutputWindow::save()
 
 void OutputWindow::copy()
 {
-    const QString selected = m_textField->textCursor().selection().toPlainText();
+    const QString selected = withLineFeeds(m_textField->textCursor().selectedText());
     QApplication::clipboard()->setText(selected.isEmpty() ? text() : selected);
 }
 

@@ -22,8 +22,6 @@ public:
     explicit OutputWindow(UserPrompts &prompts, QWidget *parent = nullptr);
 
     void setTextValue(const QString &text, const QString &title);
-    /// Adds a further report below, under its title.
-    void addReport(const QString &text, const QString &title);
     [[nodiscard]] QString text() const;
     /// Keeps place and size for the next window; closing does so too.
     void saveState() const;

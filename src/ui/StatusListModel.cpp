@@ -49,6 +49,11 @@ NURVTask *StatusListModel::taskAt(const QModelIndex &index)
     return model != nullptr ? model->task(index.row()).get() : nullptr;
 }
 
+bool StatusListModel::hasReport(const NURVTask &task)
+{
+    return task.isDone() && task.error();
+}
+
 QString StatusListModel::reportOf(const NURVTask &task)
 {
     return task.report().trimmed();
@@ -67,7 +72,7 @@ QVariant StatusListModel::data(const QModelIndex &index, int role) const
     switch (role) {
     case Qt::DisplayRole: return printableLine(job->textField().text.isEmpty() ? job->title() : job->textField().text);
     case Qt::ToolTipRole: {
-        const QString report = job->error() ? reportOf(*job) : QString();
+        const QString report = hasReport(*job) ? reportOf(*job) : QString();
         return toolTipText(report.isEmpty() ? job->title() : report);
     }
     case Qt::AccessibleTextRole: return spokenText(*job);

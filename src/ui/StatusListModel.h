@@ -25,7 +25,9 @@ public:
     [[nodiscard]] static NURVTask *taskAt(const QModelIndex &index);
     /// The same, held.
     [[nodiscard]] std::shared_ptr<NURVTask> task(int row) const;
-    /// What the job has reported so far; for a job in a batch, its own part.
+    /// Whether the job has failed and is done: before that its worker still writes the report.
+    [[nodiscard]] static bool hasReport(const NURVTask &task);
+    /// What such a job has reported; for a job in a batch, its own part.
     [[nodiscard]] static QString reportOf(const NURVTask &task);
 
     [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;

@@ -204,7 +204,7 @@ void StatusWindow::prepareMenu()
     const auto tasks = selectedTasks();
     m_cancelAction->setEnabled(std::any_of(tasks.begin(), tasks.end(),
                                            [](const auto &task) { return !task->isDone() && !task->cancelled(); }));
-    m_reportAction->setEnabled(tasks.size() == 1 && tasks.front()->error());
+    m_reportAction->setEnabled(tasks.size() == 1 && StatusListModel::hasReport(*tasks.front()));
     m_cancelAllAction->setEnabled(m_queue.taskCount() > 0);
     m_removeErrorsAction->setEnabled(m_removeErrorsButton->isEnabled());
 }
@@ -231,7 +231,7 @@ void StatusWindow::cancelLater(const std::shared_ptr<NURVTask> &task)
 void StatusWindow::showReport()
 {
     const auto tasks = selectedTasks();
-    if (tasks.size() != 1 || !tasks.front()->error())
+    if (tasks.size() != 1 || !StatusListModel::hasReport(*tasks.front()))
         return;
     const QString report = StatusListModel::reportOf(*tasks.front());
     m_queue.showOutputWindow(report.isEmpty() ? tr("The job left no report.") : report, tasks.front()->title());

@@ -130,7 +130,7 @@ void TabPage::connectAll()
 {
     connect(m_addButton, &QPushButton::clicked, this, &TabPage::chooseFiles);
     connect(m_clearButton, &QPushButton::clicked, &m_tab, &BaseTab::clearButtonClick);
-    connect(m_executeButton, &QPushButton::clicked, this, [this] { m_tab.nurvController().execute(m_tab); });
+    connect(m_executeButton, &QPushButton::clicked, this, [this] { static_cast<void>(m_tab.nurvController().execute(m_tab)); });
     connect(&m_tab, &BaseTab::fileNamesChanged, this, &TabPage::showState);
     connect(m_fileList, &FileListView::filesDropped, this, &TabPage::addFiles);
 }

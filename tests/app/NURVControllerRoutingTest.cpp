@@ -4,6 +4,7 @@
 
 #include "app/RawNamedFile.h"
 #include "app/TestApplication.h"
+#include "platform/SettingsStore.h"
 #include "support/AudioFixtures.h"
 #include "support/TestFolder.h"
 
@@ -20,6 +21,14 @@ namespace nurv {
 
 namespace {
 
+void expectMessage(test::TestApplication &application, const QString &kinds)
+{
+    application.prompts.expectAsk({.title = u"Some files are of kinds that no tab takes and were skipped"_s,
+                                   .message = kinds,
+                                   .buttons = {u"OK"_s}},
+                                  u"OK"_s);
+}
+
 class Routing : public ::testing::Test {
 protected:
     [[nodiscard]] QStringList listOf(const QString &label) { return application.tab(label).fileNames(); }
@@ -32,6 +41,8 @@ protected:
         EXPECT_EQ(controller.selectedTabViewItem(), label);
         return listOf(label);
     }
+
+    void expectMessageOfKinds(const QString &kinds) { expectMessage(application, kinds); }
 
     test::TestApplication application;
     NURVController &controller = application.controller;
@@ -113,6 +124,8 @@ TEST_F(Routing, SendsEachFileFromTheAboutPageToTheTabOfItsExtension)
     for (const auto &[extension, route] : routes) {
         const QString path = u"/music/file."_s + extension.toLower();
         controller.selectTab(NURVController::kAboutLabel);
+        if (route.tab.isEmpty())
+            expectMessageOfKinds(extension.isEmpty() ? u"file."_s : extension);
         controller.addFiles({path});
         EXPECT_EQ(controller.selectedTabViewItem(), route.shown) << qPrintable(extension);
         for (const QString &label : NURVController::pageLabels().first(8)) {
@@ -121,6 +134,18 @@ TEST_F(Routing, SendsEachFileFromTheAboutPageToTheTabOfItsExtension)
             application.tab(label).clearFiles();
         }
     }
+}
+
+TEST_F(Routing, NamesTheKindsThatNoPageTakesInOneMessage)
+{
+    controller.selectTab(NURVController::kAboutLabel);
+    expectMessageOfKinds(u"JPG, LOG, PDF"_s);
+    controller.addFiles({u"/a.wav"_s, u"/b.pdf"_s, u"/c.log"_s, u"/d.pdf"_s, u"/e.jpg"_s});
+    EXPECT_THAT(listOf(u"encode"_s), ElementsAre(u"/a.wav"_s));
+    SettingsStore::instance().setValue(u"warnOnFilesSkipped"_s, false);
+    controller.selectTab(NURVController::kAboutLabel);
+    controller.addFiles({u"/b.pdf"_s});
+    SettingsStore::instance().remove(u"warnOnFilesSkipped"_s);
 }
 
 TEST_F(Routing, ShowsThePageOfTheLastFileFromTheAboutPage)
@@ -171,12 +196,15 @@ TEST(RoutingWithoutTabs, AddsNothingAndKeepsThePageExceptForUnknownTypes)
     test::TestApplication application({u"decode"_s});
     NURVController &controller = application.controller;
     controller.selectTab(NURVController::kAboutLabel);
+    expectMessage(application, u"MD5, WAV"_s);
     controller.addFiles({u"/a.wav"_s, u"/list.md5"_s});
     EXPECT_EQ(controller.selectedTabViewItem(), u"about"_s);
+    expectMessage(application, u"WAV"_s);
     controller.addFiles({u"/a.flac"_s, u"/b.wav"_s});
     EXPECT_EQ(controller.selectedTabViewItem(), u"decode"_s);
     EXPECT_THAT(application.tab(u"decode"_s).fileNames(), ElementsAre(u"/a.flac"_s));
     controller.selectTab(NURVController::kAboutLabel);
+    expectMessage(application, u"JPG"_s);
     controller.addFiles({u"/image.jpg"_s});
     EXPECT_EQ(controller.selectedTabViewItem(), u"encode"_s);
     controller.addFiles({u"/b.wav"_s});

@@ -5,6 +5,7 @@
 #include "app/TestApplication.h"
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskQueue.h"
+#include "platform/NurvFailure.h"
 #include "support/AudioFixtures.h"
 #include "support/TestFolder.h"
 
@@ -13,6 +14,7 @@
 
 #include <atomic>
 #include <map>
+#include <new>
 #include <thread>
 #include <vector>
 
@@ -265,8 +267,33 @@ TEST_F(NURVControllerTest, HoldsFilesThatArriveWhileATabExecutesUntilItHasReturn
         // What a tab does when its jobs are queued.
         decode.clearFiles();
     };
-    controller.execute(decode);
+    EXPECT_TRUE(controller.execute(decode));
     EXPECT_EQ(decode.fileNames(), (QStringList{u"/music/2.flac"_s, u"/music/3.flac"_s}));
+}
+
+TEST_F(NURVControllerTest, ShowsWhyATabThrewAndLeavesItsListUsable)
+{
+    test::CountingTab &decode = application.tab(u"decode"_s);
+    for (const bool isOurs : {true, false}) {
+        decode.clearFiles();
+        decode.addMatchedFiles({u"/music/1.flac"_s});
+        decode.whileExecuting = [&] {
+            FileIntake found;
+            found.accepted = {u"/music/2.flac"_s};
+            decode.addCollected(found);
+            if (isOurs)
+                throw NurvFailure(u"the disk is gone\n"_s);
+            throw std::bad_alloc();
+        };
+        application.prompts.expectAsk({.title = u"The command could not be carried out."_s,
+                                       .message = isOurs ? u"the disk is gone"_s : u"std::bad_alloc"_s,
+                                       .buttons = {u"OK"_s}},
+                                      u"OK"_s);
+        EXPECT_FALSE(controller.execute(decode));
+        EXPECT_EQ(decode.fileNames(), (QStringList{u"/music/1.flac"_s, u"/music/2.flac"_s}));
+        decode.addMatchedFiles({u"/music/3.flac"_s});
+        EXPECT_EQ(decode.fileNames().size(), 3) << "files that arrive join the list at once";
+    }
 }
 
 TEST_F(NURVControllerTest, EndsTheSearchesOfFoldersWhenItTerminates)

@@ -13,6 +13,7 @@
 #include "NurvProgram.h"
 #include "platform/GuiThread.h"
 #include "platform/NullDesktopServices.h"
+#include "platform/NurvFailure.h"
 
 #include <QStringList>
 
@@ -82,6 +83,7 @@ public:
 
     std::vector<OutcomeTask::Script> scripts;
     QStringList existing;
+    QString failure; ///< thrown when the jobs are queued
 
     void executeCommand() override
     {
@@ -95,6 +97,8 @@ public:
         }
         setPassedOver(existing);
         queue.addTasks(tasks);
+        if (!failure.isEmpty())
+            throw NurvFailure(failure);
     }
 };
 
@@ -193,6 +197,16 @@ TEST_F(BatchRunTest, AFailedJobIsToldByItsProblem)
     tab.scripts.front().outcome = {};
     EXPECT_EQ(run({.quiet = true}), ExitStatus::Failed);
     EXPECT_EQ(lines, QStringList{u"disc046/Track 05.wav: something else"_s});
+}
+
+TEST_F(BatchRunTest, ATabThatThrowsGivesStatus1AndItsReason)
+{
+    tab.failure = u"the disk is gone"_s;
+    EXPECT_EQ(run(), ExitStatus::Failed);
+    EXPECT_TRUE(errors.contains("The command could not be carried out. the disk is gone")) << errors.constData();
+    add({.source = u"/m/in/a.wav"_s});
+    EXPECT_EQ(run(), ExitStatus::Failed) << "what was queued before is done, and not all that was asked for";
+    EXPECT_EQ(closing(), u"1 of 1 done; "_s);
 }
 
 TEST_F(BatchRunTest, VerboseAddsTheReportOfThatJobOnly)

@@ -105,7 +105,7 @@ TEST_F(ConversionBadLuckTest, ReportsTheLastFigureAndWhyTheJobFailed)
 {
     const test::ToolFolder tools;
     tools.addFake(u"flac"_s,
-                  "out=a.wav: 1% complete\\b\\b\\b\\b\\b\\b\\b\\b\\b\\b\\b;delay=20;out=57% complete;signal=9");
+                  "out=a.wav: 1% complete\\b\\b\\b\\b\\b\\b\\b\\b\\b\\b\\b;until-read;out=57% complete;signal=9");
     const QString wav = test::writeWav(folder.path(u"a.wav"_s));
     EncodeTab tab(controller);
     run(tab, {wav});

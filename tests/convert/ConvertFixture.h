@@ -111,10 +111,7 @@ protected:
 /// The same with a queue that starts nothing.
 class HeldQueueFixture : public ConvertFixture {
 protected:
-    HeldQueueFixture()
-    {
-        NotificationCenter::instance().post(QString::fromUtf16(NURVMaxThreadsChangedNotification), 0);
-    }
+    HeldQueueFixture() { queue().hold(); }
 };
 
 } // namespace nurv::test

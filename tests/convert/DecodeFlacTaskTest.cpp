@@ -85,7 +85,7 @@ TEST_F(DecodeFlacTaskTest, ShowsTheFiguresOfARecordedRun)
 {
     const QString goOn = folder.path(u"go-on"_s);
     tools.addFake(u"flac"_s, "replay=" + test::transcriptPath(u"flac-decode"_s).toUtf8()
-                                 + ";delay=50;out=\\b\\b97% complete;wait-file=" + goOn.toUtf8());
+                                 + ";until-read;out=\\b\\b97% complete;wait-file=" + goOn.toUtf8());
     DecodeTab tab(controller);
     prompts.expectOutputFolder(out.path());
     tab.addFile(folder.path(u"a.flac"_s));

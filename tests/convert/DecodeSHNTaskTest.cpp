@@ -33,7 +33,7 @@ TEST_F(DecodeSHNTaskTest, ShowsTheFiguresOfARecordedRun)
 {
     const QString goOn = folder.path(u"go-on"_s);
     tools.addFake(u"shntool"_s, "replay=" + test::transcriptPath(u"shntool-conv-wav"_s).toUtf8()
-                                    + ";delay=50;out=\\b 97% ;wait-file=" + goOn.toUtf8());
+                                    + ";until-read;out=\\b 97% ;wait-file=" + goOn.toUtf8());
     DecodeTab tab(controller);
     prompts.expectOutputFolder(out.path());
     tab.addFile(folder.path(u"a.shn"_s));
@@ -47,7 +47,7 @@ TEST_F(DecodeSHNTaskTest, ShowsTheFiguresOfARecordedRun)
 
 TEST_F(DecodeSHNTaskTest, ReportsEverythingWhenItFails)
 {
-    tools.addFake(u"shntool"_s, "out=\\b\\bConverting [a.shn] :  0% ;delay=50;out=ERROR\\n;exit=1");
+    tools.addFake(u"shntool"_s, "out=\\b\\bConverting [a.shn] :  0% ;until-read;out=ERROR\\n;exit=1");
     DecodeTab tab(controller);
     run(tab, {folder.path(u"a.shn"_s)});
     EXPECT_TRUE(endedTasks.at(0)->error());

@@ -217,7 +217,7 @@ TEST_F(DeleteOriginalTest, KeepsATruncatedSourceThatWasEncoded)
 
 TEST_F(DeleteOriginalTest, NoticesDamageThatIsToldInTwoPieces)
 {
-    tools.addFake(u"flac"_s, "create=@-1;append=@-1:x;out=\\b\\b*** Got err;delay=100;out=or code 0:LOST_SYNC\\n");
+    tools.addFake(u"flac"_s, "create=@-1;append=@-1:x;out=\\b\\b*** Got err;until-read;out=or code 0:LOST_SYNC\\n");
     const QString flac = folder.write(u"a.flac"_s, "fLaC");
     DecodeTab tab(controller);
     tab.deleteOriginalsButton.setOn(true);

@@ -43,7 +43,7 @@ TEST_F(EncodeFlacTaskTest, ShowsTheFiguresOfARecordedRun)
 {
     const QString goOn = folder.path(u"go-on"_s);
     const auto task = makeFake("append=@-1:x;replay=" + test::transcriptPath(u"flac-encode"_s).toUtf8()
-                                   + ";delay=50;"
+                                   + ";until-read;"
                                      "out=\\b\\b99% complete, ratio=0.370;wait-file="
                                    + goOn.toUtf8(),
                                folder.path(u"x.wav"_s));

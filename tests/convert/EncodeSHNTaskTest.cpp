@@ -38,7 +38,7 @@ TEST_F(EncodeSHNTaskTest, ConvertsWavAndFlacSources)
 TEST_F(EncodeSHNTaskTest, ShowsFiguresAndReportsLinesTwice)
 {
     const QString goOn = folder.path(u"go-on"_s);
-    tools.addFake(u"shntool"_s, "out=Converting [a.wav] : ;delay=50;out=\\b\\b 45% ;wait-file=" + goOn.toUtf8()
+    tools.addFake(u"shntool"_s, "out=Converting [a.wav] : ;until-read;out=\\b\\b 45% ;wait-file=" + goOn.toUtf8()
                                     + ";out=100% OK\\n;exit=1");
     EncodeTab tab(controller);
     prompts.expectOutputFolder(out.path());

@@ -208,7 +208,6 @@ TEST_F(StagesWithRealToolsTest, NamesWhatItDoesOnTheWayToAppleLossless)
     EXPECT_FALSE(fromShorten->error()) << qPrintable(fromShorten->report());
     EXPECT_EQ(call(u"shntool"_s), u"conv|-P|pct|-O|always|-o|wav|-n|TEMP|in/d.shn");
     EXPECT_TRUE(statuses.contains(u"Decoding SHN to Wav"_s));
-    EXPECT_TRUE(statuses.contains(u"Decoding to WAV: 100.000000%"_s)) << qPrintable(statuses.join(u'\n'));
     EXPECT_TRUE(test::sameSound(wav, out.path(u"d.m4a"_s)));
     EXPECT_EQ(out.list(), (QStringList{u"a.m4a"_s, u"b.m4a"_s, u"c.m4a"_s, u"d.m4a"_s})) << "no temporary file is left";
 }
@@ -278,7 +277,7 @@ TEST_F(StagesWithRealToolsTest, EndsAParsleyThatHangsOnAFullDisk)
     out.write(u"a-temp-1.m4a"_s, "somebody's");
     setFake(u"AtomicParsley"_s,
             "create=" + out.path(u"a-temp-57809.m4a"_s).toUtf8()
-                + ";err=\\nspli;delay=60;err=ce(write): -1 of 63044 (No space left on device)\\n;hang");
+                + ";err=\\nspli;until-read;err=ce(write): -1 of 63044 (No space left on device)\\n;hang");
     const auto task = runJob(makeEncoder(wav, u"M4A"_s));
     EXPECT_FALSE(task->error()) << qPrintable(task->report());
     EXPECT_TRUE(test::sameSound(wav, out.path(u"a.m4a"_s)));

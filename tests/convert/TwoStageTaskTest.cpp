@@ -30,8 +30,8 @@ TEST_F(TwoStageTaskTest, HandsAWavFileToTheProgramDirectly)
 TEST_F(TwoStageTaskTest, ShowsItsOpeningAndItsFigures)
 {
     const QString wav = folder.write(u"a.wav"_s, "of no known length");
-    setFake(u"wavpack"_s, "append=@-1:x;out=creating a.wv,;delay=60;out=  2% done...;delay=60;"
-                          "out=\\b\\b\\b\\b 45% done...;delay=60;out=\\rcreated a.wv\\n");
+    setFake(u"wavpack"_s, "append=@-1:x;out=creating a.wv,;until-read;out=  2% done...;until-read;"
+                          "out=\\b\\b\\b\\b 45% done...;until-read;out=\\rcreated a.wv\\n");
     const auto task = runJob(makeEncoder(wav, u"WV"_s));
     EXPECT_EQ(statuses, (QStringList{u"Waiting..."_s, u"Encoding Wavpack"_s, u"Encoding to Wavpack: 2.000000%"_s,
                                      u"Encoding to Wavpack: 45.000000%"_s, u"Complete; not proven"_s}));
@@ -145,7 +145,7 @@ TEST_F(TwoStageTaskTest, EndsAProgramThatAsksWhetherToOverwrite)
     const QString wav = test::writeWav(folder.path(u"a.wav"_s));
     out.write(u"a.wv"_s, "somebody's");
     // The question comes in two pieces, and nobody ends it but the job.
-    setFake(u"wavpack"_s, "out=overwrite a.wv (yes/n;delay=60;out=o/all)? ;hang");
+    setFake(u"wavpack"_s, "out=overwrite a.wv (yes/n;until-read;out=o/all)? ;hang");
     const auto task = makeEncoder(wav, u"WV"_s);
     task->setDeleteOriginal(true);
     runJob(task);
@@ -209,7 +209,7 @@ TEST_F(TwoStageTaskTest, FailsForTheMarkersOfItsProgram)
     const auto wavpack = runJob(makeEncoder(wav, u"WV"_s));
     EXPECT_TRUE(wavpack->error());
     EXPECT_FALSE(out.exists(u"a.wv"_s)) << "half made by a program that was ended";
-    for (const QByteArray &marker : {QByteArray("Error: 1002"), QByteArray("Err;delay=60;out=or: 2000\\n")}) {
+    for (const QByteArray &marker : {QByteArray("Error: 1002"), QByteArray("Err;until-read;out=or: 2000\\n")}) {
         setFake(u"mac"_s, "append=@-2:x;out=" + marker + ";hang");
         const auto task = runJob(makeEncoder(wav, u"APE"_s));
         EXPECT_TRUE(task->error()) << marker.constData();
@@ -367,7 +367,7 @@ TEST_F(TwoStageTaskTest, FailsWhenTheOutputFolderTakesNoTemporaryFile)
 TEST_F(TwoStageTaskTest, ReportsAsItsParserSays)
 {
     const QString wav = test::writeWav(folder.path(u"a.wav"_s));
-    setFake(u"wavpack"_s, "out=\\b\\bword\\b;delay=60;out=couldn't read all samples, file may be corrupt!!");
+    setFake(u"wavpack"_s, "out=\\b\\bword\\b;until-read;out=couldn't read all samples, file may be corrupt!!");
     runJob(makeEncoder(wav, u"WV"_s));
     EXPECT_EQ(outputWindows.last(), u"wordcouldn't read all samples, file may be corrupt!!\n");
     setFake(u"wvunpack"_s, "out=\\b\\bword\\b;exit=1");

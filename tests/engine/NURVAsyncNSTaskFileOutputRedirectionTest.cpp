@@ -46,7 +46,7 @@ using NURVAsyncNSTaskFileOutputRedirectionTest = RedirectionTask;
 TEST_F(NURVAsyncNSTaskFileOutputRedirectionTest, SavesBothStreamsAndOpensNoWindow)
 {
     folder.write(u"out.txt"_s, "an older and longer text that is replaced as a whole");
-    const auto task = make({u"out=täglich\\r\\n"_s, u"delay=30"_s, u"err=oops"_s});
+    const auto task = make({u"out=täglich\\r\\n"_s, u"until-read"_s, u"err=oops"_s});
     runToEnd(task);
     EXPECT_EQ(folder.read(u"out.txt"_s), "täglich\r\noops\n") << "the joined text ends each slot with a line feed";
     EXPECT_EQ(folder.list(), QStringList{u"out.txt"_s});

@@ -170,7 +170,7 @@ TEST_F(NURVAsyncNSTaskTest, SurvivesThatTheQueueLetsGoOfItWhileItIsCancelled)
 
 TEST_F(NURVAsyncNSTaskTest, CompletesWhenTheToolEndsLongAfterItsOutput)
 {
-    const auto task = run({u"out=x"_s, u"delay=150"_s, u"exit=2"_s});
+    const auto task = run({u"out=x"_s, u"until-read"_s, u"delay=50"_s, u"exit=2"_s});
     EXPECT_TRUE(task->error());
 }
 
@@ -230,13 +230,13 @@ TEST_F(NURVAsyncNSTaskTest, TakesAFloodWithoutLineEnds)
 
 TEST_F(NURVAsyncNSTaskTest, JoinsASequenceThatIsCutBetweenTwoReads)
 {
-    const auto task = run({u"out=\\xe3\\x81"_s, u"delay=60"_s, u"out=\\x82"_s});
+    const auto task = run({u"out=\\xe3\\x81"_s, u"until-read"_s, u"out=\\x82"_s});
     EXPECT_EQ(task->chunks.join(QString()), u"あ");
 }
 
 TEST_F(NURVAsyncNSTaskTest, TakesNoTextFromBytesThatAreNoUtf8)
 {
-    const auto task = run({u"out=\\xff\\xfe"_s, u"delay=60"_s, u"out=fine"_s});
+    const auto task = run({u"out=\\xff\\xfe"_s, u"until-read"_s, u"out=fine"_s});
     EXPECT_EQ(task->chunks, QStringList{u"fine"_s});
 }
 

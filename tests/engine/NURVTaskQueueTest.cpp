@@ -9,6 +9,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace nurv {
@@ -377,6 +380,61 @@ TEST_F(NURVTaskQueueTest, OpensTheOutputWindowOfABatchThatIsDone)
     tasks[0]->write(u"first"_s);
     tasks[0]->finish();
     EXPECT_EQ(windows, QStringList{u"1|first\nsecond\n"_s});
+}
+
+TEST_F(NURVTaskQueueTest, LetsEveryListenerAddAJob)
+{
+    const auto addOneFrom = [this](auto signal) {
+        auto done = std::make_shared<bool>(false);
+        QObject::connect(queue.get(), signal, queue.get(), [this, done] {
+            if (!std::exchange(*done, true))
+                add(1);
+        });
+    };
+    addOneFrom(&NURVTaskQueue::panelRequested);
+    addOneFrom(&NURVTaskQueue::rowAppended);
+    addOneFrom(&NURVTaskQueue::rowChanged);
+    addOneFrom(&NURVTaskQueue::taskCountChanged);
+    addOneFrom(&NURVTaskQueue::scrollRequested);
+    addOneFrom(&NURVTaskQueue::taskEnded);
+    QList<int> rows;
+    QObject::connect(queue.get(), &NURVTaskQueue::rowAppended, queue.get(), [&rows](int row) { rows.append(row); });
+    add(1);
+    EXPECT_EQ(tasks.size(), 5U);
+    tasks[0]->finish();
+    EXPECT_EQ(tasks.size(), 7U);
+    EXPECT_EQ(queue->taskCount(), 6);
+    EXPECT_EQ(queue->activeTask(), 2);
+    std::ranges::sort(rows);
+    EXPECT_EQ(rows, (QList<int>{0, 1, 2, 3, 4, 5, 6})) << "each is told of once";
+}
+
+TEST_F(NURVTaskQueueTest, TellsTheDesktopWhenItsListsMayChange)
+{
+    // As a bus does that is waited for: events are handled meanwhile.
+    services.whenAsked = [this] {
+        if (tasks.size() < 3)
+            add(1);
+    };
+    add(1);
+    EXPECT_EQ(tasks.size(), 3U);
+    EXPECT_EQ(queue->taskCount(), 3);
+}
+
+TEST_F(NURVTaskQueueTest, StartsNothingWhileItIsHeld)
+{
+    queue->hold();
+    add(3);
+    EXPECT_EQ(started(), QString());
+    EXPECT_EQ(queue->activeTask(), 0);
+    queue->release();
+    EXPECT_EQ(started(), u"12");
+    queue->hold();
+    tasks[0]->finish();
+    EXPECT_EQ(started(), u"12");
+    queue->release();
+    EXPECT_EQ(started(), u"123");
+    EXPECT_EQ(queue->activeTask(), 2);
 }
 
 TEST_F(NURVTaskQueueTest, CallsAWindowWithoutTitleOutput)

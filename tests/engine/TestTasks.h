@@ -32,6 +32,8 @@ public:
         badges.push_back(count);
         if (failsToSetBadge)
             throw std::runtime_error("planted");
+        if (whenAsked)
+            whenAsked();
     }
     bool hasNotificationService() override { return hasNotifications; }
     void deliverNotification(const QString &title, const QString &) override { notifications.append(title); }
@@ -39,6 +41,8 @@ public:
     std::optional<std::uint32_t> createSleepAssertion(const QString &reason) override
     {
         assertionReasons.append(reason);
+        if (whenAsked)
+            whenAsked();
         return assertion;
     }
     void releaseSleepAssertion(std::uint32_t id) override
@@ -48,6 +52,7 @@ public:
             throw std::runtime_error("planted");
     }
 
+    std::function<void()> whenAsked; ///< for the badge and the sleep assertion
     bool failsToSetBadge = false;
     bool failsToRelease = false;
     bool hasNotifications = true;

@@ -29,7 +29,7 @@ protected:
 
 TEST_F(ToolRunSyncTest, HandsTextOverAsItComes)
 {
-    const ToolRunSync::Ending ending = run({u"out=1% \\b\\b"_s, u"delay=150"_s, u"err=2% "_s});
+    const ToolRunSync::Ending ending = run({u"out=1% \\b\\b"_s, u"until-read"_s, u"err=2% "_s});
     EXPECT_EQ(chunks, (QStringList{u"1% \b\b"_s, u"2% "_s}));
     EXPECT_TRUE(ending.succeeded());
     EXPECT_FALSE(ending.wasCutShort());
@@ -38,13 +38,13 @@ TEST_F(ToolRunSyncTest, HandsTextOverAsItComes)
 
 TEST_F(ToolRunSyncTest, HoldsACutCharacterBackForTheNextChunk)
 {
-    run({u"out=caf\\xc3"_s, u"delay=150"_s, u"out=\\xa9 x"_s});
+    run({u"out=caf\\xc3"_s, u"until-read"_s, u"out=\\xa9 x"_s});
     EXPECT_EQ(chunks, (QStringList{u"caf"_s, u"\u00e9 x"_s}));
 }
 
 TEST_F(ToolRunSyncTest, GivesNoTextForBytesThatAreNone)
 {
-    run({u"out=\\xff\\xfe"_s, u"delay=150"_s, u"out=ok"_s});
+    run({u"out=\\xff\\xfe"_s, u"until-read"_s, u"out=ok"_s});
     EXPECT_EQ(chunks, QStringList{u"ok"_s});
 }
 

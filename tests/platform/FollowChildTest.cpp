@@ -51,7 +51,7 @@ protected:
 TEST_F(FollowChild, HandsOverWhatEachReadGave)
 {
     const ChildResult result =
-        followChild(fake({u"out=one"_s, u"delay=150"_s, u"err=two"_s, u"delay=150"_s, u"out=three"_s, u"exit=4"_s}),
+        followChild(fake({u"out=one"_s, u"until-read"_s, u"err=two"_s, u"until-read"_s, u"out=three"_s, u"exit=4"_s}),
                     collecting());
     EXPECT_EQ(chunks, (QByteArrayList{"one", "two", "three"}));
     ASSERT_TRUE(result.exit);

@@ -28,7 +28,7 @@ struct GuiThread : ::testing::Test {
 TEST_F(GuiThread, RunsInlineOnItself)
 {
     bool hasRun = false;
-    EXPECT_TRUE(runOnGuiThread([&] { hasRun = true; }));
+    EXPECT_EQ(runOnGuiThread([&] { hasRun = true; }), HandOver::Done);
     EXPECT_TRUE(hasRun);
 }
 
@@ -39,11 +39,11 @@ TEST_F(GuiThread, RunsTheWorkOfAWorkerBeforeTheWorkerGoesOn)
     std::atomic<bool> isDone = false;
     std::thread worker([&] {
         bool hasRun = false;
-        const bool accepted = runOnGuiThread([&] {
+        const HandOver result = runOnGuiThread([&] {
             hasRun = true;
             onGuiThread = isGuiThread();
         });
-        wasRunWhenReturned = accepted && hasRun;
+        wasRunWhenReturned = result == HandOver::Done && hasRun;
         isDone = true;
     });
     ASSERT_TRUE(waitUntil([&] { return isDone.load(); }));
@@ -59,7 +59,7 @@ TEST_F(GuiThread, KeepsTheOrderOfRequestsOfOneThread)
     std::thread worker([&] {
         for (int i = 0; i < 100; i += 2) {
             postToGuiThread([&order, i] { order.push_back(i); });
-            runOnGuiThread([&order, i] { order.push_back(i + 1); });
+            showOnGuiThread([&order, i] { order.push_back(i + 1); });
         }
         isDone = true;
     });
@@ -83,7 +83,7 @@ TEST_F(GuiThread, MayAskAgainFromInsideAPostedWork)
     int depth = 0;
     postToGuiThread([&] {
         ++depth;
-        runOnGuiThread([&] { ++depth; });
+        showOnGuiThread([&] { ++depth; });
         postToGuiThread([&] { ++depth; });
     });
     EXPECT_TRUE(waitUntil([&] { return depth == 3; }));
@@ -97,7 +97,7 @@ TEST_F(GuiThread, WakesEveryWaiterWhenTheGateCloses)
     for (int i = 0; i < 8; ++i) {
         workers.emplace_back([&] {
             ++asking;
-            if (!runOnGuiThread([] {}))
+            if (runOnGuiThread([] {}) == HandOver::Refused)
                 ++refused;
         });
     }
@@ -107,16 +107,20 @@ TEST_F(GuiThread, WakesEveryWaiterWhenTheGateCloses)
     for (std::thread &worker : workers)
         worker.join();
     EXPECT_EQ(refused, 8);
-    EXPECT_TRUE(runOnGuiThread([] {})) << "the GUI thread itself needs no gate";
+    EXPECT_EQ(runOnGuiThread([] {}), HandOver::Done) << "the GUI thread itself needs no gate";
 }
 
 TEST_F(GuiThread, WakesTheWorkerWhoseWorkThrew)
 {
-    std::atomic<int> answer = -1;
-    std::thread worker([&] { answer = runOnGuiThread([] { throw std::runtime_error("planted"); }) ? 1 : 0; });
-    EXPECT_TRUE(waitUntil([&] { return answer >= 0; }));
+    std::atomic<bool> hasReturned = false;
+    HandOver result = HandOver::Done;
+    std::thread worker([&] {
+        result = runOnGuiThread([] { throw std::runtime_error("planted"); });
+        hasReturned = true;
+    });
+    EXPECT_TRUE(waitUntil([&] { return hasReturned.load(); }));
     worker.join();
-    EXPECT_EQ(answer, 0);
+    EXPECT_EQ(result, HandOver::Failed) << "it was not refused";
 }
 
 TEST_F(GuiThread, DropsPostedWorkWhenTheGateCloses)
@@ -156,7 +160,7 @@ TEST(WorkerThreads, DoNotKeepTheGuiThreadWaitingAtTheEnd)
     // The order in which an application quits: close the gate, then join.
     for (int i = 0; i < 20; ++i) {
         workerThreads::start([] {
-            while (runOnGuiThread([] {}))
+            while (runOnGuiThread([] {}) == HandOver::Done)
                 QThread::yieldCurrentThread();
         });
     }

@@ -18,7 +18,8 @@
 //   err=BYTES           write to standard error, in one write
 //   flood=N             write N bytes 'x' to standard output, no line end
 //   flood-err=N         the same to standard error
-//   delay=MS            pause: what follows comes in another chunk
+//   delay=MS            pause
+//   until-read          pause until all that was written has been read: what follows comes in another chunk
 //   replay=PATH         act out a transcript: lines 'out BYTES', 'err BYTES', 'delay MS' (escapes as above)
 //   cat=PATH            write the file's bytes to standard output
 //   create=PATH         make an empty file, or cut the file to nothing
@@ -65,6 +66,7 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -392,10 +394,20 @@ bool actFiles(const std::string &verb, const std::string &value, const std::stri
 }
 
 /// Acts out the steps about time, signals and the end. Returns whether it knew the verb.
+/// Of a pipe that others read; 0 for anything else.
+int unreadBytes(int descriptor)
+{
+    int bytes = 0;
+    return ::ioctl(descriptor, FIONREAD, &bytes) == 0 ? bytes : 0;
+}
+
 bool actProcess(const std::string &verb, const std::string &value, const std::string &step)
 {
     if (verb == "delay") {
         pauseFor(number(value, step));
+    } else if (verb == "until-read") {
+        while (unreadBytes(STDOUT_FILENO) > 0 || unreadBytes(STDERR_FILENO) > 0)
+            pauseFor(1);
     } else if (verb == "grandchild") {
         startGrandchild(number(value, step));
     } else if (verb == "ignore-term") {

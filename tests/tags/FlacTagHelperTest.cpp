@@ -9,6 +9,8 @@
 #include "support/ToolFolder.h"
 #include "TagFixtures.h"
 
+#include <QFile>
+
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -319,4 +321,18 @@ TEST(FlacTagHelper, NoticesWhenMetaflacLeavesNoFile)
     ToolFolder tools;
     tools.addFake(u"metaflac"_s, "delete=@-1");
     EXPECT_THROW(FlacTagHelper::writeTagForFile(path, FlacTagHelper::kDate, u"1999"_s, false), NurvFailure);
+}
+
+TEST(FlacTagHelper, WritesIntoTheFileThatALinkLeadsTo)
+{
+    const TestFolder folder;
+    const QString path = writeFlac(folder.path(u"real/a.flac"_s));
+    const QString link = folder.makeLink(u"a.flac"_s, path);
+    // Too long for the room that flac leaves for tags, so that all has to be written anew.
+    const QString comment(30'000, u'c');
+    FlacTagHelper::writeTagForFile(link, FlacTagHelper::kComment, comment, false);
+    FlacTagHelper::writeTagForFile(link, FlacTagHelper::kDate, u"1999"_s, false);
+    EXPECT_EQ(QFile::symLinkTarget(link), path);
+    EXPECT_EQ(FlacTagHelper::tagForFile(path, FlacTagHelper::kComment), comment);
+    EXPECT_EQ(FlacTagHelper::tagForFile(path, FlacTagHelper::kDate), u"1999"_s);
 }

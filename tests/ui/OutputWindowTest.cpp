@@ -60,8 +60,6 @@ TEST_F(OutputWindowTest, ShowsDirectionMarksControlCharactersAndMarkupAsTheyAre)
     output->setTextValue(u"<b>a\u202Evaw.wav\x1b[2J</b>\nb"_s, u"c\u2066d"_s);
     EXPECT_EQ(output->text(), u"<b>a\\u{202E}vaw.wav\\x1B[2J</b>\nb"_s);
     EXPECT_EQ(output->windowTitle(), u"c\\u{2066}d"_s);
-    output->addReport(u"e\u009b"_s, u"f\u061C"_s);
-    EXPECT_TRUE(output->text().endsWith(u"\n--- f\\u{061C} ---\ne\\u{009B}"_s)) << qPrintable(output->text());
 }
 
 TEST_F(OutputWindowTest, FindsForwardsAndBackwardsAndGoesOnFromTheOtherEnd)
@@ -131,6 +129,21 @@ TEST_F(OutputWindowTest, CopiesTheSelectionOrEverything)
     text()->setTextCursor(cursor);
     output->copy();
     EXPECT_EQ(QApplication::clipboard()->text(), u"alpha ok\nbeta FA"_s);
+}
+
+TEST_F(OutputWindowTest, CopiesAndSavesNonBreakingBlanksAsTheyAre)
+{
+    const QString report = u"01\u00A0intro.flac:\u00A0OK\n02.flac: OK"_s;
+    output->setTextValue(report, u"Check"_s);
+    output->copy();
+    EXPECT_EQ(QApplication::clipboard()->text(), report);
+    text()->selectAll();
+    output->copy();
+    EXPECT_EQ(QApplication::clipboard()->text(), report);
+    const QString path = folder.path(u"report.txt"_s);
+    prompts.expectSavePath(u"Check.txt"_s, u"Save output"_s, path);
+    output->save();
+    EXPECT_EQ(folder.read(u"report.txt"_s), report.toUtf8());
 }
 
 TEST_F(OutputWindowTest, DoesNotLetItsTextBeChanged)

@@ -152,6 +152,18 @@ TEST_F(StatusWindowTest, AFailedRowIsRedKeepsItsBarAndTellsItsReport)
     EXPECT_EQ(list->model()->index(0, 0).data(Qt::ToolTipRole).toString(), u"1.wav: ERROR, no fmt chunk"_s);
 }
 
+TEST_F(StatusWindowTest, ARowTellsNoReportThatIsStillWritten)
+{
+    const auto job = add(u"1.wav"_s);
+    job->write(u"1.wav: ERROR, no fmt chunk\n"_s);
+    job->setError(true);
+    showRows();
+    EXPECT_EQ(list->model()->index(0, 0).data(Qt::ToolTipRole).toString(), u"1.wav"_s);
+    EXPECT_FALSE(StatusListModel::hasReport(*job));
+    job->finish(true);
+    EXPECT_TRUE(StatusListModel::hasReport(*job));
+}
+
 TEST_F(StatusWindowTest, ACancelledRowSaysSoInRed)
 {
     const auto job = add(u"1.wav"_s);
