@@ -64,6 +64,19 @@ TEST_P(TagsProgram, CostsTheTagsWhenItDies)
                    u"its tags could not be read: the program that reads them ended by signal 11"_s);
 }
 
+TEST_P(TagsProgram, CostsTheTagsWhenItDiesWhileItWrites)
+{
+    // Any file has an empty record; whatever else it is asked for kills it.
+    const InstalledNurv nurv(folder, "while kind=$(head -c 1 <&3 | od -An -tu1); do\n"
+                                     "    [ \"$((kind))\" = 1 ] || kill -SEGV $$\n"
+                                     "    head -c 16 <&3 >/dev/null\n"
+                                     "    printf '\\x10\\x80\\0\\0\\0\\0\\0\\0\\0' >&3\n"
+                                     "    head -c 128 /dev/zero >&3\n"
+                                     "done\n");
+    expectLostTags(nurv.run(encoding()),
+                   u"its tags could not be written: the program that reads them ended by signal 11"_s);
+}
+
 TEST_P(TagsProgram, CostsTheTagsWhenItIsNotThere)
 {
     const InstalledNurv nurv(folder, std::nullopt);
