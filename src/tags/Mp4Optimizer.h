@@ -19,8 +19,8 @@ class Mp4Optimizer {
 public:
     /// Writes the optimised file into `targetPath`, an existing file, and through to the
     /// disk. Returns nothing on success, else why not; then the target holds anything. Throws
-    /// TagsUnavailable when its process fails. The file itself is only read. Blocks; the memory needed does not depend on the length
-    /// of the sound. Any thread.
+    /// TagsUnavailable when the process that does it fails. The file itself is only read.
+    /// Blocks; the memory needed does not depend on the length of the sound. Any thread.
     [[nodiscard]] static std::optional<QString> optimize(const QString &path, const QString &targetPath);
     /// Optimises the file in its place, by way of a temporary file beside it: that is
     /// written, the file deleted, the temporary file moved. Throws NurvFailure:

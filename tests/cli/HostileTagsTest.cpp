@@ -65,7 +65,8 @@ QByteArray encoded(const TestFolder &folder, const QString &name)
     const QString path = folder.path(u"plain/"_s + name);
     if (name.endsWith(u".ape")) {
         const QString wav = writeWav(folder.path(u"plain/a.wav"_s), {.seconds = 0.1});
-        EXPECT_EQ(runProgram(QString::fromLocal8Bit(qgetenv("NURV_TOOLS")) + u"/mac"_s, {wav, path, u"-c2000"_s}).exitStatus, 0);
+        const QString mac = QString::fromLocal8Bit(qgetenv("NURV_TOOLS")) + u"/mac"_s;
+        EXPECT_EQ(runProgram(mac, {wav, path, u"-c2000"_s}).exitStatus, 0);
     } else {
         writeByFfmpeg(path, {.seconds = 0.1});
     }

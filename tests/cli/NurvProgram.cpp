@@ -66,7 +66,9 @@ MeasuredResult runMeasured(const TestFolder &folder, const QStringList &argument
     result.output = folder.read(u"standard output"_s);
     result.errors = folder.read(u"standard error"_s);
     result.peakBytes = qint64{1024} * used.ru_maxrss;
-    const auto seconds = [](const timeval &time) { return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6; };
+    const auto seconds = [](const timeval &time) {
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+    };
     result.processorSeconds = seconds(used.ru_utime) + seconds(used.ru_stime);
     return result;
 }
