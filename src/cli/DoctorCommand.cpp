@@ -30,18 +30,18 @@ bool isFound(const Finding &finding)
     return finding.status.state == ProgramStatus::State::Found;
 }
 
-/// The programs without which the everyday conversions do not work.
-bool isRequired(const QString &name)
-{
-    return name == u"flac" || name == u"metaflac" || name == u"shntool";
-}
-
 /// No program that jobs start, but the one that reads tags for them.
 const ExternalProgram &tagsProgram()
 {
     static const ExternalProgram program{
         u"nurv-tags"_s, true, {}, u"reads tags and pictures, apart from everything else"_s, {u"--version"_s}};
     return program;
+}
+
+/// The programs without which the everyday conversions do not work.
+bool isRequired(const QString &name)
+{
+    return name == u"flac" || name == u"metaflac" || name == u"shntool" || name == tagsProgram().name;
 }
 
 std::vector<Finding> findAll()
@@ -133,9 +133,9 @@ CommandSpec makeSpec()
     spec.summary = u"tell which external programs are there, and what provides the others"_s;
     spec.synopsis = u"[OPTION]..."_s;
     spec.details = u"Looks every external program up in the folder of the tools and asks it for its\n"
-                   "version. flac, metaflac and shntool are required; the others are needed for the\n"
-                   "formats that they stand for. nurv-tags is a part of this program: where it is\n"
-                   "missing, tags are read without the protection of a process of their own."_s;
+                   "version. flac, metaflac, shntool and nurv-tags are required; the others are needed\n"
+                   "for the formats that they stand for. nurv-tags is a part of this program: where it\n"
+                   "is missing, no tags are copied, and their sources stay."_s;
     spec.options = {
         {u"json"_s, {}, u"print one JSON object per program and one for the whole"_s},
         {u"quiet"_s, {}, u"print nothing; the exit status tells"_s},

@@ -304,9 +304,21 @@ void Conversion::noteDamage(const QString &reason)
 
 void Conversion::noteLostTags(const QString &reason)
 {
+    noteLost(u"only it has the tags"_s, u"its tags were not copied: %1"_s.arg(reason.trimmed()));
+}
+
+void Conversion::noteLostPicture(const std::optional<QString> &fault)
+{
+    if (!fault)
+        return;
+    qCWarning(convertLog).noquote() << "Picture not copied:" << fileName() << "->" << outputFile() << ':' << *fault;
+    noteLost(u"only it has the picture"_s, u"its picture was not copied: %1"_s.arg(fault->trimmed()));
+}
+
+void Conversion::noteLost(const QString &whyItStays, const QString &problem)
+{
     if (!m_retirement.wishes().dropsMetadata)
-        m_retirement.doubt(u"only it has the tags"_s);
-    const QString problem = u"its tags were not copied: %1"_s.arg(reason.trimmed());
+        m_retirement.doubt(whyItStays);
     noteProblem(problem);
     tell(problem);
 }

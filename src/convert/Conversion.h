@@ -118,6 +118,8 @@ protected:
     void checkThatSourceIsThere() const;
     /// The output could not take the tags: the source stays, and the row says so.
     void noteLostTags(const QString &reason);
+    /// The same for a cover picture that could not be copied; does nothing without a fault.
+    void noteLostPicture(const std::optional<QString> &fault);
 
     /// The output stands, with its tags: after the end of the application, too.
     void noteComplete();
@@ -147,6 +149,7 @@ private:
     [[nodiscard]] bool hasToTell() const;
     void showProof(double percent);
     void noteKept(const QString &reason);
+    void noteLost(const QString &whyItStays, const QString &problem);
     /// Reports a line, in a set of its own when the job has dropped its set already.
     void tell(const QString &problem);
     void restoreReplaced();

@@ -13,6 +13,7 @@
 
 #include <QFile>
 
+#include <exception>
 #include <memory>
 #include <optional>
 #include <system_error>
@@ -178,13 +179,17 @@ void ConversionTask::copyTags(const std::function<void()> &copy)
     const bool hasOutput = hasRun() && isThere(outputFile()) && (programSucceeded() || !outputExisted());
     if (!hasOutput)
         return;
+    const auto tell = [this](const QString &reason) {
+        qCWarning(convertLog).noquote() << "Tags not copied:" << fileName() << "->" << outputFile() << ':' << reason;
+        noteLostTags(reason);
+    };
     try {
         checkThatSourceIsThere();
         copy();
     } catch (const NurvFailure &failure) {
-        qCWarning(convertLog).noquote() << "Tags not copied:" << fileName() << "->" << outputFile() << ':'
-                                        << failure.reason();
-        noteLostTags(failure.reason());
+        tell(failure.reason());
+    } catch (const std::exception &failure) {
+        tell(QString::fromUtf8(failure.what()));
     }
 }
 

@@ -30,7 +30,9 @@ void DecodeALACTask::doDecodeCall()
 void DecodeALACTask::handleAlacTags()
 {
     showStatus(u"Copying ALAC Tags"_s);
-    TagLibTagsHelper::writeTagsForAIFFFile(outputFile(), AACTagsHelper::tagsForFile(fileName()));
+    const TagsObject tags = AACTagsHelper::tagsForFile(fileName());
+    TagLibTagsHelper::writeTagsForAIFFFile(outputFile(), tags);
+    noteLostPicture(tags.albumArtFault());
 }
 
 void DecodeALACTask::cleanup()

@@ -42,8 +42,10 @@ void DecodeFlacTask::getFlacTags()
 {
     const TagsObject tags = TagLibTagsHelper::tagsForFlacFile(fileName());
     showStatus(u"Copying Flac Tags"_s);
-    if (pathExtension(outputFile()) == u"aiff")
-        TagLibTagsHelper::writeTagsForAIFFFile(outputFile(), tags);
+    if (pathExtension(outputFile()) != u"aiff")
+        return;
+    TagLibTagsHelper::writeTagsForAIFFFile(outputFile(), tags);
+    noteLostPicture(tags.albumArtFault());
 }
 
 } // namespace nurv

@@ -122,7 +122,8 @@ void EncodeALACTask::setEncoderTag()
 
 void EncodeALACTask::writeRecord(const TagsObject &tags)
 {
-    AACTagsHelper::writeTagsForFile(outputFile(), tags, false, true);
+    const std::optional<QString> unrendered = AACTagsHelper::writeTagsForFile(outputFile(), tags, false, true);
+    noteLostPicture(unrendered ? unrendered : tags.albumArtFault());
 }
 
 void EncodeALACTask::optimizeFile(const QString &path)

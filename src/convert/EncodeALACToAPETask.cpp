@@ -39,6 +39,7 @@ void EncodeALACToAPETask::getALACTags()
     const TagsObject tags = AACTagsHelper::tagsForFile(fileName());
     showStatus(u"Writing APE Tags"_s);
     TagLibTagsHelper::writeTagsForAPEFile(outputFile(), tags, false);
+    noteLostPicture(tags.albumArtFault());
 }
 
 } // namespace nurv

@@ -38,6 +38,7 @@ void EncodeALACToWavpackTask::getALACTags()
     const TagsObject tags = AACTagsHelper::tagsForFile(fileName());
     showStatus(u"Writing Wavpack Tags"_s);
     TagLibTagsHelper::writeTagsForWavpackFile(outputFile(), tags, false);
+    noteLostPicture(tags.albumArtFault());
 }
 
 } // namespace nurv

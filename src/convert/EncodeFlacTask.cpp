@@ -50,6 +50,7 @@ void EncodeFlacTask::getAiffTags()
     const TagsObject tags = TagLibTagsHelper::tagsForAIFFFile(fileName());
     showStatus(u"Writing Flac Tags"_s);
     TagLibTagsHelper::writeTagsForFLACFile(outputFile(), tags, true);
+    noteLostPicture(tags.albumArtFault());
 }
 
 void EncodeFlacTask::finalCleanup()

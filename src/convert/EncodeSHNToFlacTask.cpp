@@ -53,6 +53,7 @@ void EncodeSHNToFlacTask::getApeTags()
     const TagsObject tags = TagLibTagsHelper::tagsForAPEFile(fileName());
     showStatus(u"Writing Flac Tags"_s);
     TagLibTagsHelper::writeTagsForFLACFile(outputFile(), tags, false);
+    noteLostPicture(tags.albumArtFault());
 }
 
 void EncodeSHNToFlacTask::finalCleanup()

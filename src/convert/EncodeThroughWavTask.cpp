@@ -166,7 +166,9 @@ void EncodeThroughWavTask::writeTags()
     } else {
         showStatus(u"Writing Flac Tags"_s);
         writeFlacTags(tags);
+        return;
     }
+    noteLostPicture(tags.albumArtFault());
 }
 
 } // namespace nurv

@@ -70,6 +70,7 @@ void TwoStageEncodeTask::encodeThroughWav(const StageFor &stageFor)
 void TwoStageEncodeTask::writeFlacTags(const TagsObject &tags)
 {
     FlacTagHelper::writeTagsForFile(outputFile(), tags, false);
+    noteLostPicture(tags.albumArtFault());
     if (holdsRecord(TagLibTagsHelper::tagsForFlacFile(outputFile()), tags))
         return;
     qCWarning(convertLog).noquote() << "Tags not copied:" << fileName() << "->" << outputFile();

@@ -13,6 +13,7 @@
 #include "platform/NurvFailure.h"
 #include "platform/ResourceFolder.h"
 #include "samples/SoundLength.h"
+#include "tags/TagsUnavailable.h"
 
 #include <QFile>
 
@@ -248,6 +249,10 @@ void TwoStageTask::copyTags(const std::function<void()> &copy, const QString &co
     try {
         checkThatSourceIsThere();
         copy();
+    } catch (const TagsUnavailable &failure) {
+        qCWarning(convertLog).noquote() << "Tags not copied:" << fileName() << "->" << m_outFile << ':'
+                                        << failure.reason();
+        noteLostTags(failure.reason());
     } catch (const NurvFailure &failure) {
         complain(failure.reason());
     } catch (const std::exception &failure) {

@@ -65,8 +65,8 @@ protected:
     /// what it is given went the other way.
     void refuseOutputThatBegins(const QByteArray &bytes);
     /// Runs `copy`, which copies tags to the output, if the job has made one and was not
-    /// cancelled. What `copy` throws goes to the log, sets the error flag, and is reported
-    /// behind `complaint`.
+    /// cancelled. Tags that cannot be had are lost tags, and no failure of the job; whatever else `copy`
+    /// throws goes to the log, sets the error flag, and is reported behind `complaint`.
     void copyTags(const std::function<void()> &copy,
                   const QString &complaint = QStringLiteral("Error writing tags to file:\n"));
     /// Examines the output and deletes the source, if that was asked for and nothing speaks

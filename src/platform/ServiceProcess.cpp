@@ -34,6 +34,14 @@ using namespace std::chrono_literals;
 constexpr int kSocketOfService = 3;
 constexpr auto kEndGrace = 500ms;
 
+// What such a program writes is for no terminal: it may have been taken over. Only the reports of
+// sanitizers are.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool kShowsReports = true;
+#else
+constexpr bool kShowsReports = false;
+#endif
+
 struct Registry {
     std::mutex lock;
     std::set<pid_t> running;
@@ -66,6 +74,8 @@ public:
         ::posix_spawnattr_init(&attributes);
         ::posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
         ::posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
+        if (!kShowsReports)
+            ::posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
         ::posix_spawn_file_actions_adddup2(&actions, socket, kSocketOfService);
         ::posix_spawn_file_actions_addclosefrom_np(&actions, kSocketOfService + 1);
         sigset_t none;

@@ -12,8 +12,9 @@
 namespace nurv {
 
 /// A long-lived program of our own that works for this process and is asked over a socket, which is
-/// its descriptor 3. It is no program of a batch and is not counted among the children, but carries
-/// their mark, and ends with them. Belongs to one thread at a time; `endAll` may be called from any.
+/// its descriptor 3; what it writes to its standard output and errors goes nowhere. It is no program of a
+/// batch and is not counted among the children, but carries their mark, and ends with them. Belongs to one
+/// thread at a time; `endAll` may be called from any.
 class ServiceProcess {
 public:
     /// Starts it. Throws NurvFailure with the reason.

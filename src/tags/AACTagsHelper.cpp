@@ -14,11 +14,13 @@
 #include "platform/SystemError.h"
 #include "platform/TextNumbers.h"
 #include "platform/Version.h"
+#include "tags/AlbumArt.h"
 #include "tags/Mp4Movie.h"
 #include "tags/Mp4Optimizer.h"
 #include "tags/TagEditStream.h"
 #include "tags/TagsLog.h"
 #include "tags/TagsProcess.h"
+#include "tags/TagsUnavailable.h"
 
 #include <QDir>
 #include <QFile>
@@ -120,13 +122,16 @@ TagsObject readItems(const Mp4Movie &movie)
     read(movie.text(kComment), &TagsObject::setCommentText);
     read(genreOf(movie), &TagsObject::setGenreText);
     read(movie.text(kWriter), &TagsObject::setComposerText);
-    if (const std::optional<Mp4Movie::Value> picture = movie.value(kCoverArt))
-        tags.setAlbumArt(albumArtFromBytes(picture->bytes));
+    if (const std::optional<Mp4Movie::Value> picture = movie.value(kCoverArt)) {
+        PictureReading reading = readPicture(picture->bytes);
+        tags.setAlbumArt(std::move(reading.picture), std::move(reading.fault));
+    }
     return tags;
 }
 
-/// Returns false when the file's metadata cannot take items.
-bool writeItems(Mp4Movie &movie, const TagsObject &tags, bool writeEmptyTags, bool encoding)
+/// Returns false when the file's metadata cannot take items; sets `leftOut` when the picture cannot be
+/// rendered, which costs nothing else.
+bool writeItems(Mp4Movie &movie, const TagsObject &tags, bool writeEmptyTags, bool encoding, Text &leftOut)
 {
     bool isWritten = true;
     const auto writes = [&](const Text &text) { return writeEmptyTags || (text && !text->isEmpty()); };
@@ -156,7 +161,7 @@ bool writeItems(Mp4Movie &movie, const TagsObject &tags, bool writeEmptyTags, bo
             const QByteArray png = getBitmapDataForImage(tags.albumArt(), ImageFileType::Png);
             isWritten = movie.setFirstPicture(png) && isWritten;
         } catch (const NurvFailure &failure) {
-            qCWarning(tagsLog, "Picture left out: %s", failure.what());
+            leftOut = failure.reason();
         }
     }
     if (encoding) {
@@ -194,17 +199,20 @@ std::optional<QString> save(TagEditStream &stream, const Mp4Layout &layout, cons
     return stream.commitAsNewFile();
 }
 
-void writeTags(const QString &path, const TagsObject &tags, bool writeEmptyTags, bool encoding)
+/// Returns why the picture was left out.
+Text writeTags(const QString &path, const TagsObject &tags, bool writeEmptyTags, bool encoding)
 {
     TagEditStream stream(path, TagEditStream::Access::Edit);
     const Mp4Layout layout = Mp4Layout::of(stream);
     std::optional<Mp4Movie> movie = Mp4Movie::of(stream, layout);
     if (!movie)
         throw NurvFailure(u"Unable to open the output file for tagging."_s);
-    if (!writeItems(*movie, tags, writeEmptyTags, encoding))
+    Text leftOut;
+    if (!writeItems(*movie, tags, writeEmptyTags, encoding, leftOut))
         throw NurvFailure(u"Unable to save the tags: the metadata is damaged or of another kind."_s);
     if (const std::optional<QString> reason = save(stream, layout, *layout.only(fourCharacters("moov")), *movie))
         throw NurvFailure(u"Unable to save the tags: %1."_s.arg(*reason));
+    return leftOut;
 }
 
 /// What AtomicParsley says when the disk is full; then it waits for ever.
@@ -287,28 +295,30 @@ TagsObject AACTagsHelper::tagsForFile(const QString &path)
         if (const std::optional<Mp4Movie> movie = Mp4Movie::of(stream, Mp4Layout::of(stream)))
             return readItems(*movie);
     } catch (const std::bad_alloc &) {
-        throw NurvFailure(u"Unable to allocate memory."_s);
+        throw TagsUnavailable(u"Unable to allocate memory."_s);
     }
     throw NurvFailure(u"Unable to open the file for reading."_s);
 }
 
-void AACTagsHelper::writeTagsForFile(const QString &path, const TagsObject &tagObject, bool writeEmptyTags,
-                                     bool encoding)
+TagsObject::Text AACTagsHelper::writeTagsForFile(const QString &path, const TagsObject &tagObject,
+                                                 bool writeEmptyTags, bool encoding)
 {
-    writeItemsForFile(path, tagObject, writeEmptyTags, encoding);
+    Text leftOut = writeItemsForFile(path, tagObject, writeEmptyTags, encoding);
     Mp4Optimizer::optimizeInPlace(path);
+    return leftOut;
 }
 
-void AACTagsHelper::writeItemsForFile(const QString &path, const TagsObject &tagObject, bool writeEmptyTags,
-                                      bool encoding)
+TagsObject::Text AACTagsHelper::writeItemsForFile(const QString &path, const TagsObject &tagObject,
+                                                  bool writeEmptyTags, bool encoding)
 {
     try {
         const TagsProcess::Writing writing{.format = TagFormat::Mp4,
                                            .writeEmptyTags = writeEmptyTags,
                                            .encoding = encoding,
                                            .quickTimeVersion = quickTimeVersion()};
-        if (!TagsProcess::writeTags(writing, path, tagObject))
-            writeTags(path, tagObject, writeEmptyTags, encoding);
+        if (std::optional<TagsProcess::Written> written = TagsProcess::writeTags(writing, path, tagObject))
+            return std::move(written->leftOut);
+        return writeTags(path, tagObject, writeEmptyTags, encoding);
     } catch (const std::bad_alloc &) {
         throw NurvFailure(u"Unable to allocate memory."_s);
     }

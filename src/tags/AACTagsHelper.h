@@ -22,7 +22,7 @@ namespace nurv {
 class AACTagsHelper {
 public:
     /// A new record. Track, disc and their totals are always set, to "0" where the file has
-    /// none. Throws for what is no MPEG-4 file or cannot be read.
+    /// none. Throws for what is no MPEG-4 file or cannot be read; of a picture that cannot, the record tells.
     [[nodiscard]] static TagsObject tagsForFile(const QString &path);
 
     /// Writes the texts that are not empty, with `writeEmptyTags` all of them, and the picture if there is one.
@@ -30,12 +30,14 @@ public:
     /// not written. With `encoding`, and where a QuickTime version is known, the encoding tool is written.
     ///
     /// Then optimises the file (Mp4Optimizer). The file is as it was when the tags cannot be written; it holds
-    /// the new tags in the old order when it cannot be optimised.
-    static void writeTagsForFile(const QString &path, const TagsObject &tagObject, bool writeEmptyTags, bool encoding);
+    /// the new tags in the old order when it cannot be optimised. Returns why the picture is not in it, as the
+    /// end of a sentence, when it cannot be rendered; that costs nothing else.
+    static TagsObject::Text writeTagsForFile(const QString &path, const TagsObject &tagObject, bool writeEmptyTags,
+                                             bool encoding);
 
     /// `writeTagsForFile` without the optimising; the file is as it was when it throws.
-    static void writeItemsForFile(const QString &path, const TagsObject &tagObject, bool writeEmptyTags,
-                                  bool encoding);
+    static TagsObject::Text writeItemsForFile(const QString &path, const TagsObject &tagObject, bool writeEmptyTags,
+                                              bool encoding);
 
     /// Empties title, artist, date, album, disc, track, comment, genre and composer; leaves
     /// the other fields.

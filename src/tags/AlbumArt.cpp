@@ -3,8 +3,6 @@
 #include "tags/AlbumArt.h"
 
 #include "platform/NurvFailure.h"
-#include "tags/PictureMemory.h"
-#include "tags/TagsLog.h"
 
 #include <QBuffer>
 #include <QImageReader>
@@ -13,8 +11,7 @@
 #include <cstdint>
 #include <exception>
 #include <mutex>
-#include <optional>
-#include <utility>
+#include <new>
 
 using namespace Qt::StringLiterals;
 
@@ -68,59 +65,72 @@ std::optional<std::int64_t> memoryFor(const QImageReader &reader)
     return pixels * (pixelSize + kDecoderBytesPerPixel);
 }
 
-AlbumArt leaveOut(const QString &reason)
-{
-    qCWarning(tagsLog, "Picture left out: %s", qUtf8Printable(reason));
-    return nullptr;
-}
-
 } // namespace
 
-AlbumArt albumArtFromBytes(const QByteArray &bytes)
+DecodedPicture decodePicture(const QByteArray &bytes)
 {
     static std::once_flag limitSet;
     std::call_once(limitSet, [] { QImageReader::setAllocationLimit(kPixelLimitMiB); });
 
-    if (bytes.isEmpty())
-        return nullptr;
     const char *const format = formatOf(bytes);
     if (format == nullptr)
-        return leaveOut(u"it is of no known kind"_s);
+        throw NurvFailure(u"it is of no known kind"_s);
     QBuffer buffer;
     buffer.setData(bytes);
-    if (!buffer.open(QIODevice::ReadOnly))
-        return nullptr;
+    buffer.open(QIODevice::ReadOnly);
+    QImageReader reader(&buffer, format);
+    reader.setAutoDetectImageFormat(false);
+    reader.setDecideFormatFromContent(false);
+    if (!reader.canRead())
+        throw NurvFailure(u"there is no decoder for %1, or it is damaged"_s.arg(QString::fromLatin1(format)));
+    const std::optional<std::int64_t> memory = memoryFor(reader);
+    if (!memory)
+        throw NurvFailure(u"it is too large, or does not tell its size"_s);
+    DecodedPicture decoded{.share = PictureMemory::take(*memory), .image = {}};
+    decoded.image = reader.read();
+    if (decoded.image.isNull())
+        throw NurvFailure(u"it cannot be decoded: %1"_s.arg(reader.errorString()));
+    return decoded;
+}
+
+PictureReading readPicture(const QByteArray &bytes)
+{
+    if (bytes.isEmpty())
+        return {};
     try {
-        QImageReader reader(&buffer, format);
-        reader.setAutoDetectImageFormat(false);
-        reader.setDecideFormatFromContent(false);
-        if (!reader.canRead())
-            return leaveOut(u"there is no decoder for %1, or it is damaged"_s.arg(QString::fromLatin1(format)));
-        const std::optional<std::int64_t> memory = memoryFor(reader);
-        if (!memory)
-            return leaveOut(u"it is too large, or does not tell its size"_s);
-        const PictureMemory::Share share = PictureMemory::take(*memory);
-        QImage image = reader.read();
-        if (image.isNull())
-            return leaveOut(reader.errorString());
-        return std::make_shared<const QImage>(std::move(image));
+        const DecodedPicture decoded = decodePicture(bytes);
+        return {.picture = std::make_shared<const CoverPicture>(bytes, decoded.image.size(), decoded.image.bitPlaneCount()),
+                .fault = {}};
+    } catch (const NurvFailure &failure) {
+        return {.picture = nullptr, .fault = failure.reason()};
+    } catch (const std::bad_alloc &) {
+        return {.picture = nullptr, .fault = u"there is not enough memory for it"_s};
     } catch (const std::exception &failure) {
-        return leaveOut(QString::fromUtf8(failure.what()));
+        return {.picture = nullptr, .fault = QString::fromUtf8(failure.what())};
     }
 }
 
-QByteArray getBitmapDataForImage(const AlbumArt &image, ImageFileType fileType)
+QByteArray getBitmapDataForImage(const AlbumArt &picture, ImageFileType fileType)
 {
-    Q_ASSERT(image != nullptr);
+    Q_ASSERT(picture != nullptr);
     switch (fileType) {
     case ImageFileType::Png: break;
     }
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    QImageWriter writer(&buffer, "png");
-    if (!image || !writer.write(*image))
-        throw NurvFailure(u"Unable to render the picture: %1"_s.arg(writer.errorString()));
-    return buffer.data();
+    if (!picture)
+        throw NurvFailure(u"Unable to render the picture: there is none"_s);
+    try {
+        const DecodedPicture decoded = decodePicture(picture->bytes());
+        QBuffer buffer;
+        buffer.open(QIODevice::WriteOnly);
+        QImageWriter writer(&buffer, "png");
+        if (!writer.write(decoded.image))
+            throw NurvFailure(writer.errorString());
+        return buffer.data();
+    } catch (const NurvFailure &failure) {
+        throw NurvFailure(u"Unable to render the picture: %1"_s.arg(failure.reason()));
+    } catch (const std::bad_alloc &) {
+        throw NurvFailure(u"Unable to render the picture: there is not enough memory for it"_s);
+    }
 }
 
 } // namespace nurv

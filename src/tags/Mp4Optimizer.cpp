@@ -11,6 +11,7 @@
 #include "tags/TagEditStream.h"
 #include "tags/TagsLog.h"
 #include "tags/TagsProcess.h"
+#include "tags/TagsUnavailable.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -97,6 +98,8 @@ std::optional<QString> Mp4Optimizer::optimize(const QString &path, const QString
         if (std::optional<QString> reason = putInOrder(stream))
             return reason;
         return stream.writeTo(targetPath);
+    } catch (const TagsUnavailable &) {
+        throw;
     } catch (const std::exception &failure) {
         return QString::fromUtf8(failure.what());
     }
@@ -112,7 +115,15 @@ void Mp4Optimizer::optimizeInPlace(const QString &path)
     }
     const QString temporaryPath = Util::generateTempFileName(file.absolutePath(), file.suffix());
     const NotedTemporary note(temporaryPath);
-    if (const std::optional<QString> reason = optimize(file.filePath(), temporaryPath)) {
+    const auto reason = [&] {
+        try {
+            return optimize(file.filePath(), temporaryPath);
+        } catch (const TagsUnavailable &) {
+            ::unlink(QFile::encodeName(temporaryPath).constData());
+            throw;
+        }
+    }();
+    if (reason) {
         ::unlink(QFile::encodeName(temporaryPath).constData());
         qCWarning(tagsLog, "Not optimized: %s: %s", qUtf8Printable(path), qUtf8Printable(*reason));
         throw NurvFailure(u"unable to optimize @% file"_s);

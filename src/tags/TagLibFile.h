@@ -5,6 +5,7 @@
 #include "platform/NurvFailure.h"
 #include "tags/TagEditStream.h"
 #include "tags/TagsObject.h"
+#include "tags/TagsUnavailable.h"
 
 #include <QString>
 
@@ -70,7 +71,7 @@ private:
 };
 
 /// Runs `read(file)` on a valid file, which returns the record; nothing for any other
-/// file. Throws NurvFailure for a file whose tags may not or cannot be read: to take it for one
+/// file. Throws TagsUnavailable for a file whose tags may not or cannot be read: to take it for one
 /// without tags would lose them.
 template<typename File, typename Read>
 [[nodiscard]] std::optional<TagsObject> read(const QString &path, const Read &read)
@@ -81,14 +82,14 @@ template<typename File, typename Read>
         if (opened.isValid())
             tags = read(opened.file());
         if (const std::optional<QString> reason = opened.stream().readingFailure())
-            throw NurvFailure(*reason);
+            throw TagsUnavailable(*reason);
         return tags;
     } catch (const NurvFailure &) {
         throw;
     } catch (const std::bad_alloc &) {
-        throw NurvFailure(QStringLiteral("there is not enough memory to read its tags"));
+        throw TagsUnavailable(QStringLiteral("there is not enough memory to read its tags"));
     } catch (const std::exception &failure) {
-        throw NurvFailure(QStringLiteral("its tags could not be read: %1").arg(QString::fromUtf8(failure.what())));
+        throw TagsUnavailable(QStringLiteral("its tags could not be read: %1").arg(QString::fromUtf8(failure.what())));
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include "platform/TextNumbers.h"
 #include "platform/Version.h"
+#include "tags/AlbumArt.h"
 #include "tags/FlacTagHelper.h"
 #include "tags/TagLibFile.h"
 #include "tags/TagsLog.h"
@@ -83,6 +84,12 @@ QByteArray pngOf(const TagsObject &tags, qsizetype limit)
     return png;
 }
 
+void readPictureInto(TagsObject &tags, const TagLib::ByteVector &bytes)
+{
+    PictureReading reading = readPicture(QByteArray(bytes.data(), bytes.size()));
+    tags.setAlbumArt(std::move(reading.picture), std::move(reading.fault));
+}
+
 TagLib::ByteVector byteVector(const QByteArray &bytes)
 {
     return {bytes.constData(), static_cast<unsigned int>(bytes.size())};
@@ -122,16 +129,16 @@ void addPictureFrame(TagLib::ID3v2::Tag &tag, const TagsObject &tags)
     tag.addFrame(frame.release());
 }
 
-AlbumArt firstPicture(const TagLib::ID3v2::Tag &tag)
+void readFirstPicture(TagsObject &tags, const TagLib::ID3v2::Tag &tag)
 {
     const TagLib::ID3v2::FrameList &frames = tag.frameList("APIC");
     if (frames.isEmpty())
-        return nullptr;
-    const auto *frame = dynamic_cast<const TagLib::ID3v2::AttachedPictureFrame *>(frames.front());
-    if (frame == nullptr)
-        return nullptr;
-    const TagLib::ByteVector bytes = frame->picture();
-    return albumArtFromBytes(QByteArray(bytes.data(), bytes.size()));
+        return;
+    // TagLib keeps the bytes of an encrypted frame.
+    if (const auto *frame = dynamic_cast<const TagLib::ID3v2::AttachedPictureFrame *>(frames.front()))
+        readPictureInto(tags, frame->picture());
+    else
+        tags.setAlbumArt(nullptr, u"its frame cannot be read"_s);
 }
 
 struct NumberAndTotal {
@@ -170,7 +177,7 @@ void readId3v2Frames(TagsObject &tags, const TagLib::ID3v2::Tag &tag)
     const NumberAndTotal track = splitNumberAndTotal(frameText(tag, "TRCK"));
     tags.setTrackText(track.number);
     tags.setTrackTotalText(track.total);
-    tags.setAlbumArt(firstPicture(tag));
+    readFirstPicture(tags, tag);
 }
 
 // APE
@@ -233,9 +240,9 @@ void addFlacPicture(TagLib::FLAC::File &file, const TagsObject &tags)
     auto picture = std::make_unique<TagLib::FLAC::Picture>();
     picture->setType(TagLib::FLAC::Picture::FrontCover);
     picture->setMimeType("image/png");
-    picture->setWidth(tags.albumArt()->width());
-    picture->setHeight(tags.albumArt()->height());
-    picture->setColorDepth(tags.albumArt()->bitPlaneCount());
+    picture->setWidth(tags.albumArt()->size().width());
+    picture->setHeight(tags.albumArt()->size().height());
+    picture->setColorDepth(tags.albumArt()->depth());
     picture->setData(byteVector(pngOf(tags, kFlacBlockLimit)));
     file.addPicture(picture.release());
 }
@@ -421,10 +428,8 @@ TagsObject TagLibTagsHelper::tagsForFlacFile(const QString &path)
                [](TagLib::FLAC::File &file) {
                    TagsObject tags = blankTags();
                    const TagLib::List<TagLib::FLAC::Picture *> pictures = file.pictureList();
-                   if (!pictures.isEmpty()) {
-                       const TagLib::ByteVector bytes = pictures.front()->data();
-                       tags.setAlbumArt(albumArtFromBytes(QByteArray(bytes.data(), bytes.size())));
-                   }
+                   if (!pictures.isEmpty())
+                       readPictureInto(tags, pictures.front()->data());
                    const TagLib::Ogg::XiphComment *comment = file.xiphComment();
                    if (comment == nullptr)
                        return tags;

@@ -5,5 +5,6 @@
 namespace nurv {
 
 Q_LOGGING_CATEGORY(tagsLog, "nurv.tags")
+Q_LOGGING_CATEGORY(sandboxLog, "nurv.tags.sandbox", QtWarningMsg)
 
 } // namespace nurv

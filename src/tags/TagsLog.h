@@ -7,5 +7,7 @@
 namespace nurv {
 
 Q_DECLARE_LOGGING_CATEGORY(tagsLog)
+/// What the process for tags has to do without; shown only to who asks for it.
+Q_DECLARE_LOGGING_CATEGORY(sandboxLog)
 
 } // namespace nurv

@@ -2,9 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tags/TagsMessage.h"
 
-#include "platform/NurvFailure.h"
-
-#include <QColorSpace>
 #include <QtEndian>
 
 #include <algorithm>
@@ -19,16 +16,7 @@ namespace {
 
 constexpr std::uint64_t kNumberSize = 8;
 constexpr std::uint64_t kMostSide = 65'536;
-constexpr std::int64_t kMostPixelBytes = std::int64_t{512} << 20;
-constexpr std::uint64_t kMostColours = 256;
-constexpr qsizetype kMostPictureTexts = 100;
-constexpr qsizetype kMostPictureText = 64 * 1024;
-
-// A profile of colours is parsed only where the picture is read or written, not in between.
-QString profileKey()
-{
-    return u"\x1fprofile"_s;
-}
+constexpr std::uint64_t kMostDepth = 256;
 
 constexpr std::array kTexts = {&TagsObject::titleText,      &TagsObject::artistText,    &TagsObject::albumArtistText,
                                &TagsObject::dateText,       &TagsObject::albumText,     &TagsObject::commentText,
@@ -44,12 +32,7 @@ constexpr std::array kSetters = {
 
 [[noreturn]] void failAsDamaged()
 {
-    throw NurvFailure(u"the answer about its tags is damaged"_s);
-}
-
-std::int64_t rowSize(std::int64_t width, int depth)
-{
-    return (width * depth + 7) / 8;
+    throw DamagedMessage(u"the answer about its tags is damaged"_s);
 }
 
 } // namespace
@@ -91,41 +74,18 @@ void TagsMessageWriter::putRecord(const TagsObject &record)
         putText(tag.value());
     }
     putPicture(record.albumArt());
+    putOptional(record.albumArtFault());
 }
 
 void TagsMessageWriter::putPicture(const AlbumArt &picture)
 {
-    putNumber(picture && !picture->isNull() ? 1 : 0);
-    if (!picture || picture->isNull())
+    putNumber(picture ? 1 : 0);
+    if (!picture)
         return;
-    putNumber(static_cast<std::uint64_t>(picture->width()));
-    putNumber(static_cast<std::uint64_t>(picture->height()));
-    putNumber(static_cast<std::uint64_t>(picture->format()));
-    putNumber(static_cast<std::uint64_t>(std::max(0, picture->dotsPerMeterX())));
-    putNumber(static_cast<std::uint64_t>(std::max(0, picture->dotsPerMeterY())));
-    const QList<QRgb> colours = picture->colorTable();
-    putNumber(static_cast<std::uint64_t>(colours.size()));
-    for (const QRgb colour : colours)
-        putNumber(colour);
-    QMap<QString, QString> texts;
-    const QStringList keys = picture->textKeys();
-    for (const QString &key : keys.first(std::min(keys.size(), kMostPictureTexts))) {
-        if (key != profileKey())
-            texts.insert(key, picture->text(key).left(kMostPictureText));
-    }
-    const QByteArray profile = picture->colorSpace().iccProfile();
-    const QString kept = picture->text(profileKey());
-    if (!profile.isEmpty() || !kept.isEmpty())
-        texts.insert(profileKey(), profile.isEmpty() ? kept : QString::fromLatin1(profile));
-    putNumber(static_cast<std::uint64_t>(texts.size()));
-    for (auto text = texts.cbegin(); text != texts.cend(); ++text) {
-        putText(text.key());
-        putText(text.value());
-    }
-    const qsizetype row = rowSize(picture->width(), picture->depth());
-    m_bytes.reserve(m_bytes.size() + row * picture->height());
-    for (int y = 0; y < picture->height(); ++y)
-        m_bytes.append(reinterpret_cast<const char *>(picture->constScanLine(y)), row);
+    putNumber(static_cast<std::uint64_t>(std::max(0, picture->size().width())));
+    putNumber(static_cast<std::uint64_t>(std::max(0, picture->size().height())));
+    putNumber(static_cast<std::uint64_t>(std::max(0, picture->depth())));
+    putBytes(picture->bytes());
 }
 
 void TagsMessageWriter::putInventory(const MetadataInventory &inventory)
@@ -186,20 +146,25 @@ std::uint64_t TagsMessageReader::takeCount(std::uint64_t smallestPart)
     return count;
 }
 
-QByteArray TagsMessageReader::takeBytes()
+QByteArrayView TagsMessageReader::takeView()
 {
     const auto size = static_cast<qsizetype>(takeCount(1));
     m_position += size;
-    return m_bytes.mid(m_position - size, size);
+    return QByteArrayView(m_bytes).sliced(m_position - size, size);
+}
+
+QByteArray TagsMessageReader::takeBytes()
+{
+    return takeView().toByteArray();
 }
 
 QString TagsMessageReader::takeText()
 {
-    const QByteArray bytes = takeBytes();
+    const QByteArrayView bytes = takeView();
     if (bytes.size() % 2 != 0)
         failAsDamaged();
     QString text(bytes.size() / 2, Qt::Uninitialized);
-    std::copy_n(bytes.constData(), bytes.size(), reinterpret_cast<char *>(text.data()));
+    std::copy_n(bytes.data(), bytes.size(), reinterpret_cast<char *>(text.data()));
     return text;
 }
 
@@ -217,7 +182,8 @@ TagsObject TagsMessageReader::takeRecord()
         const QString key = takeText();
         record.customTagsDictionary().insert(key, takeText());
     }
-    record.setAlbumArt(takePicture());
+    AlbumArt picture = takePicture();
+    record.setAlbumArt(std::move(picture), takeOptional());
     return record;
 }
 
@@ -227,38 +193,8 @@ AlbumArt TagsMessageReader::takePicture()
         return nullptr;
     const auto width = static_cast<int>(takeNumber(kMostSide));
     const auto height = static_cast<int>(takeNumber(kMostSide));
-    const auto format = static_cast<QImage::Format>(takeNumber(QImage::NImageFormats - 1));
-    const auto dotsX = static_cast<int>(takeNumber(std::numeric_limits<int>::max()));
-    const auto dotsY = static_cast<int>(takeNumber(std::numeric_limits<int>::max()));
-    if (width == 0 || height == 0 || format == QImage::Format_Invalid)
-        failAsDamaged();
-    QList<QRgb> colours;
-    for (std::uint64_t left = takeNumber(kMostColours); left > 0; --left)
-        colours.append(static_cast<QRgb>(takeNumber(std::numeric_limits<QRgb>::max())));
-    QMap<QString, QString> texts;
-    for (std::uint64_t left = takeNumber(kMostPictureTexts + 1); left > 0; --left) {
-        const QString key = takeText();
-        texts.insert(key, takeText());
-    }
-    const std::int64_t row = rowSize(width, QImage::toPixelFormat(format).bitsPerPixel());
-    if (row == 0 || row * height > kMostPixelBytes || row * height > m_bytes.size() - m_position)
-        failAsDamaged();
-    auto picture = std::make_shared<QImage>(width, height, format);
-    if (picture->isNull() || row > picture->bytesPerLine())
-        failAsDamaged();
-    picture->setDotsPerMeterX(dotsX);
-    picture->setDotsPerMeterY(dotsY);
-    if (!colours.isEmpty())
-        picture->setColorTable(colours);
-    for (auto text = texts.cbegin(); text != texts.cend(); ++text) {
-        if (text.key() == profileKey() && m_profiles == Profiles::Parsed)
-            picture->setColorSpace(QColorSpace::fromIccProfile(text.value().toLatin1()));
-        else
-            picture->setText(text.key(), text.value());
-    }
-    for (int y = 0; y < height; ++y, m_position += row)
-        std::copy_n(m_bytes.constData() + m_position, row, reinterpret_cast<char *>(picture->scanLine(y)));
-    return picture;
+    const auto depth = static_cast<int>(takeNumber(kMostDepth));
+    return std::make_shared<const CoverPicture>(takeBytes(), QSize(width, height), depth);
 }
 
 MetadataInventory TagsMessageReader::takeInventory()
@@ -294,8 +230,8 @@ TagEditStream::Edits TagsMessageReader::takeEdits(std::int64_t fileLength)
             failAsDamaged();
         edits.pieces.push_back(piece);
     }
-    const QByteArray newBytes = takeBytes();
-    edits.newBytes.assign(newBytes.constData(), static_cast<std::size_t>(newBytes.size()));
+    const QByteArrayView newBytes = takeView();
+    edits.newBytes.assign(newBytes.data(), static_cast<std::size_t>(newBytes.size()));
     for (const TagEditStream::Piece &piece : edits.pieces) {
         const std::int64_t room = piece.isNew ? static_cast<std::int64_t>(edits.newBytes.size()) : fileLength;
         if (piece.length == 0 || piece.offset > room || piece.length > room - piece.offset)

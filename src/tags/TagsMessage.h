@@ -2,11 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/NurvFailure.h"
 #include "tags/MetadataInventory.h"
 #include "tags/TagEditStream.h"
 #include "tags/TagsObject.h"
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QString>
 
 #include <cstdint>
@@ -23,10 +25,11 @@ enum class TagsMessageKind : std::uint8_t {
     ReadInventory, ///< with a file
     DigestPixels, ///< bytes of a picture
     Done = 16,    ///< what was asked for
-    Failed,       ///< the reason
+    Failed,       ///< whether that is a TagsUnavailable, the reason
     NeedMemory,   ///< in between: bytes for a picture
     Granted,      ///< the answer to that
-    Logged        ///< in between: kind and text of a line for the log
+    Logged,       ///< in between: kind and text of a line for the log
+    Refused       ///< the reason why this process can do nothing at all
 };
 
 /// The kinds of files that have readers of their own.
@@ -51,18 +54,17 @@ private:
     QByteArray m_bytes;
 };
 
+/// A message does not fit together.
+class DamagedMessage : public NurvFailure {
+public:
+    using NurvFailure::NurvFailure;
+};
+
 /// Takes them off again. What it reads is foreign: the other process may have been taken over by the
-/// file that it read. Throws NurvFailure for what does not fit together, before room is made for it.
+/// file that it read. Throws DamagedMessage for what does not fit together, before room is made for it.
 class TagsMessageReader {
 public:
-    enum class Profiles { Kept, Parsed };
-
-    /// Profiles of colours are parsed by the process that the pictures are for, and kept as they are by
-    /// the one that only hands them on.
-    explicit TagsMessageReader(QByteArray bytes, Profiles profiles = Profiles::Kept)
-        : m_bytes(std::move(bytes)), m_profiles(profiles)
-    {
-    }
+    explicit TagsMessageReader(QByteArray bytes) : m_bytes(std::move(bytes)) {}
 
     [[nodiscard]] std::uint64_t takeNumber();
     [[nodiscard]] std::uint64_t takeNumber(std::uint64_t largest);
@@ -78,11 +80,12 @@ public:
 
 private:
     [[nodiscard]] AlbumArt takePicture();
+    /// Valid while this lives.
+    [[nodiscard]] QByteArrayView takeView();
     /// A count of parts that have at least so many bytes each.
     [[nodiscard]] std::uint64_t takeCount(std::uint64_t smallestPart);
 
     QByteArray m_bytes;
-    Profiles m_profiles;
     qsizetype m_position = 0;
 };
 

@@ -2,12 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "tags/AlbumArt.h"
+#include "tags/CoverPicture.h"
 
 #include <QMap>
 #include <QString>
 
 #include <optional>
+#include <utility>
 
 namespace nurv {
 
@@ -38,6 +39,9 @@ public:
     [[nodiscard]] const Text &encoderSettings() const { return m_encoderSettings; }
     /// The cover picture; none is a null pointer.
     [[nodiscard]] const AlbumArt &albumArt() const { return m_albumArt; }
+    /// Why the file's cover picture is not in this record, as the end of a sentence; absent when it is,
+    /// or when there is none. Takes no part in equality.
+    [[nodiscard]] const Text &albumArtFault() const { return m_albumArtFault; }
     /// Further tags by name, as read from or to be written to a Vorbis comment.
     [[nodiscard]] const QMap<QString, QString> &customTagsDictionary() const { return m_customTagsDictionary; }
     [[nodiscard]] QMap<QString, QString> &customTagsDictionary() { return m_customTagsDictionary; }
@@ -55,7 +59,11 @@ public:
     void setGenreText(Text text) { m_genreText = std::move(text); }
     void setComposerText(Text text) { m_composerText = std::move(text); }
     void setEncoderSettings(Text text) { m_encoderSettings = std::move(text); }
-    void setAlbumArt(AlbumArt image) { m_albumArt = std::move(image); }
+    void setAlbumArt(AlbumArt picture, Text fault = std::nullopt)
+    {
+        m_albumArt = std::move(picture);
+        m_albumArtFault = std::move(fault);
+    }
     void setCustomTagsDictionary(QMap<QString, QString> tags) { m_customTagsDictionary = std::move(tags); }
 
     /// True for this very record; false for none; otherwise `isEqualToTagsObject`.
@@ -83,6 +91,7 @@ private:
     Text m_composerText;
     Text m_encoderSettings;
     AlbumArt m_albumArt;
+    Text m_albumArtFault;
     QMap<QString, QString> m_customTagsDictionary;
 };
 

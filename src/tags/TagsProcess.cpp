@@ -5,9 +5,12 @@
 #include "platform/GuiThread.h"
 #include "platform/NurvFailure.h"
 #include "platform/ServiceProcess.h"
+#include "tags/MetadataBytes.h"
 #include "tags/PictureMemory.h"
 #include "tags/TagsChannel.h"
 #include "tags/TagsLog.h"
+#include "tags/TagsSandbox.h"
+#include "tags/TagsUnavailable.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -63,6 +66,12 @@ QString attemptOf(Kind kind)
     }
 }
 
+void tellWhatIsMissing()
+{
+    if (!tagsSandbox::canGiveUpFiles())
+        qCInfo(sandboxLog, "This kernel has no Landlock: nurv-tags keeps its rights to files by their names.");
+}
+
 /// One process, for one request.
 class Lease {
 public:
@@ -93,8 +102,11 @@ public:
 
     void startIfNone(const QString &program)
     {
-        if (!m_process)
-            m_process = ServiceProcess::start(program);
+        if (m_process)
+            return;
+        static std::once_flag told;
+        std::call_once(told, tellWhatIsMissing);
+        m_process = ServiceProcess::start(program);
     }
     [[nodiscard]] ServiceProcess &process() const { return *m_process; }
     /// It has answered and may be asked again.
@@ -108,13 +120,14 @@ private:
 [[noreturn]] void failFor(const QString &attempt, TagsChannel::Fault fault, ServiceProcess &process)
 {
     if (fault == TagsChannel::Fault::TooLate)
-        throw NurvFailure(attempt + u": the program that reads them took too long"_s);
+        throw TagsUnavailable(attempt + u": the program that reads them took too long"_s);
     if (fault == TagsChannel::Fault::Damaged)
-        throw NurvFailure(attempt + u": the program that reads them gave no sensible answer"_s);
+        throw TagsUnavailable(attempt + u": the program that reads them gave no sensible answer"_s);
     const ChildExit exit = process.end();
-    throw NurvFailure(attempt
-                      + (exit.signal != 0 ? u": the program that reads them ended by signal %1"_s.arg(exit.signal)
-                                          : u": the program that reads them ended with status %1"_s.arg(exit.status)));
+    throw TagsUnavailable(
+        attempt
+        + (exit.signal != 0 ? u": the program that reads them ended by signal %1"_s.arg(exit.signal)
+                            : u": the program that reads them ended with status %1"_s.arg(exit.status)));
 }
 
 /// A reason from a process that a file may have taken over.
@@ -137,26 +150,44 @@ void logLine(TagsMessageReader &line)
         qCWarning(tagsLog).noquote() << text;
 }
 
-/// The answer to one request. Throws NurvFailure.
-QByteArray exchange(const QString &attempt, Lease &lease, TagsChannel &channel)
-{
+/// What a request has given, and the share of the memory for pictures that belongs to it: what is made
+/// of a picture is written here, and is as large as that.
+struct Answer {
+    QByteArray bytes;
     std::optional<PictureMemory::Share> share;
+};
+
+/// The answer to one request. Throws NurvFailure.
+Answer exchange(const QString &attempt, Lease &lease, TagsChannel &channel, std::chrono::milliseconds time)
+{
+    Answer answer;
     for (int messages = 0; messages <= kMostInBetween; ++messages) {
         std::optional<TagsChannel::Message> message = channel.receive();
         if (!message)
             failFor(attempt, channel.fault(), lease.process());
         TagsMessageReader reader(message->bytes);
         switch (message->kind) {
-        case Kind::Done: lease.keep(); return message->bytes;
+        case Kind::Done:
+            lease.keep();
+            answer.bytes = std::move(message->bytes);
+            return answer;
         case Kind::Failed: {
+            const bool isUnavailable = reader.takeNumber(1) == 1;
             const QString reason = plainReason(reader.takeText());
             lease.keep();
+            if (isUnavailable)
+                throw TagsUnavailable(reason);
             throw NurvFailure(reason);
         }
+        case Kind::Refused:
+            throw TagsUnavailable(attempt + u": the program that reads them refuses to work: "_s
+                                  + plainReason(reader.takeText()));
         case Kind::NeedMemory: {
             const auto bytes = static_cast<std::int64_t>(reader.takeNumber(PictureMemory::kCapacity));
-            share.reset();
-            share.emplace(PictureMemory::take(bytes));
+            answer.share.reset();
+            answer.share.emplace(PictureMemory::take(bytes));
+            // The time that others took is not its own.
+            channel.setDeadline(Clock::now() + time);
             if (!channel.send(Kind::Granted, {}))
                 failFor(attempt, channel.fault(), lease.process());
             break;
@@ -168,21 +199,34 @@ QByteArray exchange(const QString &attempt, Lease &lease, TagsChannel &channel)
     failFor(attempt, TagsChannel::Fault::Damaged, lease.process());
 }
 
-QByteArray ask(const TagsProcess::Settings &settings, Kind kind, const TagsMessageWriter &request, int file)
+/// Why the program was not started.
+QString startFailure(const QString &program, const QString &reason)
+{
+    return QFileInfo(program).isExecutable()
+        ? u"the program that reads them did not start: %1"_s.arg(reason)
+        : u"nurv-tags, the program that reads them, is missing: %1"_s.arg(program);
+}
+
+Answer ask(const TagsProcess::Settings &settings, Kind kind, const TagsMessageWriter &request, int file)
 {
     const QString attempt = attemptOf(kind);
     Lease lease(settings);
     try {
         lease.startIfNone(settings.program);
     } catch (const NurvFailure &failure) {
-        throw NurvFailure(attempt + u": the program that reads them did not start: "_s + failure.reason());
+        throw TagsUnavailable(attempt + u": "_s + startFailure(settings.program, failure.reason()));
     }
     TagsChannel channel(lease.process().socket());
-    channel.setDeadline(Clock::now()
-                        + (kind == Kind::ReadInventory ? settings.timeToTakeStock : settings.timeToRead));
+    const std::chrono::milliseconds time =
+        kind == Kind::ReadInventory ? settings.timeToTakeStock : settings.timeToRead;
+    channel.setDeadline(Clock::now() + time);
     if (!channel.send(kind, request.bytes(), file))
         failFor(attempt, channel.fault(), lease.process());
-    return exchange(attempt, lease, channel);
+    try {
+        return exchange(attempt, lease, channel, time);
+    } catch (const DamagedMessage &) {
+        failFor(attempt, TagsChannel::Fault::Damaged, lease.process());
+    }
 }
 
 std::optional<TagsProcess::Settings> currentSettings()
@@ -201,18 +245,27 @@ FileDescriptor openRegular(const QString &path)
     return file;
 }
 
-/// What `take` takes off the answer. A kind of nonsense that only shows here ends no batch either.
+/// What `take` takes off the answer, whose bytes are let go of. A kind of nonsense that only shows here
+/// ends no batch either.
 template<typename Take>
-auto taken(const QByteArray &answer, const Take &take)
+auto taken(Answer &answer, const Take &take)
 {
     try {
-        TagsMessageReader reader(answer);
+        TagsMessageReader reader(std::exchange(answer.bytes, {}));
         auto result = take(reader);
         reader.expectEnd();
         return result;
+    } catch (const DamagedMessage &damage) {
+        throw TagsUnavailable(damage.reason());
     } catch (const std::bad_alloc &) {
-        throw NurvFailure(u"there is not enough memory to read its tags"_s);
+        throw TagsUnavailable(u"there is not enough memory to read its tags"_s);
     }
+}
+
+template<typename Take>
+auto taken(Answer &&answer, const Take &take)
+{
+    return taken(answer, take);
 }
 
 } // namespace
@@ -228,10 +281,6 @@ QString TagsProcess::installedProgram()
 void TagsProcess::setUp()
 {
     const QString program = installedProgram();
-    if (!QFileInfo(program).isExecutable()) {
-        qCWarning(tagsLog).noquote() << "Tags are read without a process of their own, since it is not there:" << program;
-        return;
-    }
     setUp(Settings{.program = program, .most = std::max(1, static_cast<int>(std::thread::hardware_concurrency()))});
 }
 
@@ -252,21 +301,32 @@ void TagsProcess::takeDown()
 std::optional<TagsObject> TagsProcess::readTags(TagFormat format, const QString &path)
 {
     const std::optional<Settings> settings = currentSettings();
-    const FileDescriptor file = settings ? openRegular(path) : FileDescriptor();
-    if (!file.isOpen())
+    if (!settings)
         return std::nullopt;
+    // What cannot be opened has no tags, as is for the other process to say.
+    const FileDescriptor file = openRegular(path);
     TagsMessageWriter request;
     request.putNumber(static_cast<std::uint64_t>(format));
     return taken(ask(*settings, Kind::ReadTags, request, file.get()),
-                 [](TagsMessageReader &answer) { return answer.takeRecord(); });
+                 [](TagsMessageReader &answer) {
+                     TagsObject tags = answer.takeRecord();
+                     if (const TagsObject::Text &fault = tags.albumArtFault())
+                         tags.setAlbumArt(tags.albumArt(), plainReason(*fault));
+                     return tags;
+                 });
 }
 
 std::optional<MetadataInventory> TagsProcess::readInventory(const QString &path)
 {
     const std::optional<Settings> settings = currentSettings();
-    const FileDescriptor file = settings ? openRegular(path) : FileDescriptor();
-    if (!file.isOpen())
+    if (!settings)
         return std::nullopt;
+    const FileDescriptor file = openRegular(path);
+    if (!file.isOpen()) {
+        // Says why, and reads nothing.
+        static_cast<void>(MetadataBytes::ofFile(path));
+        throw TagsUnavailable(u"it cannot be opened"_s);
+    }
     return taken(ask(*settings, Kind::ReadInventory, {}, file.get()),
                  [](TagsMessageReader &answer) { return answer.takeInventory(); });
 }
@@ -299,9 +359,12 @@ std::optional<TagsProcess::Written> TagsProcess::writeTags(const Writing &writin
     request.putNumber(writing.quickTimeVersion ? std::uint64_t{*writing.quickTimeVersion} + 1 : 0);
     request.putRecord(tags);
     Written written;
-    stream.apply(taken(ask(*settings, Kind::EditTags, request, file.get()), [&](TagsMessageReader &answer) {
-        written.date = answer.takeOptional();
-        return answer.takeEdits(stream.fileLength());
+    Answer answer = ask(*settings, Kind::EditTags, request, file.get());
+    stream.apply(taken(answer, [&](TagsMessageReader &edits) {
+        written.date = edits.takeOptional();
+        if (TagsObject::Text fault = edits.takeOptional())
+            written.leftOut = plainReason(*fault);
+        return edits.takeEdits(stream.fileLength());
     }));
     // The sound of MPEG-4 files is not found while the bytes to be written are half written.
     if (const std::optional<QString> reason =

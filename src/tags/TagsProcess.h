@@ -23,8 +23,9 @@ namespace nurv {
 ///
 /// Processes start on first need, up to a number that work at the same time, and live on; one that
 /// ends, takes too long or answers nonsense is replaced when the next is needed. What it was asked then
-/// throws NurvFailure. Until `setUp` everything gives nothing: then, and in such a process itself, the
-/// callers do the work. Any thread; blocks.
+/// throws TagsUnavailable, and so does everything where the program is not there; what the process itself
+/// could not do throws what it threw there. Until `setUp` everything gives nothing: then, and in such a
+/// process itself, the callers do the work. Any thread; blocks.
 class TagsProcess {
 public:
     struct Settings {
@@ -34,15 +35,14 @@ public:
         std::chrono::milliseconds timeToTakeStock{std::chrono::minutes(30)};
     };
 
-    /// `nurv-tags` of this installation, as many as the machine has processors. Does nothing, but for a
-    /// line in the log, when it is not there.
+    /// `nurv-tags` of this installation, as many as the machine has processors. Where it is not there, no
+    /// tags are read or written from now on.
     static void setUp();
     static void setUp(const Settings &settings);
     /// Ends them all and asks none from now on.
     static void takeDown();
     [[nodiscard]] static QString installedProgram();
 
-    /// Nothing also for what is no file that can be opened.
     [[nodiscard]] static std::optional<TagsObject> readTags(TagFormat format, const QString &path);
     [[nodiscard]] static std::optional<MetadataInventory> readInventory(const QString &path);
     [[nodiscard]] static std::optional<QByteArray> pictureDigest(const QByteArray &picture);
@@ -53,9 +53,10 @@ public:
         bool encoding = false;
         std::optional<std::uint32_t> quickTimeVersion = std::nullopt;
     };
-    /// What was written, but for a date that TagLib shall not write.
+    /// What was not written: a date that TagLib shall not write, and why the picture was left out.
     struct Written {
         TagsObject::Text date;
+        TagsObject::Text leftOut;
     };
     [[nodiscard]] static std::optional<Written> writeTags(const Writing &writing, const QString &path,
                                                           const TagsObject &tags);

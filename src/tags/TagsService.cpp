@@ -10,7 +10,9 @@
 #include "tags/PictureMemory.h"
 #include "tags/TagLibTagsHelper.h"
 #include "tags/TagsChannel.h"
+#include "tags/TagsProcess.h"
 #include "tags/TagsSandbox.h"
+#include "tags/TagsUnavailable.h"
 
 #include <exception>
 #include <new>
@@ -45,8 +47,7 @@ TagsObject readTags(TagFormat format, const QString &path)
     throw NurvFailure(u"its format is unknown"_s);
 }
 
-/// Returns a date that is still to be written.
-TagsObject::Text editTags(TagFormat format, const QString &path, TagsMessageReader &request)
+TagsProcess::Written editTags(TagFormat format, const QString &path, TagsMessageReader &request)
 {
     const bool writeEmptyTags = request.takeNumber(1) == 1;
     const bool encoding = request.takeNumber(1) == 1;
@@ -55,25 +56,24 @@ TagsObject::Text editTags(TagFormat format, const QString &path, TagsMessageRead
     switch (format) {
     case TagFormat::Mp3: TagLibTagsHelper::writeTagsForMP3File(path, tags, writeEmptyTags); break;
     case TagFormat::Aiff: TagLibTagsHelper::writeTagsForAIFFFile(path, tags); break;
-    case TagFormat::Flac: return TagLibTagsHelper::writeTagsButDate(path, tags, writeEmptyTags);
+    case TagFormat::Flac:
+        return {.date = TagLibTagsHelper::writeTagsButDate(path, tags, writeEmptyTags), .leftOut = {}};
     case TagFormat::Ape: TagLibTagsHelper::writeTagsForAPEFile(path, tags, writeEmptyTags); break;
     case TagFormat::Wavpack: TagLibTagsHelper::writeTagsForWavpackFile(path, tags, writeEmptyTags); break;
     case TagFormat::Mp4:
         AACTagsHelper::setQuickTimeVersionProvider([version]() -> std::optional<std::uint32_t> {
             return version == 0 ? std::nullopt : std::optional(static_cast<std::uint32_t>(version - 1));
         });
-        AACTagsHelper::writeItemsForFile(path, tags, writeEmptyTags, encoding);
-        break;
+        return {.date = {}, .leftOut = AACTagsHelper::writeItemsForFile(path, tags, writeEmptyTags, encoding)};
     case TagFormat::Tta: throw NurvFailure(u"its format is not written"_s);
     }
-    return std::nullopt;
+    return {};
 }
 
 TagsMessageWriter answerTo(TagsChannel::Message message)
 {
-    TagsMessageReader request(std::move(message.bytes), TagsMessageReader::Profiles::Parsed);
+    TagsMessageReader request(std::move(message.bytes));
     TagsMessageWriter answer;
-    tagsSandbox::allowProcessorTime(message.kind == Kind::ReadInventory ? kInventoryTime : kTagsTime);
     if (message.kind == Kind::DigestPixels) {
         answer.putBytes(pictureDigest(request.takeBytes()));
         return answer;
@@ -87,7 +87,9 @@ TagsMessageWriter answerTo(TagsChannel::Message message)
         break;
     case Kind::EditTags: {
         const auto format = static_cast<TagFormat>(request.takeNumber(kLastFormat));
-        answer.putOptional(editTags(format, path, request));
+        const TagsProcess::Written written = editTags(format, path, request);
+        answer.putOptional(written.date);
+        answer.putOptional(written.leftOut);
         answer.putEdits(file.takeEdits());
         break;
     }
@@ -104,17 +106,33 @@ TagsMessageWriter answerTo(TagsChannel::Message message)
 
 bool answer(TagsChannel &channel, TagsChannel::Message message)
 {
-    TagsMessageWriter failure;
+    const auto fail = [&channel](bool isUnavailable, const QString &reason) {
+        TagsMessageWriter failure;
+        failure.putNumber(isUnavailable ? 1 : 0);
+        failure.putText(reason);
+        return channel.send(Kind::Failed, failure.bytes());
+    };
     try {
         return channel.send(Kind::Done, answerTo(std::move(message)).bytes());
+    } catch (const TagsUnavailable &reason) {
+        return fail(true, reason.reason());
     } catch (const NurvFailure &reason) {
-        failure.putText(reason.reason());
+        return fail(false, reason.reason());
     } catch (const std::bad_alloc &) {
-        failure.putText(u"there is not enough memory to read its tags"_s);
+        return fail(true, u"there is not enough memory to read its tags"_s);
     } catch (const std::exception &reason) {
-        failure.putText(QString::fromUtf8(reason.what()));
+        return fail(true, QString::fromUtf8(reason.what()));
     }
-    return channel.send(Kind::Failed, failure.bytes());
+}
+
+/// Answers the first request with the reason, since one that ends before it is asked could not give it.
+int refuse(TagsChannel &channel, const QString &reason)
+{
+    TagsMessageWriter refusal;
+    refusal.putText(reason);
+    if (channel.receive())
+        static_cast<void>(channel.send(Kind::Refused, refusal.bytes()));
+    return 1;
 }
 
 TagsChannel *logChannel = nullptr;
@@ -144,9 +162,13 @@ void endWithTheOther(int socket)
 
 int runTagsService(int socket)
 {
-    tagsSandbox::enter();
-    endWithTheOther(socket);
     TagsChannel channel(socket);
+    try {
+        tagsSandbox::enter();
+    } catch (const NurvFailure &failure) {
+        return refuse(channel, failure.reason());
+    }
+    endWithTheOther(socket);
     PictureMemory::askElsewhere([&channel](std::int64_t bytes) {
         TagsMessageWriter request;
         request.putNumber(static_cast<std::uint64_t>(bytes));
@@ -155,6 +177,14 @@ int runTagsService(int socket)
     });
     qInstallMessageHandler(logElsewhere);
     while (std::optional<TagsChannel::Message> message = channel.receive()) {
+        try {
+            tagsSandbox::allowProcessorTime(message->kind == Kind::ReadInventory ? kInventoryTime : kTagsTime);
+        } catch (const NurvFailure &failure) {
+            TagsMessageWriter refusal;
+            refusal.putText(failure.reason());
+            static_cast<void>(channel.send(Kind::Refused, refusal.bytes()));
+            return 1;
+        }
         logChannel = &channel;
         const bool isAnswered = answer(channel, std::move(*message));
         logChannel = nullptr;

@@ -11,7 +11,12 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
+#include <fcntl.h>
 #include <signal.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -26,6 +31,57 @@ QString nurvPath()
 ProgramResult runNurv(const QStringList &arguments)
 {
     return runProgram(nurvPath(), arguments);
+}
+
+MeasuredResult runMeasured(const TestFolder &folder, const QStringList &arguments)
+{
+    constexpr unsigned kMostSeconds = 120;
+    std::vector<QByteArray> words{QFile::encodeName(nurvPath())};
+    for (const QString &argument : arguments)
+        words.push_back(QFile::encodeName(argument));
+    std::vector<char *> argv;
+    for (QByteArray &word : words)
+        argv.push_back(word.data());
+    argv.push_back(nullptr);
+    const QByteArray output = QFile::encodeName(folder.path(u"standard output"_s));
+    const QByteArray errors = QFile::encodeName(folder.path(u"standard error"_s));
+    const pid_t child = ::fork();
+    if (child == 0) {
+        constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC;
+        const bool isReady = ::dup2(::open(output.constData(), kFlags, 0600), 1) == 1
+                             && ::dup2(::open(errors.constData(), kFlags, 0600), 2) == 2;
+        ::alarm(kMostSeconds);
+        if (isReady)
+            ::execv(argv.front(), argv.data());
+        ::_exit(99);
+    }
+    MeasuredResult result;
+    int status = 0;
+    rusage used{};
+    // Of the process and of those that it has waited for.
+    EXPECT_EQ(::wait4(child, &status, 0, &used), child);
+    EXPECT_TRUE(WIFEXITED(status)) << "ended by signal " << WTERMSIG(status);
+    if (WIFEXITED(status))
+        result.exitStatus = WEXITSTATUS(status);
+    result.output = folder.read(u"standard output"_s);
+    result.errors = folder.read(u"standard error"_s);
+    result.peakBytes = qint64{1024} * used.ru_maxrss;
+    const auto seconds = [](const timeval &time) {
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+    };
+    result.processorSeconds = seconds(used.ru_utime) + seconds(used.ru_stime);
+    return result;
+}
+
+InstalledNurv::InstalledNurv(const TestFolder &folder, const std::optional<QByteArray> &tagsProgram)
+    : m_path(folder.path(u"installed/bin/nurv"_s))
+{
+    folder.makeFolder(u"installed/bin"_s);
+    EXPECT_TRUE(QFile::copy(nurvPath(), m_path));
+    if (!tagsProgram)
+        return;
+    const QString script = folder.write(u"installed/lib/nurv/nurv-tags"_s, "#!/bin/bash\n" + *tagsProgram);
+    EXPECT_TRUE(QFile::setPermissions(script, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
 }
 
 QList<QJsonObject> jsonLines(const QByteArray &output)

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "support/TestFolder.h"
 #include "support/TestProgram.h"
 
 #include <QJsonObject>
@@ -10,6 +11,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
+
 namespace nurv::test {
 
 /// The absolute path of the built command line program.
@@ -17,6 +20,27 @@ namespace nurv::test {
 
 /// Runs it to its end.
 [[nodiscard]] ProgramResult runNurv(const QStringList &arguments);
+
+/// A run, and what it took: the memory of the process that took most, and the processor's time of all together.
+struct MeasuredResult : ProgramResult {
+    qint64 peakBytes = 0;
+    double processorSeconds = 0;
+};
+/// Runs it to its end, with its texts by way of files in the folder. Fails the test when it runs for longer than
+/// two minutes.
+[[nodiscard]] MeasuredResult runMeasured(const TestFolder &folder, const QStringList &arguments);
+
+/// The program as it lies in an installation of its own, with another program, or none, in the place of
+/// the one that reads tags.
+class InstalledNurv {
+public:
+    /// `tagsProgram` is a script of the shell, whose descriptor 3 is the socket; without one nothing is there.
+    InstalledNurv(const TestFolder &folder, const std::optional<QByteArray> &tagsProgram);
+    [[nodiscard]] ProgramResult run(const QStringList &arguments) const { return runProgram(m_path, arguments); }
+
+private:
+    QString m_path;
+};
 
 /// The objects of an output with one JSON object a line. Fails the test when a
 /// line is none.

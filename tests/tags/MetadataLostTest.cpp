@@ -3,6 +3,7 @@
 #include "tags/MetadataInventory.h"
 
 #include "TagFixtures.h"
+#include "tags/AlbumArt.h"
 
 #include <gtest/gtest.h>
 
@@ -147,7 +148,7 @@ TEST(MetadataLost, TellsPicturesByTheirPixels)
 {
     const AlbumArt noise = noisePicture(40, 30);
     const QByteArray jpeg = encodedPicture(noise, "jpg");
-    const QByteArray png = encodedPicture(albumArtFromBytes(jpeg), "png");
+    const QByteArray png = encodedPicture(readPicture(jpeg).picture, "png");
     ASSERT_NE(jpeg, png);
     EXPECT_EQ(metadataLost(withPictures({jpeg}), withPictures({png}), u"a.flac"_s), std::nullopt);
     // The pixels of a JPEG file are not those that it was made of.
@@ -162,13 +163,13 @@ TEST(MetadataLost, TellsPicturesByTheirPixels)
 
 TEST(MetadataLost, TellsPicturesOfEveryDepthByTheirPixels)
 {
-    const QImage noise = *noisePicture(20, 20);
+    const QImage noise = imageOf(noisePicture(20, 20));
     for (const QImage::Format format : {QImage::Format_Mono, QImage::Format_Indexed8, QImage::Format_Grayscale8,
                                         QImage::Format_Grayscale16, QImage::Format_ARGB32, QImage::Format_RGBA64}) {
         SCOPED_TRACE(static_cast<int>(format));
-        const QByteArray source = encodedPicture(std::make_shared<const QImage>(noise.convertToFormat(format)), "png");
+        const QByteArray source = encodedPicture(noise.convertToFormat(format), "png");
         // As writers of tags do it, but with bytes of its own.
-        const QByteArray copy = getBitmapDataForImage(albumArtFromBytes(source), ImageFileType::Png) + "more";
+        const QByteArray copy = getBitmapDataForImage(readPicture(source).picture, ImageFileType::Png) + "more";
         EXPECT_EQ(metadataLost(withPictures({source}), withPictures({copy}), u"a.flac"_s), std::nullopt);
     }
 }

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "TagBombs.h"
 
+#include "support/AudioFixtures.h"
+
 #include <QFile>
 #include <QtEndian>
 
@@ -87,22 +89,61 @@ QByteArray longId3Tag(int version, const QByteArray &frames, int flags)
            + synchsafeBytes(static_cast<std::uint32_t>(frames.size())) + frames;
 }
 
+namespace {
+
+constexpr qint64 kBlockSize = 0xffffff;
+
+/// Puts the heads of so many blocks where the file ends, and their contents as holes.
+void appendHoles(QFile &file, int blocks, bool isLast)
+{
+    qint64 place = file.size();
+    for (int block = 1; block <= blocks; ++block) {
+        file.seek(place);
+        file.write(QByteArray::fromHex(isLast && block == blocks ? "82ffffff" : "02ffffff"));
+        place += 4 + kBlockSize;
+    }
+    EXPECT_TRUE(file.resize(place));
+}
+
+} // namespace
+
 QString writeSparseFlac(const TestFolder &folder, const QString &name, int blocks)
 {
-    constexpr qint64 kBlockSize = 0xffffff;
     const QByteArray streamInfo = QByteArray::fromHex("00000022") + QByteArray::fromHex("10001000000000000000")
                                   + QByteArray::fromHex("0ac442f000000000") + QByteArray(16, '\0');
     const QString path = folder.write(name, "fLaC" + streamInfo);
     QFile file(path);
     EXPECT_TRUE(file.open(QIODevice::ReadWrite));
-    qint64 place = file.size();
-    for (int block = 1; block <= blocks; ++block) {
-        file.seek(place);
-        file.write(QByteArray::fromHex(block == blocks ? "82ffffff" : "02ffffff"));
-        place += 4 + kBlockSize;
-    }
-    EXPECT_TRUE(file.resize(place));
+    appendHoles(file, blocks, true);
     return path;
+}
+
+QString writeSparseFlacWithSound(const TestFolder &folder, const QString &name, int blocks)
+{
+    constexpr qsizetype kEndOfStreamInfo = 4 + 4 + 34;
+    const QString path = writeFlac(folder.path(name), {.seconds = 0.1});
+    const QByteArray whole = folder.read(name);
+    EXPECT_EQ(whole.at(4), 0) << "other blocks follow";
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadWrite));
+    EXPECT_TRUE(file.resize(kEndOfStreamInfo));
+    appendHoles(file, blocks, false);
+    file.seek(file.size());
+    EXPECT_EQ(file.write(whole.mid(kEndOfStreamInfo)), whole.size() - kEndOfStreamInfo);
+    return path;
+}
+
+QByteArray withCountlessBoxes(const QByteArray &file)
+{
+    const qsizetype movie = file.indexOf("moov") - 4;
+    EXPECT_GT(movie, file.indexOf("mdat")) << "places of the sound would move";
+    QByteArray size(4, '\0');
+    const QByteArray boxes = QByteArray("\0\0\0\x08"
+                                        "free",
+                                        8)
+                                 .repeated(3'000'000);
+    qToBigEndian(static_cast<quint32>(file.size() - movie + boxes.size()), size.data());
+    return file.left(movie) + size + file.mid(movie + 4) + boxes;
 }
 
 } // namespace nurv::test

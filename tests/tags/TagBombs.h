@@ -26,5 +26,10 @@ namespace nurv::test {
 
 /// A FLAC file whose metadata are so many blocks of 16 MiB each, all of them holes. Takes no room.
 QString writeSparseFlac(const TestFolder &folder, const QString &name, int blocks);
+/// The same with a short sound behind the blocks.
+QString writeSparseFlacWithSound(const TestFolder &folder, const QString &name, int blocks);
+
+/// The bytes of an MPEG-4 file whose last box is the movie, with millions of empty boxes in that.
+[[nodiscard]] QByteArray withCountlessBoxes(const QByteArray &file);
 
 } // namespace nurv::test

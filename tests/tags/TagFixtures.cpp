@@ -127,7 +127,7 @@ AlbumArt picture(int width, int height, const QColor &colour)
 {
     QImage image(width, height, QImage::Format_RGB32);
     image.fill(colour);
-    return std::make_shared<const QImage>(image);
+    return artOf(image);
 }
 
 AlbumArt noisePicture(int width, int height)
@@ -139,14 +139,29 @@ AlbumArt noisePicture(int width, int height)
         for (int x = 0; x < width; ++x)
             line[x] = 0xff000000U | static_cast<QRgb>((random() >> 3) & 0xffffffU);
     }
-    return std::make_shared<const QImage>(image);
+    return artOf(image);
 }
 
-QByteArray encodedPicture(const AlbumArt &image, const char *format)
+AlbumArt artOf(const QImage &image)
+{
+    return std::make_shared<const CoverPicture>(encodedPicture(image, "png"), image.size(), image.bitPlaneCount());
+}
+
+QImage imageOf(const AlbumArt &picture)
+{
+    return QImage::fromData(picture->bytes());
+}
+
+QByteArray encodedPicture(const AlbumArt &picture, const char *format)
+{
+    return encodedPicture(imageOf(picture), format);
+}
+
+QByteArray encodedPicture(const QImage &image, const char *format)
 {
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
-    EXPECT_TRUE(image->save(&buffer, format));
+    EXPECT_TRUE(image.save(&buffer, format));
     return buffer.data();
 }
 

@@ -9,6 +9,7 @@
 
 #include <QByteArray>
 #include <QColor>
+#include <QImage>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -32,7 +33,12 @@ QString writeApe(const TestFolder &folder, const QString &name);
 [[nodiscard]] AlbumArt picture(int width, int height, const QColor &colour);
 /// A picture that no compression makes smaller.
 [[nodiscard]] AlbumArt noisePicture(int width, int height);
-[[nodiscard]] QByteArray encodedPicture(const AlbumArt &image, const char *format);
+/// The picture of a PNG file of that image.
+[[nodiscard]] AlbumArt artOf(const QImage &image);
+/// Its pixels.
+[[nodiscard]] QImage imageOf(const AlbumArt &picture);
+[[nodiscard]] QByteArray encodedPicture(const QImage &image, const char *format);
+[[nodiscard]] QByteArray encodedPicture(const AlbumArt &picture, const char *format);
 
 /// One frame of an ID3v2.4 tag.
 struct Id3Frame {

@@ -95,7 +95,7 @@ TEST_F(TagLibTagsHelperFlac, ReadsWhatItWroteWithTheDiscTotalAlsoAmongTheCustomT
     TagLibTagsHelper::writeTagsForFLACFile(path, record, false);
     const TagsObject read = TagLibTagsHelper::tagsForFlacFile(path);
     ASSERT_NE(read.albumArt(), nullptr);
-    EXPECT_EQ(read.albumArt()->convertToFormat(QImage::Format_RGB32), *record.albumArt());
+    EXPECT_EQ(imageOf(read.albumArt()).convertToFormat(QImage::Format_RGB32), imageOf(record.albumArt()));
     record.setAlbumArt(read.albumArt());
     EXPECT_TRUE(read.isEqualToTagsObject(record));
     EXPECT_EQ(read.albumArtistText(), record.albumArtistText());
@@ -199,7 +199,7 @@ TEST_F(TagLibTagsHelperFlac, DescribesThePictureBlock)
     EXPECT_TRUE(listed.contains(u"depth: 24"_s));
     const QString exported = folder.path(u"cover.png"_s);
     metaflac({u"--export-picture-to="_s + exported, path});
-    EXPECT_EQ(QImage(exported, "png").convertToFormat(QImage::Format_RGB32), *record.albumArt());
+    EXPECT_EQ(QImage(exported, "png").convertToFormat(QImage::Format_RGB32), imageOf(record.albumArt()));
 }
 
 TEST_F(TagLibTagsHelperFlac, GivesTheDepthOfAPictureWithTransparency)
@@ -207,7 +207,7 @@ TEST_F(TagLibTagsHelperFlac, GivesTheDepthOfAPictureWithTransparency)
     QImage image(5, 5, QImage::Format_ARGB32);
     image.fill(QColor(1, 2, 3, 4));
     TagsObject record;
-    record.setAlbumArt(std::make_shared<const QImage>(image));
+    record.setAlbumArt(artOf(image));
     TagLibTagsHelper::writeTagsForFLACFile(path, record, false);
     EXPECT_TRUE(listedPictures(path).contains(u"depth: 32"_s));
 }

@@ -5,8 +5,12 @@
 #include "platform/ChildProcess.h"
 #include "platform/ServiceProcess.h"
 #include "support/LimitedRun.h"
+#include "support/TestProgram.h"
 #include "support/WaitUntil.h"
 #include "TagFixtures.h"
+#include "tags/AACTagsHelper.h"
+#include "tags/PictureDigest.h"
+#include "tags/PictureMemory.h"
 #include "tags/TagLibTagsHelper.h"
 #include "tags/TagsSandbox.h"
 
@@ -17,9 +21,12 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <atomic>
 #include <chrono>
+#include <cerrno>
 #include <csignal>
+#include <cstddef>
 #include <limits>
 #include <memory>
 #include <random>
@@ -27,7 +34,11 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <linux/filter.h>
 #include <linux/landlock.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -54,6 +65,18 @@ QList<pid_t> processesOf(const QString &program)
         }
     }
     return found;
+}
+
+/// From now on, and for all programs that are started, no limit can be asked for or set.
+bool forbidLimits()
+{
+    std::array<sock_filter, 4> filter{
+        sock_filter BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        sock_filter BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_prlimit64, 0, 1),
+        sock_filter BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EPERM),
+        sock_filter BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW)};
+    const sock_fprog program{.len = filter.size(), .filter = filter.data()};
+    return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 && ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
 }
 
 class TagsOverProcess : public ::testing::Test {
@@ -104,26 +127,22 @@ TEST_F(TagsOverProcess, HandsPicturesOnAsTheyAre)
 {
     const QString path = writeTaggableFlac(folder, u"a.flac"_s);
     TagsObject record = fullRecord();
-    QImage image = noisePicture(30, 20)->copy();
+    QImage image = imageOf(noisePicture(30, 20));
     image.setDotsPerMeterX(3000);
     image.setText(u"Author"_s, u"somebody"_s);
     image.setColorSpace(QColorSpace(QColorSpace::DisplayP3));
-    record.setAlbumArt(std::make_shared<const QImage>(image));
+    record.setAlbumArt(artOf(image));
     TagLibTagsHelper::writeTagsForFLACFile(path, record, true);
-    const AlbumArt through = TagLibTagsHelper::tagsForFlacFile(path).albumArt();
     TagLibTagsHelper::writeTagsForAIFFFile(writeTaggableAiff(folder, u"b.aiff"_s),
                                            TagLibTagsHelper::tagsForFlacFile(path));
     TagsProcess::takeDown();
     const AlbumArt direct = TagLibTagsHelper::tagsForFlacFile(path).albumArt();
     const AlbumArt copied = TagLibTagsHelper::tagsForAIFFFile(folder.path(u"b.aiff"_s)).albumArt();
-    ASSERT_TRUE(through && direct && copied);
-    QImage withoutColourSpace = *direct;
-    withoutColourSpace.setColorSpace({});
-    EXPECT_EQ(*through, withoutColourSpace) << "whose profile is parsed only where it is needed";
-    EXPECT_EQ(*copied, *direct);
-    EXPECT_EQ(copied->colorSpace(), QColorSpace(QColorSpace::DisplayP3));
-    EXPECT_EQ(copied->text(u"Author"_s), u"somebody"_s);
-    EXPECT_NEAR(copied->dotsPerMeterX(), 3000, 1);
+    ASSERT_TRUE(direct && copied);
+    EXPECT_EQ(imageOf(copied), imageOf(direct));
+    EXPECT_EQ(imageOf(copied).colorSpace(), QColorSpace(QColorSpace::DisplayP3));
+    EXPECT_EQ(imageOf(copied).text(u"Author"_s), u"somebody"_s);
+    EXPECT_NEAR(imageOf(copied).dotsPerMeterX(), 3000, 1);
 }
 
 TEST_F(TagsOverProcess, TellsByWhatItsProcessEnded)
@@ -141,6 +160,84 @@ TEST_F(TagsOverProcess, TellsByWhatItsProcessEnded)
     EXPECT_EQ(folder.read(u"a.wv"_s), before);
     useReal();
     EXPECT_EQ(reading(path), u"read"_s);
+}
+
+TEST_F(TagsOverProcess, TellsThatItsProgramIsMissing)
+{
+    const QString path = taggedFile();
+    const QString missing = folder.path(u"nurv-tags"_s);
+    TagsProcess::setUp({.program = missing, .most = 1});
+    const QString end = u": nurv-tags, the program that reads them, is missing: "_s + missing;
+    EXPECT_EQ(reading(path), u"its tags could not be read"_s + end);
+    EXPECT_EQ(failureOf([&] { static_cast<void>(MetadataInventory::of(path)); }), u"its tags could not be read"_s + end);
+    EXPECT_EQ(failureOf([&] { static_cast<void>(pictureDigest(noisePicture(4, 4)->bytes())); }),
+              u"a picture could not be compared"_s + end);
+    EXPECT_EQ(failureOf([&] { TagLibTagsHelper::writeTagsForWavpackFile(path, fullRecord(), true); }),
+              u"its tags could not be written"_s + end);
+}
+
+TEST_F(TagsOverProcess, IsRefusedByAProcessThatCannotLimitItself)
+{
+    const QString path = taggedFile();
+    TagsProcess::takeDown();
+    EXPECT_EQ(runLimited(4096, 60,
+                         [&] {
+                             if (!forbidLimits())
+                                 return u"limits not forbidden"_s;
+                             useReal();
+                             return reading(path);
+                         }),
+              u"its tags could not be read: the program that reads them refuses to work: it has no limit of dumps: "
+              "Operation not permitted"_s);
+}
+
+TEST_F(TagsOverProcess, TakesALowerLimitThanItsOwn)
+{
+    const QString path = taggedFile();
+    TagsProcess::takeDown();
+    EXPECT_EQ(runLimited(4096, 60,
+                         [&] {
+                             const rlimit few{20, 20};
+                             const rlimit short_{15, 15};
+                             if (::setrlimit(RLIMIT_NOFILE, &few) != 0 || ::setrlimit(RLIMIT_CPU, &short_) != 0)
+                                 return u"limits not set"_s;
+                             useReal();
+                             return reading(path);
+                         }),
+              u"read"_s);
+}
+
+TEST_F(TagsOverProcess, GivesNoTagsOfWhatCannotBeOpened)
+{
+    const QString gone = folder.path(u"gone.wv"_s);
+    EXPECT_EQ(TagLibTagsHelper::tagsForWavpackFile(gone).titleText(), u""_s);
+    EXPECT_EQ(failureOf([&] { static_cast<void>(AACTagsHelper::tagsForFile(gone)); }),
+              u"Unable to open the file for reading."_s);
+    EXPECT_EQ(failureOf([&] { static_cast<void>(MetadataInventory::of(gone)); }),
+              u"it cannot be opened: No such file or directory"_s);
+    EXPECT_EQ(processesOf(program).size(), 1) << "they are read nowhere else";
+}
+
+TEST_F(TagsOverProcess, HoldsNoShareOfTheMemoryForARecord)
+{
+    const QString path = writeTaggableFlac(folder, u"a.flac"_s);
+    TagsObject record;
+    record.setAlbumArt(noisePicture(200, 100));
+    TagLibTagsHelper::writeTagsForFLACFile(path, record, true);
+    const TagsObject read = TagLibTagsHelper::tagsForFlacFile(path);
+    ASSERT_NE(read.albumArt(), nullptr);
+    EXPECT_LE(read.albumArt()->bytes().size(), folder.read(u"a.flac"_s).size()) << "it is not kept decoded";
+    EXPECT_EQ(PictureMemory::givenOut(), 0);
+}
+
+TEST_F(TagsOverProcess, TellsWhyAPictureIsLeftOut)
+{
+    const QString path = writeTaggableFlac(folder, u"a.flac"_s);
+    const QString icon = folder.write(u"icon"_s, QByteArray::fromHex("000001000100"));
+    EXPECT_EQ(runProgram(u"metaflac"_s, {u"--import-picture-from=3|image/x-icon||1x1x24|"_s + icon, path}).exitStatus, 0);
+    const TagsObject tags = TagLibTagsHelper::tagsForFlacFile(path);
+    EXPECT_EQ(tags.albumArt(), nullptr);
+    EXPECT_EQ(tags.albumArtFault(), u"it is of no known kind"_s);
 }
 
 TEST_F(TagsOverProcess, KillsAProcessThatTakesTooLong)
@@ -266,7 +363,10 @@ TEST_F(TagsOverProcess, HasLimitsOfItsOwn)
 
 TEST(TagsSandbox, TakesAwayAllFilesButNotWhatIsOpen)
 {
-    if (::syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION) < 1)
+    const bool hasLandlock =
+        ::syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION) >= 1;
+    EXPECT_EQ(tagsSandbox::canGiveUpFiles(), hasLandlock);
+    if (!hasLandlock)
         GTEST_SKIP() << "this kernel has no Landlock";
     const TestFolder folder;
     const QString path = folder.write(u"a"_s, "bytes");
@@ -292,13 +392,16 @@ TEST(TagsMessage, GivesBackWhatWasPut)
     record.setTitleText(u""_s);
     record.setArtistText(QString(QChar(0xd800))); // half a character
     record.customTagsDictionary().insert(u"a"_s, u"b"_s);
-    record.setAlbumArt(noisePicture(7, 3));
+    record.setAlbumArt(noisePicture(7, 3), u"a fault"_s);
     TagsMessageWriter writer;
     writer.putRecord(record);
     TagsMessageReader reader(writer.bytes());
     const TagsObject back = reader.takeRecord();
     reader.expectEnd();
-    EXPECT_EQ(*back.albumArt(), *record.albumArt());
+    EXPECT_EQ(back.albumArt()->bytes(), record.albumArt()->bytes());
+    EXPECT_EQ(back.albumArt()->size(), QSize(7, 3));
+    EXPECT_EQ(back.albumArt()->depth(), record.albumArt()->depth());
+    EXPECT_EQ(back.albumArtFault(), u"a fault"_s);
     EXPECT_EQ(back.customTagsDictionary(), record.customTagsDictionary());
     TagsObject same = back;
     same.setAlbumArt(record.albumArt());
