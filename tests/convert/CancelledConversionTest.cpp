@@ -15,7 +15,7 @@ TEST_F(CancelledConversionTest, StartsNothingWhenCancelledWhileWaiting)
 {
     const test::ToolFolder tools;
     tools.addFake(u"flac"_s, "log=" + folder.path(u"log"_s).toUtf8() + ";wait-file=" + folder.path(u"go-on"_s).toUtf8()
-                                 + ";create=@-1");
+                                 + ";append=@-1:sound");
     NotificationCenter::instance().post(QString::fromUtf16(NURVMaxThreadsChangedNotification), 1);
     EncodeTab tab(controller);
     prompts.expectOutputFolder(out.path());
