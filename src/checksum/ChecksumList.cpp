@@ -48,9 +48,9 @@ bool areAllSameDirectory(const QStringList &paths)
                        [&](const QString &path) { return folderOf(path) == folderOf(paths.first()); });
 }
 
-bool canName(const QString &path)
+bool canName(const QString &name)
 {
-    return !path.contains(u'\n') && !path.contains(u'\r');
+    return !name.contains(u'\n') && !name.contains(u'\r');
 }
 
 QString md5EntryName(const QString &path, const QString &listFolder, bool allInOneFolder)

@@ -23,9 +23,9 @@ namespace nurv::checksumList {
 /// True for an empty list and when every path has the first one's folder.
 [[nodiscard]] bool areAllSameDirectory(const QStringList &paths);
 
-/// Whether a list, which has a line per file, can name the file: a line break in its path would begin an
-/// entry of its own.
-[[nodiscard]] bool canName(const QString &path);
+/// Whether a list, which has a line per file, can hold the name: a line break in it would begin an entry of
+/// its own.
+[[nodiscard]] bool canName(const QString &name);
 
 /// How an MD5 list in `listFolder` names `path`: by its base name. When the listed
 /// files lie in several folders, a file whose path begins with the text of

@@ -36,8 +36,10 @@ void CreateMD5Task::doCreateMd5()
     const QString listFolder = folderOf(m_outputPath);
     qsizetype done = 0;
     for (const QString &path : m_fileNames) {
-        if (!checksumList::canName(path)) {
+        const QString name = checksumList::md5EntryName(path, listFolder, allInOneFolder);
+        if (!checksumList::canName(name)) {
             warn(u"%1 is not in the list: its name holds a line break"_s.arg(path));
+            ++done;
             continue;
         }
         setTextFieldString(lastPathComponent(path));
@@ -49,7 +51,7 @@ void CreateMD5Task::doCreateMd5()
         setProgressIndicatorValue(static_cast<double>(done) * 100.0 / static_cast<double>(m_fileNames.size()));
         setTopTextFieldString(u"Creating MD5 Hash"_s);
         updateStatus();
-        list += checksumList::md5Entry(digest, checksumList::md5EntryName(path, listFolder, allInOneFolder));
+        list += checksumList::md5Entry(digest, name);
     }
     if (cancelled())
         return;

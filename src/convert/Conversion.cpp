@@ -157,6 +157,12 @@ void Conversion::beginOutput(bool replaces)
         m_batch->journal->markBegun(outputFile());
 }
 
+void Conversion::disownOutput()
+{
+    lookAtOutput();
+    m_hasBegunOutput = false;
+}
+
 void Conversion::noteIntermediateBegun()
 {
     if (m_batch && m_batch->journal && !intermediateFile().isEmpty())
@@ -191,11 +197,11 @@ bool Conversion::hasTouchedOutput() const
 void Conversion::removeHalfMade(const QString &path) const
 {
     const FolderEntry entry(path);
-    if (!entry.facts())
-        return;
     const std::optional<struct stat> folder = entry.folderFacts();
-    if (!m_outputFolder || !isSameFile(*m_outputFolder, *folder))
-        qCWarning(convertLog).noquote() << "Half made and not removed, since its folder is another one now:" << path;
+    if (folder && !entry.facts() && errno == ENOENT)
+        return;
+    if (!folder || !m_outputFolder || !isSameFile(*m_outputFolder, *folder))
+        qCWarning(convertLog).noquote() << "Half made and not removed, since its folder is another one now, or not to be opened:" << path;
     else if (!entry.remove() && errno != ENOENT)
         qCWarning(convertLog).noquote() << "Half made and not removed:" << path << systemErrorText(errno);
 }
@@ -237,15 +243,22 @@ void Conversion::keepForReport(const QString &text)
     const qsizetype fresh = std::min(m_ownText.size(), text.size() + toolOutput::kLongestDamageMarker);
     if (toolOutput::tellsOfDamage(QStringView(m_ownText).last(fresh)))
         noteDamage(u"its program told of damage"_s);
-    if (m_ownText.size() > kLongestReport)
-        m_ownText.remove(0, m_ownText.size() - kLongestReport);
+    keepEndOfReport();
 }
 
 void Conversion::keepReasonForReport(const QString &reason)
 {
     if (!m_ownText.isEmpty() && !m_ownText.endsWith(u'\n'))
-        keepForReport(u"\n"_s);
-    keepForReport(reason);
+        m_ownText += u'\n';
+    // It may hold names, and names any words.
+    m_ownText += reason;
+    keepEndOfReport();
+}
+
+void Conversion::keepEndOfReport()
+{
+    if (m_ownText.size() > kLongestReport)
+        m_ownText.remove(0, m_ownText.size() - kLongestReport);
 }
 
 bool Conversion::hasToTell() const

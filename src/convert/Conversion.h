@@ -76,6 +76,8 @@ protected:
     /// Around the making of the intermediate file.
     void noteIntermediateBegun();
     void noteIntermediateGone();
+    /// What has the output's name is not this job's.
+    void disownOutput();
     /// Before the queue is told of the end and starts further jobs.
     void releaseOutput() { m_claim.release(); }
 
@@ -141,6 +143,7 @@ protected:
 private:
     [[nodiscard]] std::optional<QString> somethingInTheWay() const;
     void removeEmptyOutput() const;
+    void keepEndOfReport();
     void lookAtOutput();
     /// What holds for every job that has come to its end.
     void noteEnding();

@@ -9,14 +9,16 @@
 #include "platform/FileRename.h"
 #include "platform/GuiThread.h"
 #include "platform/NurvFailure.h"
+#include "platform/SystemError.h"
 #include "platform/WorkerThreads.h"
 
 #include <QFile>
 
 #include <exception>
+#include <cerrno>
+#include <exception>
 #include <memory>
 #include <optional>
-#include <system_error>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -44,7 +46,6 @@ void ConversionTask::startTask()
     std::optional<QString> obstacle = takeOutput();
     if (!obstacle) {
         try {
-            m_temporaryExisted = isThere(temporaryOf(outputFile()));
             beginOutput(replacesOutput());
             noteIntermediateBegun();
             m_intermediateExisted = isThere(intermediateFile());
@@ -89,10 +90,16 @@ void ConversionTask::completeStop()
             ConversionTask *const examined = task.get();
             postToGuiThread([task = std::move(task), examined, verdict] { examined->takeExamination(verdict); });
         });
-    } catch (const std::system_error &failure) {
+    } catch (const std::exception &failure) {
         qCWarning(convertLog, "The output was not examined: %s", failure.what());
         finishMadeOutput();
-        takeExamination({.failure = {}, .keeping = u"its output could not be examined"_s});
+        SourceRetirement::Verdict verdict;
+        if (programSucceeded() && !cancelled() && !error()) {
+            verdict.proof = TaskOutcome::Proof::NotProven;
+            if (deleteOriginal())
+                verdict.keeping = u"its output could not be examined"_s;
+        }
+        takeExamination(verdict);
     }
 }
 
@@ -109,9 +116,18 @@ void ConversionTask::takeIntermediateFile()
     const QString made = intermediateFile();
     if (made.isEmpty() || !hasRun() || m_intermediateExisted || !isThere(made))
         return;
-    if (programSucceeded() && renameToFreeName(QFile::encodeName(made), QFile::encodeName(outputFile())))
+    if (!programSucceeded()) {
+        removeHalfMade(made);
         return;
-    removeHalfMade(made);
+    }
+    if (renameToFreeName(QFile::encodeName(made), QFile::encodeName(outputFile())))
+        return;
+    const QString problem = u"its output stays as %1, since it could not get its name: %2"_s.arg(
+        lastPathComponent(made), systemErrorText(errno));
+    // Whatever has that name now is somebody else's.
+    disownOutput();
+    noteProblem(problem);
+    failWith(problemLine(problem));
 }
 
 void ConversionTask::takeExamination(const SourceRetirement::Verdict &verdict)
@@ -142,7 +158,8 @@ void ConversionTask::removeHalfMadeFiles() const
     // Of a program that ends by itself the output is removed only where it is known to leave
     // a cut one.
     const bool isCut = exit->signal != 0 || leavesHalfMadeOutput();
-    if (exit->signal != 0 && !m_temporaryExisted)
+    // Nothing had that name when the program was started.
+    if (exit->signal != 0)
         removeHalfMade(temporaryOf(outputFile()));
     if (isCut && !outputExisted() && !outputIsSource())
         removeHalfMade(outputFile());

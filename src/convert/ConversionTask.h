@@ -16,8 +16,8 @@ namespace nurv {
 ///       └─ end ──> finishOutput: tags ──> a worker examines the output ──> cleanup: the source is
 ///                                                              deleted if that was asked for
 ///
-/// Lives on the GUI thread like every command job; its worker touches nothing of it but
-/// the status line.
+/// Lives on the GUI thread like every command job. Between the end of the program and
+/// `takeExamination` the job is its worker's: status line, report, outcome and error flag.
 class ConversionTask : public NURVAsyncNSTask, public Conversion {
 public:
     /// Fails when another running job, or an earlier one of the batch, makes the output.
@@ -43,7 +43,7 @@ protected:
     /// Whether the program leaves a cut output behind when it fails.
     [[nodiscard]] virtual bool leavesHalfMadeOutput() const { return false; }
     /// Copies tags, where the job does that: after the program has ended, before what was
-    /// made is looked at. Once, whatever became of the program.
+    /// made is looked at. Once, whatever became of the program, when there is an output.
     virtual void finishOutput() {}
     [[nodiscard]] virtual toolOutput::ChunkReport parseOutput(const QString &chunk) const = 0;
 
@@ -63,7 +63,6 @@ private:
     void takeExamination(const SourceRetirement::Verdict &verdict);
     void finishStop();
 
-    bool m_temporaryExisted = false;
     bool m_intermediateExisted = false;
 };
 

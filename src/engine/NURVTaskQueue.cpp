@@ -44,16 +44,11 @@ NURVTaskQueue::~NURVTaskQueue() = default;
 
 void NURVTaskQueue::underLock(const std::function<void()> &work)
 {
-    try {
-        const std::scoped_lock lock(m_lock);
-        m_isLocked = true;
-        const auto unlock = qScopeGuard([this] { m_isLocked = false; });
-        work();
-    } catch (...) {
-        tellAll();
-        throw;
-    }
-    tellAll();
+    const auto tell = qScopeGuard([this] { tellAll(); });
+    const std::scoped_lock lock(m_lock);
+    m_isLocked = true;
+    const auto unlock = qScopeGuard([this] { m_isLocked = false; });
+    work();
 }
 
 void NURVTaskQueue::announce(std::function<void()> announcement)
@@ -68,7 +63,12 @@ void NURVTaskQueue::tellAll()
     while (!m_announcements.empty()) {
         const std::function<void()> announcement = std::move(m_announcements.front());
         m_announcements.pop_front();
-        announcement();
+        // One that fails keeps the others from nothing.
+        try {
+            announcement();
+        } catch (const std::exception &failure) {
+            qCWarning(engineLog, "Exception in queue: %s", failure.what());
+        }
     }
 }
 
@@ -87,7 +87,7 @@ void NURVTaskQueue::addTask(const std::shared_ptr<NURVTask> &task)
             if (!m_noSleep)
                 preventSleep();
         });
-        if (m_activeTask < m_maxThreads && !m_isHeld) {
+        if (m_activeTask < m_maxThreads && !m_isHeld && !m_isCancellingAll) {
             startTask(task);
             m_lowestActivePosition = std::max(m_lowestActivePosition, row);
             ++m_activeTask;
@@ -157,7 +157,8 @@ void NURVTaskQueue::finishTask(const std::shared_ptr<NURVTask> &task)
     });
     if (!isKnown)
         return;
-    if (m_activeTask == 0 && !m_isCancellingAll)
+    // While it is held, jobs may wait although none runs.
+    if (m_activeTask == 0 && !m_isCancellingAll && !(m_isHeld && !m_taskArray.empty()))
         sweep();
     if (results && results->takeReport()) {
         showOutputWindow(results->results(),
@@ -183,23 +184,27 @@ void NURVTaskQueue::startWaitingTasks()
 
 void NURVTaskQueue::sweep()
 {
-    std::vector<std::shared_ptr<NURVTask>> failed;
-    for (const std::shared_ptr<NURVTask> &task : m_panelArray) {
-        if (task->error())
-            failed.push_back(task);
-        else
-            task->hide();
-    }
-    const bool anyFailed = !failed.empty();
-    rebuildRows(std::move(failed));
-    if (anyFailed)
-        return;
-    Q_EMIT panelCloseRequested();
-    countChanged();
-    if (m_services.hasNotificationService())
-        m_services.deliverNotification(u"Nurv task(s) completed"_s, QString());
-    else
-        m_services.requestAttention();
+    underLock([this] {
+        std::vector<std::shared_ptr<NURVTask>> failed;
+        for (const std::shared_ptr<NURVTask> &task : m_panelArray) {
+            if (task->error())
+                failed.push_back(task);
+            else
+                task->hide();
+        }
+        const bool anyFailed = !failed.empty();
+        rebuildRows(std::move(failed));
+        if (anyFailed)
+            return;
+        announce([this] { Q_EMIT panelCloseRequested(); });
+        countChanged();
+        announce([this] {
+            if (m_services.hasNotificationService())
+                m_services.deliverNotification(u"Nurv task(s) completed"_s, QString());
+            else
+                m_services.requestAttention();
+        });
+    });
 }
 
 void NURVTaskQueue::rebuildRows(std::vector<std::shared_ptr<NURVTask>> rows)
@@ -208,7 +213,7 @@ void NURVTaskQueue::rebuildRows(std::vector<std::shared_ptr<NURVTask>> rows)
     m_rowOfTask.clear();
     for (std::size_t row = 0; row < m_panelArray.size(); ++row)
         m_rowOfTask.insert(m_panelArray[row].get(), static_cast<int>(row));
-    Q_EMIT rowsReset();
+    announce([this] { Q_EMIT rowsReset(); });
 }
 
 void NURVTaskQueue::rowStateChanged(const NURVTask &task)
@@ -234,19 +239,23 @@ void NURVTaskQueue::cancelFromLastToFirst()
     Q_ASSERT(isGuiThread());
     if (m_taskArray.empty())
         return;
-    m_isCancellingAll = true;
     // A copy: a waiting job leaves the list while it is being cancelled.
     const std::deque<std::shared_ptr<NURVTask>> tasks = m_taskArray;
-    for (auto task = tasks.rbegin(); task != tasks.rend(); ++task) {
-        // What would follow a cancelled batch is not wanted either.
-        if (const std::shared_ptr<NURVTaskResults> set = (*task)->results())
-            set->setTaskAfterSetDone(nullptr);
-        (*task)->cancelTask();
+    {
+        m_isCancellingAll = true;
+        const auto end = qScopeGuard([this] { m_isCancellingAll = false; });
+        for (auto task = tasks.rbegin(); task != tasks.rend(); ++task) {
+            // What would follow a cancelled batch is not wanted either.
+            if (const std::shared_ptr<NURVTaskResults> set = (*task)->results())
+                set->setTaskAfterSetDone(nullptr);
+            (*task)->cancelTask();
+        }
     }
-    m_isCancellingAll = false;
-
-    // Only the jobs whose programs run to their end are left, and counted.
-    m_activeTask = static_cast<std::int32_t>(m_taskArray.size());
+    // The jobs whose programs run to their end are left, and what a listener has added meanwhile.
+    m_activeTask = static_cast<std::int32_t>(
+        std::count_if(m_taskArray.begin(), m_taskArray.end(),
+                      [&tasks](const auto &task) { return std::find(tasks.begin(), tasks.end(), task) != tasks.end(); }));
+    underLock([this] { startWaitingTasks(); });
     if (m_activeTask == 0) {
         sweep();
         becomeEmpty();
@@ -256,25 +265,25 @@ void NURVTaskQueue::cancelFromLastToFirst()
 void NURVTaskQueue::removeAllErrors()
 {
     Q_ASSERT(isGuiThread());
-    std::vector<std::shared_ptr<NURVTask>> others;
-    for (const std::shared_ptr<NURVTask> &task : m_panelArray) {
-        if (task->error())
-            task->hide();
-        else
-            others.push_back(task);
-    }
-    rebuildRows(std::move(others));
-    if (m_taskArray.empty())
-        Q_EMIT panelCloseRequested();
-    countChanged();
+    underLock([this] {
+        std::vector<std::shared_ptr<NURVTask>> others;
+        for (const std::shared_ptr<NURVTask> &task : m_panelArray) {
+            if (task->error())
+                task->hide();
+            else
+                others.push_back(task);
+        }
+        rebuildRows(std::move(others));
+        if (m_taskArray.empty())
+            announce([this] { Q_EMIT panelCloseRequested(); });
+        countChanged();
+    });
 }
 
 void NURVTaskQueue::countChanged()
 {
-    announce([this, count = taskCount()] {
-        m_services.setBadge(count);
-        Q_EMIT taskCountChanged(count);
-    });
+    announce([this, count = taskCount()] { Q_EMIT taskCountChanged(count); });
+    announce([this, count = taskCount()] { m_services.setBadge(count); });
 }
 
 void NURVTaskQueue::preventSleep()

@@ -9,6 +9,7 @@
 #include "platform/NurvFailure.h"
 #include "platform/ProcessMark.h"
 #include "platform/SystemError.h"
+#include "platform/UnnamedFile.h"
 #include "platform/Version.h"
 
 #include <QFile>
@@ -61,17 +62,26 @@ JournalFile::JournalFile(const QByteArray &lines) : m_folder(openJournalFolder(t
     const QByteArray bytes = header + stateLine(true) + lines;
     if (bytes.size() > kLargest)
         fail(u"there is too much to note"_s, EFBIG);
-    // Under another name until it is locked: nobody must take it for one left behind.
-    const QByteArray name = unfinishedJournalName(m_name);
-    m_file = FileDescriptor(::openat(m_folder.get(), name.constData(),
-                                     O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    // Nobody must take it for one left behind before it is locked, so it gets its name then. Where there are
+    // no files without one, it has another.
+    m_file = unnamedFile::open(".", m_folder.get(), S_IRUSR | S_IWUSR);
+    const QByteArray formerName = m_file.isOpen() ? QByteArray() : unfinishedJournalName(m_name);
+    if (!m_file.isOpen()) {
+        m_file = FileDescriptor(::openat(m_folder.get(), formerName.constData(),
+                                         O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    }
     if (!m_file.isOpen())
         fail(u"no file can be made"_s, errno);
-    if (::flock(m_file.get(), LOCK_EX | LOCK_NB) != 0 || !write(bytes, 0) || ::fsync(m_file.get()) != 0
-        || ::renameat(m_folder.get(), name.constData(), m_folder.get(), m_name.constData()) != 0
+    const auto giveName = [&] {
+        return formerName.isEmpty()
+                   ? unnamedFile::name(m_file, m_name.toStdString(), m_folder.get())
+                   : ::renameat(m_folder.get(), formerName.constData(), m_folder.get(), m_name.constData()) == 0;
+    };
+    if (::flock(m_file.get(), LOCK_EX | LOCK_NB) != 0 || !write(bytes, 0) || ::fsync(m_file.get()) != 0 || !giveName()
         || ::fsync(m_folder.get()) != 0) {
         const int error = errno;
-        ::unlinkat(m_folder.get(), name.constData(), 0);
+        if (!formerName.isEmpty())
+            ::unlinkat(m_folder.get(), formerName.constData(), 0);
         ::unlinkat(m_folder.get(), m_name.constData(), 0);
         fail(u"the file cannot be written"_s, error);
     }

@@ -91,7 +91,9 @@ bool FolderEntry::changeMode(mode_t mode, const timespec &since) const
     }
     const bool isWider = (mode & ~facts.st_mode & 07777) != 0;
     if (isWider && (facts.st_nlink != 1 || isOlder(file.get(), since))) {
-        errno = EPERM;
+        // What takes something away is done all the same.
+        if (::fchmod(file.get(), facts.st_mode & mode & 07777) == 0)
+            errno = EPERM;
         return false;
     }
     return ::fchmod(file.get(), mode) == 0;

@@ -304,7 +304,12 @@ TagsObject::Text AACTagsHelper::writeTagsForFile(const QString &path, const Tags
                                                  bool writeEmptyTags, bool encoding)
 {
     Text leftOut = writeItemsForFile(path, tagObject, writeEmptyTags, encoding);
-    Mp4Optimizer::optimizeInPlace(path);
+    try {
+        Mp4Optimizer::optimizeInPlace(path);
+    } catch (const TagsUnavailable &failure) {
+        // The tags are in the file by now.
+        throw NurvFailure(u"they are written, but its boxes were not put in order: "_s + failure.reason());
+    }
     return leftOut;
 }
 

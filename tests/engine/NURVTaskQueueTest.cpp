@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/NURVTaskQueue.h"
 
+#include "engine/NURVTaskResults.h"
 #include "engine/TestTasks.h"
 #include "platform/NotificationCenter.h"
 #include "platform/SettingsStore.h"
@@ -421,6 +422,39 @@ TEST_F(NURVTaskQueueTest, TellsTheDesktopWhenItsListsMayChange)
     EXPECT_EQ(queue->taskCount(), 3);
 }
 
+TEST_F(NURVTaskQueueTest, KeepsAJobThatIsAddedDuringASweep)
+{
+    add(2);
+    QObject::connect(queue.get(), &NURVTaskQueue::rowsReset, queue.get(), [this] {
+        if (tasks.size() == 2)
+            add(1);
+    });
+    tasks[0]->finish();
+    tasks[1]->finish();
+    EXPECT_EQ(tasks.size(), 3U);
+    EXPECT_EQ(queue->panelArray().size(), 1U);
+    EXPECT_EQ(queue->rowOf(*tasks[2]), 0);
+    EXPECT_EQ(started(), u"123");
+}
+
+TEST_F(NURVTaskQueueTest, StartsAJobThatIsAddedWhileAllAreCancelled)
+{
+    announceLimit(1);
+    add(2);
+    QObject::connect(queue.get(), &NURVTaskQueue::taskEnded, queue.get(), [this] {
+        if (tasks.size() == 2)
+            add(1);
+    });
+    queue->cancelAllTasks();
+    ASSERT_EQ(tasks.size(), 3U);
+    for (const auto &task : {tasks[0], tasks[1]}) {
+        if (!task->isDone())
+            task->finish();
+    }
+    EXPECT_EQ(tasks[2]->starts, 1);
+    EXPECT_EQ(queue->activeTask(), 1);
+}
+
 TEST_F(NURVTaskQueueTest, StartsNothingWhileItIsHeld)
 {
     queue->hold();
@@ -432,6 +466,7 @@ TEST_F(NURVTaskQueueTest, StartsNothingWhileItIsHeld)
     queue->hold();
     tasks[0]->finish();
     EXPECT_EQ(started(), u"12");
+    EXPECT_EQ(panelCloses, 0);
     queue->release();
     EXPECT_EQ(started(), u"123");
     EXPECT_EQ(queue->activeTask(), 2);
@@ -470,9 +505,18 @@ TEST_F(NURVTaskQueueTest, SignalsTheRowThatHasToBePainted)
 TEST_F(NURVTaskQueueTest, SurvivesAnExceptionWhileAJobCompletes)
 {
     add(1);
+    const auto results = std::make_shared<NURVTaskResults>();
+    results->addTaskInSet(*tasks[0]);
+    results->appendResults(u"said"_s);
+    tasks[0]->setResults(results);
+    int scrolls = 0;
+    QObject::connect(queue.get(), &NURVTaskQueue::scrollRequested, queue.get(), [&scrolls] { ++scrolls; });
     services.failsToSetBadge = true;
     tasks[0]->finish();
     services.failsToSetBadge = false;
+    EXPECT_EQ(windows, QStringList{u"1|said"_s}) << "its report is shown all the same";
+    EXPECT_EQ(scrolls, 1);
+    EXPECT_TRUE(queue->panelArray().empty());
     EXPECT_EQ(queue->taskCount(), 0);
     EXPECT_EQ(queue->activeTask(), 0);
     EXPECT_FALSE(queue->noSleep());

@@ -13,6 +13,8 @@
 
 #include <cerrno>
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -33,6 +35,12 @@ struct FolderEntryTest : ::testing::Test {
     const QString song = folder.write(u"music/01.wav"_s, "sound");
     const QString secret = folder.write(u"private/01.wav"_s, "secret");
 };
+
+bool tellsWhenFilesWereMade(const QString &path)
+{
+    struct statx facts = {};
+    return ::statx(AT_FDCWD, qPrintable(path), 0, STATX_BTIME, &facts) == 0 && (facts.stx_mask & STATX_BTIME) != 0;
+}
 
 } // namespace
 
@@ -84,13 +92,18 @@ TEST_F(FolderEntryTest, OpensNoFileThatWasPutInThePlaceOfAnother)
     ++later.tv_sec;
     ASSERT_TRUE(QFile::remove(song));
     ASSERT_TRUE(QFile::rename(secret, song));
-    EXPECT_FALSE(FolderEntry(song).changeMode(0644, later)) << "it is older than what it stands in for";
-    EXPECT_EQ(factsOf(song)->st_mode & 0777U, 0600U);
+    if (tellsWhenFilesWereMade(song)) {
+        EXPECT_FALSE(FolderEntry(song).changeMode(0644, later)) << "it is older than what it stands in for";
+        EXPECT_EQ(factsOf(song)->st_mode & 0777U, 0600U);
+    }
     EXPECT_TRUE(FolderEntry(song).changeMode(0400, later)) << "nobody gains by that";
 
     ASSERT_EQ(::link(qPrintable(song), qPrintable(secret)), 0);
     EXPECT_FALSE(FolderEntry(song).changeMode(0644, start)) << "it is somebody's under another name, too";
     EXPECT_EQ(factsOf(secret)->st_mode & 0777U, 0400U);
+    ASSERT_EQ(::chmod(qPrintable(song), 0644), 0);
+    EXPECT_FALSE(FolderEntry(song).changeMode(0620, start));
+    EXPECT_EQ(factsOf(song)->st_mode & 0777U, 0600U) << "others lose what they are to lose";
 }
 
 TEST_F(FolderEntryTest, TellsWhenThereIsNoFolder)

@@ -66,9 +66,11 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -393,14 +395,18 @@ bool actFiles(const std::string &verb, const std::string &value, const std::stri
     return true;
 }
 
-/// Acts out the steps about time, signals and the end. Returns whether it knew the verb.
-/// Of a pipe that others read; 0 for anything else.
+/// Of a pipe that somebody reads; 0 for anything else.
 int unreadBytes(int descriptor)
 {
+    struct stat facts = {};
+    pollfd reader{.fd = descriptor, .events = 0, .revents = 0};
     int bytes = 0;
-    return ::ioctl(descriptor, FIONREAD, &bytes) == 0 ? bytes : 0;
+    const bool isRead = ::fstat(descriptor, &facts) == 0 && S_ISFIFO(facts.st_mode) && ::poll(&reader, 1, 0) >= 0
+                        && (reader.revents & POLLERR) == 0;
+    return isRead && ::ioctl(descriptor, FIONREAD, &bytes) == 0 ? bytes : 0;
 }
 
+/// Acts out the steps about time, signals and the end. Returns whether it knew the verb.
 bool actProcess(const std::string &verb, const std::string &value, const std::string &step)
 {
     if (verb == "delay") {
