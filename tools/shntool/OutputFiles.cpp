@@ -1,0 +1,173 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shntool/OutputFiles.h"
+
+#include "shntool/AiffWaveOutput.h"
+#include "shntool/Console.h"
+#include "shntool/FileWaveOutput.h"
+#include "shntool/FormatSettings.h"
+#include "shntool/ProgramWaveOutput.h"
+#include "shntool/Progress.h"
+#include "support/ToolError.h"
+
+#include <array>
+#include <cstdio>
+#include <iostream>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace nurv {
+
+namespace {
+
+bool exists(const std::string &name)
+{
+    struct stat status {};
+    return ::lstat(name.c_str(), &status) == 0;
+}
+
+/// A link is replaced like a file; what else is there is nothing to replace.
+bool canBeReplaced(const std::string &name)
+{
+    struct stat status {};
+    return ::lstat(name.c_str(), &status) == 0 && (S_ISREG(status.st_mode) || S_ISLNK(status.st_mode))
+           && (S_ISLNK(status.st_mode) || ::access(name.c_str(), W_OK) == 0);
+}
+
+/// A line from the terminal; nothing at its end.
+std::optional<std::string> answer()
+{
+    std::string line;
+    if (!std::getline(std::cin, line))
+        return std::nullopt;
+    return line;
+}
+
+} // namespace
+
+OutputFiles::OutputFiles(const Console &console, const FormatSettings &formats)
+    : m_console(console), m_formats(formats)
+{
+}
+
+std::string OutputFiles::inFolder(const std::string &name) const
+{
+    if (folder.empty())
+        return name;
+    return folder.ends_with('/') ? folder + name : folder + '/' + name;
+}
+
+std::string OutputFiles::extended(const std::string &name) const
+{
+    const AudioFormat &format = m_formats.outputFormat();
+    if (format.name == "term")
+        return "terminal";
+    return format.name == "null" ? "/dev/null" : name + '.' + m_formats.extension(format);
+}
+
+std::string OutputFiles::nameFrom(const WaveInfo &source, const std::string &defaultPostfix) const
+{
+    if (fullName)
+        return folder.empty() || fullName->starts_with('/') ? *fullName : inFolder(*fullName);
+    const std::string &path = source.fileName;
+    const size_t slash = path.rfind('/');
+    const std::string place = slash == std::string::npos || !folder.empty() ? std::string() : path.substr(0, slash + 1);
+    std::string base = path.substr(slash == std::string::npos ? 0 : slash + 1);
+    if (const std::string ending = '.' + m_formats.extension(*source.format); ending.size() > 1 && base.ends_with(ending))
+        base.resize(base.size() - ending.size());
+    const std::string name = extended(prefix + base + postfix.value_or(defaultPostfix));
+    return m_formats.outputFormat().extension.empty() && m_formats.outputFormat().name != "cust" ? name
+                                                                                                : inFolder(place + name);
+}
+
+std::string OutputFiles::nameOf(const std::string &base, const std::string &middle) const
+{
+    const AudioFormat &format = m_formats.outputFormat();
+    const std::string name = extended((prefix.empty() ? base : prefix) + middle + postfix.value_or(""));
+    return format.name == "term" || format.name == "null" ? name : inFolder(name);
+}
+
+std::string OutputFiles::nameAround(const std::string &middle) const
+{
+    const AudioFormat &format = m_formats.outputFormat();
+    const std::string name = extended(prefix + middle + postfix.value_or(""));
+    return format.name == "term" || format.name == "null" ? name : inFolder(name);
+}
+
+bool OutputFiles::areSame(const std::string &one, const std::string &other)
+{
+    struct stat first {};
+    struct stat second {};
+    return ::stat(one.c_str(), &first) == 0 && ::stat(other.c_str(), &second) == 0 && first.st_dev == second.st_dev
+           && first.st_ino == second.st_ino;
+}
+
+std::unique_ptr<WaveOutput> OutputFiles::open(std::string &name, Progress &progress)
+{
+    const AudioFormat &format = m_formats.outputFormat();
+    if (format.name == "null")
+        return std::make_unique<StreamWaveOutput>(-1);
+    if (format.name == "term")
+        return std::make_unique<StreamWaveOutput>(STDOUT_FILENO);
+    if (exists(name) && !mayWrite(name, progress))
+        return nullptr;
+    try {
+        return make(name);
+    } catch (const ToolError &error) {
+        m_console.debug(error.what());
+        return nullptr;
+    }
+}
+
+std::unique_ptr<WaveOutput> OutputFiles::make(const std::string &name) const
+{
+    const AudioFormat &format = m_formats.outputFormat();
+    if (format.name == "wav")
+        return std::make_unique<FileWaveOutput>(name);
+    if (format.name == "aiff" && m_formats.encodesItself(format))
+        return std::make_unique<AiffWaveOutput>(name);
+    // What is wrong with the words is told before any folder is made.
+    static_cast<void>(m_formats.encoderWords(format, name));
+    return std::make_unique<ProgramWaveOutput>(
+        name, [&](const std::string &file) { return m_formats.encoderWords(format, file); });
+}
+
+bool OutputFiles::mayWrite(std::string &name, Progress &progress)
+{
+    if (overwrite == Overwrite::Never || !canBeReplaced(name))
+        return false;
+    return overwrite == Overwrite::Always || ask(name, progress);
+}
+
+bool OutputFiles::ask(std::string &name, Progress &progress)
+{
+    progress.breakLine();
+    if (::isatty(STDIN_FILENO) == 0) {
+        m_console.fail("standard input is not a terminal -- cannot prompt for overwrite action.  "
+                       "use \"-O always\" or \"-O never\".");
+    }
+    for (bool isDecided = false; !isDecided;) {
+        m_console.tellAlways("File already exists: [" + name
+                             + "]\nOverwrite ([y]es, [n]o, [a]lways, ne[v]er, [r]ename)? ");
+        const std::optional<std::string> line = answer();
+        isDecided = true;
+        switch (line && !line->empty() ? line->front() : (line ? '?' : 'n')) {
+        case 'a': overwrite = Overwrite::Always; [[fallthrough]];
+        case 'y': progress.show(); return true;
+        case 'v': overwrite = Overwrite::Never; [[fallthrough]];
+        case 'n': progress.show(); return false;
+        case 'r':
+            m_console.tellAlways("New name: ");
+            name = answer().value_or(name);
+            isDecided = !exists(name);
+            break;
+        default: isDecided = false; break;
+        }
+    }
+    progress.setOtherFile(name);
+    progress.show();
+    return true;
+}
+
+} // namespace nurv

@@ -1,0 +1,38 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "shntool/Mode.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace nurv {
+
+struct WaveInfo;
+
+/// Takes silence, which is zero bytes, from the ends of files.
+class TrimMode final : public Mode {
+public:
+    using Mode::Mode;
+
+    void takeOption(char option, const char *) override { (option == 'b' ? m_wantsStart : m_wantsEnd) = true; }
+    int execute() override;
+
+private:
+    /// Bytes of silence at both ends, in whole sample frames.
+    struct Silence {
+        uint64_t start = 0;
+        uint64_t end = 0;
+    };
+
+    bool trim(const WaveInfo &info) const;
+    /// Nothing where there is nothing to trim, which is told.
+    std::optional<Silence> findSilence(const WaveInfo &info) const;
+    bool write(const WaveInfo &info, const Silence &silence) const;
+
+    bool m_wantsStart = false;
+    bool m_wantsEnd = false;
+};
+
+} // namespace nurv
