@@ -20,6 +20,7 @@ class Case:
     program: str = "shntool"  # as it is called
     merged: bool = False  # both streams go into one pipe
     stranger: bool = False  # run as a user who owns nothing of the folder, where the suite runs as root
+    passing: bytes = b""  # what of the texts depends on the moment, as a pattern; it is not compared
     modes: tuple = ()  # of (name in the folder, permissions)
 
 

@@ -10,6 +10,8 @@ import fnmatch
 import os
 import pathlib
 import queue
+import resource
+import subprocess
 import sys
 import tempfile
 import threading
@@ -20,6 +22,7 @@ from deviations import deviation_of
 from fixtures import Fixtures
 from running import Runner
 
+LIMIT_BYTES = 1 << 28  # of one file, so that no endless output fills the disk
 SKIPPED = 77  # what ctest takes for "skipped"
 
 
@@ -75,6 +78,8 @@ class Comparison:
                 show(case, reference)
                 return []
             candidate = self.runner.run(self.options.candidate, case, workplace)
+        except subprocess.TimeoutExpired as error:
+            return [f"{error.args[0][0] if error.args else 'a program'} does not end within {error.timeout} s"]
         finally:
             self.workplaces.put(workplace)
         deviation = None if self.options.self_check else deviation_of(case.name)
@@ -112,6 +117,7 @@ def main():
     if not options.reference.exists():
         print(f"there is no {options.reference} to compare with")
         return SKIPPED
+    resource.setrlimit(resource.RLIMIT_FSIZE, (LIMIT_BYTES, LIMIT_BYTES))
     faulty = 0
     with tempfile.TemporaryDirectory(prefix="shntool-differential-") as name:
         folder = pathlib.Path(name)

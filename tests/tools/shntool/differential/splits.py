@@ -107,7 +107,7 @@ def outputs():
     for source in ("flac", "shn", "ape", "tta", "aiff", "wv4"):
         yield case(f"split cd1.{source}", typed=POINTS["minutes"])
     for options in ("-c 0", "-c 5", "-c 99", "-c -1", "-c x", "-c 1000", "-n %d", "-n %03d", "-n %x", "-n words", "-n %s",
-                    "-n %d%d", "-n ''", "-n '%2d'", "-n %%", "-n %n", "-n %05d", "-a pre", "-z post", "-a pre -z post",
+                    "-n ''", "-n '%2d'", "-n %%", "-n %n", "-n %05d", "-a pre", "-z post", "-a pre -z post",
                     "-a ''", "-d out", "-d nowhere", "-q", "-H", "-w", "-P dot", "-P spin", "-P face", "-P none",
                     "-e 0:00.02", "-u 0:00.02", "-e 0:00.02 -u 0:00.03", "-e 100", "-u 101", "-e 0:00.50",
                     "-u 0:00.50", "-e x", "-u x", "-e 0", "-x 2", "-x 1,3", "-x 1-2", "-x 2-3,1", "-x 3-1", "-x 4",
