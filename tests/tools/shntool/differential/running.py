@@ -69,6 +69,15 @@ class Runner:
         for name, mode in case.modes:
             os.chmod(folder / name, mode)
 
+    def given(self, case, workplace):
+        """What lies there before a program starts."""
+        folder = pathlib.Path(workplace) / "here"
+        try:
+            self.furnish(folder, case)
+            return snapshot(folder)
+        finally:
+            remove(folder)
+
     def start(self, program, case, folder):
         environment = {**self.environment, **dict(case.environment), "PWD": str(folder)}
         words = [case.program, *(word.replace("{folder}", str(folder)) if isinstance(word, str) else word
@@ -132,6 +141,12 @@ class Streams:
             os.close(self.master)
 
 
+def can_everybody_run(program):
+    """Whether also those may start it who own nothing of its folders."""
+    path = pathlib.Path(program).resolve()
+    return all(each.stat().st_mode & stat.S_IXOTH for each in (path, *path.parents))
+
+
 def credentials(case):
     """Root may do everything, so that what is forbidden has to be tried by somebody else."""
     if not case.stranger or os.geteuid() != 0:
@@ -150,6 +165,8 @@ def snapshot(folder):
             facts = os.lstat(path)
             contents = b""
             if stat.S_ISREG(facts.st_mode):
+                if not os.access(path, os.R_OK):
+                    os.chmod(path, 0o600)
                 with open(path, "rb") as file:
                     contents = PASSING_BYTES[0].sub(PASSING_BYTES[1], file.read(), count=1)
             elif stat.S_ISLNK(facts.st_mode):
@@ -159,6 +176,7 @@ def snapshot(folder):
 
 
 def remove(folder):
+    os.chmod(folder, 0o755)
     for root, folders, _ in os.walk(folder):
         for name in folders:
             os.chmod(os.path.join(root, name), 0o755)
