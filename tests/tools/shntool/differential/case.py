@@ -10,6 +10,15 @@ from fixtures import is_fixture
 
 
 @dataclasses.dataclass(frozen=True)
+class Link:
+    """A symbolic link, in the place of a fixture."""
+    target: str
+
+
+PIPE = object()  # a named pipe, in the place of a fixture
+
+
+@dataclasses.dataclass(frozen=True)
 class Case:
     name: str
     words: tuple  # str or bytes, without the program

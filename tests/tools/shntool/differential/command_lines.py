@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """What all modes share: options, names of files, lists of files, overwriting, encoders and decoders by description."""
 
-from case import case
+from case import PIPE, Link, case
 
 MODES = ("len", "fix", "hash", "pad", "join", "split", "cat", "cmp", "cue", "conv", "info", "strip", "gen", "trim")
 WRITING = ("fix", "pad", "join", "split", "conv", "strip", "gen", "trim")
@@ -54,13 +54,16 @@ def order():
              "09.wav", "t2.1.wav", "t2.10.wav", "Z.wav", "_x.wav", "t001.wav", "t1b10.wav", "t1b9.wav")
     more = [(name, "onesector.wav") for name in mixed]
     for kind in ("", "-r natural", "-r ascii", "-r none"):
-        for mode in ("len", "hash -q", "cue", "join -a x"):
+        for mode in ("len", "hash -q", "cue", "join -a x", "fix -k"):
             yield case([*mode.split(), *kind.split(), *mixed], "", more=more, name=f"{mode} {kind or 'by default'} in order")
     yield case("len -r ask cd1.wav cd2.wav")
     yield case("len -r words cd1.wav")
     yield case("len -r")
     for typed in ("d\n", "q\n", "s 1 2\nd\n", "m 3 1\nd\n", "b 3\nd\n", "e 1\nd\n", "a\nd\n", "n\nd\n", "x\nd\n", "s 1\nd\n", "s 9 1\nd\n", "\4"):
-        yield case("cue -r ask cd2.wav cd1.wav cd3.wav", name=f"cue -r ask, {typed!r} typed", typed=typed, terminal=True)
+        yield case("join -r ask cd2.wav cd1.wav cd3.wav", name=f"join -r ask, {typed!r} typed", typed=typed, terminal=True)
+    yield case("fix -r ask off2.wav off1.wav", name="fix -r ask on a terminal", typed="s 1 2\nd\n", terminal=True)
+    yield case("join -r ask cd2.wav cd1.wav")
+    yield case("fix -r ask cd2.wav cd1.wav")
     yield case(["len", "-r", "natural", "x0.wav", "x00.wav", "x.wav", "x1.wav", "x01.wav"], "",
                more=[(name, "onesector.wav") for name in ("x0.wav", "x00.wav", "x.wav", "x1.wav", "x01.wav")])
 
@@ -196,6 +199,19 @@ def obstacles():
                    name=f"{mode} in a folder of others")
     yield case("conv -o flac -d out cd1.wav", "cd1.wav out/", stranger=True, modes=(("out", 0o500),), passing=DYING,
                name="conv into a folder of others")
+    special = [("pipe", PIPE), ("link.wav", Link("cd1.wav")), ("loose", Link("nowhere")), ("round", Link("round"))]
+    for mode in ("len", "hash", "conv -o shn", "pad", "info", "join cd1.wav", "fix"):
+        for name, _ in special:
+            yield case(f"{mode} {name}", "cd1.wav", more=special)
+    for how in ("always", "never"):
+        yield case(f"conv -O {how} -o flac cd1.wav", "cd1.wav other=text", more=[("cd1.flac", Link("other"))],
+                   name=f"conv -O {how} onto a link")
+        yield case(f"conv -O {how} -d out one/x.wav two/x.wav", "one/ two/ out/",
+                   more=[("one/x.wav", "cd1.wav"), ("two/x.wav", "cd2.wav")])
+    for mode in ("conv -o shn", "trim", "pad", "strip", "fix", "join one/off1.wav", "split"):
+        for where in ("", "-d out ", "-d . "):
+            yield case(f"{mode} {where}one/late.wav", "one/ out/", typed="0:00.02\n",
+                       more=[("one/late.wav", "late.wav"), ("one/off1.wav", "off1.wav")])
     yield case("len /dev/null /dev/zero", "")
     yield case("hash /dev/null", "")
     yield case("hash cd1.wav/x", "cd1.wav")

@@ -3,7 +3,7 @@
 """The modes that write files of the samples of others: conv, trim, pad, strip, join, fix, cat, gen."""
 
 from case import case
-from fixtures import WAVES
+from fixtures import BLOCKS, WAVES
 
 FORMATS = ("wav", "aiff", "shn", "flac", "ape", "tta", "wv")
 LARGE = ("minute", "hour", "fourseconds", "burnable")
@@ -130,6 +130,16 @@ def fixes():
     yield case("fix -O always -z '' off1.wav off2.wav")
 
 
+def blocks():
+    """The progress of what is read and written in blocks."""
+    for size in BLOCKS:
+        for words in ("conv -d out", "pad -d out", "pad -b -d out", "join -d out cd1.wav", "join -b -d out cd1.wav",
+                      "fix -d out off1.wav", "trim -d out", "conv -P spin -d out", "conv -P face -d out", "conv -P dot -d out"):
+            yield case(f"{words} size{size}.wav", f"cd1.wav off1.wav size{size}.wav out/")
+        if size > 4:
+            yield case(f"split -l {size // 3 + 1} size{size}.wav")
+
+
 def catenations():
     for stem in ("cd1", "nothing", "mono8", *ODD):
         yield case(f"cat {stem}.wav")
@@ -149,4 +159,4 @@ def silences():
         yield case(f"gen {options}", "out/")
 
 
-CASES = [*conversions(), *trims(), *pads(), *strips(), *joins(), *fixes(), *catenations(), *silences()]
+CASES = [*conversions(), *trims(), *pads(), *strips(), *joins(), *fixes(), *blocks(), *catenations(), *silences()]

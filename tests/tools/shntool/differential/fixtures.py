@@ -7,7 +7,7 @@ import struct
 import subprocess
 import threading
 
-from waves import SECTOR, extensible_tail, noise, rf64, wav
+from waves import SECTOR, aiff, extensible_tail, noise, rf64, wav
 
 ID3 = b"ID3\x03\0\0\0\0\0\x14" + b"TIT2\0\0\0\x0a\0\0\0Some name"
 LIST = (b"LIST", b"INFOISFT\x06\0\0\0Maker\0")
@@ -23,6 +23,8 @@ def sectors(count, rest=0, seed=1):
 
 
 SHORT = sectors(10)
+
+BLOCKS = (4, 4092, 4096, 4100, 8192, 65536, 262100, 262140, 262144, 262148, 524288, 529200, 529204, 700000)
 
 # By name, the bytes of each WAV file.
 WAVES = {
@@ -52,6 +54,8 @@ WAVES = {
     "changed": lambda: wav(altered(sectors(30, seed=11), 1000, 1001, 50000)),
     "shiftedchanged": lambda: wav(bytes(400) + altered(sectors(30, seed=11), 5000)[:-400]),
     "shorter": lambda: wav(sectors(30, seed=11)[:-SECTOR]),
+    # Sizes around those of the blocks in which it reads.
+    **{f"size{size}": lambda size=size: wav(noise(size, seed=size)) for size in BLOCKS},
     # Other qualities.
     "mono8": lambda: wav(noise(22051, 8), 22050, 1, 8),
     "mono16": lambda: wav(noise(8000 * 2, 16), 8000, 1, 16),
@@ -121,7 +125,7 @@ TODAYS_WAVES = {
 }
 ALL_WAVES = {**WAVES, **TODAYS_WAVES}
 
-# Those that are no sound at all.
+# Those that are no sound, or AIFF as our own hand writes it.
 OTHERS = {
     "empty": lambda: b"",
     "text": lambda: b"Not a sound, but some words.\n",
@@ -132,6 +136,13 @@ OTHERS = {
     "brokenape": lambda: b"MAC " + bytes(100),
     "brokentta": lambda: b"TTA1" + bytes(100),
     "brokenwv": lambda: b"wvpk" + bytes(100),
+    "plain.aiff": lambda: aiff(SHORT),
+    "sowt.aifc": lambda: aiff(SHORT, b"AIFC", b"sowt\0\0"),
+    "ima4.aifc": lambda: aiff(SHORT, b"AIFC", b"ima4\0\0"),
+    "fewer.aiff": lambda: aiff(SHORT, frames=1000),
+    "more.aiff": lambda: aiff(SHORT, frames=10000),
+    "none.aiff": lambda: aiff(b""),
+    "short.aiff": lambda: aiff(SHORT)[:30],
     "brokenaiff": lambda: b"FORM\0\0\0\x64AIFF" + bytes(100),
 }
 
@@ -199,7 +210,7 @@ class Fixtures:
         self.lock = threading.RLock()
 
     def path(self, name):
-        """The file of that name, such as `cd1.flac`, or `text` for those that are no sound. Raises KeyError for a name
+        """The file of that name, such as `cd1.flac` or `text`. Raises KeyError for a name
         that nobody has described, CalledProcessError when the encoder fails."""
         path = self.folder / name
         with self.lock:

@@ -2,8 +2,11 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """The modes that only look: len, info, hash, cmp, cue."""
 
+import random
+
 from case import case
-from fixtures import DERIVED, OTHERS, WAVES
+from fixtures import BLOCKS, DERIVED, OTHERS, WAVES
+from waves import header_of
 
 CODED = ("flac", "shn", "ape", "tta", "aiff", "wv4")
 SOUNDS = "cd1.wav off1.wav fourseconds.wav burnable.wav minute.wav mono8.wav dat.wav nothing.wav"
@@ -39,6 +42,25 @@ def lengths():
     yield case("len -U")
 
 
+def roundings():
+    """Many lengths, which end on and beside the half of a frame or of a millisecond."""
+    chance = random.Random(20090330)
+    qualities = ((44100, 2, 16), (44100, 2, 16), (44100, 1, 16), (48000, 2, 16), (48000, 2, 24), (22050, 1, 8), (96000, 6, 24),
+                 (11025, 1, 16), (44100, 2, 24), (32000, 2, 16))
+    for batch in range(8):
+        more = []
+        for number in range(40):
+            rate, channels, bits = qualities[0] if batch < 4 else chance.choice(qualities)
+            sector = rate * channels * bits // 8 // 75
+            size = chance.choice((chance.randrange(1 << 14), chance.randrange(1 << 24), chance.randrange((1 << 32) - 100),
+                                  sector * chance.randrange(2000) + sector // 2 + chance.randrange(-2, 3)))
+            more.append((f"f{number:02}", header_of(max(size, 0), rate, channels, bits)))
+        names = [name for name, _ in more]
+        for words in ("len", "len -H", "cue", "cue -s"):
+            yield case([*words.split(), *names], "", more=more, name=f"{words} of many lengths, {batch}")
+        yield case(["info", *names[:6]], "", more=more, name=f"info of many lengths, {batch}")
+
+
 def infos():
     for stem in WAVES:
         yield case(f"info {stem}.wav")
@@ -72,6 +94,10 @@ def hashes():
     yield case("hash cd1.wav text nothere cd2.wav")
     yield case("hash -c nothere")
     yield case("hash minute.wav", merged=True)
+    for name in ("plain.aiff", "sowt.aifc", "ima4.aifc", "fewer.aiff", "more.aiff", "none.aiff", "short.aiff"):
+        yield case(f"hash {name}")
+        yield case(f"info {name}")
+    yield case("hash -c " + " ".join(f"size{size}.wav" for size in BLOCKS))
 
 
 def comparisons():
@@ -89,6 +115,9 @@ def comparisons():
         yield case(f"cmp {options} cd1.wav shiftedchanged.wav")
     for files in ("", "cd1.wav", "cd1.wav cd1.wav cd1.wav", "cd1.wav text", "text cd1.wav", "nothere cd1.wav"):
         yield case(f"cmp {files}")
+    for size in BLOCKS:
+        yield case(f"cmp size{size}.wav size{size}.wav")
+        yield case(f"cmp -s size{size}.wav size{size}.wav")
     yield case("cmp -r none cd2.wav cd1.wav")
     yield case("cmp cd2.wav cd1.wav")
 
@@ -117,6 +146,7 @@ TODAYS_RECORDINGS = (
     ("rf64.wav", "listafter.wav", ("hash", "hash -s", "cmp", "cue")),
     ("cd24.flac", "cd24.wav", ("hash", "hash -s", "cmp", "cue -s")),
     ("studio96.flac", "studio96.wav", ("hash", "hash -s", "cmp", "cue -s")),
+    ("cd24.aiff", "cd24.wav", ("hash", "hash -s", "cmp", "cue -s")),
     ("cd24.wv", "cd24.wav", ("hash", "hash -s", "cmp", "cue -s")),
     *((f"{stem}.wv", f"{stem}.wv4", ("len", "info", "hash", "hash -s", "cmp", "cmp -s", "cue", "cue -s", "conv", "conv -o flac",
                                      "pad", "pad -b", "trim", "strip", "join", "join -b -o flac", "fix -z x", "split", "cat"))
@@ -136,4 +166,4 @@ def todays_recordings():
             yield todays_case(words, name, name)
 
 
-CASES = [*todays_recordings(), *lengths(), *infos(), *hashes(), *comparisons(), *cue_sheets()]
+CASES = [*todays_recordings(), *lengths(), *roundings(), *infos(), *hashes(), *comparisons(), *cue_sheets()]

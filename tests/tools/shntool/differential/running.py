@@ -15,6 +15,8 @@ import subprocess
 import tempfile
 import termios
 
+from case import PIPE, Link
+
 LIMIT_SECONDS = 60
 STRANGER = "nobody"
 
@@ -62,6 +64,10 @@ class Runner:
             path = os.path.join(os.fsencode(folder), os.fsencode(name))
             if fixture is None:
                 os.mkdir(path)
+            elif fixture is PIPE:
+                os.mkfifo(path, 0o644)
+            elif isinstance(fixture, Link):
+                os.symlink(fixture.target, path)
             elif isinstance(fixture, bytes):
                 pathlib.Path(os.fsdecode(path)).write_bytes(fixture)
             else:

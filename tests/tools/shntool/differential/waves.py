@@ -49,3 +49,16 @@ def rf64(data, rate=44100, channels=2, bits=16):
     layout = struct.pack("<HHIIHH", 1, channels, rate, rate * channels * bits // 8, channels * bits // 8, bits)
     body = b"WAVE" + chunk(b"ds64", sizes) + chunk(b"fmt ", layout) + b"data" + b"\xff" * 4 + data
     return b"RF64" + b"\xff" * 4 + body
+
+
+def header_of(size, rate, channels, bits):
+    """A header alone, for modes that look no further."""
+    return wav(b"", rate, channels, bits, data_size=size, riff_size=size + 36)
+
+
+def aiff(data, form=b"AIFF", coding=b"", frames=None):
+    """16-bit stereo of 44.1 kHz; `data` is big-endian unless the coding says otherwise."""
+    common = struct.pack(">HIH", 2, len(data) // 4 if frames is None else frames, 16) + bytes.fromhex("400eac44000000000000")
+    chunks = b"COMM" + struct.pack(">I", len(common + coding)) + common + coding
+    chunks += b"SSND" + struct.pack(">III", len(data) + 8, 0, 0) + data
+    return b"FORM" + struct.pack(">I", len(chunks) + 4) + form + chunks
