@@ -3,15 +3,13 @@
 """What all modes share: options, names of files, lists of files, overwriting, encoders and decoders by description."""
 
 from case import PIPE, Link, case
+from fixtures import HELPERS
 
 MODES = ("len", "fix", "hash", "pad", "join", "split", "cat", "cmp", "cue", "conv", "info", "strip", "gen", "trim")
 WRITING = ("fix", "pad", "join", "split", "conv", "strip", "gen", "trim")
 
 # How far the sound has got when an encoder dies that has read nothing, or not all.
 DYING = rb"  0%( |[^\n]*output file: [^\n]*\n)[\x08\d% ]*(100% OK\n|ERROR\n[^\n]*error while transferring [^\n]*\n)"
-# Encoders that fail after all of the sound.
-SCRIPTS = (("readsall", b"#!/bin/sh\ncat > /dev/null\nexit 3\n"),
-           ("writes", b"#!/bin/sh\ncat > \"$1\"\nexit 3\n"), ("signals", b"#!/bin/sh\ncat > \"$1\"\nkill -9 $$\n"))
 # Those of the specifications and prefixes whose encoder cannot write, or not read.
 HOPELESS = ("nowhere", "text", "a/b", "nosuchprogram", "-s -o %f", "false", "true", "sh -c", "cat %f", "'", "{", "flac ext", "x x")
 
@@ -52,9 +50,9 @@ def names():
 def order():
     mixed = ("t10.wav", "t2.wav", "T1.wav", "t1.wav", "t02.wav", "t2a.wav", "t 3.wav", "t-4.wav", "a.wav", "10.wav", "9.wav",
              "09.wav", "t2.1.wav", "t2.10.wav", "Z.wav", "_x.wav", "t001.wav", "t1b10.wav", "t1b9.wav")
-    more = [(name, "onesector.wav") for name in mixed]
+    more = [(name, "undersector.wav") for name in mixed]
     for kind in ("", "-r natural", "-r ascii", "-r none"):
-        for mode in ("len", "hash -q", "cue", "join -a x", "fix -k"):
+        for mode in ("len", "hash -q", "cue", "join -a x", "fix"):
             yield case([*mode.split(), *kind.split(), *mixed], "", more=more, name=f"{mode} {kind or 'by default'} in order")
     yield case("len -r ask cd1.wav cd2.wav")
     yield case("len -r words cd1.wav")
@@ -118,6 +116,8 @@ def options():
         yield case(f"{mode} -q off1.wav quiet.wav text")
         yield case(f"{mode} -w off1.wav quiet.wav text")
         yield case(f"{mode} -H off1.wav", merged=True)
+    yield case("len -tc -ukb -Umb off1.wav")
+    yield case("conv -oflac -Pdot -Oalways -ax -zy -d. off1.wav")
     yield case("len off1.wav -c")
     yield case("len off1.wav -- -c")
     yield case("conv off1.wav -o flac")
@@ -167,10 +167,9 @@ def outputs():
                    "cust ext=raw dd status=none of=%f " + "x " * 300):
         hopeless = any(word in target for word in HOPELESS) and not target.startswith("flac ext=")
         yield case(["conv", "-o", target, "off1.wav"], "off1.wav", passing=DYING if hopeless else b"")
-    for script, _ in SCRIPTS:
+    for helper in HELPERS:
         for mode in ("conv", "trim", "join cd1.wav", "fix", "split"):
-            yield case([*mode.split(), "-o", f"cust ext=raw ./{script} %f", "late.wav"], "cd1.wav late.wav", more=SCRIPTS,
-                       modes=tuple((name, 0o755) for name, _ in SCRIPTS), typed="0:00.05\n")
+            yield case(f"{mode} -o 'cust ext=raw {helper} %f' late.wav", typed="0:00.05\n")
     for source in ("flac", "flac flac", "flac flac -c -d -s %f", "flac nosuchprogram", "flac false", "flac cat other.wav %f",
                    "flac {flac} -c -d -s %f", "flac flac -c -d -s", "shn shorten -x %f -", "wav", "wav cat %f", "words", "",
                    "cust cat %f", "flac -", "flac {flac -c -d -s %f}", "flac flac -c -d -s {%f}"):

@@ -71,12 +71,12 @@ def losses():
     yield Deviation(("fix -O always -z '' off1.wav off2.wav",), "it deletes the file that it is to read", status=1,
                     only_given_files=True, errors=polite("fix"))
     for mode in ("fix", "split"):
-        yield Deviation((f"{mode} -o cust ext=raw ./readsall %f late.wav", f"{mode} -o cust ext=raw ./writes %f late.wav"),
+        yield Deviation(tuple(f"{mode} -o 'cust ext=raw {helper} %f' late.wav" for helper in ("readsall", "writes")),
                         "the failure of an encoder does not fail the run, and leaves its output", status=1,
                         only_given_files=True, errors=polite(mode))
     for mode in ("conv", "trim", "join", "fix", "split"):
         words = "join cd1.wav" if mode == "join" else mode
-        yield Deviation((f"{words} -o cust ext=raw ./signals %f late.wav",), "an encoder that dies goes unnoticed",
+        yield Deviation((f"{words} -o 'cust ext=raw signals %f' late.wav",), "an encoder that dies goes unnoticed",
                         status=1, only_given_files=True, errors=polite(mode))
     yield Deviation(("fix -f undersector.wav off1.wav", "fix -f undersector.wav undersector.wav"),
                     "it ends in the middle of a file, and tells of success", status=1, only_given_files=True,
@@ -101,7 +101,13 @@ def roundings():
     yield Deviation(("gen -l 0:00.200",), "milliseconds of whole sectors count as none", like=case("gen -l 0:00.15"))
 
 
-DEVIATIONS = (*crashes(), *losses(), *refusals(), *roundings())
+def versions():
+    """Programs tell their own."""
+    yield Deviation(("* -v", "shntool -vh", "shntool -f", "shntool -m", "shntool -a"), "its version is its own",
+                    errors=rb"shntool (?![^\n]*\b3\.0\.10\b)[^\n]+\n.*")
+
+
+DEVIATIONS = (*crashes(), *losses(), *refusals(), *roundings(), *versions())
 
 
 def deviation_of(name):

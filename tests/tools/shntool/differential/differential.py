@@ -19,7 +19,7 @@ import threading
 from cases import CASES
 from comparing import differences
 from deviations import deviation_of
-from fixtures import Fixtures
+from fixtures import Fixtures, write_helpers
 from running import Runner, can_everybody_run
 
 LIMIT_BYTES = 1 << 28  # of one file, so that no endless output fills the disk
@@ -49,9 +49,9 @@ def chosen_cases(options):
     return cases
 
 
-def environment_of(options, home):
+def environment_of(options, helpers, home):
     """Both find the same helper programs, and neither is told of anything by the user's settings."""
-    return {"PATH": f"{options.tools.resolve()}:/usr/bin:/bin", "HOME": str(home), "TMPDIR": str(home), "LC_ALL": "C"}
+    return {"PATH": f"{helpers}:{options.tools.resolve()}:/usr/bin:/bin", "HOME": str(home), "TMPDIR": str(home), "LC_ALL": "C"}
 
 
 class Comparison:
@@ -62,7 +62,10 @@ class Comparison:
         home = folder / "home"
         home.mkdir(mode=0o777)
         home.chmod(0o1777)
-        environment = environment_of(options, home)
+        helpers = folder / "helpers"
+        helpers.mkdir(mode=0o755)
+        write_helpers(helpers)
+        environment = environment_of(options, helpers, home)
         self.runner = Runner(Fixtures(folder / "fixtures", environment), environment)
         self.workplaces = queue.SimpleQueue()
         for number in range(options.jobs):
