@@ -93,10 +93,10 @@ class Comparison:
             return differences(reference, candidate)
         wanted = deviation.expected(reference, self.runner.given(case, workplace),
                                     lambda other: self.runner.run(self.options.reference, other, workplace))
-        if not differences(wanted, deviation.evened(wanted, reference)):
+        if not differences(wanted, deviation.evened(reference)):
             return [f"the reference does as expected, although {deviation.reason}"]
         return [f"{fault}\n    expected otherwise than the reference, as {deviation.reason}"
-                for fault in differences(wanted, deviation.evened(wanted, candidate))]
+                for fault in differences(wanted, deviation.evened(candidate))]
 
 
 PRINTING = threading.Lock()
