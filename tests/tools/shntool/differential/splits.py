@@ -88,6 +88,16 @@ POINTS = {
     "an index without a number": "INDEX 00:00:10\n",
     "an index of nonsense": "INDEX 01 aa:bb:cc\n",
 }
+# What makes a list of points a sheet is its first line.
+FIRST_LINES = ("abc TITLE x", "  TITLE x", " TITLE\tx", "TITLE", "TITLE ", "TRACK 01", "  TRACK 01 AUDIO", "REM", "REM ", "REM x",
+               "; TITLE x", "5 TITLE x", "REM TITLE x", "INDEX 01 00:00:03", "FILEx", "FILE x", "PERFORMER x", "CATALOG 5", "ISRC x",
+               "FLAGS x", "COMMENT x", "POSTGAP x", "CDTEXTFILE x", "SONGWRITER x", "GENRE x", "DISC_ID x", "title x")
+POINTS |= {f"a sheet that starts with {line!r}": f"{line}\nINDEX 00 00:00:05\nINDEX 01 00:00:10\n" for line in FIRST_LINES}
+# What the last number of a line is.
+LINES = ("0:00,10", "0,10", "a5", "a5b7", "5b7", "5 7", "12-34", "0:00.10,5", "words 100 200", "0:00.10 0:00.20", "1.2.3", "0:00.",
+         "0:", "0", ":10", "x0:00:10", "INDEX 02 00:00:10", "  INDEX 01 00:00:10", "INDEX 1 00:00:10", "INDEX 01 00:00:10 x",
+         "0:00:10:", "0:00.10.", "0:00.067", "0:00.010", "00000:00.10", "0:0010", "4294967396", "0:00.10\r", "0:00.10\f", "1e3")
+POINTS |= {f"the line {line!r}": f"{line}\n" for line in LINES}
 NAMING = ("%n %t", "%p - %a - %n - %t", "%t", "%a", "%p", "%n", "%%", "%x %t", "words", "", "%n%", "a/%t")
 
 
