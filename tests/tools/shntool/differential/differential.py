@@ -59,13 +59,13 @@ class Comparison:
 
     def __init__(self, options, folder):
         self.options = options
-        home = folder / "home"
-        home.mkdir(mode=0o777)
-        home.chmod(0o1777)
+        self.home = folder / "home"
+        self.home.mkdir()
+        self.home.chmod(0o1777)
         helpers = folder / "helpers"
         helpers.mkdir(mode=0o755)
         write_helpers(helpers)
-        environment = environment_of(options, helpers, home)
+        environment = environment_of(options, helpers, self.home)
         self.runner = Runner(Fixtures(folder / "fixtures", environment), environment)
         self.workplaces = queue.SimpleQueue()
         for number in range(options.jobs):
@@ -128,20 +128,28 @@ def main():
     if not all(can_everybody_run(program) for program in (options.candidate, options.reference, options.tools)):
         cases = [case for case in cases if not case.stranger]
         print("without the cases of another user, who cannot get at the programs here")
-    faulty = 0
     with tempfile.TemporaryDirectory(prefix="shntool-differential-") as name:
-        folder = pathlib.Path(name)
-        folder.chmod(0o755)
-        comparison = Comparison(options, folder)
-        with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
-            for case, faults in zip(cases, pool.map(comparison.faults_of, cases)):
-                faulty += bool(faults)
-                if faults:
-                    print(f"FAILED {case.name}")
-                for fault in faults:
-                    print(f"  {fault}", flush=True)
+        faulty = run(cases, options, pathlib.Path(name))
     print(f"{len(cases)} cases, {faulty} failed")
     return 1 if faulty or not cases else 0
+
+
+def run(cases, options, folder):
+    """Tells the faults, and returns how many cases have some."""
+    folder.chmod(0o755)
+    comparison = Comparison(options, folder)
+    faulty = 0
+    with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
+        for case, faults in zip(cases, pool.map(comparison.faults_of, cases)):
+            faulty += bool(faults)
+            if faults:
+                print(f"FAILED {case.name}")
+            for fault in faults:
+                print(f"  {fault}", flush=True)
+    left = sorted(path.name for path in comparison.home.iterdir())
+    if left:
+        print(f"FAILED to leave nothing behind in the folder for temporary files: {', '.join(left)}")
+    return faulty + bool(left)
 
 
 if __name__ == "__main__":

@@ -99,6 +99,10 @@ class Candidates(unittest.TestCase):
     def test_folder_left_behind(self):
         self.assert_fault("b'temporary' should not be there", "os.mkdir('temporary')")
 
+    def test_temporary_file_left_behind(self):
+        self.assert_fault("FAILED to leave nothing behind in the folder for temporary files: private",
+                          "pathlib.Path(os.environ['TMPDIR'], 'private').write_bytes(b'')")
+
     def test_permissions_of_an_output(self):
         self.assert_fault("b'cd1.flac' has mode 0o100600", "os.chmod('cd1.flac', 0o600)")
 

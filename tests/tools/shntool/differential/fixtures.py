@@ -157,6 +157,9 @@ ENCODERS = {
     "aifc": ["sox", "-D", "-t", "wav", "{wav}", "-t", "aifc", "{output}"],
 }
 
+# And of those that the reference cannot read: it needs a program that no distribution has.
+ENCODERS["m4a"] = ["ffmpeg", "-v", "error", "-bitexact", "-i", "{wav}", "-c:a", "alac", "{output}"]
+
 # Further files, made by altering the bytes of others.
 DERIVED = {
     "noseek.shn": ("cd1.shn", lambda data: data[:data.rindex(b"SEEK")] if b"SEEK" in data else data),

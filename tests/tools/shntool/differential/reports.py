@@ -147,6 +147,8 @@ TODAYS_RECORDINGS = (
     ("cd24.flac", "cd24.wav", ("hash", "hash -s", "cmp", "cue -s")),
     ("studio96.flac", "studio96.wav", ("hash", "hash -s", "cmp", "cue -s")),
     ("cd24.aiff", "cd24.wav", ("hash", "hash -s", "cmp", "cue -s")),
+    ("cd1.m4a", "cd1.wav", ("hash", "hash -s", "hash -c", "cmp", "cue", "cue -s", "join -a x", "join -a x -o flac", "split")),
+    ("cd24.m4a", "cd24.wav", ("hash", "hash -s", "cmp", "cue -s")),
     ("cd24.wv", "cd24.wav", ("hash", "hash -s", "cmp", "cue -s")),
     *((f"{stem}.wv", f"{stem}.wv4", ("len", "info", "hash", "hash -s", "cmp", "cmp -s", "cue", "cue -s", "conv", "conv -o flac",
                                      "pad", "pad -b", "trim", "strip", "join", "join -b -o flac", "fix -z x", "split", "cat"))
