@@ -6,18 +6,19 @@ from case import PIPE, Link, case
 from fixtures import HELPERS
 
 MODES = ("len", "fix", "hash", "pad", "join", "split", "cat", "cmp", "cue", "conv", "info", "strip", "gen", "trim")
-WRITING = ("fix", "pad", "join", "split", "conv", "strip", "gen", "trim")
 
 # How far the sound has got when an encoder dies that has read nothing, or not all.
 DYING = rb"  0%( |[^\n]*output file: [^\n]*\n)[\x08\d% ]*(100% OK\n|ERROR\n[^\n]*error while transferring [^\n]*\n)"
 # Those of the specifications and prefixes whose encoder cannot write, or not read.
-HOPELESS = ("nowhere", "text", "a/b", "nosuchprogram", "-s -o %f", "false", "true", "sh -c", "cat %f", "'", "{", "flac ext", "x x")
+HOPELESS = ("nowhere", "text", "a/b", "nosuchprogram", "-s -o %f", "false", "true", "sh -c", "cat %f", "'", "{", "flac ext",
+            "x x")
 
 NAMES = {
     "blank": "two  words.wav", "leading blank": " x.wav", "newline": "a\nb.wav", "tab": "a\tb.wav",
     "double quote": 'a"b.wav', "quote": "a'b.wav", "backslash": "a\\b.wav", "percent": "100%d %s %n.wav",
     "percent f": "%f.wav", "dash": "-x.wav", "double dash": "--.wav", "dollar": "$HOME `id`.wav", "semicolon": "a;b&c|d.wav",
-    "star": "a*b?[c].wav", "255 bytes": "n" * 251 + ".wav", "250 bytes": "n" * 246 + ".wav", "Latin-1": b"S\xfc\xdf.wav", "UTF-8": "日本語 é.wav",
+    "star": "a*b?[c].wav", "255 bytes": "n" * 251 + ".wav", "250 bytes": "n" * 246 + ".wav",
+    "Latin-1": b"S\xfc\xdf.wav", "UTF-8": "日本語 é.wav",
     "escape": "a\x1b[31mb.wav", "carriage return": "a\rb.wav", "dots": "a.b.c.wav", "no ending": "sound",
     "only an ending": ".wav", "other ending": "sound.flac", "capitals": "SOUND.WAV", "dot at the end": "sound.",
     "folder with a dot": "some.folder/sound", "braces": "{a},[b].wav", "equals": "a=b.wav", "nonbreaking": "a\xa0b.wav",
@@ -28,7 +29,8 @@ def names():
     for kind, name in NAMES.items():
         folder = [("some.folder", None)] if kind.startswith("folder") else []
         more = [*folder, (name, "off1.wav"), ("out", None)]
-        for mode in ("len", "info", "hash", "cue", "conv -o shn" if "bytes" in kind else "conv -o flac", "conv -d out", "trim", "pad -d out", "cat"):
+        encoding = "conv -o shn" if "bytes" in kind else "conv -o flac"
+        for mode in ("len", "info", "hash", "cue", encoding, "conv -d out", "trim", "pad -d out", "cat"):
             yield case([*mode.split(), "--", name], "", more=more, name=f"{mode} of a name with {kind}")
         yield case(["join", "-d", "out", "--", name, "cd1.wav"], "cd1.wav", more=more, name=f"join of a name with {kind}")
         yield case(["fix", "-d", "out", "--", name], "", more=more, name=f"fix of a name with {kind}")
@@ -57,7 +59,8 @@ def order():
     yield case("len -r ask cd1.wav cd2.wav")
     yield case("len -r words cd1.wav")
     yield case("len -r")
-    for typed in ("d\n", "q\n", "s 1 2\nd\n", "m 3 1\nd\n", "b 3\nd\n", "e 1\nd\n", "a\nd\n", "n\nd\n", "x\nd\n", "s 1\nd\n", "s 9 1\nd\n", "\4"):
+    for typed in ("d\n", "q\n", "s 1 2\nd\n", "m 3 1\nd\n", "b 3\nd\n", "e 1\nd\n", "a\nd\n", "n\nd\n", "x\nd\n",
+                  "s 1\nd\n", "s 9 1\nd\n", "\4"):
         yield case("join -r ask cd2.wav cd1.wav cd3.wav", name=f"join -r ask, {typed!r} typed", typed=typed, terminal=True)
     yield case("fix -r ask off2.wav off1.wav", name="fix -r ask on a terminal", typed="s 1 2\nd\n", terminal=True)
     yield case("join -r ask cd2.wav cd1.wav")
@@ -160,8 +163,10 @@ def outputs():
                    "cust ext=mp3 lame --quiet - %f", "cust dd of=%f", "cust ext=raw {dd status=none of=%f}",
                    "cust ext=flac flac -8  -V  -s -o %f -", "cust ext=flac flac --lax -s -o %f -",
                    "cust ext={raw} dd status=none of=%f", "cust {ext=raw} dd status=none of=%f",
-                   "cust ext=raw dd {status=none} {of=%f}", "cust ext=raw dd 'status=none' of=%f", "cust ext=a/b dd status=none of=%f",
-                   "cust ext=raw dd status=none of=%f%f", "cust ext=raw dd status=none of=x.%f.y", "cust ext=raw cat %f", "wav ext=wave",
+                   "cust ext=raw dd {status=none} {of=%f}", "cust ext=raw dd 'status=none' of=%f",
+                   "cust ext=a/b dd status=none of=%f",
+                   "cust ext=raw dd status=none of=%f%f", "cust ext=raw dd status=none of=x.%f.y", "cust ext=raw cat %f",
+                   "wav ext=wave",
                    "wav cat %f", "aiff ext=aif", "shn shorten -v2 - %f", "shn shorten -b 128 - %f", "wv wavpack -q -y -h - -o %f",
                    "ape mac - %f -c3000", "null ext=x", "term ext=x", " flac", "flac ", "flac  ext=fla", "ext=fla",
                    "cust ext=raw dd status=none of=%f " + "x " * 300):
