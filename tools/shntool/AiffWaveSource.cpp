@@ -56,7 +56,7 @@ AiffWaveSource::AiffWaveSource(const std::string &name, uint64_t id3Bytes) : m_i
     const unsigned containerBytes = (m_common->bits + 7U) / 8;
     const uint64_t counted = uint64_t{m_common->frames} * m_common->channels * containerBytes;
     m_header = pcmHeader(m_common->samplesPerSecond, m_common->channels, m_common->bits);
-    m_dataBytes = std::min(counted, m_soundBytes) / m_header.blockAlign * m_header.blockAlign;
+    m_dataBytes = counted;
     m_input.seek(m_soundOffset);
 }
 
@@ -140,7 +140,9 @@ void AiffWaveSource::makeFrames()
     const size_t sampleBytes = m_header.bitsPerSample / 8U;
     const size_t most = std::max(kPieceBytes / m_header.blockAlign, size_t{1}) * m_header.blockAlign;
     m_frames.resize(static_cast<size_t>(std::min<uint64_t>(most, m_dataBytes - m_bytesGiven)));
-    const size_t got = m_input.read(m_frames) / m_header.blockAlign * m_header.blockAlign;
+    const uint64_t held = m_soundBytes - std::min(m_soundBytes, m_bytesGiven);
+    const size_t wanted = static_cast<size_t>(std::min<uint64_t>(held, m_frames.size()));
+    const size_t got = m_input.read(std::span(m_frames).first(wanted)) / m_header.blockAlign * m_header.blockAlign;
     const bool isShort = got < m_frames.size();
     m_frames.resize(got);
     if (!m_common->isLittleEndian && sampleBytes > 1) {
@@ -154,7 +156,7 @@ void AiffWaveSource::makeFrames()
     give(m_frames);
     m_bytesGiven += got;
     if (isShort)
-        fail(ToolError::Kind::Damaged, m_input, "the file ends in the middle of the sound");
+        fail(ToolError::Kind::Damaged, m_input, "there is less sound than the file counts");
 }
 
 } // namespace nurv

@@ -59,8 +59,6 @@ int CmpMode::execute()
         return 1;
     if (const char *difference = differenceOf(first->header, second->header))
         run().console.fail(std::string(difference) + " differs between these files");
-    if (first->dataBytes() != second->dataBytes())
-        run().console.warn("WAVE data size differs between these files -- will check up to smaller size");
     Shift shift;
     if (m_findsShift) {
         shift = findShift(*first, *second);
@@ -116,7 +114,7 @@ CmpMode::Shift CmpMode::findShift(const WaveInfo &first, const WaveInfo &second)
     const std::vector<uint8_t> one = readFront(first, progress);
     const std::vector<uint8_t> other = readFront(second, progress);
     const size_t most = std::min(one.size(), other.size());
-    for (size_t shift = 0; shift < most; ++shift) {
+    for (size_t shift = 0; shift < most || shift == 0; ++shift) {
         if (areEqual(std::span(one).subspan(shift), other)) {
             progress.succeed();
             return {.first = shift, .second = 0};
@@ -128,7 +126,7 @@ CmpMode::Shift CmpMode::findShift(const WaveInfo &first, const WaveInfo &second)
     }
     progress.fail();
     run().console.fail("these files do not share identical data within the first "
-                       + std::to_string(std::min(bufferBytes(first), one.size())) + " bytes.");
+                       + std::to_string(bufferBytes(first)) + " bytes.");
 }
 
 void CmpMode::tellShift(const WaveInfo &first, const Shift &shift) const
@@ -177,6 +175,8 @@ bool CmpMode::comparePieces(std::span<const uint8_t> one, std::span<const uint8_
 
 bool CmpMode::compare(const WaveInfo &first, const WaveInfo &second, const Shift &shift) const
 {
+    if (first.dataBytes() != second.dataBytes())
+        run().console.warn("WAVE data size differs between these files -- will check up to smaller size");
     const uint64_t total = std::min(first.dataBytes() - shift.first, second.dataBytes() - shift.second);
     Progress progress(run().console, {.action = "Comparing",
                                       .file = first.fileName,

@@ -41,12 +41,15 @@ bool isOther(std::string_view line)
     return std::ranges::any_of(kWords, [&](std::string_view word) { return line.starts_with(word); });
 }
 
-/// "00:01:10" as "00:01.10".
-std::string placeOf(std::string_view time)
+/// "00:01:10" as "00:01.10"; what follows a place is passed over.
+std::string placeOf(std::string_view text)
 {
-    std::string place(trimmed(time));
-    if (const size_t colon = place.rfind(':'); colon != std::string::npos)
-        place[colon] = '.';
+    text = trimmed(text);
+    std::string place(text.substr(0, text.find_first_not_of("0123456789:.")));
+    const size_t colon = place.find(':');
+    const size_t second = colon == std::string::npos ? colon : place.find(':', colon + 1);
+    if (second != std::string::npos)
+        place[second] = '.';
     return place;
 }
 
@@ -80,7 +83,7 @@ CueSheet CueSheet::read(std::istream &input)
             isInTrack = true;
             sheet.tracks.push_back({.title = {}, .performer = sheet.performer});
         } else if (!isOther(line)) {
-            sheet.places.emplace_back(line);
+            sheet.places.push_back(placeOf(line));
         }
     }
     return sheet;

@@ -115,10 +115,13 @@ bool FileEdit::finish()
 {
     if (!m_input->finish())
         return skip("possibly truncated and/or corrupt file: [" + m_info.fileName + "]");
-    if (!m_output->complete() || !m_output->commit())
+    if (m_output->complete() && !m_output->commit())
         return skip("could not complete output file: [" + m_name + "]");
     m_progress->succeed();
-    return true;
+    const std::string complaint = m_output->complaint();
+    if (!complaint.empty())
+        m_run.console.warn(complaint);
+    return complaint.empty();
 }
 
 } // namespace nurv

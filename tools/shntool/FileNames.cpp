@@ -42,6 +42,8 @@ std::optional<std::string> FileNames::next()
     std::string line;
     if (!std::getline(listName ? static_cast<std::istream &>(m_list) : std::cin, line))
         return std::nullopt;
+    if (line.ends_with('\r'))
+        line.pop_back();
     return line;
 }
 

@@ -129,11 +129,6 @@ bool FormatSettings::decodesItself(const AudioFormat &format) const
     return !m_decoders.contains(format.name);
 }
 
-bool FormatSettings::encodesItself(const AudioFormat &format) const
-{
-    return !m_encoders.contains(format.name);
-}
-
 std::string FormatSettings::decoderName(const AudioFormat &format) const
 {
     return commandOf(m_decoders, format.name, format.decoder, {}).program;
@@ -145,8 +140,9 @@ std::vector<std::string> FormatSettings::decoderWords(const AudioFormat &format,
     std::vector<std::string> words{command.program};
     bool hasFile = false;
     for (const std::string &argument : command.arguments) {
-        hasFile = hasFile || argument.find(kPlaceholder) != std::string::npos;
-        words.push_back(withFile(argument, asArgument(file)));
+        const bool isFile = argument.find(kPlaceholder) != std::string::npos;
+        hasFile = hasFile || isFile;
+        words.push_back(isFile ? asArgument(file) : argument);
     }
     if (!hasFile) {
         m_console.fail("decoder argument list does not contain filename placeholder [%f] for format: ["

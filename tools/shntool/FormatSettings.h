@@ -39,7 +39,6 @@ public:
 
     /// Whether the format is decoded in the process, as nobody asked for anything else.
     [[nodiscard]] bool decodesItself(const AudioFormat &format) const;
-    [[nodiscard]] bool encodesItself(const AudioFormat &format) const;
     /// The words that start the decoder for a file. Ends the run where they have no room for its name.
     [[nodiscard]] std::vector<std::string> decoderWords(const AudioFormat &format, const std::string &file) const;
     /// The same of the encoder.

@@ -16,7 +16,7 @@ namespace nurv {
 int GenMode::execute()
 {
     if (!m_length)
-        run().console.failWithHelp("length must be specified");
+        run().console.fail("length must be specified");
     const WaveHeader header = pcmHeader(44100, 2, 16);
     const uint64_t dataBytes = parseLength(*m_length, run().console).inBytes(header, run().console);
     std::string name = run().outputs.nameOf("silence", "");

@@ -219,7 +219,6 @@ constexpr std::array kModes{
         .letters = "tn:",
         .help =
             "  -h      show this help screen\n"
-            "  -n name name of the file to make of one source, with its extension\n"
             "  -t      read WAVE data from the terminal\n"
             "\n",
         .writesFiles = true,

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shntool/OutputFiles.h"
 
-#include "shntool/AiffWaveOutput.h"
 #include "shntool/Console.h"
 #include "shntool/FileWaveOutput.h"
 #include "shntool/FormatSettings.h"
@@ -53,7 +52,7 @@ OutputFiles::OutputFiles(const Console &console, const FormatSettings &formats)
 
 std::string OutputFiles::inFolder(const std::string &name) const
 {
-    if (folder.empty())
+    if (folder.empty() || folder == ".")
         return name;
     return folder.ends_with('/') ? folder + name : folder + '/' + name;
 }
@@ -76,7 +75,7 @@ std::string OutputFiles::nameFrom(const WaveInfo &source, const std::string &def
     std::string base = path.substr(slash == std::string::npos ? 0 : slash + 1);
     if (const std::string ending = '.' + m_formats.extension(*source.format); ending.size() > 1 && base.ends_with(ending))
         base.resize(base.size() - ending.size());
-    const std::string name = extended(prefix + base + postfix.value_or(defaultPostfix));
+    const std::string name = extended(prefix.value_or("") + base + postfix.value_or(defaultPostfix));
     return m_formats.outputFormat().extension.empty() && m_formats.outputFormat().name != "cust" ? name
                                                                                                 : inFolder(place + name);
 }
@@ -84,14 +83,14 @@ std::string OutputFiles::nameFrom(const WaveInfo &source, const std::string &def
 std::string OutputFiles::nameOf(const std::string &base, const std::string &middle) const
 {
     const AudioFormat &format = m_formats.outputFormat();
-    const std::string name = extended((prefix.empty() ? base : prefix) + middle + postfix.value_or(""));
+    const std::string name = extended(prefix.value_or(base) + middle + postfix.value_or(""));
     return format.name == "term" || format.name == "null" ? name : inFolder(name);
 }
 
 std::string OutputFiles::nameAround(const std::string &middle) const
 {
     const AudioFormat &format = m_formats.outputFormat();
-    const std::string name = extended(prefix + middle + postfix.value_or(""));
+    const std::string name = extended(prefix.value_or("") + middle + postfix.value_or(""));
     return format.name == "term" || format.name == "null" ? name : inFolder(name);
 }
 
@@ -125,8 +124,6 @@ std::unique_ptr<WaveOutput> OutputFiles::make(const std::string &name) const
     const AudioFormat &format = m_formats.outputFormat();
     if (format.name == "wav")
         return std::make_unique<FileWaveOutput>(name);
-    if (format.name == "aiff" && m_formats.encodesItself(format))
-        return std::make_unique<AiffWaveOutput>(name);
     // What is wrong with the words is told before any folder is made.
     static_cast<void>(m_formats.encoderWords(format, name));
     return std::make_unique<ProgramWaveOutput>(

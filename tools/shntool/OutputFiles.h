@@ -24,7 +24,7 @@ public:
 
     Overwrite overwrite = Overwrite::Ask;
     std::string folder;                 ///< of the option -d; empty: none was given
-    std::string prefix;                 ///< -a
+    std::optional<std::string> prefix;  ///< -a
     std::optional<std::string> postfix; ///< -z
     std::optional<std::string> fullName; ///< -n of conv: the file, whatever the source's name
 

@@ -26,7 +26,7 @@ bool PadMode::pad(const WaveInfo &info) const
     }
     if (info.endsOnSector()) {
         run().console.warn("file is already sector-aligned: [" + info.fileName + "]");
-        return true;
+        return false;
     }
     const uint64_t padding = kSectorBytes - info.dataBytes() % kSectorBytes;
     const std::string zeros = std::to_string(padding) + " zero-bytes";

@@ -95,9 +95,8 @@ void showModes(const Console &console)
 
 std::string versionText(const std::string &name)
 {
-    return name + ' ' + kReference
-           + "\nThe shntool of Nurv Audio Workbench " NURV_VERSION ", which does what shntool 3.0.10 does.\n"
-             "Copyright (C) 2026 The Nurv Audio Workbench developers\n\n"
+    return name + " (Nurv Audio Workbench) " NURV_VERSION "\n"
+           + "Copyright (C) 2026 The Nurv Audio Workbench developers\n\n"
              "This is free software.  You may redistribute copies of it under the terms of\n"
              "the GNU General Public License <http://www.gnu.org/licenses/gpl.html>.\n"
              "There is NO WARRANTY, to the extent permitted by law.\n\n";

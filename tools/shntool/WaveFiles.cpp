@@ -46,7 +46,6 @@ std::string openError(int error)
 {
     switch (error) {
     case ENOENT: return "cannot open non-existent file";
-    case EACCES: return "insufficient permissions to open file";
     case ENAMETOOLONG: return "filename too long to open file";
     default: return "encountered error [" + errorText(error) + "] while opening file";
     }

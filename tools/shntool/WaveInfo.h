@@ -43,7 +43,8 @@ struct WaveHeader {
     [[nodiscard]] uint64_t totalBytes() const { return chunkBytes + 8; }
     /// What the canonical header for this format takes: without a subformat where none is told.
     [[nodiscard]] uint64_t canonicalBytes() const;
-    [[nodiscard]] bool isCanonical() const { return bytes.size() == canonicalBytes(); }
+    /// Of the plain kind, with nothing but a format and the data.
+    [[nodiscard]] bool isCanonical() const { return bytes.size() == kCanonicalHeaderBytes; }
 };
 
 /// What is known of a file.
