@@ -57,6 +57,8 @@ AiffWaveSource::AiffWaveSource(const std::string &name, uint64_t id3Bytes) : m_i
     const uint64_t counted = uint64_t{m_common->frames} * m_common->channels * containerBytes;
     m_header = pcmHeader(m_common->samplesPerSecond, m_common->channels, m_common->bits);
     m_dataBytes = counted;
+    if (counted == 0)
+        fail(ToolError::Kind::Damaged, m_input, "there is no sound in this AIFF file");
     m_input.seek(m_soundOffset);
 }
 

@@ -7,6 +7,8 @@
 #include "shntool/Progress.h"
 #include "shntool/WavePass.h"
 
+#include <algorithm>
+
 #include <unistd.h>
 
 namespace nurv {
@@ -33,6 +35,11 @@ int CatMode::execute()
     return isGood ? 0 : 1;
 }
 
+uint64_t CatMode::shownBytes(const WaveInfo &info) const
+{
+    return info.totalBytes() - (m_hidesHeader ? std::min<uint64_t>(info.header.bytes.size(), info.totalBytes()) : 0);
+}
+
 bool CatMode::write(const WaveInfo &info) const
 {
     Progress progress(run().console, {.action = "Catenating",
@@ -41,30 +48,34 @@ bool CatMode::write(const WaveInfo &info) const
                                       .link = {},
                                       .otherFile = {},
                                       .otherDetail = {},
-                                      .totalBytes = info.totalBytes()});
+                                      .totalBytes = shownBytes(info)});
+    if (m_hidesHeader && m_hidesData && info.extraBytes() == 0) {
+        progress.fail();
+        run().console.warn("input file contains no extra RIFF chunks -- nothing to do");
+        return false;
+    }
     const auto skip = [&](const std::string &why) {
         progress.fail();
-        run().console.warn(why);
-        return false;
+        run().console.fail(why);
     };
     StreamWaveOutput output(STDOUT_FILENO);
     WavePass pass(run().files, info);
     if (!pass.isOpen())
-        return skip("could not open file: [" + info.fileName + "]");
+        skip("could not open file: [" + info.fileName + "]");
     if (!m_hidesHeader) {
         if (!output.write(info.header.bytes))
-            return skip("error while writing " + std::to_string(info.header.bytes.size()) + "-byte WAVE header");
+            skip("error while writing " + std::to_string(info.header.bytes.size()) + "-byte WAVE header");
         progress.add(info.header.bytes.size());
     }
     if (!pass.transfer(m_hidesData ? nullptr : &output, info.dataBytes(), &progress))
-        return skip("error while transferring " + std::to_string(info.dataBytes()) + " bytes of data");
+        skip("error while transferring " + std::to_string(info.dataBytes()) + " bytes of data");
     const uint64_t pad = info.bytesBehindData() - info.extraBytes();
     if (!pass.transfer(m_hidesData || m_hidesPadByte ? nullptr : &output, pad, &progress))
-        return skip("error while reading possible NULL pad byte");
-    if (!pass.transfer(m_hidesExtra ? nullptr : &output, info.extraBytes(), &progress))
-        return skip("error while transferring " + std::to_string(info.extraBytes()) + " extra bytes");
+        skip("error while reading possible NULL pad byte");
+    if (!pass.transfer(m_hidesExtra ? nullptr : &output, info.extraBytes(), m_hidesExtra ? nullptr : &progress))
+        skip("error while transferring " + std::to_string(info.extraBytes()) + " extra bytes");
     if (!pass.finish())
-        return skip("possibly truncated and/or corrupt file: [" + info.fileName + "]");
+        skip("possibly truncated and/or corrupt file: [" + info.fileName + "]");
     progress.succeed();
     return true;
 }

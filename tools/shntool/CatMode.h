@@ -4,6 +4,8 @@
 
 #include "shntool/Mode.h"
 
+#include <cstdint>
+
 namespace nurv {
 
 struct WaveInfo;
@@ -17,6 +19,7 @@ public:
     int execute() override;
 
 private:
+    [[nodiscard]] uint64_t shownBytes(const WaveInfo &info) const;
     bool write(const WaveInfo &info) const;
 
     bool m_hidesExtra = false;

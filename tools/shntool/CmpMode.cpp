@@ -32,7 +32,7 @@ void CmpMode::takeOption(char option, const char *value)
     case 's': m_findsShift = true; break;
     case 'l': m_listsBytes = true; break;
     case 'c':
-        m_seconds = std::min(std::atoi(value), kMostSeconds);
+        m_seconds = std::atoi(value);
         if (m_seconds <= 0)
             run().console.failWithHelp("seconds for byte-shift comparison must be positive");
         break;
@@ -49,16 +49,18 @@ int CmpMode::execute()
     if (m_fuzz && !m_findsShift)
         run().console.failWithHelp("fuzz factor can only be used with byte-shift");
     const std::vector<std::string> names = run().names.all();
-    if (names.size() != 2)
-        run().console.failWithHelp("need exactly two files to process");
+    if (names.size() != 2) {
+        const std::string why = "need exactly two files to process";
+        if (run().names.hasArguments())
+            run().console.failWithHelp(why);
+        run().console.fail(why);
+    }
     const std::optional<WaveInfo> first = run().files.examine(names[0]);
     if (!first)
         return 1;
     const std::optional<WaveInfo> second = run().files.examine(names[1]);
     if (!second)
         return 1;
-    if (const char *difference = differenceOf(first->header, second->header))
-        run().console.fail(std::string(difference) + " differs between these files");
     Shift shift;
     if (m_findsShift) {
         shift = findShift(*first, *second);
@@ -71,19 +73,17 @@ int CmpMode::execute()
 size_t CmpMode::bufferBytes(const WaveInfo &info) const
 {
     constexpr uint64_t kMost = uint64_t{1} << 30;
-    const uint64_t bytes = static_cast<uint64_t>(m_seconds) * info.header.calculatedRate();
+    const uint64_t bytes = static_cast<uint64_t>(std::min(m_seconds, kMostSeconds)) * info.header.calculatedRate();
     return static_cast<size_t>(std::clamp<uint64_t>(bytes, WavePass::kTransferBytes, kMost));
 }
 
-std::vector<uint8_t> CmpMode::readFront(const WaveInfo &info, Progress &progress) const
+std::vector<uint8_t> CmpMode::readFront(const WaveInfo &info) const
 {
     WavePass pass(run().files, info);
     const auto wanted = static_cast<size_t>(std::min<uint64_t>(bufferBytes(info), info.dataBytes()));
     std::vector<uint8_t> bytes(wanted);
-    if (!pass.isOpen() || pass.read(bytes) != wanted) {
-        progress.fail();
+    if (!pass.isOpen() || pass.read(bytes) != wanted)
         run().console.fail(failedRead(wanted, info));
-    }
     return bytes;
 }
 
@@ -111,8 +111,8 @@ CmpMode::Shift CmpMode::findShift(const WaveInfo &first, const WaveInfo &second)
                                       .otherFile = second.fileName,
                                       .otherDetail = {},
                                       .totalBytes = 1});
-    const std::vector<uint8_t> one = readFront(first, progress);
-    const std::vector<uint8_t> other = readFront(second, progress);
+    const std::vector<uint8_t> one = readFront(first);
+    const std::vector<uint8_t> other = readFront(second);
     const size_t most = std::min(one.size(), other.size());
     for (size_t shift = 0; shift < most || shift == 0; ++shift) {
         if (areEqual(std::span(one).subspan(shift), other)) {
@@ -126,7 +126,7 @@ CmpMode::Shift CmpMode::findShift(const WaveInfo &first, const WaveInfo &second)
     }
     progress.fail();
     run().console.fail("these files do not share identical data within the first "
-                       + std::to_string(bufferBytes(first)) + " bytes.");
+                       + std::to_string(static_cast<uint64_t>(m_seconds) * first.header.calculatedRate()) + " bytes.");
 }
 
 void CmpMode::tellShift(const WaveInfo &first, const Shift &shift) const
@@ -142,7 +142,7 @@ void CmpMode::tellShift(const WaveInfo &first, const Shift &shift) const
                 + std::to_string(extra) + " extra bytes ("
                 + std::to_string(extra / std::max<uint64_t>(first.header.blockAlign, 1)) + " extra samples";
         if (first.isCdQuality())
-            text += ", or " + std::to_string(extra / kSectorBytes) + " extra sectors";
+            text += ", or " + std::to_string((extra + kSectorBytes / 2) / kSectorBytes) + " extra sectors";
         text += ")\n\nThese extra bytes will be ignored in the full comparison.\n";
     }
     run().console.tell(text + "\nPreparing to do a full comparison...\n\n");
@@ -175,7 +175,9 @@ bool CmpMode::comparePieces(std::span<const uint8_t> one, std::span<const uint8_
 
 bool CmpMode::compare(const WaveInfo &first, const WaveInfo &second, const Shift &shift) const
 {
-    if (first.dataBytes() != second.dataBytes())
+    if (const char *difference = differenceOf(first.header, second.header))
+        run().console.fail(std::string(difference) + " differs between these files");
+    if (first.dataBytes() - shift.first != second.dataBytes() - shift.second)
         run().console.warn("WAVE data size differs between these files -- will check up to smaller size");
     const uint64_t total = std::min(first.dataBytes() - shift.first, second.dataBytes() - shift.second);
     Progress progress(run().console, {.action = "Comparing",

@@ -33,7 +33,7 @@ private:
 
     [[nodiscard]] Shift findShift(const WaveInfo &first, const WaveInfo &second) const;
     void tellShift(const WaveInfo &first, const Shift &shift) const;
-    [[nodiscard]] std::vector<uint8_t> readFront(const WaveInfo &info, Progress &progress) const;
+    [[nodiscard]] std::vector<uint8_t> readFront(const WaveInfo &info) const;
     [[nodiscard]] bool areEqual(std::span<const uint8_t> one, std::span<const uint8_t> other) const;
     [[nodiscard]] bool compare(const WaveInfo &first, const WaveInfo &second, const Shift &shift) const;
     [[nodiscard]] bool comparePieces(std::span<const uint8_t> one, std::span<const uint8_t> other, uint64_t offset,

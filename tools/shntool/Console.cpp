@@ -70,33 +70,39 @@ void Console::tellAlways(const std::string &text) const
     write(stderr, text);
 }
 
+/// With further lines below the first one, behind as many blanks as the label has letters.
+std::string Console::labelled(const std::string &label, const std::string &text) const
+{
+    std::string lines = prefix() + label;
+    for (const char letter : text) {
+        lines += letter;
+        if (letter == '\n')
+            lines += prefix() + std::string(label.size(), ' ');
+    }
+    return lines + '\n';
+}
+
 void Console::warn(const std::string &text) const
 {
     if (!hidesWarnings)
-        tell(prefix() + "warning: " + text + '\n');
-}
-
-void Console::warnMore(const std::string &text) const
-{
-    if (!hidesWarnings)
-        tell(prefix() + "         " + text + '\n');
+        tell(labelled("warning: ", text));
 }
 
 void Console::debug(const std::string &text) const
 {
     if (debugLevel > 0)
-        tellAlways(prefix() + "debug1: " + text + '\n');
+        tellAlways(labelled("debug1: ", text));
 }
 
 void Console::fail(const std::string &text) const
 {
-    tellAlways(prefix() + "error: " + text + '\n');
+    tellAlways(labelled("error: ", text));
     throw RunEnded(EXIT_FAILURE);
 }
 
 void Console::failWithHelp(const std::string &text) const
 {
-    tellAlways(prefix() + "error: " + text + '\n' + prefix() + '\n' + prefix() + "type '" + command()
+    tellAlways(labelled("error: ", text) + prefix() + '\n' + prefix() + "type '" + command()
                + " -h' for help\n");
     throw RunEnded(EXIT_FAILURE);
 }

@@ -47,9 +47,8 @@ public:
     void tell(const std::string &text) const;
     /// The same, whatever was asked for.
     void tellAlways(const std::string &text) const;
+    /// Every line of a text tells whose it is: a name cannot make up messages.
     void warn(const std::string &text) const;
-    /// A further line of a warning.
-    void warnMore(const std::string &text) const;
     void debug(const std::string &text) const;
 
     /// Tells an error and ends the run with status 1.
@@ -59,6 +58,7 @@ public:
 
 private:
     [[nodiscard]] std::string prefix() const;
+    [[nodiscard]] std::string labelled(const std::string &label, const std::string &text) const;
 
     std::string m_program;
     std::string m_mode;

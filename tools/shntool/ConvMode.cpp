@@ -75,7 +75,7 @@ bool ConvMode::convertStandardInput()
                                       .otherDetail = {},
                                       .totalBytes = 1});
     WavePass pass(std::make_unique<FileWaveSource>("-", 0), info);
-    const std::unique_ptr<WaveOutput> output = run().outputs.open(name, progress);
+    const std::unique_ptr<WaveOutput> output = run().outputs.open(name, &progress);
     const auto skip = [&](const std::string &why) {
         progress.fail();
         run().console.warn(why + " -- skipping.");
@@ -92,7 +92,12 @@ bool ConvMode::convertStandardInput()
     }
     if (!pass.finish())
         return skip("could not read input data");
-    if (!output->complete() || !output->commit())
+    if (!output->complete()) {
+        run().console.warn(output->complaint());
+        progress.fail();
+        return false;
+    }
+    if (!output->commit())
         return skip("could not complete output file: [" + name + "]");
     progress.succeed();
     return true;

@@ -57,7 +57,8 @@ int CueMode::showSplitPoints() const
         if (first) {
             if (const char *difference = differenceOf(first->header, info->header))
                 run().console.fail(std::string(difference) + " differs among these files");
-            run().console.print(std::to_string(dataBytes) + '\n');
+            if (dataBytes > 0)
+                run().console.print(std::to_string(dataBytes) + '\n');
         }
         dataBytes += info->dataBytes();
         ++files;

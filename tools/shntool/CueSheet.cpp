@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <string_view>
 #include <utility>
 
 namespace nurv {
@@ -26,30 +25,40 @@ std::string unquoted(std::string_view text)
     text = trimmed(text);
     if (text.starts_with('"')) {
         text.remove_prefix(1);
-        text = text.substr(0, text.find('"'));
+        if (text.ends_with('"'))
+            text.remove_suffix(1);
     }
     return std::string(text);
 }
 
-/// Lines that tell nothing about places and names.
-bool isOther(std::string_view line)
+/// The first line of a sheet; other lists are of places alone.
+bool beginsSheet(std::string_view line)
 {
-    constexpr std::array<std::string_view, 20> kWords{
-        "FILE",    "TRACK",      "INDEX",    "CATALOG",  "CDTEXTFILE", "FLAGS",   "ISRC",     "POSTGAP", "PREGAP",  "REM",
-        "GENRE",   "SONGWRITER", "COMPOSER", "ARRANGER", "MESSAGE",    "DISC_ID", "TOC_INFO", "UPC_EAN", "SIZE_INFO", "//",
+    constexpr std::array<std::string_view, 17> kWords{
+        "TITLE",    "PERFORMER", "REM",     "FILE",    "CATALOG", "ISRC",     "CDTEXTFILE", "SONGWRITER", "COMPOSER",
+        "ARRANGER", "MESSAGE",   "DISC_ID", "GENRE",   "TOC_INFO", "TOC_INFO2", "UPC_EAN",   "SIZE_INFO",
     };
-    return std::ranges::any_of(kWords, [&](std::string_view word) { return line.starts_with(word); });
+    const size_t start = line.find_first_not_of(" \t");
+    if (start == std::string_view::npos)
+        return false;
+    line.remove_prefix(start);
+    return std::ranges::any_of(kWords, [&](std::string_view word) {
+        return line.starts_with(word) && line.size() > word.size() && kBlanks.find(line[word.size()]) < 2;
+    });
 }
 
-/// "00:01:10" as "00:01.10"; what follows a place is passed over.
-std::string placeOf(std::string_view text)
+/// The last word of a line that could be a place, "00:01:10" as "00:01.10".
+std::string placeIn(std::string_view line)
 {
-    text = trimmed(text);
-    std::string place(text.substr(0, text.find_first_not_of("0123456789:.")));
-    const size_t colon = place.find(':');
-    const size_t second = colon == std::string::npos ? colon : place.find(':', colon + 1);
-    if (second != std::string::npos)
-        place[second] = '.';
+    constexpr std::string_view kLetters = "0123456789:.";
+    const size_t last = line.find_last_of(kLetters);
+    if (last == std::string_view::npos)
+        return {};
+    const size_t before = line.find_last_not_of(kLetters, last);
+    const size_t start = before == std::string_view::npos ? 0 : before + 1;
+    std::string place(line.substr(start, last - start + 1));
+    if (std::ranges::count(place, ':') > 1)
+        place[place.rfind(':')] = '.';
     return place;
 }
 
@@ -57,36 +66,40 @@ std::string placeOf(std::string_view text)
 
 CueSheet CueSheet::read(std::istream &input)
 {
+    constexpr std::string_view kMark = "\xEF\xBB\xBF";
+    constexpr size_t kMostLetters = 2047;
+    CueSheet sheet;
+    bool isFirst = true;
+    for (std::string text; std::getline(input, text); isFirst = false) {
+        text.resize(std::min(text.size(), kMostLetters));
+        if (isFirst && text.starts_with(kMark))
+            text.erase(0, kMark.size());
+        if (isFirst)
+            sheet.isSheet = beginsSheet(text);
+        if (sheet.isSheet)
+            sheet.addLine(trimmed(text));
+        else
+            sheet.places.push_back(placeIn(text));
+    }
+    // What cannot be read, as a folder, has no places.
+    if (input.bad())
+        sheet.places.emplace_back();
+    return sheet;
+}
+
+void CueSheet::addLine(std::string_view line)
+{
     constexpr std::string_view kIndex = "INDEX 01";
     constexpr std::string_view kTitle = "TITLE";
     constexpr std::string_view kPerformer = "PERFORMER";
-    CueSheet sheet;
-    bool isInTrack = false;
-    std::string trackPerformer;
-    for (std::string text; std::getline(input, text);) {
-        const std::string_view line = trimmed(text);
-        if (line.starts_with(kIndex)) {
-            sheet.places.push_back(placeOf(line.substr(kIndex.size())));
-        } else if (line.starts_with(kTitle)) {
-            const std::string title = unquoted(line.substr(kTitle.size()));
-            if (isInTrack && !sheet.tracks.empty())
-                sheet.tracks.back().title = title;
-            else
-                sheet.album = title;
-        } else if (line.starts_with(kPerformer)) {
-            const std::string performer = unquoted(line.substr(kPerformer.size()));
-            if (isInTrack && !sheet.tracks.empty())
-                sheet.tracks.back().performer = performer;
-            else
-                sheet.performer = performer;
-        } else if (line.starts_with("TRACK")) {
-            isInTrack = true;
-            sheet.tracks.push_back({.title = {}, .performer = sheet.performer});
-        } else if (!isOther(line)) {
-            sheet.places.push_back(placeOf(line));
-        }
-    }
-    return sheet;
+    if (line.starts_with(kIndex))
+        places.push_back(placeIn(line));
+    else if (line.starts_with("TRACK"))
+        tracks.push_back({.title = {}, .performer = performer});
+    else if (line.starts_with(kTitle))
+        (tracks.empty() ? album : tracks.back().title) = unquoted(line.substr(kTitle.size()));
+    else if (line.starts_with(kPerformer))
+        (tracks.empty() ? performer : tracks.back().performer) = unquoted(line.substr(kPerformer.size()));
 }
 
 CueNames::CueNames(std::string format, std::string replacements)

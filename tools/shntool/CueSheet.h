@@ -5,11 +5,13 @@
 #include <istream>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace nurv {
 
-/// Places to split at and names, as people write them down: a cue sheet, or a place on each line, or both.
+/// Places to split at, and names, as people write them down: a cue sheet, or a list with a place on each line. The
+/// first line tells which it is.
 struct CueSheet {
     /// Of a track, in the order of their titles.
     struct Track {
@@ -17,13 +19,17 @@ struct CueSheet {
         std::string performer;
     };
 
+    bool isSheet = false; ///< or a list
     std::string album;
     std::string performer;
     std::vector<Track> tracks;
-    std::vector<std::string> places; ///< "INDEX 01" as m:ss.ff, other lines as they stand
+    std::vector<std::string> places; ///< as they are written, but m:ss:ff as m:ss.ff
 
     /// Reads to the end. Lines of a cue sheet that are of no use here are passed over.
     [[nodiscard]] static CueSheet read(std::istream &input);
+
+private:
+    void addLine(std::string_view line);
 };
 
 /// How files are named by a cue sheet.

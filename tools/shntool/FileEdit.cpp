@@ -49,7 +49,7 @@ bool FileEdit::openInput()
 
 bool FileEdit::openOutput()
 {
-    m_output = m_run.outputs.open(m_name, *m_progress);
+    m_output = m_run.outputs.open(m_name, m_progress.get());
     return m_output || skip("could not open output file");
 }
 
@@ -108,7 +108,10 @@ bool FileEdit::skipData(uint64_t count, const std::string &fault)
 
 bool FileEdit::copyExtra(uint64_t count)
 {
-    return copy(count, "error while transferring " + std::to_string(count) + " extra bytes", m_progress.get());
+    if (m_input->transfer(m_output.get(), count, m_progress.get()))
+        return true;
+    m_run.console.warn("error while transferring " + std::to_string(count) + " extra bytes -- skipping.");
+    return false;
 }
 
 bool FileEdit::finish()
@@ -116,7 +119,7 @@ bool FileEdit::finish()
     if (!m_input->finish())
         return skip("possibly truncated and/or corrupt file: [" + m_info.fileName + "]");
     if (m_output->complete() && !m_output->commit())
-        return skip("could not complete output file: [" + m_name + "]");
+        return skip("error while transferring " + std::to_string(m_info.dataBytes()) + "-byte data chunk");
     m_progress->succeed();
     const std::string complaint = m_output->complaint();
     if (!complaint.empty())

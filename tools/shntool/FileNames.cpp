@@ -4,7 +4,10 @@
 
 #include "shntool/Console.h"
 #include "shntool/FileOrderEditor.h"
+#include "shntool/WaveInfo.h"
 
+#include <algorithm>
+#include <cstring>
 #include <iostream>
 
 #include <unistd.h>
@@ -44,6 +47,7 @@ std::optional<std::string> FileNames::next()
         return std::nullopt;
     if (line.ends_with('\r'))
         line.pop_back();
+    line.resize(std::strlen(line.c_str()));
     return line;
 }
 
@@ -62,6 +66,19 @@ void FileNames::sort(std::vector<std::string> &names) const
     case Order::Ascii: sortAscii(names); break;
     case Order::Natural: sortNaturally(names); break;
     case Order::None: break;
+    }
+}
+
+void FileNames::sortInfos(std::vector<WaveInfo> &infos) const
+{
+    std::vector<std::string> sorted;
+    for (const WaveInfo &info : infos)
+        sorted.push_back(info.fileName);
+    sort(sorted);
+    for (size_t i = 0; i < infos.size(); ++i) {
+        const auto found = std::find_if(infos.begin() + static_cast<std::ptrdiff_t>(i), infos.end(),
+                                        [&](const WaveInfo &info) { return info.fileName == sorted[i]; });
+        std::iter_swap(infos.begin() + static_cast<std::ptrdiff_t>(i), found);
     }
 }
 

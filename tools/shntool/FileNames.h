@@ -11,6 +11,7 @@
 namespace nurv {
 
 class Console;
+struct WaveInfo;
 
 /// The names of the files of a run: from the file of the option -F, else from the command line, else from standard
 /// input, one a line.
@@ -36,6 +37,8 @@ public:
 
     /// Brings names into the order that was asked for.
     void sort(std::vector<std::string> &names) const;
+    /// The same of files, by their names.
+    void sortInfos(std::vector<WaveInfo> &infos) const;
     /// Only where the order is to be asked for.
     void sortIfAsked(std::vector<std::string> &names) const;
 

@@ -30,16 +30,16 @@ void FixMode::takeOption(char option, const char *)
 
 int FixMode::execute()
 {
-    std::vector<std::string> names = run().names.all();
+    const std::vector<std::string> names = run().names.all();
     if (names.empty())
         run().console.failWithHelp("need one or more files to process");
-    run().names.sort(names);
     examine(names);
-    plan();
     if (m_checksOnly)
         return needsFixing() ? 0 : 1;
     if (!needsFixing())
         run().console.fail("everything seems fine, no need for fixing");
+    run().names.sortInfos(m_infos);
+    plan();
     fix(firstToWrite());
     tellPadding();
     return 0;
@@ -82,19 +82,20 @@ void FixMode::plan()
         const bool goesForward =
             m_shift == Shift::Forward || (m_shift == Shift::Nearest && over >= kSectorBytes / 2);
         part.end = over == 0 ? formerEnd : formerEnd - over + (goesForward ? kSectorBytes : 0);
-        part.end = formerEnd == total ? total : std::min(part.end, total);
         end = part.end;
         m_parts.push_back(part);
     }
     m_parts.back().end = total;
+    if (m_parts.back().start > total)
+        run().console.fail("track breaks cannot be shifted behind the end of the sound");
     if (total % kSectorBytes != 0)
         m_missingBytes = kSectorBytes - total % kSectorBytes;
 }
 
+/// Whether any file ends in the middle of a sector.
 bool FixMode::needsFixing() const
 {
-    const bool areMoved = !std::ranges::all_of(m_parts, &Part::isUnchanged);
-    return areMoved || m_missingBytes > 0;
+    return !std::ranges::all_of(m_infos, &WaveInfo::endsOnSector);
 }
 
 size_t FixMode::firstToWrite() const
@@ -139,7 +140,12 @@ void FixMode::writePart(size_t index)
     const bool isLast = index + 1 == m_parts.size();
     const uint64_t soundBytes = part.end - part.start;
     const uint64_t padding = isLast && m_padsLast ? m_missingBytes : 0;
-    std::string name = run().outputs.nameFrom(info, "-fixed");
+    std::string name = run().outputs.nameHere(info, "-fixed");
+    const bool isSource = std::ranges::any_of(
+        m_infos, [&](const WaveInfo &other) { return OutputFiles::areSame(other.fileName, name); });
+    std::unique_ptr<WaveOutput> output;
+    if (!isSource || run().outputs.overwrite != OutputFiles::Overwrite::Always)
+        output = run().outputs.open(name, nullptr);
     Progress progress(run().console, {.action = "Fixing",
                                       .file = info.fileName,
                                       .fileDetail = run().lengthOf(info),
@@ -147,16 +153,11 @@ void FixMode::writePart(size_t index)
                                       .otherFile = name,
                                       .otherDetail = {},
                                       .totalBytes = soundBytes + kHeader});
-    if (std::ranges::any_of(m_infos, [&](const WaveInfo &other) { return OutputFiles::areSame(other.fileName, name); })) {
-        progress.fail();
-        m_outputs.clear();
-        run().console.fail("output file would overwrite input file: [" + name + "]");
-    }
-    std::unique_ptr<WaveOutput> output = run().outputs.open(name, progress);
     if (!output) {
         progress.fail();
         m_outputs.clear();
-        run().console.fail("could not open output file: [" + name + "]");
+        run().console.fail((isSource ? "output file would overwrite input file: [" : "could not open output file: [")
+                           + name + "]");
     }
     m_outputs.push_back(std::move(output));
     const std::vector<uint8_t> header = makeWaveHeader(info.header, soundBytes + padding);

@@ -28,7 +28,7 @@ int GenMode::execute()
                                       .otherFile = {},
                                       .otherDetail = {},
                                       .totalBytes = head.size() + dataBytes});
-    const std::unique_ptr<WaveOutput> output = run().outputs.open(name, progress);
+    const std::unique_ptr<WaveOutput> output = run().outputs.open(name, &progress);
     if (!output)
         run().console.fail("could not open output file: [" + name + "]");
     const auto failWrite = [&](const std::string &why) {

@@ -120,7 +120,7 @@ void HashMode::hashAll(const std::vector<WaveInfo> &infos)
     show(hash.finish(), "composite");
 }
 
-/// The progress counts steps that lie in one file. `partBytes` of a step are left from the files before.
+/// The progress does not count what fills up a step that the files before have begun: `partBytes` of it.
 void HashMode::addFile(const WaveInfo &info, SoundHash &hash, Progress &progress, uint64_t &partBytes) const
 {
     WavePass pass(run().files, info);
@@ -135,8 +135,8 @@ void HashMode::addFile(const WaveInfo &info, SoundHash &hash, Progress &progress
         const size_t got = pass.read(std::span(bytes).first(wanted));
         hash.add(std::span(bytes).first(got));
         if (done >= first) {
-            for (size_t at = kStepBytes; at <= got; at += kStepBytes)
-                progress.add(kStepBytes);
+            for (size_t at = 0; at < got; at += kStepBytes)
+                progress.add(std::min<uint64_t>(kStepBytes, got - at));
         }
         done += got;
         if (got < wanted)

@@ -9,6 +9,8 @@
 #include "shntool/WaveOutput.h"
 #include "shntool/WavePass.h"
 
+#include <algorithm>
+
 namespace nurv {
 
 JoinMode::JoinMode(ModeRun &run) : Mode(run) {}
@@ -22,13 +24,18 @@ void JoinMode::takeOption(char option, const char *)
 
 int JoinMode::execute()
 {
-    std::vector<std::string> names = run().names.all();
+    const std::vector<std::string> names = run().names.all();
     if (names.size() < 2)
         run().console.failWithHelp("need two or more files to process");
-    run().names.sort(names);
-    join(examine(names));
+    std::vector<WaveInfo> infos = examine(names);
+    run().names.sortInfos(infos);
+    join(infos);
     tellPadding();
-    return 0;
+    if (m_isComplete)
+        return 0;
+    run().console.warn(m_output->complaint());
+    m_output.reset();
+    run().console.fail("failed to join files");
 }
 
 std::vector<WaveInfo> JoinMode::examine(const std::vector<std::string> &names) const
@@ -58,6 +65,8 @@ void JoinMode::join(const std::vector<WaveInfo> &infos)
         m_missingBytes = kSectorBytes - m_dataBytes % kSectorBytes;
     m_paddedBytes = m_dataBytes + (m_padding == Padding::None ? 0 : m_missingBytes);
     m_name = run().outputs.nameOf("joined", "");
+    m_outputIsSource = std::ranges::any_of(
+        infos, [this](const WaveInfo &info) { return OutputFiles::areSame(info.fileName, m_name); });
     for (size_t i = 0; i < infos.size(); ++i)
         addFile(infos[i], i == 0, i + 1 == infos.size());
 }
@@ -75,7 +84,9 @@ Progress JoinMode::progressOf(const WaveInfo &info) const
 
 void JoinMode::openOutput(const WaveInfo &first, Progress &progress)
 {
-    m_output = run().outputs.open(m_name, progress);
+    if (m_outputIsSource && run().outputs.overwrite == OutputFiles::Overwrite::Always)
+        run().console.fail("output file would overwrite input file: [" + m_name + "]");
+    m_output = run().outputs.open(m_name, &progress);
     if (!m_output)
         run().console.fail("could not open output file");
     const std::vector<uint8_t> header = makeWaveHeader(first.header, m_paddedBytes);
@@ -123,7 +134,8 @@ void JoinMode::addFile(const WaveInfo &info, bool isFirst, bool isLast)
         const std::vector<uint8_t> oddByte(m_paddedBytes % 2);
         if (!m_output->write(oddByte))
             failFile(progress, "error while NULL-padding odd-sized data chunk");
-        if (!m_output->complete() || !m_output->commit())
+        m_isComplete = m_output->complete();
+        if (m_isComplete && !m_output->commit())
             failFile(progress, "could not complete output file: [" + m_name + "]");
     }
     progress.succeed();

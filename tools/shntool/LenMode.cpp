@@ -119,7 +119,9 @@ void LenMode::add(const WaveInfo &info)
 {
     m_totals.areAllCdQuality = m_totals.areAllCdQuality && info.isCdQuality();
     m_totals.dataBytes += info.dataBytes();
-    m_totals.seconds += secondsOf(info.header, info.dataBytes());
+    // By the rate that the header tells, where a file has its length by the one that follows from its fields.
+    if (info.header.bytesPerSecond > 0)
+        m_totals.seconds += static_cast<double>(info.dataBytes()) / info.header.bytesPerSecond;
     m_totals.totalBytes += info.totalBytes();
     m_totals.actualBytes += info.actualBytes;
     ++m_totals.files;

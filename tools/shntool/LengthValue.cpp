@@ -93,7 +93,7 @@ uint64_t LengthValue::inBytes(const WaveHeader &header, const Console &console) 
         return wholeSeconds;
     if (unit == Unit::Frames)
         return isCd ? wholeSeconds + parts * kSectorBytes : (wholeSeconds + parts * kSectorBytes) / block * block;
-    const uint64_t offset = wholeSeconds + parts * rate / 1000;
+    const uint64_t offset = wholeSeconds + (parts * rate + 500) / 1000;
     if (!isCd)
         return offset / block * block;
     std::array<char, 48> time{};

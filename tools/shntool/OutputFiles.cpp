@@ -9,8 +9,8 @@
 #include "shntool/Progress.h"
 #include "support/ToolError.h"
 
-#include <array>
-#include <cstdio>
+#include <cctype>
+#include <cerrno>
 #include <iostream>
 
 #include <sys/stat.h>
@@ -67,31 +67,45 @@ std::string OutputFiles::extended(const std::string &name) const
 
 std::string OutputFiles::nameFrom(const WaveInfo &source, const std::string &defaultPostfix) const
 {
+    return named(source, folder.empty() ? source.fileName.substr(0, source.fileName.rfind('/') + 1) : std::string(),
+                 defaultPostfix);
+}
+
+std::string OutputFiles::nameHere(const WaveInfo &source, const std::string &defaultPostfix) const
+{
+    return named(source, {}, defaultPostfix);
+}
+
+std::string OutputFiles::named(const WaveInfo &source, const std::string &place,
+                               const std::string &defaultPostfix) const
+{
     if (fullName)
         return folder.empty() || fullName->starts_with('/') ? *fullName : inFolder(*fullName);
-    const std::string &path = source.fileName;
-    const size_t slash = path.rfind('/');
-    const std::string place = slash == std::string::npos || !folder.empty() ? std::string() : path.substr(0, slash + 1);
-    std::string base = path.substr(slash == std::string::npos ? 0 : slash + 1);
-    if (const std::string ending = '.' + m_formats.extension(*source.format); ending.size() > 1 && base.ends_with(ending))
+    std::string base = source.fileName.substr(source.fileName.rfind('/') + 1);
+    const std::string ending = '.' + m_formats.extension(*source.format);
+    if (ending.size() > 1 && base.ends_with(ending))
         base.resize(base.size() - ending.size());
     const std::string name = extended(prefix.value_or("") + base + postfix.value_or(defaultPostfix));
-    return m_formats.outputFormat().extension.empty() && m_formats.outputFormat().name != "cust" ? name
-                                                                                                : inFolder(place + name);
+    return isFile() ? inFolder(place + name) : name;
+}
+
+/// Whether the output has a name at all.
+bool OutputFiles::isFile() const
+{
+    return m_formats.outputFormat().name != "term" && m_formats.outputFormat().name != "null";
 }
 
 std::string OutputFiles::nameOf(const std::string &base, const std::string &middle) const
 {
-    const AudioFormat &format = m_formats.outputFormat();
     const std::string name = extended(prefix.value_or(base) + middle + postfix.value_or(""));
-    return format.name == "term" || format.name == "null" ? name : inFolder(name);
+    return isFile() ? inFolder(name) : name;
 }
 
 std::string OutputFiles::nameAround(const std::string &middle) const
 {
-    const AudioFormat &format = m_formats.outputFormat();
-    const std::string name = extended(prefix.value_or("") + middle + postfix.value_or(""));
-    return format.name == "term" || format.name == "null" ? name : inFolder(name);
+    const std::string name = extended(prefix.value_or("") + (middle.ends_with('.') ? middle.substr(0, middle.size() - 1) : middle)
+                                      + postfix.value_or(""));
+    return isFile() ? inFolder(name) : name;
 }
 
 bool OutputFiles::areSame(const std::string &one, const std::string &other)
@@ -102,17 +116,23 @@ bool OutputFiles::areSame(const std::string &one, const std::string &other)
            && first.st_ino == second.st_ino;
 }
 
-std::unique_ptr<WaveOutput> OutputFiles::open(std::string &name, Progress &progress)
+std::unique_ptr<WaveOutput> OutputFiles::open(std::string &name, Progress *progress)
 {
     const AudioFormat &format = m_formats.outputFormat();
     if (format.name == "null")
         return std::make_unique<StreamWaveOutput>(-1);
     if (format.name == "term")
         return std::make_unique<StreamWaveOutput>(STDOUT_FILENO);
-    if (exists(name) && !mayWrite(name, progress))
+    if (isTaken(name) && !mayWrite(name, progress))
+        return nullptr;
+    // Before anything is made for a name that nothing can have.
+    struct stat status {};
+    if (::lstat(name.c_str(), &status) != 0 && errno != ENOENT)
         return nullptr;
     try {
-        return make(name);
+        std::unique_ptr<WaveOutput> output = make(name);
+        m_pending.insert(name);
+        return output;
     } catch (const ToolError &error) {
         m_console.debug(error.what());
         return nullptr;
@@ -130,40 +150,57 @@ std::unique_ptr<WaveOutput> OutputFiles::make(const std::string &name) const
         name, [&](const std::string &file) { return m_formats.encoderWords(format, file); });
 }
 
-bool OutputFiles::mayWrite(std::string &name, Progress &progress)
+bool OutputFiles::isTaken(const std::string &name) const
 {
-    if (overwrite == Overwrite::Never || !canBeReplaced(name))
-        return false;
-    return overwrite == Overwrite::Always || ask(name, progress);
+    return exists(name) || m_pending.contains(name);
 }
 
-bool OutputFiles::ask(std::string &name, Progress &progress)
+bool OutputFiles::mayWrite(std::string &name, Progress *progress)
 {
-    progress.breakLine();
+    if (overwrite == Overwrite::Never || (overwrite == Overwrite::Ask && !ask(name, progress)))
+        return false;
+    return !exists(name) || canBeReplaced(name);
+}
+
+bool OutputFiles::ask(std::string &name, Progress *progress)
+{
+    m_console.tell("\n");
     if (::isatty(STDIN_FILENO) == 0) {
         m_console.fail("standard input is not a terminal -- cannot prompt for overwrite action.  "
                        "use \"-O always\" or \"-O never\".");
     }
-    for (bool isDecided = false; !isDecided;) {
+    const auto decide = [&](bool mayWrite) {
+        if (progress)
+            progress->show();
+        return mayWrite;
+    };
+    for (;;) {
         m_console.tellAlways("File already exists: [" + name
                              + "]\nOverwrite ([y]es, [n]o, [a]lways, ne[v]er, [r]ename)? ");
         const std::optional<std::string> line = answer();
-        isDecided = true;
-        switch (line && !line->empty() ? line->front() : (line ? '?' : 'n')) {
+        const char letter = line && !line->empty() ? line->front() : (line ? '?' : 'n');
+        switch (std::tolower(static_cast<unsigned char>(letter))) {
         case 'a': overwrite = Overwrite::Always; [[fallthrough]];
-        case 'y': progress.show(); return true;
+        case 'y': return decide(true);
         case 'v': overwrite = Overwrite::Never; [[fallthrough]];
-        case 'n': progress.show(); return false;
-        case 'r':
-            m_console.tellAlways("New name: ");
-            name = answer().value_or(name);
-            isDecided = !exists(name);
-            break;
-        default: isDecided = false; break;
+        case 'n': return decide(false);
+        case 'r': return rename(name, progress);
+        default: break;
         }
     }
-    progress.setOtherFile(name);
-    progress.show();
+}
+
+/// Asks for another name, and about that one where it is taken too.
+bool OutputFiles::rename(std::string &name, Progress *progress)
+{
+    m_console.tellAlways("New name: ");
+    name = answer().value_or(name);
+    if (progress)
+        progress->setOtherFile(name);
+    if (isTaken(name))
+        return ask(name, progress);
+    if (progress)
+        progress->show();
     return true;
 }
 

@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 
 namespace nurv {
@@ -31,6 +32,8 @@ public:
     /// For a file that is made of one source: beside it unless a folder was given, with its name and `postfix`,
     /// for which -z stands in.
     [[nodiscard]] std::string nameFrom(const WaveInfo &source, const std::string &postfix) const;
+    /// The same in the current folder.
+    [[nodiscard]] std::string nameHere(const WaveInfo &source, const std::string &postfix) const;
     /// For a file of its own: in the current folder unless one was given; -a stands in for `base`.
     [[nodiscard]] std::string nameOf(const std::string &base, const std::string &middle) const;
     /// In the same place, with -a and -z around the name.
@@ -38,20 +41,26 @@ public:
 
     /// Opens an output of the chosen format. Asks about a file that is there already, as was said; null where it
     /// stays, or nothing can be made. May give the output another name, and ends the run where it may not ask.
-    [[nodiscard]] std::unique_ptr<WaveOutput> open(std::string &name, Progress &progress);
+    /// `progress` is what to show again after a question; null: nothing yet.
+    [[nodiscard]] std::unique_ptr<WaveOutput> open(std::string &name, Progress *progress);
 
     /// Whether both names stand for one file.
     [[nodiscard]] static bool areSame(const std::string &one, const std::string &other);
 
 private:
+    [[nodiscard]] bool isFile() const;
     [[nodiscard]] std::string inFolder(const std::string &name) const;
+    [[nodiscard]] std::string named(const WaveInfo &source, const std::string &place, const std::string &postfix) const;
     [[nodiscard]] std::string extended(const std::string &name) const;
-    [[nodiscard]] bool mayWrite(std::string &name, Progress &progress);
-    [[nodiscard]] bool ask(std::string &name, Progress &progress);
+    [[nodiscard]] bool isTaken(const std::string &name) const;
+    [[nodiscard]] bool mayWrite(std::string &name, Progress *progress);
+    [[nodiscard]] bool ask(std::string &name, Progress *progress);
+    [[nodiscard]] bool rename(std::string &name, Progress *progress);
     [[nodiscard]] std::unique_ptr<WaveOutput> make(const std::string &name) const;
 
     const Console &m_console;
     const FormatSettings &m_formats;
+    std::set<std::string> m_pending; ///< names that were given in this run
 };
 
 } // namespace nurv

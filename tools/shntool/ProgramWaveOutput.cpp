@@ -4,9 +4,11 @@
 
 #include "shntool/EndingCleanup.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <mutex>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -61,7 +63,12 @@ ProgramWaveOutput::ProgramWaveOutput(const std::string &name,
 
 bool ProgramWaveOutput::write(std::span<const uint8_t> bytes)
 {
-    return m_encoder.write(bytes);
+    // A header goes with what comes next.
+    constexpr size_t kFewBytes = 4096;
+    if (m_waiting.empty() && bytes.size() >= kFewBytes)
+        return m_encoder.write(bytes);
+    m_waiting.insert(m_waiting.end(), bytes.begin(), bytes.end());
+    return m_waiting.size() < kFewBytes || flush();
 }
 
 bool ProgramWaveOutput::moveInPlace() const
@@ -80,9 +87,15 @@ bool ProgramWaveOutput::moveInPlace() const
     return move(RENAME_NOREPLACE) || (errno == EINVAL && !exists(m_name) && move(0));
 }
 
+bool ProgramWaveOutput::flush()
+{
+    const std::vector<uint8_t> bytes = std::exchange(m_waiting, {});
+    return bytes.empty() || m_encoder.write(bytes);
+}
+
 bool ProgramWaveOutput::complete()
 {
-    return m_encoder.wait() == 0;
+    return flush() && m_encoder.wait() == 0;
 }
 
 bool ProgramWaveOutput::commit()
@@ -95,7 +108,7 @@ std::string ProgramWaveOutput::complaint()
     const int status = m_encoder.wait();
     if (status == 0)
         return {};
-    return "child encoder process " + std::to_string(m_encoder.process()) + " had non-zero exit status "
+    return "child encoder process " + std::to_string(std::max(m_encoder.process(), 0)) + " had non-zero exit status "
            + std::to_string(status);
 }
 

@@ -25,6 +25,7 @@ public:
     std::string complaint() override;
 
 private:
+    [[nodiscard]] bool flush();
     [[nodiscard]] bool moveInPlace() const;
 
     std::string m_name;
@@ -32,6 +33,7 @@ private:
     std::string m_made;
     bool m_replaces;
     ChildProgram m_encoder;
+    std::vector<uint8_t> m_waiting; ///< for more
 };
 
 } // namespace nurv

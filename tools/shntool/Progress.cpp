@@ -103,9 +103,4 @@ void Progress::fail()
     m_hasFailed = true;
 }
 
-void Progress::breakLine()
-{
-    m_console.tell("\n");
-}
-
 } // namespace nurv

@@ -32,8 +32,6 @@ public:
     void succeed();
     /// What comes after that begins the line anew.
     void fail();
-    /// Ends the line as it stands, for a question or an error that follows.
-    void breakLine();
     /// Shows the line from its beginning once more.
     void show();
     /// After a file got another name.

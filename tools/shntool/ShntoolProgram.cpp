@@ -23,7 +23,6 @@ namespace nurv {
 
 namespace {
 
-constexpr const char *kReference = "3.0.10";
 constexpr std::string_view kAliasPrefix = "shn";
 
 std::string baseName(const char *path)
@@ -49,7 +48,7 @@ std::string coder(AudioFormat::By by, std::string_view program)
 
 void showFormats(const Console &console)
 {
-    std::string text = console.program() + ' ' + kReference
+    std::string text = console.program() + " " NURV_VERSION
                        + " supported file formats:\n\n"
                          " format    ext     input    output  description\n"
                          " ------    ---     -----    ------  -----------\n";
@@ -64,7 +63,7 @@ void showFormats(const Console &console)
 
 void showArguments(const Console &console)
 {
-    std::string text = console.program() + ' ' + kReference
+    std::string text = console.program() + " " NURV_VERSION
                        + " default file format arguments:\n\n"
                          " format    action   arguments\n"
                          " ------    ------   ---------\n";
@@ -86,7 +85,7 @@ void showArguments(const Console &console)
 
 void showModes(const Console &console)
 {
-    std::string text = console.program() + ' ' + kReference
+    std::string text = console.program() + " " NURV_VERSION
                        + " supported modes:\n\n   mode  description\n   ----  -----------\n";
     for (const ModeEntry &mode : modeTable())
         text += "  " + column(mode.name, 5) + "  " + std::string(mode.description) + '\n';
@@ -142,14 +141,20 @@ int runModeless(const Console &console, std::vector<std::string> words)
     if (!words[1].starts_with('-'))
         console.failWithHelp("invalid mode: [" + words[1] + "]");
     Words arguments(std::move(words));
-    switch (arguments.next("afhmv")) {
-    case 'a': showArguments(console); return EXIT_SUCCESS;
-    case 'f': showFormats(console); return EXIT_SUCCESS;
-    case 'h': console.tell(modelessHelp(console.program())); return EXIT_SUCCESS;
-    case 'm': showModes(console); return EXIT_SUCCESS;
-    case 'v': console.tell(versionText(console.program())); return EXIT_SUCCESS;
-    case -1: console.failWithHelp("invalid mode: [-]");
-    default: break;
+    bool wantsHelp = false;
+    for (int option = 0; (option = arguments.next("afhmv")) != '?';) {
+        switch (option) {
+        case 'a': showArguments(console); return EXIT_SUCCESS;
+        case 'f': showFormats(console); return EXIT_SUCCESS;
+        case 'm': showModes(console); return EXIT_SUCCESS;
+        case 'v': console.tell(versionText(console.program())); return EXIT_SUCCESS;
+        case 'h': wantsHelp = true; continue;
+        default: break;
+        }
+        if (!wantsHelp)
+            console.failWithHelp("invalid mode: [" + (arguments.rest().empty() ? "-" : arguments.rest().front()) + "]");
+        console.tell(modelessHelp(console.program()));
+        return EXIT_SUCCESS;
     }
     console.tell('\n' + modelessHelp(console.program()));
     return EXIT_FAILURE;

@@ -130,8 +130,15 @@ void SplitMode::addRepeatedPlaces(const std::string &length)
         run().console.fail(
             "repeated split size is not less than data size of input file -- nothing to do");
     }
+    if (step == 0)
+        failForNumber();
     for (uint64_t place = step; place < m_info.dataBytes(); place += step)
         addPlace(place);
+}
+
+void SplitMode::failForNumber() const
+{
+    run().console.fail("too many split files would be created -- maximum is " + std::to_string(kMostPieces));
 }
 
 void SplitMode::addPlace(uint64_t place)
@@ -140,9 +147,8 @@ void SplitMode::addPlace(uint64_t place)
         run().console.warn("discarding initial zero-valued split point");
         return;
     }
-    if (m_places.size() + 1 >= static_cast<size_t>(kMostPieces)) {
-        run().console.fail("too many split files would be created -- maximum is " + std::to_string(kMostPieces));
-    }
+    if (m_places.size() + 1 >= static_cast<size_t>(kMostPieces))
+        failForNumber();
     if (!m_places.empty() && place <= m_places.back()) {
         run().console.fail("split point " + std::to_string(place) + " is not greater than previous split point "
                            + std::to_string(m_places.back()));
@@ -217,6 +223,11 @@ void SplitMode::namePieces()
 
 void SplitMode::nameByCueSheet()
 {
+    if (!m_sheet.isSheet) {
+        for (size_t i = 0; i < m_places.size(); ++i)
+            m_names.push_back(run().outputs.nameAround(numberOf(i)));
+        return;
+    }
     if (m_sheet.tracks.size() < m_places.size())
         run().console.fail("not enough TITLE keywords in CUE sheet to name each output file");
     const CueNames names(*m_cueFormat, m_replacements);
@@ -264,6 +275,11 @@ void SplitMode::splitPiece(size_t piece)
         bytesOfPiece(piece) + (piece > 0 ? m_leadIn : 0) + (isLast ? 0 : m_leadOut);
     const std::vector<uint8_t> header = makeWaveHeader(m_info.header, bytes);
     std::string name = isWanted(piece) ? m_names[piece] : std::string("/dev/null");
+    std::unique_ptr<WaveOutput> output;
+    if (!isWanted(piece))
+        output = std::make_unique<StreamWaveOutput>(-1);
+    else if (!OutputFiles::areSame(name, m_info.fileName))
+        output = run().outputs.open(name, nullptr);
     Progress progress(run().console, {.action = isWanted(piece) ? "Splitting" : "Skipping ",
                                       .file = m_info.fileName,
                                       .fileDetail = run().lengthOf(m_info),
@@ -271,11 +287,6 @@ void SplitMode::splitPiece(size_t piece)
                                       .otherFile = name,
                                       .otherDetail = run().time.of(m_info.header, bytes),
                                       .totalBytes = header.size() + bytes});
-    std::unique_ptr<WaveOutput> output;
-    if (!isWanted(piece))
-        output = std::make_unique<StreamWaveOutput>(-1);
-    else if (!OutputFiles::areSame(name, m_info.fileName))
-        output = run().outputs.open(name, progress);
     if (!output) {
         progress.fail();
         m_outputs.clear();

@@ -35,6 +35,7 @@ private:
     [[nodiscard]] bool isWanted(size_t piece) const;
     void readPlaces();
     void addRepeatedPlaces(const std::string &length);
+    [[noreturn]] void failForNumber() const;
     void addPlace(uint64_t place);
     void endPlaces();
     void readLeads();

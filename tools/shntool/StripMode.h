@@ -17,6 +17,7 @@ public:
     int execute() override;
 
 private:
+    [[nodiscard]] bool hasPadByte(const WaveInfo &info) const;
     bool strip(const WaveInfo &info) const;
 
     bool m_keepsChunks = false;

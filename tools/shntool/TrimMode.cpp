@@ -40,8 +40,6 @@ struct SilenceCounter {
 
 int TrimMode::execute()
 {
-    if (m_wantsStart == m_wantsEnd)
-        m_wantsStart = m_wantsEnd = true;
     bool isGood = true;
     while (const std::optional<std::string> name = run().names.next()) {
         const std::optional<WaveInfo> info = run().files.examine(*name);

@@ -16,7 +16,11 @@ class TrimMode final : public Mode {
 public:
     using Mode::Mode;
 
-    void takeOption(char option, const char *) override { (option == 'b' ? m_wantsStart : m_wantsEnd) = true; }
+    void takeOption(char option, const char *) override 
+    {
+        m_wantsStart = option == 'b';
+        m_wantsEnd = option == 'e';
+    }
     int execute() override;
 
 private:
@@ -31,8 +35,8 @@ private:
     std::optional<Silence> findSilence(const WaveInfo &info) const;
     bool write(const WaveInfo &info, const Silence &silence) const;
 
-    bool m_wantsStart = false;
-    bool m_wantsEnd = false;
+    bool m_wantsStart = true;
+    bool m_wantsEnd = true;
 };
 
 } // namespace nurv

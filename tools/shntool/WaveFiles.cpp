@@ -29,6 +29,9 @@ namespace nurv {
 
 namespace {
 
+/// Beside this program.
+constexpr const char *kAppleLosslessDecoder = "shntool-alac";
+
 /// Why a file of that mode is not looked into; empty for regular files.
 std::string specialFile(mode_t mode)
 {
@@ -46,8 +49,9 @@ std::string openError(int error)
 {
     switch (error) {
     case ENOENT: return "cannot open non-existent file";
+    case EACCES: return "insufficient permissions to open file";
     case ENAMETOOLONG: return "filename too long to open file";
-    default: return "encountered error [" + errorText(error) + "] while opening file";
+    default: return "encountered system error [" + errorText(error) + "] while opening file";
     }
 }
 
@@ -68,7 +72,7 @@ bool WaveFiles::canBeOpened(const std::string &name, WaveInfo &info) const
     if (::stat(name.c_str(), &status) != 0)
         fault = openError(errno);
     else if (fault = specialFile(status.st_mode); fault.empty() && ::access(name.c_str(), R_OK) != 0)
-        fault = openError(errno);
+        fault = "encountered error [" + errorText(errno) + "] while opening file";
     if (!fault.empty()) {
         m_console.warn(fault + ": [" + name + "]");
         return false;
@@ -87,6 +91,7 @@ std::optional<WaveInfo> WaveFiles::examine(const std::string &name) const
         m_console.warn("none of the builtin format modules handle input file: [" + name + "]");
     };
     std::unique_ptr<WaveSource> source;
+    bool isDamaged = false;
     try {
         InputFile file(pathOf(name));
         info.id3Bytes = skipId3v2Tags(file);
@@ -95,33 +100,45 @@ std::optional<WaveInfo> WaveFiles::examine(const std::string &name) const
             source = makeSource(info);
     } catch (const ToolError &error) {
         m_console.debug(error.what());
+        isDamaged = error.kind() == ToolError::Kind::Damaged;
     }
     if (!source) {
-        if (info.format && info.format->name != "aiff")
+        if (info.format && (info.format->name != "aiff" || isDamaged))
             warnOfDecoder(info);
         else
             warnOfFormat();
         return std::nullopt;
     }
     const WaveHeaderFault fault = readWaveHeader(*source, name, m_console, info.header);
-    if (fault == WaveHeaderFault::None)
+    if (fault == WaveHeaderFault::None) {
+        tellChunksAgain(info);
         return info;
-    if (info.format->isWave())
+    }
+    if (info.format->isWave() || info.format->name == "wv")
         warnOfFormat();
     else if (fault != WaveHeaderFault::Malformed)
         warnOfDecoder(info);
     return std::nullopt;
 }
 
+/// The head of a WAV file is looked at when its format is told, and when it is opened.
+void WaveFiles::tellChunksAgain(const WaveInfo &info) const
+{
+    if (m_console.debugLevel == 0 || !info.format->isWave())
+        return;
+    WaveHeader header;
+    if (const std::unique_ptr<WaveSource> source = makeSource(info))
+        static_cast<void>(readWaveHeader(*source, info.fileName, m_console, header));
+}
+
 void WaveFiles::warnOfDecoder(const WaveInfo &info) const
 {
-    m_console.warn("failed to read data from input file using format: [" + std::string(info.format->name) + "]");
-    m_console.warnMore("+ you may not have permission to read file: [" + info.fileName + "]");
-    m_console.warnMore("+ arguments may be incorrect for decoder: [" + m_formats.decoderName(*info.format) + "]");
-    m_console.warnMore("+ verify that the decoder is installed and in your PATH");
-    if (info.id3Bytes > 0)
-        m_console.warnMore("+ removing the ID3v2 tag from this file may fix this");
-    m_console.warnMore("+ this file may be unsupported, truncated or corrupt");
+    m_console.warn("failed to read data from input file using format: [" + std::string(info.format->name)
+                   + "]\n+ you may not have permission to read file: [" + info.fileName
+                   + "]\n+ arguments may be incorrect for decoder: [" + m_formats.decoderName(*info.format)
+                   + "]\n+ verify that the decoder is installed and in your PATH\n"
+                   + (info.id3Bytes > 0 ? "+ removing the ID3v2 tag from this file may fix this\n" : "")
+                   + "+ this file may be unsupported, truncated or corrupt");
 }
 
 std::unique_ptr<WaveSource> WaveFiles::makeSource(const WaveInfo &info) const
@@ -139,6 +156,8 @@ std::unique_ptr<WaveSource> WaveFiles::makeSource(const WaveInfo &info) const
             return std::make_unique<FlacWaveSource>(path);
         if (format.name == "tta")
             return std::make_unique<TtaWaveSource>(path);
+        if (format.name == "alac")
+            return std::make_unique<ProgramWaveSource>(std::vector<std::string>{kAppleLosslessDecoder, path});
         if (format.name == "ape") {
             try {
                 return std::make_unique<ApeWaveSource>(path);

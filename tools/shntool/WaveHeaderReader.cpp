@@ -231,6 +231,8 @@ void HeaderReader::readFormat(uint32_t chunkBytes)
     m_header.bytesPerSecond = field(4, "average bytes/sec");
     m_header.blockAlign = static_cast<uint16_t>(field(2, "block align"));
     m_header.bitsPerSample = static_cast<uint16_t>(field(2, "bits/sample"));
+    if (m_header.calculatedRate() == 0 || m_header.bytesPerSecond == 0 || m_header.blockAlign == 0)
+        fail("WAVE header tells of no sound");
     const uint32_t rest = chunkBytes - kPlainFormatBytes;
     const size_t start = m_position;
     if (!pass(rest))

@@ -3,7 +3,6 @@
 #include "shntool/WaveSource.h"
 
 #include <algorithm>
-#include <exception>
 
 namespace nurv {
 
@@ -61,8 +60,14 @@ size_t PieceSource::readSome(std::span<uint8_t> bytes)
     while (m_taken == m_piece.size()) {
         m_piece.clear();
         m_taken = 0;
-        if (!makePiece() && m_piece.empty())
-            return 0;
+        if (m_fault)
+            std::rethrow_exception(m_fault);
+        try {
+            if (!makePiece() && m_piece.empty())
+                return 0;
+        } catch (...) {
+            m_fault = std::current_exception();
+        }
     }
     const size_t count = std::min(bytes.size(), m_piece.size() - m_taken);
     std::copy_n(m_piece.begin() + static_cast<std::ptrdiff_t>(m_taken), count, bytes.begin());

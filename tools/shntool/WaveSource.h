@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <optional>
 #include <span>
 #include <string>
@@ -63,6 +64,7 @@ protected:
 private:
     std::vector<uint8_t> m_piece;
     size_t m_taken = 0;
+    std::exception_ptr m_fault; ///< thrown once all in front of it is read
 };
 
 } // namespace nurv

@@ -89,6 +89,58 @@ def losses():
                     errors=polite("fix"))
 
 
+def halves():
+    """A run that fails leaves nothing of what it was making, also not the parts that were complete before."""
+    yield Deviation(("split truncated.wav", "split onesdata.wav", "split longdata.wav", "split over a file, nothing said",
+                     "split over a file, ask", "split over a file, never",
+                     "split -n words cd1.wav", "split -n '' cd1.wav", "split -n %% cd1.wav", "fix -O never off1.wav off2.wav",
+                     "fix undersector.wav undersector.wav", "fix -u undersector.wav undersector.wav"),
+                    "the parts that were made before a failure stay", only_given_files=True)
+    yield Deviation(("conv -[az] a/b -o flac *", "pad -[az] a/b -o flac *", "conv -d text -o flac *", "pad -d text -o flac *",
+                     "conv* -d nowhere -o flac *", "pad* -d nowhere -o flac *", "conv into a folder of others",
+                     "conv -o flac in a folder of others", "conv -o shn in a folder of others",
+                     "conv -O always onto a folder", "conv -o cust ext=a/b *"),
+                    "it starts an encoder for a file that cannot be made", status=1, only_given_files=True,
+                    errors=rb".*could not open output file -- skipping\.\n")
+
+
+def readings():
+    """What it reads otherwise than it stands there."""
+    for kind in ("wraps", "the line '4294967396'"):
+        yield Deviation((f"split at {kind}", f"split -f at {kind}"), "it counts bytes modulo 2^32", status=1,
+                        only_given_files=True, errors=polite("split"))
+    yield Deviation(("split at a long line", "split -f at a long line", "len -F, long", "len of typed names, long"),
+                    "it cuts long messages off", errors=rb".*[1n]{1900}\]\n(?!.*nnnn[^\]n]).*")
+    yield Deviation(("split -l 0 cd1.wav",), "it counts parts of nothing", errors=rb"shntool \[split\]: error: too many [^\n]+\n")
+    yield Deviation(("info hugerate.wav",), "it reckons rates modulo 2^32", output=rb".*17179869120.*")
+    yield Deviation(("len -F, no last newline", "len of typed names, no last newline"), "it loses the last name",
+                    output=rb".*cd2\.wav\n.*cd1\.wav\n.*\(2 files\)\n")
+    yield Deviation(("cmp -s -c -3 *",), "it takes a negative number of seconds",
+                    errors=rb"shntool \[cmp\]: error: seconds [^\n]+\n.*")
+    yield Deviation(("cmp -s undersector.wav onesector.wav", "cmp -ls undersector.wav onesector.wav"),
+                    "it takes two pieces of no sound for the same", status=1, errors=polite("cmp"))
+    around = "it takes what stands around %f for a part of the name"
+    plain = rb".*--> \[(off1|split-track01)\..*"
+    yield Deviation(("split -o 'cust ext=raw dd status=none of=%f' cd1.wav", "conv -o cust ext=raw dd status=none of=%f off1.wav",
+                     "conv -o cust ext=raw dd status=none of=%f x *", "conv -o cust dd of=%f *", "conv -o cust ext={raw} dd *",
+                     "conv -o cust ext=raw dd {status=none} *", "conv -o cust ext=raw {dd *", "conv -o cust {ext=raw} dd *",
+                     "conv -o cust ext=raw dd 'status=none' *"), around, errors=plain)
+    yield Deviation(("conv -o cust ext=raw dd status=none of=x.%f.y off1.wav", "conv -o cust ext=raw dd status=none of=%f%f *"),
+                    around, status=1, only_given_files=True, errors=polite("conv"))
+    yield Deviation(("conv with ST_CUST_ENC=ext=raw dd status=none of=%f",), around,
+                    like=case("conv -d out -o 'cust ext=raw tee %f' off1.flac", "off1.flac out/"),
+                    errors=rb"Converting [^\n]* --> \[out/off1\.raw\] : [^\n]*\n?")
+
+
+def silences():
+    """What it does not say, or says for nobody."""
+    yield Deviation(("len -i flac nosuchprogram *", "len -i flac {flac} *", "len -i flac - *", "len -i flac {flac -c *"),
+                    "it does not say that a decoder cannot be started", errors=polite("len"))
+    yield Deviation(("len with ST_DEBUG", "hash -D *"), "the words of debugging are free",
+                    errors=rb"((?!returning file|parsing).)*")
+    yield Deviation(("shntool -j",), "it has a joke", status=1, errors=rb"shntool: invalid option.*")
+
+
 def refusals():
     """What it refuses, by what it makes of the same sound in a form that it takes."""
     for name, plain, modes in TODAYS_RECORDINGS:
@@ -113,7 +165,7 @@ def versions():
                     errors=rb"shntool (?![^\n]*\b3\.0\.10\b)[^\n]+\n.*")
 
 
-DEVIATIONS = (*crashes(), *losses(), *refusals(), *roundings(), *versions())
+DEVIATIONS = (*crashes(), *losses(), *halves(), *readings(), *silences(), *refusals(), *roundings(), *versions())
 
 
 def deviation_of(name):
