@@ -104,10 +104,9 @@ std::optional<std::string> findCodec(const std::string &name)
 {
     if (name.find('/') != std::string::npos)
         return isProgram(name) ? std::optional(name) : std::nullopt;
-    std::string beside = ownFolder() + '/' + name;
-    if (isProgram(beside))
-        return beside;
-    for (const std::string &folder : searchedFolders(searchPath())) {
+    std::vector<std::string> folders = searchedFolders(searchPath());
+    folders.push_back(ownFolder());
+    for (const std::string &folder : folders) {
         std::string path = folder + '/' + name;
         if (isProgram(path))
             return path;

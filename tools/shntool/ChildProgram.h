@@ -20,7 +20,7 @@ class ChildProgram {
 public:
     enum class Pipe { FromChild, ToChild };
 
-    /// Starts the first of `words`, looked for beside this program and along PATH, the current folder never. One
+    /// Starts the first of `words`, looked for along PATH and beside this program, in the current folder never. One
     /// that cannot be started ends as one that fails at once.
     ChildProgram(const std::vector<std::string> &words, Pipe pipe);
     ~ChildProgram();
@@ -47,7 +47,7 @@ private:
     int m_status = 1;
 };
 
-/// Where a program of that name is: beside this one, or along PATH. Nothing where it is nowhere.
+/// Where a program of that name is: along PATH, or beside this one. Nothing where it is nowhere.
 [[nodiscard]] std::optional<std::string> findCodec(const std::string &name);
 
 } // namespace nurv
