@@ -122,8 +122,10 @@ ChildProgram::ChildProgram(const std::vector<std::string> &words, Pipe pipe) : m
         failRead(m_name, errno);
     FileDescriptor readEnd(ends[0]);
     FileDescriptor writeEnd(ends[1]);
-    // Larger than usual, for fewer changes between the two processes; where that is not allowed it stays.
-    ::fcntl(writeEnd.get(), F_SETPIPE_SZ, kPipeBytes);
+    // Larger than usual, for fewer changes between the two processes; where that is not allowed it stays. Not towards
+    // an encoder: one that ends early shall be noticed early.
+    if (pipe == Pipe::FromChild)
+        ::fcntl(writeEnd.get(), F_SETPIPE_SZ, kPipeBytes);
     const bool isReading = pipe == Pipe::FromChild;
     if (const std::optional<std::string> path = findCodec(m_name)) {
         std::unique_lock<std::mutex> lock;
