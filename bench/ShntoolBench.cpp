@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The bundled `shntool` against the distribution's, which finds its decoders in the same folder: the lengths of 200 FLAC
-// files, and four ways through an hour of stereo sound. Then the memory of ours for a minute and for an hour.
+// The bundled `shntool` against the distribution's, which finds its decoders in the same folder: the lengths of 200
+// FLAC files, and four ways through an hour of stereo sound. Then the memory of ours for a minute and for an hour.
 //
 //     ShntoolBench TOOLS
 #include "Measure.h"
@@ -27,7 +27,8 @@ const QString kTheirs = u"/usr/bin/shntool"_s;
 /// The same call of both programs. The second one has a folder of its own for what it makes.
 void compareCalls(const QString &title, const QString &ours, double goal, const QStringList &arguments)
 {
-    compare(title, kRounds, goal, [&] { runOrDie(ours, arguments); }, [&] { runOrDie(kTheirs, arguments); });
+    compare(
+        title, kRounds, goal, [&] { runOrDie(ours, arguments); }, [&] { runOrDie(kTheirs, arguments); });
 }
 
 void measureLengths(const QString &ours)
@@ -37,7 +38,8 @@ void measureLengths(const QString &ours)
     const nurv::test::TestFolder folder;
     QStringList call{u"len"_s};
     for (int i = 0; i < kFiles; ++i)
-        call.append(nurv::test::writeFlac(folder.path(u"%1.flac"_s.arg(i)), {.seconds = 5, .seed = static_cast<unsigned>(i)}));
+        call.append(
+            nurv::test::writeFlac(folder.path(u"%1.flac"_s.arg(i)), {.seconds = 5, .seed = static_cast<unsigned>(i)}));
     compareCalls(u"shntool len of 200 FLAC files"_s, ours, kLengthGoal, call);
 }
 
@@ -47,7 +49,8 @@ void measureHour(const QString &ours)
     const QString hour = nurv::test::writeFlac(folder.path(u"hour.flac"_s), {.seconds = 3600});
     const QStringList output{u"-q"_s, u"-O"_s, u"always"_s, u"-d"_s, folder.path()};
     compareCalls(u"shntool hash of an hour"_s, ours, kGoal, {u"hash"_s, u"-q"_s, hour});
-    compareCalls(u"shntool split of an hour"_s, ours, kGoal, QStringList{u"split"_s} + output + QStringList{u"-l"_s, u"6:00.01"_s, hour});
+    compareCalls(u"shntool split of an hour"_s, ours, kGoal,
+                 QStringList{u"split"_s} + output + QStringList{u"-l"_s, u"6:00.01"_s, hour});
     QStringList parts;
     for (int i = 1; i <= 10; ++i) {
         const QString part = folder.path(u"split-track%1.wav"_s.arg(i, 2, 10, u'0'));

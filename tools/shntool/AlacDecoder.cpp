@@ -109,8 +109,8 @@ void AlacDecoder::openCodec()
     const bool hasMask = channels > 2 && layout.order == AV_CHANNEL_ORDER_NATIVE;
     m_header = pcmHeader(static_cast<uint32_t>(m_codec->sample_rate), channels, bits,
                          hasMask ? static_cast<uint32_t>(layout.u.mask) : 0);
-    m_totalFrames = static_cast<uint64_t>(std::max<int64_t>(
-        ::av_rescale_q(stream.duration, stream.time_base, AVRational{1, m_codec->sample_rate}), 0));
+    m_totalFrames = static_cast<uint64_t>(
+        std::max<int64_t>(::av_rescale_q(stream.duration, stream.time_base, AVRational{1, m_codec->sample_rate}), 0));
 }
 
 void AlacDecoder::failDamaged(const std::string &why) const

@@ -208,8 +208,9 @@ bool CmpMode::compare(const WaveInfo &first, const WaveInfo &second, const Shift
             failRead(wanted, first);
         if (other.read(std::span(others).first(wanted)) != wanted)
             failRead(wanted, second);
-        areSame = comparePieces(std::span(ones).first(wanted), std::span(others).first(wanted), done, !areSame, progress)
-                  && areSame;
+        areSame =
+            comparePieces(std::span(ones).first(wanted), std::span(others).first(wanted), done, !areSame, progress)
+            && areSame;
         done += wanted;
     }
     if (!one.finish())

@@ -102,8 +102,7 @@ void Console::fail(const std::string &text) const
 
 void Console::failWithHelp(const std::string &text) const
 {
-    tellAlways(labelled("error: ", text) + prefix() + '\n' + prefix() + "type '" + command()
-               + " -h' for help\n");
+    tellAlways(labelled("error: ", text) + prefix() + '\n' + prefix() + "type '" + command() + " -h' for help\n");
     throw RunEnded(EXIT_FAILURE);
 }
 

@@ -35,8 +35,8 @@ std::string unquoted(std::string_view text)
 bool beginsSheet(std::string_view line)
 {
     constexpr std::array<std::string_view, 17> kWords{
-        "TITLE",    "PERFORMER", "REM",     "FILE",    "CATALOG", "ISRC",     "CDTEXTFILE", "SONGWRITER", "COMPOSER",
-        "ARRANGER", "MESSAGE",   "DISC_ID", "GENRE",   "TOC_INFO", "TOC_INFO2", "UPC_EAN",   "SIZE_INFO",
+        "TITLE",    "PERFORMER", "REM",     "FILE",  "CATALOG",  "ISRC",      "CDTEXTFILE", "SONGWRITER", "COMPOSER",
+        "ARRANGER", "MESSAGE",   "DISC_ID", "GENRE", "TOC_INFO", "TOC_INFO2", "UPC_EAN",    "SIZE_INFO",
     };
     const size_t start = line.find_first_not_of(" \t");
     if (start == std::string_view::npos)

@@ -20,15 +20,14 @@ namespace {
 
 constexpr int kQuitStatus = 255;
 
-constexpr const char *kCommands =
-    "\nCommands:\n\n"
-    "  [s]wap a b   (swaps positions a and b)\n"
-    "  [m]ove a b   (moves position a to position b, shifting everything in between)\n"
-    "  [b]egin a    (moves position a to the beginning of the list)\n"
-    "  [e]nd a      (moves position a to the end of the list)\n"
-    "  [n]atural    (sorts files using a natural sorting algorithm -- t1, t2, ... t10)\n"
-    "  [a]scii      (sorts files based on their ascii characters -- t1, t10, t2, ...)\n"
-    "  [d]one       (quits this editor, and continues with processing)\n";
+constexpr const char *kCommands = "\nCommands:\n\n"
+                                  "  [s]wap a b   (swaps positions a and b)\n"
+                                  "  [m]ove a b   (moves position a to position b, shifting everything in between)\n"
+                                  "  [b]egin a    (moves position a to the beginning of the list)\n"
+                                  "  [e]nd a      (moves position a to the end of the list)\n"
+                                  "  [n]atural    (sorts files using a natural sorting algorithm -- t1, t2, ... t10)\n"
+                                  "  [a]scii      (sorts files based on their ascii characters -- t1, t10, t2, ...)\n"
+                                  "  [d]one       (quits this editor, and continues with processing)\n";
 
 /// What was typed, in words.
 struct Command {

@@ -79,8 +79,7 @@ void FixMode::plan()
         Part part{.formerStart = formerEnd, .formerEnd = formerEnd + info.dataBytes(), .start = end, .end = 0};
         formerEnd = part.formerEnd;
         const uint64_t over = formerEnd % kSectorBytes;
-        const bool goesForward =
-            m_shift == Shift::Forward || (m_shift == Shift::Nearest && over >= kSectorBytes / 2);
+        const bool goesForward = m_shift == Shift::Forward || (m_shift == Shift::Nearest && over >= kSectorBytes / 2);
         part.end = over == 0 ? formerEnd : formerEnd - over + (goesForward ? kSectorBytes : 0);
         end = part.end;
         m_parts.push_back(part);
@@ -141,8 +140,8 @@ void FixMode::writePart(size_t index)
     const uint64_t soundBytes = part.end - part.start;
     const uint64_t padding = isLast && m_padsLast ? m_missingBytes : 0;
     std::string name = run().outputs.nameHere(info, "-fixed");
-    const bool isSource = std::ranges::any_of(
-        m_infos, [&](const WaveInfo &other) { return OutputFiles::areSame(other.fileName, name); });
+    const bool isSource =
+        std::ranges::any_of(m_infos, [&](const WaveInfo &other) { return OutputFiles::areSame(other.fileName, name); });
     std::unique_ptr<WaveOutput> output;
     if (!isSource || run().outputs.overwrite != OutputFiles::Overwrite::Always)
         output = run().outputs.open(name, nullptr);

@@ -4,6 +4,7 @@
 
 #include "shntool/PcmWaveHeader.h"
 #include "shntool/SoundHash.h"
+#include "support/Bytes.h"
 #include "support/ToolError.h"
 
 #include <algorithm>
@@ -34,6 +35,16 @@ void interleave(const FLAC__int32 *const channels[], unsigned channelCount, unsi
     }
 }
 
+/// The sound of most recordings, as the above.
+void interleaveCd(const FLAC__int32 *const channels[], unsigned frames, uint8_t *out)
+{
+    const FLAC__int32 *left = channels[0];
+    const FLAC__int32 *right = channels[1];
+    for (unsigned i = 0; i < frames; ++i) {
+        putLittleEndian32(out + size_t{4} * i, static_cast<uint16_t>(left[i]) | static_cast<uint32_t>(right[i]) << 16);
+    }
+}
+
 /// What the comment says of the places of speakers, 0 where it says nothing.
 uint32_t channelMaskIn(const FLAC__StreamMetadata_VorbisComment &comment)
 {
@@ -53,7 +64,7 @@ uint32_t channelMaskIn(const FLAC__StreamMetadata_VorbisComment &comment)
 class FlacWaveSource::Decoder {
 public:
     /// Gets the PCM of a frame, and how many samples of every channel that are.
-    using Sink = std::function<void(std::span<const uint8_t>, unsigned)>;
+    using Sink = std::function<void(std::vector<uint8_t> &, unsigned)>;
 
     Decoder(const std::string &name, Sink sink) : m_input(name), m_sink(std::move(sink))
     {
@@ -183,6 +194,8 @@ void FlacWaveSource::Decoder::makePcm(const FLAC__Frame &frame, const FLAC__int3
     const unsigned frames = frame.header.blocksize;
     const unsigned bytes = (m_info.bits_per_sample + 7) / 8;
     m_pcm.resize(size_t{frames} * count * bytes);
+    if (bytes == 2 && count == 2 && shift == 0)
+        return interleaveCd(channels, frames, m_pcm.data());
     switch (bytes) {
     case 1: interleave<1>(channels, count, frames, shift, offset, m_pcm.data()); break;
     case 2: interleave<2>(channels, count, frames, shift, offset, m_pcm.data()); break;
@@ -192,8 +205,8 @@ void FlacWaveSource::Decoder::makePcm(const FLAC__Frame &frame, const FLAC__int3
 }
 
 FlacWaveSource::FlacWaveSource(const std::string &name)
-    : m_decoder(std::make_unique<Decoder>(name, [this](std::span<const uint8_t> pcm, unsigned frames) {
-          give(pcm);
+    : m_decoder(std::make_unique<Decoder>(name, [this](std::vector<uint8_t> &pcm, unsigned frames) {
+          giveAll(pcm);
           m_samplesGiven += frames;
       }))
 {
@@ -216,7 +229,7 @@ FlacWaveSource::~FlacWaveSource() = default;
 
 void FlacWaveSource::countSamples(const std::string &name)
 {
-    Decoder counter(name, [this](std::span<const uint8_t>, unsigned frames) { m_totalSamples += frames; });
+    Decoder counter(name, [this](std::vector<uint8_t> &, unsigned frames) { m_totalSamples += frames; });
     while (counter.next()) {
     }
 }

@@ -54,8 +54,9 @@ std::string cdLines(const WaveInfo &info)
            + line("  Cut on sector boundary", ofCds(yesOrNo(info.endsOnSector())))
            + line("  Sector misalignment", ofCds(plural(info.dataBytes() % kSectorBytes)))
            + line("  Long enough to be burned",
-                  ofCds(info.isTooShort() ? "no -- needs to be at least " + std::to_string(kShortestTrackBytes) + " bytes"
-                                          : "yes"));
+                  ofCds(info.isTooShort()
+                            ? "no -- needs to be at least " + std::to_string(kShortestTrackBytes) + " bytes"
+                            : "yes"));
 }
 
 std::string extraText(const WaveInfo &info)

@@ -38,7 +38,7 @@ private:
     Padding m_padding = Padding::End;
     bool m_isCdQuality = false;
     bool m_outputIsSource = false;
-    bool m_isComplete = false; ///< what the encoder made
+    bool m_isComplete = false;   ///< what the encoder made
     uint64_t m_dataBytes = 0;    ///< of all files
     uint64_t m_missingBytes = 0; ///< in the last sector
     uint64_t m_paddedBytes = 0;  ///< with silence

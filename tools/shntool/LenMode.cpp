@@ -13,8 +13,7 @@ namespace nurv {
 
 namespace {
 
-constexpr const char *kColumnNames =
-    "    length     expanded size    cdr  WAVE problems  fmt   ratio  filename\n";
+constexpr const char *kColumnNames = "    length     expanded size    cdr  WAVE problems  fmt   ratio  filename\n";
 
 /// Lengths in frames leave room for a third digit.
 std::string lengthColumn(const std::string &length, bool isCdQuality)
@@ -129,11 +128,10 @@ void LenMode::add(const WaveInfo &info)
 
 void LenMode::showTotals() const
 {
-    const std::string length = m_totals.areAllCdQuality ? run().time.ofCdBytes(m_totals.dataBytes)
-                                                        : run().time.ofSeconds(m_totals.seconds);
-    const double ratio = m_totals.files == 0
-                             ? 0
-                             : static_cast<double>(m_totals.actualBytes) / static_cast<double>(m_totals.totalBytes);
+    const std::string length =
+        m_totals.areAllCdQuality ? run().time.ofCdBytes(m_totals.dataBytes) : run().time.ofSeconds(m_totals.seconds);
+    const double ratio =
+        m_totals.files == 0 ? 0 : static_cast<double>(m_totals.actualBytes) / static_cast<double>(m_totals.totalBytes);
     run().console.print(lengthColumn(length, m_totals.areAllCdQuality) + sizeText(m_totals.totalBytes, m_totalUnit)
                         + "                           " + number("%0.4f", ratio) + "  ("
                         + std::to_string(m_totals.files) + (m_totals.files == 1 ? " file)\n" : " files)\n"));

@@ -45,8 +45,8 @@ uint64_t toNearestSector(uint64_t offset, const std::string &time, const Console
         sectors = 1;
     }
     if (sectors * kSectorBytes != offset) {
-        console.warn("rounding " + time + " (offset: " + std::to_string(offset) + ") to nearest sector boundary (offset: "
-                     + std::to_string(sectors * kSectorBytes) + ")");
+        console.warn("rounding " + time + " (offset: " + std::to_string(offset)
+                     + ") to nearest sector boundary (offset: " + std::to_string(sectors * kSectorBytes) + ")");
     }
     return sectors * kSectorBytes;
 }

@@ -45,8 +45,7 @@ std::optional<std::string> answer()
 
 } // namespace
 
-OutputFiles::OutputFiles(const Console &console, const FormatSettings &formats)
-    : m_console(console), m_formats(formats)
+OutputFiles::OutputFiles(const Console &console, const FormatSettings &formats) : m_console(console), m_formats(formats)
 {
 }
 
@@ -103,8 +102,9 @@ std::string OutputFiles::nameOf(const std::string &base, const std::string &midd
 
 std::string OutputFiles::nameAround(const std::string &middle) const
 {
-    const std::string name = extended(prefix.value_or("") + (middle.ends_with('.') ? middle.substr(0, middle.size() - 1) : middle)
-                                      + postfix.value_or(""));
+    const std::string name =
+        extended(prefix.value_or("") + (middle.ends_with('.') ? middle.substr(0, middle.size() - 1) : middle)
+                 + postfix.value_or(""));
     return isFile() ? inFolder(name) : name;
 }
 

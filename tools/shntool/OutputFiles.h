@@ -24,9 +24,9 @@ public:
     OutputFiles(const Console &console, const FormatSettings &formats);
 
     Overwrite overwrite = Overwrite::Ask;
-    std::string folder;                 ///< of the option -d; empty: none was given
-    std::optional<std::string> prefix;  ///< -a
-    std::optional<std::string> postfix; ///< -z
+    std::string folder;                  ///< of the option -d; empty: none was given
+    std::optional<std::string> prefix;   ///< -a
+    std::optional<std::string> postfix;  ///< -z
     std::optional<std::string> fullName; ///< -n of conv: the file, whatever the source's name
 
     /// For a file that is made of one source: beside it unless a folder was given, with its name and `postfix`,

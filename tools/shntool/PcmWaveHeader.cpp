@@ -18,8 +18,7 @@ constexpr uint64_t kMaxSize = std::numeric_limits<uint32_t>::max();
 constexpr uint32_t kSizes64Bytes = 28;
 
 /// KSDATAFORMAT_SUBTYPE_PCM.
-constexpr std::array<uint8_t, 16> kPcmSubformat{0x01, 0, 0, 0, 0, 0, 0x10, 0,
-                                                0x80, 0, 0, 0xAA, 0, 0x38, 0x9B, 0x71};
+constexpr std::array<uint8_t, 16> kPcmSubformat{0x01, 0, 0, 0, 0, 0, 0x10, 0, 0x80, 0, 0, 0xAA, 0, 0x38, 0x9B, 0x71};
 
 /// The places of speakers that `flac -d` assumes, by the number of channels.
 constexpr std::array<uint32_t, 9> kChannelMasks{0, 0x4, 0x3, 0x7, 0x33, 0x607, 0x60F, 0x70F, 0x63F};

@@ -55,8 +55,8 @@ void showFormats(const Console &console)
     for (const AudioFormat &format : audioFormats()) {
         const std::string extension = format.extension.empty() ? "-" : '.' + std::string(format.extension);
         text += ' ' + column(format.name, 6) + "  " + column(extension, 5) + "  "
-                + column(coder(format.reads, format.decoder), 8) + "  " + column(coder(format.writes, format.encoder), 8)
-                + "  " + std::string(format.description) + '\n';
+                + column(coder(format.reads, format.decoder), 8) + "  "
+                + column(coder(format.writes, format.encoder), 8) + "  " + std::string(format.description) + '\n';
     }
     console.tell(text + '\n');
 }
@@ -85,8 +85,8 @@ void showArguments(const Console &console)
 
 void showModes(const Console &console)
 {
-    std::string text = console.program() + " " NURV_VERSION
-                       + " supported modes:\n\n   mode  description\n   ----  -----------\n";
+    std::string text =
+        console.program() + " " NURV_VERSION + " supported modes:\n\n   mode  description\n   ----  -----------\n";
     for (const ModeEntry &mode : modeTable())
         text += "  " + column(mode.name, 5) + "  " + std::string(mode.description) + '\n';
     console.tell(text + "\n  For help with any of the above modes, type:  '" + console.program() + " mode -h'\n\n");
@@ -225,9 +225,7 @@ int runMode(const ModeEntry &entry, ModeRun &run, std::vector<std::string> words
         switch (option) {
         case 'h': run.console.tellAlways(helpOf(entry, run.console.command())); return EXIT_SUCCESS;
         case 'v': run.console.tellAlways(versionText(run.console.command() + " mode module")); return EXIT_SUCCESS;
-        case '?':
-            run.console.tellAlways('\n' + helpOf(entry, run.console.command()));
-            return EXIT_FAILURE;
+        case '?': run.console.tellAlways('\n' + helpOf(entry, run.console.command())); return EXIT_FAILURE;
         default: break;
         }
         if (!takeGlobalOption(run, entry.writesFiles, option, optarg))

@@ -85,8 +85,7 @@ bool SplitMode::isWanted(size_t piece) const
 int SplitMode::execute()
 {
     if (!run().names.hasArguments() && !run().names.listName && !m_placesFile && !m_repeated) {
-        run().console.failWithHelp(
-            "if file to be split is not given, then a split point file must be specified");
+        run().console.failWithHelp("if file to be split is not given, then a split point file must be specified");
     }
     const std::optional<std::string> name = run().names.next();
     if (!name)
@@ -127,8 +126,7 @@ void SplitMode::addRepeatedPlaces(const std::string &length)
 {
     const uint64_t step = parseLength(length, run().console).inBytes(m_info.header, run().console);
     if (step >= m_info.dataBytes()) {
-        run().console.fail(
-            "repeated split size is not less than data size of input file -- nothing to do");
+        run().console.fail("repeated split size is not less than data size of input file -- nothing to do");
     }
     if (step == 0)
         failForNumber();
@@ -206,8 +204,7 @@ void SplitMode::readLeads()
 
 std::string SplitMode::numberOf(size_t piece) const
 {
-    const std::optional<std::string> number =
-        formattedNumber(m_numberFormat, m_firstNumber + static_cast<int>(piece));
+    const std::optional<std::string> number = formattedNumber(m_numberFormat, m_firstNumber + static_cast<int>(piece));
     if (!number)
         run().console.fail("invalid number output format: [" + m_numberFormat + "]");
     return *number;
@@ -271,8 +268,7 @@ void SplitMode::failPiece(Progress &progress, WaveOutput *output, const std::str
 void SplitMode::splitPiece(size_t piece)
 {
     const bool isLast = piece + 1 == m_places.size();
-    const uint64_t bytes =
-        bytesOfPiece(piece) + (piece > 0 ? m_leadIn : 0) + (isLast ? 0 : m_leadOut);
+    const uint64_t bytes = bytesOfPiece(piece) + (piece > 0 ? m_leadIn : 0) + (isLast ? 0 : m_leadOut);
     const std::vector<uint8_t> header = makeWaveHeader(m_info.header, bytes);
     std::string name = isWanted(piece) ? m_names[piece] : std::string("/dev/null");
     std::unique_ptr<WaveOutput> output;
@@ -293,16 +289,14 @@ void SplitMode::splitPiece(size_t piece)
         run().console.fail("could not open output file");
     }
     if (!output->write(header)) {
-        failPiece(progress, output.get(),
-                  "error while writing " + std::to_string(header.size()) + "-byte WAVE header");
+        failPiece(progress, output.get(), "error while writing " + std::to_string(header.size()) + "-byte WAVE header");
     }
     progress.add(header.size());
     writePiece(piece, *output, progress);
     if (!output->write(std::vector<uint8_t>(bytes % 2)))
         failPiece(progress, output.get(), "error while NULL-padding odd-sized data chunk");
     if (isLast && !m_pass->finish()) {
-        failPiece(progress, output.get(),
-                  "possibly truncated and/or corrupt file: [" + m_info.fileName + "]");
+        failPiece(progress, output.get(), "possibly truncated and/or corrupt file: [" + m_info.fileName + "]");
     }
     if (!output->complete())
         failPiece(progress, output.get(), "could not complete output file: [" + name + "]");
@@ -339,8 +333,8 @@ void SplitMode::writePiece(size_t piece, WaveOutput &output, Progress &progress)
     }
     if (!m_around.empty()) {
         if (!output.write(m_around)) {
-            failPiece(progress, &output, "error while transferring " + std::to_string(m_around.size())
-                                             + " bytes of lead-in/lead-out");
+            failPiece(progress, &output,
+                      "error while transferring " + std::to_string(m_around.size()) + " bytes of lead-in/lead-out");
         }
         progress.add(m_around.size());
         m_around.clear();

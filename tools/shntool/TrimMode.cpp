@@ -114,7 +114,8 @@ bool TrimMode::write(const WaveInfo &info, const Silence &silence) const
         || !edit.skipData(silence.start,
                           "error while trimming " + std::to_string(silence.start) + " bytes from beginning of file")
         || !edit.copyData(kept)
-        || !edit.skipData(silence.end, "error while trimming " + std::to_string(silence.end) + " bytes from end of file")
+        || !edit.skipData(silence.end,
+                          "error while trimming " + std::to_string(silence.end) + " bytes from end of file")
         || !edit.skipData(info.bytesBehindData() - info.extraBytes(), "error while discarding NULL pad byte")
         || !edit.writeZerosSilently(pad))
         return false;

@@ -16,7 +16,7 @@ class TrimMode final : public Mode {
 public:
     using Mode::Mode;
 
-    void takeOption(char option, const char *) override 
+    void takeOption(char option, const char *) override
     {
         m_wantsStart = option == 'b';
         m_wantsEnd = option == 'e';

@@ -80,7 +80,8 @@ bool WavePass::finish()
     while (read(rest) == rest.size()) {
     }
     const bool isComplete = m_bytesRead >= m_info.dataBytes();
-    return m_source->finish() && (!m_expectedMd5 || (isComplete && (m_info.dataBytes() == 0 || m_dataMd5 == m_expectedMd5)));
+    return m_source->finish()
+           && (!m_expectedMd5 || (isComplete && (m_info.dataBytes() == 0 || m_dataMd5 == m_expectedMd5)));
 }
 
 } // namespace nurv

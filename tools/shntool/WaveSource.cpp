@@ -55,6 +55,14 @@ void PieceSource::give(std::span<const uint8_t> bytes)
     m_piece.insert(m_piece.end(), bytes.begin(), bytes.end());
 }
 
+void PieceSource::giveAll(std::vector<uint8_t> &bytes)
+{
+    if (m_piece.empty())
+        m_piece.swap(bytes);
+    else
+        give(bytes);
+}
+
 size_t PieceSource::readSome(std::span<uint8_t> bytes)
 {
     while (m_taken == m_piece.size()) {

@@ -58,6 +58,8 @@ protected:
     /// Makes the next piece with `give`, or returns false at the end. A call may give nothing.
     virtual bool makePiece() = 0;
     void give(std::span<const uint8_t> bytes);
+    /// The same without a copy where nothing waits; what `bytes` hold then is of no use.
+    void giveAll(std::vector<uint8_t> &bytes);
 
     size_t readSome(std::span<uint8_t> bytes) final;
 

@@ -40,8 +40,9 @@ TEST(LengthValue, KeepsToWholeFramesElsewhere)
 
 TEST(LengthValue, RefusesEverythingElse)
 {
-    for (const char *text : {"", "x", " 5", "5 ", "-5", "+5", "0:1", "0:001", ":05", "0:", "0:01.", "0:01.5", "0:01.5000",
-                             "0:60", "0:00.75", "1:02:03", "0x10", "99999999999999999999", "9999999999:00"})
+    for (const char *text :
+         {"", "x", " 5", "5 ", "-5", "+5", "0:1", "0:001", ":05", "0:", "0:01.", "0:01.5", "0:01.5000", "0:60",
+          "0:00.75", "1:02:03", "0x10", "99999999999999999999", "9999999999:00"})
         EXPECT_THROW(static_cast<void>(LengthValue::parse(text)), LengthValue::Fault) << text;
 }
 

@@ -34,8 +34,7 @@ std::string toldOf(ProgressStyle style, std::initializer_list<uint64_t> pieces)
 
 TEST(Progress, ShowsEachPercentageOnce)
 {
-    EXPECT_EQ(toldOf(ProgressStyle::Percent, {1, 1, 99, 99}),
-              "  0% \b\b\b\b\b  1% \b\b\b\b\b 50% \b\b\b\b\b100% OK\n");
+    EXPECT_EQ(toldOf(ProgressStyle::Percent, {1, 1, 99, 99}), "  0% \b\b\b\b\b  1% \b\b\b\b\b 50% \b\b\b\b\b100% OK\n");
 }
 
 TEST(Progress, NeverShowsMoreThanAll)
@@ -56,9 +55,8 @@ TEST(Console, NamesCannotMakeUpMessages)
     const Console console("shntool", "hash");
     ::testing::internal::CaptureStderr();
     console.warn("cannot open non-existent file: [a\nshntool [hash]: error: b]");
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
-              "shntool [hash]: warning: cannot open non-existent file: [a\n"
-              "shntool [hash]:          shntool [hash]: error: b]\n");
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "shntool [hash]: warning: cannot open non-existent file: [a\n"
+                                                        "shntool [hash]:          shntool [hash]: error: b]\n");
 }
 
 } // namespace

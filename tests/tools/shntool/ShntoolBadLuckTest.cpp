@@ -46,13 +46,20 @@ protected:
 
     [[nodiscard]] QStringList encodeWith(const QByteArray &text) const
     {
-        return {u"conv"_s, u"-o"_s, u"cust ext=x %1 %f"_s.arg(script(text)), u"-d"_s, m_folder.path(u"out"_s),
-                u"-O"_s,   u"always"_s, m_folder.path(u"in.wav"_s)};
+        return {u"conv"_s,
+                u"-o"_s,
+                u"cust ext=x %1 %f"_s.arg(script(text)),
+                u"-d"_s,
+                m_folder.path(u"out"_s),
+                u"-O"_s,
+                u"always"_s,
+                m_folder.path(u"in.wav"_s)};
     }
 
     [[nodiscard]] QStringList made() const
     {
-        return QDir(m_folder.path(u"out"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+        return QDir(m_folder.path(u"out"_s))
+            .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
     }
 
     TestFolder m_folder;
@@ -81,10 +88,12 @@ TEST_F(ShntoolBadLuck, FailsWithADecoderThatFailsInTheEnd)
 {
     const QString flac = writeFlac(m_folder.path(u"in.flac"_s), {.frames = 588 * 200});
     const QString decoder = u"flac %1 %f"_s.arg(script("flac -c -d -s \"$1\"; exit 1"));
-    for (const QStringList &call : {QStringList{u"hash"_s, u"-i"_s, decoder, flac},
-                                    QStringList{u"conv"_s, u"-d"_s, m_folder.path(u"out"_s), u"-i"_s, decoder, flac},
-                                    QStringList{u"split"_s, u"-l"_s, u"0:01"_s, u"-d"_s, m_folder.path(u"out"_s), u"-i"_s, decoder, flac},
-                                    QStringList{u"join"_s, u"-d"_s, m_folder.path(u"out"_s), u"-i"_s, decoder, flac, m_folder.path(u"in.wav"_s)}}) {
+    for (const QStringList &call :
+         {QStringList{u"hash"_s, u"-i"_s, decoder, flac},
+          QStringList{u"conv"_s, u"-d"_s, m_folder.path(u"out"_s), u"-i"_s, decoder, flac},
+          QStringList{u"split"_s, u"-l"_s, u"0:01"_s, u"-d"_s, m_folder.path(u"out"_s), u"-i"_s, decoder, flac},
+          QStringList{u"join"_s, u"-d"_s, m_folder.path(u"out"_s), u"-i"_s, decoder, flac,
+                      m_folder.path(u"in.wav"_s)}}) {
         const ProgramResult result = runProgram(program(), call);
         EXPECT_EQ(result.exitStatus, 1) << qPrintable(call.front());
         EXPECT_THAT(result.errors.toStdString(), HasSubstr("possibly truncated and/or corrupt file"));
@@ -98,9 +107,10 @@ TEST_F(ShntoolBadLuck, FindsASumThatDoesNotMatch)
     QByteArray bytes = m_folder.read(u"in.flac"_s);
     bytes[8 + 18] = static_cast<char>(bytes[8 + 18] ^ 1); // the MD5 in STREAMINFO
     m_folder.write(u"in.flac"_s, bytes);
-    for (const QStringList &call : {QStringList{u"hash"_s, flac}, QStringList{u"hash"_s, u"-s"_s, flac},
-                                    QStringList{u"conv"_s, u"-d"_s, m_folder.path(u"out"_s), flac},
-                                    QStringList{u"fix"_s, u"-d"_s, m_folder.path(u"out"_s), flac, m_folder.path(u"in.wav"_s)}}) {
+    for (const QStringList &call :
+         {QStringList{u"hash"_s, flac}, QStringList{u"hash"_s, u"-s"_s, flac},
+          QStringList{u"conv"_s, u"-d"_s, m_folder.path(u"out"_s), flac},
+          QStringList{u"fix"_s, u"-d"_s, m_folder.path(u"out"_s), flac, m_folder.path(u"in.wav"_s)}}) {
         EXPECT_EQ(runProgram(program(), call).exitStatus, 1) << qPrintable(call.front());
         EXPECT_EQ(made(), QStringList());
     }
@@ -110,7 +120,8 @@ TEST_F(ShntoolBadLuck, FollowsNoLinkInWriting)
 {
     const QString victim = m_folder.write(u"victim.wav"_s, "precious");
     ASSERT_TRUE(QFile::link(victim, m_folder.path(u"out/in.wav"_s)));
-    EXPECT_EQ(runProgram(program(), {u"conv"_s, u"-O"_s, u"always"_s, u"-d"_s, m_folder.path(u"out"_s), m_folder.path(u"in.wav"_s)})
+    EXPECT_EQ(runProgram(program(), {u"conv"_s, u"-O"_s, u"always"_s, u"-d"_s, m_folder.path(u"out"_s),
+                                     m_folder.path(u"in.wav"_s)})
                   .exitStatus,
               0);
     EXPECT_EQ(m_folder.read(u"victim.wav"_s), "precious");
@@ -119,8 +130,9 @@ TEST_F(ShntoolBadLuck, FollowsNoLinkInWriting)
 
 TEST_F(ShntoolBadLuck, FailsOnAFullDisk)
 {
-    const ProgramResult result = runProgram(
-        u"/bin/bash"_s, {u"-c"_s, u"ulimit -f 100; exec \"$0\" conv -d \"$1\" \"$2\""_s, program(), m_folder.path(u"out"_s), m_folder.path(u"in.wav"_s)});
+    const ProgramResult result =
+        runProgram(u"/bin/bash"_s, {u"-c"_s, u"ulimit -f 100; exec \"$0\" conv -d \"$1\" \"$2\""_s, program(),
+                                    m_folder.path(u"out"_s), m_folder.path(u"in.wav"_s)});
     EXPECT_EQ(result.exitStatus, 1);
     EXPECT_THAT(result.errors.toStdString(), HasSubstr("error while transferring"));
     EXPECT_EQ(made(), QStringList());
@@ -135,8 +147,8 @@ TEST_P(ShntoolSignal, EndsEverythingAndLeavesNothing)
     QProcess process;
     process.start(program(), encodeWith("(trap '' TERM; while :; do echo x >> \"$1\"; sleep 0.01; done) &\n"
                                         "while [ ! -s \"$1\" ]; do :; done; echo $! > "
-                                        + QFile::encodeName(started) + ".new; mv " + QFile::encodeName(started) + ".new "
-                                        + QFile::encodeName(started) + "; sleep 60"));
+                                        + QFile::encodeName(started) + ".new; mv " + QFile::encodeName(started)
+                                        + ".new " + QFile::encodeName(started) + "; sleep 60"));
     ASSERT_TRUE(waitUntil([&] { return QFile::exists(started); }));
     const pid_t grandchild = m_folder.read(u"started"_s).trimmed().toInt();
     ASSERT_GT(grandchild, 0);

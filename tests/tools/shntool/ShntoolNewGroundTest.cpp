@@ -69,7 +69,8 @@ TEST_P(ShntoolNewGround, HashesTheSamplesOfEveryFormat)
     convert(u"/usr/bin/flac"_s, {u"-s"_s, u"-d"_s, u"-o"_s, path(u"a.wav"_s), path(u"a.flac"_s)});
     names.append(path(u"a.wav"_s));
     if (shape.bits > 8) {
-        convert(u"/usr/bin/ffmpeg"_s, {u"-v"_s, u"error"_s, u"-i"_s, path(u"a.wav"_s), u"-c:a"_s, u"alac"_s, path(u"a.m4a"_s)});
+        convert(u"/usr/bin/ffmpeg"_s,
+                {u"-v"_s, u"error"_s, u"-i"_s, path(u"a.wav"_s), u"-c:a"_s, u"alac"_s, path(u"a.m4a"_s)});
         names.append(path(u"a.m4a"_s));
     }
     convert(u"/usr/bin/wavpack"_s, {u"-q"_s, path(u"a.wav"_s), u"-o"_s, path(u"a.wv"_s)});
@@ -95,8 +96,8 @@ TEST_P(ShntoolNewGround, JoiningThePiecesGivesTheWhole)
     const int length = static_cast<int>(m_samples.size() / 3);
     const int block = GetParam().shape.bits / 8 * GetParam().shape.channels;
     for (const QString &format : {u"flac"_s, u"wav"_s}) {
-        ASSERT_EQ(runShntool({u"split"_s, u"-q"_s, u"-O"_s, u"always"_s, u"-o"_s, format, u"-l"_s, QString::number(length / block * block),
-                              u"-d"_s, m_folder.path(), path(u"a.flac"_s)})
+        ASSERT_EQ(runShntool({u"split"_s, u"-q"_s, u"-O"_s, u"always"_s, u"-o"_s, format, u"-l"_s,
+                              QString::number(length / block * block), u"-d"_s, m_folder.path(), path(u"a.flac"_s)})
                       .exitStatus,
                   0);
         QStringList join{u"join"_s, u"-q"_s, u"-n"_s, u"-O"_s, u"always"_s, u"-o"_s, format, u"-d"_s, m_folder.path()};

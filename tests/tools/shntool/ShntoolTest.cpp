@@ -79,7 +79,8 @@ TEST_F(Shntool, AnswersAsTheDistributionsProgram)
 TEST_F(Shntool, TellsItsOwnVersion)
 {
     EXPECT_EQ(runProgram(program(), {u"--version"_s}).output, "shntool (Nurv Audio Workbench) " NURV_VERSION "\n");
-    EXPECT_TRUE(runProgram(program(), {u"-v"_s}).errors.startsWith("shntool (Nurv Audio Workbench) " NURV_VERSION "\n"));
+    EXPECT_TRUE(
+        runProgram(program(), {u"-v"_s}).errors.startsWith("shntool (Nurv Audio Workbench) " NURV_VERSION "\n"));
     EXPECT_THAT(runProgram(program(), {u"--help"_s}).output.toStdString(), HasSubstr("shntool MODE"));
 }
 
@@ -104,7 +105,7 @@ TEST_F(Shntool, ConvertsToTheNameThatIsGiven)
 {
     const QString out = path(u"given name.wav"_s);
     const ProgramResult result = runProgram(program(), {u"conv"_s, u"-P"_s, u"pct"_s, u"-O"_s, u"always"_s, u"-o"_s,
-                                                         u"wav"_s, u"-n"_s, out, path(u"b.flac"_s)});
+                                                        u"wav"_s, u"-n"_s, out, path(u"b.flac"_s)});
     EXPECT_EQ(result.exitStatus, 0);
     EXPECT_EQ(result.output, "");
     EXPECT_TRUE(result.errors.startsWith("Converting [" + QFile::encodeName(path(u"b.flac"_s)) + "] (0:01.05) --> ["))
@@ -119,7 +120,7 @@ TEST_F(Shntool, EncodesToTheNameThatIsGiven)
     const QString out = path(u"any.ending"_s);
     const ProgramResult result =
         runProgram(program(), {u"conv"_s, u"-O"_s, u"never"_s, u"-o"_s, u"cust ext=flac flac -s -8 -o %f -"_s, u"-n"_s,
-                                out, path(u"a.wav"_s)});
+                               out, path(u"a.wav"_s)});
     EXPECT_EQ(result.exitStatus, 0) << result.errors.constData();
     EXPECT_TRUE(sameSound(out, path(u"a.wav"_s)));
 }
@@ -144,7 +145,7 @@ TEST_F(Shntool, ReportsAnEncoderThatFailedAndKeepsTheFormerFile)
     const QString out = path(u"out.mp3"_s);
     m_folder.write(u"out.mp3"_s, "former");
     const ProgramResult result = runProgram(program(), {u"conv"_s, u"-O"_s, u"always"_s, u"-o"_s,
-                                                         u"cust ext=mp3 false %f"_s, u"-n"_s, out, path(u"a.wav"_s)});
+                                                        u"cust ext=mp3 false %f"_s, u"-n"_s, out, path(u"a.wav"_s)});
     EXPECT_EQ(result.exitStatus, 1);
     EXPECT_THAT(result.errors.toStdString(), HasSubstr("shntool [conv]: warning: "));
     EXPECT_EQ(m_folder.read(u"out.mp3"_s), "former");

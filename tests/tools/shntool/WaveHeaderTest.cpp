@@ -96,7 +96,10 @@ TEST(WaveHeader, RefusesSizesThatAreNotThereWithoutMemoryForThem)
 {
     using namespace std::string_view_literals;
     WaveHeader header;
-    EXPECT_EQ(read(withChunks("LIST\xF0\xFF\xFF\xFF""abc"sv), header), WaveHeaderFault::Malformed);
+    EXPECT_EQ(read(withChunks("LIST\xF0\xFF\xFF\xFF"
+                              "abc"sv),
+                   header),
+              WaveHeaderFault::Malformed);
     EXPECT_LT(header.bytes.capacity(), size_t{1} << 20);
 }
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "shntool/ReadAheadSource.h"
 #include "shntool/WaveSource.h"
+#include "shntool/ReadAheadSource.h"
 
 #include <gtest/gtest.h>
 
