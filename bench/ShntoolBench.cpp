@@ -53,8 +53,8 @@ void measureHour(const QString &ours)
                  QStringList{u"split"_s} + output + QStringList{u"-l"_s, u"6:00.01"_s, hour});
     QStringList parts;
     for (int i = 1; i <= 10; ++i) {
-        const QString part = folder.path(u"split-track%1.wav"_s.arg(i, 2, 10, u'0'));
-        const QString flac = folder.path(u"part%1.flac"_s.arg(i, 2, 10, u'0'));
+        const QString part = folder.path(u"split-track%1.wav"_s.arg(i, 2, 10, QChar(u'0')));
+        const QString flac = folder.path(u"part%1.flac"_s.arg(i, 2, 10, QChar(u'0')));
         runOrDie(u"flac"_s, {u"-s"_s, u"-f"_s, u"-o"_s, flac, part});
         parts.append(flac);
     }
