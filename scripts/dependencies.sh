@@ -7,17 +7,17 @@
 
 readonly NURV_BUILD_PACKAGES=(
     build-essential ccache cmake ninja-build pkg-config
-    libavcodec-dev libavformat-dev libavutil-dev libswresample-dev
-    libgl-dev libicu-dev libssl-dev libtag1-dev qt6-base-dev qt6-svg-dev zlib1g-dev
+    libavcodec-dev libavformat-dev libavutil-dev libflac-dev
+    libswresample-dev libgl-dev libicu-dev libssl-dev libtag1-dev qt6-base-dev qt6-svg-dev zlib1g-dev
 )
 readonly NURV_RUNTIME_PACKAGES=(
-    atomicparsley ffmpeg flac genisoimage icedax lame opus-tools shntool sox wavpack
+    atomicparsley ffmpeg flac genisoimage icedax lame opus-tools sox wavpack
     dbus dbus-x11 fonts-noto-core hicolor-icon-theme libglib2.0-bin libqt6svg6
     qt6-image-formats-plugins qt6-qpa-plugins qt6-wayland
 )
 readonly NURV_TEST_PACKAGES=(
     appstream desktop-file-utils imagemagick libgmock-dev libgtest-dev man-db mediainfo openbox
-    python3 python3-dbusmock python3-gi shellcheck xauth xdotool xvfb
+    python3 python3-dbusmock python3-gi shellcheck shntool xauth xdotool xvfb
 )
 # For those who change the sources: formatting, static checks, fuzzing.
 readonly NURV_DEVELOPMENT_PACKAGES=(clang clang-format clang-tidy git)

@@ -69,7 +69,7 @@ QString providerOf(const ExternalProgram &program)
         return program.package;
     if (!isPartOfThisBuild(program))
         return u"not included yet"_s;
-    return program.package.isEmpty() ? u"bundled"_s : u"bundled + "_s + program.package;
+    return u"bundled"_s;
 }
 
 QString table(const std::vector<QStringList> &rows)

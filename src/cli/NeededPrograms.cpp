@@ -42,8 +42,6 @@ bool isAlongPath(const QString &name)
 QString missingText(const QString &name)
 {
     const QString path = toolPath(name);
-    if (isProgram(path))
-        return missingProgramText(path, u"the program that it stands in front of is not there"_s);
     return missingProgramText(path, QFileInfo::exists(path) ? u"it is not an executable file"_s : u"it is not there"_s);
 }
 
@@ -59,7 +57,7 @@ QStringList NeededPrograms::missing() const
 {
     QStringList texts;
     for (const QString &name : launched) {
-        if (!isProgram(toolPath(name)) || lacksItsPackage(name))
+        if (!isProgram(toolPath(name)))
             texts.append(missingText(name));
     }
     for (const QString &name : helpers) {

@@ -14,7 +14,7 @@ struct NeededPrograms {
     void add(const NeededPrograms &other);
 
     /// A text for each program that is not there: its name, the folder looked in,
-    /// the package that provides it. Starts nothing but shntool, to ask for its version.
+    /// the package that provides it. Starts nothing.
     [[nodiscard]] QStringList missing() const;
 };
 

@@ -32,30 +32,18 @@ QString versionIn(const QString &output)
     return match ? match->text() : QString();
 }
 
-/// The status of a bundled program that finds nothing to hand over to.
-constexpr int kNothingToHandOverTo = 127;
-
-bool isFrontEnd(const ExternalProgram &program)
-{
-    return program.isBundled && !program.package.isEmpty();
-}
-
 bool isExecutableFile(const QFileInfo &file)
 {
     return file.isFile() && file.isExecutable();
 }
 
-QString providerText(const ExternalProgram &program, const QFileInfo &file)
+QString providerText(const ExternalProgram &program)
 {
     if (!program.isBundled)
         return u"It is provided by the package \"%1\"."_s.arg(program.package);
     if (!isPartOfThisBuild(program))
         return u"It is not included in this version of Nurv Audio Workbench."_s;
-    const QString needed = u"It needs the package \"%1\"."_s.arg(program.package);
-    if (isFrontEnd(program) && isExecutableFile(file))
-        return needed;
-    const QString bundled = u"It is part of Nurv Audio Workbench; installing that again restores it."_s;
-    return isFrontEnd(program) ? bundled + u' ' + needed : bundled;
+    return u"It is part of Nurv Audio Workbench; installing that again restores it."_s;
 }
 
 } // namespace
@@ -66,8 +54,7 @@ const std::vector<ExternalProgram> &externalPrograms()
     static const std::vector<ExternalProgram> programs{
         {u"flac"_s, false, u"flac"_s, u"encodes, decodes and tests FLAC"_s, version},
         {u"metaflac"_s, false, u"flac"_s, u"reads and writes the metadata of FLAC files"_s, version},
-        {u"shntool"_s, true, u"shntool"_s,
-         u"measures, splits, joins, trims and converts lossless files"_s, {u"-v"_s}},
+        {u"shntool"_s, true, {}, u"measures, splits, joins, trims and converts lossless files"_s, version},
         {u"wavpack"_s, false, u"wavpack"_s, u"encodes WavPack"_s, version},
         {u"wvunpack"_s, false, u"wavpack"_s, u"decodes and tests WavPack"_s, version},
         {u"lame"_s, false, u"lame"_s, u"encodes MP3"_s, version},
@@ -120,20 +107,9 @@ ProgramStatus checkProgram(const ExternalProgram &program, const QString &path)
     const ChildResult result = runChild(command, kVersionLimit);
     if (!result.exit)
         return status;
-    if (isFrontEnd(program) && result.exit->status == kNothingToHandOverTo) {
-        status.state = ProgramStatus::State::NotFound;
-        return status;
-    }
     status.state = ProgramStatus::State::Found;
     status.version = versionIn(QString::fromUtf8(result.output));
     return status;
-}
-
-bool lacksItsPackage(const QString &name)
-{
-    const ExternalProgram *program = findExternalProgram(name);
-    return program && isFrontEnd(*program) && isExecutableFile(QFileInfo(toolPath(name)))
-        && checkProgram(*program).state == ProgramStatus::State::NotFound;
 }
 
 QString missingProgramText(const QString &launchPath, const QString &reason)
@@ -142,7 +118,7 @@ QString missingProgramText(const QString &launchPath, const QString &reason)
     const QString text = u"\"%1\" could not be started: %2\nIt was looked for in the folder %3."_s
                              .arg(file.fileName(), reason, file.path());
     const ExternalProgram *program = findExternalProgram(file.fileName());
-    return program ? text + u'\n' + providerText(*program, file) : text;
+    return program ? text + u'\n' + providerText(*program) : text;
 }
 
 QString killedProgramText(const QString &name, int signal, const QString &title)

@@ -13,7 +13,7 @@ namespace nurv {
 struct ExternalProgram {
     QString name;             ///< in the resource folder
     bool isBundled = false;   ///< the application's own, not a package's
-    QString package;          ///< of Debian; for a bundled program, what it needs itself
+    QString package;          ///< of Debian; empty for a bundled program
     QString purpose;          ///< for people: "encodes and decodes FLAC"
     QStringList versionArguments;
 };
@@ -21,8 +21,7 @@ struct ExternalProgram {
 /// Whether a bundled program was built with this version of the application.
 [[nodiscard]] bool isPartOfThisBuild(const ExternalProgram &program);
 
-/// What became of a search for a program. A bundled one that is there, but not the
-/// program of the distribution that it hands over to, is not found.
+/// What became of a search for a program.
 struct ProgramStatus {
     enum class State { Found, NotFound, NotExecutable };
 
@@ -42,10 +41,6 @@ struct ProgramStatus {
 [[nodiscard]] ProgramStatus checkProgram(const ExternalProgram &program);
 /// The same for a program that lies elsewhere.
 [[nodiscard]] ProgramStatus checkProgram(const ExternalProgram &program, const QString &path);
-
-/// Whether the bundled program of that name is there, but not what it hands over to.
-/// Blocks as `checkProgram`; for other programs it starts nothing.
-[[nodiscard]] bool lacksItsPackage(const QString &name);
 
 /// The text for a program that could not be started: its name, the folder looked
 /// in, `reason`, and what provides it. `launchPath` is the path that was tried.

@@ -41,21 +41,6 @@ TEST(DoctorCommand, EndsWithStatus3WhenARequiredProgramIsMissing)
     }
 }
 
-TEST(DoctorCommand, ReportsTheDistributionsShntoolAsMissing)
-{
-    ToolFolder tools;
-    tools.addAllReal();
-    tools.remove(u"shntool"_s);
-    tools.addFake(u"shntool"_s, "exit=127");
-    const ProgramResult result = runNurv({u"doctor"_s});
-    EXPECT_EQ(result.exitStatus, 3);
-    EXPECT_TRUE(result.output.simplified().contains("shntool not found - bundled + shntool")) << result.output.constData();
-    QStringList arguments{u"encode"_s, u"--format"_s, u"shn"_s, u"--output-dir"_s, tools.path()};
-    const ProgramResult encoding = runNurv(arguments << writeWav(tools.path(u"a.wav"_s)));
-    EXPECT_EQ(encoding.exitStatus, 3);
-    EXPECT_TRUE(encoding.errors.contains("It needs the package \"shntool\".")) << encoding.errors.constData();
-}
-
 TEST(DoctorCommand, EndsWithStatus0WhenAnotherProgramIsMissing)
 {
     ToolFolder tools;

@@ -55,7 +55,7 @@ TEST_F(ConversionBadLuckTest, NamesAProgramThatMayNotBeRun)
     EncodeTab tab(controller);
     ASSERT_TRUE(tab.outputFormatMatrix.selectTitle(u"SHN"_s));
     run(tab, {wav});
-    expectFailure(wav, test::wavBytes({}), {u"\"shntool\""_s, tools.path(), u"package \"shntool\""_s});
+    expectFailure(wav, test::wavBytes({}), {u"\"shntool\""_s, tools.path(), u"part of Nurv Audio Workbench"_s});
 }
 
 TEST_F(ConversionBadLuckTest, NamesTheSignalThatKilledTheProgramAndTheFile)

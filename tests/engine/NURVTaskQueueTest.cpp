@@ -514,7 +514,7 @@ TEST_F(NURVTaskQueueTest, SurvivesAnExceptionWhileAJobCompletes)
     services.failsToSetBadge = true;
     tasks[0]->finish();
     services.failsToSetBadge = false;
-    EXPECT_EQ(windows, QStringList{u"1|said"_s}) << "its report is shown all the same";
+    EXPECT_EQ(windows, QStringList{u"1|said\n"_s}) << "its report is shown all the same";
     EXPECT_EQ(scrolls, 1);
     EXPECT_TRUE(queue->panelArray().empty());
     EXPECT_EQ(queue->taskCount(), 0);

@@ -33,7 +33,7 @@ ALLOWED_TOOLS = {
     "shorten": {"support"},
     "tta": {"support"},
     "ape": {"support"},
-    "shntool": {"support"},
+    "shntool": {"support", "shorten", "tta", "ape"},
 }
 # What of src the tools may include: headers that need neither Qt nor a library.
 SHARED_WITH_TOOLS = {

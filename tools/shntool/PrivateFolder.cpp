@@ -2,35 +2,104 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shntool/PrivateFolder.h"
 
+#include "shntool/EndingCleanup.h"
 #include "support/SystemCalls.h"
 
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
+#include <string_view>
 #include <system_error>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace nurv {
 
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kPrefix = ".nurv-shntool-";
+constexpr std::string_view kPattern = "XXXXXX";
+
+std::string parentOf(const std::string &file)
+{
+    const size_t slash = file.rfind('/');
+    return slash == std::string::npos ? "./" : file.substr(0, slash + 1);
+}
+
+/// Open and locked, or not at all.
+FileDescriptor lockFolder(const std::string &path)
+{
+    FileDescriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    if (folder.isOpen() && ::flock(folder.get(), LOCK_EX | LOCK_NB) != 0)
+        folder = FileDescriptor();
+    return folder;
+}
+
+bool isOurs(const std::string &path)
+{
+    struct stat status {};
+    return ::lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid()
+           && (status.st_mode & 077) == 0;
+}
+
+/// Removes what runs left that were killed.
+void sweep(const std::string &parent)
+{
+    std::error_code error;
+    for (const auto &entry : fs::directory_iterator(parent, error)) {
+        const std::string name = entry.path().filename().string();
+        if (!name.starts_with(kPrefix) || name.size() != kPrefix.size() + kPattern.size())
+            continue;
+        const std::string path = entry.path().string();
+        if (!isOurs(path) || !lockFolder(path).isOpen())
+            continue;
+        std::error_code ignored;
+        fs::remove_all(path, ignored);
+    }
+}
+
+} // namespace
+
 PrivateFolder::PrivateFolder(const std::string &destination)
 {
-    const size_t slash = destination.rfind('/');
-    m_path = (slash == std::string::npos ? "./" : destination.substr(0, slash + 1)) + ".nurv-XXXXXX";
+    constexpr int kTries = 16;
+    const std::string parent = parentOf(destination);
+    sweep(parent);
+    for (int i = 0; i < kTries; ++i) {
+        if (tryToMake(parent))
+            return;
+    }
+    failWrite(destination, errno);
+}
+
+/// Between its making and its lock another run may take the folder for one that was left.
+bool PrivateFolder::tryToMake(const std::string &parent)
+{
+    m_path = parent + std::string(kPrefix) + std::string(kPattern);
     if (!::mkdtemp(m_path.data()))
-        failWrite(destination, errno);
+        failWrite(parent, errno);
+    if (EndingCleanup *cleanup = EndingCleanup::current())
+        cleanup->addFolder(m_path);
+    m_lock = lockFolder(m_path);
+    struct stat status {};
+    if (m_lock.isOpen() && ::fstat(m_lock.get(), &status) == 0 && status.st_nlink > 0)
+        return true;
+    if (EndingCleanup *cleanup = EndingCleanup::current())
+        cleanup->removeFolder(m_path);
+    return false;
 }
 
 PrivateFolder::~PrivateFolder()
 {
     std::error_code error;
-    std::filesystem::remove_all(m_path, error);
-}
-
-std::vector<std::string> PrivateFolder::contents() const
-{
-    std::vector<std::string> paths;
-    for (const auto &entry : std::filesystem::directory_iterator(m_path))
-        paths.push_back(entry.path().string());
-    return paths;
+    fs::remove_all(m_path, error);
+    if (EndingCleanup *cleanup = EndingCleanup::current())
+        cleanup->removeFolder(m_path);
 }
 
 } // namespace nurv

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "shntool/FrontEnd.h"
+#include "shntool/ShntoolProgram.h"
 
 int main(int argc, char **argv)
 {
-    return nurv::runFrontEnd(argc, argv, NURV_DISTRIBUTION_SHNTOOL);
+    return nurv::runShntool(argc, argv);
 }

@@ -23,7 +23,7 @@ namespace nurv {
 namespace {
 
 /// The paths that a signal removes: all that a handler may touch.
-std::array<std::atomic<const char *>, 8> g_paths;
+std::array<std::atomic<const char *>, 512> g_paths;
 static_assert(std::atomic<const char *>::is_always_lock_free);
 
 void removeAndDie(int signal)

@@ -16,7 +16,7 @@ namespace nurv {
 /// Where the file system knows no files without a name, and for the moment in which it takes
 /// the place of another one, it has a hidden name of its own. That is removed with this
 /// object, and by a signal that ends the program once `removeTemporaryFilesOnSignals` was
-/// called. At most eight of those live at a time.
+/// called. At most 512 of those live at a time.
 class TemporaryFile {
 public:
     /// Open for writing, with the mode of the file that it shall replace, or else that of

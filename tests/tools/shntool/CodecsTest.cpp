@@ -7,7 +7,6 @@
 #include <QCryptographicHash>
 #include <QFileInfo>
 #include <QList>
-#include <QtEndian>
 
 #include <gmock/gmock.h>
 
@@ -107,13 +106,7 @@ TEST_P(ShntoolCodec, DecodesToTheNameThatIsGiven)
     const ProgramResult result =
         runShntool({u"conv"_s, u"-P"_s, u"pct"_s, u"-O"_s, u"always"_s, u"-o"_s, u"wav"_s, u"-n"_s, out, m_coded});
     EXPECT_EQ(result.exitStatus, 0) << result.errors.constData();
-    // shntool writes a header of its own for what mac decodes, and its RIFF size, the
-    // bytes 4 to 7, leaves the pad byte out.
-    const bool hasOddSize = m_format == u"ape" && makeSamples(m_sound.shape).size() % 2 == 1;
-    const QByteArray decoded = m_folder.read(u"any name.wav"_s);
-    const QByteArray expected = wavBytes(m_sound.shape);
-    EXPECT_TRUE(decoded.mid(8) == expected.mid(8));
-    EXPECT_EQ(qFromLittleEndian<quint32>(decoded.constData() + 4), expected.size() - 8 - (hasOddSize ? 1 : 0));
+    EXPECT_TRUE(m_folder.read(u"any name.wav"_s) == wavBytes(m_sound.shape));
 }
 
 TEST_P(ShntoolCodec, EncodesToTheNameThatIsGiven)

@@ -1,8 +1,0 @@
-// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
-// SPDX-License-Identifier: GPL-3.0-or-later
-#include "shntool/FrontEnd.h"
-
-int main(int argc, char **argv)
-{
-    return nurv::runFrontEnd(argc, argv, "/nowhere/shntool");
-}

@@ -1,0 +1,233 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shntool/CmpMode.h"
+
+#include "shntool/ModeRun.h"
+#include "shntool/Progress.h"
+#include "shntool/SameFormat.h"
+#include "shntool/WavePass.h"
+
+#include <algorithm>
+#include <array>
+#include <cinttypes>
+#include <cstdio>
+#include <cstdlib>
+
+namespace nurv {
+
+namespace {
+
+constexpr int kMostSeconds = 600; ///< of sound that is kept in memory
+
+std::string failedRead(uint64_t bytes, const WaveInfo &info)
+{
+    return "error while reading " + std::to_string(bytes) + " bytes from file: [" + info.fileName + "]";
+}
+
+} // namespace
+
+void CmpMode::takeOption(char option, const char *value)
+{
+    switch (option) {
+    case 's': m_findsShift = true; break;
+    case 'l': m_listsBytes = true; break;
+    case 'c':
+        m_seconds = std::atoi(value);
+        if (m_seconds <= 0)
+            run().console.failWithHelp("seconds for byte-shift comparison must be positive");
+        break;
+    default:
+        m_fuzz = std::atoi(value);
+        if (*m_fuzz < 0)
+            run().console.failWithHelp("fuzz factor cannot be negative");
+        break;
+    }
+}
+
+int CmpMode::execute()
+{
+    if (m_fuzz && !m_findsShift)
+        run().console.failWithHelp("fuzz factor can only be used with byte-shift");
+    const std::vector<std::string> names = run().names.all();
+    if (names.size() != 2) {
+        const std::string why = "need exactly two files to process";
+        if (run().names.hasArguments())
+            run().console.failWithHelp(why);
+        run().console.fail(why);
+    }
+    const std::optional<WaveInfo> first = run().files.examine(names[0]);
+    if (!first)
+        return 1;
+    const std::optional<WaveInfo> second = run().files.examine(names[1]);
+    if (!second)
+        return 1;
+    Shift shift;
+    if (m_findsShift) {
+        shift = findShift(*first, *second);
+        tellShift(*first, shift);
+    }
+    return compare(*first, *second, shift) ? 0 : 1;
+}
+
+/// At least what is moved at a time elsewhere.
+size_t CmpMode::bufferBytes(const WaveInfo &info) const
+{
+    constexpr uint64_t kMost = uint64_t{1} << 30;
+    const uint64_t bytes = static_cast<uint64_t>(std::min(m_seconds, kMostSeconds)) * info.header.calculatedRate();
+    return static_cast<size_t>(std::clamp<uint64_t>(bytes, WavePass::kTransferBytes, kMost));
+}
+
+std::vector<uint8_t> CmpMode::readFront(const WaveInfo &info) const
+{
+    WavePass pass(run().files, info);
+    const auto wanted = static_cast<size_t>(std::min<uint64_t>(bufferBytes(info), info.dataBytes()));
+    std::vector<uint8_t> bytes(wanted);
+    if (!pass.isOpen() || pass.read(bytes) != wanted)
+        run().console.fail(failedRead(wanted, info));
+    return bytes;
+}
+
+bool CmpMode::areEqual(std::span<const uint8_t> one, std::span<const uint8_t> other) const
+{
+    const size_t count = std::min(one.size(), other.size());
+    const int allowed = m_fuzz.value_or(0);
+    int differences = 0;
+    for (auto at = one.begin(), end = one.begin() + static_cast<std::ptrdiff_t>(count);;) {
+        at = std::mismatch(at, end, other.begin() + (at - one.begin())).first;
+        if (at == end)
+            return true;
+        if (++differences > allowed)
+            return false;
+        ++at;
+    }
+}
+
+CmpMode::Shift CmpMode::findShift(const WaveInfo &first, const WaveInfo &second) const
+{
+    Progress progress(run().console, {.action = "Scanning",
+                                      .file = first.fileName,
+                                      .fileDetail = {},
+                                      .link = "and",
+                                      .otherFile = second.fileName,
+                                      .otherDetail = {},
+                                      .totalBytes = 1});
+    const std::vector<uint8_t> one = readFront(first);
+    const std::vector<uint8_t> other = readFront(second);
+    const size_t most = std::min(one.size(), other.size());
+    for (size_t shift = 0; shift < most || shift == 0; ++shift) {
+        if (areEqual(std::span(one).subspan(shift), other)) {
+            progress.succeed();
+            return {.first = shift, .second = 0};
+        }
+        if (areEqual(one, std::span(other).subspan(shift))) {
+            progress.succeed();
+            return {.first = 0, .second = shift};
+        }
+    }
+    progress.fail();
+    run().console.fail("these files do not share identical data within the first "
+                       + std::to_string(static_cast<uint64_t>(m_seconds) * first.header.calculatedRate()) + " bytes.");
+}
+
+void CmpMode::tellShift(const WaveInfo &first, const Shift &shift) const
+{
+    const uint64_t extra = std::max(shift.first, shift.second);
+    const std::string start =
+        m_fuzz && *m_fuzz > 0 ? "With fuzz factor " + std::to_string(*m_fuzz) + ", file" : std::string("File");
+    std::string text = "\n" + start;
+    if (extra == 0) {
+        text += "s are identical so far.\n";
+    } else {
+        text += std::string(" the ") + (shift.first > 0 ? "first" : "second") + " file seems to have "
+                + std::to_string(extra) + " extra bytes ("
+                + std::to_string(extra / std::max<uint64_t>(first.header.blockAlign, 1)) + " extra samples";
+        if (first.isCdQuality())
+            text += ", or " + std::to_string((extra + kSectorBytes / 2) / kSectorBytes) + " extra sectors";
+        text += ")\n\nThese extra bytes will be ignored in the full comparison.\n";
+    }
+    run().console.tell(text + "\nPreparing to do a full comparison...\n\n");
+}
+
+/// Returns whether they are equal. Ends the run at a difference that is not to be listed.
+bool CmpMode::comparePieces(std::span<const uint8_t> one, std::span<const uint8_t> other, uint64_t offset,
+                            bool hasDiffered, Progress &progress) const
+{
+    bool areSame = true;
+    for (size_t i = 0; i < one.size(); ++i) {
+        if (one[i] == other[i])
+            continue;
+        if (!m_listsBytes) {
+            progress.fail();
+            run().console.fail("WAVE data differs at byte offset: " + std::to_string(offset + i + 1));
+        }
+        if (areSame && !hasDiffered) {
+            progress.fail();
+            run().console.tell("\n    offset   1   2\n   ----------------\n");
+        }
+        areSame = false;
+        std::array<char, 64> line{};
+        std::snprintf(line.data(), line.size(), "%10" PRIu64 " %3u %3u\n", offset + i + 1, unsigned{one[i]},
+                      unsigned{other[i]});
+        run().console.tell(line.data());
+    }
+    return areSame;
+}
+
+bool CmpMode::compare(const WaveInfo &first, const WaveInfo &second, const Shift &shift) const
+{
+    if (const char *difference = differenceOf(first.header, second.header))
+        run().console.fail(std::string(difference) + " differs between these files");
+    if (first.dataBytes() - shift.first != second.dataBytes() - shift.second)
+        run().console.warn("WAVE data size differs between these files -- will check up to smaller size");
+    const uint64_t total = std::min(first.dataBytes() - shift.first, second.dataBytes() - shift.second);
+    Progress progress(run().console, {.action = "Comparing",
+                                      .file = first.fileName,
+                                      .fileDetail = run().lengthOf(first),
+                                      .link = "and",
+                                      .otherFile = second.fileName,
+                                      .otherDetail = run().lengthOf(second),
+                                      .totalBytes = total});
+    WavePass one(run().files, first);
+    WavePass other(run().files, second);
+    const auto failRead = [&](uint64_t count, const WaveInfo &info) {
+        progress.fail();
+        run().console.fail(failedRead(count, info));
+    };
+    if (!one.isOpen() || !one.transfer(nullptr, shift.first, nullptr))
+        failRead(shift.first, first);
+    if (!other.isOpen() || !other.transfer(nullptr, shift.second, nullptr))
+        failRead(shift.second, second);
+    std::vector<uint8_t> ones(bufferBytes(first));
+    std::vector<uint8_t> others(ones.size());
+    bool areSame = true;
+    for (uint64_t done = 0; done < total;) {
+        const auto wanted = static_cast<size_t>(std::min<uint64_t>(total - done, ones.size()));
+        const size_t got = one.read(std::span(ones).first(wanted));
+        progress.add(got);
+        if (got != wanted)
+            failRead(wanted, first);
+        if (other.read(std::span(others).first(wanted)) != wanted)
+            failRead(wanted, second);
+        areSame =
+            comparePieces(std::span(ones).first(wanted), std::span(others).first(wanted), done, !areSame, progress)
+            && areSame;
+        done += wanted;
+    }
+    if (!one.finish())
+        failRead(first.dataBytes(), first);
+    if (!other.finish())
+        failRead(second.dataBytes(), second);
+    const std::string contents = m_findsShift && shift.first + shift.second > 0 ? "Aligned contents" : "Contents";
+    if (!areSame) {
+        run().console.tell("\n" + contents + " of these files differed as indicated above.\n");
+        return false;
+    }
+    progress.succeed();
+    std::string limit;
+    if (first.dataBytes() - shift.first != second.dataBytes() - shift.second)
+        limit = " (up to the first " + std::to_string(total) + " bytes of WAVE data)";
+    run().console.tell("\n" + contents + " of these files are identical" + limit + ".\n");
+    return true;
+}
+
+} // namespace nurv

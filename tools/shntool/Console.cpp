@@ -1,0 +1,109 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shntool/Console.h"
+
+#include "platform/VisibleText.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
+
+#include <unistd.h>
+
+namespace nurv {
+
+namespace {
+
+/// The text with what a terminal would obey made visible, but for the line breaks and backspaces
+/// that this program writes itself.
+std::string forTerminal(const std::string &text)
+{
+    std::string shown;
+    for (size_t start = 0; start <= text.size();) {
+        const size_t end = std::min(text.find_first_of("\n\b", start), text.size());
+        shown += visibleText(text.substr(start, end - start));
+        if (end < text.size())
+            shown += text[end];
+        start = end + 1;
+    }
+    return shown;
+}
+
+void write(std::FILE *stream, const std::string &text)
+{
+    const std::string &shown = ::isatty(::fileno(stream)) != 0 ? forTerminal(text) : text;
+    std::fwrite(shown.data(), 1, shown.size(), stream);
+}
+
+} // namespace
+
+Console::Console(std::string program, std::string mode) : m_program(std::move(program)), m_mode(std::move(mode)) {}
+
+std::string Console::command() const
+{
+    return m_mode.empty() ? m_program : m_program + ' ' + m_mode;
+}
+
+std::string Console::prefix() const
+{
+    return m_mode.empty() ? m_program + ": " : m_program + " [" + m_mode + "]: ";
+}
+
+void Console::print(const std::string &text) const
+{
+    write(stdout, text);
+}
+
+bool Console::flushResults() const
+{
+    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+}
+
+void Console::tell(const std::string &text) const
+{
+    if (!isQuiet)
+        tellAlways(text);
+}
+
+void Console::tellAlways(const std::string &text) const
+{
+    write(stderr, text);
+}
+
+/// With further lines below the first one, behind as many blanks as the label has letters.
+std::string Console::labelled(const std::string &label, const std::string &text) const
+{
+    std::string lines = prefix() + label;
+    for (const char letter : text) {
+        lines += letter;
+        if (letter == '\n')
+            lines += prefix() + std::string(label.size(), ' ');
+    }
+    return lines + '\n';
+}
+
+void Console::warn(const std::string &text) const
+{
+    if (!hidesWarnings)
+        tell(labelled("warning: ", text));
+}
+
+void Console::debug(const std::string &text) const
+{
+    if (debugLevel > 0)
+        tellAlways(labelled("debug1: ", text));
+}
+
+void Console::fail(const std::string &text) const
+{
+    tellAlways(labelled("error: ", text));
+    throw RunEnded(EXIT_FAILURE);
+}
+
+void Console::failWithHelp(const std::string &text) const
+{
+    tellAlways(labelled("error: ", text) + prefix() + '\n' + prefix() + "type '" + command() + " -h' for help\n");
+    throw RunEnded(EXIT_FAILURE);
+}
+
+} // namespace nurv

@@ -1,0 +1,55 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <fstream>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace nurv {
+
+class Console;
+struct WaveInfo;
+
+/// The names of the files of a run: from the file of the option -F, else from the command line, else from standard
+/// input, one a line.
+class FileNames {
+public:
+    enum class Order { Ask, Ascii, Natural, None };
+
+    explicit FileNames(const Console &console) : m_console(console) {}
+
+    Order order = Order::Natural;
+    std::optional<std::string> listName; ///< of -F
+
+    /// Those on the command line.
+    void setArguments(std::span<const std::string> arguments);
+    [[nodiscard]] bool hasArguments() const { return !m_arguments.empty(); }
+    [[nodiscard]] size_t argumentCount() const { return m_arguments.size(); }
+
+    /// The next one; nothing at the end. Blocks where somebody types. Ends the run where the list cannot be read.
+    [[nodiscard]] std::optional<std::string> next();
+
+    /// All that are left.
+    [[nodiscard]] std::vector<std::string> all();
+
+    /// Brings names into the order that was asked for.
+    void sort(std::vector<std::string> &names) const;
+    /// The same of files, by their names.
+    void sortInfos(std::vector<WaveInfo> &infos) const;
+    /// Only where the order is to be asked for.
+    void sortIfAsked(std::vector<std::string> &names) const;
+
+private:
+    void open();
+
+    const Console &m_console;
+    std::vector<std::string> m_arguments;
+    size_t m_taken = 0;
+    bool m_isOpen = false;
+    std::ifstream m_list;
+};
+
+} // namespace nurv

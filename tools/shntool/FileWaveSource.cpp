@@ -1,0 +1,17 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shntool/FileWaveSource.h"
+
+namespace nurv {
+
+FileWaveSource::FileWaveSource(const std::string &name, uint64_t id3Bytes) : m_input(name)
+{
+    m_input.skip(id3Bytes);
+}
+
+size_t FileWaveSource::readSome(std::span<uint8_t> bytes)
+{
+    return m_input.read(bytes);
+}
+
+} // namespace nurv

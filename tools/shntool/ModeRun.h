@@ -1,0 +1,35 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "shntool/Console.h"
+#include "shntool/FileNames.h"
+#include "shntool/FormatSettings.h"
+#include "shntool/OutputFiles.h"
+#include "shntool/TimeText.h"
+#include "shntool/WaveFiles.h"
+
+#include <string>
+#include <vector>
+
+namespace nurv {
+
+/// What all modes have at hand in a run.
+struct ModeRun {
+    ModeRun(const std::string &program, const std::string &mode)
+        : console(program, mode), formats(console), files(console, formats), outputs(console, formats), names(console)
+    {
+    }
+
+    Console console;
+    FormatSettings formats;
+    WaveFiles files;
+    OutputFiles outputs;
+    FileNames names;
+    TimeText time{false};
+
+    /// The length of the sound, as texts tell it.
+    [[nodiscard]] std::string lengthOf(const WaveInfo &info) const { return time.of(info.header, info.dataBytes()); }
+};
+
+} // namespace nurv

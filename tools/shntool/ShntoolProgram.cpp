@@ -1,0 +1,293 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shntool/ShntoolProgram.h"
+
+#include "shntool/AudioFormat.h"
+#include "shntool/EndingCleanup.h"
+#include "shntool/Mode.h"
+#include "shntool/ModeRun.h"
+#include "shntool/ModeTable.h"
+#include "support/ToolError.h"
+#include "support/ToolMain.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <span>
+
+#include <getopt.h>
+
+namespace nurv {
+
+namespace {
+
+constexpr std::string_view kAliasPrefix = "shn";
+
+std::string baseName(const char *path)
+{
+    const char *slash = std::strrchr(path, '/');
+    return slash ? slash + 1 : path;
+}
+
+std::string column(std::string_view text, size_t width)
+{
+    return std::string(text.size() < width ? width - text.size() : 0, ' ') + std::string(text);
+}
+
+std::string coder(AudioFormat::By by, std::string_view program)
+{
+    switch (by) {
+    case AudioFormat::By::Itself: return "shntool";
+    case AudioFormat::By::Program: return std::string(program);
+    case AudioFormat::By::Nobody: break;
+    }
+    return "-";
+}
+
+void showFormats(const Console &console)
+{
+    std::string text = console.program() + " " NURV_VERSION
+                       + " supported file formats:\n\n"
+                         " format    ext     input    output  description\n"
+                         " ------    ---     -----    ------  -----------\n";
+    for (const AudioFormat &format : audioFormats()) {
+        const std::string extension = format.extension.empty() ? "-" : '.' + std::string(format.extension);
+        text += ' ' + column(format.name, 6) + "  " + column(extension, 5) + "  "
+                + column(coder(format.reads, format.decoder), 8) + "  "
+                + column(coder(format.writes, format.encoder), 8) + "  " + std::string(format.description) + '\n';
+    }
+    console.tell(text + '\n');
+}
+
+void showArguments(const Console &console)
+{
+    std::string text = console.program() + " " NURV_VERSION
+                       + " default file format arguments:\n\n"
+                         " format    action   arguments\n"
+                         " ------    ------   ---------\n";
+    for (const AudioFormat &format : audioFormats()) {
+        const std::string name(format.name);
+        std::string label = "  " + column(name, 5);
+        if (format.reads == AudioFormat::By::Program) {
+            text += label + "  decoding:  -i \"" + name + ' ' + std::string(format.decoder) + ' '
+                    + std::string(format.decoderArguments) + "\"\n";
+            label = std::string(7, ' ');
+        }
+        if (format.writes == AudioFormat::By::Program) {
+            text += label + "  encoding:  -o \"" + name + " ext=" + std::string(format.extension) + ' '
+                    + std::string(format.encoder) + ' ' + std::string(format.encoderArguments) + "\"\n";
+        }
+    }
+    console.tell(text + '\n');
+}
+
+void showModes(const Console &console)
+{
+    std::string text =
+        console.program() + " " NURV_VERSION + " supported modes:\n\n   mode  description\n   ----  -----------\n";
+    for (const ModeEntry &mode : modeTable())
+        text += "  " + column(mode.name, 5) + "  " + std::string(mode.description) + '\n';
+    console.tell(text + "\n  For help with any of the above modes, type:  '" + console.program() + " mode -h'\n\n");
+}
+
+std::string versionText(const std::string &name)
+{
+    return name + " (Nurv Audio Workbench) " NURV_VERSION "\n"
+           + "Copyright (C) 2026 The Nurv Audio Workbench developers\n\n"
+             "This is free software.  You may redistribute copies of it under the terms of\n"
+             "the GNU General Public License <http://www.gnu.org/licenses/gpl.html>.\n"
+             "There is NO WARRANTY, to the extent permitted by law.\n\n";
+}
+
+std::string modelessHelp(const std::string &program)
+{
+    return "Usage: " + program + " mode ...\n       " + program
+           + " [OPTIONS]\n\nOptions:\n\n"
+             "  -m      show detailed mode module information\n"
+             "  -f      show detailed format module information\n"
+             "  -a      show default format module arguments\n"
+             "  -v      show version information\n"
+             "  -h      show this help screen\n\n";
+}
+
+/// The words of a call, as getopt(3) takes them: it moves the pointers about.
+class Words {
+public:
+    explicit Words(std::vector<std::string> words) : m_words(std::move(words))
+    {
+        for (std::string &word : m_words)
+            m_pointers.push_back(word.data());
+        m_pointers.push_back(nullptr);
+        optind = 0; // starts anew, whatever was read before
+    }
+
+    int next(const char *letters) { return ::getopt(static_cast<int>(m_words.size()), m_pointers.data(), letters); }
+    [[nodiscard]] std::vector<std::string> rest() const
+    {
+        return {m_pointers.begin() + optind, m_pointers.begin() + static_cast<std::ptrdiff_t>(m_words.size())};
+    }
+
+private:
+    std::vector<std::string> m_words;
+    std::vector<char *> m_pointers;
+};
+
+int runModeless(const Console &console, std::vector<std::string> words)
+{
+    if (words.size() < 2)
+        console.failWithHelp("missing arguments");
+    if (!words[1].starts_with('-'))
+        console.failWithHelp("invalid mode: [" + words[1] + "]");
+    Words arguments(std::move(words));
+    bool wantsHelp = false;
+    for (int option = 0; (option = arguments.next("afhmv")) != '?';) {
+        switch (option) {
+        case 'a': showArguments(console); return EXIT_SUCCESS;
+        case 'f': showFormats(console); return EXIT_SUCCESS;
+        case 'm': showModes(console); return EXIT_SUCCESS;
+        case 'v': console.tell(versionText(console.program())); return EXIT_SUCCESS;
+        case 'h': wantsHelp = true; continue;
+        default: break;
+        }
+        if (!wantsHelp)
+            console.failWithHelp("invalid mode: [" + (arguments.rest().empty() ? "-" : arguments.rest().front()) + "]");
+        console.tell(modelessHelp(console.program()));
+        return EXIT_SUCCESS;
+    }
+    console.tell('\n' + modelessHelp(console.program()));
+    return EXIT_FAILURE;
+}
+
+ProgressStyle progressStyle(const Console &console, const std::string &name)
+{
+    constexpr std::array kNames{"pct", "dot", "spin", "face", "none"};
+    const auto found = std::ranges::find(kNames, name);
+    if (found == kNames.end())
+        console.failWithHelp("invalid progress indicator type: [" + name + "]");
+    return static_cast<ProgressStyle>(found - kNames.begin());
+}
+
+FileNames::Order fileOrder(const Console &console, const std::string &name)
+{
+    constexpr std::array kNames{"ask", "ascii", "natural", "none"};
+    const auto found = std::ranges::find(kNames, name);
+    if (found == kNames.end())
+        console.failWithHelp("invalid reorder type: [" + name + "]");
+    return static_cast<FileNames::Order>(found - kNames.begin());
+}
+
+OutputFiles::Overwrite overwriteAction(const Console &console, const std::string &name)
+{
+    constexpr std::array kNames{"ask", "always", "never"};
+    const auto found = std::ranges::find(kNames, name);
+    if (found == kNames.end())
+        console.failWithHelp("invalid overwrite action: [" + name + "]");
+    return static_cast<OutputFiles::Overwrite>(found - kNames.begin());
+}
+
+/// Of the options that all modes have, or all that write files. Returns false for one of others.
+bool takeGlobalOption(ModeRun &run, bool writesFiles, int option, const char *value)
+{
+    switch (option) {
+    case 'D': ++run.console.debugLevel; return true;
+    case 'F': run.names.listName = value; return true;
+    case 'H': run.time = TimeText(true); return true;
+    case 'P': run.console.progressStyle = progressStyle(run.console, value); return true;
+    case 'i': run.formats.readInputOption(value); return true;
+    case 'q': run.console.isQuiet = true; return true;
+    case 'r': run.names.order = fileOrder(run.console, value); return true;
+    case 'w': run.console.hidesWarnings = true; return true;
+    default: break;
+    }
+    if (!writesFiles)
+        return false;
+    switch (option) {
+    case 'O': run.outputs.overwrite = overwriteAction(run.console, value); return true;
+    case 'a': run.outputs.prefix = value; return true;
+    case 'd': run.outputs.folder = value; return true;
+    case 'o': run.formats.readOutputOption(value); return true;
+    case 'z': run.outputs.postfix = value; return true;
+    default: return false;
+    }
+}
+
+int runMode(const ModeEntry &entry, ModeRun &run, std::vector<std::string> words)
+{
+    const std::unique_ptr<Mode> mode = entry.make(run);
+    run.console.debugLevel = std::getenv("ST_DEBUG") ? 1 : 0;
+    run.formats.readEnvironment();
+    const std::string letters =
+        std::string(entry.writesFiles ? "DF:HP:hi:qr:vwO:a:d:o:z:" : "DF:HP:hi:qr:vw") + entry.letters;
+    Words arguments(std::move(words));
+    for (int option = 0; (option = arguments.next(letters.c_str())) != -1;) {
+        switch (option) {
+        case 'h': run.console.tellAlways(helpOf(entry, run.console.command())); return EXIT_SUCCESS;
+        case 'v': run.console.tellAlways(versionText(run.console.command() + " mode module")); return EXIT_SUCCESS;
+        case '?': run.console.tellAlways('\n' + helpOf(entry, run.console.command())); return EXIT_FAILURE;
+        default: break;
+        }
+        if (!takeGlobalOption(run, entry.writesFiles, option, optarg))
+            mode->takeOption(static_cast<char>(option), optarg);
+    }
+    run.names.setArguments(arguments.rest());
+    const int status = mode->execute();
+    if (run.console.flushResults())
+        return status;
+    run.console.tellAlways(run.console.command() + ": cannot write to standard output\n");
+    return EXIT_FAILURE;
+}
+
+int dispatch(std::vector<std::string> words)
+{
+    const std::string program = baseName(words.front().c_str());
+    if (program.starts_with(kAliasPrefix)) {
+        if (const ModeEntry *mode = modeNamed(std::string_view(program).substr(kAliasPrefix.size()))) {
+            ModeRun run(program, "");
+            return runMode(*mode, run, std::move(words));
+        }
+    }
+    const ModeEntry *mode = words.size() > 1 ? modeNamed(words[1]) : nullptr;
+    if (!mode)
+        return runModeless(Console(program, ""), std::move(words));
+    words.erase(words.begin() + 1);
+    ModeRun run(program, std::string(mode->name));
+    return runMode(*mode, run, std::move(words));
+}
+
+} // namespace
+
+int runShntool(int argc, char **argv)
+{
+    constexpr const char *kHelp =
+        "Usage: shntool MODE [OPTION]... [FILE]...\n"
+        "\n"
+        "Reports on, converts, cuts and joins sound without loss. 'shntool -m' lists the modes,\n"
+        "'shntool MODE -h' has the options of each, nurv-shntool(1) tells more.\n"
+        "\n"
+        "  --help      show this text\n"
+        "  --version   show the version\n";
+    // What belongs to modes is not looked at.
+    const bool isQuestion =
+        argc == 2 && (std::string_view(argv[1]) == "--help" || std::string_view(argv[1]) == "--version");
+    const auto run = [&](std::span<const std::string>) {
+        EndingCleanup cleanup;
+        int status = EXIT_FAILURE;
+        try {
+            std::vector<std::string> words(argv, argv + std::max(argc, 0));
+            if (words.empty())
+                words.emplace_back("shntool");
+            status = dispatch(std::move(words));
+        } catch (const RunEnded &end) {
+            status = end.exitStatus();
+            std::fflush(stdout);
+        }
+        // A signal that is ending the program decides how it ends.
+        const std::scoped_lock lock(cleanup.mutex());
+        return status;
+    };
+    return toolMain({.name = "shntool", .help = kHelp}, isQuestion ? argc : 1, argv, run);
+}
+
+} // namespace nurv
