@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <set>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -184,27 +185,34 @@ void NURVTaskQueue::startWaitingTasks()
 
 void NURVTaskQueue::sweep()
 {
-    underLock([this] {
-        std::vector<std::shared_ptr<NURVTask>> failed;
-        for (const std::shared_ptr<NURVTask> &task : m_panelArray) {
-            if (task->error())
-                failed.push_back(task);
-            else
-                task->hide();
-        }
-        const bool anyFailed = !failed.empty();
-        rebuildRows(std::move(failed));
-        if (anyFailed)
-            return;
-        announce([this] { Q_EMIT panelCloseRequested(); });
-        countChanged();
-        announce([this] {
-            if (m_services.hasNotificationService())
-                m_services.deliverNotification(u"Nurv task(s) completed"_s, QString());
-            else
-                m_services.requestAttention();
-        });
-    });
+    takeAway([](const NURVTask &task) { return !task.error(); });
+    if (std::any_of(m_panelArray.begin(), m_panelArray.end(), [](const auto &task) { return task->error(); }))
+        return;
+    Q_EMIT panelCloseRequested();
+    countChanged();
+    if (m_services.hasNotificationService())
+        m_services.deliverNotification(u"Nurv task(s) completed"_s, QString());
+    else
+        m_services.requestAttention();
+}
+
+void NURVTaskQueue::takeAway(bool (*isUnwanted)(const NURVTask &task))
+{
+    // A copy: listeners, which are told of each row while it has its number, may add jobs.
+    const std::vector<std::shared_ptr<NURVTask>> rows = m_panelArray;
+    std::set<const NURVTask *> unwanted;
+    for (const std::shared_ptr<NURVTask> &task : rows) {
+        if (!isUnwanted(*task))
+            continue;
+        task->hide();
+        unwanted.insert(task.get());
+    }
+    std::vector<std::shared_ptr<NURVTask>> others;
+    for (const std::shared_ptr<NURVTask> &task : m_panelArray) {
+        if (!unwanted.contains(task.get()))
+            others.push_back(task);
+    }
+    rebuildRows(std::move(others));
 }
 
 void NURVTaskQueue::rebuildRows(std::vector<std::shared_ptr<NURVTask>> rows)
@@ -213,7 +221,7 @@ void NURVTaskQueue::rebuildRows(std::vector<std::shared_ptr<NURVTask>> rows)
     m_rowOfTask.clear();
     for (std::size_t row = 0; row < m_panelArray.size(); ++row)
         m_rowOfTask.insert(m_panelArray[row].get(), static_cast<int>(row));
-    announce([this] { Q_EMIT rowsReset(); });
+    Q_EMIT rowsReset();
 }
 
 void NURVTaskQueue::rowStateChanged(const NURVTask &task)
@@ -265,19 +273,10 @@ void NURVTaskQueue::cancelFromLastToFirst()
 void NURVTaskQueue::removeAllErrors()
 {
     Q_ASSERT(isGuiThread());
-    underLock([this] {
-        std::vector<std::shared_ptr<NURVTask>> others;
-        for (const std::shared_ptr<NURVTask> &task : m_panelArray) {
-            if (task->error())
-                task->hide();
-            else
-                others.push_back(task);
-        }
-        rebuildRows(std::move(others));
-        if (m_taskArray.empty())
-            announce([this] { Q_EMIT panelCloseRequested(); });
-        countChanged();
-    });
+    takeAway([](const NURVTask &task) { return task.error(); });
+    if (m_taskArray.empty())
+        Q_EMIT panelCloseRequested();
+    countChanged();
 }
 
 void NURVTaskQueue::countChanged()

@@ -105,6 +105,8 @@ private:
     void sweep();
     void cancelFromLastToFirst();
     void countChanged();
+    /// Hides the rows of such jobs and removes them from the list.
+    void takeAway(bool (*isUnwanted)(const NURVTask &task));
     void rebuildRows(std::vector<std::shared_ptr<NURVTask>> rows);
 
     DesktopServices &m_services;

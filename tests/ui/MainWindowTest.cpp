@@ -320,7 +320,7 @@ TEST_F(MainWindowTest, TheAboutPageListsEveryExternalProgram)
             EXPECT_TRUE(item->text(2).startsWith(u"1."_s)) << item->text(2).toStdString();
             EXPECT_EQ(item->text(3), u"flac"_s);
         } else if (item->text(0) == u"shntool"_s) {
-            EXPECT_EQ(item->text(3), u"included, needs shntool"_s);
+            EXPECT_EQ(item->text(3), u"included"_s);
         } else if (item->text(0) == u"shorten"_s) {
             EXPECT_EQ(item->text(1), u"found"_s);
             EXPECT_EQ(item->text(3), u"included"_s);
