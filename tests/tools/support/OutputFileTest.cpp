@@ -43,7 +43,7 @@ extern "C" int fsync(int descriptor)
 }
 
 /// The same, but for files without a name where there shall be none.
-extern "C" int open(const char *path, int flags, ...)
+extern "C" int openat(int folder, const char *path, int flags, ...)
 {
     if ((flags & O_TMPFILE) == O_TMPFILE && !g_knowsUnnamedFiles) {
         errno = EOPNOTSUPP;
@@ -53,7 +53,7 @@ extern "C" int open(const char *path, int flags, ...)
     va_start(arguments, flags);
     const auto mode = static_cast<mode_t>((flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, int) : 0);
     va_end(arguments);
-    return static_cast<int>(::syscall(SYS_openat, AT_FDCWD, path, flags, mode));
+    return static_cast<int>(::syscall(SYS_openat, folder, path, flags, mode));
 }
 
 namespace nurv::test {
