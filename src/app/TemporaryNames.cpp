@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/TemporaryNames.h"
 
+#include "platform/PrivateFolderName.h"
+
 #include <algorithm>
 
 namespace nurv {
@@ -15,7 +17,6 @@ constexpr QStringView kKeptSuffix = u".kept";
 constexpr QStringView kTagsPrefix = u"tags-";
 constexpr qsizetype kTagsLetters = 6;
 constexpr qsizetype kPartLetters = 12;
-constexpr qsizetype kFolderLetters = 6;
 constexpr qsizetype kStageDigits = 8;
 
 bool isHexDigit(QChar character)
@@ -44,6 +45,12 @@ bool isStageName(QStringView name)
            && consistsOf(middle.sliced(kStageDigits + 1), kStageDigits, isPlain);
 }
 
+bool isPrivateFolderName(QStringView name)
+{
+    constexpr QLatin1StringView kPrefix(kPrivateFolderPrefix.data(), kPrivateFolderPrefix.size());
+    return name.startsWith(kPrefix) && consistsOf(name.sliced(kPrefix.size()), kPrivateFolderLetters, isPlain);
+}
+
 } // namespace
 
 TemporaryKind temporaryKind(QStringView name)
@@ -61,7 +68,7 @@ TemporaryKind temporaryKind(QStringView name)
         return TemporaryKind::Kept;
     if (rest.endsWith(kPartSuffix) && consistsOf(rest.chopped(kPartSuffix.size()), kPartLetters, isPlain))
         return TemporaryKind::Part;
-    return consistsOf(rest, kFolderLetters, isPlain) ? TemporaryKind::PrivateFolder : TemporaryKind::None;
+    return isPrivateFolderName(name) ? TemporaryKind::PrivateFolder : TemporaryKind::None;
 }
 
 } // namespace nurv

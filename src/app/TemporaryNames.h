@@ -13,7 +13,7 @@ enum class TemporaryKind {
     Stage,         ///< "Nurv-<8 hex digits>-<8 letters or digits>.<extension>": between two stages of a job; ".nurv-tags-<6 letters or digits>": a file
                    ///< that tags are written into
     Part,          ///< ".nurv-<12 letters or digits>.part": a bundled program's output until it is complete
-    PrivateFolder, ///< ".nurv-<6 letters or digits>": a folder in which a bundled program lets another one work
+    PrivateFolder, ///< ".nurv-shntool-<6 letters or digits>": a folder in which shntool lets another program work
     Kept,          ///< ".nurv-....kept": a user's file that waits beside the output in its place
     Scratch,       ///< "<file>.tmp,fl-ac+en'c" of flac, "<file>.metadata_edit" of metaflac
 };

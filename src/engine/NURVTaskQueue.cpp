@@ -259,10 +259,9 @@ void NURVTaskQueue::cancelFromLastToFirst()
             (*task)->cancelTask();
         }
     }
-    // The jobs whose programs run to their end are left, and what a listener has added meanwhile.
+    // The jobs whose programs run to their end are left, and what a listener has added meanwhile waits.
     m_activeTask = static_cast<std::int32_t>(
-        std::count_if(m_taskArray.begin(), m_taskArray.end(),
-                      [&tasks](const auto &task) { return std::find(tasks.begin(), tasks.end(), task) != tasks.end(); }));
+        std::count_if(m_taskArray.begin(), m_taskArray.end(), [](const auto &task) { return task->isActive(); }));
     underLock([this] { startWaitingTasks(); });
     if (m_activeTask == 0) {
         sweep();

@@ -107,13 +107,13 @@ TEST(FileIntake, LeavesOutTheTemporaryFilesOfJobsUnlessTheyAreNamedThemselves)
                                 u"song.flac.tmp,fl-ac+en'c"_s};
     for (const QString &name : temporary)
         folder.write(name, "x");
-    folder.write(u".nurv-Ab12Cd/song.flac"_s, "x");
+    folder.write(u".nurv-shntool-Ab12Cd/song.flac"_s, "x");
     EXPECT_THAT(collectedFrom(folder.path()).accepted, ElementsAre(song));
     EXPECT_THAT(collectedFrom(folder.path(), kFlacOnly).badExtensions, IsEmpty());
     for (const QString &name : temporary)
         EXPECT_THAT(collectedFrom(folder.path(name)).accepted, ElementsAre(folder.path(name)));
-    EXPECT_THAT(collectedFrom(folder.path(u".nurv-Ab12Cd"_s)).accepted,
-                ElementsAre(folder.path(u".nurv-Ab12Cd/song.flac"_s)));
+    EXPECT_THAT(collectedFrom(folder.path(u".nurv-shntool-Ab12Cd"_s)).accepted,
+                ElementsAre(folder.path(u".nurv-shntool-Ab12Cd/song.flac"_s)));
 }
 
 TEST(FileIntake, TakesAPathThatDoesNotExistForAFile)

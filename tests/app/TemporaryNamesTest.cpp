@@ -24,7 +24,7 @@ TEST(TemporaryNames, KnowsWhatIsBetweenTwoStages)
 TEST(TemporaryNames, KnowsTheNamesOfPrograms)
 {
     EXPECT_EQ(temporaryKind(u".nurv-ab12cd34ef56.part"), TemporaryKind::Part);
-    EXPECT_EQ(temporaryKind(u".nurv-Xy12Zz"), TemporaryKind::PrivateFolder);
+    EXPECT_EQ(temporaryKind(u".nurv-shntool-Xy12Zz"), TemporaryKind::PrivateFolder);
     EXPECT_EQ(temporaryKind(u".nurv-anything at all.kept"), TemporaryKind::Kept);
     EXPECT_EQ(temporaryKind(u"song.flac.tmp,fl-ac+en'c"), TemporaryKind::Scratch);
     EXPECT_EQ(temporaryKind(u"song.flac.metadata_edit"), TemporaryKind::Scratch);
@@ -33,6 +33,9 @@ TEST(TemporaryNames, KnowsTheNamesOfPrograms)
 TEST(TemporaryNames, LeavesNamesAloneThatUsersGive)
 {
     for (const QStringView name : {u"Nurv-notes.wav",
+                                   u".nurv-backup",
+                                   u".nurv-shntool-Xy12Z",
+                                   u".nurv-shntool-Xy12Zz9",
                                    u"Nurv-0123abcd-Ab12Cd34",
                                    u"Nurv-0123abcd-Ab12Cd34.",
                                    u"Nurv-0123ABCD-Ab12Cd34.wav",

@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 using namespace Qt::StringLiterals;
 using namespace nurv::test;
 
@@ -73,12 +75,18 @@ QByteArray encoded(const TestFolder &folder, const QString &name)
     return folder.read(u"plain/"_s + name);
 }
 
+/// Writes a file of sound, that of `name`, with a tag in front of it.
+auto behindTag(QByteArray (*tag)(), const QString &name)
+{
+    return [tag, name](const TestFolder &folder, const QString &file) { folder.write(file, tag() + encoded(folder, name)); };
+}
+
 /// One way to overcome a reader of tags, and what becomes of it.
 struct TagBomb {
     const char *name;
     QString file;
     QString format; ///< that it is converted to
-    void (*write)(const TestFolder &, const QString &file);
+    std::function<void(const TestFolder &, const QString &file)> write;
     bool deletes;   ///< so that all that it holds is read as well
     QString status;
     QString reason; ///< the start of it
@@ -100,34 +108,19 @@ const TagBomb kBombs[] = {
     {"FrameThatInflatesInWav", u"bomb.wav"_s, u"flac"_s,
      [](const TestFolder &folder, const QString &file) { folder.write(file, wavWith(inflatingTag())); }, true,
      u"complete"_s, u"a tag (TITLE) is not in the output"_s},
-    {"FrameThatInflatesInApe", u"bomb.ape"_s, u"flac"_s,
-     [](const TestFolder &folder, const QString &file) {
-         folder.write(file, inflatingTag() + encoded(folder, u"a.ape"_s));
-     },
-     true, u"complete"_s, u"a tag (TITLE) is not in the output"_s},
-    {"FrameThatInflatesInTta", u"bomb.tta"_s, u"flac"_s,
-     [](const TestFolder &folder, const QString &file) {
-         folder.write(file, inflatingTag() + encoded(folder, u"a.tta"_s));
-     },
-     false, u"complete"_s, kInflates},
-    {"FrameThatInflatesInWavPack", u"bomb.wv"_s, u"m4a"_s,
-     [](const TestFolder &folder, const QString &file) {
-         folder.write(file, inflatingTag() + encoded(folder, u"a.wv"_s));
-     },
-     true, u"error"_s, u"the source cannot be decoded"_s},
-    {"FrameThatInflatesInFlac", u"bomb.flac"_s, u"m4a"_s,
-     [](const TestFolder &folder, const QString &file) {
-         folder.write(file, inflatingTag() + encoded(folder, u"a.flac"_s));
-     },
-     false, u"complete"_s, kInflates},
+    {"FrameThatInflatesInApe", u"bomb.ape"_s, u"flac"_s, behindTag(inflatingTag, u"a.ape"_s), true,
+     u"complete"_s, u"a tag (TITLE) is not in the output"_s},
+    {"FrameThatInflatesInTta", u"bomb.tta"_s, u"flac"_s, behindTag(inflatingTag, u"a.tta"_s), false,
+     u"complete"_s, kInflates},
+    {"FrameThatInflatesInWavPack", u"bomb.wv"_s, u"m4a"_s, behindTag(inflatingTag, u"a.wv"_s), true,
+     u"error"_s, u"the source cannot be decoded"_s},
+    {"FrameThatInflatesInFlac", u"bomb.flac"_s, u"m4a"_s, behindTag(inflatingTag, u"a.flac"_s), false,
+     u"complete"_s, kInflates},
     {"CountlessFramesInAiff", u"bomb.aiff"_s, u"m4a"_s,
      [](const TestFolder &folder, const QString &file) { folder.write(file, aiffWith(countlessFrames())); }, true,
      u"complete"_s, kCountless},
-    {"CountlessFramesInTta", u"bomb.tta"_s, u"flac"_s,
-     [](const TestFolder &folder, const QString &file) {
-         folder.write(file, countlessFrames() + encoded(folder, u"a.tta"_s));
-     },
-     false, u"complete"_s, kCountless},
+    {"CountlessFramesInTta", u"bomb.tta"_s, u"flac"_s, behindTag(countlessFrames, u"a.tta"_s), false,
+     u"complete"_s, kCountless},
     {"HugePictureInAiff", u"bomb.aiff"_s, u"flac"_s,
      [](const TestFolder &folder, const QString &file) {
          folder.write(file, aiffWith(longId3Tag(4, title("bomb") + pictureBomb())));

@@ -45,6 +45,28 @@ TEST_F(DecodeSHNTaskTest, ShowsTheFiguresOfARecordedRun)
     EXPECT_TRUE(finish());
 }
 
+TEST_F(DecodeSHNTaskTest, KeepsWhatItMadeWhenSomebodyHasTakenItsName)
+{
+    // shntool names what it makes by itself: "01.SHN" becomes "01.SHN.wav", which the job calls "01.wav".
+    folder.write(u"01.SHN"_s, "a source");
+    const QByteArray theirs = out.path(u"01.wav"_s).toUtf8();
+    tools.addFake(u"shntool"_s, "append=" + out.path(u"01.SHN.wav"_s).toUtf8() + ":the sound;append=" + theirs
+                                    + ":somebody's");
+    DecodeTab tab(controller);
+    tab.deleteOriginalsButton.setOn(true);
+    set(u"warnOnDelete", false);
+    run(tab, {folder.path(u"01.SHN"_s)});
+    ASSERT_EQ(endedTasks.size(), 1U);
+    EXPECT_TRUE(endedTasks[0]->error());
+    EXPECT_TRUE(endedTasks[0]->report().contains(
+        u"its output stays as 01.SHN.wav, since it could not get its name: File exists"_s))
+        << qPrintable(endedTasks[0]->report());
+    EXPECT_EQ(out.read(u"01.wav"_s), "somebody's");
+    EXPECT_EQ(out.read(u"01.SHN.wav"_s), "the sound");
+    EXPECT_TRUE(folder.exists(u"01.SHN"_s));
+    EXPECT_TRUE(endedTasks[0]->outcome().output.isEmpty());
+}
+
 TEST_F(DecodeSHNTaskTest, ReportsEverythingWhenItFails)
 {
     tools.addFake(u"shntool"_s, "out=\\b\\bConverting [a.shn] :  0% ;until-read;out=ERROR\\n;exit=1");

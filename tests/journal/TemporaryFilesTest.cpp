@@ -24,7 +24,7 @@ namespace {
 
 const QString kStage = u"Nurv-00000042-AbCd1234.wav"_s;
 const QString kPart = u".nurv-abcdef012345.part"_s;
-const QString kFolder = u".nurv-AbCd12"_s;
+const QString kFolder = u".nurv-shntool-AbCd12"_s;
 
 class TemporaryFilesTest : public test::JournalTest {
 protected:

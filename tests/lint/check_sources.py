@@ -38,6 +38,7 @@ ALLOWED_TOOLS = {
 # What of src the tools may include: headers that need neither Qt nor a library.
 SHARED_WITH_TOOLS = {
     "platform/FileDescriptor.h",
+    "platform/PrivateFolderName.h",
     "platform/SearchPath.h",
     "platform/UnnamedFile.h",
     "platform/VisibleText.h",

@@ -9,8 +9,6 @@
 #include "support/InputFile.h"
 
 extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
 #include <libavutil/opt.h>
 }
 
@@ -26,12 +24,6 @@ constexpr uint64_t kMaxBlocks = uint64_t{1} << 32; // more fit into no WAV file
 /// No encoder makes frames longer than the last one of today.
 const int64_t kMaxFrameBlocks = apeBlocksPerFrame(ApeLevel::Insane);
 
-std::string textOf(int error)
-{
-    std::array<char, AV_ERROR_MAX_STRING_SIZE> text{};
-    return ::av_make_error_string(text.data(), text.size(), error);
-}
-
 /// The sample at `index` of a plane, as wide as it was in the file.
 int32_t sampleAt(const uint8_t *plane, size_t index, AVSampleFormat format)
 {
@@ -43,26 +35,6 @@ int32_t sampleAt(const uint8_t *plane, size_t index, AVSampleFormat format)
 }
 
 } // namespace
-
-void ApeLegacyDecoder::Free::operator()(AVFormatContext *context) const
-{
-    ::avformat_close_input(&context);
-}
-
-void ApeLegacyDecoder::Free::operator()(AVCodecContext *context) const
-{
-    ::avcodec_free_context(&context);
-}
-
-void ApeLegacyDecoder::Free::operator()(AVPacket *packet) const
-{
-    ::av_packet_free(&packet);
-}
-
-void ApeLegacyDecoder::Free::operator()(AVFrame *frame) const
-{
-    ::av_frame_free(&frame);
-}
 
 ApeLegacyDecoder::ApeLegacyDecoder(InputFile &input)
     : m_input(input), m_packet(::av_packet_alloc()), m_frame(::av_frame_alloc())
@@ -82,7 +54,7 @@ void ApeLegacyDecoder::open()
     const int error = ::avformat_open_input(&context, ("file:" + m_input.name()).c_str(), demuxer, nullptr);
     m_format.reset(context);
     if (error < 0)
-        throw ApeError(ApeErrorNumber::InvalidInputFile, m_input.name() + ": " + textOf(error));
+        throw ApeError(ApeErrorNumber::InvalidInputFile, m_input.name() + ": " + avErrorText(error));
 }
 
 void ApeLegacyDecoder::openCodec()
@@ -103,7 +75,7 @@ void ApeLegacyDecoder::openCodec()
     if (error >= 0)
         error = ::avcodec_open2(m_codec.get(), decoder, nullptr);
     if (error < 0)
-        throw ApeError(ApeErrorNumber::UnsupportedVersion, m_input.name() + ": " + textOf(error));
+        throw ApeError(ApeErrorNumber::UnsupportedVersion, m_input.name() + ": " + avErrorText(error));
     m_header.channels = static_cast<uint16_t>(stream.codecpar->ch_layout.nb_channels);
     m_header.sampleRateHz = static_cast<uint32_t>(stream.codecpar->sample_rate);
     m_header.bitsPerSample = static_cast<uint16_t>(stream.codecpar->bits_per_coded_sample);

@@ -4,14 +4,9 @@
 
 #include "ape/ApeFormat.h"
 #include "ape/ApeSource.h"
+#include "support/AvHandles.h"
 
-#include <memory>
 #include <vector>
-
-struct AVCodecContext;
-struct AVFormatContext;
-struct AVFrame;
-struct AVPacket;
 
 namespace nurv {
 
@@ -28,13 +23,6 @@ public:
     void decode(const ByteSink &sink, const std::function<void(size_t)> &onBlocks) override;
 
 private:
-    struct Free {
-        void operator()(AVFormatContext *context) const;
-        void operator()(AVCodecContext *context) const;
-        void operator()(AVPacket *packet) const;
-        void operator()(AVFrame *frame) const;
-    };
-
     void open();
     void openCodec();
     void findStoredParts();
@@ -44,10 +32,10 @@ private:
     [[noreturn]] void failFrame() const;
 
     InputFile &m_input;
-    std::unique_ptr<AVFormatContext, Free> m_format;
-    std::unique_ptr<AVCodecContext, Free> m_codec;
-    std::unique_ptr<AVPacket, Free> m_packet;
-    std::unique_ptr<AVFrame, Free> m_frame;
+    AvHandle<AVFormatContext> m_format;
+    AvHandle<AVCodecContext> m_codec;
+    AvHandle<AVPacket> m_packet;
+    AvHandle<AVFrame> m_frame;
     ApeHeader m_header; ///< sample rate, width, channels
     uint64_t m_totalBlocks = 0;
     uint64_t m_decodedBlocks = 0;

@@ -5,11 +5,6 @@
 #include "shntool/PcmWaveHeader.h"
 #include "support/ToolError.h"
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-}
-
 #include <algorithm>
 #include <array>
 #include <new>
@@ -22,12 +17,6 @@ constexpr unsigned kMostChannels = 8;
 constexpr unsigned kMostBits = 32;
 constexpr int kMostFrames = 1 << 20; ///< of one packet
 
-std::string textOf(int error)
-{
-    std::array<char, AV_ERROR_MAX_STRING_SIZE> text{};
-    return ::av_make_error_string(text.data(), text.size(), error);
-}
-
 /// Least significant byte first, in the upper bytes of a sample of 32 bits, or all of one of 16.
 void putSample(const uint8_t *plane, size_t index, bool isWide, unsigned bytes, uint8_t *out)
 {
@@ -38,26 +27,6 @@ void putSample(const uint8_t *plane, size_t index, bool isWide, unsigned bytes, 
 }
 
 } // namespace
-
-void AlacDecoder::Free::operator()(AVFormatContext *context) const
-{
-    ::avformat_close_input(&context);
-}
-
-void AlacDecoder::Free::operator()(AVCodecContext *context) const
-{
-    ::avcodec_free_context(&context);
-}
-
-void AlacDecoder::Free::operator()(AVPacket *packet) const
-{
-    ::av_packet_free(&packet);
-}
-
-void AlacDecoder::Free::operator()(AVFrame *frame) const
-{
-    ::av_frame_free(&frame);
-}
 
 AlacDecoder::AlacDecoder(const std::string &name)
     : m_name(name), m_packet(::av_packet_alloc()), m_frame(::av_frame_alloc())
@@ -78,7 +47,7 @@ void AlacDecoder::open()
         ::avformat_open_input(&context, ("file:" + m_name).c_str(), ::av_find_input_format("mov"), nullptr);
     m_format.reset(context);
     if (error < 0)
-        throw ToolError(ToolError::Kind::InvalidInput, m_name + ": " + textOf(error));
+        throw ToolError(ToolError::Kind::InvalidInput, m_name + ": " + avErrorText(error));
     for (unsigned i = 0; i < m_format->nb_streams; ++i) {
         if (m_format->streams[i]->codecpar->codec_id == AV_CODEC_ID_ALAC) {
             m_stream = static_cast<int>(i);
@@ -100,7 +69,7 @@ void AlacDecoder::openCodec()
     if (error >= 0)
         error = ::avcodec_open2(m_codec.get(), decoder, nullptr);
     if (error < 0)
-        throw ToolError(ToolError::Kind::UnsupportedFormat, m_name + ": " + textOf(error));
+        throw ToolError(ToolError::Kind::UnsupportedFormat, m_name + ": " + avErrorText(error));
     const AVChannelLayout &layout = m_codec->ch_layout;
     const auto channels = static_cast<unsigned>(layout.nb_channels);
     const auto bits = static_cast<unsigned>(m_codec->bits_per_raw_sample);
@@ -135,7 +104,7 @@ void AlacDecoder::decode(const ByteSink &sink)
             takeFrames(sink);
     }
     if (error != AVERROR_EOF)
-        failDamaged(textOf(error));
+        failDamaged(avErrorText(error));
     if (::avcodec_send_packet(m_codec.get(), nullptr) >= 0)
         takeFrames(sink);
     if (m_decodedFrames != m_totalFrames)

@@ -3,17 +3,12 @@
 #pragma once
 
 #include "shntool/WaveInfo.h"
+#include "support/AvHandles.h"
 #include "support/ByteSink.h"
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <vector>
-
-struct AVCodecContext;
-struct AVFormatContext;
-struct AVFrame;
-struct AVPacket;
 
 namespace nurv {
 
@@ -31,13 +26,6 @@ public:
     void decode(const ByteSink &sink);
 
 private:
-    struct Free {
-        void operator()(AVFormatContext *context) const;
-        void operator()(AVCodecContext *context) const;
-        void operator()(AVPacket *packet) const;
-        void operator()(AVFrame *frame) const;
-    };
-
     void open();
     void openCodec();
     void takeFrames(const ByteSink &sink);
@@ -45,10 +33,10 @@ private:
     [[noreturn]] void failDamaged(const std::string &why) const;
 
     std::string m_name;
-    std::unique_ptr<AVFormatContext, Free> m_format;
-    std::unique_ptr<AVCodecContext, Free> m_codec;
-    std::unique_ptr<AVPacket, Free> m_packet;
-    std::unique_ptr<AVFrame, Free> m_frame;
+    AvHandle<AVFormatContext> m_format;
+    AvHandle<AVCodecContext> m_codec;
+    AvHandle<AVPacket> m_packet;
+    AvHandle<AVFrame> m_frame;
     int m_stream = 0;
     WaveHeader m_header;
     uint64_t m_totalFrames = 0; ///< samples of every channel

@@ -5,6 +5,7 @@
 #include "shntool/Console.h"
 #include "shntool/FileWaveOutput.h"
 #include "shntool/FormatSettings.h"
+#include "shntool/PrivateFolder.h"
 #include "shntool/ProgramWaveOutput.h"
 #include "shntool/Progress.h"
 #include "support/ToolError.h"
@@ -139,8 +140,10 @@ std::unique_ptr<WaveOutput> OutputFiles::open(std::string &name, Progress *progr
     }
 }
 
-std::unique_ptr<WaveOutput> OutputFiles::make(const std::string &name) const
+std::unique_ptr<WaveOutput> OutputFiles::make(const std::string &name)
 {
+    if (m_swept.insert(name.substr(0, name.rfind('/') + 1)).second)
+        PrivateFolder::sweepBeside(name);
     const AudioFormat &format = m_formats.outputFormat();
     if (format.name == "wav")
         return std::make_unique<FileWaveOutput>(name);

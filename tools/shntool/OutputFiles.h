@@ -56,11 +56,12 @@ private:
     [[nodiscard]] bool mayWrite(std::string &name, Progress *progress);
     [[nodiscard]] bool ask(std::string &name, Progress *progress);
     [[nodiscard]] bool rename(std::string &name, Progress *progress);
-    [[nodiscard]] std::unique_ptr<WaveOutput> make(const std::string &name) const;
+    [[nodiscard]] std::unique_ptr<WaveOutput> make(const std::string &name);
 
     const Console &m_console;
     const FormatSettings &m_formats;
     std::set<std::string> m_pending; ///< names that were given in this run
+    std::set<std::string> m_swept;   ///< folders in which nothing of a killed run is left
 };
 
 } // namespace nurv

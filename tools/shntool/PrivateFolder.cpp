@@ -2,13 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shntool/PrivateFolder.h"
 
+#include "platform/PrivateFolderName.h"
 #include "shntool/EndingCleanup.h"
 #include "support/SystemCalls.h"
 
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
-#include <string_view>
 #include <system_error>
 
 #include <fcntl.h>
@@ -22,8 +22,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view kPrefix = ".nurv-shntool-";
-constexpr std::string_view kPattern = "XXXXXX";
+const std::string kPattern(kPrivateFolderLetters, 'X');
 
 std::string parentOf(const std::string &file)
 {
@@ -47,29 +46,29 @@ bool isOurs(const std::string &path)
            && (status.st_mode & 077) == 0;
 }
 
-/// Removes what runs left that were killed.
-void sweep(const std::string &parent)
+} // namespace
+
+void PrivateFolder::sweepBeside(const std::string &file)
 {
     std::error_code error;
-    for (const auto &entry : fs::directory_iterator(parent, error)) {
+    for (const auto &entry : fs::directory_iterator(parentOf(file), error)) {
         const std::string name = entry.path().filename().string();
-        if (!name.starts_with(kPrefix) || name.size() != kPrefix.size() + kPattern.size())
+        if (!name.starts_with(kPrivateFolderPrefix) || name.size() != kPrivateFolderPrefix.size() + kPrivateFolderLetters)
             continue;
         const std::string path = entry.path().string();
-        if (!isOurs(path) || !lockFolder(path).isOpen())
+        // Locked until it is gone: somebody may be about to take it for his.
+        const FileDescriptor lock = isOurs(path) ? lockFolder(path) : FileDescriptor();
+        if (!lock.isOpen())
             continue;
         std::error_code ignored;
         fs::remove_all(path, ignored);
     }
 }
 
-} // namespace
-
 PrivateFolder::PrivateFolder(const std::string &destination)
 {
     constexpr int kTries = 16;
     const std::string parent = parentOf(destination);
-    sweep(parent);
     for (int i = 0; i < kTries; ++i) {
         if (tryToMake(parent))
             return;
@@ -80,7 +79,7 @@ PrivateFolder::PrivateFolder(const std::string &destination)
 /// Between its making and its lock another run may take the folder for one that was left.
 bool PrivateFolder::tryToMake(const std::string &parent)
 {
-    m_path = parent + std::string(kPrefix) + std::string(kPattern);
+    m_path = parent + std::string(kPrivateFolderPrefix) + kPattern;
     if (!::mkdtemp(m_path.data()))
         failWrite(parent, errno);
     if (EndingCleanup *cleanup = EndingCleanup::current())

@@ -9,8 +9,8 @@
 namespace nurv {
 
 /// A new hidden folder beside a file to be made, closed to others, for programs that need a name to write to. It is
-/// removed with this object, or by a signal (see EndingCleanup), and with all that it holds. What a killed run has
-/// left beside the same file is removed by the next one: a folder belongs to somebody while it is locked.
+/// removed with this object, or by a signal (see EndingCleanup), and with all that it holds. A folder belongs to
+/// somebody while it is locked; what a killed run has left is removed by `sweepBeside`.
 class PrivateFolder {
 public:
     /// Throws ToolError(Write) where no folder can be made.
@@ -18,6 +18,9 @@ public:
     ~PrivateFolder();
     PrivateFolder(const PrivateFolder &) = delete;
     PrivateFolder &operator=(const PrivateFolder &) = delete;
+
+    /// Removes the folders beside a file that runs have left that were killed.
+    static void sweepBeside(const std::string &file);
 
     [[nodiscard]] const std::string &path() const { return m_path; }
 

@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/PrivateFolderName.h"
 #include "support/AudioFixtures.h"
 #include "support/TestFolder.h"
 #include "support/TestProgram.h"
@@ -165,15 +166,23 @@ INSTANTIATE_TEST_SUITE_P(Ending, ShntoolSignal, ::testing::Values(SIGTERM, SIGIN
 TEST_F(ShntoolBadLuck, SweepsWhatAKilledRunLeft)
 {
     const QString started = m_folder.path(u"started"_s);
+    const QString goOn = m_folder.path(u"go-on"_s);
     QProcess process;
-    process.start(program(), encodeWith("echo x > \"$1\"; echo > " + QFile::encodeName(started) + "; cat > /dev/null"));
+    process.start(program(), encodeWith("echo x > \"$1\"; echo > " + QFile::encodeName(started) + "; cat > /dev/null; "
+                                        "while [ ! -e " + QFile::encodeName(goOn) + " ]; do sleep 0.02; done"));
     process.closeReadChannel(QProcess::StandardOutput);
     ASSERT_TRUE(waitUntil([&] { return QFile::exists(started); }));
-    // The folder may be gone already where the run was faster.
     ::kill(static_cast<pid_t>(process.processId()), SIGKILL);
     ASSERT_TRUE(process.waitForFinished(30'000));
-    EXPECT_EQ(runProgram(program(), encodeWith("cat > \"$1\"")).exitStatus, 0);
-    EXPECT_EQ(made(), QStringList{u"in.x"_s});
+    m_folder.write(u"go-on"_s, "");
+    const QStringList left = made();
+    ASSERT_EQ(left.size(), 1);
+    ASSERT_TRUE(left.first().startsWith(QString::fromUtf8(kPrivateFolderPrefix.data()))) << qPrintable(left.first());
+    // Also where no program makes the next output.
+    const ProgramResult next = runProgram(
+        program(), {u"conv"_s, u"-q"_s, u"-o"_s, u"wav"_s, u"-d"_s, m_folder.path(u"out"_s), m_folder.path(u"in.wav"_s)});
+    EXPECT_EQ(next.exitStatus, 0) << next.errors.constData();
+    EXPECT_EQ(made(), QStringList{u"in.wav"_s});
 }
 
 } // namespace
