@@ -34,6 +34,11 @@ public:
     /// What the files of the tab's list need.
     [[nodiscard]] virtual NeededPrograms neededPrograms(const ParsedArguments &arguments,
                                                         const QStringList &files) const = 0;
+    /// A line for each option that was given and has no effect on some of the files.
+    [[nodiscard]] virtual QStringList optionsWithoutEffect(const ParsedArguments &, const QStringList &) const
+    {
+        return {};
+    }
 };
 
 /// The options that all batch commands know.

@@ -225,6 +225,10 @@ ExitStatus CliApplication::runBatch(const BatchCommand &command, const ParsedArg
             m_console.writeNote(line);
     }
     tab->addCollected(input.intake);
+    if (!arguments.has(u"quiet"_s)) {
+        for (const QString &line : command.optionsWithoutEffect(arguments, tab->fileNames()))
+            m_console.writeNote(line);
+    }
     prompts.setSubject([&] { return subjectOf(tab->fileNames(), input.names); });
     const NeededPrograms programs = command.neededPrograms(arguments, tab->fileNames());
     BatchRun batch(controller.taskQueue(), prompts, m_console,

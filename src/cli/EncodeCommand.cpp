@@ -6,6 +6,8 @@
 #include "convert/EncodeTab.h"
 #include "convert/EncodeThroughWavTask.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace nurv {
@@ -201,6 +203,32 @@ NeededPrograms EncodeCommand::neededPrograms(const ParsedArguments &arguments, c
     if (arguments.has(u"ffp"_s))
         programs.add({{u"metaflac"_s}, {}});
     return programs;
+}
+
+QStringList EncodeCommand::optionsWithoutEffect(const ParsedArguments &arguments, const QStringList &files) const
+{
+    QStringList notes;
+    if (formatOf(arguments) != u"flac")
+        return notes;
+    if (arguments.has(u"level"_s) && arguments.has(u"lax"_s))
+        notes.append(u"--level has no effect together with --lax: flac's own level counts"_s);
+    // For these flac is told nothing but whether to verify; for those that shntool hands to it, lax replaces all else.
+    const auto countOf = [&files](const QStringList &words) {
+        return std::count_if(files.begin(), files.end(),
+                             [&words](const QString &file) { return words.contains(formatWord(file)); });
+    };
+    const auto untold = countOf({u"WV"_s, u"M4A"_s});
+    for (const QString &option : {u"level"_s, u"lax"_s}) {
+        if (arguments.has(option) && untold > 0)
+            notes.append(u"--%1 has no effect on %2 WavPack or Apple Lossless %3: flac's own level counts"_s.arg(option)
+                             .arg(untold)
+                             .arg(untold == 1 ? u"source"_s : u"sources"_s));
+    }
+    const auto handed = countOf({u"SHN"_s, u"APE"_s});
+    if (arguments.has(u"lax"_s) && arguments.has(u"verify"_s) && handed > 0)
+        notes.append(u"--verify has no effect on %1 Shorten or Monkey's Audio %2 together with --lax"_s.arg(handed).arg(
+            handed == 1 ? u"source"_s : u"sources"_s));
+    return notes;
 }
 
 } // namespace nurv

@@ -16,6 +16,8 @@ public:
                                                    const ParsedArguments &arguments) const override;
     [[nodiscard]] NeededPrograms neededPrograms(const ParsedArguments &arguments,
                                                 const QStringList &files) const override;
+    [[nodiscard]] QStringList optionsWithoutEffect(const ParsedArguments &arguments,
+                                                   const QStringList &files) const override;
 };
 
 } // namespace nurv

@@ -68,11 +68,41 @@ AudioStreamDescription workingFormat(const AudioStreamDescription &source)
     working.formatFlags = kBigEndianIntegers;
     working.bitsPerChannel = workingBits(source);
     working.channelsPerFrame = source.channelsPerFrame;
-    // 20 bits come to 2 bytes here, which no reader delivers: better than to lose bits.
+    // 20 bits come to 2 bytes here.
     working.bytesPerFrame = working.bitsPerChannel / 8 * working.channelsPerFrame;
     working.bytesPerPacket = working.bytesPerFrame;
     working.framesPerPacket = 1;
     return working;
+}
+
+/// The next form whose bytes hold all bits of a sample: 20 bits come in 24, as their upper ones.
+AudioStreamDescription inWholeBytes(AudioStreamDescription working)
+{
+    if (working.bitsPerChannel % 8 == 0)
+        return working;
+    working.bitsPerChannel += 8 - working.bitsPerChannel % 8;
+    working.bytesPerFrame = working.bitsPerChannel / 8 * working.channelsPerFrame;
+    working.bytesPerPacket = working.bytesPerFrame;
+    return working;
+}
+
+/// What a source has that an output of the kind cannot hold, in a user's words; empty when there is nothing.
+QString obstacleIn(const AudioStreamDescription &source, const AudioStreamDescription &working, FourCharCode formatType,
+                   const QString &formatName)
+{
+    constexpr std::uint32_t kMostChannels = 8;
+    if (formatType == kFormatAAC && source.channelsPerFrame <= kMostChannels)
+        return {};
+    if (source.channelsPerFrame > kMostChannels)
+        return u"it has %1 channels, and %2 is written with up to %3"_s.arg(source.channelsPerFrame)
+            .arg(formatName)
+            .arg(kMostChannels);
+    if (source.formatId == kFormatLinearPCM && (source.formatFlags & kFlagFloat) != 0)
+        return u"its samples are floating-point numbers, which %1 cannot hold exactly"_s.arg(formatName);
+    const std::uint32_t bits = working.bitsPerChannel;
+    if (formatType == kFormatAppleLossless && bits != 16 && bits != 24)
+        return u"its samples have %1 bits, and %2 is written with 16 or 24"_s.arg(bits).arg(formatName);
+    return {};
 }
 
 double aacRate(double sourceRate)
@@ -129,7 +159,8 @@ void EncodeCoreAudioSync::convert(AudioFileReader &source, AudioFileWriter &outp
     check(source.lengthFrames(totalFrames),
           u"input ExtAudioFileGetProperty kExtAudioFileProperty_FileLengthFrames failed %1"_s);
 
-    const AudioStreamDescription working = workingFormat(format);
+    const AudioStreamDescription working = inWholeBytes(workingFormat(format));
+    m_obstacle = obstacleIn(format, working, m_formatType, m_formatStringValue);
     check(output.create(m_outFile, m_fileType, outputFormat(format, working), source),
           u"ExtAudioFileCreateWithURL failed %1"_s);
     const auto precision =
@@ -144,6 +175,7 @@ void EncodeCoreAudioSync::convert(AudioFileReader &source, AudioFileWriter &outp
         if (working.channelsPerFrame == kSurroundChannels)
             setAACSurroundChannelFormatSettings(output);
     }
+    m_obstacle.clear();
     copy(source, output, working, totalFrames);
     m_leavesSoundBehind = source.holdsMoreSound();
     // What the system reports only at the end is a failed write all the same. Nobody

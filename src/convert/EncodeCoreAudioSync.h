@@ -54,6 +54,9 @@ public:
 
     /// What a failed conversion put into the result set; empty otherwise.
     [[nodiscard]] const QString &failureText() const { return m_failureText; }
+    /// Why a conversion was refused, in a user's words: what the source has and the output
+    /// cannot hold. Empty where it did not fail for that.
+    [[nodiscard]] const QString &obstacle() const { return m_obstacle; }
 
 private:
     void convert(AudioFileReader &source, AudioFileWriter &output);
@@ -72,6 +75,7 @@ private:
     FourCharCode m_fileType;
     QString m_formatStringValue;
     QString m_failureText;
+    QString m_obstacle;
     std::uint32_t m_bitrate = 0;
     std::uint32_t m_quality = 0;
     std::uint32_t m_mode = 0;

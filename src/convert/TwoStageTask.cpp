@@ -134,6 +134,10 @@ bool TwoStageTask::convertAudio(const QString &source, const QString &file, Four
         return !cancelled();
     m_isHalfMade = true;
     keepReasonForReport(conversion.failureText() + u'\n');
+    if (!conversion.obstacle().isEmpty()) {
+        noteProblem(conversion.obstacle());
+        failWith(problemLine(conversion.obstacle()));
+    }
     return false;
 }
 

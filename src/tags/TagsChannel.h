@@ -36,7 +36,8 @@ public:
     [[nodiscard]] std::optional<Message> receive();
     [[nodiscard]] Fault fault() const { return m_fault; }
 
-    static constexpr qsizetype kMostBytes = qsizetype{640} << 20;
+    /// What TagLibGuard lets through, as UTF-16, with a picture.
+    static constexpr qsizetype kMostBytes = qsizetype{256} << 20;
 
 private:
     [[nodiscard]] bool waitFor(short events);

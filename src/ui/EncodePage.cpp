@@ -30,7 +30,7 @@ void EncodePage::addFlacOptions()
     QWidget *const parent = lastOptionGroup();
     addSlider(group, m_encodeTab.flacSlider, tr("Level"), u"flacSlider"_s, tr("FLAC compression level"), parent);
     addCheckBox(group, m_encodeTab.flacLaxButton, tr("Lax (&no level)"), u"flacLaxButton"_s,
-                tr("Passes --lax instead of a compression level"), parent);
+                tr("Passes --lax instead of a compression level; no effect on WavPack and Apple Lossless sources"), parent);
     addCheckBox(group, m_encodeTab.flacVerifyButton, tr("&Verify while encoding"), u"flacVerifyButton"_s,
                 tr("Decodes what is being written and compares it with the source"), parent);
     addCheckBox(group, m_encodeTab.flacKeepForeignMetadataButton, tr("&Keep foreign metadata"),

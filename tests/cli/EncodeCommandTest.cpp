@@ -72,6 +72,41 @@ TEST(EncodeCommand, EveryOptionReachesTheProgram)
               (QList<QByteArray>{"-8\t-V\t" + end, "--lax\t--keep-foreign-metadata\t-f\t" + end, "-5\t" + end}));
 }
 
+TEST(EncodeCommand, SaysWhereAnOptionHasNoEffect)
+{
+    const TestFolder folder;
+    const QString wav = writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
+    ASSERT_EQ(runProgram(u"wavpack"_s, {u"-q"_s, wav, u"-o"_s, folder.path(u"b.wv"_s)}).exitStatus, 0);
+    ASSERT_EQ(runNurv({u"encode"_s, u"--format=m4a"_s, u"--output-dir"_s, folder.path(), wav}).exitStatus, 0);
+    ASSERT_EQ(runNurv({u"encode"_s, u"--format=ape"_s, u"--output-dir"_s, folder.path(), wav}).exitStatus, 0);
+    folder.makeFolder(u"out"_s);
+    const auto notes = [&folder](const QStringList &options, const QStringList &names) {
+        QStringList arguments{u"encode"_s, u"--overwrite"_s, u"--yes"_s, u"--output-dir"_s, folder.path(u"out"_s)};
+        arguments += options;
+        for (const QString &name : names)
+            arguments += folder.path(name);
+        const ProgramResult result = runNurv(arguments);
+        EXPECT_EQ(result.exitStatus, 0) << result.errors.constData();
+        QStringList lines;
+        for (const QByteArray &line : result.errors.split('\n')) {
+            if (line.contains("no effect"))
+                lines.append(QString::fromUtf8(line));
+        }
+        return lines;
+    };
+    EXPECT_EQ(notes({u"--level=8"_s}, {u"a.wav"_s}), QStringList());
+    EXPECT_EQ(notes({}, {u"b.wv"_s, u"a.m4a"_s}), QStringList());
+    EXPECT_EQ(notes({u"--level=8"_s}, {u"b.wv"_s, u"a.m4a"_s}),
+              QStringList{u"nurv: --level has no effect on 2 WavPack or Apple Lossless sources: flac's own level counts"_s});
+    EXPECT_EQ(notes({u"--lax"_s}, {u"b.wv"_s}),
+              QStringList{u"nurv: --lax has no effect on 1 WavPack or Apple Lossless source: flac's own level counts"_s});
+    EXPECT_EQ(notes({u"--lax"_s, u"--level=0"_s}, {u"a.wav"_s}),
+              QStringList{u"nurv: --level has no effect together with --lax: flac's own level counts"_s});
+    EXPECT_EQ(notes({u"--lax"_s, u"--verify"_s}, {u"a.ape"_s}),
+              QStringList{u"nurv: --verify has no effect on 1 Shorten or Monkey's Audio source together with --lax"_s});
+    EXPECT_EQ(notes({u"--level=8"_s, u"--quiet"_s}, {u"b.wv"_s}), QStringList());
+}
+
 TEST(EncodeCommand, ChoicesStoredByTheWindowCountForNothingAndStayAsTheyAre)
 {
     const TestFolder folder;

@@ -52,6 +52,7 @@ protected:
                 configure(conversion);
             conversion.doEncodeCall();
             failureText = conversion.failureText();
+            obstacle = conversion.obstacle();
         });
         queue.addTask(job);
         EXPECT_TRUE(waitUntil([this] { return queue.taskCount() == 0; }, std::chrono::seconds(60)));
@@ -86,6 +87,7 @@ protected:
     QStringList shown;    ///< the status lines of the last conversion
     QList<double> values; ///< the progress beside them
     QString failureText;
+    QString obstacle;
     std::function<void(NURVTask &)> onProgress;
 };
 

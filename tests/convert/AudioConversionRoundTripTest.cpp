@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Every sample comes through; the ffmpeg program is the second opinion.
 #include "convert/AudioConversionFixture.h"
+#include "support/TwentyBitSound.h"
 
 #include "platform/CoreAudioHelper.h"
 
@@ -147,24 +148,23 @@ TEST_F(AudioConversionExactness, KeepsTwentyBitsThatStandInTwentyFour)
     EXPECT_EQ(folder.read(u"a.aiff"_s), aiffBytes(shape));
 }
 
-TEST_F(AudioConversionExactness, RefusesTwentyBitAppleLossless)
+TEST_F(AudioConversionExactness, GivesTwentyBitAppleLosslessAsTwentyFour)
 {
-    ASSERT_FALSE(
-        toAppleLossless(writeWav(folder.path(u"a.wav"_s), {.bits = 24, .frames = 5000}), folder.path(u"a.m4a"_s))
-            ->error());
-    QByteArray bytes = folder.read(u"a.m4a"_s);
-    // The sample entry comes first, the codec's own box of the same name in it.
-    const qsizetype box = bytes.indexOf("alac", bytes.indexOf("alac") + 4);
-    ASSERT_EQ(bytes[box + 13], 24);
-    bytes[box + 13] = 20;
-    const QString source = folder.write(u"a.m4a"_s, bytes);
-    const auto job = toWav(source, folder.path(u"b.wav"_s));
-    EXPECT_EQ(job->results()->results(), failure(source, u"WAV"_s, u"ExtAudioFileCreateWithURL failed fmt?"_s));
-    EXPECT_EQ(toAppleLossless(source, folder.path(u"b.m4a"_s))->results()->results(),
-              failure(source, u"Apple Lossless"_s, u"ExtAudioFileCreateWithURL failed fmt?"_s));
-    EXPECT_EQ(
-        toAac(source, folder.path(u"b.m4a"_s))->results()->results(),
-        failure(source, u"AAC"_s, u"ExtAudioFileSetProperty inFile, kExtAudioFileProperty_ClientDataFormat failed"_s));
+    for (const int channels : {1, 2}) {
+        constexpr int kFrames = 10000;
+        const QString source = writeTwentyBitAppleLossless(folder.path(u"a.m4a"_s), kFrames, channels);
+        const SoundShape shape{.rate = 48000, .bits = 24, .channels = channels, .frames = kFrames};
+        QByteArray wav = wavBytes(shape);
+        wav.replace(44, wav.size() - 44, twentyBitSamples(kFrames, channels));
+        ASSERT_FALSE(toWav(source, folder.path(u"b.wav"_s))->error()) << failureText.toStdString();
+        EXPECT_EQ(folder.read(u"b.wav"_s), wav);
+        ASSERT_FALSE(toAiff(source, folder.path(u"b.aiff"_s))->error());
+        EXPECT_TRUE(sameSound(folder.path(u"b.aiff"_s), folder.path(u"b.wav"_s)));
+        ASSERT_FALSE(toAppleLossless(source, folder.path(u"b.m4a"_s))->error());
+        EXPECT_TRUE(sameSound(folder.path(u"b.m4a"_s), folder.path(u"b.wav"_s)));
+        EXPECT_FALSE(toAac(source, folder.path(u"c.m4a"_s))->error());
+        EXPECT_EQ(decodedMd5(source), decodedMd5(folder.path(u"b.wav"_s))) << "ffmpeg reads the same samples";
+    }
 }
 
 TEST_F(AudioConversionExactness, RefusesAppleLosslessOfWidthsThatTheEncoderWouldChange)
@@ -174,6 +174,7 @@ TEST_F(AudioConversionExactness, RefusesAppleLosslessOfWidthsThatTheEncoderWould
         const QString output = folder.write(u"a.m4a"_s, "an older file");
         EXPECT_EQ(toAppleLossless(source, output)->results()->results(),
                   failure(source, u"Apple Lossless"_s, u"ExtAudioFileCreateWithURL failed fmt?"_s));
+        EXPECT_EQ(obstacle, u"its samples have %1 bits, and Apple Lossless is written with 16 or 24"_s.arg(bits));
         EXPECT_EQ(folder.read(u"a.m4a"_s), "an older file");
     }
 }
@@ -184,7 +185,25 @@ TEST_F(AudioConversionExactness, RefusesToRoundFloatingPointButForAac)
     EXPECT_EQ(
         toWav(source, folder.path(u"b.wav"_s))->results()->results(),
         failure(source, u"WAV"_s, u"ExtAudioFileSetProperty inFile, kExtAudioFileProperty_ClientDataFormat failed"_s));
+    EXPECT_EQ(obstacle, u"its samples are floating-point numbers, which WAV cannot hold exactly"_s);
     EXPECT_FALSE(toAac(source, folder.path(u"b.m4a"_s))->error());
+    EXPECT_EQ(obstacle, QString());
+}
+
+TEST_F(AudioConversionExactness, RefusesMoreThanEightChannels)
+{
+    const QString source = folder.path(u"a.wav"_s);
+    ASSERT_EQ(runProgram(u"sox"_s, {u"-R"_s, u"-n"_s, u"-r"_s, u"44100"_s, u"-c"_s, u"10"_s, u"-b"_s, u"16"_s, source,
+                                    u"synth"_s, u"0.1"_s, u"sine"_s, u"440"_s}).exitStatus, 0);
+    for (const auto &[format, file, name] : {std::tuple{kFormatAppleLossless, kFileM4A, u"Apple Lossless"_s},
+                                             std::tuple{kFormatAAC, kFileM4A, u"AAC"_s},
+                                             std::tuple{kFormatLinearPCM, kFileAIFF, u"AIFF"_s}}) {
+        const QString output = folder.path(u"b"_s);
+        EXPECT_EQ(convert(source, output, format, file)->results()->results(),
+                  failure(source, name, u"ExtAudioFileCreateWithURL failed fmt?"_s));
+        EXPECT_EQ(obstacle, u"it has 10 channels, and %1 is written with up to 8"_s.arg(name));
+        EXPECT_FALSE(folder.exists(u"b"_s));
+    }
 }
 
 TEST_F(AudioConversionExactness, ConvertsAnEmptyFile)

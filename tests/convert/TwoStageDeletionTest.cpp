@@ -3,6 +3,7 @@
 #include "convert/TwoStageFixture.h"
 
 #include "support/LogLines.h"
+#include "support/TwentyBitSound.h"
 
 #include <QDir>
 #include <QStandardPaths>
@@ -78,6 +79,16 @@ TEST_F(TwoStageDeletionTest, RemovesTheSourceOfEverySuccessfulJob)
         ASSERT_EQ(out.list().size(), 1);
         EXPECT_EQ(test::decodedMd5(out.path(out.list()[0])), sound);
         out.remove(out.list()[0]);
+    }
+}
+
+TEST_F(TwoStageDeletionTest, RemovesATwentyBitSourceThatIsKeptInTwentyFour)
+{
+    for (const QString &format : {u"WAV"_s, u"AIFF"_s}) {
+        const QString source = test::writeTwentyBitAppleLossless(folder.path(u"a.m4a"_s), 9000, 2);
+        const auto task = runDeleting(makeDecoder(source, format));
+        EXPECT_FALSE(task->error()) << qPrintable(task->report());
+        EXPECT_FALSE(QFile::exists(source)) << qPrintable(task->report());
     }
 }
 
