@@ -10,6 +10,8 @@
 #include "support/TestFolder.h"
 
 #include <gmock/gmock.h>
+#include <QFile>
+
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -248,8 +250,15 @@ TEST_F(NURVControllerTest, CancelsEveryJobWhenItTerminates)
 
 TEST_F(NURVControllerTest, TellsItsVersionAndBuild)
 {
-    EXPECT_EQ(NURVController::titleText(), u"Nurv Audio Workbench " NURV_VERSION ""_s);
-    EXPECT_EQ(NURVController::buildText(), u"(Build " NURV_VERSION ")"_s);
+    // What is told of the newest release where programs are looked for.
+    QFile metainfo(QStringLiteral(NURV_METAINFO));
+    ASSERT_TRUE(metainfo.open(QIODevice::ReadOnly));
+    const QString text = QString::fromUtf8(metainfo.readAll());
+    const qsizetype start = text.indexOf(u"<release version=\""_s) + 18;
+    const QString version = text.sliced(start, text.indexOf(u'"', start) - start);
+    ASSERT_EQ(version.count(u'.'), 2) << qPrintable(version);
+    EXPECT_EQ(NURVController::titleText(), u"Nurv Audio Workbench "_s + version);
+    EXPECT_EQ(NURVController::buildText(), u"(Build "_s + version + u')');
 }
 
 TEST_F(NURVControllerTest, HoldsFilesThatArriveWhileATabExecutesUntilItHasReturned)

@@ -5,6 +5,8 @@
 #include "convert/ConvertFixture.h"
 #include "convert/Transcript.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace nurv {
@@ -112,15 +114,36 @@ TEST_F(DecodeFlacTaskTest, RefusesADamagedFileAndLeavesNoOutput)
 
 TEST_F(DecodeFlacTaskTest, KeepsWhatCanBeDecodedThroughErrors)
 {
-    const QString whole = test::writeFlac(folder.path(u"whole.flac"_s), {.seconds = 5});
-    const QString source = folder.write(u"cut.flac"_s, folder.read(u"whole.flac"_s).first(60'000));
+    const test::SoundShape shape{.seconds = 5};
+    test::writeFlac(folder.path(u"whole.flac"_s), shape);
+    QByteArray bytes = folder.read(u"whole.flac"_s);
+    const qsizetype middle = bytes.size() / 2;
+    for (qsizetype at = middle; at < middle + 40; ++at)
+        bytes[at] = static_cast<char>(bytes[at] ^ 0x5A);
+    const QString source = folder.write(u"damaged.flac"_s, bytes);
     tools.addReal(u"flac"_s);
     set(u"warnOnDelete", false);
     DecodeTab tab(controller);
+    tab.deleteOriginalsButton.setOn(true);
+    run(tab, {source});
+    EXPECT_EQ(out.list(), QStringList()) << "without the option nothing is made of it";
+    EXPECT_TRUE(endedTasks.at(0)->error());
+
     tab.decodeFlacThroughErrors.setOn(true);
     run(tab, {source});
-    EXPECT_EQ(out.list(), QStringList{u"cut.wav"_s});
-    EXPECT_GT(out.read(u"cut.wav"_s).size(), 10'000);
+    ASSERT_EQ(out.list(), QStringList{u"damaged.wav"_s});
+    const QByteArray made = out.read(u"damaged.wav"_s);
+    const QByteArray original = test::wavBytes(shape);
+    ASSERT_EQ(made.size(), original.size()) << "what is lost is silent";
+    EXPECT_NE(made, original);
+    // All but the frame that is damaged and its neighbours.
+    constexpr qsizetype kAround = qsizetype{3} * 4096 * 4;
+    const qsizetype firstWrong = std::mismatch(made.begin(), made.end(), original.begin()).first - made.begin();
+    const qsizetype lastWrong = made.size() - (std::mismatch(made.rbegin(), made.rend(), original.rbegin()).first - made.rbegin());
+    EXPECT_GT(firstWrong, made.size() / 4);
+    EXPECT_LE(lastWrong - firstWrong, kAround);
+    EXPECT_TRUE(folder.exists(u"damaged.flac"_s)) << "the source is more than what could be decoded of it";
+    EXPECT_TRUE(outputWindows.last().contains(u"damaged.flac: "_s)) << qPrintable(outputWindows.last());
 }
 
 } // namespace

@@ -220,11 +220,15 @@ TEST_F(EncodeFlacTaskTest, RefusesATruncatedFlacFile)
     EXPECT_TRUE(folder.exists(u"cut.flac"_s));
 }
 
-TEST_F(EncodeFlacTaskTest, EncodesWithLax)
+TEST_F(EncodeFlacTaskTest, EncodesWithLaxWhatIsOutsideTheSubset)
 {
-    const QString source = test::writeWav(folder.path(u"a.wav"_s));
+    const QString source = test::writeWav(folder.path(u"a.wav"_s), {.rate = 100'001});
     tools.addReal(u"flac"_s);
     EncodeTab tab(controller);
+    run(tab, {source});
+    EXPECT_TRUE(endedTasks.at(0)->error());
+    EXPECT_TRUE(endedTasks.at(0)->report().contains(u"NOT_STREAMABLE"_s)) << qPrintable(endedTasks.at(0)->report());
+    EXPECT_EQ(out.list(), QStringList());
     tab.flacLaxButton.setOn(true);
     run(tab, {source});
     EXPECT_TRUE(test::sameSound(source, out.path(u"a.flac"_s)));
