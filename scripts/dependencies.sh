@@ -16,11 +16,11 @@ readonly NURV_RUNTIME_PACKAGES=(
     qt6-image-formats-plugins qt6-qpa-plugins qt6-wayland
 )
 readonly NURV_TEST_PACKAGES=(
-    appstream desktop-file-utils imagemagick libgmock-dev libgtest-dev man-db mediainfo openbox
-    python3 python3-dbusmock python3-gi shellcheck shntool xauth xdotool xvfb
+    appstream desktop-file-utils fish git imagemagick libgmock-dev libgtest-dev libjmac-java man-db mediainfo openbox
+    python3 python3-dbusmock python3-gi shellcheck shntool xauth xdotool xvfb zsh
 )
 # For those who change the sources: formatting, static checks, fuzzing.
-readonly NURV_DEVELOPMENT_PACKAGES=(clang clang-format clang-tidy git)
+readonly NURV_DEVELOPMENT_PACKAGES=(clang clang-format clang-tidy)
 
 # nurv_missing_packages PACKAGE...: prints those that are not installed.
 nurv_missing_packages() {

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <numeric>
-#include <optional>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -51,39 +50,76 @@ std::optional<QString> similarOption(const CommandSpec &command, const QString &
     return std::nullopt;
 }
 
-QString optionValue(const QString &name, const QByteArray &bytes)
+QString optionValue(const OptionSpec &option, const QByteArray &bytes)
 {
     const std::optional<QString> value = fileNameFromBytes(bytes);
     if (!value)
-        throw UsageError(u"the value of --%1 is not valid UTF-8: %2"_s.arg(name, displayName(bytes)));
+        throw UsageError(u"the value of --%1 is not valid UTF-8: %2"_s.arg(option.name, displayName(bytes)));
     if (value->isEmpty())
-        throw UsageError(u"the value of --%1 is empty"_s.arg(name));
-    return *value;
+        throw UsageError(u"the value of --%1 is empty"_s.arg(option.name));
+    const QString lowered = value->toLower();
+    return option.choices.contains(lowered) ? lowered : *value;
+}
+
+/// "a", "a or b", "a, b or c".
+QString alternatives(const QStringList &words)
+{
+    if (words.size() < 2)
+        return words.join(QString());
+    return words.first(words.size() - 1).join(u", "_s) + u" or "_s + words.last();
+}
+
+QString choiceText(const QStringList &choices)
+{
+    constexpr qsizetype kFew = 2;
+    return choices.size() > kFew ? u"one of "_s + choices.join(u", "_s) : choices.join(u" or "_s);
+}
+
+void checkNumber(const OptionSpec &option, const QString &value, const QString &format)
+{
+    const OptionSpec::Numbers *const numbers = option.numbersFor(format);
+    bool isNumber = false;
+    const int number = value.toInt(&isNumber);
+    if (!numbers || (isNumber && numbers->hold(number)))
+        return;
+    if (numbers->step == 1)
+        throw UsageError(u"--%1 takes a whole number from %2 to %3, not \"%4\""_s.arg(
+            option.name, QString::number(numbers->least), QString::number(numbers->most), value));
+    QStringList list;
+    for (int member = numbers->least; member <= numbers->most; member += numbers->step)
+        list.append(QString::number(member));
+    throw UsageError(
+        u"--%1 takes %2 with --format %3, not \"%4\""_s.arg(option.name, alternatives(list), format, value));
+}
+
+void checkValue(const OptionSpec &option, const ParsedArguments &arguments)
+{
+    const QString value = arguments.value(option.name);
+    const QString format = arguments.value(u"format"_s);
+    if (!option.choices.isEmpty() && !option.choices.contains(value))
+        throw UsageError(u"--%1 takes %2, not \"%3\""_s.arg(option.name, choiceText(option.choices), value));
+    if (!option.formats.isEmpty() && !option.formats.contains(format))
+        throw UsageError(u"--%1 goes with --format %2 only, not with %3"_s.arg(option.name, alternatives(option.formats), format));
+    if (!option.numbers.empty())
+        checkNumber(option, value, format);
 }
 
 } // namespace
 
-const OptionSpec *CommandSpec::option(const QString &optionName) const
-{
-    const auto found =
-        std::find_if(options.begin(), options.end(), [&](const OptionSpec &spec) { return spec.name == optionName; });
-    return found == options.end() ? nullptr : &*found;
-}
-
-int ParsedArguments::number(const QString &name, int minimum, int maximum) const
+std::optional<int> ParsedArguments::number(const QString &name) const
 {
     bool isNumber = false;
     const int result = value(name).toInt(&isNumber);
-    if (!isNumber || result < minimum || result > maximum) {
-        throw UsageError(u"--%1 takes a whole number from %2 to %3, not \"%4\""_s.arg(
-            name, QString::number(minimum), QString::number(maximum), value(name)));
-    }
-    return result;
+    return isNumber ? std::optional(result) : std::nullopt;
 }
 
 ParsedArguments parseArguments(const CommandSpec &command, const QList<QByteArray> &words)
 {
     ParsedArguments result;
+    for (const OptionSpec &option : command.options) {
+        if (!option.standard.isEmpty())
+            result.standards.insert(option.name, option.standard);
+    }
     bool optionsEnded = false;
     for (qsizetype i = 0; i < words.size(); ++i) {
         const QByteArray &word = words[i];
@@ -104,19 +140,44 @@ ParsedArguments parseArguments(const CommandSpec &command, const QList<QByteArra
             const QString hint = meant ? u" (did you mean --%1?)"_s.arg(*meant) : QString();
             throw UsageError(u"unknown option \"%1\""_s.arg(displayName(written)) + hint);
         }
-        if (option->valueName.isEmpty()) {
+        if (!option->takesValue()) {
             if (equals >= 0)
                 throw UsageError(u"--%1 takes no value"_s.arg(name));
             result.options.insert(name, QString());
         } else if (equals >= 0) {
-            result.options.insert(name, optionValue(name, word.mid(equals + 1)));
+            result.options.insert(name, optionValue(*option, word.mid(equals + 1)));
         } else if (i + 1 < words.size()) {
-            result.options.insert(name, optionValue(name, words[++i]));
+            result.options.insert(name, optionValue(*option, words[++i]));
         } else {
             throw UsageError(u"--%1 needs a value (%2)"_s.arg(name, option->valueName));
         }
     }
     return result;
+}
+
+void checkArguments(const CommandSpec &command, const ParsedArguments &arguments)
+{
+    const auto given = [&](const auto &check) {
+        for (const OptionSpec &option : command.options) {
+            if (arguments.has(option.name))
+                check(option);
+        }
+    };
+    given([&](const OptionSpec &option) { checkValue(option, arguments); });
+    if (command.takesPaths && arguments.operands.isEmpty())
+        throw UsageError(u"no files are given"_s);
+    if (!command.takesPaths && !arguments.operands.isEmpty())
+        throw UsageError(u"%1 takes no files"_s.arg(command.name));
+    given([&](const OptionSpec &option) {
+        for (const QString &other : option.excluded) {
+            if (arguments.has(other))
+                throw UsageError(u"--%1 and --%2 cannot both be given"_s.arg(option.name, other));
+        }
+    });
+    given([&](const OptionSpec &option) {
+        if (!option.partner.isEmpty() && !arguments.has(option.partner))
+            throw UsageError(u"--%1 goes with --%2 only"_s.arg(option.name, option.partner));
+    });
 }
 
 } // namespace nurv

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "cli/CommandSpec.h"
 #include "platform/NurvFailure.h"
 
 #include <QByteArray>
@@ -9,27 +10,9 @@
 #include <QList>
 #include <QString>
 
-#include <vector>
+#include <optional>
 
 namespace nurv {
-
-/// An option of a command, as its help shows it.
-struct OptionSpec {
-    QString name;      ///< without the leading dashes
-    QString valueName; ///< empty: the option takes no value
-    QString summary;
-};
-
-/// A command: its name and what may follow it.
-struct CommandSpec {
-    QString name;
-    QString summary;  ///< one line, for the list of commands
-    QString synopsis; ///< what follows "nurv <name>"
-    QString details;  ///< paragraphs for the command's own help
-    std::vector<OptionSpec> options;
-
-    [[nodiscard]] const OptionSpec *option(const QString &optionName) const;
-};
 
 /// Wrong usage; the reason is one sentence for the user.
 class UsageError : public NurvFailure {
@@ -39,18 +22,24 @@ public:
 
 /// The words after a command, taken apart.
 struct ParsedArguments {
-    QHash<QString, QString> options; ///< value by name; empty for options without one
-    QList<QByteArray> operands;      ///< everything else, as bytes: they name files
+    QHash<QString, QString> options;   ///< value by name; empty for options without one, words of a choice in lower case
+    QHash<QString, QString> standards; ///< of the options that have one
+    QList<QByteArray> operands;        ///< everything else, as bytes: they name files
 
     [[nodiscard]] bool has(const QString &name) const { return options.contains(name); }
-    [[nodiscard]] QString value(const QString &name) const { return options.value(name); }
-    /// The value as a whole number of that range. Throws UsageError.
-    [[nodiscard]] int number(const QString &name, int minimum, int maximum) const;
+    /// The value that counts: the given one, else the option's standard, else empty.
+    [[nodiscard]] QString value(const QString &name) const { return options.value(name, standards.value(name)); }
+    /// The same as a number; nothing without one. The option is one of numbers.
+    [[nodiscard]] std::optional<int> number(const QString &name) const;
 };
 
 /// Takes the words apart: `--name`, `--name value`, `--name=value`, in any order
 /// with operands; `--` ends the options; the last of repeated options counts.
 /// Throws UsageError.
 [[nodiscard]] ParsedArguments parseArguments(const CommandSpec &command, const QList<QByteArray> &words);
+
+/// Whether all of it goes together: values, formats, operands, options that exclude each other
+/// and those that lack their partner. Throws UsageError.
+void checkArguments(const CommandSpec &command, const ParsedArguments &arguments);
 
 } // namespace nurv

@@ -2,87 +2,173 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/BatchCommand.h"
 
-#include "originals/OriginalsControls.h"
+#include "app/BaseTab.h"
+#include "app/NURVController.h"
+#include "cli/BatchRun.h"
+#include "cli/Console.h"
+#include "cli/ConsolePrompts.h"
+#include "cli/HumanUnits.h"
+#include "cli/InputFiles.h"
+#include "cli/OutputFolder.h"
+#include "cli/RecoverCommand.h"
+#include "engine/NURVTaskQueue.h"
+#include "platform/NotificationCenter.h"
+#include "platform/NullDesktopServices.h"
+#include "platform/SettingsStore.h"
+#include "platform/WorkerThreads.h"
 
-#include <array>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <cstdlib>
+#include <optional>
 #include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace nurv {
 
-std::vector<OptionSpec> commonBatchOptions()
+namespace {
+
+/// The folder of --output-dir; nothing with --beside-source, and when the terminal
+/// will be asked for it. Throws UsageError.
+std::optional<QString> outputFolder(const ParsedArguments &arguments)
 {
-    return {
-        {u"output-dir"_s, u"DIR"_s, u"write the outputs into this folder, which must exist"_s},
-        {u"beside-source"_s, {}, u"write each output into the folder of its source"_s},
-        {u"keep-folders"_s, {}, u"make the folders of the sources again below the output folder"_s},
-        {u"overwrite"_s, {}, u"replace outputs that exist; without it they stay and their jobs fail"_s},
-        {u"skip-existing"_s, {}, u"pass over sources whose outputs exist, without an error"_s},
-        {u"delete-originals"_s, {}, u"remove each source whose output was proven to hold the same; asks first"_s},
-        {u"no-proof"_s, {}, u"with --delete-originals: decode and compare nothing before that"_s},
-        {u"drop-metadata"_s, {}, u"with --delete-originals: also lose what the output has no place for"_s},
-        {u"jobs"_s, u"N"_s, u"run up to N jobs at once (default: the setting of the preferences)"_s},
-        {u"yes"_s, {}, u"answer every question with \"Yes\""_s},
-        {u"no"_s, {}, u"answer every question with \"No\""_s},
-        {u"json"_s, {}, u"print one JSON object per finished job and one for the batch"_s},
-        {u"quiet"_s, {}, u"problems only: no progress, no lines about finished jobs and skipped files"_s},
-        {u"verbose"_s, {}, u"with each problem all that the programs wrote about it"_s},
-        {u"version"_s, {}, u"print the version and end"_s},
-        {u"help"_s, {}, u"print this text and end"_s},
+    if (arguments.has(u"beside-source"_s))
+        return std::nullopt;
+    if (!arguments.has(u"output-dir"_s)) {
+        if (!Console::canAsk())
+            throw UsageError(u"--output-dir DIR or --beside-source is needed"_s);
+        return std::nullopt;
+    }
+    const OutputFolder folder = checkOutputFolder(arguments.value(u"output-dir"_s));
+    if (!folder.obstacle.isEmpty())
+        throw UsageError(folder.obstacle);
+    return folder.path;
+}
+
+PromptAnswers answersOf(const ParsedArguments &arguments)
+{
+    PromptAnswers answers;
+    answers.outputFolder = outputFolder(arguments);
+    if (arguments.has(u"yes"_s) || arguments.has(u"no"_s))
+        answers.answerAll = arguments.has(u"yes"_s);
+    return answers;
+}
+
+/// "12 files, 1.3 GB: disc1/a.wav, disc1/b.wav, disc1/c.wav, ...".
+QString subjectOf(const QStringList &files, const SourceNames &names)
+{
+    constexpr qsizetype kExamples = 3;
+    qint64 bytes = 0;
+    for (const QString &path : files)
+        bytes += QFileInfo(path).size();
+    QStringList examples;
+    for (const QString &path : files.first(std::min(files.size(), kExamples)))
+        examples.append(names.nameOf(path));
+    if (files.size() > kExamples)
+        examples.append(u"..."_s);
+    return u"%1, %2: %3"_s.arg(files.size() == 1 ? u"1 file"_s : u"%1 files"_s.arg(files.size()), sizeText(bytes),
+                               examples.join(u", "_s));
+}
+
+BatchReport::Options reportOptions(const CommandSpec &command, const ParsedArguments &arguments,
+                                   const InputFiles &input)
+{
+    QStringList switches;
+    for (const OptionSpec &option : command.options)
+        switches.append(u"--"_s + option.name);
+    return {.json = arguments.has(u"json"_s),
+            .quiet = arguments.has(u"quiet"_s),
+            .verbose = arguments.has(u"verbose"_s),
+            .names = input.names,
+            .switches = switches,
+            .refused = static_cast<int>(input.refusals.size())};
+}
+
+void tellMissing(Console &console, const QStringList &texts)
+{
+    for (const QString &text : texts) {
+        QStringList lines = text.split(u'\n');
+        console.writeNote(lines.takeFirst());
+        for (const QString &line : std::as_const(lines))
+            console.writeLine(u"    "_s + line);
+    }
+}
+
+} // namespace
+
+std::unique_ptr<BaseTab> BatchCommand::tabFor(NURVController &controller, const ParsedArguments &arguments) const
+{
+    std::unique_ptr<BaseTab> tab = makeTab(controller);
+    for (const OptionSpec &option : spec().options) {
+        if (!option.set)
+            continue;
+        const bool counts = arguments.has(option.name) || !option.standard.isEmpty();
+        option.set(*tab, counts ? std::optional(arguments.value(option.name)) : std::nullopt);
+    }
+    tab->displayRelevantOptions();
+    return tab;
+}
+
+ExitStatus BatchCommand::run(const ParsedArguments &arguments, Console &console) const
+{
+    ConsolePrompts prompts(console, answersOf(arguments));
+    if (tellOfUnfinishedWork(console) && arguments.has(u"skip-existing"_s)) {
+        console.writeNote(u"--skip-existing could take an unfinished file for a finished one: nothing was done"_s);
+        return ExitStatus::Failed;
+    }
+    NURVController::registerDefaults();
+    // What the options choose must not become the window's choice.
+    SettingsStore::instance().setPersistence(SettingsStore::Persistence::MemoryOnly);
+    NullDesktopServices services;
+    NURVController controller(prompts, services);
+    if (const std::optional<int> jobs = arguments.number(u"jobs"_s))
+        NotificationCenter::instance().post(QString::fromUtf16(NURVMaxThreadsChangedNotification), *jobs);
+    const std::unique_ptr<BaseTab> tab = tabFor(controller, arguments);
+
+    const FileTest isValid = [&](const QString &path) {
+        return takes(path) && controller.isValidFile(tab->label(), path);
     };
-}
-
-void checkOptionPairs(const ParsedArguments &arguments)
-{
-    using Pair = std::pair<QString, QString>;
-    static const std::array excluding{
-        Pair{u"output-dir"_s, u"beside-source"_s},  Pair{u"keep-folders"_s, u"beside-source"_s},
-        Pair{u"overwrite"_s, u"skip-existing"_s},   Pair{u"quiet"_s, u"verbose"_s},
-        Pair{u"yes"_s, u"no"_s},                    Pair{u"no"_s, u"delete-originals"_s},
-        Pair{u"no"_s, u"overwrite"_s},
+    const FileTest isValidInFolder = [&](const QString &path) {
+        return controller.takesFromFolder(tab->label(), path) && isValid(path);
     };
-    for (const auto &[one, other] : excluding) {
-        if (arguments.has(one) && arguments.has(other))
-            throw UsageError(u"--%1 and --%2 cannot both be given"_s.arg(one, other));
+    const InputFiles input = collectInput(arguments.operands, isValid, isValidInFolder);
+    for (const QString &line : input.refusals)
+        console.writeNote(line);
+    if (!arguments.has(u"quiet"_s)) {
+        for (const QString &line : input.skipped)
+            console.writeNote(line);
     }
-    for (const QString &option : {u"no-proof"_s, u"drop-metadata"_s}) {
-        if (arguments.has(option) && !arguments.has(u"delete-originals"_s))
-            throw UsageError(u"--%1 goes with --delete-originals only"_s.arg(option));
+    tab->addCollected(input.intake);
+    if (!arguments.has(u"quiet"_s)) {
+        for (const QString &line : optionsWithoutEffect(arguments, tab->fileNames()))
+            console.writeNote(line);
     }
-}
+    prompts.setSubject([&] { return subjectOf(tab->fileNames(), input.names); });
+    const NeededPrograms programs = neededPrograms(arguments, tab->fileNames());
+    BatchRun batch(controller.taskQueue(), prompts, console,
+                   {.report = reportOptions(spec(), arguments, input),
+                    .programIsMissing = [&] { return !programs.missing().isEmpty(); }});
 
-void setOriginals(OriginalsControls &originals, const ParsedArguments &arguments)
-{
-    originals.proveButton.setOn(!arguments.has(u"no-proof"_s));
-    originals.dropMetadataButton.setOn(arguments.has(u"drop-metadata"_s));
-    originals.keepFoldersButton.setOn(arguments.has(u"keep-folders"_s));
-    originals.existingOutputs = ExistingOutputs::Refuse;
-    if (arguments.has(u"overwrite"_s))
-        originals.existingOutputs = ExistingOutputs::Replace;
-    else if (arguments.has(u"skip-existing"_s))
-        originals.existingOutputs = ExistingOutputs::Skip;
-}
-
-void requireFormat(const ParsedArguments &arguments, const QString &option, const QStringList &formats,
-                   const QString &format)
-{
-    if (arguments.has(option) && !formats.contains(format)) {
-        throw UsageError(
-            u"--%1 goes with --format %2 only, not with %3"_s.arg(option, formats.join(u" or "_s), format));
+    ExitStatus status = ExitStatus::Failed;
+    if (tab->fileNames().isEmpty()) {
+        console.writeNote(
+            u"there is nothing to %1: no file was found that can be worked on"_s.arg(spec().name));
+    } else if (const QStringList missing = programs.missing(); !missing.isEmpty()) {
+        tellMissing(console, missing);
+        status = ExitStatus::MissingProgram;
+    } else {
+        status = batch.run(*tab);
     }
-}
-
-QString chosenFormat(const ParsedArguments &arguments, const QStringList &formats, const QString &standard)
-{
-    if (!arguments.has(u"format"_s))
-        return standard;
-    const QString format = arguments.value(u"format"_s).toLower();
-    if (!formats.contains(format)) {
-        throw UsageError(
-            u"--format takes one of %1, not \"%2\""_s.arg(formats.join(u", "_s), arguments.value(u"format"_s)));
-    }
-    return format;
+    if (status == ExitStatus::Ok && !input.refusals.isEmpty())
+        status = ExitStatus::Failed;
+    batch.printBatchObject(status, input.refusals, input.skipped);
+    // A worker that hangs in the file system still uses what an orderly end would
+    // destroy. Everything is written already: the console keeps nothing back.
+    if (workerThreads::runningCount() > 0)
+        std::_Exit(static_cast<int>(status));
+    return status;
 }
 
 } // namespace nurv

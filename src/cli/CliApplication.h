@@ -11,24 +11,26 @@
 
 namespace nurv {
 
-class BatchCommand;
+class Command;
+class CommandTree;
 
-/// The program `nurv`, from its arguments to its exit status.
+/// A program of commands, from its arguments to its exit status.
 class CliApplication {
 public:
     /// Runs to the end of the command. `argc` and `argv` are those of main().
-    [[nodiscard]] static int main(int argc, char **argv);
+    [[nodiscard]] static int main(int argc, char **argv, const CommandTree &commands);
 
 private:
-    CliApplication(int &argc, char **argv);
+    CliApplication(int &argc, char **argv, const CommandTree &commands);
 
     ExitStatus run();
-    ExitStatus runCommand(const QByteArray &name, const QList<QByteArray> &words);
-    ExitStatus runBatch(const BatchCommand &command, const ParsedArguments &arguments);
+    ExitStatus runCommand(const Command &command, const QList<QByteArray> &words);
+    ExitStatus tellUnknown(const QList<QByteArray> &words);
     ExitStatus tellUsageError(const QString &command, const UsageError &error);
 
     int &m_argc;
     char **m_argv;
+    const CommandTree &m_commands;
     Console m_console;
 };
 

@@ -3,6 +3,7 @@
 #include "cli/DecodeCommand.h"
 
 #include "app/PathNames.h"
+#include "cli/BatchOptions.h"
 #include "convert/DecodeTab.h"
 
 using namespace Qt::StringLiterals;
@@ -10,17 +11,6 @@ using namespace Qt::StringLiterals;
 namespace nurv {
 
 namespace {
-
-const QStringList &formats()
-{
-    static const QStringList list{u"wav"_s, u"aiff"_s};
-    return list;
-}
-
-QString formatOf(const ParsedArguments &arguments)
-{
-    return chosenFormat(arguments, formats(), u"wav"_s);
-}
 
 NeededPrograms programsFor(const QString &sourceFormat)
 {
@@ -37,22 +27,36 @@ NeededPrograms programsFor(const QString &sourceFormat)
     return {};
 }
 
+std::vector<OptionSpec> ownOptions()
+{
+    return {
+        {.name = u"format"_s,
+         .valueName = u"FORMAT"_s,
+         .summary = u"wav (default) or aiff"_s,
+         .manual = u"The output format."_s,
+         .choices = {u"wav"_s, u"aiff"_s},
+         .standard = u"wav"_s,
+         .set = setsChoice(&DecodeTab::outputFormatMatrix)},
+        {.name = u"through-errors"_s,
+         .summary = u"FLAC sources: go on after errors in the stream"_s,
+         .manual = u"Goes on after an error in a FLAC file."_s,
+         .set = setsCheck(&DecodeTab::decodeFlacThroughErrors)},
+        {.name = u"keep-foreign-metadata"_s,
+         .summary = u"FLAC sources: restore the chunks that hold no audio"_s,
+         .manual = u"Restores the chunks that FLAC kept."_s,
+         .set = setsCheck(&DecodeTab::flacKeepForeignMetadataButton)},
+    };
+}
+
 CommandSpec makeSpec()
 {
-    CommandSpec spec;
-    spec.name = u"decode"_s;
-    spec.summary = u"turn lossless files back into WAV or AIFF"_s;
-    spec.synopsis = u"[OPTION]... (--output-dir DIR | --beside-source) PATH..."_s;
-    spec.details = u"Decodes every FLAC, Shorten, WavPack, TTA, Apple Lossless and Monkey's Audio file\n"
-                   "that the paths name; folders are searched with all that is in them."_s;
-    spec.options = {
-        {u"format"_s, u"FORMAT"_s, u"wav (default) or aiff"_s},
-        {u"through-errors"_s, {}, u"FLAC sources: go on after errors in the stream"_s},
-        {u"keep-foreign-metadata"_s, {}, u"FLAC sources: restore the chunks that hold no audio"_s},
-    };
-    for (const OptionSpec &option : commonBatchOptions())
-        spec.options.push_back(option);
-    return spec;
+    return {.name = u"decode"_s,
+            .summary = u"turn lossless files back into WAV or AIFF"_s,
+            .synopsis = u"[OPTION]... (--output-dir DIR | --beside-source) PATH..."_s,
+            .details = u"Decodes every FLAC, Shorten, WavPack, TTA, Apple Lossless and Monkey's Audio file\n"
+                       "that the paths name; folders are searched with all that is in them."_s,
+            .options = joined(joined(ownOptions(), outputOptions(outputSetters(&DecodeTab::sourceDecodeButton))),
+                              batchOptions())};
 }
 
 } // namespace
@@ -70,21 +74,9 @@ bool DecodeCommand::takes(const QString &path) const
     return words.contains(formatWord(path));
 }
 
-void DecodeCommand::check(const ParsedArguments &arguments) const
+std::unique_ptr<BaseTab> DecodeCommand::makeTab(NURVController &controller) const
 {
-    static_cast<void>(formatOf(arguments));
-}
-
-std::unique_ptr<BaseTab> DecodeCommand::makeTab(NURVController &controller, const ParsedArguments &arguments) const
-{
-    auto tab = std::make_unique<DecodeTab>(controller);
-    tab->outputFormatMatrix.selectTitle(formatOf(arguments));
-    tab->decodeFlacThroughErrors.setOn(arguments.has(u"through-errors"_s));
-    tab->flacKeepForeignMetadataButton.setOn(arguments.has(u"keep-foreign-metadata"_s));
-    tab->sourceDecodeButton.setOn(arguments.has(u"beside-source"_s));
-    tab->deleteOriginalsButton.setOn(arguments.has(u"delete-originals"_s));
-    setOriginals(tab->originals, arguments);
-    return tab;
+    return std::make_unique<DecodeTab>(controller);
 }
 
 NeededPrograms DecodeCommand::neededPrograms(const ParsedArguments &, const QStringList &files) const

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/DoctorCommand.h"
 
+#include "cli/BatchOptions.h"
 #include "cli/Console.h"
 #include "cli/TextWidth.h"
 #include "platform/ExternalPrograms.h"
@@ -128,39 +129,37 @@ void printJsonReport(Console &console, const std::vector<Finding> &findings, con
 
 CommandSpec makeSpec()
 {
-    CommandSpec spec;
-    spec.name = u"doctor"_s;
-    spec.summary = u"tell which external programs are there, and what provides the others"_s;
-    spec.synopsis = u"[OPTION]..."_s;
-    spec.details = u"Looks every external program up in the folder of the tools and asks it for its\n"
-                   "version. flac, metaflac, shntool and nurv-tags are required; the others are needed\n"
-                   "for the formats that they stand for. nurv-tags is a part of this program: where it\n"
-                   "is missing, no tags are copied, and their sources stay."_s;
-    spec.options = {
-        {u"json"_s, {}, u"print one JSON object per program and one for the whole"_s},
-        {u"quiet"_s, {}, u"print nothing; the exit status tells"_s},
-        {u"verbose"_s, {}, u"accepted as everywhere; everything is told already"_s},
-        {u"jobs"_s, u"N"_s, u"accepted as everywhere; there are no jobs"_s},
-        {u"yes"_s, {}, u"accepted as everywhere; there are no questions"_s},
-        {u"no"_s, {}, u"accepted as everywhere; there are no questions"_s},
-        {u"version"_s, {}, u"print the version and end"_s},
-        {u"help"_s, {}, u"print this text and end"_s},
-    };
-    return spec;
+    const OptionSpec yes{.name = u"yes"_s, .summary = u"accepted as everywhere; there are no questions"_s};
+    const OptionSpec no{.name = u"no"_s, .summary = u"accepted as everywhere; there are no questions"_s};
+    return {.name = u"doctor"_s,
+            .summary = u"tell which external programs are there, and what provides the others"_s,
+            .synopsis = u"[OPTION]..."_s,
+            .details = u"Looks every external program up in the folder of the tools and asks it for its\n"
+                       "version. flac, metaflac, shntool and nurv-tags are required; the others are needed\n"
+                       "for the formats that they stand for. nurv-tags is a part of this program: where it\n"
+                       "is missing, no tags are copied, and their sources stay."_s,
+            .takesPaths = false,
+            .options = joined({{.name = u"json"_s, .summary = u"print one JSON object per program and one for the whole"_s},
+                               {.name = u"quiet"_s, .summary = u"print nothing; the exit status tells"_s},
+                               {.name = u"verbose"_s, .summary = u"accepted as everywhere; everything is told already"_s},
+                               {.name = u"jobs"_s,
+                                .valueName = u"N"_s,
+                                .summary = u"accepted as everywhere; there are no jobs"_s},
+                               yes,
+                               no},
+                              standingOptions())};
 }
 
 } // namespace
 
-const CommandSpec &DoctorCommand::spec()
+const CommandSpec &DoctorCommand::spec() const
 {
     static const CommandSpec spec = makeSpec();
     return spec;
 }
 
-ExitStatus DoctorCommand::run(const ParsedArguments &arguments, Console &console)
+ExitStatus DoctorCommand::run(const ParsedArguments &arguments, Console &console) const
 {
-    if (!arguments.operands.isEmpty())
-        throw UsageError(u"doctor takes no files"_s);
     const std::vector<Finding> findings = findAll();
     QStringList missing;
     bool requiredIsMissing = false;

@@ -2,20 +2,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "cli/ArgumentParser.h"
-#include "cli/ExitStatus.h"
+#include "cli/Command.h"
 
 namespace nurv {
 
-class Console;
-
 /// `nurv doctor`: which external programs are there.
-class DoctorCommand {
+class DoctorCommand final : public Command {
 public:
-    [[nodiscard]] static const CommandSpec &spec();
+    [[nodiscard]] const CommandSpec &spec() const override;
     /// Starts every program once for its version. Blocks. Returns MissingProgram
     /// when one that `encode` or `decode` cannot do without is missing.
-    [[nodiscard]] static ExitStatus run(const ParsedArguments &arguments, Console &console);
+    [[nodiscard]] ExitStatus run(const ParsedArguments &arguments, Console &console) const override;
 };
 
 } // namespace nurv

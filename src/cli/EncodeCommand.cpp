@@ -3,6 +3,7 @@
 #include "cli/EncodeCommand.h"
 
 #include "app/PathNames.h"
+#include "cli/BatchOptions.h"
 #include "convert/EncodeTab.h"
 #include "convert/EncodeThroughWavTask.h"
 
@@ -14,32 +15,14 @@ namespace nurv {
 
 namespace {
 
-const QStringList &formats()
-{
-    static const QStringList list{u"shn"_s, u"wv"_s, u"flac"_s, u"tta"_s, u"ape"_s, u"m4a"_s};
-    return list;
-}
-
 constexpr int kDefaultFlacLevel = 5;
-constexpr int kFastest = 1000;
-constexpr int kStrongest = 5000;
 
-QString formatOf(const ParsedArguments &arguments)
+void setLevel(BaseTab &tab, const std::optional<QString> &value)
 {
-    return chosenFormat(arguments, formats(), u"flac"_s);
-}
-
-void checkLevel(const ParsedArguments &arguments, const QString &format)
-{
-    requireFormat(arguments, u"level"_s, {u"flac"_s, u"ape"_s}, format);
-    if (!arguments.has(u"level"_s))
-        return;
-    if (format == u"flac") {
-        static_cast<void>(arguments.number(u"level"_s, 0, 8));
-    } else if (arguments.number(u"level"_s, kFastest, kStrongest) % kFastest != 0) {
-        throw UsageError(u"--level takes 1000, 2000, 3000, 4000 or 5000 with --format ape, not \"%1\""_s.arg(
-            arguments.value(u"level"_s)));
-    }
+    auto &encode = static_cast<EncodeTab &>(tab);
+    encode.flacSlider.setIntegerValue(kDefaultFlacLevel);
+    if (value)
+        (encode.outputFormat() == u"APE" ? encode.apeSlider : encode.flacSlider).setIntegerValue(value->toInt());
 }
 
 /// What reads a source of that kind before its samples reach the encoder.
@@ -122,27 +105,73 @@ NeededPrograms programsFor(const QString &format, const QString &sourceFormat)
     return programs;
 }
 
+std::vector<OptionSpec> ownOptions()
+{
+    const QStringList flac{u"flac"_s};
+    return {
+        {.name = u"format"_s,
+         .valueName = u"FORMAT"_s,
+         .summary = u"flac (default), shn, wv, ape, tta or m4a"_s,
+         .manual = u"The output format."_s,
+         .choices = {u"shn"_s, u"wv"_s, u"flac"_s, u"tta"_s, u"ape"_s, u"m4a"_s},
+         .standard = u"flac"_s,
+         .set = setsChoice(&EncodeTab::outputFormatMatrix)},
+        {.name = u"level"_s,
+         .valueName = u"N"_s,
+         .summary = u"flac: 0 to 8 (default 5); ape: 1000, 2000, ... 5000 (default 2000)"_s,
+         .manual = u"Compression level: 0 to 8 for FLAC; 1000, 2000, 3000, 4000 or 5000 for Monkey's Audio. WavPack and "
+                   "Apple Lossless sources become FLAC with flac's own level, 5, and a note says so."_s,
+         .numbers = {{.least = 0, .most = 8, .formats = flac},
+                     {.least = 1000, .most = 5000, .step = 1000, .formats = {u"ape"_s}}},
+         .formats = {u"flac"_s, u"ape"_s},
+         .set = setLevel},
+        {.name = u"mode"_s,
+         .valueName = u"MODE"_s,
+         .summary = u"wv: fast (default) or high"_s,
+         .manual = u"WavPack mode."_s,
+         .choices = {u"fast"_s, u"high"_s},
+         .standard = u"fast"_s,
+         .formats = {u"wv"_s},
+         .set = setsChoice(&EncodeTab::wavepackFormatMatrix)},
+        {.name = u"lax"_s,
+         .summary = u"flac: allow streams outside the subset; the level is then not used"_s,
+         .manual = u"Lets FLAC leave its streamable subset; no level is passed then, and for Shorten and Monkey's Audio "
+                   "sources no --verify either. WavPack and Apple Lossless sources become FLAC without it, and a note says "
+                   "so."_s,
+         .formats = flac,
+         .set = setsCheck(&EncodeTab::flacLaxButton)},
+        {.name = u"verify"_s,
+         .summary = u"flac: decode while encoding and compare"_s,
+         .manual = u"FLAC decodes what it writes and compares it with the source."_s,
+         .formats = flac,
+         .set = setsCheck(&EncodeTab::flacVerifyButton)},
+        {.name = u"keep-foreign-metadata"_s,
+         .summary = u"flac: keep the chunks of WAV and AIFF files that hold no audio"_s,
+         .manual = u"Keeps the chunks of a WAV or AIFF file that are not audio inside the FLAC file."_s,
+         .formats = flac,
+         .set = setsCheck(&EncodeTab::flacKeepForeignMetadataButton)},
+        {.name = u"ffp"_s,
+         .summary = u"flac: write a fingerprint list into every output folder afterwards"_s,
+         .manual = u"Writes a list of FLAC fingerprints per output folder after the batch."_s,
+         .formats = flac,
+         .set = setsCheck(&EncodeTab::generateFFPButton)},
+        {.name = u"md5"_s,
+         .summary = u"shn: write an MD5 list of the outputs afterwards"_s,
+         .manual = u"Writes an MD5 list of the Shorten files after the batch."_s,
+         .formats = {u"shn"_s},
+         .set = setsCheck(&EncodeTab::generateMD5Button)},
+    };
+}
+
 CommandSpec makeSpec()
 {
-    CommandSpec spec;
-    spec.name = u"encode"_s;
-    spec.summary = u"turn files into FLAC, Shorten, WavPack, Monkey's Audio, TTA or Apple Lossless"_s;
-    spec.synopsis = u"[OPTION]... (--output-dir DIR | --beside-source) PATH..."_s;
-    spec.details = u"Encodes every WAV, AIFF, FLAC, Shorten, WavPack, TTA, Monkey's Audio and Apple\n"
-                   "Lossless file that the paths name; folders are searched with all that is in them."_s;
-    spec.options = {
-        {u"format"_s, u"FORMAT"_s, u"flac (default), shn, wv, ape, tta or m4a"_s},
-        {u"level"_s, u"N"_s, u"flac: 0 to 8 (default 5); ape: 1000, 2000, ... 5000 (default 2000)"_s},
-        {u"mode"_s, u"MODE"_s, u"wv: fast (default) or high"_s},
-        {u"lax"_s, {}, u"flac: allow streams outside the subset; the level is then not used"_s},
-        {u"verify"_s, {}, u"flac: decode while encoding and compare"_s},
-        {u"keep-foreign-metadata"_s, {}, u"flac: keep the chunks of WAV and AIFF files that hold no audio"_s},
-        {u"ffp"_s, {}, u"flac: write a fingerprint list into every output folder afterwards"_s},
-        {u"md5"_s, {}, u"shn: write an MD5 list of the outputs afterwards"_s},
-    };
-    for (const OptionSpec &option : commonBatchOptions())
-        spec.options.push_back(option);
-    return spec;
+    return {.name = u"encode"_s,
+            .summary = u"turn files into FLAC, Shorten, WavPack, Monkey's Audio, TTA or Apple Lossless"_s,
+            .synopsis = u"[OPTION]... (--output-dir DIR | --beside-source) PATH..."_s,
+            .details = u"Encodes every WAV, AIFF, FLAC, Shorten, WavPack, TTA, Monkey's Audio and Apple\n"
+                       "Lossless file that the paths name; folders are searched with all that is in them."_s,
+            .options = joined(joined(ownOptions(), outputOptions(outputSetters(&EncodeTab::sourceEncodeButton))),
+                              batchOptions())};
 }
 
 } // namespace
@@ -158,45 +187,14 @@ bool EncodeCommand::takes(const QString &) const
     return true;
 }
 
-void EncodeCommand::check(const ParsedArguments &arguments) const
+std::unique_ptr<BaseTab> EncodeCommand::makeTab(NURVController &controller) const
 {
-    const QString format = formatOf(arguments);
-    for (const QString &option : {u"lax"_s, u"verify"_s, u"keep-foreign-metadata"_s, u"ffp"_s})
-        requireFormat(arguments, option, {u"flac"_s}, format);
-    requireFormat(arguments, u"md5"_s, {u"shn"_s}, format);
-    requireFormat(arguments, u"mode"_s, {u"wv"_s}, format);
-    checkLevel(arguments, format);
-    const QString mode = arguments.value(u"mode"_s);
-    if (arguments.has(u"mode"_s) && mode != u"fast" && mode != u"high")
-        throw UsageError(u"--mode takes fast or high, not \"%1\""_s.arg(mode));
-}
-
-std::unique_ptr<BaseTab> EncodeCommand::makeTab(NURVController &controller, const ParsedArguments &arguments) const
-{
-    const QString format = formatOf(arguments);
-    auto tab = std::make_unique<EncodeTab>(controller);
-    tab->outputFormatMatrix.selectTitle(format);
-    tab->displayRelevantOptions();
-    tab->sourceEncodeButton.setOn(arguments.has(u"beside-source"_s));
-    tab->deleteOriginalsButton.setOn(arguments.has(u"delete-originals"_s));
-    setOriginals(tab->originals, arguments);
-    tab->generateMD5Button.setOn(arguments.has(u"md5"_s));
-    tab->generateFFPButton.setOn(arguments.has(u"ffp"_s));
-    tab->flacVerifyButton.setOn(arguments.has(u"verify"_s));
-    tab->flacLaxButton.setOn(arguments.has(u"lax"_s));
-    tab->flacKeepForeignMetadataButton.setOn(arguments.has(u"keep-foreign-metadata"_s));
-    tab->wavepackFormatMatrix.selectTitle(arguments.has(u"mode"_s) ? arguments.value(u"mode"_s) : u"fast"_s);
-    tab->flacSlider.setIntegerValue(kDefaultFlacLevel);
-    if (arguments.has(u"level"_s)) {
-        const int level = arguments.value(u"level"_s).toInt();
-        (format == u"ape" ? tab->apeSlider : tab->flacSlider).setIntegerValue(level);
-    }
-    return tab;
+    return std::make_unique<EncodeTab>(controller);
 }
 
 NeededPrograms EncodeCommand::neededPrograms(const ParsedArguments &arguments, const QStringList &files) const
 {
-    const QString format = formatOf(arguments);
+    const QString format = arguments.value(u"format"_s);
     NeededPrograms programs;
     for (const QString &file : files)
         programs.add(programsFor(format, formatWord(file)));
@@ -208,7 +206,7 @@ NeededPrograms EncodeCommand::neededPrograms(const ParsedArguments &arguments, c
 QStringList EncodeCommand::optionsWithoutEffect(const ParsedArguments &arguments, const QStringList &files) const
 {
     QStringList notes;
-    if (formatOf(arguments) != u"flac")
+    if (arguments.value(u"format"_s) != u"flac")
         return notes;
     if (arguments.has(u"level"_s) && arguments.has(u"lax"_s))
         notes.append(u"--level has no effect together with --lax: flac's own level counts"_s);

@@ -10,10 +10,10 @@ namespace nurv {
 class EncodeCommand final : public BatchCommand {
 public:
     [[nodiscard]] const CommandSpec &spec() const override;
+
+protected:
+    [[nodiscard]] std::unique_ptr<BaseTab> makeTab(NURVController &controller) const override;
     [[nodiscard]] bool takes(const QString &path) const override;
-    void check(const ParsedArguments &arguments) const override;
-    [[nodiscard]] std::unique_ptr<BaseTab> makeTab(NURVController &controller,
-                                                   const ParsedArguments &arguments) const override;
     [[nodiscard]] NeededPrograms neededPrograms(const ParsedArguments &arguments,
                                                 const QStringList &files) const override;
     [[nodiscard]] QStringList optionsWithoutEffect(const ParsedArguments &arguments,

@@ -21,22 +21,39 @@ QString optionText(const OptionSpec &option)
     return option.valueName.isEmpty() ? u"--"_s + option.name : u"--"_s + option.name + u'=' + option.valueName;
 }
 
+/// A line for each.
+QString listOf(const std::vector<const Command *> &commands)
+{
+    qsizetype width = 0;
+    for (const Command *command : commands)
+        width = std::max(width, command->spec().name.size());
+    QString text;
+    for (const Command *command : commands)
+        text += u"  "_s + command->spec().name.leftJustified(width + 3) + command->spec().summary + u'\n';
+    return text;
+}
+
 } // namespace
 
-QString generalHelp(const std::vector<const CommandSpec *> &commands)
+QString generalHelp(const CommandTree &commands)
 {
-    QString text = u"Usage: nurv COMMAND [OPTION]... [PATH]...\n"
-                   "\n"
-                   "Batch work on lossless audio files, without windows.\n"
-                   "\n"
-                   "Commands:\n"_s;
-    for (const CommandSpec *command : commands)
-        text += u"  "_s + command->name.leftJustified(10) + command->summary + u'\n';
-    text += u"\n"
-            "\"nurv COMMAND --help\" tells the options of a command; \"nurv --version\" prints\n"
-            "the version. Options and paths may be mixed; \"--\" ends the options.\n"
-            "\n"_s;
-    return text + kExitStatus;
+    return u"Usage: nurv COMMAND [OPTION]... [PATH]...\n"
+           "\n"
+           "Batch work on lossless audio files, without windows.\n"
+           "\n"
+           "Commands:\n"_s
+           + listOf(commands.commands())
+           + u"\n"
+             "\"nurv COMMAND --help\" tells the options of a command; \"nurv --version\" prints\n"
+             "the version. Options and paths may be mixed; \"--\" ends the options.\n"
+             "\n"_s
+           + kExitStatus;
+}
+
+QString groupHelp(const QString &word, const std::vector<const Command *> &group)
+{
+    return u"Usage: nurv %1 COMMAND [OPTION]... [PATH]...\n\nCommands:\n"_s.arg(word) + listOf(group)
+           + u"\n\"nurv %1 COMMAND --help\" tells the options of a command.\n\n"_s.arg(word) + kExitStatus;
 }
 
 QString commandHelp(const CommandSpec &command)

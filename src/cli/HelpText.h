@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "cli/ArgumentParser.h"
+#include "cli/CommandTree.h"
 
 #include <QString>
 
@@ -11,7 +11,10 @@
 namespace nurv {
 
 /// What `nurv --help` prints, with one line for each command.
-[[nodiscard]] QString generalHelp(const std::vector<const CommandSpec *> &commands);
+[[nodiscard]] QString generalHelp(const CommandTree &commands);
+
+/// What `nurv <word> --help` prints for the first word of several commands.
+[[nodiscard]] QString groupHelp(const QString &word, const std::vector<const Command *> &group);
 
 /// What `nurv <command> --help` prints.
 [[nodiscard]] QString commandHelp(const CommandSpec &command);

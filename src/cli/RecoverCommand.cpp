@@ -3,6 +3,7 @@
 #include "cli/RecoverCommand.h"
 
 #include "app/PathNames.h"
+#include "cli/BatchOptions.h"
 #include "cli/Console.h"
 #include "cli/ConsolePrompts.h"
 #include "journal/UnfinishedWork.h"
@@ -198,42 +199,38 @@ bool isEverythingDone(const UnfinishedWork &done)
 
 CommandSpec makeSpec()
 {
-    CommandSpec spec;
-    spec.name = u"recover"_s;
-    spec.summary = u"remove what runs that were killed left half made"_s;
-    spec.synopsis = u"[OPTION]..."_s;
-    spec.details = u"After a crash or a power cut: lists the outputs that were left half made, temporary\n"
-                   "files, and files that were moved aside; after one question it removes the former\n"
-                   "and puts the latter back. What may be complete is only named. Then it lists the\n"
-                   "sources that were not finished. Programs of such a run that still work are ended."_s;
-    spec.options = {
-        {u"dry-run"_s, {}, u"list only"_s},
-        {u"json"_s, {}, u"print one JSON object per file and one for the whole"_s},
-        {u"verbose"_s, {}, u"accepted as everywhere; everything is told already"_s},
-        {u"quiet"_s, {}, u"print nothing but the question and warnings"_s},
-        {u"jobs"_s, u"N"_s, u"accepted as everywhere; there are no jobs"_s},
-        {u"yes"_s, {}, u"answer the question with \"Yes\""_s},
-        {u"no"_s, {}, u"answer the question with \"No\""_s},
-        {u"version"_s, {}, u"print the version and end"_s},
-        {u"help"_s, {}, u"print this text and end"_s},
-    };
-    return spec;
+    return {.name = u"recover"_s,
+            .summary = u"remove what runs that were killed left half made"_s,
+            .synopsis = u"[OPTION]..."_s,
+            .details = u"After a crash or a power cut: lists the outputs that were left half made, temporary\n"
+                       "files, and files that were moved aside; after one question it removes the former\n"
+                       "and puts the latter back. What may be complete is only named. Then it lists the\n"
+                       "sources that were not finished. Programs of such a run that still work are ended."_s,
+            .takesPaths = false,
+            .options = joined({{.name = u"dry-run"_s,
+                                .summary = u"list only"_s,
+                                .manual = u"Lists what there is to do, and changes nothing."_s},
+                               {.name = u"json"_s, .summary = u"print one JSON object per file and one for the whole"_s},
+                               {.name = u"verbose"_s, .summary = u"accepted as everywhere; everything is told already"_s},
+                               {.name = u"quiet"_s, .summary = u"print nothing but the question and warnings"_s},
+                               {.name = u"jobs"_s,
+                                .valueName = u"N"_s,
+                                .summary = u"accepted as everywhere; there are no jobs"_s},
+                               {.name = u"yes"_s, .summary = u"answer the question with \"Yes\""_s, .excluded = {u"no"_s}},
+                               {.name = u"no"_s, .summary = u"answer the question with \"No\""_s}},
+                              standingOptions())};
 }
 
 } // namespace
 
-const CommandSpec &RecoverCommand::spec()
+const CommandSpec &RecoverCommand::spec() const
 {
     static const CommandSpec spec = makeSpec();
     return spec;
 }
 
-ExitStatus RecoverCommand::run(const ParsedArguments &arguments, Console &console)
+ExitStatus RecoverCommand::run(const ParsedArguments &arguments, Console &console) const
 {
-    if (!arguments.operands.isEmpty())
-        throw UsageError(u"recover takes no files"_s);
-    if (arguments.has(u"yes"_s) && arguments.has(u"no"_s))
-        throw UsageError(u"--yes and --no cannot both be given"_s);
     const bool json = arguments.has(u"json"_s);
     const bool prints = !json && !arguments.has(u"quiet"_s);
     UnfinishedWork work = UnfinishedWork::find();

@@ -2,8 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "cli/ArgumentParser.h"
-#include "cli/ExitStatus.h"
+#include "cli/Command.h"
 
 namespace nurv {
 
@@ -11,12 +10,12 @@ class Console;
 
 /// `nurv recover`: removes what runs that were killed left half made, and names what
 /// they did not finish.
-class RecoverCommand {
+class RecoverCommand final : public Command {
 public:
-    [[nodiscard]] static const CommandSpec &spec();
+    [[nodiscard]] const CommandSpec &spec() const override;
     /// Lists, asks once, cleans up. Blocks. Ok when nothing is left to do; Failed when
     /// something was left, or the answer was no; Usage when there was nobody to ask.
-    [[nodiscard]] static ExitStatus run(const ParsedArguments &arguments, Console &console);
+    [[nodiscard]] ExitStatus run(const ParsedArguments &arguments, Console &console) const override;
 };
 
 /// One line for the beginning of a batch, when an earlier run left something behind.

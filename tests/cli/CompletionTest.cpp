@@ -43,7 +43,7 @@ QStringList optionsInHelp(const QString &command)
 
 TEST(Completion, OffersTheCommands)
 {
-    EXPECT_EQ(completionsOf({u"nurv"_s, u""_s}), (QStringList{u"decode"_s, u"doctor"_s, u"encode"_s, u"recover"_s}));
+    EXPECT_EQ(completionsOf({u"nurv"_s, u""_s}), (QStringList{u"--help"_s, u"--version"_s, u"decode"_s, u"doctor"_s, u"encode"_s, u"recover"_s}));
     EXPECT_EQ(completionsOf({u"nurv"_s, u"en"_s}), QStringList{u"encode"_s});
 }
 
@@ -51,6 +51,22 @@ TEST(Completion, OffersExactlyTheOptionsThatTheHelpLists)
 {
     for (const QString &command : {u"encode"_s, u"decode"_s, u"doctor"_s, u"recover"_s})
         EXPECT_EQ(completionsOf({u"nurv"_s, command, u"--"_s}), optionsInHelp(command)) << qPrintable(command);
+}
+
+TEST(Completion, OffersTheSameInFish)
+{
+    for (const QString &command : {u"encode"_s, u"decode"_s, u"doctor"_s, u"recover"_s}) {
+        const ProgramResult result = runProgram(
+            u"fish"_s, {u"--no-config"_s, u"-c"_s, u"source $argv[1]; complete -C $argv[2]"_s,
+                        QString::fromLocal8Bit(NURV_FISH_COMPLETION), u"nurv "_s + command + u" --"_s});
+        QStringList offered;
+        for (const QByteArray &line : result.output.split('\n')) {
+            if (!line.isEmpty())
+                offered.append(QString::fromUtf8(line.split('\t').first()).remove(u'='));
+        }
+        offered.sort();
+        EXPECT_EQ(offered, optionsInHelp(command)) << result.errors.constData();
+    }
 }
 
 TEST(Completion, OffersTheValuesOfAnOption)

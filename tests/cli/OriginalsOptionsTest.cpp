@@ -51,10 +51,10 @@ protected:
             const EncodeCommand encode;
             const DecodeCommand decode;
             store(stored);
-            const auto encodeTab = encode.makeTab(controller, parseArguments(encode.spec(), words));
+            const auto encodeTab = encode.tabFor(controller, parseArguments(encode.spec(), words));
             expect(dynamic_cast<EncodeTab &>(*encodeTab).originals, proves, dropsMetadata, keepsFolders, existing);
             store(stored);
-            const auto decodeTab = decode.makeTab(controller, parseArguments(decode.spec(), words));
+            const auto decodeTab = decode.tabFor(controller, parseArguments(decode.spec(), words));
             expect(dynamic_cast<DecodeTab &>(*decodeTab).originals, proves, dropsMetadata, keepsFolders, existing);
         }
     }

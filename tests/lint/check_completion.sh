@@ -2,11 +2,11 @@
 # SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 # SPDX-License-Identifier: GPL-3.0-or-later
 
-# The bash completion offers what fits at the place of the cursor.
+# The bash completion $1 offers what fits at the place of the cursor.
 set -euo pipefail
 
-# shellcheck source=data/completions/nurv
-source data/completions/nurv
+# shellcheck disable=SC1090
+source "$1"
 
 # expect WORDS COMMAND-LINE-WORD...: completing the last word offers WORDS.
 expect() {
@@ -23,7 +23,7 @@ expect() {
 }
 
 expect 'encode' nurv e
-expect 'encode decode doctor recover' nurv ''
+expect 'encode decode doctor recover --version --help' nurv ''
 expect 'flac' nurv encode --format f
 expect 'wav aiff' nurv decode --format ''
 expect 'flac' nurv encode --format = fl

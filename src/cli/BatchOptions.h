@@ -1,0 +1,92 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "app/BaseTab.h"
+#include "app/Control.h"
+#include "cli/CommandSpec.h"
+#include "originals/OriginalsControls.h"
+
+#include <optional>
+#include <vector>
+
+namespace nurv {
+
+// Setters for the controls of a tab, by the member that they are.
+
+/// On when the option is given.
+template<typename Tab>
+[[nodiscard]] ControlSetter setsCheck(CheckControl Tab::*control)
+{
+    return [control](BaseTab &tab, const std::optional<QString> &value) {
+        (static_cast<Tab &>(tab).*control).setOn(value.has_value());
+    };
+}
+
+/// The cell whose title the value is.
+template<typename Tab>
+[[nodiscard]] ControlSetter setsChoice(ChoiceControl Tab::*control)
+{
+    return [control](BaseTab &tab, const std::optional<QString> &value) {
+        (static_cast<Tab &>(tab).*control).selectTitle(value.value_or(QString()));
+    };
+}
+
+/// A check box of the tab's `originals`: on when the option is given, or only then off.
+template<typename Tab>
+[[nodiscard]] ControlSetter setsOriginals(CheckControl OriginalsControls::*control, bool isOnWhenGiven = true)
+{
+    return [control, isOnWhenGiven](BaseTab &tab, const std::optional<QString> &value) {
+        (static_cast<Tab &>(tab).originals.*control).setOn(value.has_value() == isOnWhenGiven);
+    };
+}
+
+/// The controls behind `outputOptions`.
+struct OutputSetters {
+    ControlSetter besideSource;
+    ControlSetter keepFolders;
+    ControlSetter overwrite;
+    ControlSetter skipExisting;
+    ControlSetter deleteOriginals;
+    ControlSetter noProof;
+    ControlSetter dropMetadata;
+};
+
+/// Of a tab whose sources become outputs: it has `originals` and `deleteOriginalsButton`.
+template<typename Tab>
+[[nodiscard]] OutputSetters outputSetters(CheckControl Tab::*besideSource)
+{
+    return {.besideSource = setsCheck(besideSource),
+            .keepFolders = setsOriginals<Tab>(&OriginalsControls::keepFoldersButton),
+            .overwrite =
+                [](BaseTab &tab, const std::optional<QString> &value) {
+                    static_cast<Tab &>(tab).originals.existingOutputs =
+                        value ? ExistingOutputs::Replace : ExistingOutputs::Refuse;
+                },
+            .skipExisting =
+                [](BaseTab &tab, const std::optional<QString> &value) {
+                    if (value)
+                        static_cast<Tab &>(tab).originals.existingOutputs = ExistingOutputs::Skip;
+                },
+            .deleteOriginals = setsCheck(&Tab::deleteOriginalsButton),
+            .noProof = setsOriginals<Tab>(&OriginalsControls::proveButton, false),
+            .dropMetadata = setsOriginals<Tab>(&OriginalsControls::dropMetadataButton)};
+}
+
+/// Where outputs go, and what becomes of originals and of outputs that exist.
+[[nodiscard]] std::vector<OptionSpec> outputOptions(const OutputSetters &setters);
+
+/// Of every batch: jobs, answers, what is printed.
+[[nodiscard]] std::vector<OptionSpec> batchOptions();
+
+/// "--version" and "--help", which every command has.
+[[nodiscard]] std::vector<OptionSpec> standingOptions();
+
+/// "--yes" and "--no", as the manual page has them.
+[[nodiscard]] OptionSpec yesOption();
+[[nodiscard]] OptionSpec noOption();
+
+/// The lists behind each other.
+[[nodiscard]] std::vector<OptionSpec> joined(std::vector<OptionSpec> list, const std::vector<OptionSpec> &more);
+
+} // namespace nurv

@@ -1,0 +1,22 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/Commands.h"
+
+#include "cli/DecodeCommand.h"
+#include "cli/DoctorCommand.h"
+#include "cli/EncodeCommand.h"
+#include "cli/RecoverCommand.h"
+
+namespace nurv {
+
+const CommandTree &commands()
+{
+    static const EncodeCommand encode;
+    static const DecodeCommand decode;
+    static const DoctorCommand doctor;
+    static const RecoverCommand recover;
+    static const CommandTree tree({&encode, &decode, &doctor, &recover});
+    return tree;
+}
+
+} // namespace nurv
