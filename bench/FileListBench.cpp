@@ -8,6 +8,7 @@
 #include "platform/NullDesktopServices.h"
 #include "platform/SettingsStore.h"
 #include "support/TestFolder.h"
+#include "toolbox/Toolbox.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -68,11 +69,11 @@ int main(int argc, char **argv)
     const QCoreApplication application(argc, argv);
     const test::TestFolder folder;
     makeFiles(folder.path());
-    NURVController::registerDefaults();
+    NURVController::registerDefaults(toolbox());
     SettingsStore::instance().setPersistence(SettingsStore::Persistence::MemoryOnly);
     NoPrompts prompts;
     NullDesktopServices services;
-    NURVController controller(prompts, services);
+    NURVController controller(prompts, services, toolbox());
 
     QList<double> times;
     const double before = peakMegabytes();

@@ -22,89 +22,62 @@ namespace nurv {
 
 namespace {
 
+// The pages that files go to by their extensions.
 const QString kDecode = u"decode"_s;
 const QString kEncode = u"encode"_s;
 const QString kChecksum = u"checksum"_s;
-const QString kShntool = u"shntool"_s;
-const QString kFix = u"fix SBE"_s;
-const QString kUtil = u"util"_s;
-const QString kTags = u"Tags"_s;
-const QString kLossy = u"lossy"_s;
 
 constexpr qsizetype kMostKindsTold = 20;
-
-QStringList words(const QString &text)
-{
-    return text.split(u' ');
-}
-
-// The util page takes any file and so has no entry.
-QHash<QString, QStringList> makeExtensionMap()
-{
-    return {
-        {kDecode, words(u"FLAC SHN WV M4A TTA APE"_s)},
-        {kEncode, words(u"WAV AIF AIFF FLAC SHN WV TTA APE"_s)},
-        {kChecksum, words(u"WAV AIFF AIF FLAC SHN MD5 FFP TXT APE WV TTA ST5"_s)},
-        {kShntool, words(u"FLAC SHN WAV AIF AIFF TTA WV APE"_s)},
-        {kFix, words(u"FLAC SHN WAV AIF AIFF WV TTA"_s)},
-        {kLossy, words(u"FLAC SHN WAV AIFF AIF WV TTA"_s)},
-        {kTags, words(u"FLAC M4A MP3 WV APE"_s)},
-    };
-}
 
 } // namespace
 
 const QString NURVController::kAboutLabel = u"about"_s;
 
-void NURVController::registerDefaults()
+void NURVController::registerDefaults(const std::vector<Tool> &tools)
 {
-    SettingsStore::instance().registerDefaults({
-        {u"shntoolNamesFormat"_s, u"%number. %name %time"_s},
+    SettingsStore &settings = SettingsStore::instance();
+    settings.registerDefaults({
         {u"maxThreads"_s, 2},
-        {u"encodeOutputFormat"_s, 2},
-        {u"encodeFlacLevel"_s, 5},
-        {u"fixOutputFormat"_s, 1},
-        {u"fixFlacLevel"_s, 4},
-        {u"shntoolCommandOption"_s, 0},
-        {u"shntoolLenOption"_s, 0},
-        {u"shntoolOutputFormat"_s, 1},
-        {u"lossySliderLevel"_s, 3},
-        {u"lossyStepperLevel"_s, 88},
-        {u"lossyComboLevel"_s, 160},
-        {u"opusFrameSizeIndex"_s, 3},
         {u"SUScheduledCheckInterval"_s, 604800},
         {u"trashOrDelete"_s, 0},
-        {u"ffpExtension"_s, u"ffp.txt"_s},
-        {u"flacVerifyButton"_s, 0},
-        {u"flacKeepForeignMetadataButton"_s, 0},
-        {u"flacGenerateFFPButton"_s, 0},
         {u"warnOnDelete"_s, true},
         {u"warnOnFilesSkipped"_s, true},
-        {u"checksumFileUsesOutputDirName"_s, false},
-        {u"encodeToSourceDirectory"_s, 0},
-        {u"decodeToSourceDirectory"_s, 0},
-        {u"encodeLossyToSourceDirectory"_s, 0},
-        {u"incomingSurroundOrder"_s, u"L R C LFE LS RS (STANDARD)"_s},
         {u"proveBeforeDeleting"_s, 1},
         {u"dropMetadata"_s, 0},
         {u"keepFolders"_s, 0},
     });
+    for (const Tool &tool : tools)
+        settings.registerDefaults(tool.defaults);
 }
 
-NURVController::NURVController(UserPrompts &prompts, DesktopServices &services)
-    : m_prompts(prompts), m_extensionMap(makeExtensionMap()), m_selectedLabel(pageLabels().first())
+NURVController::NURVController(UserPrompts &prompts, DesktopServices &services, const std::vector<Tool> &tools)
+    : m_prompts(prompts), m_tools(tools), m_selectedLabel(pageLabels().first())
 {
-    registerDefaults();
+    registerDefaults(tools);
     m_taskQueue = std::make_unique<NURVTaskQueue>(services);
 }
 
 NURVController::~NURVController() = default;
 
-const QStringList &NURVController::pageLabels()
+QStringList NURVController::pageLabels() const
 {
-    static const QStringList labels{kDecode, kEncode, kChecksum, kShntool,   kFix,
-                                    kUtil,   kTags,   kLossy,    kAboutLabel};
-    return labels;
+    QStringList labels;
+    for (const Tool &tool : m_tools)
+        labels.append(tool.label);
+    return labels << kAboutLabel;
+}
+
+const Tool *NURVController::tool(const QString &label) const
+{
+    const auto found =
+        std::find_if(m_tools.begin(), m_tools.end(), [&label](const Tool &tool) { return tool.label == label; });
+    return found == m_tools.end() ? nullptr : &*found;
+}
+
+QStringList NURVController::extensions(const QString &label) const
+{
+    const Tool *const page = tool(label);
+    return page ? page->extensions : QStringList();
 }
 
 void NURVController::selectTab(const QString &label)
@@ -115,8 +88,9 @@ void NURVController::selectTab(const QString &label)
 
 void NURVController::selectTab(int index)
 {
-    if (index >= 0 && index < pageLabels().size())
-        selectTab(pageLabels().at(index));
+    const QStringList labels = pageLabels();
+    if (index >= 0 && index < labels.size())
+        selectTab(labels.at(index));
 }
 
 void NURVController::show(const QString &label)
@@ -135,13 +109,14 @@ void NURVController::didSelectTabViewItem()
 
 bool NURVController::isValidFile(const QString &label, const QString &path) const
 {
-    const QStringList accepted = extensions(label);
-    if (accepted.isEmpty() || label == kChecksum)
+    const Tool *const page = tool(label);
+    if (!page || page->extensions.isEmpty() || page->takesAllFiles)
         return true;
+    const QStringList &accepted = page->extensions;
     const QString extension = formatWord(path);
     if (extension.isEmpty())
-        return label != kTags;
-    if (extension == u"M4A" && (label == kLossy || label == kEncode))
+        return page->takesFilesWithoutExtension;
+    if (extension == u"M4A" && page->takesAppleLossless)
         return CoreAudioHelper::isAppleLossless(path);
     if (accepted.contains(extension))
         return true;
@@ -188,18 +163,18 @@ void NURVController::addCollected(const QString &label, const FileIntake &found)
 
 bool NURVController::takesFromFolder(const QString &label, const QString &path) const
 {
-    const QStringList accepted = extensions(label);
-    if (accepted.isEmpty() || label == kChecksum)
+    const Tool *const page = tool(label);
+    if (!page || page->extensions.isEmpty() || page->takesAllFiles)
         return true;
     const QString extension = formatWord(path);
-    if (label == kEncode && extension == u"M4A")
+    if (extension == u"M4A" && page->takesAppleLosslessFromFolders)
         return CoreAudioHelper::isAppleLossless(path);
-    return accepted.contains(extension);
+    return page->extensions.contains(extension);
 }
 
 void NURVController::routeByExtension(const FileIntake &found)
 {
-    static const QStringList compressed = words(u"FLAC SHN WV TTA M4A APE"_s);
+    static const QStringList compressed{u"FLAC"_s, u"SHN"_s, u"WV"_s, u"TTA"_s, u"M4A"_s, u"APE"_s};
     QMap<QString, FileIntake> filesOfPage;
     // Of all the pages that the files select one after the other only the last
     // stays, so only that one is shown.

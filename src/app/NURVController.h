@@ -3,8 +3,8 @@
 #pragma once
 
 #include "app/FileIntake.h"
+#include "app/Tool.h"
 
-#include <QHash>
 #include <QList>
 #include <QMap>
 #include <QObject>
@@ -14,6 +14,7 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <vector>
 
 namespace nurv {
 
@@ -33,18 +34,19 @@ public:
     /// The label of the page that is no tool.
     static const QString kAboutLabel;
 
-    /// Registers the default of every setting. Before anything reads one.
-    static void registerDefaults();
+    /// Registers the default of every setting, those of the tools and those of all. Before anything reads one.
+    static void registerDefaults(const std::vector<Tool> &tools);
 
-    /// Both must outlive the controller.
-    NURVController(UserPrompts &prompts, DesktopServices &services);
+    /// `tools` in the order of their pages. All must outlive the controller.
+    NURVController(UserPrompts &prompts, DesktopServices &services, const std::vector<Tool> &tools);
     ~NURVController() override;
 
     [[nodiscard]] NURVTaskQueue &taskQueue() const { return *m_taskQueue; }
     [[nodiscard]] UserPrompts &prompts() const { return m_prompts; }
 
+    [[nodiscard]] const std::vector<Tool> &tools() const { return m_tools; }
     /// All page labels in the order of the pages, also of tools that are not there.
-    [[nodiscard]] static const QStringList &pageLabels();
+    [[nodiscard]] QStringList pageLabels() const;
     /// The tab of the page, or nothing.
     [[nodiscard]] BaseTab *tab(const QString &label) const { return m_tabMap.value(label); }
     void registerTab(const QString &label, BaseTab &tab) { m_tabMap.insert(label, &tab); }
@@ -61,7 +63,7 @@ public:
     void selectTab(int index);
 
     /// The upper-case extensions that the page takes; empty: it takes any file.
-    [[nodiscard]] QStringList extensions(const QString &label) const { return m_extensionMap.value(label); }
+    [[nodiscard]] QStringList extensions(const QString &label) const;
     /// Whether the page can handle the file. Any thread; may read the file's header.
     [[nodiscard]] bool isValidFile(const QString &label, const QString &path) const;
     /// Whether the page takes the file out of a folder that arrives with the
@@ -107,6 +109,8 @@ Q_SIGNALS:
     void pageSelected(const QString &label);
 
 private:
+    /// Null for a page that is no tool.
+    [[nodiscard]] const Tool *tool(const QString &label) const;
     void routeByExtension(const FileIntake &found);
     void show(const QString &label);
     void didSelectTabViewItem();
@@ -117,7 +121,7 @@ private:
     UserPrompts &m_prompts;
     std::unique_ptr<NURVTaskQueue> m_taskQueue;
     QMap<QString, BaseTab *> m_tabMap;
-    const QHash<QString, QStringList> m_extensionMap; ///< read on any thread
+    const std::vector<Tool> &m_tools; ///< read on any thread
     QString m_selectedLabel;
     int m_executions = 0;
     QList<std::function<void()>> m_waitingChanges;

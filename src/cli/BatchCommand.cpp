@@ -16,6 +16,7 @@
 #include "platform/NullDesktopServices.h"
 #include "platform/SettingsStore.h"
 #include "platform/WorkerThreads.h"
+#include "toolbox/Toolbox.h"
 
 #include <QFileInfo>
 
@@ -118,11 +119,11 @@ ExitStatus BatchCommand::run(const ParsedArguments &arguments, Console &console)
         console.writeNote(u"--skip-existing could take an unfinished file for a finished one: nothing was done"_s);
         return ExitStatus::Failed;
     }
-    NURVController::registerDefaults();
+    NURVController::registerDefaults(toolbox());
     // What the options choose must not become the window's choice.
     SettingsStore::instance().setPersistence(SettingsStore::Persistence::MemoryOnly);
     NullDesktopServices services;
-    NURVController controller(prompts, services);
+    NURVController controller(prompts, services, toolbox());
     if (const std::optional<int> jobs = arguments.number(u"jobs"_s))
         NotificationCenter::instance().post(QString::fromUtf16(NURVMaxThreadsChangedNotification), *jobs);
     const std::unique_ptr<BaseTab> tab = tabFor(controller, arguments);

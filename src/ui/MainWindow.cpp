@@ -2,21 +2,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/MainWindow.h"
 
+#include "app/BaseTab.h"
 #include "app/NURVController.h"
 #include "app/UserPrompts.h"
-#include "convert/DecodeTab.h"
-#include "convert/EncodeTab.h"
 #include "engine/NURVTaskQueue.h"
 #include "platform/GuiThread.h"
 #include "platform/SettingsStore.h"
 #include "platform/WorkerThreads.h"
 #include "ui/AboutPage.h"
 #include "ui/ApplicationIcon.h"
-#include "ui/DecodePage.h"
-#include "ui/EncodePage.h"
 #include "ui/GivenFiles.h"
 #include "ui/OutputWindow.h"
+#include "ui/Pages.h"
 #include "ui/StatusWindow.h"
+#include "ui/TabPage.h"
 #include "ui/WindowPlace.h"
 
 #include <QCloseEvent>
@@ -39,26 +38,6 @@ constexpr int kCascade = 28;
 constexpr qsizetype kMostWindowsAtOnce = 20;
 const QString kGeometryKey = u"window/geometry"_s;
 const QString kPageKey = u"window/page"_s;
-
-QString pageTitle(const QString &label)
-{
-    static const QHash<QString, QString> titles{
-        {u"decode"_s, MainWindow::tr("Decode")},     {u"encode"_s, MainWindow::tr("Encode")},
-        {u"checksum"_s, MainWindow::tr("Checksum")}, {u"shntool"_s, MainWindow::tr("SHNtool")},
-        {u"fix SBE"_s, MainWindow::tr("Fix SBE")},   {u"util"_s, MainWindow::tr("Util")},
-        {u"Tags"_s, MainWindow::tr("Tags")},         {u"lossy"_s, MainWindow::tr("Lossy")},
-    };
-    return titles.value(label, label);
-}
-
-TabPage *makePage(BaseTab *tab)
-{
-    if (auto *const decodeTab = qobject_cast<DecodeTab *>(tab))
-        return new DecodePage(*decodeTab);
-    if (auto *const encodeTab = qobject_cast<EncodeTab *>(tab))
-        return new EncodePage(*encodeTab);
-    return nullptr;
-}
 
 } // namespace
 
@@ -93,17 +72,17 @@ MainWindow::~MainWindow()
 
 void MainWindow::createPages()
 {
-    for (const QString &label : NURVController::pageLabels()) {
-        if (label == NURVController::kAboutLabel) {
-            m_tabView->addTab(new AboutPage, tr("About"));
-            m_labels.append(label);
-        } else if (TabPage *const page = makePage(m_controller.tab(label))) {
-            m_tabView->addTab(page, pageTitle(label));
-            m_labels.append(label);
-            m_pages.insert(label, page);
-            connect(page, &TabPage::readinessChanged, this, &MainWindow::showReadiness);
-        }
+    for (const Tool &tool : m_controller.tools()) {
+        TabPage *const page = makePage(m_controller.tab(tool.label));
+        if (page == nullptr)
+            continue;
+        m_tabView->addTab(page, tool.title);
+        m_labels.append(tool.label);
+        m_pages.insert(tool.label, page);
+        connect(page, &TabPage::readinessChanged, this, &MainWindow::showReadiness);
     }
+    m_tabView->addTab(new AboutPage, tr("About"));
+    m_labels.append(NURVController::kAboutLabel);
 }
 
 QAction *MainWindow::addAction(QMenu *menu, const QString &title, const QString &objectName,

@@ -3,14 +3,14 @@
 #include "ui/Workbench.h"
 
 #include "app/ApplicationShutdown.h"
+#include "app/BaseTab.h"
 #include "app/NURVController.h"
-#include "convert/DecodeTab.h"
-#include "convert/EncodeTab.h"
 #include "platform/FileNames.h"
 #include "platform/PrintableLog.h"
 #include "platform/SettingsStore.h"
 #include "platform/TerminationSignals.h"
 #include "platform/Version.h"
+#include "toolbox/Toolbox.h"
 #include "ui/ApplicationIcon.h"
 #include "ui/GivenFiles.h"
 #include "ui/LegibleStyle.h"
@@ -89,10 +89,11 @@ int Workbench::run(int &argc, char **argv)
 
 Workbench::Workbench()
 {
-    NURVController::registerDefaults();
-    m_controller = std::make_unique<NURVController>(m_prompts, m_services);
-    m_decodeTab = std::make_unique<DecodeTab>(*m_controller);
-    m_encodeTab = std::make_unique<EncodeTab>(*m_controller);
+    m_controller = std::make_unique<NURVController>(m_prompts, m_services, toolbox());
+    for (const Tool &tool : m_controller->tools()) {
+        if (tool.makeTab)
+            m_tabs.push_back(tool.makeTab(*m_controller));
+    }
     m_window = std::make_unique<MainWindow>(*m_controller);
     m_prompts.setMainWindow(m_window.get());
     m_services.setWindow(m_window.get());

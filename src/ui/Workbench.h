@@ -8,11 +8,11 @@
 #include <QObject>
 
 #include <memory>
+#include <vector>
 
 namespace nurv {
 
-class DecodeTab;
-class EncodeTab;
+class BaseTab;
 class MainWindow;
 class NURVController;
 
@@ -38,8 +38,7 @@ private:
     DesktopPrompts m_prompts;
     WindowDesktopServices m_services;
     std::unique_ptr<NURVController> m_controller;
-    std::unique_ptr<DecodeTab> m_decodeTab;
-    std::unique_ptr<EncodeTab> m_encodeTab;
+    std::vector<std::unique_ptr<BaseTab>> m_tabs;
     std::unique_ptr<MainWindow> m_window;
     bool m_hasQuit = false;
 };

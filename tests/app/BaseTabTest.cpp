@@ -9,6 +9,7 @@
 #include "support/AudioFixtures.h"
 #include "support/TestFolder.h"
 #include "support/WaitUntil.h"
+#include "toolbox/Toolbox.h"
 
 #include <QElapsedTimer>
 
@@ -328,7 +329,7 @@ TEST(BaseTabPrompts, GetNoFolderFromAChooserThatFails)
     };
     FailingPrompts prompts;
     NullDesktopServices services;
-    NURVController controller(prompts, services);
+    NURVController controller(prompts, services, toolbox());
     test::CountingTab tab(controller, u"decode"_s);
     EXPECT_EQ(tab.chooseOutputFolder(), std::nullopt);
 }

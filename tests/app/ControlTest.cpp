@@ -6,6 +6,7 @@
 #include "app/TestApplication.h"
 #include "platform/SettingsStore.h"
 #include "support/WaitUntil.h"
+#include "toolbox/Toolbox.h"
 
 #include <QFile>
 
@@ -42,7 +43,7 @@ QList<QByteArray> settingsLines()
 
 class BoundControl : public ::testing::Test {
 protected:
-    BoundControl() { NURVController::registerDefaults(); }
+    BoundControl() { NURVController::registerDefaults(toolbox()); }
 
     SettingsStore &store = SettingsStore::instance();
 };

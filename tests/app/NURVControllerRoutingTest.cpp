@@ -128,7 +128,7 @@ TEST_F(Routing, SendsEachFileFromTheAboutPageToTheTabOfItsExtension)
             expectMessageOfKinds(extension.isEmpty() ? u"file."_s : extension);
         controller.addFiles({path});
         EXPECT_EQ(controller.selectedTabViewItem(), route.shown) << qPrintable(extension);
-        for (const QString &label : NURVController::pageLabels().first(8)) {
+        for (const QString &label : controller.pageLabels().first(8)) {
             const QStringList expected = label == route.tab ? QStringList{path} : QStringList();
             EXPECT_EQ(listOf(label), expected) << qPrintable(extension + u" on "_s + label);
             application.tab(label).clearFiles();

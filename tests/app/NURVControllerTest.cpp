@@ -62,7 +62,7 @@ Alert quitQuestion(const QString &text)
 
 TEST_F(NURVControllerTest, HasItsPagesInTheirOrder)
 {
-    EXPECT_THAT(NURVController::pageLabels(),
+    EXPECT_THAT(controller.pageLabels(),
                 ElementsAre(u"decode"_s, u"encode"_s, u"checksum"_s, u"shntool"_s, u"fix SBE"_s, u"util"_s, u"Tags"_s,
                             u"lossy"_s, u"about"_s));
 }
@@ -115,7 +115,7 @@ TEST_F(NURVControllerTest, JudgesEveryExtensionOnEveryPage)
 TEST_F(NURVControllerTest, TakesAFileWithoutExtensionEverywhereButOnTheTagsPage)
 {
     const QString path = folder.write(u"bonus"_s, "x");
-    for (const QString &label : NURVController::pageLabels())
+    for (const QString &label : controller.pageLabels())
         EXPECT_EQ(controller.isValidFile(label, path), label != u"Tags") << qPrintable(label);
 }
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/NURVController.h"
 #include "platform/SettingsStore.h"
+#include "toolbox/Toolbox.h"
 
 #include <gtest/gtest.h>
 
@@ -18,14 +19,14 @@ struct IntegerSetting {
 
 class SettingsRegistry : public ::testing::Test {
 protected:
-    SettingsRegistry() { NURVController::registerDefaults(); }
+    SettingsRegistry() { NURVController::registerDefaults(toolbox()); }
 
     SettingsStore &store = SettingsStore::instance();
 };
 
 class IntegerSettings : public ::testing::TestWithParam<IntegerSetting> {
 protected:
-    IntegerSettings() { NURVController::registerDefaults(); }
+    IntegerSettings() { NURVController::registerDefaults(toolbox()); }
 };
 
 } // namespace
@@ -37,7 +38,7 @@ TEST_P(IntegerSettings, HaveTheirDefaultUntilAValueIsStored)
     EXPECT_EQ(store.integer(key), GetParam().value);
     store.setValue(key, GetParam().value + 1);
     EXPECT_EQ(store.integer(key), GetParam().value + 1);
-    NURVController::registerDefaults();
+    NURVController::registerDefaults(toolbox());
     EXPECT_EQ(store.integer(key), GetParam().value + 1);
     store.remove(key);
     EXPECT_EQ(store.integer(key), GetParam().value);

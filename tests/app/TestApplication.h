@@ -7,6 +7,7 @@
 #include "app/ScriptedPrompts.h"
 #include "platform/NullDesktopServices.h"
 #include "platform/SettingsStore.h"
+#include "toolbox/Toolbox.h"
 
 #include <QString>
 #include <QVariant>
@@ -67,11 +68,12 @@ protected:
 /// on every page that has one.
 class TestApplication {
 public:
-    explicit TestApplication(const QStringList &labels = NURVController::pageLabels())
+    /// Without labels every tool has a tab.
+    explicit TestApplication(const QStringList &labels = {})
     {
-        for (const QString &label : labels) {
-            if (label != NURVController::kAboutLabel)
-                m_tabs.emplace(label, std::make_unique<CountingTab>(controller, label));
+        for (const Tool &tool : toolbox()) {
+            if (labels.isEmpty() || labels.contains(tool.label))
+                m_tabs.emplace(tool.label, std::make_unique<CountingTab>(controller, tool.label));
         }
     }
 
@@ -79,7 +81,7 @@ public:
 
     NullDesktopServices services;
     ScriptedPrompts prompts;
-    NURVController controller{prompts, services};
+    NURVController controller{prompts, services, toolbox()};
 
 private:
     std::map<QString, std::unique_ptr<CountingTab>> m_tabs;

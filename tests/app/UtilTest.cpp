@@ -7,6 +7,7 @@
 #include "platform/FileFacts.h"
 #include "platform/NurvFailure.h"
 #include "support/TestFolder.h"
+#include "toolbox/Toolbox.h"
 
 #include <QDir>
 #include <QFile>
@@ -36,7 +37,7 @@ namespace {
 
 class UtilTest : public ::testing::Test {
 protected:
-    UtilTest() { NURVController::registerDefaults(); }
+    UtilTest() { NURVController::registerDefaults(toolbox()); }
 
     test::TestFolder folder;
 };

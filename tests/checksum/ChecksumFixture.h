@@ -9,6 +9,7 @@
 #include "platform/SettingsStore.h"
 #include "support/TestFolder.h"
 #include "support/WaitUntil.h"
+#include "toolbox/Toolbox.h"
 
 #include <QStringList>
 
@@ -27,7 +28,7 @@ struct ChecksumFixture : ::testing::Test {
 
     void SetUp() override
     {
-        NURVController::registerDefaults();
+        NURVController::registerDefaults(toolbox());
         for (const char16_t *key : {u"checksumFileUsesOutputDirName", u"ffpExtension"})
             SettingsStore::instance().remove(QString::fromUtf16(key));
         QObject::connect(&queue, &NURVTaskQueue::outputWindowRequested, &queue,

@@ -14,6 +14,7 @@
 #include "platform/GuiThread.h"
 #include "platform/NullDesktopServices.h"
 #include "platform/NurvFailure.h"
+#include "toolbox/Toolbox.h"
 
 #include <QStringList>
 
@@ -137,7 +138,7 @@ protected:
     Console console;
     LogOutput log{console};
     ConsolePrompts prompts{console, {}};
-    NURVController controller{prompts, services};
+    NURVController controller{prompts, services, toolbox()};
     ScriptTab tab{controller};
     SourceNames names;
     QByteArray output;

@@ -8,6 +8,7 @@
 #include "convert/EncodeTab.h"
 #include "platform/NullDesktopServices.h"
 #include "platform/SettingsStore.h"
+#include "toolbox/Toolbox.h"
 
 #include <gtest/gtest.h>
 
@@ -63,7 +64,7 @@ protected:
 
     test::ScriptedPrompts prompts;
     NullDesktopServices services;
-    NURVController controller{prompts, services};
+    NURVController controller{prompts, services, toolbox()};
 };
 
 } // namespace

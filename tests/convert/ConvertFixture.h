@@ -17,6 +17,7 @@
 #include "support/TestProgram.h"
 #include "support/ToolFolder.h"
 #include "support/WaitUntil.h"
+#include "toolbox/Toolbox.h"
 
 #include <QStringList>
 
@@ -31,7 +32,7 @@ namespace nurv::test {
 /// a folder for sources and one for outputs.
 class ConvertFixture : public ::testing::Test {
 protected:
-    ConvertFixture() : m_settingsReset(resetSettings()), controller(prompts, services)
+    ConvertFixture() : m_settingsReset(resetSettings()), controller(prompts, services, toolbox())
     {
         QObject::connect(&controller.taskQueue(), &NURVTaskQueue::outputWindowRequested, &controller,
                          [this](const QString &text, const QString &) { outputWindows.append(text); });
@@ -88,7 +89,7 @@ protected:
 private:
     static bool resetSettings()
     {
-        NURVController::registerDefaults();
+        NURVController::registerDefaults(toolbox());
         for (const QStringView key :
              {u"maxThreads", u"encodeOutputFormat", u"encodeFlacLevel", u"encodeToSourceDirectory", u"flacVerifyButton",
               u"flacKeepForeignMetadataButton", u"flacGenerateFFPButton", u"warnOnDelete", u"trashOrDelete",

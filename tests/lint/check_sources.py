@@ -23,8 +23,9 @@ ALLOWED = {
     "originals": {"platform", "engine", "app", "journal", "samples", "tags"},
     "checksum": {"platform", "engine", "app", "tags"},
     "convert": {"platform", "engine", "app", "journal", "samples", "tags", "originals", "checksum"},
-    "cli": {"platform", "engine", "app", "journal", "samples", "tags", "originals", "checksum", "convert"},
-    "ui": {"platform", "engine", "app", "journal", "samples", "tags", "originals", "checksum", "convert"},
+    "toolbox": {"app", "convert"},
+    "cli": {"platform", "engine", "app", "journal", "samples", "tags", "originals", "checksum", "convert", "toolbox"},
+    "ui": {"platform", "engine", "app", "journal", "samples", "tags", "originals", "checksum", "convert", "toolbox"},
 }
 
 # The same of the folders under tools, whose programs use no Qt.

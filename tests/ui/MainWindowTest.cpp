@@ -207,7 +207,7 @@ TEST_F(MainWindowTest, RemembersItsPageAndSize)
     window.resize(777, 555);
     handleWaitingEvents();
     window.saveState();
-    NURVController otherController(prompts, services);
+    NURVController otherController(prompts, services, toolbox());
     DecodeTab otherDecodeTab(otherController);
     EncodeTab otherEncodeTab(otherController);
     MainWindow other(otherController);

@@ -9,6 +9,7 @@
 #include "platform/NullDesktopServices.h"
 #include "support/TestFolder.h"
 #include "ui/MainWindow.h"
+#include "toolbox/Toolbox.h"
 
 #include <QMimeData>
 
@@ -19,7 +20,7 @@ struct WindowFixture {
     TestFolder folder;
     ScriptedPrompts prompts;
     NullDesktopServices services;
-    NURVController controller{prompts, services};
+    NURVController controller{prompts, services, toolbox()};
     DecodeTab decodeTab{controller};
     EncodeTab encodeTab{controller};
     MainWindow window{controller};

@@ -20,6 +20,7 @@
 #include "ui/OutputWindow.h"
 #include "ui/StatusWindow.h"
 #include "ui/TabPage.h"
+#include "toolbox/Toolbox.h"
 
 #include <QApplication>
 #include <QDir>
@@ -175,11 +176,11 @@ int render(const QDir &folder, const QString &suffix)
     if (suffix == u"dark"_s)
         QApplication::setPalette(darkPalette());
     SettingsStore::instance().setPersistence(SettingsStore::Persistence::MemoryOnly);
-    NURVController::registerDefaults();
+    NURVController::registerDefaults(toolbox());
     SettingsStore::instance().setValue(u"maxThreads"_s, 3);
     DesktopPrompts prompts;
     NullDesktopServices services;
-    NURVController controller(prompts, services);
+    NURVController controller(prompts, services, toolbox());
     DecodeTab decodeTab(controller);
     EncodeTab encodeTab(controller);
     MainWindow window(controller);

@@ -1,0 +1,82 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "toolbox/Toolbox.h"
+
+#include "convert/DecodeTab.h"
+#include "convert/EncodeTab.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+QStringList words(const QString &text)
+{
+    return text.split(u' ');
+}
+
+template<typename Tab>
+std::unique_ptr<BaseTab> make(NURVController &controller)
+{
+    return std::make_unique<Tab>(controller);
+}
+
+} // namespace
+
+const std::vector<Tool> &toolbox()
+{
+    static const std::vector<Tool> tools{
+        {.label = u"decode"_s,
+         .title = u"Decode"_s,
+         .extensions = words(u"FLAC SHN WV M4A TTA APE"_s),
+         .defaults = {{u"decodeToSourceDirectory"_s, 0}},
+         .makeTab = make<DecodeTab>},
+        {.label = u"encode"_s,
+         .title = u"Encode"_s,
+         .extensions = words(u"WAV AIF AIFF FLAC SHN WV TTA APE"_s),
+         .takesAppleLossless = true,
+         .takesAppleLosslessFromFolders = true,
+         .defaults = {{u"encodeOutputFormat"_s, 2},
+                      {u"encodeFlacLevel"_s, 5},
+                      {u"flacVerifyButton"_s, 0},
+                      {u"flacKeepForeignMetadataButton"_s, 0},
+                      {u"flacGenerateFFPButton"_s, 0},
+                      {u"encodeToSourceDirectory"_s, 0}},
+         .makeTab = make<EncodeTab>},
+        {.label = u"checksum"_s,
+         .title = u"Checksum"_s,
+         .extensions = words(u"WAV AIFF AIF FLAC SHN MD5 FFP TXT APE WV TTA ST5"_s),
+         .takesAllFiles = true,
+         .defaults = {{u"ffpExtension"_s, u"ffp.txt"_s}, {u"checksumFileUsesOutputDirName"_s, false}}},
+        {.label = u"shntool"_s,
+         .title = u"SHNtool"_s,
+         .extensions = words(u"FLAC SHN WAV AIF AIFF TTA WV APE"_s),
+         .defaults = {{u"shntoolNamesFormat"_s, u"%number. %name %time"_s},
+                      {u"shntoolCommandOption"_s, 0},
+                      {u"shntoolLenOption"_s, 0},
+                      {u"shntoolOutputFormat"_s, 1}}},
+        {.label = u"fix SBE"_s,
+         .title = u"Fix SBE"_s,
+         .extensions = words(u"FLAC SHN WAV AIF AIFF WV TTA"_s),
+         .defaults = {{u"fixOutputFormat"_s, 1}, {u"fixFlacLevel"_s, 4}}},
+        {.label = u"util"_s, .title = u"Util"_s},
+        {.label = u"Tags"_s,
+         .title = u"Tags"_s,
+         .extensions = words(u"FLAC M4A MP3 WV APE"_s),
+         .takesFilesWithoutExtension = false},
+        {.label = u"lossy"_s,
+         .title = u"Lossy"_s,
+         .extensions = words(u"FLAC SHN WAV AIFF AIF WV TTA"_s),
+         .takesAppleLossless = true,
+         .defaults = {{u"lossySliderLevel"_s, 3},
+                      {u"lossyStepperLevel"_s, 88},
+                      {u"lossyComboLevel"_s, 160},
+                      {u"opusFrameSizeIndex"_s, 3},
+                      {u"encodeLossyToSourceDirectory"_s, 0},
+                      {u"incomingSurroundOrder"_s, u"L R C LFE LS RS (STANDARD)"_s}}},
+    };
+    return tools;
+}
+
+} // namespace nurv

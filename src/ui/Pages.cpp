@@ -1,0 +1,32 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/Pages.h"
+
+#include "convert/DecodeTab.h"
+#include "convert/EncodeTab.h"
+#include "ui/DecodePage.h"
+#include "ui/EncodePage.h"
+
+namespace nurv {
+
+namespace {
+
+template<typename Tab, typename Page>
+TabPage *makeFor(BaseTab *tab)
+{
+    auto *const suited = qobject_cast<Tab *>(tab);
+    return suited ? new Page(*suited) : nullptr;
+}
+
+} // namespace
+
+TabPage *makePage(BaseTab *tab)
+{
+    for (const auto make : {makeFor<DecodeTab, DecodePage>, makeFor<EncodeTab, EncodePage>}) {
+        if (TabPage *const page = make(tab))
+            return page;
+    }
+    return nullptr;
+}
+
+} // namespace nurv
