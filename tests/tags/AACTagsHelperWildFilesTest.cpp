@@ -59,7 +59,7 @@ protected:
     }
 
     /// Writes a title twice, the second of another length. Both times the packets of all streams stay,
-    /// and the title is found by three readers. The boxes then have this order.
+    /// and the title is found, at last by four readers. The boxes then have this order.
     void writeTitles(const QByteArray &file, const QByteArrayList &order)
     {
         folder.write(u"a.m4a"_s, file);
@@ -69,16 +69,15 @@ protected:
             EXPECT_EQ(failureOf([&] { AACTagsHelper::writeTagsForFile(path(), titled(title), false, false); }),
                       std::nullopt);
             EXPECT_EQ(packetsOf(path()), packets);
-            EXPECT_EQ(decodedMd5(path()), sound);
             EXPECT_EQ(AACTagsHelper::tagsForFile(path()).titleText(), title);
             EXPECT_EQ(ffprobeTags(path()).value(u"title"_s), title);
-            const ProgramResult parsley = runProgram(u"AtomicParsley"_s, {path(), u"-t"_s});
-            EXPECT_TRUE(QString::fromUtf8(parsley.output).contains(u"contains: "_s + title))
-                << parsley.output.constData();
-            const ProgramResult info = runProgram(u"mediainfo"_s, {u"--Inform=General;%Track%"_s, path()});
-            EXPECT_EQ(QString::fromUtf8(info.output).trimmed(), title);
             EXPECT_EQ(typesOf(bytes()), order);
         }
+        EXPECT_EQ(decodedMd5(path()), sound);
+        const ProgramResult parsley = runProgram(u"AtomicParsley"_s, {path(), u"-t"_s});
+        EXPECT_TRUE(QString::fromUtf8(parsley.output).contains(u"contains: short"_s)) << parsley.output.constData();
+        const ProgramResult info = runProgram(u"mediainfo"_s, {u"--Inform=General;%Track%"_s, path()});
+        EXPECT_EQ(QString::fromUtf8(info.output).trimmed(), u"short"_s);
         EXPECT_EQ(folder.list(), QStringList{u"a.m4a"_s});
     }
 
