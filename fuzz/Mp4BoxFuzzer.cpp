@@ -1,19 +1,26 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "FuzzedChoices.h"
+#include "FuzzedFolder.h"
 #include "platform/Mpeg4Timing.h"
+#include "platform/NurvFailure.h"
+#include "tags/AACTagsHelper.h"
 #include "tags/Mp4Movie.h"
+#include "tags/Mp4Optimizer.h"
 
 #include <tbytevectorstream.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 using namespace nurv;
+using nurv::fuzz::FuzzedFolder;
 
 constexpr FourCharacters kTitle = fourCharacters("\251nam");
 constexpr FourCharacters kTrackNumber = fourCharacters("trkn");
@@ -47,6 +54,12 @@ void readTiming(std::span<const std::uint8_t> file)
     }
 }
 
+Mp4Layout layoutOf(const QByteArray &file)
+{
+    TagLib::ByteVectorStream stream({file.constData(), static_cast<unsigned int>(file.size())});
+    return Mp4Layout::of(stream);
+}
+
 std::optional<Mp4Movie> movieOf(const QByteArray &file)
 {
     TagLib::ByteVectorStream stream({file.constData(), static_cast<unsigned int>(file.size())});
@@ -70,9 +83,130 @@ void editAndReadBack(Mp4Movie movie)
     require(again->box() == movie.box());
 }
 
+/// The chunk offsets in the order of their tables; nothing when those are damaged.
+std::optional<std::vector<std::uint64_t>> offsetsOf(const QByteArray &file)
+{
+    std::vector<std::uint64_t> offsets;
+    std::optional<Mp4Movie> movie = movieOf(file);
+    const auto note = [&offsets](std::uint64_t offset, std::int64_t) {
+        offsets.push_back(offset);
+        return std::optional(offset);
+    };
+    if (!movie || movie->moveChunkOffsets(note))
+        return std::nullopt;
+    return offsets;
+}
+
+/// Whether each chunk begins with the bytes with which it began, as far as the movie box is not in the way.
+void compareChunks(const QByteArray &before, const QByteArray &after)
+{
+    constexpr std::uint64_t kCompared = 16;
+    const Mp4Layout layout = layoutOf(before);
+    const Mp4Box &movie = *layout.only(fourCharacters("moov"));
+    const auto oldOffsets = offsetsOf(before);
+    const auto newOffsets = offsetsOf(after);
+    require(oldOffsets.has_value() == newOffsets.has_value());
+    if (!oldOffsets)
+        return;
+    require(oldOffsets->size() == newOffsets->size());
+    for (std::size_t i = 0; i < oldOffsets->size(); ++i) {
+        const std::uint64_t old = (*oldOffsets)[i];
+        std::uint64_t end = static_cast<std::uint64_t>(before.size());
+        // An offset that names the very end of a sound names an empty chunk.
+        for (const Mp4Box &box : layout.boxes) {
+            if (box.type == fourCharacters("mdat") && old >= static_cast<std::uint64_t>(box.contents())
+                && old <= static_cast<std::uint64_t>(box.end()))
+                end = static_cast<std::uint64_t>(box.end());
+        }
+        if (old < static_cast<std::uint64_t>(movie.offset))
+            end = std::min(end, static_cast<std::uint64_t>(movie.offset));
+        else if (old < static_cast<std::uint64_t>(movie.end()))
+            continue;
+        if (old >= end)
+            continue;
+        const auto count = static_cast<qsizetype>(std::min(kCompared, end - old));
+        const std::uint64_t moved = (*newOffsets)[i];
+        require(moved <= static_cast<std::uint64_t>(after.size() - count));
+        require(after.mid(static_cast<qsizetype>(moved), count) == before.mid(static_cast<qsizetype>(old), count));
+    }
+}
+
+QByteArray soundOf(const QByteArray &file, const Mp4Layout &layout)
+{
+    QByteArray sound;
+    for (const Mp4Box &box : layout.boxes) {
+        if (box.type == fourCharacters("mdat"))
+            sound += file.mid(box.offset, box.size);
+    }
+    return sound;
+}
+
+/// The file as it is in order: the same sound and tail, no fillers, and nothing to be done a second time.
+void checkOrder(const QByteArray &before, const QByteArray &after)
+{
+    const Mp4Layout oldLayout = layoutOf(before);
+    const Mp4Layout newLayout = layoutOf(after);
+    require(soundOf(after, newLayout) == soundOf(before, oldLayout));
+    require(after.mid(newLayout.tail) == before.mid(oldLayout.tail));
+    const auto fillers = std::count_if(oldLayout.boxes.begin(), oldLayout.boxes.end(),
+                                       [](const Mp4Box &box) { return isMp4Filler(box.type); });
+    require(newLayout.boxes.size() + static_cast<std::size_t>(fillers) == oldLayout.boxes.size());
+    const std::size_t movieAt = newLayout.contains(fourCharacters("ftyp")) ? 1 : 0;
+    require(newLayout.boxes.at(movieAt).type == fourCharacters("moov"));
+
+    TagEditStream stream(
+        FuzzedFolder::instance().write(u"again.m4a"_s, {reinterpret_cast<const std::uint8_t *>(after.constData()),
+                                                        static_cast<std::size_t>(after.size())}),
+        TagEditStream::Access::Edit);
+    std::optional<Mp4Movie> movie = Mp4Movie::of(stream, newLayout);
+    require(movie && !Mp4Optimizer::putInOrder(stream, newLayout, *std::move(movie)) && !stream.isEdited());
+}
+
+/// A tag is read back from the file, whose sound is what it was; or the file is.
+void writeTitle(std::span<const std::uint8_t> bytes, const QByteArray &before)
+{
+    const FuzzedFolder &folder = FuzzedFolder::instance();
+    const QString path = folder.write(u"a.m4a"_s, bytes);
+    TagsObject tags;
+    tags.setTitleText(u"A title"_s);
+    try {
+        const AACTagsHelper::Shortfall shortfall = AACTagsHelper::writeInAnyOrder(path, tags, false, false);
+        require(AACTagsHelper::tagsForFile(path).titleText() == tags.titleText());
+        const QByteArray after = FuzzedFolder::read(path);
+        compareChunks(before, after);
+        if (!shortfall.order)
+            checkOrder(before, after);
+    } catch (const NurvFailure &) {
+        require(FuzzedFolder::read(path) == before);
+    }
+    for (const QString &name : folder.list())
+        require(name == u"a.m4a"_s || name == u"again.m4a"_s);
+}
+
+/// All of 32 bits that outgrow their tables, and those of 64.
+void moveFar(Mp4Movie movie)
+{
+    constexpr std::uint64_t kFar = 0xFFFF'FFF0;
+    std::vector<std::uint64_t> wanted;
+    const auto follow = [&wanted](std::uint64_t offset, std::int64_t movieSize) -> std::optional<std::uint64_t> {
+        if (offset > kFar * 2)
+            return std::nullopt;
+        wanted.push_back(offset + kFar + static_cast<std::uint64_t>(movieSize));
+        return wanted.back();
+    };
+    if (movie.moveChunkOffsets(follow))
+        return;
+    // What was asked last was written.
+    const auto offsets = offsetsOf(movie.box());
+    require(offsets && wanted.size() >= offsets->size());
+    require(std::equal(offsets->begin(), offsets->begin() + static_cast<std::ptrdiff_t>(offsets->size() / 2),
+                       wanted.end() - static_cast<std::ptrdiff_t>(offsets->size() / 2)));
+}
+
 } // namespace
 
-/// The boxes of a file: its timing, its movie with the metadata, edits of it.
+/// The boxes of a file: its timing, its movie with the metadata, edits of it, the file with a new tag and in
+/// order.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     readTiming({data, size});
@@ -86,11 +220,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     static_cast<void>(movie->otherParts());
     static_cast<void>(movie->isFragmented());
     editAndReadBack(*movie);
-    const qsizetype length = movie->box().size();
-    const auto follow = [](std::uint64_t offset) {
-        return offset < 0xFFFFFF00 ? std::optional(offset + 0x40) : std::nullopt;
-    };
-    if (!movie->mapChunkOffsets(follow))
-        require(movie->box().size() == length);
+    static_cast<void>(movie->foreignPlaces());
+    moveFar(*movie);
+    writeTitle({data, size}, file);
     return 0;
 }

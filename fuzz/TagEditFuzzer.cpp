@@ -59,8 +59,15 @@ public:
         } else if (kind == 3) {
             write(start, added);
         } else if (kind == 4) {
-            m_stream.appendRange(static_cast<std::int64_t>(start), static_cast<std::int64_t>(length));
-            m_expected += m_expected.substr(from, count);
+            // The rest of the file in front of its start, as edits that were made elsewhere.
+            if (m_stream.isEdited() || from == 0 || from == m_expected.size())
+                return;
+            const auto middle = static_cast<std::int64_t>(from);
+            m_stream.apply({.isEdited = true,
+                            .pieces = {{.isNew = false, .offset = middle, .length = m_stream.fileLength() - middle},
+                                       {.isNew = false, .offset = 0, .length = middle}},
+                            .newBytes = {}});
+            m_expected = m_expected.substr(from) + m_expected.substr(0, from);
         } else if (kind == 5) {
             m_stream.seek(static_cast<long>(start));
             require(m_stream.readBlock(length) == vectorOf(m_expected.substr(from, count)));
@@ -103,8 +110,6 @@ void commit(EditedTwice &edited, const QString &path, unsigned way)
     QString written = path;
     if (way == 0) {
         require(!edited.stream().commit());
-    } else if (way == 1) {
-        require(!edited.stream().commitAsNewFile());
     } else {
         written = folder.write(u"copy"_s, {});
         require(!edited.stream().writeTo(written));
@@ -128,7 +133,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     for (int i = 0; i < kMostEdits && !choices.isEmpty() && !edited.isLong(); ++i)
         edited.edit(choices);
     edited.check();
-    if (way % 4 < 3)
-        commit(edited, path, way % 4);
+    if (way % 3 < 2)
+        commit(edited, path, way % 3);
     return 0;
 }

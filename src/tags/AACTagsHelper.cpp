@@ -171,48 +171,62 @@ bool writeItems(Mp4Movie &movie, const TagsObject &tags, bool writeEmptyTags, bo
     return isWritten;
 }
 
-/// Puts the movie box into the place of the file's and saves. Returns nothing on success, else why
-/// not; then the file is as it was.
-std::optional<QString> save(TagEditStream &stream, const Mp4Layout &layout, const Mp4Box &oldBox, Mp4Movie &movie)
+/// Edits the stream so that the movie box stands in the place of the file's. Returns nothing on success, else
+/// why not; then nothing is edited.
+std::optional<QString> putInPlace(TagEditStream &stream, const Mp4Layout &layout, Mp4Movie movie)
 {
-    if (!movie.fitsTheLimit())
-        return u"the tags are too large for this kind of file"_s;
-    const std::int64_t growth = movie.box().size() - oldBox.size;
-    if (growth != 0) {
+    const Mp4Box &oldBox = *layout.only(fourCharacters("moov"));
+    if (movie.standsIn(stream, oldBox))
+        return std::nullopt;
+    if (movie.box().size() != oldBox.size) {
         if (layout.namesPlaces() || movie.isFragmented())
             return u"the file has movie fragments or other boxes that name places in it"_s;
-        const auto follow = [&](std::uint64_t offset) -> std::optional<std::uint64_t> {
+        const auto follow = [&](std::uint64_t offset, std::int64_t movieSize) -> std::optional<std::uint64_t> {
             if (offset <= static_cast<std::uint64_t>(oldBox.offset))
                 return offset;
+            const std::int64_t growth = movieSize - oldBox.size;
             const std::uint64_t moved = offset + static_cast<std::uint64_t>(growth); // modulo 2^64 when it shrinks
             const bool isOverflow = growth > 0 && moved < offset;
             if (offset < static_cast<std::uint64_t>(oldBox.end()) || isOverflow)
                 return std::nullopt;
             return moved;
         };
-        if (std::optional<QString> reason = movie.mapChunkOffsets(follow))
+        if (std::optional<QString> reason = movie.moveChunkOffsets(follow))
             return reason;
     }
     const QByteArray box = movie.box();
     stream.insert({box.constData(), static_cast<unsigned int>(box.size())}, static_cast<unsigned long>(oldBox.offset),
                   static_cast<unsigned long>(oldBox.size));
-    return stream.commitAsNewFile();
+    return std::nullopt;
 }
 
-/// Returns why the picture was left out.
-Text writeTags(const QString &path, const TagsObject &tags, bool writeEmptyTags, bool encoding)
+[[noreturn]] void failToSave(const QString &reason)
+{
+    throw NurvFailure(u"Unable to save the tags: %1."_s.arg(reason));
+}
+
+AACTagsHelper::Shortfall writeTags(const QString &path, const TagsObject &tags, bool writeEmptyTags, bool encoding)
 {
     TagEditStream stream(path, TagEditStream::Access::Edit);
     const Mp4Layout layout = Mp4Layout::of(stream);
     std::optional<Mp4Movie> movie = Mp4Movie::of(stream, layout);
     if (!movie)
         throw NurvFailure(u"Unable to open the output file for tagging."_s);
-    Text leftOut;
-    if (!writeItems(*movie, tags, writeEmptyTags, encoding, leftOut))
-        throw NurvFailure(u"Unable to save the tags: the metadata is damaged or of another kind."_s);
-    if (const std::optional<QString> reason = save(stream, layout, *layout.only(fourCharacters("moov")), *movie))
-        throw NurvFailure(u"Unable to save the tags: %1."_s.arg(*reason));
-    return leftOut;
+    if (const std::optional<QString> reason = movie->foreignPlaces())
+        failToSave(*reason);
+    AACTagsHelper::Shortfall shortfall;
+    if (!writeItems(*movie, tags, writeEmptyTags, encoding, shortfall.picture))
+        failToSave(u"the metadata is damaged or of another kind"_s);
+    if (!movie->fitsTheLimit())
+        failToSave(u"the tags are too large for this kind of file"_s);
+    shortfall.order = Mp4Optimizer::putInOrder(stream, layout, *movie);
+    if (shortfall.order) {
+        if (const std::optional<QString> reason = putInPlace(stream, layout, *std::move(movie)))
+            failToSave(*reason);
+    }
+    if (const std::optional<QString> reason = Mp4Optimizer::commit(stream))
+        failToSave(*reason);
+    return shortfall;
 }
 
 /// What AtomicParsley says when the disk is full; then it waits for ever.
@@ -303,18 +317,16 @@ TagsObject AACTagsHelper::tagsForFile(const QString &path)
 TagsObject::Text AACTagsHelper::writeTagsForFile(const QString &path, const TagsObject &tagObject,
                                                  bool writeEmptyTags, bool encoding)
 {
-    Text leftOut = writeItemsForFile(path, tagObject, writeEmptyTags, encoding);
-    try {
-        Mp4Optimizer::optimizeInPlace(path);
-    } catch (const TagsUnavailable &failure) {
-        // The tags are in the file by now.
-        throw NurvFailure(u"they are written, but its boxes were not put in order: "_s + failure.reason());
+    Shortfall shortfall = writeInAnyOrder(path, tagObject, writeEmptyTags, encoding);
+    if (shortfall.order) {
+        qCWarning(tagsLog, "Not optimized: %s: %s", qUtf8Printable(path), qUtf8Printable(*shortfall.order));
+        throw NurvFailure(u"unable to optimize @% file"_s);
     }
-    return leftOut;
+    return std::move(shortfall.picture);
 }
 
-TagsObject::Text AACTagsHelper::writeItemsForFile(const QString &path, const TagsObject &tagObject,
-                                                  bool writeEmptyTags, bool encoding)
+AACTagsHelper::Shortfall AACTagsHelper::writeInAnyOrder(const QString &path, const TagsObject &tagObject,
+                                                        bool writeEmptyTags, bool encoding)
 {
     try {
         const TagsProcess::Writing writing{.format = TagFormat::Mp4,
@@ -322,7 +334,7 @@ TagsObject::Text AACTagsHelper::writeItemsForFile(const QString &path, const Tag
                                            .encoding = encoding,
                                            .quickTimeVersion = quickTimeVersion()};
         if (std::optional<TagsProcess::Written> written = TagsProcess::writeTags(writing, path, tagObject))
-            return std::move(written->leftOut);
+            return {.picture = std::move(written->leftOut), .order = std::move(written->disorder)};
         return writeTags(path, tagObject, writeEmptyTags, encoding);
     } catch (const std::bad_alloc &) {
         throw NurvFailure(u"Unable to allocate memory."_s);

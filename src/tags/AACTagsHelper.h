@@ -29,15 +29,22 @@ public:
     /// The artist is written as album artist, too; the record's own album artist is
     /// not written. With `encoding`, and where a QuickTime version is known, the encoding tool is written.
     ///
-    /// Then optimises the file (Mp4Optimizer). The file is as it was when the tags cannot be written; it holds
-    /// the new tags in the old order when it cannot be optimised. Returns why the picture is not in it, as the
-    /// end of a sentence, when it cannot be rendered; that costs nothing else.
+    /// The boxes of the new file are in the order of Mp4Optimizer; it is written in one pass, and not at all
+    /// when it would be the file as it stands. Files whose sound lies in other files, or whose movie names
+    /// places by means that are not known, are refused. The file is as it was when the tags cannot be
+    /// written; it holds the new tags in the old order when it cannot be optimised. Returns why the picture
+    /// is not in it, as the end of a sentence, when it cannot be rendered; that costs nothing else.
     static TagsObject::Text writeTagsForFile(const QString &path, const TagsObject &tagObject, bool writeEmptyTags,
                                              bool encoding);
 
-    /// `writeTagsForFile` without the optimising; the file is as it was when it throws.
-    static TagsObject::Text writeItemsForFile(const QString &path, const TagsObject &tagObject, bool writeEmptyTags,
-                                              bool encoding);
+    /// What did not become of a file with new tags.
+    struct Shortfall {
+        TagsObject::Text picture; ///< why it is not in it
+        TagsObject::Text order;   ///< why the boxes are in their old order
+    };
+    /// `writeTagsForFile` that throws nothing for a file in its old order.
+    [[nodiscard]] static Shortfall writeInAnyOrder(const QString &path, const TagsObject &tagObject,
+                                                   bool writeEmptyTags, bool encoding);
 
     /// Empties title, artist, date, album, disc, track, comment, genre and composer; leaves
     /// the other fields.

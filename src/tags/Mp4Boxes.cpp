@@ -5,6 +5,8 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <array>
+#include <iterator>
 
 namespace nurv {
 
@@ -12,6 +14,12 @@ namespace {
 
 constexpr std::int64_t kHeadSize = 8;
 constexpr std::int64_t kLongHeadSize = 16;
+constexpr std::int64_t kVersionSize = 4; // version and flags of a full box
+
+// What readers look for at the top level, where it is not filler.
+constexpr std::array kStructure = {fourCharacters("ftyp"), fourCharacters("moov"), fourCharacters("mdat"),
+                                   fourCharacters("moof"), fourCharacters("mfra"), fourCharacters("sidx"),
+                                   fourCharacters("meta")};
 
 /// The box whose head stands at the start of `head`, which has 8 to 16 bytes; nothing when
 /// it does not fit into `room`.
@@ -68,6 +76,40 @@ std::optional<Mp4Boxes> mp4BoxesIn(const QByteArray &bytes, std::int64_t begin, 
     return boxes;
 }
 
+std::optional<Mp4Boxes> mp4BoxesInside(const QByteArray &bytes, const Mp4Boxes &parents, FourCharacters type)
+{
+    Mp4Boxes found;
+    for (const Mp4Box &parent : parents) {
+        const std::optional<Mp4Boxes> boxes = mp4BoxesIn(bytes, parent.contents(), parent.end());
+        if (!boxes || found.size() > kMostMp4Boxes)
+            return std::nullopt;
+        std::copy_if(boxes->begin(), boxes->end(), std::back_inserter(found),
+                     [type](const Mp4Box &box) { return box.type == type; });
+    }
+    return found;
+}
+
+std::optional<Mp4Boxes> mp4UserDataBoxes(const QByteArray &bytes, const Mp4Box &box)
+{
+    const std::int64_t end = box.end();
+    const std::optional<Mp4Boxes> boxes = mp4BoxesIn(bytes, box.contents(), end);
+    if (boxes || end - box.contents() < 4 || mp4Number<std::uint32_t>(bytes, end - 4) != 0)
+        return boxes;
+    return mp4BoxesIn(bytes, box.contents(), end - 4);
+}
+
+std::optional<Mp4Boxes> mp4MetadataBoxes(const QByteArray &bytes, const Mp4Box &box)
+{
+    const std::int64_t begin = box.contents();
+    const std::int64_t length = box.end() - begin;
+    const bool isPlain = length >= kHeadSize && mp4Number<FourCharacters>(bytes, begin + 4) == fourCharacters("hdlr");
+    if (isPlain)
+        return mp4BoxesIn(bytes, begin, box.end());
+    if (length < kVersionSize)
+        return std::nullopt;
+    return mp4BoxesIn(bytes, begin + kVersionSize, box.end());
+}
+
 QByteArray mp4Box(FourCharacters type, const QByteArray &contents)
 {
     QByteArray box(kHeadSize, '\0');
@@ -78,22 +120,24 @@ QByteArray mp4Box(FourCharacters type, const QByteArray &contents)
 
 Mp4Layout Mp4Layout::of(TagLib::IOStream &file)
 {
-    Mp4Layout layout;
-    const std::int64_t length = file.length();
-    std::int64_t offset = 0;
-    while (offset < length && layout.boxes.size() < kMostMp4Boxes) {
-        file.seek(offset);
-        const TagLib::ByteVector head = file.readBlock(kLongHeadSize);
+    Mp4Layout layout{.boxes = {}, .tail = 0, .length = file.length(), .isCutShort = false};
+    while (layout.tail < layout.length) {
+        file.seek(layout.tail);
+        const TagLib::ByteVector bytes = file.readBlock(kLongHeadSize);
+        const QByteArray head(bytes.data(), static_cast<qsizetype>(bytes.size()));
         if (head.size() < kHeadSize)
             break;
-        const std::optional<Mp4Box> box =
-            boxOf(QByteArray(head.data(), static_cast<qsizetype>(head.size())), offset, length - offset);
-        if (!box)
+        const auto type = mp4Number<FourCharacters>(head, 4);
+        const std::optional<Mp4Box> box = boxOf(head, layout.tail, layout.length - layout.tail);
+        const bool isTooMany = layout.boxes.size() == kMostMp4Boxes;
+        // Zeros at the end have no type.
+        if (!box || type == 0 || isTooMany) {
+            layout.isCutShort = isTooMany || std::find(kStructure.begin(), kStructure.end(), type) != kStructure.end();
             break;
+        }
         layout.boxes.push_back(*box);
-        offset = box->end();
+        layout.tail = box->end();
     }
-    layout.isWhole = length > 0 && offset == length;
     return layout;
 }
 

@@ -47,6 +47,17 @@ inline constexpr std::size_t kMostMp4Boxes = 100'000;
 /// not add up to that, and for more than `kMostMp4Boxes`.
 [[nodiscard]] std::optional<Mp4Boxes> mp4BoxesIn(const QByteArray &bytes, std::int64_t begin, std::int64_t end);
 
+/// The boxes of this kind that stand in the parents, one after the other; nothing when one of the
+/// parents is damaged, and for more than `kMostMp4Boxes`.
+[[nodiscard]] std::optional<Mp4Boxes> mp4BoxesInside(const QByteArray &bytes, const Mp4Boxes &parents,
+                                                     FourCharacters type);
+
+/// The boxes of user data, which a zero of four bytes may end.
+[[nodiscard]] std::optional<Mp4Boxes> mp4UserDataBoxes(const QByteArray &bytes, const Mp4Box &box);
+
+/// The boxes of metadata. MPEG-4 has a version before them, QuickTime has not.
+[[nodiscard]] std::optional<Mp4Boxes> mp4MetadataBoxes(const QByteArray &bytes, const Mp4Box &box);
+
 /// Whether boxes of this kind only take up room.
 [[nodiscard]] constexpr bool isMp4Filler(FourCharacters type)
 {
@@ -61,9 +72,14 @@ template<typename Number>
 [[nodiscard]] Number mp4Number(const QByteArray &bytes, std::int64_t offset);
 
 /// The boxes of a file's top level.
+///
+///     box box ... box │ tail: what is no box; zeros, tags of other formats
 struct Mp4Layout {
     Mp4Boxes boxes;
-    bool isWhole = false; ///< the boxes fill the file to its last byte
+    std::int64_t tail = 0;   ///< where the last box ends
+    std::int64_t length = 0; ///< of the file
+    /// The tail starts like a box that readers look for, or there are more boxes than are looked at.
+    bool isCutShort = false;
 
     /// The boxes as far as their sizes are sound. The file's contents are not read.
     [[nodiscard]] static Mp4Layout of(TagLib::IOStream &file);

@@ -114,7 +114,7 @@ std::int64_t readMp4Metadata(const QString &path, MetadataCollector &found)
             throw NurvFailure(u"its movie box is missing or damaged"_s);
         addMovie(*movie, found);
         addOtherBoxes(MetadataBytes::ofFile(path), layout, found);
-        return layout.boxes.back().end();
+        return layout.tail;
     } catch (const std::bad_alloc &) {
         throw NurvFailure(u"there is not enough memory"_s);
     }

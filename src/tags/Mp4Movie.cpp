@@ -6,8 +6,6 @@
 #include <QtEndian>
 
 #include <algorithm>
-#include <array>
-#include <limits>
 
 using namespace Qt::StringLiterals;
 
@@ -16,10 +14,10 @@ namespace nurv {
 namespace {
 
 constexpr std::int64_t kMovieLimit = std::int64_t{128} << 20;
+constexpr std::int64_t kFileLimit = std::int64_t{1} << 62; // so that no place in it comes near the end of all numbers
 constexpr std::int64_t kBoxHeadSize = 8;   // of a box that mp4Box has made
 constexpr std::int64_t kVersionSize = 4;   // version and flags of a full box
 constexpr std::int64_t kValueHeadSize = 8; // type and locale
-constexpr std::int64_t kTableHeadSize = 8; // version and flags, number of entries
 constexpr std::uint32_t kUtf8Type = 1;
 constexpr std::uint32_t kUtf16Type = 2;
 constexpr std::uint32_t kPngType = 14;
@@ -33,8 +31,6 @@ constexpr FourCharacters kPicture = fourCharacters("covr");
 constexpr FourCharacters kOwnName = fourCharacters("name");
 constexpr FourCharacters kTrack = fourCharacters("trak");
 constexpr FourCharacters kSound = fourCharacters("soun");
-constexpr FourCharacters kOffsets32 = fourCharacters("stco");
-constexpr FourCharacters kOffsets64 = fourCharacters("co64");
 
 const Mp4Box *firstOf(const Mp4Boxes &boxes, FourCharacters type)
 {
@@ -46,28 +42,6 @@ std::optional<Mp4Box> copyOfFirst(const Mp4Boxes &boxes, FourCharacters type)
 {
     const Mp4Box *const box = firstOf(boxes, type);
     return box != nullptr ? std::optional(*box) : std::nullopt;
-}
-
-/// The boxes of user data, which a zero of four bytes may end.
-std::optional<Mp4Boxes> userDataBoxes(const QByteArray &bytes, const Mp4Box &box)
-{
-    std::int64_t end = box.end();
-    const std::optional<Mp4Boxes> boxes = mp4BoxesIn(bytes, box.contents(), end);
-    if (boxes || end - box.contents() < 4 || mp4Number<std::uint32_t>(bytes, end - 4) != 0)
-        return boxes;
-    return mp4BoxesIn(bytes, box.contents(), end - 4);
-}
-
-/// The boxes of metadata. MPEG-4 has a version before them, QuickTime has not.
-std::optional<Mp4Boxes> metadataBoxes(const QByteArray &bytes, const Mp4Box &box)
-{
-    const std::int64_t begin = box.contents();
-    const bool isPlain = box.size - box.headerSize >= 8 && mp4Number<FourCharacters>(bytes, begin + 4) == kHandler;
-    if (isPlain)
-        return mp4BoxesIn(bytes, begin, box.end());
-    if (box.size - box.headerSize < kVersionSize)
-        return std::nullopt;
-    return mp4BoxesIn(bytes, begin + kVersionSize, box.end());
 }
 
 /// Whether the items are numbered and a table names them, so that none has a name of its own.
@@ -101,7 +75,7 @@ QByteArray replaced(const QByteArray &bytes, std::int64_t offset, std::int64_t l
 std::optional<Mp4Movie> Mp4Movie::of(TagLib::IOStream &file, const Mp4Layout &layout)
 {
     const Mp4Box *const box = layout.only(fourCharacters("moov"));
-    if (box == nullptr || box->size > kMovieLimit)
+    if (box == nullptr || box->size > kMovieLimit || layout.length > kFileLimit)
         return std::nullopt;
     const std::int64_t length = box->size - box->headerSize;
     file.seek(box->contents());
@@ -120,9 +94,19 @@ QByteArray Mp4Movie::box() const
     return mp4Box(fourCharacters("moov"), m_contents);
 }
 
+bool Mp4Movie::standsIn(TagLib::IOStream &file, const Mp4Box &oldBox) const
+{
+    const QByteArray newBox = box();
+    if (newBox.size() != oldBox.size)
+        return false;
+    file.seek(oldBox.offset);
+    const TagLib::ByteVector bytes = file.readBlock(static_cast<unsigned long>(oldBox.size));
+    return QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())) == newBox;
+}
+
 bool Mp4Movie::fitsTheLimit() const
 {
-    return box().size() <= kMovieLimit;
+    return m_contents.size() + kBoxHeadSize <= kMovieLimit;
 }
 
 bool Mp4Movie::isFragmented() const
@@ -143,7 +127,7 @@ Mp4Movie::Path Mp4Movie::findItems() const
     for (const Mp4Box &box : *boxes) {
         if (box.type != kUserData)
             continue;
-        const std::optional<Mp4Boxes> userData = userDataBoxes(m_contents, box);
+        const std::optional<Mp4Boxes> userData = mp4UserDataBoxes(m_contents, box);
         if (!userData)
             return path;
         if (!path.userData || !path.metadata)
@@ -155,7 +139,7 @@ Mp4Movie::Path Mp4Movie::findItems() const
         path.isUsable = true;
         return path;
     }
-    const std::optional<Mp4Boxes> metadata = metadataBoxes(m_contents, *path.metadata);
+    const std::optional<Mp4Boxes> metadata = mp4MetadataBoxes(m_contents, *path.metadata);
     if (!metadata || hasNumberedItems(m_contents, *metadata))
         return path;
     path.hasHandler = firstOf(*metadata, kHandler) != nullptr;
@@ -180,11 +164,15 @@ Mp4Boxes Mp4Movie::valueBoxes(const Mp4Box &item) const
 std::optional<Mp4Movie::Value> Mp4Movie::value(FourCharacters item) const
 {
     const Mp4Boxes items = itemBoxes().value_or(Mp4Boxes());
-    const Mp4Box *const found = firstOf(items, item);
-    if (found == nullptr)
-        return std::nullopt;
-    const std::optional<Mp4Box> data = copyOfFirst(valueBoxes(*found), kValue);
-    return data ? valueIn(*data) : std::nullopt;
+    for (const Mp4Box &box : items) {
+        if (box.type != item)
+            continue;
+        // Some writers leave an empty item in front of the one with the value.
+        const std::optional<Mp4Box> data = copyOfFirst(valueBoxes(box), kValue);
+        if (data)
+            return valueIn(*data);
+    }
+    return std::nullopt;
 }
 
 std::optional<Mp4Movie::Value> Mp4Movie::valueIn(const Mp4Box &data) const
@@ -266,14 +254,19 @@ bool Mp4Movie::setFirstPicture(const QByteArray &png)
     const std::optional<Mp4Boxes> items = itemBoxes();
     if (!items)
         return false;
-    QByteArray values = valueBox(kPngType, png);
-    if (const Mp4Box *const item = firstOf(*items, kPicture)) {
-        if (const std::optional<Mp4Box> first = copyOfFirst(valueBoxes(*item), kValue)) {
-            values = m_contents.mid(item->contents(), first->offset - item->contents()) + values
-                     + m_contents.mid(first->end(), item->end() - first->end());
-        }
+    const QByteArray value = valueBox(kPngType, png);
+    for (const Mp4Box &item : *items) {
+        if (item.type != kPicture)
+            continue;
+        const std::optional<Mp4Box> first = copyOfFirst(valueBoxes(item), kValue);
+        if (!first)
+            continue;
+        const QByteArray values = replaced(m_contents.mid(item.contents(), item.size - item.headerSize),
+                                           first->offset - item.contents(), first->size, value);
+        replaceItem(item, mp4Box(kPicture, values));
+        return true;
     }
-    return setItem(kPicture, mp4Box(kPicture, values));
+    return setItem(kPicture, mp4Box(kPicture, value));
 }
 
 bool Mp4Movie::removeItem(FourCharacters item)
@@ -303,6 +296,14 @@ bool Mp4Movie::setItem(FourCharacters item, const QByteArray &newBox)
         items += newBox;
     replaceItems(findItems(), items);
     return true;
+}
+
+void Mp4Movie::replaceItem(const Mp4Box &item, const QByteArray &newBox)
+{
+    const Path path = findItems();
+    const std::int64_t begin = path.items->contents();
+    replaceItems(path,
+                 replaced(m_contents.mid(begin, path.items->end() - begin), item.offset - begin, item.size, newBox));
 }
 
 void Mp4Movie::replaceItems(const Path &path, const QByteArray &items)
@@ -336,8 +337,8 @@ Mp4Movie::Part Mp4Movie::partOf(const Mp4Box &box) const
 
 FourCharacters Mp4Movie::kindOfTrack(const Mp4Box &track) const
 {
-    const Mp4Boxes media = boxesAt({track}, fourCharacters("mdia")).value_or(Mp4Boxes());
-    const Mp4Boxes handlers = boxesAt(media, kHandler).value_or(Mp4Boxes());
+    const Mp4Boxes media = mp4BoxesInside(m_contents, {track}, fourCharacters("mdia")).value_or(Mp4Boxes());
+    const Mp4Boxes handlers = mp4BoxesInside(m_contents, media, kHandler).value_or(Mp4Boxes());
     if (handlers.empty() || handlers.front().size - handlers.front().headerSize < 12)
         return 0;
     return mp4Number<FourCharacters>(m_contents, handlers.front().contents() + 8);
@@ -361,76 +362,29 @@ std::optional<std::vector<Mp4Movie::Part>> Mp4Movie::otherParts() const
     addAllBut(*boxes, {fourCharacters("mvhd"), fourCharacters("iods"), fourCharacters("mvex"), kTrack, kUserData});
     for (const Mp4Box &box : *boxes) {
         if (box.type == kUserData)
-            addAllBut(userDataBoxes(m_contents, box).value_or(Mp4Boxes()), {});
+            addAllBut(mp4UserDataBoxes(m_contents, box).value_or(Mp4Boxes()), {});
         const FourCharacters kind = box.type == kTrack ? kindOfTrack(box) : kSound;
         if (kind != kSound)
             parts.push_back({.type = kind, .contents = partOf(box).contents});
     }
     if (path.metadata)
-        addAllBut(metadataBoxes(m_contents, *path.metadata).value_or(Mp4Boxes()), {kHandler, kItems});
+        addAllBut(mp4MetadataBoxes(m_contents, *path.metadata).value_or(Mp4Boxes()), {kHandler, kItems});
     return parts;
 }
 
 // Chunk offsets
 
-std::optional<Mp4Boxes> Mp4Movie::boxesAt(const Mp4Boxes &parents, FourCharacters type) const
+std::optional<QString> Mp4Movie::foreignPlaces() const
 {
-    Mp4Boxes found;
-    for (const Mp4Box &parent : parents) {
-        const std::optional<Mp4Boxes> boxes = mp4BoxesIn(m_contents, parent.contents(), parent.end());
-        if (!boxes || found.size() > kMostMp4Boxes)
-            return std::nullopt;
-        std::copy_if(boxes->begin(), boxes->end(), std::back_inserter(found),
-                     [type](const Mp4Box &box) { return box.type == type; });
-    }
-    return found;
+    return Mp4ChunkOffsets::foreignPlaces(m_contents);
 }
 
-std::optional<QString> Mp4Movie::mapChunkOffsets(const std::function<std::optional<std::uint64_t>(std::uint64_t)> &map)
+std::optional<QString> Mp4Movie::moveChunkOffsets(const Mp4ChunkOffsets::Move &move)
 {
-    const QString damaged = u"the movie box is damaged"_s;
-    const Mp4Box whole{.type = 0, .offset = 0, .headerSize = 0, .size = m_contents.size()};
-    std::optional<Mp4Boxes> boxes = boxesAt({whole}, kTrack);
-    for (const FourCharacters type : {fourCharacters("mdia"), fourCharacters("minf"), fourCharacters("stbl")}) {
-        if (boxes)
-            boxes = boxesAt(*boxes, type);
-    }
-    if (!boxes)
-        return damaged;
-    const Mp4Boxes sampleTables = *boxes;
-    const std::optional<Mp4Boxes> auxiliary = boxesAt(sampleTables, fourCharacters("saio"));
-    if (!auxiliary || !auxiliary->empty())
-        return u"the movie box names places that are no chunk offsets"_s;
-
-    for (const FourCharacters type : {kOffsets32, kOffsets64}) {
-        const std::int64_t width = type == kOffsets32 ? 4 : 8;
-        const std::optional<Mp4Boxes> tables = boxesAt(sampleTables, type);
-        if (!tables)
-            return damaged;
-        for (const Mp4Box &table : *tables) {
-            const std::int64_t room = table.size - table.headerSize - kTableHeadSize;
-            if (room < 0)
-                return damaged;
-            const auto count = mp4Number<std::uint32_t>(m_contents, table.contents() + 4);
-            if (count > room / width)
-                return damaged;
-            for (std::int64_t i = 0; i < count; ++i) {
-                const std::int64_t place = table.contents() + kTableHeadSize + i * width;
-                const std::uint64_t offset = width == 4 ? mp4Number<std::uint32_t>(m_contents, place)
-                                                        : mp4Number<std::uint64_t>(m_contents, place);
-                const std::optional<std::uint64_t> mapped = map(offset);
-                if (!mapped)
-                    return u"a chunk offset names a place without sound"_s;
-                if (width == 4 && *mapped > std::numeric_limits<std::uint32_t>::max())
-                    return u"a chunk offset would need more than 32 bits"_s;
-                if (width == 4)
-                    qToBigEndian(static_cast<std::uint32_t>(*mapped), m_contents.data() + place);
-                else
-                    qToBigEndian(*mapped, m_contents.data() + place);
-            }
-        }
-    }
-    return std::nullopt;
+    Mp4ChunkOffsets offsets(std::move(m_contents));
+    std::optional<QString> reason = offsets.follow(move);
+    m_contents = offsets.takeMovie();
+    return reason;
 }
 
 } // namespace nurv

@@ -3,12 +3,12 @@
 #pragma once
 
 #include "tags/Mp4Boxes.h"
+#include "tags/Mp4ChunkOffsets.h"
 
 #include <QByteArray>
 #include <QString>
 
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -51,7 +51,7 @@ public:
     /// damaged, compressed or beyond 128 MiB.
     [[nodiscard]] static std::optional<Mp4Movie> of(TagLib::IOStream &file, const Mp4Layout &layout);
 
-    /// The first value of the first item of this name.
+    /// The first value of the items of this name.
     [[nodiscard]] std::optional<Value> value(FourCharacters item) const;
     /// The value as text, up to the first zero character.
     [[nodiscard]] std::optional<QString> text(FourCharacters item) const;
@@ -70,19 +70,21 @@ public:
     [[nodiscard]] bool setText(FourCharacters item, const QString &text);
     /// `size` is how many bytes this item's value has, at least 6.
     [[nodiscard]] bool setNumbers(FourCharacters item, NumberAndTotal numbers, int size);
-    /// Puts the picture in the place of the first one; others stay.
+    /// Puts the picture in the place of the first one; others stay, also those in further items.
     [[nodiscard]] bool setFirstPicture(const QByteArray &png);
     [[nodiscard]] bool removeItem(FourCharacters item);
 
-    /// Puts what `map` gives in the place of each chunk offset. Returns nothing on success,
-    /// else why not: `map` gave nothing, a table is damaged or has no room for the number,
-    /// or the movie names places in the file that are no chunk offsets. The movie must then
-    /// no longer be used.
-    [[nodiscard]] std::optional<QString> mapChunkOffsets(
-        const std::function<std::optional<std::uint64_t>(std::uint64_t)> &map);
+    /// Why no byte of this file may move, as the end of a sentence; nothing when the chunk offsets are
+    /// all places that its movie names.
+    [[nodiscard]] std::optional<QString> foreignPlaces() const;
+    /// Lets the chunk offsets follow the sound (Mp4ChunkOffsets). Returns nothing on success, else why
+    /// not; the movie must then no longer be used.
+    [[nodiscard]] std::optional<QString> moveChunkOffsets(const Mp4ChunkOffsets::Move &move);
 
     /// The whole box, as it is written.
     [[nodiscard]] QByteArray box() const;
+    /// Whether that is what stands in the file now.
+    [[nodiscard]] bool standsIn(TagLib::IOStream &file, const Mp4Box &oldBox) const;
     /// Whether it fits into the limit that `of` sets.
     [[nodiscard]] bool fitsTheLimit() const;
     /// Whether movie fragments may follow.
@@ -110,8 +112,8 @@ private:
     /// What the track's handler says that it holds; 0 when it does not.
     [[nodiscard]] FourCharacters kindOfTrack(const Mp4Box &track) const;
     [[nodiscard]] bool setItem(FourCharacters item, const QByteArray &newBox);
+    void replaceItem(const Mp4Box &item, const QByteArray &newBox);
     void replaceItems(const Path &path, const QByteArray &items);
-    [[nodiscard]] std::optional<Mp4Boxes> boxesAt(const Mp4Boxes &parents, FourCharacters type) const;
 
     QByteArray m_contents; ///< of the box, without its head
 };

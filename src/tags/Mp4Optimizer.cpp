@@ -7,18 +7,17 @@
 #include "platform/FileDescriptor.h"
 #include "platform/NurvFailure.h"
 #include "platform/SystemError.h"
-#include "tags/Mp4Movie.h"
-#include "tags/TagEditStream.h"
 #include "tags/TagsLog.h"
-#include "tags/TagsProcess.h"
-#include "tags/TagsUnavailable.h"
 
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <exception>
+#include <iterator>
+#include <utility>
+#include <vector>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -33,116 +32,189 @@ constexpr FourCharacters kFileType = fourCharacters("ftyp");
 constexpr FourCharacters kMovie = fourCharacters("moov");
 constexpr FourCharacters kSound = fourCharacters("mdat");
 
-/// Edits the stream into the new order. Returns nothing on success, else why not.
-std::optional<QString> putInOrder(TagEditStream &stream)
-{
-    const Mp4Layout layout = Mp4Layout::of(stream);
-    if (!layout.isWhole)
-        return u"the boxes do not fill the file"_s;
-    std::optional<Mp4Movie> movie = Mp4Movie::of(stream, layout);
-    if (!movie)
-        return u"the movie box is missing, damaged, or there more than once"_s;
-    const Mp4Box *const sound = layout.only(kSound);
-    if (sound == nullptr)
-        return u"the media data is missing, or in more than one box"_s;
-    const Mp4Box *const fileType = layout.only(kFileType);
-    if (fileType == nullptr && layout.contains(kFileType))
-        return u"there is more than one file type box"_s;
-    if (layout.namesPlaces() || movie->isFragmented())
-        return u"the file has movie fragments or other boxes that name places in it"_s;
-
-    Mp4Boxes others;
-    for (const Mp4Box &box : layout.boxes) {
-        if (box.type == kFileType || box.type == kMovie || box.type == kSound || isMp4Filler(box.type))
-            continue;
-        if (box.reachesEndOfFile)
-            return u"a box has no size"_s;
-        others.push_back(box);
+/// The contents of the new file, run by run.
+class Arrangement {
+public:
+    void addRange(std::int64_t offset, std::int64_t length)
+    {
+        TagEditStream::Piece *const last = m_edits.pieces.empty() ? nullptr : &m_edits.pieces.back();
+        if (length == 0)
+            return;
+        if (last != nullptr && !last->isNew && last->offset + last->length == offset)
+            last->length += length;
+        else
+            m_edits.pieces.push_back({.isNew = false, .offset = offset, .length = length});
+    }
+    void addBox(const Mp4Box &box) { addRange(box.offset, box.size); }
+    void addNewBytes(const QByteArray &bytes)
+    {
+        m_edits.pieces.push_back(
+            {.isNew = true, .offset = static_cast<std::int64_t>(m_edits.newBytes.size()), .length = bytes.size()});
+        m_edits.newBytes.append(bytes.constData(), static_cast<std::size_t>(bytes.size()));
     }
 
-    std::int64_t newPlace = movie->box().size() + (fileType != nullptr ? fileType->size : 0);
-    for (const Mp4Box &box : others)
-        newPlace += box.size;
-    const auto begin = static_cast<std::uint64_t>(sound->contents());
-    const auto end = static_cast<std::uint64_t>(sound->end());
-    const auto move = static_cast<std::uint64_t>(newPlace - sound->offset); // modulo 2^64 for a move to the front
-    const auto follow = [&](std::uint64_t offset) {
-        return offset >= begin && offset <= end ? std::optional(offset + move) : std::nullopt;
-    };
-    if (std::optional<QString> reason = movie->mapChunkOffsets(follow))
-        return reason;
+    /// Whether that is a file of this length as it stands.
+    [[nodiscard]] bool isWholeFile(std::int64_t length) const
+    {
+        return m_edits.pieces.size() == 1 && !m_edits.pieces.front().isNew && m_edits.pieces.front().offset == 0
+               && m_edits.pieces.front().length == length;
+    }
+    [[nodiscard]] TagEditStream::Edits takeEdits()
+    {
+        m_edits.isEdited = true;
+        return std::exchange(m_edits, {});
+    }
 
-    const long oldLength = stream.length();
-    if (fileType != nullptr)
-        stream.appendRange(fileType->offset, fileType->size);
-    const QByteArray movieBox = movie->box();
-    stream.seek(0, TagLib::IOStream::End);
-    stream.writeBlock({movieBox.constData(), static_cast<unsigned int>(movieBox.size())});
-    for (const Mp4Box &box : others)
-        stream.appendRange(box.offset, box.size);
-    stream.appendRange(sound->offset, sound->size);
-    stream.removeBlock(0, static_cast<unsigned long>(oldLength));
+private:
+    TagEditStream::Edits m_edits;
+};
+
+/// Why the boxes of the file cannot be put in order, whatever its chunk offsets; nothing when they can.
+std::optional<QString> faultOf(const Mp4Layout &layout, const Mp4Movie &movie)
+{
+    if (layout.isCutShort)
+        return u"the boxes do not fill the file"_s;
+    if (!layout.contains(kSound))
+        return u"the media data is missing"_s;
+    if (layout.only(kFileType) == nullptr && layout.contains(kFileType))
+        return u"there is more than one file type box"_s;
+    if (layout.namesPlaces() || movie.isFragmented())
+        return u"the file has movie fragments or other boxes that name places in it"_s;
     return std::nullopt;
+}
+
+/// The boxes of a file by what becomes of them.
+struct SortedBoxes {
+    Mp4Boxes others;
+    Mp4Boxes sounds;
+    std::optional<Mp4Box> endless; ///< neither, and its head gives no size, so that it must stay the last
+
+    explicit SortedBoxes(const Mp4Layout &layout)
+    {
+        for (const Mp4Box &box : layout.boxes) {
+            if (box.type == kFileType || box.type == kMovie || isMp4Filler(box.type))
+                continue;
+            if (box.type == kSound)
+                sounds.push_back(box);
+            else if (box.reachesEndOfFile)
+                endless = box;
+            else
+                others.push_back(box);
+        }
+    }
+};
+
+/// How far each sound moves when the first one comes to stand at `place`.
+struct SoundMove {
+    const Mp4Boxes &sounds;
+    std::vector<std::int64_t> before; ///< the length of the sounds that stand in front of each
+
+    explicit SoundMove(const Mp4Boxes &boxes) : sounds(boxes)
+    {
+        std::int64_t length = 0;
+        for (const Mp4Box &box : sounds) {
+            before.push_back(length);
+            length += box.size;
+        }
+    }
+
+    [[nodiscard]] std::optional<std::uint64_t> follow(std::uint64_t offset, std::int64_t place) const
+    {
+        // The last one that begins at or before the offset. An offset may name the very end of a sound:
+        // there an empty chunk lies.
+        const auto next =
+            std::upper_bound(sounds.begin(), sounds.end(), offset, [](std::uint64_t wanted, const Mp4Box &box) {
+                return wanted < static_cast<std::uint64_t>(box.contents());
+            });
+        if (next == sounds.begin())
+            return std::nullopt;
+        const Mp4Box &sound = *std::prev(next);
+        if (offset > static_cast<std::uint64_t>(sound.end()))
+            return std::nullopt;
+        const std::int64_t newOffset = place + before[static_cast<std::size_t>(std::prev(next) - sounds.begin())];
+        return static_cast<std::uint64_t>(newOffset) + (offset - static_cast<std::uint64_t>(sound.offset));
+    }
+};
+
+/// Whether a rename has failed for what stands under the new name, or for the folder that holds both.
+bool isForTheOldFile(int error)
+{
+    return error == EISDIR || error == ENOTEMPTY || error == EEXIST || error == EACCES || error == EPERM
+           || error == EBUSY || error == EROFS;
 }
 
 } // namespace
 
-std::optional<QString> Mp4Optimizer::optimize(const QString &path, const QString &targetPath)
+std::optional<QString> Mp4Optimizer::putInOrder(TagEditStream &stream, const Mp4Layout &layout, Mp4Movie movie)
 {
-    try {
-        if (TagsProcess::optimize(path, targetPath))
-            return std::nullopt;
-        TagEditStream stream(path, TagEditStream::Access::Edit);
-        if (!stream.isOpen())
-            return u"the file cannot be opened"_s;
-        if (std::optional<QString> reason = putInOrder(stream))
-            return reason;
-        return stream.writeTo(targetPath);
-    } catch (const TagsUnavailable &) {
-        throw;
-    } catch (const std::exception &failure) {
-        return QString::fromUtf8(failure.what());
+    if (std::optional<QString> fault = faultOf(layout, movie))
+        return fault;
+    const Mp4Box *const fileType = layout.only(kFileType);
+    const Mp4Box &oldMovie = *layout.only(kMovie);
+    const SortedBoxes boxes(layout);
+
+    Arrangement arrangement;
+    std::int64_t beside = 0; // the bytes in front of the sound, but for the movie
+    if (fileType != nullptr) {
+        arrangement.addBox(*fileType);
+        beside += fileType->size;
     }
+    for (const Mp4Box &box : boxes.others)
+        beside += box.size;
+    const SoundMove sounds(boxes.sounds);
+    const auto follow = [&](std::uint64_t offset, std::int64_t movieSize) {
+        return sounds.follow(offset, beside + movieSize);
+    };
+    if (std::optional<QString> reason = movie.moveChunkOffsets(follow))
+        return reason;
+    if (!movie.fitsTheLimit())
+        return u"the movie box would be too large"_s;
+
+    if (movie.standsIn(stream, oldMovie))
+        arrangement.addBox(oldMovie);
+    else
+        arrangement.addNewBytes(movie.box());
+    for (const Mp4Box &box : boxes.others)
+        arrangement.addBox(box);
+    for (const Mp4Box &box : boxes.sounds)
+        arrangement.addBox(box);
+    if (boxes.endless)
+        arrangement.addBox(*boxes.endless);
+    arrangement.addRange(layout.tail, layout.length - layout.tail);
+    if (!arrangement.isWholeFile(layout.length))
+        stream.apply(arrangement.takeEdits());
+    return std::nullopt;
 }
 
-void Mp4Optimizer::optimizeInPlace(const QString &path)
+std::optional<QString> Mp4Optimizer::commit(TagEditStream &stream)
 {
-    // Of a link the file that it leads to is replaced.
-    const QFileInfo file(QFileInfo(path).canonicalFilePath());
-    if (file.filePath().isEmpty()) {
-        qCWarning(tagsLog, "Not optimized, since it is not there: %s", qUtf8Printable(path));
-        throw NurvFailure(u"unable to optimize @% file"_s);
-    }
+    if (stream.isHanded() || !stream.isEdited())
+        return stream.commit();
+    // The name is free of links: of a link the file that it leads to is replaced.
+    const QFileInfo file(QFile::decodeName(stream.name()));
     const QString temporaryPath = Util::generateTempFileName(file.absolutePath(), file.suffix());
     const NotedTemporary note(temporaryPath);
-    const auto reason = [&] {
-        try {
-            return optimize(file.filePath(), temporaryPath);
-        } catch (const TagsUnavailable &) {
-            ::unlink(QFile::encodeName(temporaryPath).constData());
-            throw;
-        }
-    }();
-    if (reason) {
+    if (std::optional<QString> reason = stream.writeTo(temporaryPath)) {
         ::unlink(QFile::encodeName(temporaryPath).constData());
-        qCWarning(tagsLog, "Not optimized: %s: %s", qUtf8Printable(path), qUtf8Printable(*reason));
-        throw NurvFailure(u"unable to optimize @% file"_s);
+        return reason;
     }
     replace(file.filePath(), temporaryPath);
+    return std::nullopt;
 }
 
 void Mp4Optimizer::replace(const QString &path, const QString &temporaryPath)
 {
     const QByteArray name = QFile::encodeName(path);
     const QByteArray temporaryName = QFile::encodeName(temporaryPath);
-    if (::unlink(name.constData()) != 0) {
-        qCWarning(tagsLog, "Not deleted: %s: %s", name.constData(), qUtf8Printable(systemErrorText(errno)));
-        ::unlink(temporaryName.constData());
-        throw NurvFailure(u"unable to delete file @%"_s);
-    }
     if (std::rename(temporaryName.constData(), name.constData()) != 0) {
+        const int error = errno;
+        if (isForTheOldFile(error)) {
+            qCWarning(tagsLog, "Not deleted: %s: %s", name.constData(), qUtf8Printable(systemErrorText(error)));
+            ::unlink(temporaryName.constData());
+            throw NurvFailure(u"unable to delete file @%"_s);
+        }
         qCCritical(tagsLog, "%s could not be moved to %s: %s", temporaryName.constData(), name.constData(),
-                   qUtf8Printable(systemErrorText(errno)));
+                   qUtf8Printable(systemErrorText(error)));
         throw NurvFailure(u"file @% was lost"_s);
     }
     // Makes the move itself durable.

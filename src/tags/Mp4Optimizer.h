@@ -2,6 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "tags/Mp4Boxes.h"
+#include "tags/Mp4Movie.h"
+#include "tags/TagEditStream.h"
+
 #include <QString>
 
 #include <optional>
@@ -10,26 +14,29 @@ namespace nurv {
 
 /// Puts the boxes of an MPEG-4 file into the order in which a player wants them.
 ///
-///     ftyp [free] mdat moov [free] others  ──>  ftyp moov others mdat
+///     ftyp [free] mdat moov [free] mdat others tail  ──>  ftyp moov others mdat mdat tail
 ///
-/// The chunk offsets follow the sound to its new place; not a byte of the sound changes. What is
-/// not understood beyond doubt is refused: damaged boxes, several movies or sounds, movie
-/// fragments, chunk offsets that name no sound or would not fit their table.
+/// The chunk offsets of all tracks follow the sound to its new place; not a byte of the sound
+/// changes, nor of the tail. What is not understood beyond doubt is refused: damaged boxes, files cut
+/// short, several movies, movie fragments, chunk offsets that name no sound.
 class Mp4Optimizer {
 public:
-    /// Writes the optimised file into `targetPath`, an existing file, and through to the
-    /// disk. Returns nothing on success, else why not; then the target holds anything. Throws
-    /// TagsUnavailable when the process that does it fails. The file itself is only read.
-    /// Blocks; the memory needed does not depend on the length of the sound. Any thread.
-    [[nodiscard]] static std::optional<QString> optimize(const QString &path, const QString &targetPath);
-    /// Optimises the file in its place, by way of a temporary file beside it: that is
-    /// written, the file deleted, the temporary file moved. Throws NurvFailure:
-    /// - "unable to optimize @% file" and "unable to delete file @%": the file is as it was;
-    /// - "file @% was lost": it is whole, but has only the temporary name, which the log tells;
-    /// - the text of Util::generateTempFileName;
-    /// - TagsUnavailable: the file is as it was.
-    static void optimizeInPlace(const QString &path);
-    /// The last two steps of `optimizeInPlace`, with the same failures.
+    /// Edits the stream into the new order, with `movie` in the place of the file's movie box. Edits
+    /// nothing when that is the file as it stands. Returns nothing on success, else why not; then
+    /// the stream is as it was.
+    [[nodiscard]] static std::optional<QString> putInOrder(TagEditStream &stream, const Mp4Layout &layout,
+                                                           Mp4Movie movie);
+
+    /// Makes the edits the file's contents by way of a temporary file beside it, which is written
+    /// through to the disk and takes the file's place; does nothing when there are none. Returns nothing
+    /// on success, else why the temporary file cannot be written; then the file is as it was. Throws
+    /// like `replace`, and the text of Util::generateTempFileName. Blocks.
+    [[nodiscard]] static std::optional<QString> commit(TagEditStream &stream);
+
+    /// Deletes the file and gives the temporary file its name. The system does both in one step, so that
+    /// at no time there is no file of that name. Throws NurvFailure, then the file is as it was:
+    /// - "unable to delete file @%" when it is the old file that cannot go; the temporary file is removed;
+    /// - "file @% was lost" when the temporary file cannot be moved; it keeps its name, which the log tells.
     static void replace(const QString &path, const QString &temporaryPath);
 };
 

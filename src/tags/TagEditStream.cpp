@@ -332,13 +332,6 @@ std::optional<QString> TagEditStream::commit()
     return keepsBytesInPlace() ? commitInPlace() : commitByReplacement();
 }
 
-std::optional<QString> TagEditStream::commitAsNewFile()
-{
-    if (std::optional<QString> reason = readingFailure())
-        return reason;
-    return m_isEdited && !leaveEdits() ? commitByReplacement() : std::nullopt;
-}
-
 FileDescriptor TagEditStream::reopenedForReading() const
 {
     const QByteArray name = "/proc/self/fd/" + QByteArray::number(m_file.get());
@@ -411,20 +404,6 @@ std::optional<QString> TagEditStream::commitInPlace()
         static_cast<void>(writeFully(file, overwrite.oldBytes.data(), overwrite.oldBytes.size(), overwrite.start));
     [[maybe_unused]] const int cut = ::ftruncate(file, m_fileLength);
     return systemErrorText(error);
-}
-
-void TagEditStream::appendRange(std::int64_t start, std::int64_t length)
-{
-    if (m_readOnly || !isOpen())
-        return;
-    start = std::clamp<std::int64_t>(start, 0, m_length);
-    length = std::clamp<std::int64_t>(length, 0, m_length - start);
-    const auto first = static_cast<std::ptrdiff_t>(splitAt(start));
-    const auto last = static_cast<std::ptrdiff_t>(splitAt(start + length));
-    const std::vector<Piece> range(m_pieces.begin() + first, m_pieces.begin() + last);
-    m_pieces.insert(m_pieces.end(), range.begin(), range.end());
-    m_length += length;
-    m_isEdited = m_isEdited || length > 0;
 }
 
 std::optional<QString> TagEditStream::writeTo(const QString &path)

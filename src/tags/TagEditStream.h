@@ -59,6 +59,9 @@ public:
     /// The same file, for reading only; not open when that cannot be had.
     [[nodiscard]] FileDescriptor reopenedForReading() const;
     [[nodiscard]] std::int64_t fileLength() const { return m_fileLength; }
+    [[nodiscard]] bool isEdited() const { return m_isEdited; }
+    /// Whether another process has handed the file over.
+    [[nodiscard]] bool isHanded() const { return m_isHanded; }
     /// Takes edits that were made elsewhere in place of its own. Their pieces must lie within the file
     /// and the new bytes.
     void apply(Edits edits);
@@ -67,17 +70,11 @@ public:
     /// then the file is as it was. Refuses when any read before has failed, since the
     /// edits may rest on it. Blocks until the data has reached the disk.
     [[nodiscard]] std::optional<QString> commit();
-    /// `commit`, but never in place: for formats whose sound nobody finds while the bytes to
-    /// be written are half written.
-    [[nodiscard]] std::optional<QString> commitAsNewFile();
-
     /// Writes the edited contents into another file, which must exist, with mode, owner and
     /// extended attributes of this one; this file stays as it is. Returns and refuses like
     /// `commit`; after a failure the other file holds anything. Blocks until the data has
     /// reached the disk.
     [[nodiscard]] std::optional<QString> writeTo(const QString &path);
-    /// Appends the bytes of a range once more, whatever their number, without reading them.
-    void appendRange(std::int64_t start, std::int64_t length);
 
     [[nodiscard]] TagLib::FileName name() const override;
     TagLib::ByteVector readBlock(unsigned long length) override;

@@ -19,17 +19,16 @@ namespace nurv {
 
 /// What the process that reads tags and the one that asks it say to each other.
 enum class TagsMessageKind : std::uint8_t {
-    ReadTags = 1, ///< format; with a file
-    EditTags,     ///< format, what to write; with a file
-    Optimize,     ///< with a file
+    ReadTags = 1,  ///< format; with a file
+    EditTags,      ///< format, what to write; with a file
     ReadInventory, ///< with a file
-    DigestPixels, ///< bytes of a picture
-    Done = 16,    ///< what was asked for
-    Failed,       ///< whether that is a TagsUnavailable, the reason
-    NeedMemory,   ///< in between: bytes for a picture
-    Granted,      ///< the answer to that
-    Logged,       ///< in between: kind and text of a line for the log
-    Refused       ///< the reason why this process can do nothing at all
+    DigestPixels,  ///< bytes of a picture
+    Done = 16,     ///< what was asked for
+    Failed,        ///< whether that is a TagsUnavailable, the reason
+    NeedMemory,    ///< in between: bytes for a picture
+    Granted,       ///< the answer to that
+    Logged,        ///< in between: kind and text of a line for the log
+    Refused        ///< the reason why this process can do nothing at all
 };
 
 /// The kinds of files that have readers of their own.

@@ -6,6 +6,7 @@
 #include "platform/NurvFailure.h"
 #include "platform/ServiceProcess.h"
 #include "tags/MetadataBytes.h"
+#include "tags/Mp4Optimizer.h"
 #include "tags/PictureMemory.h"
 #include "tags/TagsChannel.h"
 #include "tags/TagsLog.h"
@@ -60,7 +61,6 @@ QString attemptOf(Kind kind)
 {
     switch (kind) {
     case Kind::EditTags: return u"its tags could not be written"_s;
-    case Kind::Optimize: return u"its boxes could not be put in order"_s;
     case Kind::DigestPixels: return u"a picture could not be compared"_s;
     default: return u"its tags could not be read"_s;
     }
@@ -364,29 +364,15 @@ std::optional<TagsProcess::Written> TagsProcess::writeTags(const Writing &writin
         written.date = edits.takeOptional();
         if (TagsObject::Text fault = edits.takeOptional())
             written.leftOut = plainReason(*fault);
+        if (TagsObject::Text fault = edits.takeOptional())
+            written.disorder = plainReason(*fault);
         return edits.takeEdits(stream.fileLength());
     }));
     // The sound of MPEG-4 files is not found while the bytes to be written are half written.
     if (const std::optional<QString> reason =
-            writing.format == TagFormat::Mp4 ? stream.commitAsNewFile() : stream.commit())
+            writing.format == TagFormat::Mp4 ? Mp4Optimizer::commit(stream) : stream.commit())
         throw NurvFailure(u"Unable to save the tags: %1."_s.arg(*reason));
     return written;
-}
-
-bool TagsProcess::optimize(const QString &path, const QString &targetPath)
-{
-    const std::optional<Settings> settings = currentSettings();
-    if (!settings)
-        return false;
-    TagEditStream stream(path, TagEditStream::Access::Edit);
-    const FileDescriptor file = stream.isOpen() ? stream.reopenedForReading() : FileDescriptor();
-    if (!file.isOpen())
-        throw NurvFailure(u"the file cannot be opened"_s);
-    stream.apply(taken(ask(*settings, Kind::Optimize, {}, file.get()),
-                       [&](TagsMessageReader &answer) { return answer.takeEdits(stream.fileLength()); }));
-    if (const std::optional<QString> reason = stream.writeTo(targetPath))
-        throw NurvFailure(*reason);
-    return true;
 }
 
 } // namespace nurv

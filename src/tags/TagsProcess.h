@@ -53,15 +53,15 @@ public:
         bool encoding = false;
         std::optional<std::uint32_t> quickTimeVersion = std::nullopt;
     };
-    /// What was not written: a date that TagLib shall not write, and why the picture was left out.
+    /// What was not written: a date that TagLib shall not write, why the picture was left out, and why
+    /// the boxes of an MPEG-4 file are in their old order.
     struct Written {
         TagsObject::Text date;
         TagsObject::Text leftOut;
+        TagsObject::Text disorder;
     };
     [[nodiscard]] static std::optional<Written> writeTags(const Writing &writing, const QString &path,
                                                           const TagsObject &tags);
-    /// False when there is none to ask.
-    [[nodiscard]] static bool optimize(const QString &path, const QString &targetPath);
 };
 
 } // namespace nurv

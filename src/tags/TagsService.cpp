@@ -5,7 +5,6 @@
 #include "platform/NurvFailure.h"
 #include "tags/AACTagsHelper.h"
 #include "tags/HandedFile.h"
-#include "tags/Mp4Optimizer.h"
 #include "tags/PictureDigest.h"
 #include "tags/PictureMemory.h"
 #include "tags/TagLibTagsHelper.h"
@@ -57,14 +56,16 @@ TagsProcess::Written editTags(TagFormat format, const QString &path, TagsMessage
     case TagFormat::Mp3: TagLibTagsHelper::writeTagsForMP3File(path, tags, writeEmptyTags); break;
     case TagFormat::Aiff: TagLibTagsHelper::writeTagsForAIFFFile(path, tags); break;
     case TagFormat::Flac:
-        return {.date = TagLibTagsHelper::writeTagsButDate(path, tags, writeEmptyTags), .leftOut = {}};
+        return {.date = TagLibTagsHelper::writeTagsButDate(path, tags, writeEmptyTags), .leftOut = {}, .disorder = {}};
     case TagFormat::Ape: TagLibTagsHelper::writeTagsForAPEFile(path, tags, writeEmptyTags); break;
     case TagFormat::Wavpack: TagLibTagsHelper::writeTagsForWavpackFile(path, tags, writeEmptyTags); break;
-    case TagFormat::Mp4:
+    case TagFormat::Mp4: {
         AACTagsHelper::setQuickTimeVersionProvider([version]() -> std::optional<std::uint32_t> {
             return version == 0 ? std::nullopt : std::optional(static_cast<std::uint32_t>(version - 1));
         });
-        return {.date = {}, .leftOut = AACTagsHelper::writeItemsForFile(path, tags, writeEmptyTags, encoding)};
+        AACTagsHelper::Shortfall shortfall = AACTagsHelper::writeInAnyOrder(path, tags, writeEmptyTags, encoding);
+        return {.date = {}, .leftOut = std::move(shortfall.picture), .disorder = std::move(shortfall.order)};
+    }
     case TagFormat::Tta: throw NurvFailure(u"its format is not written"_s);
     }
     return {};
@@ -90,14 +91,10 @@ TagsMessageWriter answerTo(TagsChannel::Message message)
         const TagsProcess::Written written = editTags(format, path, request);
         answer.putOptional(written.date);
         answer.putOptional(written.leftOut);
+        answer.putOptional(written.disorder);
         answer.putEdits(file.takeEdits());
         break;
     }
-    case Kind::Optimize:
-        if (const std::optional<QString> reason = Mp4Optimizer::optimize(path, path))
-            throw NurvFailure(*reason);
-        answer.putEdits(file.takeEdits());
-        break;
     case Kind::ReadInventory: answer.putInventory(MetadataInventory::of(path)); break;
     default: throw NurvFailure(u"nobody asks that"_s);
     }

@@ -70,16 +70,16 @@ TEST_F(AACTagsHelperFailures, FailsWithTheTextForAFileThatCannotBeWritten)
     EXPECT_EQ(bytes(), before);
 }
 
-TEST_F(AACTagsHelperFailures, TagsButDoesNotOptimizeAFileWithTwoSounds)
+TEST_F(AACTagsHelperFailures, TagsButDoesNotOptimizeAFileThatIsCutShort)
 {
     const QString path = makeFile();
-    folder.write(u"a.m4a"_s, bytes() + boxBytes("mdat", "more"));
+    folder.write(u"a.m4a"_s, bytes() + boxBytes("mdat", "more").chopped(1));
     const QByteArray sound = decodedMd5(path);
-    const QByteArrayList before = typesOf(bytes());
     EXPECT_EQ(failureOf([&] { write(path, fullRecord()); }), kNotOptimized);
     EXPECT_EQ(ffprobeTags(path).value(u"title"_s), fullRecord().titleText());
     EXPECT_EQ(decodedMd5(path), sound);
-    EXPECT_EQ(typesOf(bytes()), before);
+    EXPECT_TRUE(bytes().endsWith(boxBytes("mdat", "more").chopped(1)));
+    EXPECT_LT(bytes().indexOf("mdat"), bytes().indexOf("moov")) << "in the old order";
     EXPECT_EQ(folder.list(), QStringList{u"a.m4a"_s});
 }
 

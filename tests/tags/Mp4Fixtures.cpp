@@ -3,6 +3,7 @@
 #include "Mp4Fixtures.h"
 
 #include "support/AudioFixtures.h"
+#include "support/TestProgram.h"
 
 #include <QtEndian>
 
@@ -159,6 +160,34 @@ QList<quint64> chunkOffsets(const QByteArray &file)
     }
     EXPECT_FALSE(offsets.isEmpty());
     return offsets;
+}
+
+QByteArray withChunkOffsets(const QByteArray &file, const std::function<quint64(quint64 offset)> &map)
+{
+    static const QByteArrayList kOnTheWay{"moov", "trak", "mdia", "minf", "stbl"};
+    QByteArray result;
+    for (const TestBox &box : boxesOf(file)) {
+        QByteArray contents = box.contents;
+        if (kOnTheWay.contains(box.type))
+            contents = withChunkOffsets(contents, map);
+        for (qsizetype at = 8; box.type == "stco" && at + 4 <= contents.size(); at += 4) {
+            char *const place = contents.data() + at;
+            qToBigEndian(static_cast<quint32>(map(qFromBigEndian<quint32>(place))), place);
+        }
+        result += boxBytes(box.type, contents);
+    }
+    return result;
+}
+
+QByteArray packetsOf(const QString &path)
+{
+    const ProgramResult result = runProgram(
+        u"ffprobe"_s, {u"-v"_s, u"error"_s, u"-show_packets"_s, u"-show_data_hash"_s, u"md5"_s, u"-show_entries"_s,
+                       u"packet=stream_index,pts,dts,duration,size,data_hash"_s, u"-of"_s, u"csv"_s, path});
+    EXPECT_EQ(result.exitStatus, 0) << result.errors.constData();
+    EXPECT_TRUE(result.errors.isEmpty()) << result.errors.constData();
+    EXPECT_FALSE(result.output.isEmpty());
+    return result.output;
 }
 
 QByteArray withLongOffsets(const QByteArray &file, qint64 shift)

@@ -51,6 +51,11 @@ inline const QByteArrayList kSampleTablePath{"moov", "trak", "mdia", "minf", "st
 
 /// The chunk offsets of the first track.
 [[nodiscard]] QList<quint64> chunkOffsets(const QByteArray &file);
+/// The file with the 32-bit chunk offsets of all tracks replaced by what `map` gives.
+[[nodiscard]] QByteArray withChunkOffsets(const QByteArray &file, const std::function<quint64(quint64 offset)> &map);
+/// All packets of all streams after ffprobe: stream, time, size and digest, a line each. Fails the test when
+/// there are none.
+[[nodiscard]] QByteArray packetsOf(const QString &path);
 /// The file with its chunk offsets in 64 bits, each moved by `shift`.
 [[nodiscard]] QByteArray withLongOffsets(const QByteArray &file, qint64 shift);
 
