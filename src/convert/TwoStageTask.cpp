@@ -190,8 +190,18 @@ void TwoStageTask::settle()
     }
     // It may have gone while its tags were copied.
     failWithoutOutput();
+    removeUnfinishedOutput();
     examineOnce();
     settleOutput();
+}
+
+/// Of a cancelled job the tags may be missing, and nobody would see that later.
+void TwoStageTask::removeUnfinishedOutput()
+{
+    const TaskOutcome::Original original = outcome().original;
+    const bool isSourceGone = original == TaskOutcome::Original::Deleted || original == TaskOutcome::Original::Trashed;
+    if (cancelled() && !isSourceGone && !outputExisted() && hasMadeOutput())
+        removeHalfMade(m_outFile);
 }
 
 void TwoStageTask::failWithoutOutput()

@@ -83,6 +83,7 @@ private:
     void settle();
     void settleHalfMadeOutput();
     void failWithoutOutput();
+    void removeUnfinishedOutput();
     void examineOnce();
 
     QString m_outputPath;

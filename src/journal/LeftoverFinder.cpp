@@ -231,7 +231,10 @@ Leftover LeftoverFinder::verdictOn(const PlannedOutput &planned, const struct st
         birth && *birth >= *planned.begunNs - kClockSlackNs && *birth <= *planned.begunNs + kStartLimitNs;
     if (birth && !isOfThisJob && m_areMarksExact)
         return leave(Output, u"it came to be at another time than the one that was begun"_s);
-    if ((m_areMarksExact && isOfThisJob) || isKnownToBeIncomplete(planned.output, planned.source))
+    // A file of the same time may still be somebody else's; one that is whole is never removed.
+    const OutputCompleteness completeness = completenessOf(planned.output, planned.source);
+    if (completeness == OutputCompleteness::Incomplete
+        || (completeness == OutputCompleteness::Unknown && m_areMarksExact && isOfThisJob))
         return removal(Output);
     return leave(Output, u"it may be complete"_s);
 }

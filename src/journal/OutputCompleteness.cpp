@@ -63,17 +63,20 @@ bool isMadeUnderItsName(const QByteArray &path)
 
 } // namespace
 
-bool isKnownToBeIncomplete(const QByteArray &output, const QByteArray &source)
+OutputCompleteness completenessOf(const QByteArray &output, const QByteArray &source)
 {
+    using enum OutputCompleteness;
     if (isEmptyFile(output) || isUnsealedFlac(output))
-        return true;
+        return Incomplete;
     const std::optional<SoundLength> wanted = soundLength(QFile::decodeName(source));
     const std::optional<SoundLength> made = soundLength(QFile::decodeName(output));
     if (!wanted || !made)
-        return wanted && isMadeUnderItsName(output);
+        return wanted && isMadeUnderItsName(output) ? Incomplete : Unknown;
     const std::optional<std::int64_t> wantedFrames = framesOf(*wanted);
     const std::optional<std::int64_t> madeFrames = framesOf(*made);
-    return wantedFrames && madeFrames && *madeFrames < *wantedFrames;
+    if (!wantedFrames || !madeFrames)
+        return Unknown;
+    return *madeFrames < *wantedFrames ? Incomplete : Whole;
 }
 
 } // namespace nurv
