@@ -38,9 +38,9 @@ protected:
         m_folder.makeFolder(u"out"_s);
     }
 
-    [[nodiscard]] QString script(const QByteArray &text) const
+    [[nodiscard]] QString script(const QByteArray &text, const QString &name = u"codec"_s) const
     {
-        const QString path = m_folder.write(u"codec"_s, "#!/bin/bash\n" + text + '\n');
+        const QString path = m_folder.write(name, "#!/bin/bash\n" + text + '\n');
         EXPECT_TRUE(QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
         return path;
     }
@@ -83,6 +83,47 @@ TEST_F(ShntoolBadLuck, FailsWithAnEncoderThatDiesOrMakesNothing)
         EXPECT_EQ(runProgram(program(), encodeWith(text)).exitStatus, 1) << text;
         EXPECT_EQ(made(), QStringList()) << text;
     }
+}
+
+TEST_F(ShntoolBadLuck, FailsWithAnEncoderThatDoesNotWantTheSound)
+{
+    const QByteArray closed = QFile::encodeName(m_folder.path(u"closed"_s));
+    const QByteArray sound = QFile::encodeName(writeWav(m_folder.path(u"short.wav"_s), {.frames = 588}));
+    // The end of the sound comes when the encoder has closed its input; it makes a file, and ends well.
+    QStringList call = encodeWith("exec 0<&-; echo x > \"$1\"; : > " + closed);
+    call.last() = writeFlac(m_folder.path(u"in.flac"_s), {.frames = 588});
+    call += {u"-i"_s, u"flac %1 %f"_s.arg(script("head -c 100 " + sound + "; while [ ! -e " + closed
+                                                 + " ]; do sleep 0.01; done; tail -c +101 " + sound, u"decoder"_s))};
+    const ProgramResult result = runProgram(program(), call);
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_THAT(result.errors.toStdString(), HasSubstr("made no complete file"));
+    EXPECT_EQ(made(), QStringList());
+}
+
+TEST_F(ShntoolBadLuck, NamesNoPieceBeforeAllAreMade)
+{
+    QStringList call = encodeWith("cat > \"$1\"; case \"$1\" in *track02.x) rm \"$1\";; esac");
+    call.first() = u"split"_s;
+    call += {u"-l"_s, u"0:01"_s};
+    const ProgramResult result = runProgram(program(), call);
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_THAT(result.errors.toStdString(), HasSubstr("split-track02.x]\n"));
+    EXPECT_THAT(result.errors.toStdString(), HasSubstr("error: failed to split file"));
+    EXPECT_EQ(made(), QStringList());
+}
+
+TEST_F(ShntoolBadLuck, TellsThePieceThatCannotGetItsName)
+{
+    const QString taken = m_folder.path(u"out/split-track02.x"_s);
+    QStringList call = encodeWith("cat > \"$1\"; case \"$1\" in *track02.x) mkdir " + QFile::encodeName(taken) + ";; esac");
+    call.first() = u"split"_s;
+    call += {u"-l"_s, u"0:01"_s};
+    const ProgramResult result = runProgram(program(), call);
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_THAT(result.errors.toStdString(),
+                HasSubstr("could not complete output file: [" + taken.toStdString() + "] -- those before it are complete"));
+    EXPECT_THAT(result.errors.toStdString(), HasSubstr("error: failed to split file"));
+    EXPECT_EQ(made(), (QStringList{u"split-track01.x"_s, u"split-track02.x"_s}));
 }
 
 TEST_F(ShntoolBadLuck, FailsWithADecoderThatFailsInTheEnd)
