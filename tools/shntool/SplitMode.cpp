@@ -204,7 +204,9 @@ void SplitMode::readLeads()
 
 std::string SplitMode::numberOf(size_t piece) const
 {
-    const std::optional<std::string> number = formattedNumber(m_numberFormat, m_firstNumber + static_cast<int>(piece));
+    // Behind the last number comes the first negative one.
+    const auto value = static_cast<int>(static_cast<unsigned>(m_firstNumber) + static_cast<unsigned>(piece));
+    const std::optional<std::string> number = formattedNumber(m_numberFormat, value);
     if (!number)
         run().console.fail("invalid number output format: [" + m_numberFormat + "]");
     return *number;

@@ -180,6 +180,20 @@ TEST_F(ShntoolBadLuck, FailsOnAFullDisk)
     EXPECT_EQ(made(), QStringList());
 }
 
+TEST_F(ShntoolBadLuck, ComparesWithoutMemoryForWhatOnlyAHeaderTells)
+{
+    QByteArray wav = m_folder.read(u"in.wav"_s).first(44 + 4000);
+    const auto put = [&wav](qsizetype at, const QByteArray &bytes) { wav.replace(at, bytes.size(), bytes); };
+    put(22, "\xff\xff");         // channels
+    put(24, "\xff\xff\xff\x7f"); // rate
+    put(40, "\xff\xff\xff\x7f"); // bytes of sound
+    const QString file = m_folder.write(u"lies.wav"_s, wav);
+    const ProgramResult result =
+        runProgram(u"/bin/bash"_s, {u"-c"_s, u"ulimit -v 500000; exec \"$0\" cmp -s \"$1\" \"$1\""_s, program(), file});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_THAT(result.errors.toStdString(), HasSubstr("error while reading"));
+}
+
 /// A signal to the program alone, while an encoder runs that has started a program of its own.
 class ShntoolSignal : public ShntoolBadLuck, public ::testing::WithParamInterface<int> {};
 
