@@ -53,6 +53,7 @@ void FixMode::examine(const std::vector<std::string> &names)
         isGood = false;
     };
     for (const std::string &name : names) {
+        run().console.debugFile(m_infos.size(), name);
         std::optional<WaveInfo> info = run().files.examine(name);
         if (!info)
             run().console.fail("could not open file: [" + name + "]");

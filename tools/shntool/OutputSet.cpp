@@ -15,7 +15,8 @@ OutputSet::~OutputSet() = default;
 
 WaveOutput &OutputSet::add(const std::string &name, std::unique_ptr<WaveOutput> output)
 {
-    return *m_members.emplace_back(name, std::move(output)).output;
+    m_members.push_back({.name = name, .output = std::move(output)});
+    return *m_members.back().output;
 }
 
 void OutputSet::clear()

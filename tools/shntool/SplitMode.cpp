@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
+#include <limits>
 #include <utility>
 
 #include <unistd.h>
@@ -38,6 +39,8 @@ void SplitMode::takeOption(char option, const char *value)
         m_firstNumber = std::atoi(value);
         if (m_firstNumber < 0)
             run().console.failWithHelp("starting count cannot be negative");
+        if (m_firstNumber > std::numeric_limits<int>::max() - kMostPieces)
+            run().console.failWithHelp("starting count is too large");
         break;
     case 'e': m_leadInText = value; break;
     case 'f': m_placesFile = value; break;
@@ -204,9 +207,7 @@ void SplitMode::readLeads()
 
 std::string SplitMode::numberOf(size_t piece) const
 {
-    // Behind the last number comes the first negative one.
-    const auto value = static_cast<int>(static_cast<unsigned>(m_firstNumber) + static_cast<unsigned>(piece));
-    const std::optional<std::string> number = formattedNumber(m_numberFormat, value);
+    const std::optional<std::string> number = formattedNumber(m_numberFormat, m_firstNumber + static_cast<int>(piece));
     if (!number)
         run().console.fail("invalid number output format: [" + m_numberFormat + "]");
     return *number;

@@ -116,7 +116,7 @@ def outputs():
         yield case(f"split -o '{target}' cd1.wav", typed=POINTS["minutes"])
     for source in ("flac", "shn", "ape", "tta", "aiff", "wv4"):
         yield case(f"split cd1.{source}", typed=POINTS["minutes"])
-    for options in ("-c 0", "-c 5", "-c 99", "-c 2147483647", "-c -1", "-c x", "-c 1000", "-n %d", "-n %03d", "-n %x", "-n words", "-n %s",
+    for options in ("-c 0", "-c 5", "-c 99", "-c -1", "-c x", "-c 1000", "-n %d", "-n %03d", "-n %x", "-n words", "-n %s",
                     "-n ''", "-n '%2d'", "-n %%", "-n %n", "-n %05d", "-a pre", "-z post", "-a pre -z post",
                     "-a ''", "-d out", "-d nowhere", "-q", "-H", "-w", "-P dot", "-P spin", "-P face", "-P none",
                     "-e 0:00.02", "-u 0:00.02", "-e 0:00.02 -u 0:00.03", "-e 100", "-u 101", "-e 0:00.50",
