@@ -95,6 +95,10 @@ protected:
             EXPECT_TRUE(task.error()) << qPrintable(task.report());
             EXPECT_EQ(task.topTextField().text, u"Error");
             EXPECT_FALSE(task.report().section(u'\n', 1).trimmed().isEmpty()) << "the report says why";
+            if (format == u"SHN") {
+                EXPECT_TRUE(task.report().contains(u"Shorten holds samples of 8 or 16 bits, not of 24"_s))
+                    << qPrintable(task.report());
+            }
             EXPECT_EQ(out.list(), QStringList()) << qPrintable(task.report());
             return;
         }

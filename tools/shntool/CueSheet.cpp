@@ -67,9 +67,11 @@ std::string placeIn(std::string_view line)
 std::string limitedText(std::istream &input)
 {
     constexpr size_t kMostBytes = size_t{1} << 20;
-    std::string text(kMostBytes, '\0');
-    input.read(text.data(), static_cast<std::streamsize>(text.size()));
-    text.resize(static_cast<size_t>(input.gcount()));
+    std::string text;
+    for (std::array<char, 4096> piece{}; input && text.size() < kMostBytes;) {
+        input.read(piece.data(), piece.size());
+        text.append(piece.data(), static_cast<size_t>(input.gcount()));
+    }
     return text;
 }
 
