@@ -104,7 +104,8 @@ void AiffWaveSource::readCommon(uint32_t chunkBytes, bool isCompressedKind)
         if (!common.isLittleEndian && !startsWith(compression, "NONE") && !startsWith(compression, "twos"))
             fail(ToolError::Kind::UnsupportedFormat, m_input, "the sound is compressed");
     }
-    if (common.channels == 0 || common.channels > kMaxChannels || common.bits == 0 || common.bits > kMaxBits || common.samplesPerSecond == 0)
+    if (common.channels == 0 || common.channels > kMaxChannels || common.bits == 0 || common.bits > kMaxBits
+        || common.samplesPerSecond == 0)
         fail(ToolError::Kind::UnsupportedFormat, m_input, "there is no such sound");
     m_common = common;
 }

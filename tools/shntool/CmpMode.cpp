@@ -24,7 +24,8 @@ std::string failedRead(uint64_t bytes, const WaveInfo &info)
     return "error while reading " + std::to_string(bytes) + " bytes from file: [" + info.fileName + "]";
 }
 
-/// Reads up to that many bytes; what the header says is not believed before it is there. Returns whether all were there.
+/// Reads up to that many bytes; what the header says is not believed before it is there. Returns whether all were
+/// there.
 bool readAll(WavePass &pass, size_t wanted, std::vector<uint8_t> &bytes)
 {
     bytes.clear();

@@ -28,9 +28,9 @@ public:
     /// Null where there is none.
     [[nodiscard]] static EndingCleanup *current();
 
-    /// Held while a program is started, while a private folder is made, and while an output gets its name: a signal comes
-    /// before or after that. Never again free once a signal is ending the program. Of nothing where there is no such
-    /// object.
+    /// Held while a program is started, while a private folder is made, and while an output gets its name: a signal
+    /// comes before or after that. Never again free once a signal is ending the program. Of nothing where there is no
+    /// such object.
     [[nodiscard]] static std::unique_lock<std::mutex> hold();
 
     /// While it is held.

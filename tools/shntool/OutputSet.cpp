@@ -26,11 +26,13 @@ void OutputSet::clear()
 
 bool OutputSet::commit(const Console &console)
 {
-    const auto failed = std::ranges::find_if_not(m_members, [](const Member &member) { return member.output->commit(); });
+    const auto failed =
+        std::ranges::find_if_not(m_members, [](const Member &member) { return member.output->commit(); });
     if (failed == m_members.end())
         return true;
-    console.warn("could not complete output file: [" + failed->name + "]"
-                 + (failed == m_members.begin() ? "" : " -- those before it are complete, those behind it are not made"));
+    console.warn(
+        "could not complete output file: [" + failed->name + "]"
+        + (failed == m_members.begin() ? "" : " -- those before it are complete, those behind it are not made"));
     clear();
     return false;
 }

@@ -54,7 +54,8 @@ void PrivateFolder::sweepBeside(const std::string &file)
     std::error_code error;
     for (const auto &entry : fs::directory_iterator(parentOf(file), error)) {
         const std::string name = entry.path().filename().string();
-        if (!name.starts_with(kPrivateFolderPrefix) || name.size() != kPrivateFolderPrefix.size() + kPrivateFolderLetters)
+        if (!name.starts_with(kPrivateFolderPrefix)
+            || name.size() != kPrivateFolderPrefix.size() + kPrivateFolderLetters)
             continue;
         const std::string path = entry.path().string();
         // Locked until it is gone: somebody may be about to take it for his.

@@ -32,11 +32,12 @@ struct Aiff {
 
     [[nodiscard]] QByteArray bytes() const
     {
-        const QByteArray common = number(channels, 2) + number(frames, 4) + number(bits, 2)
-                                  + QByteArray::fromHex("400eac44000000000000");
+        const QByteArray common =
+            number(channels, 2) + number(frames, 4) + number(bits, 2) + QByteArray::fromHex("400eac44000000000000");
         const QByteArray body = number(static_cast<quint32>(filling.size()), 4) + number(0, 4) + filling + sound;
-        const QByteArray chunks = "AIFFCOMM" + number(18, 4) + common + "SSND" + number(static_cast<quint32>(body.size()), 4)
-                                  + body + "NAME" + number(8, 4) + "a name  ";
+        const QByteArray chunks = "AIFFCOMM" + number(18, 4) + common + "SSND"
+                                  + number(static_cast<quint32>(body.size()), 4) + body + "NAME" + number(8, 4)
+                                  + "a name  ";
         return "FORM" + number(static_cast<quint32>(chunks.size()), 4) + chunks;
     }
 };

@@ -93,7 +93,8 @@ TEST_F(ShntoolBadLuck, FailsWithAnEncoderThatDoesNotWantTheSound)
     QStringList call = encodeWith("exec 0<&-; echo x > \"$1\"; : > " + closed);
     call.last() = writeFlac(m_folder.path(u"in.flac"_s), {.frames = 588});
     call += {u"-i"_s, u"flac %1 %f"_s.arg(script("head -c 100 " + sound + "; while [ ! -e " + closed
-                                                 + " ]; do sleep 0.01; done; tail -c +101 " + sound, u"decoder"_s))};
+                                                     + " ]; do sleep 0.01; done; tail -c +101 " + sound,
+                                                 u"decoder"_s))};
     const ProgramResult result = runProgram(program(), call);
     EXPECT_EQ(result.exitStatus, 1);
     EXPECT_THAT(result.errors.toStdString(), HasSubstr("made no complete file"));
@@ -115,13 +116,14 @@ TEST_F(ShntoolBadLuck, NamesNoPieceBeforeAllAreMade)
 TEST_F(ShntoolBadLuck, TellsThePieceThatCannotGetItsName)
 {
     const QString taken = m_folder.path(u"out/split-track02.x"_s);
-    QStringList call = encodeWith("cat > \"$1\"; case \"$1\" in *track02.x) mkdir " + QFile::encodeName(taken) + ";; esac");
+    QStringList call =
+        encodeWith("cat > \"$1\"; case \"$1\" in *track02.x) mkdir " + QFile::encodeName(taken) + ";; esac");
     call.first() = u"split"_s;
     call += {u"-l"_s, u"0:01"_s};
     const ProgramResult result = runProgram(program(), call);
     EXPECT_EQ(result.exitStatus, 1);
-    EXPECT_THAT(result.errors.toStdString(),
-                HasSubstr("could not complete output file: [" + taken.toStdString() + "] -- those before it are complete"));
+    EXPECT_THAT(result.errors.toStdString(), HasSubstr("could not complete output file: [" + taken.toStdString()
+                                                       + "] -- those before it are complete"));
     EXPECT_THAT(result.errors.toStdString(), HasSubstr("error: failed to split file"));
     EXPECT_EQ(made(), (QStringList{u"split-track01.x"_s, u"split-track02.x"_s}));
 }
@@ -226,8 +228,10 @@ TEST_F(ShntoolBadLuck, SweepsWhatAKilledRunLeft)
     const QString started = m_folder.path(u"started"_s);
     const QString goOn = m_folder.path(u"go-on"_s);
     QProcess process;
-    process.start(program(), encodeWith("echo x > \"$1\"; echo > " + QFile::encodeName(started) + "; cat > /dev/null; "
-                                        "while [ ! -e " + QFile::encodeName(goOn) + " ]; do sleep 0.02; done"));
+    process.start(program(), encodeWith("echo x > \"$1\"; echo > " + QFile::encodeName(started)
+                                        + "; cat > /dev/null; "
+                                          "while [ ! -e "
+                                        + QFile::encodeName(goOn) + " ]; do sleep 0.02; done"));
     process.closeReadChannel(QProcess::StandardOutput);
     ASSERT_TRUE(waitUntil([&] { return QFile::exists(started); }));
     ::kill(static_cast<pid_t>(process.processId()), SIGKILL);
@@ -237,8 +241,8 @@ TEST_F(ShntoolBadLuck, SweepsWhatAKilledRunLeft)
     ASSERT_EQ(left.size(), 1);
     ASSERT_TRUE(left.first().startsWith(QString::fromUtf8(kPrivateFolderPrefix.data()))) << qPrintable(left.first());
     // Also where no program makes the next output.
-    const ProgramResult next = runProgram(
-        program(), {u"conv"_s, u"-q"_s, u"-o"_s, u"wav"_s, u"-d"_s, m_folder.path(u"out"_s), m_folder.path(u"in.wav"_s)});
+    const ProgramResult next = runProgram(program(), {u"conv"_s, u"-q"_s, u"-o"_s, u"wav"_s, u"-d"_s,
+                                                      m_folder.path(u"out"_s), m_folder.path(u"in.wav"_s)});
     EXPECT_EQ(next.exitStatus, 0) << next.errors.constData();
     EXPECT_EQ(made(), QStringList{u"in.wav"_s});
 }
