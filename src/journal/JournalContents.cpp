@@ -9,6 +9,8 @@
 #include <cerrno>
 #include <unistd.h>
 
+#include <sys/stat.h>
+
 using namespace Qt::StringLiterals;
 
 namespace nurv {
@@ -119,6 +121,30 @@ bool JournalContents::takeHeader(const QList<QByteArray> &words)
     return began.has_value();
 }
 
+QByteArray FolderMark::toText() const
+{
+    if (!isKnown())
+        return "-";
+    return QByteArray::number(static_cast<qulonglong>(device)) + '.' + QByteArray::number(static_cast<qulonglong>(inode));
+}
+
+FolderMark FolderMark::fromText(const QByteArray &text)
+{
+    const qsizetype point = text.indexOf('.');
+    bool isDevice = false;
+    bool isInode = false;
+    const qulonglong device = text.left(point).toULongLong(&isDevice);
+    const qulonglong inode = text.mid(point + 1).toULongLong(&isInode);
+    return point > 0 && isDevice && isInode ? FolderMark{device, inode} : FolderMark{};
+}
+
+FolderMark FolderMark::of(const QByteArray &path)
+{
+    struct stat facts = {};
+    const QByteArray folder = path.left(path.lastIndexOf('/') + 1);
+    return ::stat(folder.constData(), &facts) == 0 ? FolderMark{facts.st_dev, facts.st_ino} : FolderMark{};
+}
+
 bool JournalContents::takeWords(const QList<QByteArray> &words)
 {
     if (words[0] == "plan")
@@ -152,8 +178,9 @@ bool JournalContents::takeMark(const QList<QByteArray> &words)
     if (place == m_placeOfNumber.end())
         return false;
     PlannedOutput &planned = outputs[place->second];
-    if (words[0] == "begun" && words.size() == 3) {
+    if (words[0] == "begun" && (words.size() == 3 || words.size() == 4)) {
         planned.begunNs = wholeNumber(words[2]);
+        planned.folder = words.size() > 3 ? FolderMark::fromText(words[3]) : FolderMark(); // older versions told none
         planned.hasEnded = false;
         return planned.begunNs.has_value();
     }

@@ -15,12 +15,14 @@
 #include <unordered_map>
 #include <vector>
 
+#include <sys/types.h>
+
 namespace nurv {
 
 // The lines of a journal, after the first two (see JournalFile):
 //
 //     plan <number> <output> <what has its name> <source> <what the source is>
-//     begun <number> <time>     ended <number>
+//     begun <number> <time> <folder>     ended <number>
 //     aside <number> <path> <what is moved there>     back <number>
 //     temporary <path>          gone <path>
 
@@ -36,6 +38,20 @@ struct NameState {
     [[nodiscard]] static NameState of(const QByteArray &path, bool follow);
 };
 
+/// Which folder a file lies in, as long as the system runs: "-" when nobody can tell, else "<device>.<inode>".
+struct FolderMark {
+    dev_t device = 0;
+    ino_t inode = 0;
+
+    [[nodiscard]] bool isKnown() const { return inode != 0; }
+    [[nodiscard]] bool operator==(const FolderMark &) const = default;
+    [[nodiscard]] QByteArray toText() const;
+    /// Unknown for anything else than such a text.
+    [[nodiscard]] static FolderMark fromText(const QByteArray &text);
+    /// Of the folder that the path leads into, links followed.
+    [[nodiscard]] static FolderMark of(const QByteArray &path);
+};
+
 /// One output of a batch, as its journal tells it. Paths are bytes, and absolute.
 struct PlannedOutput {
     std::int64_t number = 0;
@@ -44,6 +60,7 @@ struct PlannedOutput {
     NameState formerOutput;
     NameState formerSource;
     std::optional<std::int64_t> begunNs; ///< when its making began, since 1970
+    FolderMark folder;                   ///< that it was begun in
     bool hasEnded = false;
     QByteArray aside; ///< where the former output waits; empty: it never was moved
     bool isAsideSettled = false;

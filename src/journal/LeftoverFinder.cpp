@@ -212,6 +212,9 @@ Leftover LeftoverFinder::verdictOn(const PlannedOutput &planned, const struct st
         return leave(Output, u"it is no regular file"_s);
     if (!isOurs(present))
         return leave(Output, u"it belongs to somebody else"_s);
+    // Numbers of devices do not outlive the system.
+    if (m_isSameBoot && planned.folder.isKnown() && planned.folder != FolderMark::of(planned.output))
+        return leave(Output, u"its folder is another one than the one that it was begun in"_s);
     if (m_programs.isOpenForWriting(present))
         return waitFor(Output);
     if (!planned.begunNs)
@@ -231,10 +234,7 @@ Leftover LeftoverFinder::verdictOn(const PlannedOutput &planned, const struct st
         birth && *birth >= *planned.begunNs - kClockSlackNs && *birth <= *planned.begunNs + kStartLimitNs;
     if (birth && !isOfThisJob && m_areMarksExact)
         return leave(Output, u"it came to be at another time than the one that was begun"_s);
-    // A file of the same time may still be somebody else's; one that is whole is never removed.
-    const OutputCompleteness completeness = completenessOf(planned.output, planned.source);
-    if (completeness == OutputCompleteness::Incomplete
-        || (completeness == OutputCompleteness::Unknown && m_areMarksExact && isOfThisJob))
+    if ((m_areMarksExact && isOfThisJob) || isKnownToBeIncomplete(planned.output, planned.source))
         return removal(Output);
     return leave(Output, u"it may be complete"_s);
 }

@@ -63,20 +63,17 @@ bool isMadeUnderItsName(const QByteArray &path)
 
 } // namespace
 
-OutputCompleteness completenessOf(const QByteArray &output, const QByteArray &source)
+bool isKnownToBeIncomplete(const QByteArray &output, const QByteArray &source)
 {
-    using enum OutputCompleteness;
     if (isEmptyFile(output) || isUnsealedFlac(output))
-        return Incomplete;
+        return true;
     const std::optional<SoundLength> wanted = soundLength(QFile::decodeName(source));
     const std::optional<SoundLength> made = soundLength(QFile::decodeName(output));
     if (!wanted || !made)
-        return wanted && isMadeUnderItsName(output) ? Incomplete : Unknown;
+        return wanted && isMadeUnderItsName(output);
     const std::optional<std::int64_t> wantedFrames = framesOf(*wanted);
     const std::optional<std::int64_t> madeFrames = framesOf(*made);
-    if (!wantedFrames || !madeFrames)
-        return Unknown;
-    return *madeFrames < *wantedFrames ? Incomplete : Whole;
+    return wantedFrames && madeFrames && *madeFrames < *wantedFrames;
 }
 
 } // namespace nurv

@@ -6,16 +6,9 @@
 
 namespace nurv {
 
-/// What an output holds of the sound of its source.
-enum class OutputCompleteness {
-    /// Not the whole of it: it is empty, no sound file although its source is one, shorter than its source, or a
-    /// FLAC file that its encoder did not come to seal.
-    Incomplete,
-    Whole,   ///< as many samples, and what its encoder writes last
-    Unknown,
-};
-
-/// Reads a few headers.
-[[nodiscard]] OutputCompleteness completenessOf(const QByteArray &output, const QByteArray &source);
+/// Whether the output is known not to hold the whole sound of its source: it is empty, no
+/// sound file although its source is one, shorter than its source, or a FLAC file that its
+/// encoder did not come to seal. Reads a few headers. False when in doubt.
+[[nodiscard]] bool isKnownToBeIncomplete(const QByteArray &output, const QByteArray &source);
 
 } // namespace nurv

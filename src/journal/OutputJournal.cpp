@@ -65,8 +65,8 @@ public:
         // What stands there from now on is no longer what a killed run left.
         m_staleNotes.settle(QFile::encodeName(output));
         m_openCount += std::exchange(state->isBeingMade, true) ? 0 : 1;
-        m_file->append(
-            journalLine({"begun", numberOf(*state), QByteArray::number(static_cast<qint64>(fileClockNow()))}));
+        m_file->append(journalLine({"begun", numberOf(*state), QByteArray::number(static_cast<qint64>(fileClockNow())),
+                                    FolderMark::of(QFile::encodeName(output)).toText()}));
     }
 
     void markEnded(const QString &output) override

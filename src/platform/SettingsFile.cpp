@@ -132,6 +132,14 @@ bool holdsStream(const QByteArray &line)
     return std::any_of(kStreams.begin(), kStreams.end(), [&](const char *stream) { return plain.contains(stream); });
 }
 
+// Whether a key has a name in each of its groups: QSettings reads one without, and writes it as a line that it cannot
+// read. Groups end with a backslash in the file.
+bool isNamed(QByteArray key)
+{
+    key = key.trimmed().replace('\\', '/').replace("%2F", "/").replace("%2f", "/");
+    return !key.isEmpty() && !key.startsWith('/') && !key.endsWith('/') && !key.contains("//");
+}
+
 bool isSound(const QByteArray &line)
 {
     if (line.isEmpty() || line.startsWith(';'))
@@ -142,7 +150,7 @@ bool isSound(const QByteArray &line)
     if (hasControls || !line.isValidUtf8() || !endsWithinItself(line) || holdsStream(line))
         return false;
     const bool isSection = line.startsWith('[') && line.endsWith(']');
-    return isSection || line.startsWith('#') || (!line.startsWith('[') && line.indexOf('=') > 0);
+    return isSection || line.startsWith('#') || (!line.startsWith('[') && isNamed(line.left(line.indexOf('='))) && line.contains('='));
 }
 
 struct SoundLines {

@@ -11,6 +11,8 @@
 
 #include <QDateTime>
 
+#include <QDir>
+
 #include <gmock/gmock.h>
 
 #include <fcntl.h>
@@ -177,6 +179,36 @@ TEST_F(UnfinishedWorkTest, WhatWasMadeByHandLaterStays)
     EXPECT_EQ(reason(), u"it came to be at another time than the one that was begun"_s);
     EXPECT_THAT(cleaned(), ElementsAre(u"left a.flac"_s));
     EXPECT_TRUE(folder.exists(u"a.flac"_s));
+}
+
+TEST_F(UnfinishedWorkTest, WhatWasMadeByHandAtOnceInANewFolderStays)
+{
+    const QString output = u"out/a.flac"_s;
+    folder.makeFolder(u"out"_s);
+    test::runAndKill({two("plan", output, u"a.wav"_s), u"begin"_s, step("begun", output), write(output, u"half"_s)});
+    ASSERT_TRUE(QDir(folder.path()).rename(u"out"_s, u"moved"_s));
+    folder.write(output, "theirs");
+    EXPECT_EQ(reason(), u"its folder is another one than the one that it was begun in"_s);
+    EXPECT_THAT(cleaned(), ElementsAre(u"left out/a.flac"_s));
+    EXPECT_EQ(folder.read(output), "theirs");
+    // The same behind a link; and the very folder, which is found again behind one.
+    folder.remove(output);
+    ASSERT_TRUE(QDir(folder.path()).rmdir(u"out"_s));
+    folder.write(u"theirs/a.flac"_s, "theirs");
+    ASSERT_TRUE(QFile::link(folder.path(u"theirs"_s), folder.path(u"out"_s)));
+    EXPECT_THAT(cleaned(), ElementsAre(u"left out/a.flac"_s));
+    ASSERT_TRUE(QFile::remove(folder.path(u"out"_s)));
+    ASSERT_TRUE(QFile::link(folder.path(u"moved"_s), folder.path(u"out"_s)));
+    EXPECT_THAT(cleaned(), ElementsAre(u"removed out/a.flac"_s));
+    EXPECT_EQ(folder.read(u"theirs/a.flac"_s), "theirs");
+    EXPECT_FALSE(folder.exists(u"moved/a.flac"_s));
+}
+
+TEST_F(UnfinishedWorkTest, AJournalThatTellsNoFolderIsUnderstood)
+{
+    killAtA();
+    shelf.changeWord("begun", 3, "-");
+    EXPECT_THAT(found(), ElementsAre(u"remove a.flac"_s));
 }
 
 TEST_F(UnfinishedWorkTest, WhatIsOlderThanItsMarkStays)

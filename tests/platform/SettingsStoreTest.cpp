@@ -133,6 +133,18 @@ TEST_F(SettingsStoreFile, ReadsNoStreamsOfQtsOwnTypes)
     EXPECT_EQ(SettingsFile(path()).read().state, SettingsFile::State::Healthy);
 }
 
+TEST_F(SettingsStoreFile, ReadsNoKeysWithoutAName)
+{
+    for (const char *line : {"/=1", "\\=1", "a\\=1", "\\a=1", "a\\\\b=1", "%2Fa=1", " =1"}) {
+        write(QByteArray("[General]\nmaxThreads=3\n") + line + '\n');
+        const SettingsFile::Contents found = SettingsFile(path()).read();
+        EXPECT_EQ(found.state, SettingsFile::State::Damaged) << line;
+        EXPECT_EQ(found.values, (QVariantMap{{u"maxThreads"_s, u"3"_s}})) << line;
+    }
+    write("[General]\nmaxThreads=3\nown\\key=4\n");
+    EXPECT_EQ(SettingsFile(path()).read().values.value(u"own/key"_s), u"4"_s);
+}
+
 TEST_F(SettingsStoreFile, IsReadableByItsOwnerOnlyFromTheFirstMomentOn)
 {
     const mode_t formerMask = ::umask(0);

@@ -2,15 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/TwentyBitSound.h"
 
-#include "support/TestProgram.h"
-
 #include <QFile>
 #include <QtEndian>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <bit>
 
 using namespace Qt::StringLiterals;
 
@@ -66,20 +63,6 @@ QByteArray packetOf(const char *samples, int frames, int channels)
     return packet.bytes();
 }
 
-/// Seven bits a byte, the last one without the uppermost.
-QByteArray variableLength(quint32 value)
-{
-    QByteArray bytes(1, static_cast<char>(value & 0x7F));
-    while ((value >>= 7) != 0)
-        bytes.prepend(static_cast<char>(0x80 | (value & 0x7F)));
-    return bytes;
-}
-
-QByteArray chunk(const char *name, const QByteArray &contents)
-{
-    return name + big(qint64{contents.size()}) + contents;
-}
-
 } // namespace
 
 QByteArray twentyBitSamples(int frames, int channels)
@@ -93,32 +76,34 @@ QByteArray twentyBitSamples(int frames, int channels)
 QString writeTwentyBitAppleLossless(const QString &path, int frames, int channels)
 {
     const QByteArray samples = twentyBitSamples(frames, channels);
-    QByteArray sizes;
+    writeByFfmpeg(path, {.rate = kRate, .bits = 24, .channels = channels, .frames = frames},
+                  {u"-c:a"_s, u"alac"_s, u"-frame_size"_s, QString::number(kFramesPerPacket)});
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadWrite));
+    QByteArray bytes = file.readAll();
+
     QByteArray packets;
-    qint64 count = 0;
-    for (int first = 0; first < frames; first += kFramesPerPacket, ++count) {
+    // Boxes: four bytes of size, four letters; of "stsz" version, common size, count and the sizes follow.
+    qsizetype sizeAt = bytes.indexOf("stsz") + 12;
+    const auto count = qFromBigEndian<quint32>(bytes.constData() + sizeAt);
+    EXPECT_EQ(count, static_cast<quint32>((frames + kFramesPerPacket - 1) / kFramesPerPacket));
+    EXPECT_EQ(qFromBigEndian<quint32>(bytes.constData() + bytes.indexOf("stco") + 8), 1U) << "one run of packets";
+    for (int first = 0; first < frames; first += kFramesPerPacket) {
         const QByteArray packet = packetOf(samples.constData() + qsizetype{3} * channels * first,
                                            std::min(kFramesPerPacket, frames - first), channels);
-        sizes += variableLength(static_cast<quint32>(packet.size()));
+        sizeAt += 4;
+        bytes.replace(sizeAt, 4, big(static_cast<quint32>(packet.size())));
         packets += packet;
     }
-    const auto remainder = static_cast<qint32>(count * kFramesPerPacket - frames);
-    const QByteArray description = big(std::bit_cast<quint64>(double{kRate})) + "alac" + big(quint32{2}) + big(quint32{0})
-                                   + big(quint32{kFramesPerPacket}) + big(static_cast<quint32>(channels))
-                                   + big(quint32{kBits});
-    const QByteArray cookie = big(quint32{kFramesPerPacket}) + QByteArray::fromHex("0014280a0e")
-                              + QByteArray(1, static_cast<char>(channels)) + big(quint16{255}) + big(quint32{0})
-                              + big(quint32{0}) + big(quint32{kRate});
-    const QByteArray caf = "caff" + big(quint16{1}) + big(quint16{0}) + chunk("desc", description) + chunk("kuki", cookie)
-                           + chunk("pakt", big(count) + big(qint64{frames}) + big(qint32{0}) + big(remainder) + sizes)
-                           + chunk("data", big(quint32{0}) + packets);
-    QFile file(path + u".caf"_s);
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(caf) == caf.size());
-    file.close();
-    const ProgramResult muxer = runProgram(u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-y"_s, u"-i"_s, file.fileName(),
-                                                         u"-c"_s, u"copy"_s, u"-f"_s, u"ipod"_s, path});
-    EXPECT_EQ(muxer.exitStatus, 0) << muxer.errors.constData();
-    file.remove();
+    // The sample entry comes first, the codec's own box of the same name in it.
+    const qsizetype codec = bytes.indexOf("alac", bytes.indexOf("alac", bytes.indexOf("stsd")) + 4);
+    EXPECT_EQ(bytes[codec + 13], 24);
+    bytes[codec + 13] = kBits;
+    const qsizetype sound = bytes.indexOf("mdat");
+    EXPECT_LT(sound, bytes.indexOf("moov")) << "what follows the sound may move";
+    bytes.replace(sound + 4, qFromBigEndian<quint32>(bytes.constData() + sound - 4) - 8, packets);
+    bytes.replace(sound - 4, 4, big(static_cast<quint32>(packets.size() + 8)));
+    EXPECT_TRUE(file.seek(0) && file.resize(0) && file.write(bytes) == bytes.size());
     return path;
 }
 

@@ -10,7 +10,7 @@ namespace nurv::test {
 [[nodiscard]] QByteArray twentyBitSamples(int frames, int channels);
 
 /// Writes those samples to an Apple Lossless file of 20 bits a sample, which no encoder here makes: packets that are
-/// not compressed, in a Core Audio Format file that ffmpeg makes an MPEG-4 file of. Returns the path.
+/// not compressed take the place of those of a file by ffmpeg. For a part of a second. Returns the path.
 QString writeTwentyBitAppleLossless(const QString &path, int frames, int channels);
 
 } // namespace nurv::test
