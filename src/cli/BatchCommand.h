@@ -3,7 +3,6 @@
 #pragma once
 
 #include "cli/ArgumentParser.h"
-#include "cli/NeededPrograms.h"
 
 #include <QString>
 #include <QStringList>
@@ -31,9 +30,6 @@ public:
     /// default, never to what a window has stored.
     [[nodiscard]] virtual std::unique_ptr<BaseTab> makeTab(NURVController &controller,
                                                            const ParsedArguments &arguments) const = 0;
-    /// What the files of the tab's list need.
-    [[nodiscard]] virtual NeededPrograms neededPrograms(const ParsedArguments &arguments,
-                                                        const QStringList &files) const = 0;
     /// A line for each option that was given and has no effect on some of the files.
     [[nodiscard]] virtual QStringList optionsWithoutEffect(const ParsedArguments &, const QStringList &) const
     {

@@ -230,7 +230,7 @@ ExitStatus CliApplication::runBatch(const BatchCommand &command, const ParsedArg
             m_console.writeNote(line);
     }
     prompts.setSubject([&] { return subjectOf(tab->fileNames(), input.names); });
-    const NeededPrograms programs = command.neededPrograms(arguments, tab->fileNames());
+    const NeededPrograms programs = tab->neededPrograms();
     BatchRun batch(controller.taskQueue(), prompts, m_console,
                    {.report = reportOptions(command.spec(), arguments, input),
                     .programIsMissing = [&] { return !programs.missing().isEmpty(); }});

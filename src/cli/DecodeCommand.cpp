@@ -22,21 +22,6 @@ QString formatOf(const ParsedArguments &arguments)
     return chosenFormat(arguments, formats(), u"wav"_s);
 }
 
-NeededPrograms programsFor(const QString &sourceFormat)
-{
-    if (sourceFormat == u"FLAC")
-        return {{u"flac"_s}, {}};
-    if (sourceFormat == u"SHN")
-        return {{u"shntool"_s}, {u"shorten"_s}};
-    if (sourceFormat == u"WV")
-        return {{u"wvunpack"_s}, {}};
-    if (sourceFormat == u"TTA")
-        return {{u"ttaenc"_s}, {}};
-    if (sourceFormat == u"APE")
-        return {{u"mac"_s}, {}};
-    return {};
-}
-
 CommandSpec makeSpec()
 {
     CommandSpec spec;
@@ -85,14 +70,6 @@ std::unique_ptr<BaseTab> DecodeCommand::makeTab(NURVController &controller, cons
     tab->deleteOriginalsButton.setOn(arguments.has(u"delete-originals"_s));
     setOriginals(tab->originals, arguments);
     return tab;
-}
-
-NeededPrograms DecodeCommand::neededPrograms(const ParsedArguments &, const QStringList &files) const
-{
-    NeededPrograms programs;
-    for (const QString &file : files)
-        programs.add(programsFor(formatWord(file)));
-    return programs;
 }
 
 } // namespace nurv

@@ -4,7 +4,6 @@
 
 #include "app/PathNames.h"
 #include "convert/EncodeTab.h"
-#include "convert/EncodeThroughWavTask.h"
 
 #include <algorithm>
 
@@ -40,86 +39,6 @@ void checkLevel(const ParsedArguments &arguments, const QString &format)
         throw UsageError(u"--level takes 1000, 2000, 3000, 4000 or 5000 with --format ape, not \"%1\""_s.arg(
             arguments.value(u"level"_s)));
     }
-}
-
-/// What reads a source of that kind before its samples reach the encoder.
-NeededPrograms readersOf(const QString &sourceFormat)
-{
-    if (sourceFormat == u"SHN")
-        return {{u"shntool"_s}, {u"shorten"_s}};
-    if (sourceFormat == u"FLAC")
-        return {{u"flac"_s}, {}};
-    if (sourceFormat == u"APE")
-        return {{u"mac"_s}, {}};
-    if (sourceFormat == u"WV")
-        return {{u"wvunpack"_s}, {}};
-    if (sourceFormat == u"TTA")
-        return {{u"ttaenc"_s}, {}};
-    return {};
-}
-
-/// What `shntool` starts to read a source of that kind.
-NeededPrograms shntoolReadersOf(const QString &sourceFormat)
-{
-    NeededPrograms programs = readersOf(sourceFormat);
-    programs.launched.removeAll(u"shntool"_s);
-    programs.helpers += programs.launched;
-    programs.launched = QStringList{u"shntool"_s};
-    return programs;
-}
-
-NeededPrograms programsForFlac(const QString &sourceFormat)
-{
-    if (sourceFormat == u"SHN" || sourceFormat == u"APE") {
-        NeededPrograms programs = shntoolReadersOf(sourceFormat);
-        programs.helpers.append(u"flac"_s);
-        return programs;
-    }
-    NeededPrograms programs{{u"flac"_s}, {}};
-    if (sourceFormat == u"WV")
-        programs.launched << u"wvunpack"_s << u"metaflac"_s;
-    else if (sourceFormat == u"M4A")
-        programs.launched << u"metaflac"_s;
-    return programs;
-}
-
-/// What encodes the temporary WAV of a source that it cannot read itself.
-QString encoderOf(const QString &format)
-{
-    if (format == u"shn")
-        return u"shorten"_s;
-    if (format == u"wv")
-        return u"wavpack"_s;
-    if (format == u"tta")
-        return u"ttaenc"_s;
-    return format == u"ape" ? u"mac"_s : u"flac"_s;
-}
-
-NeededPrograms programsFor(const QString &format, const QString &sourceFormat)
-{
-    if (EncodeThroughWavTask::suits(sourceFormat, format.toUpper())) {
-        NeededPrograms programs = readersOf(sourceFormat);
-        programs.launched.append(encoderOf(format));
-        if (format == u"flac")
-            programs.launched.append(u"metaflac"_s);
-        return programs;
-    }
-    if (format == u"flac")
-        return programsForFlac(sourceFormat);
-    if (format == u"shn") {
-        NeededPrograms programs = shntoolReadersOf(sourceFormat);
-        programs.helpers.append(u"shorten"_s);
-        return programs;
-    }
-    if (format == u"wv")
-        return {{u"wavpack"_s}, {}};
-    if (format == u"tta")
-        return {{u"ttaenc"_s}, {}};
-    if (format == u"ape")
-        return {{u"mac"_s}, {}};
-    NeededPrograms programs = readersOf(sourceFormat);
-    programs.launched.append(u"AtomicParsley"_s);
-    return programs;
 }
 
 CommandSpec makeSpec()
@@ -192,17 +111,6 @@ std::unique_ptr<BaseTab> EncodeCommand::makeTab(NURVController &controller, cons
         (format == u"ape" ? tab->apeSlider : tab->flacSlider).setIntegerValue(level);
     }
     return tab;
-}
-
-NeededPrograms EncodeCommand::neededPrograms(const ParsedArguments &arguments, const QStringList &files) const
-{
-    const QString format = formatOf(arguments);
-    NeededPrograms programs;
-    for (const QString &file : files)
-        programs.add(programsFor(format, formatWord(file)));
-    if (arguments.has(u"ffp"_s))
-        programs.add({{u"metaflac"_s}, {}});
-    return programs;
 }
 
 QStringList EncodeCommand::optionsWithoutEffect(const ParsedArguments &arguments, const QStringList &files) const

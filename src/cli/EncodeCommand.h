@@ -14,8 +14,6 @@ public:
     void check(const ParsedArguments &arguments) const override;
     [[nodiscard]] std::unique_ptr<BaseTab> makeTab(NURVController &controller,
                                                    const ParsedArguments &arguments) const override;
-    [[nodiscard]] NeededPrograms neededPrograms(const ParsedArguments &arguments,
-                                                const QStringList &files) const override;
     [[nodiscard]] QStringList optionsWithoutEffect(const ParsedArguments &arguments,
                                                    const QStringList &files) const override;
 };

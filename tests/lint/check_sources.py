@@ -15,16 +15,17 @@ import sys
 # place here.
 ALLOWED = {
     "platform": set(),
-    "engine": {"platform"},
-    "app": {"platform", "engine"},
+    "programs": {"platform"},
+    "engine": {"platform", "programs"},
+    "app": {"platform", "programs", "engine"},
     "samples": {"platform"},
     "journal": {"platform", "engine", "app", "samples"},
-    "tags": {"platform", "engine", "app", "journal", "samples"},
-    "originals": {"platform", "engine", "app", "journal", "samples", "tags"},
-    "checksum": {"platform", "engine", "app", "tags"},
-    "convert": {"platform", "engine", "app", "journal", "samples", "tags", "originals", "checksum"},
-    "cli": {"platform", "engine", "app", "journal", "samples", "tags", "originals", "checksum", "convert"},
-    "ui": {"platform", "engine", "app", "journal", "samples", "tags", "originals", "checksum", "convert"},
+    "tags": {"platform", "programs", "engine", "app", "journal", "samples"},
+    "originals": {"platform", "programs", "engine", "app", "journal", "samples", "tags"},
+    "checksum": {"platform", "programs", "engine", "app", "tags"},
+    "convert": {"platform", "programs", "engine", "app", "journal", "samples", "tags", "originals", "checksum"},
+    "cli": {"platform", "programs", "engine", "app", "journal", "samples", "tags", "originals", "checksum", "convert"},
+    "ui": {"platform", "programs", "engine", "app", "journal", "samples", "tags", "originals", "checksum", "convert"},
 }
 
 # The same of the folders under tools, whose programs use no Qt.
