@@ -42,7 +42,7 @@ function(nurv_tool name)
     RUNTIME_OUTPUT_DIRECTORY "${NURV_TOOLS_DIR}")
   set_property(GLOBAL APPEND PROPERTY NURV_BUNDLED_TOOLS ${name})
   if(TARGET nurv_platform)
-    set_property(TARGET nurv_platform APPEND PROPERTY NURV_BUNDLED_TOOLS ${name})
+    set_property(TARGET nurv_programs APPEND PROPERTY NURV_BUNDLED_TOOLS ${name})
   endif()
 endfunction()
 

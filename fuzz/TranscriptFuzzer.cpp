@@ -1,10 +1,17 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/ProblemLine.h"
-#include "convert/ToolOutputParsers.h"
 #include "FuzzedChoices.h"
 #include "platform/DecodeText.h"
 #include "platform/Utf8ChunkDecoder.h"
+#include "programs/AtomicParsley.h"
+#include "programs/Flac.h"
+#include "programs/Metaflac.h"
+#include "programs/MonkeysAudio.h"
+#include "programs/Shntool.h"
+#include "programs/Shorten.h"
+#include "programs/Ttaenc.h"
+#include "programs/Wavpack.h"
 
 #include <cmath>
 #include <cstdlib>
@@ -23,31 +30,33 @@ void require(bool isTrue)
         std::abort();
 }
 
-void check(const toolOutput::ChunkReport &report)
+void check(const ChunkReport &report)
 {
     require(!report.progress || (std::isfinite(*report.progress) && report.status));
 }
 
 void parse(QStringView chunk)
 {
-    using namespace toolOutput;
-    check(parseFlacEncoding(chunk));
-    check(parseFlacDecoding(chunk));
-    check(parseShortenEncoding(chunk));
-    check(parseFlacByShntool(chunk, u"SHN"_s));
-    check(parseShortenDecoding(chunk));
-    check(parseWavpackEncoding(chunk));
-    check(parseWavpackDecoding(chunk, u"Label: "_s));
-    check(parseTta(chunk, u"Label: "_s));
-    check(parseMonkeysAudio(chunk, u"Label"_s));
-    check(parseShortenToWav(chunk));
-    check(parseFlacToWav(chunk));
-    check(parseMonkeysAudioToWav(chunk));
-    check(parseWavpackToWav(chunk));
-    static_cast<void>(tellsOfDamage(chunk));
-    static_cast<void>(wavpackTellsOfError(chunk));
-    static_cast<void>(monkeysAudioTellsOfError(chunk));
-    require(asOnATerminal(chunk).size() <= chunk.size());
+    check(flac::parseEncoding(chunk));
+    check(flac::parseDecoding(chunk));
+    check(flac::parseDecodingToWav(chunk));
+    check(shntool::parseToShorten(chunk));
+    check(shntool::parseToFlac(chunk, u"SHN"_s));
+    check(shntool::parseFromShorten(chunk));
+    check(shntool::parseShortenToWav(chunk));
+    check(wavpack::parseEncoding(chunk));
+    check(wavpack::parseDecoding(chunk, u"Label: "_s));
+    check(wavpack::parseDecodingToWav(chunk));
+    check(ttaenc::parse(chunk, u"Label: "_s));
+    check(monkeysAudio::parse(chunk, u"Label"_s));
+    check(monkeysAudio::parseDecodingToWav(chunk));
+    check(shorten::parse(chunk));
+    static_cast<void>(flac::tellsOfDamage(chunk));
+    static_cast<void>(wavpack::tellsOfError(chunk));
+    static_cast<void>(monkeysAudio::tellsOfError(chunk));
+    static_cast<void>(atomicParsley::tellsOfFailedCopy(chunk));
+    static_cast<void>(metaflac::valueInOutput(chunk.toString(), u"TITLE"));
+    require(programOutput::asOnATerminal(chunk).size() <= chunk.size());
 }
 
 } // namespace

@@ -12,6 +12,7 @@
 #include <QPointer>
 #include <QTimer>
 
+#include <algorithm>
 #include <exception>
 
 using namespace Qt::StringLiterals;
@@ -103,7 +104,31 @@ void BaseTab::append(const QStringList &paths, const QStringList &bases)
 void BaseTab::sortFileNames()
 {
     FileNameCollator::sortPaths(m_fileNames);
+    announceList();
+}
+
+void BaseTab::announceList()
+{
+    m_selectedRows.clear();
     Q_EMIT fileNamesChanged();
+    selectionChanged();
+}
+
+QStringList BaseTab::columnTitles() const
+{
+    return {u"Name"_s};
+}
+
+void BaseTab::setSelectedRows(const QList<int> &rows)
+{
+    QList<int> sorted = rows;
+    sorted.removeIf([this](int row) { return row < 0 || row >= m_fileNames.size(); });
+    std::sort(sorted.begin(), sorted.end());
+    sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
+    if (sorted == m_selectedRows)
+        return;
+    m_selectedRows = sorted;
+    selectionChanged();
 }
 
 void BaseTab::showBadFileMessages(const QList<Alert> &messages)
@@ -141,7 +166,7 @@ void BaseTab::clearFiles()
 {
     m_fileNames.clear();
     m_bases.clear();
-    Q_EMIT fileNamesChanged();
+    announceList();
 }
 
 QStringList BaseTab::listedExtensions() const
@@ -170,7 +195,7 @@ void BaseTab::removeIf(const std::function<bool(const QString &path)> &isUnwante
 void BaseTab::filterGivenExtension(const QString &extension)
 {
     removeIf([&](const QString &path) { return pathExtension(path) == extension; });
-    Q_EMIT fileNamesChanged();
+    announceList();
 }
 
 void BaseTab::deleteSelectedRows(const QList<int> &rows)

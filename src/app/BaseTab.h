@@ -4,6 +4,7 @@
 
 #include "app/FileIntake.h"
 #include "app/UserPrompts.h"
+#include "programs/NeededPrograms.h"
 
 #include <QHash>
 #include <QList>
@@ -44,6 +45,16 @@ public:
     /// itself, never absolute, never with a "..".
     [[nodiscard]] QString relativeFolderOf(const QString &path) const;
 
+    /// The heads of the list's columns. The first column holds the names; a list with no other
+    /// shows no heads.
+    [[nodiscard]] virtual QStringList columnTitles() const;
+    /// What a row has in a column behind the first.
+    [[nodiscard]] virtual QString columnText(int /*row*/, int /*column*/) const { return {}; }
+    /// The rows that are selected, in their order; none once the list is another one.
+    [[nodiscard]] const QList<int> &selectedRows() const { return m_selectedRows; }
+    /// The user has selected these rows.
+    void setSelectedRows(const QList<int> &rows);
+
     /// Adds a file that the controller has matched with this tab already.
     void addFile(const QString &path) { addMatchedFiles({path}); }
     /// `addFile` for each, with one sort and one announcement for all. `bases` as in a
@@ -78,6 +89,8 @@ public:
     void changeDisplayOptions() { displayRelevantOptions(); }
     /// Turns the list into jobs for the queue.
     virtual void executeCommand() {}
+    /// The programs that the jobs of the list will start.
+    [[nodiscard]] virtual NeededPrograms neededPrograms() const { return {}; }
 
     /// The sources that the last press of the button made no job of, since their outputs
     /// exist and were to be passed over.
@@ -92,10 +105,14 @@ Q_SIGNALS:
     void fileNamesChanged();
     /// Files were added; the view widens its column.
     void filesWereAdded();
+    /// The texts of these columns are others now, while the list is the same.
+    void columnTextsChanged();
 
 protected:
     /// Called after files were added. Overrides call this one.
     virtual void filesAdded();
+    /// Called after other rows were selected, and after the list has changed.
+    virtual void selectionChanged() {}
     /// The folder that the user chose; nothing when cancelled.
     [[nodiscard]] std::optional<QString> chooseOutputFolder();
     /// The path that the user chose; nothing when cancelled.
@@ -111,6 +128,7 @@ private:
     void takeCollected(const FileIntake &intake);
     void removeIf(const std::function<bool(const QString &path)> &isUnwanted);
     void sortFileNames();
+    void announceList();
     void showBadFileMessages(const QList<Alert> &messages);
 
     NURVController &m_controller;
@@ -118,6 +136,7 @@ private:
     QString m_pathToCommandLineTools;
     QStringList m_fileNames;
     QHash<QString, QString> m_bases; ///< of every listed file; empty: given itself
+    QList<int> m_selectedRows;
     QStringList m_passedOver;
     int m_refusalMessageDelayMs = 500; // long enough for a drop to finish
 };

@@ -5,14 +5,14 @@
 #include "app/PathNames.h"
 #include "checksum/ChecksumList.h"
 #include "checksum/Fingerprint.h"
-#include "platform/ExternalPrograms.h"
-#include "platform/GuiThread.h"
 #include "platform/NurvFailure.h"
 #include "platform/ResourceFolder.h"
 #include "platform/SettingsStore.h"
 #include "platform/SystemError.h"
 #include "platform/TextFile.h"
 #include "platform/Version.h"
+#include "programs/ExternalPrograms.h"
+#include "programs/Metaflac.h"
 
 #include <QFile>
 
@@ -29,7 +29,7 @@ namespace {
 /// A list made without the program would hold nothing but its absence.
 void requireMetaflac()
 {
-    const QString program = toolPath(u"metaflac"_s);
+    const QString program = toolPath(metaflac::program().name);
     if (::access(QFile::encodeName(program).constData(), X_OK) != 0)
         throw NurvFailure(missingProgramText(program, systemErrorText(errno)));
 }
@@ -39,16 +39,18 @@ void requireMetaflac()
 CreateFFPTask::CreateFFPTask(NURVTaskQueue *queue, const QMap<QString, QStringList> &files, const QString &ffpName)
     : NURVInProcessTask(queue), m_dictByOutputDir(files), m_ffpName(ffpName)
 {
-    setTitle(u"Create FFP checksum file"_s);
-    setTextFieldString(title());
-    setTextFieldValue();
+    nameRow(u"Create FFP checksum file"_s);
+}
+
+NeededPrograms CreateFFPTask::neededPrograms() const
+{
+    return {{metaflac::program().name}, {}};
 }
 
 void CreateFFPTask::doStartTask()
 {
     showStarted();
-    setTopTextFieldString(u"Creating FFP checksum file"_s);
-    setTopTextFieldValue();
+    showStatus(u"Creating FFP checksum file"_s);
     requireMetaflac();
     for (auto folder = m_dictByOutputDir.cbegin(); folder != m_dictByOutputDir.cend() && !cancelled(); ++folder)
         doCreateFFP(folder.value(), folder.key());
@@ -83,10 +85,7 @@ QString CreateFFPTask::listPath(const QString &outputDir) const
 
 void CreateFFPTask::stopTask()
 {
-    // A list that was made has nothing to report: no output window opens for it. The
-    // queue reads the set on its own thread.
-    if (!error() && warnings().isEmpty())
-        showOnGuiThread([this] { setResults(nullptr); });
+    dropResultsOfSuccess();
     NURVTask::stopTask();
 }
 

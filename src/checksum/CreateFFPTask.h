@@ -21,6 +21,7 @@ public:
     /// with the setting "checksumFileUsesOutputDirName" each is named after its folder.
     CreateFFPTask(NURVTaskQueue *queue, const QMap<QString, QStringList> &files, const QString &ffpName);
 
+    [[nodiscard]] NeededPrograms neededPrograms() const override;
     void stopTask() override;
 
 protected:

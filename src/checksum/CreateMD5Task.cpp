@@ -5,7 +5,6 @@
 #include "app/PathNames.h"
 #include "checksum/ChecksumList.h"
 #include "checksum/MD5Helper.h"
-#include "platform/GuiThread.h"
 #include "platform/TextFile.h"
 #include "platform/Version.h"
 
@@ -16,16 +15,13 @@ namespace nurv {
 CreateMD5Task::CreateMD5Task(NURVTaskQueue *queue, const QStringList &files, const QString &outputPath)
     : NURVInProcessTask(queue), m_fileNames(files), m_outputPath(outputPath)
 {
-    setTitle(u"Create MD5 checksum file"_s);
-    setTextFieldString(title());
-    setTextFieldValue();
+    nameRow(u"Create MD5 checksum file"_s);
 }
 
 void CreateMD5Task::doStartTask()
 {
     showStarted();
-    setTopTextFieldString(u"Creating MD5 checksum file"_s);
-    setTopTextFieldValue();
+    showStatus(u"Creating MD5 checksum file"_s);
     doCreateMd5();
 }
 
@@ -42,8 +38,7 @@ void CreateMD5Task::doCreateMd5()
             ++done;
             continue;
         }
-        setTextFieldString(lastPathComponent(path));
-        setTextFieldValue();
+        showMainLine(lastPathComponent(path));
         const QString digest = MD5Helper::getMD5FromFile(path, [this] { return cancelled(); });
         if (cancelled())
             return;
@@ -55,8 +50,7 @@ void CreateMD5Task::doCreateMd5()
     }
     if (cancelled())
         return;
-    setTopTextFieldString(QString());
-    setTopTextFieldValue();
+    showStatus(QString());
     QString reason;
     if (!writeTextFileAtomically(m_outputPath, list, &reason, LinkAtName::Replaced))
         warn(u"Unable to write %1: %2"_s.arg(m_outputPath, reason));
@@ -64,10 +58,7 @@ void CreateMD5Task::doCreateMd5()
 
 void CreateMD5Task::stopTask()
 {
-    // A list that was made has nothing to report: no output window opens for it. The
-    // queue reads the set on its own thread.
-    if (!error() && warnings().isEmpty())
-        showOnGuiThread([this] { setResults(nullptr); });
+    dropResultsOfSuccess();
     NURVTask::stopTask();
 }
 

@@ -5,6 +5,7 @@
 #include "app/PathNames.h"
 #include "engine/NSTaskWrapperSync.h"
 #include "platform/ResourceFolder.h"
+#include "programs/Metaflac.h"
 
 using namespace Qt::StringLiterals;
 
@@ -12,8 +13,9 @@ namespace nurv {
 
 QString fingerprint(const QString &path)
 {
-    const QString output = NSTaskWrapperSync(toolPath(u"metaflac"_s), {u"--show-md5"_s, path}).runTask();
-    if (output.contains(u"FLAC__METADATA_CHAIN"_s))
+    const QString output =
+        NSTaskWrapperSync(toolPath(metaflac::program().name), metaflac::showDigestArguments(path)).runTask();
+    if (metaflac::tellsOfError(output))
         return output;
     return lastPathComponent(path) + u':' + output;
 }

@@ -147,7 +147,7 @@ ExitStatus BatchCommand::run(const ParsedArguments &arguments, Console &console)
             console.writeNote(line);
     }
     prompts.setSubject([&] { return subjectOf(tab->fileNames(), input.names); });
-    const NeededPrograms programs = neededPrograms(arguments, tab->fileNames());
+    const NeededPrograms programs = tab->neededPrograms();
     BatchRun batch(controller.taskQueue(), prompts, console,
                    {.report = reportOptions(spec(), arguments, input),
                     .programIsMissing = [&] { return !programs.missing().isEmpty(); }});

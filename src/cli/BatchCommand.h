@@ -3,7 +3,6 @@
 #pragma once
 
 #include "cli/Command.h"
-#include "cli/NeededPrograms.h"
 
 #include <QString>
 #include <QStringList>
@@ -30,9 +29,6 @@ protected:
     [[nodiscard]] virtual std::unique_ptr<BaseTab> makeTab(NURVController &controller) const = 0;
     /// Whether the tab makes a job for a file that its page accepts. Any thread.
     [[nodiscard]] virtual bool takes(const QString &path) const = 0;
-    /// What the files of the tab's list need.
-    [[nodiscard]] virtual NeededPrograms neededPrograms(const ParsedArguments &arguments,
-                                                        const QStringList &files) const = 0;
     /// A line for each option that was given and has no effect on some of the files.
     [[nodiscard]] virtual QStringList optionsWithoutEffect(const ParsedArguments &, const QStringList &) const
     {

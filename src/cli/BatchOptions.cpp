@@ -2,11 +2,43 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/BatchOptions.h"
 
+#include "convert/ConversionTab.h"
 #include "engine/NURVTaskQueue.h"
 
 using namespace Qt::StringLiterals;
 
 namespace nurv {
+
+namespace {
+
+/// A check box of the tab's `originals`: on when the option is given, or only then off.
+ControlSetter setsOriginals(CheckControl OriginalsControls::*control, bool isOnWhenGiven = true)
+{
+    return [control, isOnWhenGiven](BaseTab &tab, const std::optional<QString> &value) {
+        (static_cast<ConversionTab &>(tab).originals.*control).setOn(value.has_value() == isOnWhenGiven);
+    };
+}
+
+} // namespace
+
+OutputSetters conversionSetters()
+{
+    return {.besideSource = setsCheck(&ConversionTab::besideSourceButton),
+            .keepFolders = setsOriginals(&OriginalsControls::keepFoldersButton),
+            .overwrite =
+                [](BaseTab &tab, const std::optional<QString> &value) {
+                    static_cast<ConversionTab &>(tab).originals.existingOutputs =
+                        value ? ExistingOutputs::Replace : ExistingOutputs::Refuse;
+                },
+            .skipExisting =
+                [](BaseTab &tab, const std::optional<QString> &value) {
+                    if (value)
+                        static_cast<ConversionTab &>(tab).originals.existingOutputs = ExistingOutputs::Skip;
+                },
+            .deleteOriginals = setsCheck(&ConversionTab::deleteOriginalsButton),
+            .noProof = setsOriginals(&OriginalsControls::proveButton, false),
+            .dropMetadata = setsOriginals(&OriginalsControls::dropMetadataButton)};
+}
 
 std::vector<OptionSpec> joined(std::vector<OptionSpec> list, const std::vector<OptionSpec> &more)
 {

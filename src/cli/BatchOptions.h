@@ -5,7 +5,6 @@
 #include "app/BaseTab.h"
 #include "app/Control.h"
 #include "cli/CommandSpec.h"
-#include "originals/OriginalsControls.h"
 
 #include <optional>
 #include <vector>
@@ -32,15 +31,6 @@ template<typename Tab>
     };
 }
 
-/// A check box of the tab's `originals`: on when the option is given, or only then off.
-template<typename Tab>
-[[nodiscard]] ControlSetter setsOriginals(CheckControl OriginalsControls::*control, bool isOnWhenGiven = true)
-{
-    return [control, isOnWhenGiven](BaseTab &tab, const std::optional<QString> &value) {
-        (static_cast<Tab &>(tab).originals.*control).setOn(value.has_value() == isOnWhenGiven);
-    };
-}
-
 /// The controls behind `outputOptions`.
 struct OutputSetters {
     ControlSetter besideSource;
@@ -52,26 +42,8 @@ struct OutputSetters {
     ControlSetter dropMetadata;
 };
 
-/// Of a tab whose sources become outputs: it has `originals` and `deleteOriginalsButton`.
-template<typename Tab>
-[[nodiscard]] OutputSetters outputSetters(CheckControl Tab::*besideSource)
-{
-    return {.besideSource = setsCheck(besideSource),
-            .keepFolders = setsOriginals<Tab>(&OriginalsControls::keepFoldersButton),
-            .overwrite =
-                [](BaseTab &tab, const std::optional<QString> &value) {
-                    static_cast<Tab &>(tab).originals.existingOutputs =
-                        value ? ExistingOutputs::Replace : ExistingOutputs::Refuse;
-                },
-            .skipExisting =
-                [](BaseTab &tab, const std::optional<QString> &value) {
-                    if (value)
-                        static_cast<Tab &>(tab).originals.existingOutputs = ExistingOutputs::Skip;
-                },
-            .deleteOriginals = setsCheck(&Tab::deleteOriginalsButton),
-            .noProof = setsOriginals<Tab>(&OriginalsControls::proveButton, false),
-            .dropMetadata = setsOriginals<Tab>(&OriginalsControls::dropMetadataButton)};
-}
+/// Those of a ConversionTab.
+[[nodiscard]] OutputSetters conversionSetters();
 
 /// Where outputs go, and what becomes of originals and of outputs that exist.
 [[nodiscard]] std::vector<OptionSpec> outputOptions(const OutputSetters &setters);

@@ -12,21 +12,6 @@ namespace nurv {
 
 namespace {
 
-NeededPrograms programsFor(const QString &sourceFormat)
-{
-    if (sourceFormat == u"FLAC")
-        return {{u"flac"_s}, {}};
-    if (sourceFormat == u"SHN")
-        return {{u"shntool"_s}, {u"shorten"_s}};
-    if (sourceFormat == u"WV")
-        return {{u"wvunpack"_s}, {}};
-    if (sourceFormat == u"TTA")
-        return {{u"ttaenc"_s}, {}};
-    if (sourceFormat == u"APE")
-        return {{u"mac"_s}, {}};
-    return {};
-}
-
 std::vector<OptionSpec> ownOptions()
 {
     return {
@@ -55,7 +40,7 @@ CommandSpec makeSpec()
             .synopsis = u"[OPTION]... (--output-dir DIR | --beside-source) PATH..."_s,
             .details = u"Decodes every FLAC, Shorten, WavPack, TTA, Apple Lossless and Monkey's Audio file\n"
                        "that the paths name; folders are searched with all that is in them."_s,
-            .options = joined(joined(ownOptions(), outputOptions(outputSetters(&DecodeTab::sourceDecodeButton))),
+            .options = joined(joined(ownOptions(), outputOptions(conversionSetters())),
                               batchOptions())};
 }
 
@@ -77,14 +62,6 @@ bool DecodeCommand::takes(const QString &path) const
 std::unique_ptr<BaseTab> DecodeCommand::makeTab(NURVController &controller) const
 {
     return std::make_unique<DecodeTab>(controller);
-}
-
-NeededPrograms DecodeCommand::neededPrograms(const ParsedArguments &, const QStringList &files) const
-{
-    NeededPrograms programs;
-    for (const QString &file : files)
-        programs.add(programsFor(formatWord(file)));
-    return programs;
 }
 
 } // namespace nurv

@@ -14,8 +14,6 @@ public:
 protected:
     [[nodiscard]] std::unique_ptr<BaseTab> makeTab(NURVController &controller) const override;
     [[nodiscard]] bool takes(const QString &path) const override;
-    [[nodiscard]] NeededPrograms neededPrograms(const ParsedArguments &arguments,
-                                                const QStringList &files) const override;
 };
 
 } // namespace nurv

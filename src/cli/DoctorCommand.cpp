@@ -5,7 +5,7 @@
 #include "cli/BatchOptions.h"
 #include "cli/Console.h"
 #include "cli/TextWidth.h"
-#include "platform/ExternalPrograms.h"
+#include "programs/ExternalPrograms.h"
 #include "tags/TagsProcess.h"
 
 #include <QJsonArray>
@@ -34,15 +34,12 @@ bool isFound(const Finding &finding)
 /// No program that jobs start, but the one that reads tags for them.
 const ExternalProgram &tagsProgram()
 {
-    static const ExternalProgram program{
-        u"nurv-tags"_s, true, {}, u"reads tags and pictures, apart from everything else"_s, {u"--version"_s}};
+    static const ExternalProgram program{.name = u"nurv-tags"_s,
+                                         .isBundled = true,
+                                         .package = {},
+                                         .purpose = u"reads tags and pictures, apart from everything else"_s,
+                                         .isRequired = true};
     return program;
-}
-
-/// The programs without which the everyday conversions do not work.
-bool isRequired(const QString &name)
-{
-    return name == u"flac" || name == u"metaflac" || name == u"shntool" || name == tagsProgram().name;
 }
 
 std::vector<Finding> findAll()
@@ -119,7 +116,7 @@ void printJsonReport(Console &console, const std::vector<Finding> &findings, con
                            {u"version"_s, finding.status.version},
                            {u"package"_s, finding.program.package},
                            {u"bundled"_s, finding.program.isBundled},
-                           {u"required"_s, isRequired(finding.program.name)},
+                           {u"required"_s, finding.program.isRequired},
                            {u"purpose"_s, finding.program.purpose}});
     }
     console.writeJson({{u"type"_s, u"doctor"_s},
@@ -167,7 +164,7 @@ ExitStatus DoctorCommand::run(const ParsedArguments &arguments, Console &console
         if (isFound(finding))
             continue;
         missing.append(finding.program.name);
-        requiredIsMissing = requiredIsMissing || isRequired(finding.program.name);
+        requiredIsMissing = requiredIsMissing || finding.program.isRequired;
     }
     const ExitStatus status = requiredIsMissing ? ExitStatus::MissingProgram : ExitStatus::Ok;
     if (arguments.has(u"json"_s))

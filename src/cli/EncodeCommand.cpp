@@ -5,7 +5,6 @@
 #include "app/PathNames.h"
 #include "cli/BatchOptions.h"
 #include "convert/EncodeTab.h"
-#include "convert/EncodeThroughWavTask.h"
 
 #include <algorithm>
 
@@ -23,86 +22,6 @@ void setLevel(BaseTab &tab, const std::optional<QString> &value)
     encode.flacSlider.setIntegerValue(kDefaultFlacLevel);
     if (value)
         (encode.outputFormat() == u"APE" ? encode.apeSlider : encode.flacSlider).setIntegerValue(value->toInt());
-}
-
-/// What reads a source of that kind before its samples reach the encoder.
-NeededPrograms readersOf(const QString &sourceFormat)
-{
-    if (sourceFormat == u"SHN")
-        return {{u"shntool"_s}, {u"shorten"_s}};
-    if (sourceFormat == u"FLAC")
-        return {{u"flac"_s}, {}};
-    if (sourceFormat == u"APE")
-        return {{u"mac"_s}, {}};
-    if (sourceFormat == u"WV")
-        return {{u"wvunpack"_s}, {}};
-    if (sourceFormat == u"TTA")
-        return {{u"ttaenc"_s}, {}};
-    return {};
-}
-
-/// What `shntool` starts to read a source of that kind.
-NeededPrograms shntoolReadersOf(const QString &sourceFormat)
-{
-    NeededPrograms programs = readersOf(sourceFormat);
-    programs.launched.removeAll(u"shntool"_s);
-    programs.helpers += programs.launched;
-    programs.launched = QStringList{u"shntool"_s};
-    return programs;
-}
-
-NeededPrograms programsForFlac(const QString &sourceFormat)
-{
-    if (sourceFormat == u"SHN" || sourceFormat == u"APE") {
-        NeededPrograms programs = shntoolReadersOf(sourceFormat);
-        programs.helpers.append(u"flac"_s);
-        return programs;
-    }
-    NeededPrograms programs{{u"flac"_s}, {}};
-    if (sourceFormat == u"WV")
-        programs.launched << u"wvunpack"_s << u"metaflac"_s;
-    else if (sourceFormat == u"M4A")
-        programs.launched << u"metaflac"_s;
-    return programs;
-}
-
-/// What encodes the temporary WAV of a source that it cannot read itself.
-QString encoderOf(const QString &format)
-{
-    if (format == u"shn")
-        return u"shorten"_s;
-    if (format == u"wv")
-        return u"wavpack"_s;
-    if (format == u"tta")
-        return u"ttaenc"_s;
-    return format == u"ape" ? u"mac"_s : u"flac"_s;
-}
-
-NeededPrograms programsFor(const QString &format, const QString &sourceFormat)
-{
-    if (EncodeThroughWavTask::suits(sourceFormat, format.toUpper())) {
-        NeededPrograms programs = readersOf(sourceFormat);
-        programs.launched.append(encoderOf(format));
-        if (format == u"flac")
-            programs.launched.append(u"metaflac"_s);
-        return programs;
-    }
-    if (format == u"flac")
-        return programsForFlac(sourceFormat);
-    if (format == u"shn") {
-        NeededPrograms programs = shntoolReadersOf(sourceFormat);
-        programs.helpers.append(u"shorten"_s);
-        return programs;
-    }
-    if (format == u"wv")
-        return {{u"wavpack"_s}, {}};
-    if (format == u"tta")
-        return {{u"ttaenc"_s}, {}};
-    if (format == u"ape")
-        return {{u"mac"_s}, {}};
-    NeededPrograms programs = readersOf(sourceFormat);
-    programs.launched.append(u"AtomicParsley"_s);
-    return programs;
 }
 
 std::vector<OptionSpec> ownOptions()
@@ -170,7 +89,7 @@ CommandSpec makeSpec()
             .synopsis = u"[OPTION]... (--output-dir DIR | --beside-source) PATH..."_s,
             .details = u"Encodes every WAV, AIFF, FLAC, Shorten, WavPack, TTA, Monkey's Audio and Apple\n"
                        "Lossless file that the paths name; folders are searched with all that is in them."_s,
-            .options = joined(joined(ownOptions(), outputOptions(outputSetters(&EncodeTab::sourceEncodeButton))),
+            .options = joined(joined(ownOptions(), outputOptions(conversionSetters())),
                               batchOptions())};
 }
 
@@ -190,17 +109,6 @@ bool EncodeCommand::takes(const QString &) const
 std::unique_ptr<BaseTab> EncodeCommand::makeTab(NURVController &controller) const
 {
     return std::make_unique<EncodeTab>(controller);
-}
-
-NeededPrograms EncodeCommand::neededPrograms(const ParsedArguments &arguments, const QStringList &files) const
-{
-    const QString format = arguments.value(u"format"_s);
-    NeededPrograms programs;
-    for (const QString &file : files)
-        programs.add(programsFor(format, formatWord(file)));
-    if (arguments.has(u"ffp"_s))
-        programs.add({{u"metaflac"_s}, {}});
-    return programs;
 }
 
 QStringList EncodeCommand::optionsWithoutEffect(const ParsedArguments &arguments, const QStringList &files) const

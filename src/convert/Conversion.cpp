@@ -14,6 +14,7 @@
 #include "platform/NewFolders.h"
 #include "platform/NurvFailure.h"
 #include "platform/SystemError.h"
+#include "programs/Flac.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -37,9 +38,7 @@ constexpr qsizetype kLongestReport = 65'536;
 Conversion::Conversion(NURVTask &task, const QString &fileName) : m_task(task), m_retirement({fileName})
 {
     task.setSourcePath(fileName);
-    task.setTitle(lastPathComponent(fileName));
-    task.setTextFieldString(task.title());
-    task.setTextFieldValue();
+    task.nameRow(lastPathComponent(fileName));
 }
 
 Conversion::~Conversion() = default;
@@ -214,23 +213,15 @@ void Conversion::removeEmptyOutput() const
         removeHalfMade(outputFile());
 }
 
-void Conversion::showStatus(const QString &text)
-{
-    m_task.setTopTextFieldString(text);
-    m_task.setTopTextFieldValue();
-}
-
-void Conversion::showChunk(const toolOutput::ChunkReport &report)
+void Conversion::showChunk(const ChunkReport &report)
 {
     if (report.status) {
         m_task.setTopTextFieldString(*report.status);
         m_task.setProgressIndicatorValue(report.progress.value_or(0.0));
         m_task.updateStatus();
     }
-    if (report.repaintsTitle) {
-        m_task.setTextFieldString(m_task.title());
-        m_task.setTextFieldValue();
-    }
+    if (report.repaintsTitle)
+        m_task.showMainLine(m_task.title());
     // The first slot, whichever member of the set this job is.
     if (const auto results = m_task.results())
         results->appendResults(report.results);
@@ -240,8 +231,8 @@ void Conversion::keepForReport(const QString &text)
 {
     m_ownText += text;
     // A marker can be spread over two chunks.
-    const qsizetype fresh = std::min(m_ownText.size(), text.size() + toolOutput::kLongestDamageMarker);
-    if (toolOutput::tellsOfDamage(QStringView(m_ownText).last(fresh)))
+    const qsizetype fresh = std::min(m_ownText.size(), text.size() + flac::kLongestDamageMarker);
+    if (flac::tellsOfDamage(QStringView(m_ownText).last(fresh)))
         noteDamage(u"its program told of damage"_s);
     keepEndOfReport();
 }
@@ -270,7 +261,7 @@ QString Conversion::reportInstead(const QString &usual) const
 {
     if (!hasToTell())
         return usual;
-    return fileName() + u":\n"_s + toolOutput::asOnATerminal(m_ownText);
+    return fileName() + u":\n"_s + programOutput::asOnATerminal(m_ownText);
 }
 
 void Conversion::noteProblem(const QString &problem)
@@ -480,8 +471,7 @@ void Conversion::dropResultsUnlessFailed()
 {
     if (hasToTell() || sharesSetWithDamage())
         return;
-    // Where the queue looks at it.
-    showOnGuiThread([this] { m_task.setResults(nullptr); });
+    m_task.dropResults();
     m_ownText.clear();
 }
 

@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "convert/ToolOutputParsers.h"
 #include "originals/OutputBatch.h"
 #include "originals/OutputClaim.h"
 #include "originals/ReplacedFile.h"
 #include "originals/SourceRetirement.h"
+#include "programs/ProgramOutput.h"
 
 #include <QString>
 
@@ -92,10 +92,8 @@ protected:
     /// stays: a folder, or one in a folder that has the other's name now, does.
     void removeHalfMade(const QString &path) const;
 
-    /// Shows the next status line.
-    void showStatus(const QString &text);
     /// Shows what a chunk of a program's output means, and reports it.
-    void showChunk(const toolOutput::ChunkReport &report);
+    void showChunk(const ChunkReport &report);
 
     /// Remembers what the programs wrote, and notices when they told of damage.
     void keepForReport(const QString &text);

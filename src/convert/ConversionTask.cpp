@@ -11,10 +11,10 @@
 #include "platform/NurvFailure.h"
 #include "platform/SystemError.h"
 #include "platform/WorkerThreads.h"
+#include "programs/ExternalPrograms.h"
 
 #include <QFile>
 
-#include <exception>
 #include <cerrno>
 #include <exception>
 #include <memory>
@@ -165,6 +165,12 @@ void ConversionTask::removeHalfMadeFiles() const
         removeHalfMade(temporaryOf(outputFile()));
     if (isCut && !outputExisted() && !outputIsSource())
         removeHalfMade(outputFile());
+}
+
+bool ConversionTask::leavesHalfMadeOutput() const
+{
+    const ExternalProgram *const program = findExternalProgram(lastPathComponent(launchPath()));
+    return program && program->leavesHalfMadeOutput;
 }
 
 bool ConversionTask::programSucceeded() const

@@ -3,7 +3,6 @@
 #pragma once
 
 #include "convert/Conversion.h"
-#include "convert/ToolOutputParsers.h"
 #include "engine/NURVAsyncNSTask.h"
 
 #include <functional>
@@ -43,12 +42,10 @@ protected:
     [[nodiscard]] virtual std::optional<QString> refusal() const { return std::nullopt; }
     /// Whether the program replaces a file in its output's place.
     [[nodiscard]] virtual bool replacesOutput() const { return false; }
-    /// Whether the program leaves a cut output behind when it fails.
-    [[nodiscard]] virtual bool leavesHalfMadeOutput() const { return false; }
     /// Copies tags, where the job does that: after the program has ended, before what was
     /// made is looked at. Once, whatever became of the program, when there is an output.
     virtual void finishOutput() {}
-    [[nodiscard]] virtual toolOutput::ChunkReport parseOutput(const QString &chunk) const = 0;
+    [[nodiscard]] virtual ChunkReport parseOutput(const QString &chunk) const = 0;
 
     /// Whether the program ended well, whatever became of the job.
     [[nodiscard]] bool programSucceeded() const;
@@ -59,6 +56,7 @@ protected:
 
 private:
     void removeHalfMadeFiles() const;
+    [[nodiscard]] bool leavesHalfMadeOutput() const;
     /// Gives what a program has made under another name the output's one.
     void takeIntermediateFile();
     /// With its tags, or without what a failed program has left. Blocks; a worker where there is one.

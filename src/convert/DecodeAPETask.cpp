@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "convert/DecodeAPETask.h"
 
+#include "programs/MonkeysAudio.h"
+
 using namespace Qt::StringLiterals;
 
 namespace nurv {
@@ -17,9 +19,14 @@ QString DecodeAPETask::openingStatus() const
     return u"Decoding From Monkey's Audio"_s;
 }
 
+std::optional<ProgramStage> DecodeAPETask::decoding(const QString &made) const
+{
+    return monkeysAudio::decoding(fileName(), made);
+}
+
 void DecodeAPETask::doDecodeCall()
 {
-    decode([this](const QString &output) { return toolStages::decodeMonkeysAudio(fileName(), output); });
+    decode();
 }
 
 } // namespace nurv

@@ -3,6 +3,7 @@
 #include "convert/DecodeFlacTask.h"
 
 #include "app/PathNames.h"
+#include "programs/Flac.h"
 #include "tags/TagLibTagsHelper.h"
 
 using namespace Qt::StringLiterals;
@@ -20,9 +21,9 @@ QString DecodeFlacTask::outputFile() const
     return arguments().value(arguments().size() - 1);
 }
 
-toolOutput::ChunkReport DecodeFlacTask::parseOutput(const QString &chunk) const
+ChunkReport DecodeFlacTask::parseOutput(const QString &chunk) const
 {
-    return toolOutput::parseFlacDecoding(chunk);
+    return flac::parseDecoding(chunk);
 }
 
 void DecodeFlacTask::finishOutput()

@@ -16,7 +16,7 @@ public:
     [[nodiscard]] QString outputFile() const override;
 
 protected:
-    [[nodiscard]] toolOutput::ChunkReport parseOutput(const QString &chunk) const override;
+    [[nodiscard]] ChunkReport parseOutput(const QString &chunk) const override;
     void finishOutput() override;
     void cleanup() override;
 

@@ -3,32 +3,26 @@
 #include "convert/DecodeSHNTask.h"
 
 #include "app/PathNames.h"
-#include "convert/ConversionArguments.h"
+#include "programs/Shntool.h"
 
 using namespace Qt::StringLiterals;
 
 namespace nurv {
 
 DecodeSHNTask::DecodeSHNTask(NURVTaskQueue *queue, const QString &launchPath, const QStringList &arguments)
-    : ConversionTask(queue, launchPath, arguments, arguments.value(conversionArguments::kShntoolSource))
+    : ShntoolConversionTask(queue, launchPath, arguments)
 {
 }
 
 QString DecodeSHNTask::outputFile() const
 {
     // The format's name is the extension as well.
-    return outputPath(arguments().value(conversionArguments::kShntoolSource - 1), fileName(), arguments().value(2));
+    return outputPath(arguments().value(shntool::kSourcePlace - 1), fileName(), arguments().value(2));
 }
 
-QString DecodeSHNTask::intermediateFile() const
+ChunkReport DecodeSHNTask::parseOutput(const QString &chunk) const
 {
-    const QString made = conversionArguments::shntoolOutput(fileName(), arguments().value(conversionArguments::kShntoolSource - 1), arguments().value(2));
-    return made == outputFile() ? QString() : made;
-}
-
-toolOutput::ChunkReport DecodeSHNTask::parseOutput(const QString &chunk) const
-{
-    return toolOutput::parseShortenDecoding(chunk);
+    return shntool::parseFromShorten(chunk);
 }
 
 void DecodeSHNTask::cleanup()

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "convert/DecodeTTATask.h"
 
+#include "programs/Ttaenc.h"
+
 using namespace Qt::StringLiterals;
 
 namespace nurv {
@@ -17,9 +19,14 @@ QString DecodeTTATask::openingStatus() const
     return u"Decoding from TTA"_s;
 }
 
+std::optional<ProgramStage> DecodeTTATask::decoding(const QString &made) const
+{
+    return ttaenc::decoding(fileName(), made);
+}
+
 void DecodeTTATask::doDecodeCall()
 {
-    decode([this](const QString &output) { return toolStages::decodeTta(fileName(), output); });
+    decode();
     // `ttaenc` encodes what is a WAV file.
     refuseOutputThatBegins("TTA1");
 }

@@ -5,8 +5,6 @@
 #include "app/NURVController.h"
 #include "app/PathNames.h"
 #include "convert/Conversion.h"
-#include "convert/ConversionArguments.h"
-#include "convert/ConversionBatch.h"
 #include "convert/DecodeALACTask.h"
 #include "convert/DecodeAPETask.h"
 #include "convert/DecodeFlacTask.h"
@@ -14,20 +12,19 @@
 #include "convert/DecodeTTATask.h"
 #include "convert/DecodeWavpackTask.h"
 #include "engine/NURVTaskQueue.h"
+#include "programs/Flac.h"
+#include "programs/Shntool.h"
 
 #include <algorithm>
-#include <optional>
 
 using namespace Qt::StringLiterals;
 
 namespace nurv {
 
 DecodeTab::DecodeTab(NURVController &controller)
-    : BaseTab(controller, u"decode"_s), outputFormatMatrix({u"WAV"_s, u"AIFF"_s}, 2),
+    : ConversionTab(controller, u"decode"_s, u"decodeToSourceDirectory"_s), outputFormatMatrix({u"WAV"_s, u"AIFF"_s}, 2),
       flacOptionsLabel(u"FLAC options"_s)
 {
-    sourceDecodeButton.bindToSetting(u"decodeToSourceDirectory"_s);
-    originals.follow(deleteOriginalsButton, sourceDecodeButton);
     showFLacOptions(false);
 }
 
@@ -43,48 +40,18 @@ void DecodeTab::filesAdded()
     if (std::any_of(fileNames().begin(), fileNames().end(),
                     [](const QString &source) { return formatWord(source) == u"FLAC"; }))
         showFLacOptions(true);
-    BaseTab::filesAdded();
+    ConversionTab::filesAdded();
 }
 
 void DecodeTab::clearFiles()
 {
-    BaseTab::clearFiles();
+    ConversionTab::clearFiles();
     showFLacOptions(false);
 }
 
-void DecodeTab::executeCommand()
+std::shared_ptr<Conversion> DecodeTab::makeConversion(const Batch &batch, const QString &source) const
 {
-    if (fileNames().isEmpty())
-        return;
-    if (!confirmDeletingOriginals(deleteOriginalsButton.isOn()))
-        return;
-    std::optional<QString> chosenFolder;
-    if (!sourceDecodeButton.isOn()) {
-        chosenFolder = chooseOutputFolder();
-        if (!chosenFolder)
-            return;
-    }
-    queueTasks(chosenFolder);
-    clearFiles();
-}
-
-void DecodeTab::queueTasks(const std::optional<QString> &chosenFolder)
-{
-    const bool keepsFolders = chosenFolder && originals.keepFoldersButton.isOn();
-    ConversionBatch batch(originals, deleteOriginalsButton.isOn(), keepsFolders ? *chosenFolder : QString());
-    for (const QString &source : fileNames()) {
-        const QString folder = !chosenFolder  ? folderOf(source)
-                               : keepsFolders ? joinPath(*chosenFolder, relativeFolderOf(source))
-                                              : *chosenFolder;
-        if (const std::shared_ptr<Conversion> conversion = makeConversion(source, folder))
-            batch.add(conversion);
-    }
-    setPassedOver(batch.passedOver());
-    batch.queueTasks(nurvController().taskQueue());
-}
-
-std::shared_ptr<Conversion> DecodeTab::makeConversion(const QString &source, const QString &outputFolder) const
-{
+    const QString outputFolder = folderFor(batch, source);
     NURVTaskQueue *const queue = &nurvController().taskQueue();
     const QString format = outputFormatMatrix.selectedTitle();
     const QString type = formatWord(source);
@@ -106,18 +73,18 @@ std::shared_ptr<Conversion> DecodeTab::makeConversion(const QString &source, con
 std::shared_ptr<Conversion> DecodeTab::decodeFlac(const QString &source, const QString &outputFolder,
                                                   const QString &format, NURVTaskQueue *queue) const
 {
-    const QString output = outputPath(outputFolder, source, conversionArguments::decodedExtension(format));
+    const QString output = outputPath(outputFolder, source, TwoStageDecodeTask::extensionOf(format));
     return std::make_shared<DecodeFlacTask>(
-        source, queue, joinPath(pathToCommandLineTools(), u"flac"_s),
-        conversionArguments::decodeFlac(format, flacKeepForeignMetadataButton.isOn(), decodeFlacThroughErrors.isOn(),
+        source, queue, joinPath(pathToCommandLineTools(), flac::program().name),
+        flac::decodingArguments(format, flacKeepForeignMetadataButton.isOn(), decodeFlacThroughErrors.isOn(),
                                         source, output));
 }
 
 std::shared_ptr<Conversion> DecodeTab::decodeSHN(const QString &source, const QString &outputFolder,
                                                  const QString &format, NURVTaskQueue *queue) const
 {
-    return std::make_shared<DecodeSHNTask>(queue, joinPath(pathToCommandLineTools(), u"shntool"_s),
-                                           conversionArguments::decodeShorten(format, source, outputFolder));
+    return std::make_shared<DecodeSHNTask>(queue, joinPath(pathToCommandLineTools(), shntool::program().name),
+                                           shntool::fromShortenArguments(format, source, outputFolder));
 }
 
 } // namespace nurv

@@ -2,20 +2,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "app/BaseTab.h"
-#include "app/Control.h"
-#include "originals/OriginalsControls.h"
+#include "convert/ConversionTab.h"
 
 #include <memory>
-#include <optional>
 
 namespace nurv {
 
-class Conversion;
 class NURVTaskQueue;
 
 /// The tab that turns every lossless file of its list back into WAV or AIFF.
-class DecodeTab final : public BaseTab {
+class DecodeTab final : public ConversionTab {
     Q_OBJECT
 
 public:
@@ -26,15 +22,11 @@ public:
     CheckControl decodeFlacThroughErrors;
     CheckControl flacKeepForeignMetadataButton;
     LabelControl flacOptionsLabel;
-    /// Each output goes beside its source instead of into one chosen folder.
-    CheckControl sourceDecodeButton;
-    CheckControl deleteOriginalsButton;
-    OriginalsControls originals;
+    CheckControl &sourceDecodeButton = besideSourceButton;
 
     /// Shows or hides the two FLAC options and their label.
     void showFLacOptions(bool show);
     void clearFiles() override;
-    void executeCommand() override;
 
     [[nodiscard]] std::shared_ptr<Conversion> decodeFlac(const QString &source, const QString &outputFolder,
                                                          const QString &format, NURVTaskQueue *queue) const;
@@ -43,11 +35,8 @@ public:
 
 protected:
     void filesAdded() override;
-
-private:
-    void queueTasks(const std::optional<QString> &chosenFolder);
     /// The job that suits the source; null for a source of another kind.
-    [[nodiscard]] std::shared_ptr<Conversion> makeConversion(const QString &source, const QString &outputFolder) const;
+    [[nodiscard]] std::shared_ptr<Conversion> makeConversion(const Batch &batch, const QString &source) const override;
 };
 
 } // namespace nurv

@@ -3,6 +3,7 @@
 #include "convert/DecodeWavpackTask.h"
 
 #include "app/PathNames.h"
+#include "programs/Wavpack.h"
 
 using namespace Qt::StringLiterals;
 
@@ -19,14 +20,17 @@ QString DecodeWavpackTask::openingStatus() const
     return u"Decoding From Wavpack"_s;
 }
 
+std::optional<ProgramStage> DecodeWavpackTask::decoding(const QString &made) const
+{
+    return wavpack::decoding(fileName(), isToAiff(), made);
+}
+
 void DecodeWavpackTask::doDecodeCall()
 {
-    if (!isToAiff()) {
-        runTool(toolStages::decodeWavpack(fileName(), false, outputFile()));
-        return;
-    }
-    decodeThroughIntermediateWav(
-        [this](const QString &wav) { return toolStages::decodeWavpack(fileName(), true, wav); });
+    if (isToAiff())
+        decodeThroughIntermediateWav();
+    else
+        decodeTo(outputFile());
 }
 
 QString DecodeWavpackTask::intermediateFile() const

@@ -16,6 +16,7 @@ public:
 
 protected:
     [[nodiscard]] QString openingStatus() const override;
+    [[nodiscard]] std::optional<ProgramStage> decoding(const QString &made) const override;
     void doDecodeCall() override;
 };
 

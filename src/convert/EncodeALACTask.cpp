@@ -5,6 +5,12 @@
 #include "app/PathNames.h"
 #include "app/Util.h"
 #include "originals/StageFile.h"
+#include "programs/AtomicParsley.h"
+#include "programs/Flac.h"
+#include "programs/MonkeysAudio.h"
+#include "programs/Shntool.h"
+#include "programs/Ttaenc.h"
+#include "programs/Wavpack.h"
 #include "tags/AACTagsHelper.h"
 #include "tags/TagLibTagsHelper.h"
 
@@ -22,19 +28,40 @@ QString EncodeALACTask::openingStatus() const
     return u"Encoding to Apple Lossless"_s;
 }
 
+std::optional<ProgramStage> EncodeALACTask::decoding(const QString &made) const
+{
+    const QString format = formatWord(fileName());
+    if (format == u"SHN")
+        return shntool::shortenToWav(fileName(), made).unwatched();
+    if (format == u"FLAC")
+        return flac::decodingToWav(fileName(), made).unwatched();
+    if (format == u"APE")
+        return monkeysAudio::decodingToWav(fileName(), made).unwatched();
+    if (format == u"WV")
+        return wavpack::decodingToWav(fileName(), made).unwatched();
+    if (format == u"TTA")
+        return ttaenc::decodingToWav(fileName(), made).unwatched();
+    return {};
+}
+
+NeededPrograms EncodeALACTask::tagPrograms() const
+{
+    return {{atomicParsley::program().name}, {}};
+}
+
 void EncodeALACTask::doEncodeCall()
 {
     const QString format = formatWord(fileName());
     if (format == u"SHN")
-        encodeDecoded(u"Decoding SHN to Wav"_s, toolStages::shortenToWav);
+        encodeDecoded(u"Decoding SHN to Wav"_s);
     else if (format == u"FLAC")
-        encodeDecoded(u"Decoding FLAC to Wav"_s, toolStages::flacToWav);
+        encodeDecoded(u"Decoding FLAC to Wav"_s);
     else if (format == u"APE")
-        encodeDecoded(u"Decoding APE to Wav"_s, toolStages::monkeysAudioToWav);
+        encodeDecoded(u"Decoding APE to Wav"_s);
     else if (format == u"WV")
-        encodeDecoded(u"Decoding Wavepack to Wav"_s, toolStages::wavpackToWav);
+        encodeDecoded(u"Decoding Wavepack to Wav"_s);
     else if (format == u"TTA")
-        encodeDecoded(u"Decoding TTA to Wav"_s, toolStages::ttaToWav);
+        encodeDecoded(u"Decoding TTA to Wav"_s);
     else
         encode(fileName());
     if (!error() && !cancelled())
@@ -46,14 +73,13 @@ void EncodeALACTask::encode(const QString &input)
     convertToOutput(input, kFormatAppleLossless, kFileM4A);
 }
 
-void EncodeALACTask::encodeDecoded(const QString &status,
-                                   ToolStage (*stageFor)(const QString &source, const QString &wav))
+void EncodeALACTask::encodeDecoded(const QString &status)
 {
     if (cancelled())
         return;
     showStatus(status);
     StageFile wav(outputPath());
-    runTool(stageFor(fileName(), wav.path()));
+    decodeTo(wav.path());
     checkTemporaryWav(wav.path());
     encode(wav.path());
     if (!cancelled())

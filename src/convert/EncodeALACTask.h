@@ -18,6 +18,8 @@ public:
 
 protected:
     [[nodiscard]] QString openingStatus() const override;
+    [[nodiscard]] std::optional<ProgramStage> decoding(const QString &made) const override;
+    [[nodiscard]] NeededPrograms tagPrograms() const override;
     void doEncodeCall() override;
     void cleanup() override;
 
@@ -26,7 +28,7 @@ private:
     void encode(const QString &input);
     /// Decodes the source by a program to a temporary WAV and encodes that. A cancelled
     /// job leaves the temporary WAV in place.
-    void encodeDecoded(const QString &status, ToolStage (*stageFor)(const QString &source, const QString &wav));
+    void encodeDecoded(const QString &status);
     void finishOutput();
     void writeTags();
     void handleFlacTags();

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "convert/EncodeALACToAPETask.h"
 
+#include "programs/MonkeysAudio.h"
 #include "tags/AACTagsHelper.h"
 #include "tags/TagLibTagsHelper.h"
 
@@ -20,10 +21,14 @@ QString EncodeALACToAPETask::openingStatus() const
     return u"Encoding Apple Lossless to APE"_s;
 }
 
+std::optional<ProgramStage> EncodeALACToAPETask::encoding(const QString &input) const
+{
+    return monkeysAudio::encoding(m_level, input, outputFile());
+}
+
 void EncodeALACToAPETask::doEncodeCall()
 {
-    encodeThroughWav(
-        [this](const QString &input) { return toolStages::encodeMonkeysAudio(m_level, input, outputFile()); });
+    encodeThroughWav();
 }
 
 void EncodeALACToAPETask::cleanup()

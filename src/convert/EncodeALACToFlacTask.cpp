@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "convert/EncodeALACToFlacTask.h"
 
+#include "programs/Flac.h"
 #include "tags/AACTagsHelper.h"
 
 #include <utility>
@@ -22,9 +23,14 @@ QString EncodeALACToFlacTask::openingStatus() const
     return u"Encoding Apple Lossless to Flac"_s;
 }
 
+std::optional<ProgramStage> EncodeALACToFlacTask::encoding(const QString &input) const
+{
+    return flac::plainEncoding(m_verify, input, outputFile());
+}
+
 void EncodeALACToFlacTask::doEncodeCall()
 {
-    encodeThroughWav([this](const QString &input) { return toolStages::encodeFlac(m_verify, input, outputFile()); });
+    encodeThroughWav();
 }
 
 void EncodeALACToFlacTask::cleanup()

@@ -19,6 +19,8 @@ public:
 
 protected:
     [[nodiscard]] QString openingStatus() const override;
+    [[nodiscard]] std::optional<ProgramStage> encoding(const QString &input) const override;
+    [[nodiscard]] NeededPrograms tagPrograms() const override { return flacTagPrograms(); }
     void doEncodeCall() override;
     void cleanup() override;
 

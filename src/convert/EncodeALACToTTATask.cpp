@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "convert/EncodeALACToTTATask.h"
 
+#include "programs/Ttaenc.h"
+
 using namespace Qt::StringLiterals;
 
 namespace nurv {
@@ -16,13 +18,16 @@ QString EncodeALACToTTATask::openingStatus() const
     return u"Encoding Apple Lossless to TTA"_s;
 }
 
+std::optional<ProgramStage> EncodeALACToTTATask::encoding(const QString &input) const
+{
+    ProgramStage stage = ttaenc::encoding(input, outputFile());
+    stage.stopsOnError = true;
+    return stage;
+}
+
 void EncodeALACToTTATask::doEncodeCall()
 {
-    encodeThroughWav([this](const QString &input) {
-        ToolStage stage = toolStages::encodeTta(input, outputFile());
-        stage.stopsOnError = true;
-        return stage;
-    });
+    encodeThroughWav();
 }
 
 void EncodeALACToTTATask::cleanup()

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "convert/EncodeALACToWavpackTask.h"
 
+#include "programs/Wavpack.h"
 #include "tags/AACTagsHelper.h"
 #include "tags/TagLibTagsHelper.h"
 
@@ -20,9 +21,14 @@ QString EncodeALACToWavpackTask::openingStatus() const
     return u"Encoding Apple Lossless to Wavpack"_s;
 }
 
+std::optional<ProgramStage> EncodeALACToWavpackTask::encoding(const QString &input) const
+{
+    return wavpack::encoding(m_level, input, outputFile());
+}
+
 void EncodeALACToWavpackTask::doEncodeCall()
 {
-    encodeThroughWav([this](const QString &input) { return toolStages::encodeWavpack(m_level, input, outputFile()); });
+    encodeThroughWav();
 }
 
 void EncodeALACToWavpackTask::cleanup()

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "convert/EncodeApeTask.h"
 
+#include "programs/MonkeysAudio.h"
+
 using namespace Qt::StringLiterals;
 
 namespace nurv {
@@ -17,9 +19,14 @@ QString EncodeApeTask::openingStatus() const
     return u"Encoding to Monkey's Audio"_s;
 }
 
+std::optional<ProgramStage> EncodeApeTask::encoding(const QString &input) const
+{
+    return withoutStatus(monkeysAudio::encoding(m_level, input, outputFile()));
+}
+
 void EncodeApeTask::doEncodeCall()
 {
-    encodeWav([this](const QString &input) { return toolStages::encodeMonkeysAudio(m_level, input, outputFile()); });
+    encodeWav();
 }
 
 } // namespace nurv

@@ -3,6 +3,7 @@
 #include "convert/EncodeFlacTask.h"
 
 #include "app/PathNames.h"
+#include "programs/Flac.h"
 #include "tags/TagLibTagsHelper.h"
 
 #include <utility>
@@ -23,14 +24,14 @@ QString EncodeFlacTask::outputFile() const
     return arguments().value(arguments().size() - 1);
 }
 
-toolOutput::ChunkReport EncodeFlacTask::parseOutput(const QString &chunk) const
+ChunkReport EncodeFlacTask::parseOutput(const QString &chunk) const
 {
-    return toolOutput::parseFlacEncoding(chunk);
+    return flac::parseEncoding(chunk);
 }
 
 bool EncodeFlacTask::replacesOutput() const
 {
-    return arguments().contains(u"-f"_s);
+    return flac::replacesOutput(arguments());
 }
 
 void EncodeFlacTask::finishOutput()

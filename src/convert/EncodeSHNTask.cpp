@@ -3,7 +3,7 @@
 #include "convert/EncodeSHNTask.h"
 
 #include "app/PathNames.h"
-#include "convert/ConversionArguments.h"
+#include "programs/Shntool.h"
 #include "samples/SoundLength.h"
 
 #include <utility>
@@ -14,7 +14,7 @@ namespace nurv {
 
 EncodeSHNTask::EncodeSHNTask(NURVTaskQueue *queue, const QString &launchPath, const QStringList &arguments,
                              std::shared_ptr<NURVTaskResults> results)
-    : ConversionTask(queue, launchPath, arguments, arguments.value(conversionArguments::kShntoolSource))
+    : ShntoolConversionTask(queue, launchPath, arguments)
 {
     setResults(std::move(results));
     static const QStringList undecoded{u"WAV"_s, u"AIFF"_s, u"AIF"_s};
@@ -24,13 +24,12 @@ EncodeSHNTask::EncodeSHNTask(NURVTaskQueue *queue, const QString &launchPath, co
 
 QString EncodeSHNTask::outputFile() const
 {
-    return outputPath(arguments().value(conversionArguments::kShntoolSource - 1), fileName(), u"shn"_s);
+    return outputPath(arguments().value(shntool::kSourcePlace - 1), fileName(), u"shn"_s);
 }
 
-QString EncodeSHNTask::intermediateFile() const
+ChunkReport EncodeSHNTask::parseOutput(const QString &chunk) const
 {
-    const QString made = conversionArguments::shntoolOutput(fileName(), arguments().value(conversionArguments::kShntoolSource - 1), u"shn"_s);
-    return made == outputFile() ? QString() : made;
+    return shntool::parseToShorten(chunk);
 }
 
 std::optional<QString> EncodeSHNTask::refusal() const
@@ -42,11 +41,6 @@ std::optional<QString> EncodeSHNTask::refusal() const
     return u"Shorten holds samples of 8 or 16 bits, not of %1"_s.arg(sound->bitsPerSample);
 }
 
-toolOutput::ChunkReport EncodeSHNTask::parseOutput(const QString &chunk) const
-{
-    return toolOutput::parseShortenEncoding(chunk);
-}
-
 void EncodeSHNTask::cleanup()
 {
     deleteSourceIfDone();
@@ -55,7 +49,7 @@ void EncodeSHNTask::cleanup()
 void EncodeSHNTask::finalCleanup()
 {
     dropResultsUnlessFailed();
-    ConversionTask::finalCleanup();
+    ShntoolConversionTask::finalCleanup();
 }
 
 } // namespace nurv

@@ -2,25 +2,23 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "convert/ConversionTask.h"
+#include "convert/ShntoolConversionTask.h"
 
 namespace nurv {
 
 /// Any file that `shntool` reads to Shorten.
-class EncodeSHNTask final : public ConversionTask {
+class EncodeSHNTask final : public ShntoolConversionTask {
 public:
-    /// `arguments` as `conversionArguments::encodeShorten` gives them: the source is
+    /// `arguments` as `shntool::toShortenArguments` gives them: the source is
     /// taken from them. `results` is the set of the batch.
     EncodeSHNTask(NURVTaskQueue *queue, const QString &launchPath, const QStringList &arguments,
                   std::shared_ptr<NURVTaskResults> results);
 
     [[nodiscard]] QString outputFile() const override;
-    [[nodiscard]] QString intermediateFile() const override;
 
 protected:
     [[nodiscard]] std::optional<QString> refusal() const override;
-    [[nodiscard]] toolOutput::ChunkReport parseOutput(const QString &chunk) const override;
-    [[nodiscard]] bool leavesHalfMadeOutput() const override { return true; }
+    [[nodiscard]] ChunkReport parseOutput(const QString &chunk) const override;
     void cleanup() override;
     void finalCleanup() override;
 };

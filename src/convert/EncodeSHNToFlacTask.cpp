@@ -3,7 +3,7 @@
 #include "convert/EncodeSHNToFlacTask.h"
 
 #include "app/PathNames.h"
-#include "convert/ConversionArguments.h"
+#include "programs/Shntool.h"
 #include "tags/TagLibTagsHelper.h"
 
 #include <utility>
@@ -14,8 +14,8 @@ namespace nurv {
 
 EncodeSHNToFlacTask::EncodeSHNToFlacTask(NURVTaskQueue *queue, const QString &launchPath, const QStringList &arguments,
                                          const QString &type, std::shared_ptr<NURVTaskResults> results)
-    : ConversionTask(queue, launchPath, arguments, arguments.value(conversionArguments::kShntoolSource)),
-      m_outputPath(arguments.value(conversionArguments::kFlacByShntoolFolder)), m_type(type)
+    : ShntoolConversionTask(queue, launchPath, arguments),
+      m_outputPath(arguments.value(shntool::kFlacFolderPlace)), m_type(type)
 {
     setResults(std::move(results));
     setDecoderUnwatched();
@@ -26,15 +26,9 @@ QString EncodeSHNToFlacTask::outputFile() const
     return nurv::outputPath(m_outputPath, fileName(), u"flac"_s);
 }
 
-QString EncodeSHNToFlacTask::intermediateFile() const
+ChunkReport EncodeSHNToFlacTask::parseOutput(const QString &chunk) const
 {
-    const QString made = conversionArguments::shntoolOutput(fileName(), m_outputPath, u"flac"_s);
-    return made == outputFile() ? QString() : made;
-}
-
-toolOutput::ChunkReport EncodeSHNToFlacTask::parseOutput(const QString &chunk) const
-{
-    return toolOutput::parseFlacByShntool(chunk, m_type);
+    return shntool::parseToFlac(chunk, m_type);
 }
 
 void EncodeSHNToFlacTask::finishOutput()
@@ -59,7 +53,7 @@ void EncodeSHNToFlacTask::getApeTags()
 void EncodeSHNToFlacTask::finalCleanup()
 {
     dropResultsUnlessFailed();
-    ConversionTask::finalCleanup();
+    ShntoolConversionTask::finalCleanup();
 }
 
 } // namespace nurv

@@ -2,15 +2,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "convert/ConversionTask.h"
+#include "convert/ShntoolConversionTask.h"
 
 namespace nurv {
 
 /// Shorten or Monkey's Audio to FLAC through `shntool`. Copies the tags of Monkey's
 /// Audio sources.
-class EncodeSHNToFlacTask final : public ConversionTask {
+class EncodeSHNToFlacTask final : public ShntoolConversionTask {
 public:
-    /// `arguments` as `conversionArguments::flacByShntool` gives them: source and
+    /// `arguments` as `shntool::toFlacArguments` gives them: source and
     /// output folder are taken from them. `type` is the source's format word.
     /// `results` is the set of the batch.
     EncodeSHNToFlacTask(NURVTaskQueue *queue, const QString &launchPath, const QStringList &arguments,
@@ -20,12 +20,10 @@ public:
     [[nodiscard]] const QString &outputPath() const { return m_outputPath; }
     [[nodiscard]] const QString &type() const { return m_type; }
     [[nodiscard]] QString outputFile() const override;
-    [[nodiscard]] QString intermediateFile() const override;
 
 protected:
-    [[nodiscard]] toolOutput::ChunkReport parseOutput(const QString &chunk) const override;
+    [[nodiscard]] ChunkReport parseOutput(const QString &chunk) const override;
     void finishOutput() override;
-    [[nodiscard]] bool leavesHalfMadeOutput() const override { return true; }
     void cleanup() override;
     void finalCleanup() override;
 

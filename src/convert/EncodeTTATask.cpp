@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "convert/EncodeTTATask.h"
 
+#include "programs/Ttaenc.h"
+
 using namespace Qt::StringLiterals;
 
 namespace nurv {
@@ -16,9 +18,14 @@ QString EncodeTTATask::openingStatus() const
     return u"Encoding to TTA"_s;
 }
 
+std::optional<ProgramStage> EncodeTTATask::encoding(const QString &input) const
+{
+    return withoutStatus(ttaenc::encoding(input, outputFile()));
+}
+
 void EncodeTTATask::doEncodeCall()
 {
-    encodeWav([this](const QString &input) { return toolStages::encodeTta(input, outputFile()); });
+    encodeWav();
     // `ttaenc` decodes what is a TTA file already.
     refuseOutputThatBegins("RIFF");
 }

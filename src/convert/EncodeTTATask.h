@@ -14,6 +14,7 @@ public:
 
 protected:
     [[nodiscard]] QString openingStatus() const override;
+    [[nodiscard]] std::optional<ProgramStage> encoding(const QString &input) const override;
     void doEncodeCall() override;
 };
 

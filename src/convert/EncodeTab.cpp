@@ -9,7 +9,6 @@
 #include "checksum/CreateFFPTask.h"
 #include "checksum/CreateMD5Task.h"
 #include "convert/Conversion.h"
-#include "convert/ConversionBatch.h"
 #include "convert/EncodeALACTask.h"
 #include "convert/EncodeALACToAPETask.h"
 #include "convert/EncodeALACToFlacTask.h"
@@ -26,47 +25,27 @@
 #include "engine/NURVTaskQueue.h"
 #include "engine/NURVTaskResults.h"
 #include "platform/SettingsStore.h"
+#include "programs/Shntool.h"
 
 #include <QDir>
-#include <QHash>
 #include <QMap>
 
 #include <algorithm>
-#include <optional>
-#include <vector>
 
 using namespace Qt::StringLiterals;
 
 namespace nurv {
 
-/// What holds for every job of one press of the button.
-struct EncodeTab::Batch {
-    QString format;
-    std::optional<QString> chosenFolder; ///< nothing: beside each source
-    bool keepsFolders = false; ///< those of the sources are made again below the chosen folder
-    bool overwrite = false;
-    std::shared_ptr<NURVTaskResults> results;
-};
-
-QString EncodeTab::folderFor(const Batch &batch, const QString &source) const
-{
-    if (!batch.chosenFolder)
-        return folderOf(source);
-    return batch.keepsFolders ? joinPath(*batch.chosenFolder, relativeFolderOf(source)) : *batch.chosenFolder;
-}
-
 QString EncodeTab::outputFor(const Batch &batch, const QString &source) const
 {
-    return outputPath(folderFor(batch, source), source, batch.format.toLower());
+    return outputPath(folderFor(batch, source), source, outputFormat().toLower());
 }
 
 EncodeTab::EncodeTab(NURVController &controller)
-    : BaseTab(controller, u"encode"_s),
+    : ConversionTab(controller, u"encode"_s, u"encodeToSourceDirectory"_s),
       outputFormatMatrix({u"SHN"_s, u"WV"_s, u"FLAC"_s, u"TTA"_s, u"APE"_s, u"M4A"_s}, 2), flacSlider(0, 8, 1, 5),
       apeSlider(1000, 5000, 1000, 2000), wavepackFormatMatrix({u"Fast"_s, u"High"_s}, 2)
 {
-    sourceEncodeButton.bindToSetting(u"encodeToSourceDirectory"_s);
-    originals.follow(deleteOriginalsButton, sourceEncodeButton);
     outputFormatMatrix.bindToSetting(u"encodeOutputFormat"_s);
     flacSlider.bindToSetting(u"encodeFlacLevel"_s);
     const SettingsStore &settings = SettingsStore::instance();
@@ -100,30 +79,14 @@ void EncodeTab::displayRelevantOptions()
     settings.setValue(u"flacGenerateFFPButton"_s, generateFFPButton.isOn() ? 1 : 0);
 }
 
-void EncodeTab::executeCommand()
+bool EncodeTab::sharesResults() const
 {
-    if (fileNames().isEmpty())
-        return;
-    Batch batch{.format = outputFormat(),
-                .chosenFolder = {},
-                .keepsFolders = originals.keepFoldersButton.isOn(),
-                .overwrite = originals.existingOutputs == ExistingOutputs::Replace,
-                .results = {}};
-    if (!confirmDeletingOriginals(deleteOriginalsButton.isOn()) || !chooseOutput(batch))
-        return;
-    batch.results = std::make_shared<NURVTaskResults>();
-    batch.results->setTaskAfterSetDone(afterBatchTask(batch));
-    queueTasks(batch);
-    clearFiles();
+    return outputFormat() == u"SHN" || outputFormat() == u"FLAC";
 }
 
-bool EncodeTab::chooseOutput(Batch &batch)
+bool EncodeTab::confirmBesideSources(Batch &batch)
 {
-    if (!sourceEncodeButton.isOn()) {
-        batch.chosenFolder = chooseOutputFolder();
-        return batch.chosenFolder.has_value();
-    }
-    if (originals.existingOutputs != ExistingOutputs::AsTold || batch.format != u"FLAC" || !anyOutputExists())
+    if (originals.existingOutputs != ExistingOutputs::AsTold || outputFormat() != u"FLAC" || !anyOutputExists())
         return true;
     const Alert question{.title = u"One of the output files already exists and will be overwritten.  "
                                   "Are you sure you want to continue?"_s,
@@ -165,9 +128,9 @@ bool EncodeTab::isFileClash(const QStringList &existing, const QSet<QString> &ou
 
 std::shared_ptr<NURVTask> EncodeTab::afterBatchTask(const Batch &batch) const
 {
-    if (generateMD5Button.isOn() && batch.format == u"SHN")
+    if (generateMD5Button.isOn() && outputFormat() == u"SHN")
         return md5Task(batch);
-    if (generateFFPButton.isOn() && batch.format == u"FLAC")
+    if (generateFFPButton.isOn() && outputFormat() == u"FLAC")
         return ffpTask(batch);
     return nullptr;
 }
@@ -193,56 +156,40 @@ std::shared_ptr<NURVTask> EncodeTab::ffpTask(const Batch &batch) const
                                            checksumList::ffpFileName(QString(), extension, false));
 }
 
-void EncodeTab::queueTasks(const Batch &batch)
-{
-    const QString foldersBelow = batch.keepsFolders ? batch.chosenFolder.value_or(QString()) : QString();
-    ConversionBatch conversions(originals, deleteOriginalsButton.isOn(), foldersBelow);
-    for (const QString &source : fileNames()) {
-        const std::shared_ptr<Conversion> conversion = makeConversion(batch, source);
-        if (conversion && conversions.add(conversion) && (batch.format == u"SHN" || batch.format == u"FLAC"))
-            batch.results->addTaskInSet(*conversion->asTask());
-    }
-    setPassedOver(conversions.passedOver());
-    NURVTaskQueue &queue = nurvController().taskQueue();
-    conversions.queueTasks(queue);
-    // An interrupted batch that is run again may have nothing left to make but its list.
-    if (conversions.isEmpty() && !conversions.passedOver().isEmpty() && batch.results->taskAfterSetDone())
-        queue.addTask(batch.results->taskAfterSetDone());
-}
-
 std::shared_ptr<Conversion> EncodeTab::makeConversion(const Batch &batch, const QString &source) const
 {
     NURVTaskQueue *const queue = &nurvController().taskQueue();
     const QString folder = folderFor(batch, source);
+    const QString format = outputFormat();
     const QString type = formatWord(source);
     const bool isAlac = type == u"M4A";
-    if (EncodeThroughWavTask::suits(type, batch.format) || EncodeThroughWavTask::suitsShapeOf(source, batch.format))
+    if (EncodeThroughWavTask::suits(type, format) || EncodeThroughWavTask::suitsShapeOf(source, format))
         return encodeThroughWav(batch, source);
-    if (batch.format == u"SHN")
+    if (format == u"SHN")
         return encodeSHN(source, folder, queue, batch.results);
-    if (batch.format == u"FLAC")
+    if (format == u"FLAC")
         return encodeFLAC(source, folder, queue, batch.results, batch.overwrite);
-    if (batch.format == u"WV") {
+    if (format == u"WV") {
         if (isAlac)
             return std::make_shared<EncodeALACToWavpackTask>(queue, source, folder, wavpackLevel());
         return std::make_shared<EncodeWavpackTask>(queue, source, wavpackLevel(), folder);
     }
-    if (batch.format == u"TTA") {
+    if (format == u"TTA") {
         if (isAlac)
             return std::make_shared<EncodeALACToTTATask>(queue, source, folder);
         return std::make_shared<EncodeTTATask>(queue, source, folder);
     }
-    if (batch.format == u"APE") {
+    if (format == u"APE") {
         if (isAlac)
             return std::make_shared<EncodeALACToAPETask>(queue, source, folder, apeSlider.stringValue());
         return std::make_shared<EncodeApeTask>(queue, source, apeSlider.stringValue(), folder);
     }
-    if (batch.format == u"M4A")
+    if (format == u"M4A")
         return std::make_shared<EncodeALACTask>(queue, source, folder);
     return nullptr;
 }
 
-conversionArguments::FlacEncoding EncodeTab::flacEncoding(bool overwrite) const
+flac::Encoding EncodeTab::flacEncoding(bool overwrite) const
 {
     return {.level = flacSlider.integerValue(),
             .lax = flacLaxButton.isOn(),
@@ -253,14 +200,14 @@ conversionArguments::FlacEncoding EncodeTab::flacEncoding(bool overwrite) const
 
 std::shared_ptr<Conversion> EncodeTab::encodeThroughWav(const Batch &batch, const QString &source) const
 {
-    EncodeThroughWavTask::Encoding encoding{.format = batch.format, .level = {}, .flac = flacEncoding(batch.overwrite)};
-    if (batch.format == u"WV")
+    EncodeThroughWavTask::Encoding encoding{
+        .format = outputFormat(), .level = {}, .flac = flacEncoding(batch.overwrite)};
+    if (encoding.format == u"WV")
         encoding.level = wavpackLevel();
-    else if (batch.format == u"APE")
+    else if (encoding.format == u"APE")
         encoding.level = apeSlider.stringValue();
-    const bool sharesResults = batch.format == u"SHN" || batch.format == u"FLAC";
     return std::make_shared<EncodeThroughWavTask>(&nurvController().taskQueue(), source, folderFor(batch, source),
-                                                  encoding, sharesResults ? batch.results : nullptr);
+                                                  encoding, batch.results);
 }
 
 QString EncodeTab::wavpackLevel() const
@@ -272,19 +219,19 @@ std::shared_ptr<Conversion> EncodeTab::encodeSHN(const QString &source, const QS
                                                  NURVTaskQueue *queue,
                                                  const std::shared_ptr<NURVTaskResults> &results) const
 {
-    return std::make_shared<EncodeSHNTask>(queue, joinPath(pathToCommandLineTools(), u"shntool"_s),
-                                           conversionArguments::encodeShorten(source, outputFolder), results);
+    return std::make_shared<EncodeSHNTask>(queue, joinPath(pathToCommandLineTools(), shntool::program().name),
+                                           shntool::toShortenArguments(source, outputFolder), results);
 }
 
 std::shared_ptr<Conversion> EncodeTab::encodeFLAC(const QString &source, const QString &outputFolder,
                                                   NURVTaskQueue *queue, const std::shared_ptr<NURVTaskResults> &results,
                                                   bool overwrite) const
 {
-    const conversionArguments::FlacEncoding encoding = flacEncoding(overwrite);
+    const flac::Encoding encoding = flacEncoding(overwrite);
     const QString type = formatWord(source);
     if (type == u"SHN" || type == u"APE") {
-        return std::make_shared<EncodeSHNToFlacTask>(queue, joinPath(pathToCommandLineTools(), u"shntool"_s),
-                                                     conversionArguments::flacByShntool(encoding, source, outputFolder),
+        return std::make_shared<EncodeSHNToFlacTask>(queue, joinPath(pathToCommandLineTools(), shntool::program().name),
+                                                     shntool::toFlacArguments(encoding, source, outputFolder),
                                                      type, results);
     }
     if (type == u"M4A") {
@@ -296,8 +243,8 @@ std::shared_ptr<Conversion> EncodeTab::encodeFLAC(const QString &source, const Q
                                                          results);
     }
     const QString output = outputPath(outputFolder, source, u"flac"_s);
-    return std::make_shared<EncodeFlacTask>(source, queue, joinPath(pathToCommandLineTools(), u"flac"_s),
-                                            conversionArguments::encodeFlac(encoding, source, output), results);
+    return std::make_shared<EncodeFlacTask>(source, queue, joinPath(pathToCommandLineTools(), flac::program().name),
+                                            flac::encodingArguments(encoding, source, output), results);
 }
 
 } // namespace nurv

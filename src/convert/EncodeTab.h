@@ -2,10 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "app/BaseTab.h"
-#include "app/Control.h"
-#include "convert/ConversionArguments.h"
-#include "originals/OriginalsControls.h"
+#include "convert/ConversionTab.h"
+#include "programs/Flac.h"
 
 #include <QSet>
 
@@ -13,22 +11,16 @@
 
 namespace nurv {
 
-class Conversion;
-class NURVTask;
 class NURVTaskQueue;
-class NURVTaskResults;
 
 /// The tab that turns every file of its list into one lossless encoding job.
-class EncodeTab final : public BaseTab {
+class EncodeTab final : public ConversionTab {
     Q_OBJECT
 
 public:
     explicit EncodeTab(NURVController &controller);
 
-    /// Each output goes beside its source instead of into one chosen folder.
-    CheckControl sourceEncodeButton;
-    CheckControl deleteOriginalsButton;
-    OriginalsControls originals;
+    CheckControl &sourceEncodeButton = besideSourceButton;
     /// 3 rows x 2 columns: SHN, WV / FLAC, TTA / APE, M4A.
     ChoiceControl outputFormatMatrix;
     CheckControl generateMD5Button;
@@ -45,7 +37,6 @@ public:
     [[nodiscard]] QString outputFormat() const;
 
     void displayRelevantOptions() override;
-    void executeCommand() override;
 
     /// A job that reports into `results`, whose member it is not yet.
     [[nodiscard]] std::shared_ptr<Conversion> encodeSHN(const QString &source, const QString &outputFolder,
@@ -64,27 +55,24 @@ public:
     /// Whether one of the existing paths is, character by character, a planned output.
     [[nodiscard]] static bool isFileClash(const QStringList &existing, const QSet<QString> &outputFiles);
 
-private:
-    struct Batch;
+protected:
+    /// Asks whether FLAC files may be replaced, when there are some in the outputs' places.
+    [[nodiscard]] bool confirmBesideSources(Batch &batch) override;
+    [[nodiscard]] bool sharesResults() const override;
+    [[nodiscard]] std::shared_ptr<NURVTask> afterBatchTask(const Batch &batch) const override;
+    /// The job that suits format and source; null without a format.
+    [[nodiscard]] std::shared_ptr<Conversion> makeConversion(const Batch &batch, const QString &source) const override;
 
-    /// Finds out where the outputs go and whether they replace files. False: the user
-    /// does not want to go on.
-    [[nodiscard]] bool chooseOutput(Batch &batch);
+private:
     [[nodiscard]] bool anyOutputExists() const;
-    [[nodiscard]] std::shared_ptr<NURVTask> afterBatchTask(const Batch &batch) const;
     [[nodiscard]] std::shared_ptr<NURVTask> md5Task(const Batch &batch) const;
     [[nodiscard]] std::shared_ptr<NURVTask> ffpTask(const Batch &batch) const;
-    void queueTasks(const Batch &batch);
-    /// The folder of a source's output.
-    [[nodiscard]] QString folderFor(const Batch &batch, const QString &source) const;
     [[nodiscard]] QString outputFor(const Batch &batch, const QString &source) const;
-    [[nodiscard]] conversionArguments::FlacEncoding flacEncoding(bool overwrite) const;
+    [[nodiscard]] flac::Encoding flacEncoding(bool overwrite) const;
     /// "-f" or "-h".
     [[nodiscard]] QString wavpackLevel() const;
     /// For a source that the format's encoder cannot read.
     [[nodiscard]] std::shared_ptr<Conversion> encodeThroughWav(const Batch &batch, const QString &source) const;
-    /// The job that suits format and source; null without a format.
-    [[nodiscard]] std::shared_ptr<Conversion> makeConversion(const Batch &batch, const QString &source) const;
 };
 
 } // namespace nurv

@@ -4,6 +4,11 @@
 
 #include "app/PathNames.h"
 #include "originals/StageFile.h"
+#include "programs/MonkeysAudio.h"
+#include "programs/Shntool.h"
+#include "programs/Shorten.h"
+#include "programs/Ttaenc.h"
+#include "programs/Wavpack.h"
 #include "samples/SoundLength.h"
 #include "tags/AACTagsHelper.h"
 #include "tags/TagLibTagsHelper.h"
@@ -28,20 +33,6 @@ const QHash<QString, QString> &decodingStatuses()
         {u"AIFF"_s, u"Converting AIFF to Wav"_s}, {u"AIF"_s, u"Converting AIFF to Wav"_s},
     };
     return statuses;
-}
-
-/// The decoder's stage; it is watched like the encoder's.
-ToolStage decodingOf(const QString &sourceFormat, const QString &source, const QString &wav)
-{
-    ToolStage stage = sourceFormat == u"SHN"    ? toolStages::shortenToWav(source, wav)
-                      : sourceFormat == u"FLAC" ? toolStages::flacToWav(source, wav)
-                      : sourceFormat == u"APE"  ? toolStages::monkeysAudioToWav(source, wav)
-                      : sourceFormat == u"WV"   ? toolStages::wavpackToWav(source, wav)
-                                                : toolStages::ttaToWav(source, wav);
-    stage.stopsOnError = true;
-    stage.stopsOnCancel = true;
-    stage.looksAtExitStatus = true;
-    return stage;
 }
 
 /// Of more, a program has to be told which is which.
@@ -84,57 +75,81 @@ QString EncodeThroughWavTask::openingStatus() const
     return decodingStatuses().value(formatWord(fileName()));
 }
 
+std::optional<ProgramStage> EncodeThroughWavTask::decoding(const QString &made) const
+{
+    const QString format = formatWord(fileName());
+    if (format == u"SHN")
+        return shntool::shortenToWav(fileName(), made);
+    if (format == u"FLAC")
+        return flac::decodingToWav(fileName(), made);
+    if (format == u"APE")
+        return monkeysAudio::decodingToWav(fileName(), made);
+    if (format == u"WV")
+        return wavpack::decodingToWav(fileName(), made);
+    if (format == u"TTA")
+        return ttaenc::decodingToWav(fileName(), made);
+    return {};
+}
+
+std::optional<ProgramStage> EncodeThroughWavTask::encoding(const QString &input) const
+{
+    if (m_encoding.format == u"SHN")
+        return shorten::encoding(input, outputFile());
+    if (m_encoding.format == u"WV")
+        return wavpack::encoding(m_encoding.level, input, outputFile());
+    if (m_encoding.format == u"TTA")
+        return ttaenc::encoding(input, outputFile());
+    if (m_encoding.format == u"APE")
+        return monkeysAudio::encoding(m_encoding.level, input, outputFile());
+    flac::Encoding encoding = m_encoding.flac;
+    // There is nothing foreign in a temporary WAV, and what is to be replaced has been moved aside.
+    encoding.keepForeignMetadata = false;
+    encoding.overwrite = false;
+    // What a TTA file is decoded to does not say which channel is which; nor does the file.
+    encoding.hasNoChannelMap = formatWord(fileName()) == u"TTA" && channelsOf(input) > kMostUnmappedChannels;
+    ProgramStage stage = flac::encoding(encoding, input, outputFile());
+    stage.replacesOutput = m_encoding.flac.overwrite;
+    return stage;
+}
+
+NeededPrograms EncodeThroughWavTask::tagPrograms() const
+{
+    return takesTags() && m_encoding.format == u"FLAC" ? flacTagPrograms() : NeededPrograms();
+}
+
 void EncodeThroughWavTask::doEncodeCall()
 {
     if (cancelled())
         return;
     const StageFile wav(outputPath());
-    if (!decodeTo(wav.path()))
+    if (!makeWav(wav.path()))
         return;
     // flac gives its output the permissions of its input.
     wav.grantUsualAccess();
-    runTool(encodingOf(wav.path()));
+    encodeFrom(wav.path());
 }
 
-bool EncodeThroughWavTask::decodeTo(const QString &wav)
+bool EncodeThroughWavTask::makeWav(const QString &wav)
 {
     const QString format = formatWord(fileName());
     if (format == u"M4A" || isAiff(format))
         convertToWav(fileName(), wav);
-    else if (runTool(decodingOf(format, fileName(), wav)))
+    else if (decodeTo(wav))
         checkTemporaryWav(wav);
     else
         return false;
     return !error() && !cancelled();
 }
 
-ToolStage EncodeThroughWavTask::encodingOf(const QString &wav) const
+bool EncodeThroughWavTask::takesTags() const
 {
-    if (m_encoding.format == u"SHN")
-        return toolStages::encodeShorten(wav, outputFile());
-    if (m_encoding.format == u"WV")
-        return toolStages::encodeWavpack(m_encoding.level, wav, outputFile());
-    if (m_encoding.format == u"TTA")
-        return toolStages::encodeTta(wav, outputFile());
-    if (m_encoding.format == u"APE")
-        return toolStages::encodeMonkeysAudio(m_encoding.level, wav, outputFile());
-    conversionArguments::FlacEncoding encoding = m_encoding.flac;
-    // There is nothing foreign in a temporary WAV, and what is to be replaced has been moved aside.
-    encoding.keepForeignMetadata = false;
-    encoding.overwrite = false;
-    ToolStage stage = toolStages::encodeFlac(false, wav, outputFile());
-    stage.arguments = conversionArguments::encodeFlac(encoding, wav, outputFile());
-    // What a TTA file is decoded to does not say which channel is which; nor does the file.
-    if (formatWord(fileName()) == u"TTA" && channelsOf(wav) > kMostUnmappedChannels)
-        stage.arguments.prepend(u"--channel-map=none"_s);
-    stage.replacesOutput = m_encoding.flac.overwrite;
-    return stage;
+    const bool hasPlace = m_encoding.format == u"FLAC" || m_encoding.format == u"WV" || m_encoding.format == u"APE";
+    return hasPlace && formatWord(fileName()) != u"SHN";
 }
 
 void EncodeThroughWavTask::cleanup()
 {
-    const bool takesTags = m_encoding.format == u"FLAC" || m_encoding.format == u"WV" || m_encoding.format == u"APE";
-    if (takesTags && formatWord(fileName()) != u"SHN")
+    if (takesTags())
         copyTags([this] { writeTags(); });
 }
 

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "convert/ConversionArguments.h"
 #include "convert/TwoStageEncodeTask.h"
+#include "programs/Flac.h"
 
 #include <memory>
 
@@ -17,7 +17,7 @@ public:
     struct Encoding {
         QString format; ///< "SHN", "FLAC", "WV", "TTA" or "APE"
         QString level;  ///< WavPack: "-f" or "-h"; Monkey's Audio: 1000 to 5000
-        conversionArguments::FlacEncoding flac;
+        flac::Encoding flac;
     };
 
     /// Whether this is the job for the pair: sources by their format word ("FLAC", "SHN",
@@ -36,12 +36,15 @@ public:
 
 protected:
     [[nodiscard]] QString openingStatus() const override;
+    [[nodiscard]] std::optional<ProgramStage> decoding(const QString &made) const override;
+    [[nodiscard]] std::optional<ProgramStage> encoding(const QString &input) const override;
+    [[nodiscard]] NeededPrograms tagPrograms() const override;
     void doEncodeCall() override;
     void cleanup() override;
 
 private:
-    [[nodiscard]] bool decodeTo(const QString &wav);
-    [[nodiscard]] ToolStage encodingOf(const QString &wav) const;
+    [[nodiscard]] bool makeWav(const QString &wav);
+    [[nodiscard]] bool takesTags() const;
     [[nodiscard]] TagsObject readTags() const;
     void writeTags();
 

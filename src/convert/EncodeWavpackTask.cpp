@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "convert/EncodeWavpackTask.h"
 
+#include "programs/Wavpack.h"
+
 using namespace Qt::StringLiterals;
 
 namespace nurv {
@@ -17,9 +19,14 @@ QString EncodeWavpackTask::openingStatus() const
     return u"Encoding Wavpack"_s;
 }
 
+std::optional<ProgramStage> EncodeWavpackTask::encoding(const QString &input) const
+{
+    return withoutStatus(wavpack::encoding(m_level, input, outputFile()));
+}
+
 void EncodeWavpackTask::doEncodeCall()
 {
-    encodeWav([this](const QString &input) { return toolStages::encodeWavpack(m_level, input, outputFile()); });
+    encodeWav();
 }
 
 } // namespace nurv

@@ -3,6 +3,8 @@
 #include "convert/EncodeWavpackToFlacTask.h"
 
 #include "originals/StageFile.h"
+#include "programs/Flac.h"
+#include "programs/Wavpack.h"
 #include "tags/TagLibTagsHelper.h"
 
 #include <utility>
@@ -24,6 +26,16 @@ QString EncodeWavpackToFlacTask::openingStatus() const
     return u"Encoding Wavpack to FLAC"_s;
 }
 
+std::optional<ProgramStage> EncodeWavpackToFlacTask::decoding(const QString &made) const
+{
+    return wavpack::decodingToWavForFlac(fileName(), made);
+}
+
+std::optional<ProgramStage> EncodeWavpackToFlacTask::encoding(const QString &input) const
+{
+    return flac::plainEncoding(m_verify, input, outputFile());
+}
+
 void EncodeWavpackToFlacTask::doEncodeCall()
 {
     if (cancelled())
@@ -31,12 +43,12 @@ void EncodeWavpackToFlacTask::doEncodeCall()
     const StageFile wav(outputPath());
     convertWavpackToWav(wav.path());
     wav.grantUsualAccess();
-    runTool(toolStages::encodeFlac(m_verify, wav.path(), outputFile()));
+    encodeFrom(wav.path());
 }
 
 void EncodeWavpackToFlacTask::convertWavpackToWav(const QString &wav)
 {
-    runTool(toolStages::wavpackToWavForFlac(fileName(), wav));
+    decodeTo(wav);
     checkTemporaryWav(wav);
 }
 

@@ -2,45 +2,51 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "convert/TwoStageDecodeTask.h"
 
-#include "convert/ConversionArguments.h"
 #include "originals/StageFile.h"
 #include "platform/FileFacts.h"
 
 #include <QScopeGuard>
 
+using namespace Qt::StringLiterals;
+
 namespace nurv {
+
+QString TwoStageDecodeTask::extensionOf(const QString &format)
+{
+    return format == u"AIFF" ? u"aiff"_s : u"wav"_s;
+}
 
 TwoStageDecodeTask::TwoStageDecodeTask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath,
                                        const QString &format)
-    : TwoStageTask(queue, fileName, outputPath, conversionArguments::decodedExtension(format)), m_format(format)
+    : TwoStageTask(queue, fileName, outputPath, extensionOf(format)), m_format(format)
 {
 }
 
-void TwoStageDecodeTask::decode(const StageFor &stageFor)
+void TwoStageDecodeTask::decode()
 {
     if (isToAiff())
-        decodeThroughTemporaryWav(stageFor);
+        decodeThroughTemporaryWav();
     else
-        runTool(stageFor(outputFile()));
+        decodeTo(outputFile());
 }
 
-void TwoStageDecodeTask::decodeThroughTemporaryWav(const StageFor &stageFor)
+void TwoStageDecodeTask::decodeThroughTemporaryWav()
 {
     if (cancelled())
         return;
     const StageFile wav(outputPath());
-    runTool(stageFor(wav.path()));
+    decodeTo(wav.path());
     checkTemporaryWav(wav.path());
     convertToAiff(wav.path());
 }
 
-void TwoStageDecodeTask::decodeThroughIntermediateWav(const StageFor &stageFor)
+void TwoStageDecodeTask::decodeThroughIntermediateWav()
 {
     const QString wav = intermediateFile();
     OutputClaim claim;
     // In this order: what another job made and let go of before is seen then.
     if (claim.take(wav, fileName(), nullptr) || isThere(wav)) {
-        decodeThroughTemporaryWav(stageFor);
+        decodeThroughTemporaryWav();
         return;
     }
     noteIntermediateBegun();
@@ -48,7 +54,7 @@ void TwoStageDecodeTask::decodeThroughIntermediateWav(const StageFor &stageFor)
         removeHalfMade(wav);
         noteIntermediateGone();
     });
-    runTool(stageFor(wav));
+    decodeTo(wav);
     checkTemporaryWav(wav);
     convertToAiff(wav);
 }

@@ -10,28 +10,28 @@ namespace nurv {
 /// of them.
 class TwoStageDecodeTask : public TwoStageTask {
 public:
+    /// The extension of the file that a decoding to the format makes.
+    [[nodiscard]] static QString extensionOf(const QString &format);
+
     /// "WAV" or "AIFF".
     [[nodiscard]] const QString &format() const { return m_format; }
 
 protected:
     TwoStageDecodeTask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath, const QString &format);
-    /// The decoder's stage for the WAV file that it makes.
-    using StageFor = std::function<ToolStage(const QString &wav)>;
-
     void convert() final { doDecodeCall(); }
     virtual void doDecodeCall() = 0;
 
     [[nodiscard]] bool isToAiff() const { return m_format == u"AIFF"; }
     /// Decodes to the output, or to a temporary WAV that is then converted to AIFF.
-    void decode(const StageFor &stageFor);
+    void decode();
     /// Decodes to `intermediateFile`, makes the AIFF file of that and removes it. A file that has the name
     /// already stays as it is: then another name is taken.
-    void decodeThroughIntermediateWav(const StageFor &stageFor);
+    void decodeThroughIntermediateWav();
     /// Makes the output of the WAV file. A failure sets the error flag.
     void convertToAiff(const QString &wav);
 
 private:
-    void decodeThroughTemporaryWav(const StageFor &stageFor);
+    void decodeThroughTemporaryWav();
 
     QString m_format;
 };

@@ -6,6 +6,7 @@
 #include "convert/ConvertLog.h"
 #include "originals/StageFile.h"
 #include "platform/TextNumbers.h"
+#include "programs/Metaflac.h"
 #include "tags/FlacTagHelper.h"
 #include "tags/TagLibTagsHelper.h"
 
@@ -43,20 +44,26 @@ void TwoStageEncodeTask::convertToWav(const QString &source, const QString &wav)
     convertAudio(source, wav, kFormatLinearPCM, kFileWave);
 }
 
-void TwoStageEncodeTask::encodeWav(const StageFor &stageFor)
+ProgramStage TwoStageEncodeTask::withoutStatus(ProgramStage stage)
 {
-    const StageFor unwatched = [&stageFor](const QString &input) {
-        ToolStage stage = stageFor(input);
-        stage.looksAtExitStatus = false;
-        return stage;
-    };
-    if (isAiff(formatWord(fileName())))
-        encodeThroughWav(unwatched);
-    else
-        runTool(unwatched(fileName()));
+    stage.looksAtExitStatus = false;
+    return stage;
 }
 
-void TwoStageEncodeTask::encodeThroughWav(const StageFor &stageFor)
+NeededPrograms TwoStageEncodeTask::flacTagPrograms()
+{
+    return {{metaflac::program().name}, {}};
+}
+
+void TwoStageEncodeTask::encodeWav()
+{
+    if (isAiff(formatWord(fileName())))
+        encodeThroughWav();
+    else
+        encodeFrom(fileName());
+}
+
+void TwoStageEncodeTask::encodeThroughWav()
 {
     if (cancelled())
         return;
@@ -64,7 +71,7 @@ void TwoStageEncodeTask::encodeThroughWav(const StageFor &stageFor)
     convertToWav(fileName(), wav.path());
     wav.grantUsualAccess();
     // Also after a failure, on whatever there is; the job ends in error either way.
-    runTool(stageFor(wav.path()));
+    encodeFrom(wav.path());
 }
 
 void TwoStageEncodeTask::writeFlacTags(const TagsObject &tags)

@@ -12,19 +12,20 @@ class TagsObject;
 class TwoStageEncodeTask : public TwoStageTask {
 protected:
     using TwoStageTask::TwoStageTask;
-    /// The encoder's stage for the file that it reads.
-    using StageFor = std::function<ToolStage(const QString &input)>;
 
     void convert() final { doEncodeCall(); }
     virtual void doEncodeCall() = 0;
 
     /// Makes a WAV file of what the audio service reads. A failure sets the error flag.
     void convertToWav(const QString &source, const QString &wav);
-    /// AIFF sources by way of a temporary WAV, all others as they are. The status that the
-    /// program ends with does not make the job fail.
-    void encodeWav(const StageFor &stageFor);
+    /// AIFF sources by way of a temporary WAV, all others as they are.
+    void encodeWav();
     /// Every source by way of a temporary WAV.
-    void encodeThroughWav(const StageFor &stageFor);
+    void encodeThroughWav();
+    /// A stage whose status does not make the job fail.
+    [[nodiscard]] static ProgramStage withoutStatus(ProgramStage stage);
+    /// What `writeFlacTags` starts.
+    [[nodiscard]] static NeededPrograms flacTagPrograms();
     /// Writes the record to the FLAC file that was made. What writes it reports nothing:
     /// when the texts are not there afterwards, the source is kept for them.
     void writeFlacTags(const TagsObject &tags);

@@ -5,13 +5,13 @@
 #include "app/PathNames.h"
 #include "convert/ConvertLog.h"
 #include "convert/EncodeCoreAudioSync.h"
-#include "originals/StageFile.h"
 #include "engine/NURVTaskQueue.h"
-#include "platform/ExternalPrograms.h"
+#include "originals/StageFile.h"
 #include "platform/FileFacts.h"
 #include "platform/GuiThread.h"
 #include "platform/NurvFailure.h"
 #include "platform/ResourceFolder.h"
+#include "programs/ExternalPrograms.h"
 #include "samples/SoundLength.h"
 #include "tags/TagsUnavailable.h"
 
@@ -51,10 +51,21 @@ void TwoStageTask::doStartTask()
     convert();
 }
 
-bool TwoStageTask::runTool(const ToolStage &stage)
+NeededPrograms TwoStageTask::neededPrograms() const
 {
-    if (cancelled())
+    NeededPrograms programs = tagPrograms();
+    for (const std::optional<ProgramStage> &stage : {decoding(m_outFile), encoding(fileName())}) {
+        if (stage)
+            programs.add(NeededPrograms::ofStage(*stage));
+    }
+    return programs;
+}
+
+bool TwoStageTask::run(const std::optional<ProgramStage> &wanted)
+{
+    if (cancelled() || !wanted)
         return false;
+    const ProgramStage &stage = *wanted;
     if (stage.arguments.contains(m_outFile)) {
         beginOutput(stage.replacesOutput);
         m_programHasBegun = true;
@@ -66,22 +77,22 @@ bool TwoStageTask::runTool(const ToolStage &stage)
         // A marker can be spread over two chunks.
         recent += chunk;
         // What it asks about is not its own.
-        if (toolOutput::asksToOverwrite(recent))
+        if (stage.asksToOverwrite && stage.asksToOverwrite(recent))
             m_programHasBegun = false;
         if (stage.tellsOfError && stage.tellsOfError(recent))
             setError(true);
-        recent = recent.right(toolOutput::kLongestErrorMarker);
+        recent = recent.right(programOutput::kLongestErrorMarker);
         return !(stage.stopsOnCancel && cancelled()) && !(stage.stopsOnError && error());
     };
     const std::function<bool()> isUnwanted =
         stage.stopsOnCancel ? [this] { return cancelled(); } : std::function<bool()>();
-    ToolRunSync run(joinPath(pathToCommandLineTools(), stage.name), stage.arguments);
-    const ToolRunSync::Ending ending = run.run(takeText, isUnwanted);
+    ToolRunSync tool(toolPath(stage.name), stage.arguments);
+    const ToolRunSync::Ending ending = tool.run(takeText, isUnwanted);
     takeEnding(stage, ending);
     return ending.succeeded() && !error() && !cancelled();
 }
 
-void TwoStageTask::takeEnding(const ToolStage &stage, const ToolRunSync::Ending &ending)
+void TwoStageTask::takeEnding(const ProgramStage &stage, const ToolRunSync::Ending &ending)
 {
     // No later stage can go on, and what that one would say hides the reason.
     if (!ending.exit)

@@ -3,10 +3,10 @@
 #pragma once
 
 #include "convert/Conversion.h"
-#include "convert/ToolStage.h"
 #include "engine/NURVInProcessTask.h"
 #include "engine/ToolRunSync.h"
 #include "platform/AudioStreamDescription.h"
+#include "programs/ProgramStage.h"
 
 #include <QString>
 
@@ -23,13 +23,16 @@ namespace nurv {
 ///     ──> exit status ──> cleanup: tags ──> the output is examined ──> row, queue
 ///     ──> the source is deleted if that was asked for
 ///
-/// A derived class says what runs in `convert`, and what else is to be done in `cleanup`.
+/// A derived class says in `decoding` and `encoding` which programs there are, in `convert`
+/// when they run, and in `cleanup` what else is to be done. No other programs run, so that
+/// `neededPrograms` tells the same ones before.
 class TwoStageTask : public NURVInProcessTask, public Conversion {
 public:
     [[nodiscard]] QString outputFile() const final { return m_outFile; }
     /// The output folder.
     [[nodiscard]] const QString &outputPath() const { return m_outputPath; }
 
+    [[nodiscard]] NeededPrograms neededPrograms() const final;
     /// Of a job that failed or met damage: the source's path, then the end of what its
     /// programs wrote, then why the job failed.
     [[nodiscard]] QString report() const final;
@@ -48,9 +51,20 @@ protected:
     /// worker. Only of a job whose work has begun. What it throws fails the job.
     virtual void cleanup() {}
 
-    /// Runs the program to its end and parses what it writes. Nothing runs in a cancelled job.
-    /// False: it failed, told of an error, or did not run.
-    bool runTool(const ToolStage &stage);
+    /// The program that reads the source, with the file that it makes; nothing: none does.
+    /// Asked before the run, too.
+    [[nodiscard]] virtual std::optional<ProgramStage> decoding(const QString & /*made*/) const { return {}; }
+    /// The program that makes the output, with the file that it reads; nothing: none does.
+    /// Asked before the run, too, with the source.
+    [[nodiscard]] virtual std::optional<ProgramStage> encoding(const QString & /*input*/) const { return {}; }
+    /// What the copying of tags starts.
+    [[nodiscard]] virtual NeededPrograms tagPrograms() const { return {}; }
+
+    /// Runs the program of `decoding` to its end and parses what it writes. Nothing runs in a
+    /// cancelled job. False: it failed, told of an error, or did not run.
+    bool decodeTo(const QString &made) { return run(decoding(made)); }
+    /// The same with the one of `encoding`.
+    bool encodeFrom(const QString &input) { return run(encoding(input)); }
     /// Fails when a temporary WAV that a program has made holds another number of samples
     /// than its header says: a decoder may take the one from its source's header and the
     /// other from its sound, and the next stage reads as far as the header says. A few reads.
@@ -79,7 +93,8 @@ protected:
     void afterCompletion() final;
 
 private:
-    void takeEnding(const ToolStage &stage, const ToolRunSync::Ending &ending);
+    bool run(const std::optional<ProgramStage> &wanted);
+    void takeEnding(const ProgramStage &stage, const ToolRunSync::Ending &ending);
     void settle();
     void settleHalfMadeOutput();
     void failWithoutOutput();

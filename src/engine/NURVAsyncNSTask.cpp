@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/NURVAsyncNSTask.h"
 
-#include "engine/ToolEnvironment.h"
-#include "platform/ExternalPrograms.h"
 #include "platform/GuiThread.h"
 #include "platform/NurvFailure.h"
+#include "programs/ExternalPrograms.h"
+#include "programs/ProgramEnvironment.h"
 
 #include <exception>
 #include <utility>
@@ -33,12 +33,17 @@ void NURVAsyncNSTask::appendToPATH(const QString &folder)
     m_pathFolders.append(folder);
 }
 
+NeededPrograms NURVAsyncNSTask::neededPrograms() const
+{
+    return NeededPrograms::ofRun(m_launchPath.section(u'/', -1), m_arguments);
+}
+
 void NURVAsyncNSTask::startTask()
 {
     becomeActive();
     ChildCommand command{.launchPath = m_launchPath,
                          .arguments = m_arguments,
-                         .environment = toolEnvironment(),
+                         .environment = programEnvironment(),
                          .workingDirectory = m_currentDirectoryPath};
     for (const QString &folder : std::as_const(m_pathFolders))
         nurv::appendToPATH(command.environment, folder);

@@ -35,6 +35,9 @@ public:
     [[nodiscard]] const QString &launchPath() const { return m_launchPath; }
     [[nodiscard]] const QStringList &arguments() const { return m_arguments; }
 
+    /// The program, and what that starts itself when it is given these arguments.
+    [[nodiscard]] NeededPrograms neededPrograms() const override;
+
     void startTask() override;
     void stopTask() override;
     /// The command line: each word in double quotes, then a line feed and a blank.

@@ -19,12 +19,9 @@ NURVAsyncNSTaskFileOutputRedirection::NURVAsyncNSTaskFileOutputRedirection(
 
 void NURVAsyncNSTaskFileOutputRedirection::startTask()
 {
-    setTextFieldString(title());
-    setTextFieldValue();
-    if (m_subTitle) {
-        setTopTextFieldString(*m_subTitle);
-        setTopTextFieldValue();
-    }
+    showMainLine(title());
+    if (m_subTitle)
+        showStatus(*m_subTitle);
     NURVAsyncNSTask::startTask();
 }
 

@@ -61,9 +61,38 @@ void NURVTask::setResults(std::shared_ptr<NURVTaskResults> results)
     m_results = std::move(results);
 }
 
+void NURVTask::dropResults()
+{
+    showOnGuiThread([this] { setResults(nullptr); });
+}
+
+void NURVTask::dropResultsOfSuccess()
+{
+    if (!error() && warnings().isEmpty())
+        dropResults();
+}
+
 QString NURVTask::report() const
 {
     return m_results ? m_results->results(*this) : QString();
+}
+
+void NURVTask::nameRow(const QString &title)
+{
+    setTitle(title);
+    showMainLine(title);
+}
+
+void NURVTask::showMainLine(const QString &text)
+{
+    setTextFieldString(text);
+    setTextFieldValue();
+}
+
+void NURVTask::showStatus(const QString &text)
+{
+    setTopTextFieldString(text);
+    setTopTextFieldValue();
 }
 
 void NURVTask::startTask()

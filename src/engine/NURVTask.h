@@ -4,6 +4,7 @@
 
 #include "engine/RowState.h"
 #include "engine/TaskOutcome.h"
+#include "programs/NeededPrograms.h"
 
 #include <QPointer>
 #include <QString>
@@ -70,9 +71,14 @@ public:
     /// What the log line of a failed job names: the title, or the command line.
     [[nodiscard]] virtual QString description() const { return m_title; }
 
+    /// The programs that the job will start, asked before it runs. A few reads at most.
+    [[nodiscard]] virtual NeededPrograms neededPrograms() const { return {}; }
+
     /// The set the job reports into; nothing once it has been dropped.
     [[nodiscard]] std::shared_ptr<NURVTaskResults> results() const { return m_results; }
     void setResults(std::shared_ptr<NURVTaskResults> results);
+    /// Drops the set, and with it what the job has reported, where the queue looks at it.
+    void dropResults();
     /// What there is to say about this one job, whatever its set joins and shows:
     /// the text of its own slot, unless the job knows better. GUI thread.
     [[nodiscard]] virtual QString report() const;
@@ -98,6 +104,12 @@ public:
     [[nodiscard]] double progressIndicatorValue() const { return m_progressIndicatorValue; }
     void setProgressIndicatorValue(double percent) { m_progressIndicatorValue = percent; }
 
+    /// Gives the job its title, and shows that as the row's main line.
+    void nameRow(const QString &title);
+    /// Shows the text as the row's main line.
+    void showMainLine(const QString &text);
+    /// Shows the text as the next status line.
+    void showStatus(const QString &text);
     /// Shows the next status line and the next progress value.
     void updateStatus();
     void setTopTextFieldValue();
@@ -128,6 +140,8 @@ protected:
     virtual void failWith(const QString &reason);
     /// Adds to the job's warnings and its report, and tells the log. The job's own thread.
     void warn(const QString &text);
+    /// Drops the set of a job that did all and has nothing to add: no output window opens for it.
+    void dropResultsOfSuccess();
     /// Sets the active flags and shows the cancel button and the progress bar.
     void becomeActive();
     /// The flags of a job that has stopped.

@@ -2,16 +2,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/ToolRunSync.h"
 
-#include "engine/ToolEnvironment.h"
-#include "platform/ExternalPrograms.h"
 #include "platform/Utf8ChunkDecoder.h"
+#include "programs/ExternalPrograms.h"
+#include "programs/ProgramEnvironment.h"
 
 namespace nurv {
 
 ToolRunSync::ToolRunSync(const QString &launchPath, const QStringList &arguments)
     : m_command{.launchPath = launchPath,
                 .arguments = arguments,
-                .environment = toolEnvironment(),
+                .environment = programEnvironment(),
                 .workingDirectory = QString()}
 {
 }

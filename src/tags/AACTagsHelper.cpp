@@ -14,6 +14,7 @@
 #include "platform/SystemError.h"
 #include "platform/TextNumbers.h"
 #include "platform/Version.h"
+#include "programs/AtomicParsley.h"
 #include "tags/AlbumArt.h"
 #include "tags/Mp4Movie.h"
 #include "tags/Mp4Optimizer.h"
@@ -25,7 +26,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QRegularExpression>
 
 #include <id3v1genres.h>
 
@@ -229,24 +229,11 @@ AACTagsHelper::Shortfall writeTags(const QString &path, const TagsObject &tags, 
     return shortfall;
 }
 
-/// What AtomicParsley says when the disk is full; then it waits for ever.
-constexpr QStringView kFailedCopy = u"splice(";
-
-/// The files that AtomicParsley may have left beside `path`: "song-temp-57809.m4a".
-QStringList temporariesOfParsley(const QString &path)
-{
-    const QFileInfo file(path);
-    const QRegularExpression name(u'^' + QRegularExpression::escape(file.completeBaseName()) + u"-temp-\\d+\\."_s
-                                  + QRegularExpression::escape(file.suffix()) + u'$');
-    // With those that are links to nowhere.
-    return file.dir().entryList(QDir::Files | QDir::Hidden | QDir::System).filter(name);
-}
-
 /// Removes what an AtomicParsley that was ended has left beside `path`.
 void removeNewTemporaries(const QString &path, const QStringList &former)
 {
     const QDir folder = QFileInfo(path).dir();
-    for (const QString &name : temporariesOfParsley(path)) {
+    for (const QString &name : atomicParsley::temporariesBeside(path)) {
         if (!former.contains(name) && !QFile::remove(folder.filePath(name)))
             qCWarning(tagsLog).noquote() << "Temporary and not removed:" << folder.filePath(name);
     }
@@ -377,20 +364,20 @@ void AACTagsHelper::makeGapless(const QString &path, const std::function<bool()>
 
 void AACTagsHelper::runParsley(const QString &path, const std::function<bool()> &isUnwanted)
 {
-    const QStringList formerTemporaries = temporariesOfParsley(path);
+    const QStringList formerTemporaries = atomicParsley::temporariesBeside(path);
     // It would write through the one whose number it draws.
     const auto leads = [&path](const QString &name) { return isLink(joinPath(folderOf(path), name)); };
     if (std::any_of(formerTemporaries.begin(), formerTemporaries.end(), leads)) {
         qCWarning(tagsLog).noquote() << "Not marked as gapless, since links have the names of its program's files:" << path;
         return;
     }
-    ToolRunSync parsley(toolPath(u"AtomicParsley"_s), {path, u"--overWrite"_s, u"--gapless"_s, u"--true"_s});
-    parsley.environment().insert(u"AP_PADDING"_s, u"\"DEFAULT_PAD=0:MAX_PAD=0\""_s);
+    ToolRunSync parsley(toolPath(atomicParsley::program().name), atomicParsley::gaplessArguments(path));
+    atomicParsley::setEnvironment(parsley.environment());
     QString recent;
     const ToolRunSync::Ending ending = parsley.run(
         [&](const QString &chunk) {
-            recent = recent.right(kFailedCopy.size()) + chunk;
-            return !recent.contains(kFailedCopy);
+            recent = recent.right(atomicParsley::kLongestCopyMarker) + chunk;
+            return !atomicParsley::tellsOfFailedCopy(recent);
         },
         isUnwanted);
     if (!ending.exit)

@@ -9,6 +9,7 @@
 #include "platform/NurvFailure.h"
 #include "platform/ResourceFolder.h"
 #include "platform/TextNumbers.h"
+#include "programs/Metaflac.h"
 #include "tags/TagsLog.h"
 
 #include <QFileInfo>
@@ -19,15 +20,10 @@ namespace nurv {
 
 namespace {
 
-// The kernel's limit for one argument (MAX_ARG_STRLEN), its end mark included.
-constexpr qsizetype kArgumentLimit = 128 * 1024;
-
 QString runMetaflac(const QStringList &arguments)
 {
-    NSTaskWrapperSync task(toolPath(u"metaflac"_s), arguments);
-    // metaflac converts values between the locale's encoding and UTF-8; in any
-    // other locale it would replace the characters that the locale lacks.
-    task.environment().insert(u"LC_ALL"_s, u"C.UTF-8"_s);
+    NSTaskWrapperSync task(toolPath(metaflac::program().name), arguments);
+    metaflac::setEnvironment(task.environment());
     return task.runTask();
 }
 
@@ -57,39 +53,9 @@ void writeByMetaflac(const QString &path, const QStringList &arguments)
 
 } // namespace
 
-QStringList FlacTagHelper::showTagArguments(const QString &path, QStringView tagKey)
-{
-    return {u"--show-tag=%1"_s.arg(tagKey), path};
-}
-
-QStringList FlacTagHelper::removeTagArguments(const QString &path, QStringView tagKey)
-{
-    return {u"--remove-tag=%1"_s.arg(tagKey), path};
-}
-
-QStringList FlacTagHelper::setTagArguments(const QString &path, QStringView tagKey, const QString &tagValue)
-{
-    return {u"--set-tag=%1=%2"_s.arg(tagKey, tagValue), path};
-}
-
-QStringList FlacTagHelper::showFormatArguments(const QString &path, const QString &formatSwitch)
-{
-    return {formatSwitch, path};
-}
-
-QString FlacTagHelper::valueInOutput(const QString &output, QStringView tagKey)
-{
-    const QString trimmed = trimWhitespaceAndNewlines(output);
-    // Messages come in the same stream, before the tag, and they hold "=" too.
-    const QString start = tagKey.toString() + u'=';
-    if (!trimmed.startsWith(start, Qt::CaseInsensitive) && !trimmed.contains(u'\n' + start, Qt::CaseInsensitive))
-        return u""_s;
-    return trimmed.mid(trimmed.lastIndexOf(u'=') + 1);
-}
-
 QString FlacTagHelper::tagForFile(const QString &path, QStringView tagKey)
 {
-    return valueInOutput(runMetaflac(showTagArguments(path, tagKey)), tagKey);
+    return metaflac::valueInOutput(runMetaflac(metaflac::showTagArguments(path, tagKey)), tagKey);
 }
 
 TagsObject FlacTagHelper::tagsForFile(const QString &path)
@@ -110,7 +76,7 @@ TagsObject FlacTagHelper::tagsForFile(const QString &path)
 void FlacTagHelper::removeTagForFile(const QString &path, QStringView tagKey)
 {
     const QString file = fileOf(path);
-    writeByMetaflac(file, removeTagArguments(file, tagKey));
+    writeByMetaflac(file, metaflac::removeTagArguments(file, tagKey));
 }
 
 void FlacTagHelper::writeTagForFile(const QString &path, QStringView tagKey, const std::optional<QString> &tagValue,
@@ -120,9 +86,9 @@ void FlacTagHelper::writeTagForFile(const QString &path, QStringView tagKey, con
     if (value.isEmpty() && !writeEmptyTags)
         return;
     const QString file = fileOf(path);
-    const QStringList setArguments = setTagArguments(file, tagKey, value);
+    const QStringList setArguments = metaflac::setTagArguments(file, tagKey, value);
     // Such a run could not start, and the removal before it would lose the old value.
-    if (setArguments.first().toUtf8().size() >= kArgumentLimit) {
+    if (!metaflac::canBeStartedWith(setArguments)) {
         qCWarning(tagsLog, "%s is too long for a command line and keeps its old value: %s",
                   qUtf8Printable(tagKey.toString()), qUtf8Printable(path));
         return;
@@ -147,7 +113,7 @@ void FlacTagHelper::writeTagsForFile(const QString &path, const TagsObject &tagO
 AudioFormatObject FlacTagHelper::getFormatInfo(const QString &path)
 {
     const auto show = [&path](const QString &formatSwitch) {
-        return trimWhitespaceAndNewlines(runMetaflac(showFormatArguments(path, formatSwitch)));
+        return trimWhitespaceAndNewlines(runMetaflac(metaflac::showFormatArguments(path, formatSwitch)));
     };
     AudioFormatObject format;
     format.sampleRate = leadingInteger(show(u"--show-sample-rate"_s));

@@ -6,7 +6,6 @@
 #include "tags/TagsObject.h"
 
 #include <QString>
-#include <QStringList>
 
 #include <optional>
 
@@ -47,15 +46,6 @@ public:
     static void writeTagsForFile(const QString &path, const TagsObject &tagObject, bool writeEmptyTags);
     /// Sample rate, channels, bits and frames; what is no number reads as 0.
     [[nodiscard]] static AudioFormatObject getFormatInfo(const QString &path);
-
-    /// The arguments of `metaflac` for each kind of run.
-    [[nodiscard]] static QStringList showTagArguments(const QString &path, QStringView tagKey);
-    [[nodiscard]] static QStringList removeTagArguments(const QString &path, QStringView tagKey);
-    [[nodiscard]] static QStringList setTagArguments(const QString &path, QStringView tagKey, const QString &tagValue);
-    [[nodiscard]] static QStringList showFormatArguments(const QString &path, const QString &formatSwitch);
-
-    /// The value in the output of a run with `showTagArguments`.
-    [[nodiscard]] static QString valueInOutput(const QString &output, QStringView tagKey);
 };
 
 } // namespace nurv

@@ -3,10 +3,10 @@
 #include "ui/AboutPage.h"
 
 #include "app/NURVController.h"
-#include "platform/ExternalPrograms.h"
 #include "platform/GuiThread.h"
 #include "platform/PrintableText.h"
 #include "platform/WorkerThreads.h"
+#include "programs/ExternalPrograms.h"
 #include "ui/ApplicationIcon.h"
 #include "ui/StatusQueueCell.h"
 #include "ui/ToolTipText.h"

@@ -65,7 +65,7 @@ FileListView::FileListView(BaseTab &tab, QWidget *parent)
     setItemDelegate(new FileListCell(this));
     setRootIsDecorated(false);
     setUniformRowHeights(true);
-    setHeaderHidden(true);
+    setHeaderHidden(m_model->columnCount() == 1);
     setTextElideMode(Qt::ElideMiddle);
     setSelectionMode(QAbstractItemView::ExtendedSelection);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -78,6 +78,8 @@ FileListView::FileListView(BaseTab &tab, QWidget *parent)
     setAccessibleDescription(tr("Drop files or folders here"));
     widenColumn();
     connect(&tab, &BaseTab::filesWereAdded, this, &FileListView::widenColumn);
+    connect(selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            [this] { m_tab.setSelectedRows(selectedRows()); });
     connect(&tab, &BaseTab::fileNamesChanged, viewport(), qOverload<>(&QWidget::update));
     if (tab.usesTableViewContextMenu())
         createContextMenu();
@@ -109,13 +111,19 @@ void FileListView::rebuildFilterMenu()
     m_filterMenu->setEnabled(!extensions.isEmpty());
 }
 
-void FileListView::deleteSelectedRows()
+QList<int> FileListView::selectedRows() const
 {
     const QModelIndexList selected = selectionModel()->selectedRows();
     QList<int> rows;
     rows.reserve(selected.size());
     for (const QModelIndex &index : selected)
         rows.append(index.row());
+    return rows;
+}
+
+void FileListView::deleteSelectedRows()
+{
+    const QList<int> rows = selectedRows();
     if (rows.isEmpty())
         return;
     const int first = *std::min_element(rows.begin(), rows.end());
@@ -123,7 +131,7 @@ void FileListView::deleteSelectedRows()
     clearSelection();
     // The keyboard goes on from where the files were.
     if (const int left = m_model->rowCount(); left > 0)
-        selectionModel()->setCurrentIndex(m_model->index(std::min(first, left - 1)), QItemSelectionModel::NoUpdate);
+        selectionModel()->setCurrentIndex(m_model->index(std::min(first, left - 1), 0), QItemSelectionModel::NoUpdate);
 }
 
 double FileListView::neededColumnWidth() const
@@ -138,6 +146,8 @@ double FileListView::neededColumnWidth() const
 void FileListView::widenColumn()
 {
     header()->resizeSection(0, static_cast<int>(std::ceil(neededColumnWidth())));
+    for (int column = 1; column < m_model->columnCount(); ++column)
+        resizeColumnToContents(column);
 }
 
 void FileListView::changeEvent(QEvent *event)

@@ -48,6 +48,7 @@ private:
     void rebuildFilterMenu();
     void setDragHovers(bool hovers);
     void widenColumn();
+    [[nodiscard]] QList<int> selectedRows() const;
 
     BaseTab &m_tab;
     FileListModel *m_model;

@@ -16,6 +16,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <stdexcept>
 #include <thread>
 
@@ -59,6 +60,36 @@ TEST_F(BaseTabTest, KnowsItsLabelItsControllerAndTheToolFolder)
     EXPECT_EQ(decode.pathToCommandLineTools(), pathToCommandLineTools());
     EXPECT_TRUE(decode.usesTableViewContextMenu());
     EXPECT_THAT(decode.fileNames(), IsEmpty());
+}
+
+TEST_F(BaseTabTest, IsToldWhichRowsAreSelectedUntilTheListChanges)
+{
+    decode.addMatchedFiles({folder.path(u"a.flac"_s), folder.path(u"b.flac"_s), folder.path(u"c.flac"_s)});
+    EXPECT_THAT(decode.selectedRows(), IsEmpty());
+    decode.setSelectedRows({2, 0, 2, 3, -1});
+    EXPECT_THAT(decode.selectedRows(), ElementsAre(0, 2));
+    decode.deleteSelectedRows({0});
+    EXPECT_THAT(decode.selectedRows(), IsEmpty());
+    for (const std::function<void()> &change :
+         {std::function<void()>([this] { decode.addMatchedFiles({folder.path(u"a.flac"_s)}); }),
+          std::function<void()>([this] { decode.filterGivenExtension(u"other"_s); }),
+          std::function<void()>([this] { decode.clearFiles(); })}) {
+        decode.setSelectedRows({1});
+        EXPECT_THAT(decode.selectedRows(), ElementsAre(1));
+        change();
+        EXPECT_THAT(decode.selectedRows(), IsEmpty());
+    }
+}
+
+TEST_F(BaseTabTest, HasOneColumnUnlessItSaysMore)
+{
+    EXPECT_EQ(decode.columnTitles(), QStringList{u"Name"_s});
+}
+
+TEST_F(BaseTabTest, NeedsNoProgramsOfItsOwn)
+{
+    EXPECT_THAT(decode.neededPrograms().launched, IsEmpty());
+    EXPECT_THAT(decode.neededPrograms().helpers, IsEmpty());
 }
 
 TEST_F(BaseTabTest, KeepsOneEntryOfAFileAddedTwice)

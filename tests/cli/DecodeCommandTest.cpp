@@ -3,6 +3,7 @@
 #include "NurvProgram.h"
 #include "support/AudioFixtures.h"
 #include "support/TestFolder.h"
+#include "support/ToolFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -34,6 +35,25 @@ TEST(DecodeCommand, RemovesTheOriginalOnlyAfterSuccess)
     EXPECT_TRUE(folder.exists(u"bad.flac"_s));
     EXPECT_FALSE(folder.exists(u"good.flac"_s));
     EXPECT_TRUE(folder.exists(u"good.wav"_s));
+}
+
+TEST(DecodeCommand, NamesWhatShntoolCannotWriteAiffWithout)
+{
+    const TestFolder folder;
+    const ToolFolder tools;
+    tools.addReal(u"shntool"_s);
+    const QString source = folder.write(u"a.shn"_s, "ajkg and then nothing of use");
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", tools.path().toUtf8());
+    const ProgramResult aiff = runNurv({u"decode"_s, u"--format=aiff"_s, u"--beside-source"_s, source});
+    const ProgramResult wav = runNurv({u"decode"_s, u"--format=wav"_s, u"--beside-source"_s, source});
+    qputenv("PATH", path);
+    EXPECT_EQ(aiff.exitStatus, 3);
+    EXPECT_TRUE(aiff.errors.contains("\"sox\" could not be started")) << aiff.errors.constData();
+    EXPECT_FALSE(aiff.errors.contains("shorten")) << aiff.errors.constData();
+    // The file is no good, but nothing is missing.
+    EXPECT_EQ(wav.exitStatus, 1);
+    EXPECT_FALSE(wav.errors.contains("could not be started")) << wav.errors.constData();
 }
 
 TEST(DecodeCommand, AnOutputThatExistsIsNotReplaced)

@@ -3,7 +3,7 @@
 #include "convert/DecodeFlacTask.h"
 
 #include "convert/ConvertFixture.h"
-#include "convert/Transcript.h"
+#include "programs/Transcript.h"
 
 #include <algorithm>
 

@@ -3,7 +3,7 @@
 #include "convert/EncodeFlacTask.h"
 
 #include "convert/ConvertFixture.h"
-#include "convert/Transcript.h"
+#include "programs/Transcript.h"
 #include "support/LogLines.h"
 
 using namespace Qt::StringLiterals;

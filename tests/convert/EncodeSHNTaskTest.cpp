@@ -4,7 +4,7 @@
 
 #include "convert/ConvertFixture.h"
 #include "convert/ShortenFixture.h"
-#include "convert/Transcript.h"
+#include "programs/Transcript.h"
 
 using namespace Qt::StringLiterals;
 

@@ -25,6 +25,7 @@ QByteArray lineOf(const QList<QByteArray> &words)
     switch (views.size()) {
     case 2: return journalLine({views[0], views[1]});
     case 3: return journalLine({views[0], views[1], views[2]});
+    case 4: return journalLine({views[0], views[1], views[2], views[3]});
     case 6: return journalLine({views[0], views[1], views[2], views[3], views[4], views[5]});
     case 7: return journalLine({views[0], views[1], views[2], views[3], views[4], views[5], views[6]});
     default: ADD_FAILURE() << "no line has " << views.size() << " words"; return {};

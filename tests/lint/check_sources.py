@@ -15,17 +15,18 @@ import sys
 # place here.
 ALLOWED = {
     "platform": set(),
-    "engine": {"platform"},
-    "app": {"platform", "engine"},
+    "programs": {"platform"},
+    "engine": {"platform", "programs"},
+    "app": {"platform", "programs", "engine"},
     "samples": {"platform"},
     "journal": {"platform", "engine", "app", "samples"},
-    "tags": {"platform", "engine", "app", "journal", "samples"},
-    "originals": {"platform", "engine", "app", "journal", "samples", "tags"},
-    "checksum": {"platform", "engine", "app", "tags"},
-    "convert": {"platform", "engine", "app", "journal", "samples", "tags", "originals", "checksum"},
-    "toolbox": {"app", "convert"},
-    "cli": {"platform", "engine", "app", "journal", "samples", "tags", "originals", "checksum", "convert", "toolbox"},
-    "ui": {"platform", "engine", "app", "journal", "samples", "tags", "originals", "checksum", "convert", "toolbox"},
+    "tags": {"platform", "programs", "engine", "app", "journal", "samples"},
+    "originals": {"platform", "programs", "engine", "app", "journal", "samples", "tags"},
+    "checksum": {"platform", "programs", "engine", "app", "tags"},
+    "convert": {"platform", "programs", "engine", "app", "journal", "samples", "tags", "originals", "checksum"},
+    "toolbox": {"app", "checksum", "convert"},
+    "cli": {"platform", "programs", "engine", "app", "journal", "samples", "tags", "originals", "checksum", "convert", "toolbox"},
+    "ui": {"platform", "programs", "engine", "app", "journal", "samples", "tags", "originals", "checksum", "convert", "toolbox"},
 }
 
 # The same of the folders under tools, whose programs use no Qt.

@@ -6,7 +6,7 @@
 // The script is the first of these that exists:
 //   1. the environment variable NURV_FAKE_<name>, <name> being the last part of argv[0]
 //   2. the environment variable NURV_FAKE
-//   3. the file .<name>.fake beside argv[0] (what ToolFolder::addFake writes)
+//   3. the file .<name>.fake beside argv[0] (what ToolFolder::addFake writes), wherever PATH led to it
 //   4. the arguments, one step each
 // In 1 to 3 steps are separated by ';' or line ends, blanks before a step are skipped, and the
 // arguments are those of the program that is stood in for.
@@ -62,11 +62,13 @@
 #include <optional>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/auxv.h>
 #include <sys/ioctl.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -508,7 +510,9 @@ int main(int argc, char **argv)
 {
     std::signal(SIGPIPE, SIG_DFL);
     g_arguments.assign(argv + 1, argv + argc);
-    const fs::path self = argv[0];
+    // Found along PATH, it is called by its mere name; the kernel knows where it was.
+    const bool hasFolder = std::string_view(argv[0]).find('/') != std::string_view::npos;
+    const fs::path self = hasFolder ? argv[0] : reinterpret_cast<const char *>(::getauxval(AT_EXECFN));
     const std::string name = self.filename().string();
     if (const char *script = std::getenv(("NURV_FAKE_" + name).c_str())) {
         act(stepsOf(script));

@@ -29,6 +29,15 @@ TEST(ToolFolder, PutsAFakeUnderTheNameOfARealProgram)
     EXPECT_EQ(result.exitStatus, 7);
 }
 
+TEST(ToolFolder, GivesAFakeItsScriptWhereverPathLedToIt)
+{
+    const ToolFolder tools;
+    tools.addFake(u"flac"_s, "out=fake");
+    const ProgramResult result = runProgram(u"/bin/sh"_s, {u"-c"_s, u"PATH='%1'; flac -d"_s.arg(tools.path())});
+    EXPECT_EQ(result.output, "fake");
+    EXPECT_EQ(result.exitStatus, 0);
+}
+
 TEST(ToolFolder, LogsTheCallsOfARealProgram)
 {
     const ToolFolder tools;

@@ -49,25 +49,6 @@ private:
 
 } // namespace
 
-TEST(FlacTagHelper, BuildsTheArgumentsOfEachRun)
-{
-    const QString path = u"/music/a b.flac"_s;
-    EXPECT_EQ(FlacTagHelper::showTagArguments(path, u"TITLE"), (QStringList{u"--show-tag=TITLE"_s, path}));
-    EXPECT_EQ(FlacTagHelper::removeTagArguments(path, u"DATE"), (QStringList{u"--remove-tag=DATE"_s, path}));
-    EXPECT_EQ(FlacTagHelper::setTagArguments(path, u"GENRE", u"100%1 = \"x\"\ny"_s),
-              (QStringList{u"--set-tag=GENRE=100%1 = \"x\"\ny"_s, path}));
-    EXPECT_EQ(FlacTagHelper::showFormatArguments(path, u"--show-bps"_s), (QStringList{u"--show-bps"_s, path}));
-}
-
-TEST(FlacTagHelper, TakesWhatFollowsTheLastEqualsSign)
-{
-    EXPECT_EQ(FlacTagHelper::valueInOutput(u" TITLE=a=b \n\n"_s, u"TITLE"), u"b"_s);
-    EXPECT_EQ(FlacTagHelper::valueInOutput(u"title=x\nTITLE=y\n"_s, u"TITLE"), u"y"_s);
-    EXPECT_EQ(FlacTagHelper::valueInOutput(u"TITLE=\n"_s, u"TITLE"), u""_s);
-    EXPECT_EQ(FlacTagHelper::valueInOutput(u""_s, u"TITLE"), u""_s);
-    EXPECT_EQ(FlacTagHelper::valueInOutput(u"/x.flac: ERROR: reading metadata, status = \"X\"\n"_s, u"TITLE"), u""_s);
-}
-
 TEST(FlacTagHelper, ReadsAValueWithAnEqualsSignFromTheLastOne)
 {
     const TestFolder folder;

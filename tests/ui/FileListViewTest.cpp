@@ -7,8 +7,10 @@
 #include "ui/TextWidth.h"
 #include "ui/WindowFixture.h"
 
+#include <QAbstractItemModel>
 #include <QApplication>
 #include <QDragEnterEvent>
+#include <QFileInfo>
 #include <QFontMetricsF>
 #include <QHeaderView>
 #include <QImage>
@@ -28,6 +30,23 @@ namespace {
 class FileListViewTest : public ::testing::Test, public WindowFixture {
 protected:
     FileListViewTest() { controller.selectTab(u"decode"_s); }
+
+    /// A tab that knows more of its files than their names.
+    class SizesTab final : public BaseTab {
+    public:
+        explicit SizesTab(NURVController &owner) : BaseTab(owner, u"sizes"_s) {}
+        [[nodiscard]] QStringList columnTitles() const override { return {u"Name"_s, u"Size"_s}; }
+        [[nodiscard]] QString columnText(int row, int column) const override
+        {
+            return column == 1 ? QString::number(factor * QFileInfo(fileNames().at(row)).size()) : QString();
+        }
+
+        int factor = 1;
+        int selections = 0;
+
+    protected:
+        void selectionChanged() override { ++selections; }
+    };
 
     FileListView *list = window.page(u"decode"_s)->fileList();
 
@@ -51,6 +70,49 @@ TEST_F(FileListViewTest, ShowsLastPathComponentsWithTheWholePathAsToolTip)
     EXPECT_EQ(text(0), u"b2.flac"_s);
     EXPECT_EQ(text(1), u"b10.flac"_s);
     EXPECT_EQ(list->model()->index(1, 0).data(Qt::ToolTipRole).toString(), folder.path(u"d/b10.flac"_s));
+}
+
+TEST_F(FileListViewTest, ShowsNoHeadsOverNamesAlone)
+{
+    EXPECT_EQ(list->model()->columnCount(), 1);
+    EXPECT_TRUE(list->isHeaderHidden());
+}
+
+TEST_F(FileListViewTest, ShowsTheOtherColumnsOfItsTab)
+{
+    SizesTab tab(controller);
+    FileListView view(tab);
+    EXPECT_FALSE(view.isHeaderHidden());
+    tab.addMatchedFiles({folder.write(u"a.flac"_s, "xx"), folder.write(u"b.flac"_s, "xxx")});
+    const QAbstractItemModel &model = *view.model();
+    ASSERT_EQ(model.columnCount(), 2);
+    EXPECT_EQ(model.headerData(1, Qt::Horizontal), u"Size"_s);
+    EXPECT_EQ(model.index(0, 0).data(), u"a.flac"_s);
+    EXPECT_EQ(model.index(0, 1).data(), u"2"_s);
+    EXPECT_EQ(model.index(1, 1).data(), u"3"_s);
+    EXPECT_EQ(model.index(1, 1).data(Qt::ToolTipRole), folder.path(u"b.flac"_s));
+    int changes = 0;
+    QObject::connect(&model, &QAbstractItemModel::dataChanged, &view, [&changes] { ++changes; });
+    tab.factor = 10;
+    Q_EMIT tab.columnTextsChanged();
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(model.index(1, 1).data(), u"30"_s);
+}
+
+TEST_F(FileListViewTest, TellsItsTabWhichRowsAreSelected)
+{
+    SizesTab tab(controller);
+    FileListView view(tab);
+    tab.addMatchedFiles({folder.write(u"a.flac"_s, "x"), folder.write(u"b.flac"_s, "x"), folder.write(u"c.flac"_s, "x")});
+    tab.selections = 0;
+    view.selectionModel()->select(view.model()->index(2, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    view.selectionModel()->select(view.model()->index(0, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    EXPECT_EQ(tab.selectedRows(), (QList<int>{0, 2}));
+    EXPECT_EQ(tab.selections, 2);
+    view.deleteSelectedRows();
+    EXPECT_EQ(tab.fileNames(), QStringList{folder.path(u"b.flac"_s)});
+    EXPECT_EQ(tab.selectedRows(), QList<int>());
+    EXPECT_FALSE(view.selectionModel()->hasSelection());
 }
 
 TEST_F(FileListViewTest, ShowsNamesThatLookLikeMarkupAsTheyAre)

@@ -3,8 +3,8 @@
 #include "ui/MainWindow.h"
 
 #include "engine/NURVTaskQueue.h"
-#include "platform/ExternalPrograms.h"
 #include "platform/SettingsStore.h"
+#include "programs/ExternalPrograms.h"
 #include "support/WaitUntil.h"
 #include "ui/AboutPage.h"
 #include "ui/FileListView.h"

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engine/ToolEnvironment.h"
+#include "programs/ProgramEnvironment.h"
 
 #include "platform/ProcessEnvironment.h"
 #include "platform/ResourceFolder.h"
@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 
 namespace nurv {
 
-ChildEnvironment toolEnvironment()
+ChildEnvironment programEnvironment()
 {
     ChildEnvironment result = processEnvironment();
     appendToPATH(result, pathToCommandLineTools());

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/ExternalPrograms.h"
+#include "programs/ExternalPrograms.h"
 
 #include "platform/ResourceFolder.h"
 #include "support/ToolFolder.h"

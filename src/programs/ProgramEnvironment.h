@@ -8,7 +8,7 @@ namespace nurv {
 
 /// The application's environment, with the resource folder appended to PATH:
 /// its programs are found after the user's own programs of the same name.
-[[nodiscard]] ChildEnvironment toolEnvironment();
+[[nodiscard]] ChildEnvironment programEnvironment();
 
 /// Sets PATH to its current value, a colon and the folder. Entries that are not absolute,
 /// by which a child would find programs in the current folder, are dropped.

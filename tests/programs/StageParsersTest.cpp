@@ -1,9 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "convert/ToolOutputParsers.h"
+#include "programs/ProgramStage.h"
 
-#include "convert/ToolStage.h"
-#include "convert/Transcript.h"
+#include "programs/Flac.h"
+#include "programs/MonkeysAudio.h"
+#include "programs/Shntool.h"
+#include "programs/Transcript.h"
+#include "programs/Ttaenc.h"
+#include "programs/Wavpack.h"
 
 #include <QRegularExpression>
 
@@ -14,70 +18,70 @@
 
 using namespace Qt::StringLiterals;
 
-namespace nurv::toolOutput {
+namespace nurv {
 namespace {
 
 const QString kLabel = u"Doing: "_s;
 
-TEST(TwoStageParsers, ShowWavpackFigures)
+TEST(StageParsers, ShowWavpackFigures)
 {
-    const ChunkReport report = parseWavpackEncoding(u"\b\b\b 45% done...\b\b\b"_s);
+    const ChunkReport report = wavpack::parseEncoding(u"\b\b\b 45% done...\b\b\b"_s);
     EXPECT_EQ(report.status, u"Encoding to Wavpack: 45.000000%"_s);
     EXPECT_EQ(report.progress, 45.0);
     EXPECT_EQ(report.results, u" 45% done...");
     EXPECT_FALSE(report.repaintsTitle);
 }
 
-TEST(TwoStageParsers, LeaveTheStatusOfWavpackTextWithoutTheWordsBehindTheFigure)
+TEST(StageParsers, LeaveTheStatusOfWavpackTextWithoutTheWordsBehindTheFigure)
 {
-    const ChunkReport report = parseWavpackEncoding(u"created a.wv in 0.01 secs (lossless, 88.18%)\n"_s);
+    const ChunkReport report = wavpack::parseEncoding(u"created a.wv in 0.01 secs (lossless, 88.18%)\n"_s);
     EXPECT_FALSE(report.status);
     EXPECT_FALSE(report.progress);
     EXPECT_EQ(report.results, u"created a.wv in 0.01 secs (lossless, 88.18%)\n");
 }
 
-TEST(TwoStageParsers, ShowNoProgressForAWavpackLineThatBeginsWithText)
+TEST(StageParsers, ShowNoProgressForAWavpackLineThatBeginsWithText)
 {
-    const ChunkReport report = parseWavpackEncoding(u"creating a.wv,  45% done..."_s);
+    const ChunkReport report = wavpack::parseEncoding(u"creating a.wv,  45% done..."_s);
     EXPECT_EQ(report.status, u"Encoding to Wavpack: 0.000000%"_s);
     EXPECT_EQ(report.progress, 0.0);
 }
 
-TEST(TwoStageParsers, TakeTheFirstOfSeveralFigures)
+TEST(StageParsers, TakeTheFirstOfSeveralFigures)
 {
-    EXPECT_EQ(parseWavpackEncoding(u" 45% done...\b\b 46% done..."_s).progress, 45.0);
-    EXPECT_EQ(parseTta(u"Percent Progress: 45\b\b\b\bPercent Progress: 46"_s, kLabel).progress, 45.0);
+    EXPECT_EQ(wavpack::parseEncoding(u" 45% done...\b\b 46% done..."_s).progress, 45.0);
+    EXPECT_EQ(ttaenc::parse(u"Percent Progress: 45\b\b\b\bPercent Progress: 46"_s, kLabel).progress, 45.0);
     EXPECT_EQ(
-        parseMonkeysAudio(u"Progress: 1.0% (9 seconds remaining, 9 x)Progress: 2.0% (8 seconds remaining, "_s, kLabel)
+        monkeysAudio::parse(u"Progress: 1.0% (9 seconds remaining, 9 x)Progress: 2.0% (8 seconds remaining, "_s, kLabel)
             .progress,
         1.0);
 }
 
-TEST(TwoStageParsers, ReportWavpackDecodingTwice)
+TEST(StageParsers, ReportWavpackDecodingTwice)
 {
-    const ChunkReport report = parseWavpackDecoding(u"\b 7% done...\b"_s, u"Deoding From Wavpack: "_s);
+    const ChunkReport report = wavpack::parseDecoding(u"\b 7% done...\b"_s, u"Deoding From Wavpack: "_s);
     EXPECT_EQ(report.status, u"Deoding From Wavpack: 7.000000%"_s);
     EXPECT_EQ(report.results, u" 7% done... 7% done...");
-    EXPECT_EQ(parseWavpackDecoding(u"restored\n"_s, kLabel).results, u"restored\nrestored\n");
-    EXPECT_FALSE(parseWavpackDecoding(u"restored 5%\n"_s, kLabel).status);
+    EXPECT_EQ(wavpack::parseDecoding(u"restored\n"_s, kLabel).results, u"restored\nrestored\n");
+    EXPECT_FALSE(wavpack::parseDecoding(u"restored 5%\n"_s, kLabel).status);
 }
 
-TEST(TwoStageParsers, ReportTtaTwice)
+TEST(StageParsers, ReportTtaTwice)
 {
-    const ChunkReport report = parseTta(u"\b\bPercent Progress: 45\b"_s, u"Encoding to TTA: "_s);
+    const ChunkReport report = ttaenc::parse(u"\b\bPercent Progress: 45\b"_s, u"Encoding to TTA: "_s);
     EXPECT_EQ(report.status, u"Encoding to TTA: 45.000000%"_s);
     EXPECT_EQ(report.progress, 45.0);
     EXPECT_EQ(report.results, u"Percent Progress: 45Percent Progress: 45");
-    const ChunkReport other = parseTta(u"x: neither\n"_s, kLabel);
+    const ChunkReport other = ttaenc::parse(u"x: neither\n"_s, kLabel);
     EXPECT_FALSE(other.status);
     EXPECT_EQ(other.results, u"x: neither\nx: neither\n");
-    EXPECT_EQ(parseTta(u"Percent Progress: "_s, kLabel).status, u"Doing: 0.000000%"_s);
-    EXPECT_EQ(parseTta(u"Percent Progress: 45% of 100"_s, kLabel).progress, 45.0);
+    EXPECT_EQ(ttaenc::parse(u"Percent Progress: "_s, kLabel).status, u"Doing: 0.000000%"_s);
+    EXPECT_EQ(ttaenc::parse(u"Percent Progress: 45% of 100"_s, kLabel).progress, 45.0);
 }
 
-TEST(TwoStageParsers, ShowMonkeysAudioWithThreeBlanks)
+TEST(StageParsers, ShowMonkeysAudioWithThreeBlanks)
 {
-    const ChunkReport report = parseMonkeysAudio(u"\rProgress: 45.2% (12.3 seconds remaining, 27.0 seconds total)   "_s,
+    const ChunkReport report = monkeysAudio::parse(u"\rProgress: 45.2% (12.3 seconds remaining, 27.0 seconds total)   "_s,
                                                  u"Encoding to Monkey's Audio"_s);
     EXPECT_EQ(report.status, u"Encoding to Monkey's Audio: 45.2%   12.3 seconds remaining"_s);
     EXPECT_EQ(report.progress, 45.2);
@@ -85,73 +89,73 @@ TEST(TwoStageParsers, ShowMonkeysAudioWithThreeBlanks)
     EXPECT_FALSE(report.repaintsTitle);
 }
 
-TEST(TwoStageParsers, WantAllThreeMarksOfMonkeysAudio)
+TEST(StageParsers, WantAllThreeMarksOfMonkeysAudio)
 {
     for (const QString &text : {u"45.2% (12.3 seconds remaining, 27"_s, u"Progress: 45.2 (12.3 seconds remaining, 27"_s,
                                 u"Progress: 45.2% (12.3 seconds remaining"_s, u"Progress: 45.2%"_s, u""_s}) {
-        const ChunkReport report = parseMonkeysAudio(text, kLabel);
+        const ChunkReport report = monkeysAudio::parse(text, kLabel);
         EXPECT_FALSE(report.status) << qPrintable(text);
         EXPECT_EQ(report.results, text);
     }
 }
 
-TEST(TwoStageParsers, StandMonkeysAudioMarksInTheWrongOrder)
+TEST(StageParsers, StandMonkeysAudioMarksInTheWrongOrder)
 {
     // Nothing here may read behind the text; what is shown is nobody's promise.
     for (const QString &text : {u"% seconds remaining, Progress: "_s, u"% Progress: 5 seconds remaining, "_s,
                                 u"Progress:  seconds remaining, 5%"_s, u"Progress: % ( seconds remaining, "_s,
                                 u"seconds remaining, (5 Progress: %"_s}) {
-        const ChunkReport report = parseMonkeysAudio(text, kLabel);
+        const ChunkReport report = monkeysAudio::parse(text, kLabel);
         ASSERT_TRUE(report.status);
         EXPECT_TRUE(report.status->startsWith(u"Doing: "_s)) << qPrintable(*report.status);
         EXPECT_TRUE(report.status->endsWith(u" seconds remaining"_s)) << qPrintable(*report.status);
     }
 }
 
-TEST(TwoStageParsers, FillTheStatusOfShortenToWavForEveryChunk)
+TEST(StageParsers, FillTheStatusOfShortenToWavForEveryChunk)
 {
-    EXPECT_EQ(parseShortenToWav(u" 45% \b\b\b"_s).status, u"Decoding to WAV: 45.000000%"_s);
-    EXPECT_EQ(parseShortenToWav(u" 45% "_s).progress, 45.0);
-    const ChunkReport none = parseShortenToWav(u"\b\b"_s);
+    EXPECT_EQ(shntool::parseShortenToWav(u" 45% \b\b\b"_s).status, u"Decoding to WAV: 45.000000%"_s);
+    EXPECT_EQ(shntool::parseShortenToWav(u" 45% "_s).progress, 45.0);
+    const ChunkReport none = shntool::parseShortenToWav(u"\b\b"_s);
     EXPECT_EQ(none.status, u"Decoding to WAV: -1.000000%"_s);
     EXPECT_EQ(none.progress, -1.0);
     EXPECT_EQ(none.results, u"");
 }
 
-TEST(TwoStageParsers, ReportShortenToWavLikeAnyConversionByShntool)
+TEST(StageParsers, ReportShortenToWavLikeAnyConversionByShntool)
 {
-    EXPECT_EQ(parseShortenToWav(u"Converting [a.shn] : "_s).results, u"Converting [a.shn] Converting [a.shn] : ");
-    EXPECT_EQ(parseShortenToWav(u"100% OK\n"_s).results, u"100% OK\n100% OK\n");
-    EXPECT_EQ(parseShortenToWav(u"ERROR\n"_s).results, u"ERROR\nERROR\n");
-    EXPECT_EQ(parseShortenToWav(u" 5% "_s).results, u" 5% ");
+    EXPECT_EQ(shntool::parseShortenToWav(u"Converting [a.shn] : "_s).results, u"Converting [a.shn] Converting [a.shn] : ");
+    EXPECT_EQ(shntool::parseShortenToWav(u"100% OK\n"_s).results, u"100% OK\n100% OK\n");
+    EXPECT_EQ(shntool::parseShortenToWav(u"ERROR\n"_s).results, u"ERROR\nERROR\n");
+    EXPECT_EQ(shntool::parseShortenToWav(u" 5% "_s).results, u" 5% ");
 }
 
-TEST(TwoStageParsers, ShowFlacToWavOnlyWithABlankBehindTheFigure)
+TEST(StageParsers, ShowFlacToWavOnlyWithABlankBehindTheFigure)
 {
-    EXPECT_EQ(parseFlacToWav(u"x.flac: 45% complete"_s).status, u"Decoding to WAV: 45.000000%"_s);
-    EXPECT_EQ(parseFlacToWav(u"\b\b46% complete\n"_s).progress, 46.0);
-    EXPECT_FALSE(parseFlacToWav(u"x.flac: 45% \n"_s).status);
-    EXPECT_EQ(parseFlacToWav(u" x.flac: done\n"_s).results, u"x.flac: done");
-    EXPECT_TRUE(parseFlacToWav(u"x"_s).repaintsTitle);
+    EXPECT_EQ(flac::parseDecodingToWav(u"x.flac: 45% complete"_s).status, u"Decoding to WAV: 45.000000%"_s);
+    EXPECT_EQ(flac::parseDecodingToWav(u"\b\b46% complete\n"_s).progress, 46.0);
+    EXPECT_FALSE(flac::parseDecodingToWav(u"x.flac: 45% \n"_s).status);
+    EXPECT_EQ(flac::parseDecodingToWav(u" x.flac: done\n"_s).results, u"x.flac: done");
+    EXPECT_TRUE(flac::parseDecodingToWav(u"x"_s).repaintsTitle);
 }
 
-TEST(TwoStageParsers, ReportNothingOfMonkeysAudioToWav)
+TEST(StageParsers, ReportNothingOfMonkeysAudioToWav)
 {
-    const ChunkReport report = parseMonkeysAudioToWav(u"Progress: 45.2% (12 seconds remaining, 27 seconds total)"_s);
+    const ChunkReport report = monkeysAudio::parseDecodingToWav(u"Progress: 45.2% (12 seconds remaining, 27 seconds total)"_s);
     EXPECT_EQ(report.status, u"Decoding to WAV: 45.2%   12 seconds remaining"_s);
     EXPECT_EQ(report.results, QString());
     EXPECT_TRUE(report.repaintsTitle);
 }
 
-TEST(TwoStageParsers, ReportWavpackToWavTwice)
+TEST(StageParsers, ReportWavpackToWavTwice)
 {
-    EXPECT_EQ(parseWavpackToWav(u"\b 7% done...\b"_s).status, u"Decoding to WAV: 7.000000%"_s);
-    EXPECT_EQ(parseWavpackToWav(u"x"_s).results, u"xx");
+    EXPECT_EQ(wavpack::parseDecodingToWav(u"\b 7% done...\b"_s).status, u"Decoding to WAV: 7.000000%"_s);
+    EXPECT_EQ(wavpack::parseDecodingToWav(u"x"_s).results, u"xx");
 }
 
 struct Recording {
     QString name;
-    ToolStage stage;
+    ProgramStage stage;
     QString label;
     QString figure; ///< a regular expression, its first group the number
     /// Whether chunks whose figure does not stand first show 0.
@@ -166,22 +170,22 @@ std::vector<Recording> recordings()
     const QString tta = u"Percent Progress: (\\d+)"_s;
     const QString mac = u"Progress: ([\\d.]+)%"_s;
     return {
-        {u"wavpack-encode"_s, toolStages::encodeWavpack(u"-f"_s, in, out), u"Encoding to Wavpack: "_s, wavpack, true},
-        {u"wavpack-cut"_s, toolStages::encodeWavpack(u"-f"_s, in, out), u"Encoding to Wavpack: "_s, wavpack, true},
-        {u"wvunpack"_s, toolStages::decodeWavpack(in, false, out), u"Deoding From Wavpack: "_s, wavpack, true},
-        {u"wvunpack"_s, toolStages::wavpackToWavForFlac(in, out), u"Decoding From Wavpack "_s, wavpack, true},
-        {u"wvunpack"_s, toolStages::wavpackToWav(in, out), u"Decoding to WAV: "_s, wavpack, true},
-        {u"ttaenc-encode"_s, toolStages::encodeTta(in, out), u"Encoding to TTA: "_s, tta, false},
-        {u"ttaenc-decode"_s, toolStages::decodeTta(in, out), u"Decoding From TTA: "_s, tta, false},
-        {u"mac-encode"_s, toolStages::encodeMonkeysAudio(u"2000"_s, in, out), u"Encoding to Monkey's Audio: "_s, mac,
+        {u"wavpack-encode"_s, wavpack::encoding(u"-f"_s, in, out), u"Encoding to Wavpack: "_s, wavpack, true},
+        {u"wavpack-cut"_s, wavpack::encoding(u"-f"_s, in, out), u"Encoding to Wavpack: "_s, wavpack, true},
+        {u"wvunpack"_s, wavpack::decoding(in, false, out), u"Deoding From Wavpack: "_s, wavpack, true},
+        {u"wvunpack"_s, wavpack::decodingToWavForFlac(in, out), u"Decoding From Wavpack "_s, wavpack, true},
+        {u"wvunpack"_s, wavpack::decodingToWav(in, out), u"Decoding to WAV: "_s, wavpack, true},
+        {u"ttaenc-encode"_s, ttaenc::encoding(in, out), u"Encoding to TTA: "_s, tta, false},
+        {u"ttaenc-decode"_s, ttaenc::decoding(in, out), u"Decoding From TTA: "_s, tta, false},
+        {u"mac-encode"_s, monkeysAudio::encoding(u"2000"_s, in, out), u"Encoding to Monkey's Audio: "_s, mac,
          false},
-        {u"mac-decode"_s, toolStages::decodeMonkeysAudio(in, out), u"Decoding from Monkey's Audio: "_s, mac, false},
-        {u"mac-decode"_s, toolStages::monkeysAudioToWav(in, out), u"Decoding to WAV: "_s, mac, false},
-        {u"flac-decode"_s, toolStages::flacToWav(in, out), u"Decoding to WAV: "_s, u"(\\d+)% "_s, false},
+        {u"mac-decode"_s, monkeysAudio::decoding(in, out), u"Decoding from Monkey's Audio: "_s, mac, false},
+        {u"mac-decode"_s, monkeysAudio::decodingToWav(in, out), u"Decoding to WAV: "_s, mac, false},
+        {u"flac-decode"_s, flac::decodingToWav(in, out), u"Decoding to WAV: "_s, u"(\\d+)% "_s, false},
     };
 }
 
-TEST(TwoStageParsers, FollowRecordedRunsChunkByChunk)
+TEST(StageParsers, FollowRecordedRunsChunkByChunk)
 {
     for (const Recording &recording : recordings()) {
         SCOPED_TRACE(qPrintable(recording.name));
@@ -207,12 +211,12 @@ TEST(TwoStageParsers, FollowRecordedRunsChunkByChunk)
     }
 }
 
-TEST(TwoStageParsers, FollowARecordedNamedConversionOfShntool)
+TEST(StageParsers, FollowARecordedNamedConversionOfShntool)
 {
     QString reported;
     double highest = 0.0;
     for (const QByteArray &chunk : test::transcriptChunks(u"shntool-conv-named"_s)) {
-        const ChunkReport report = parseShortenToWav(QString::fromUtf8(chunk));
+        const ChunkReport report = shntool::parseShortenToWav(QString::fromUtf8(chunk));
         ASSERT_TRUE(report.status);
         EXPECT_EQ(*report.status == u"Decoding to WAV: -1.000000%", !chunk.contains('%')) << chunk.constData();
         highest = std::max(highest, *report.progress);
@@ -222,11 +226,11 @@ TEST(TwoStageParsers, FollowARecordedNamedConversionOfShntool)
     EXPECT_TRUE(reported.contains(u"OK\nOK\n"_s));
 }
 
-TEST(TwoStageParsers, StandEveryCutOfARecordedRun)
+TEST(StageParsers, StandEveryCutOfARecordedRun)
 {
     std::vector<Recording> all = recordings();
     all.push_back(
-        {u"shntool-conv-named"_s, toolStages::shortenToWav(u"/i"_s, u"/o"_s), u"Decoding to WAV: "_s, {}, false});
+        {u"shntool-conv-named"_s, shntool::shortenToWav(u"/i"_s, u"/o"_s), u"Decoding to WAV: "_s, {}, false});
     for (const Recording &recording : all) {
         const QByteArray whole = test::transcriptChunks(recording.name).join();
         for (qsizetype cut = 0; cut <= whole.size(); ++cut) {
@@ -244,7 +248,7 @@ TEST(TwoStageParsers, StandEveryCutOfARecordedRun)
     }
 }
 
-TEST(TwoStageParsers, SeeNoFailureInRecordedRunsThatEndedWell)
+TEST(StageParsers, SeeNoFailureInRecordedRunsThatEndedWell)
 {
     for (const Recording &recording : recordings()) {
         const QString whole = QString::fromUtf8(test::transcriptChunks(recording.name).join());
@@ -252,16 +256,16 @@ TEST(TwoStageParsers, SeeNoFailureInRecordedRunsThatEndedWell)
     }
 }
 
-TEST(TwoStageParsers, SeeTheMarkersInRecordedRuns)
+TEST(StageParsers, SeeTheMarkersInRecordedRuns)
 {
     for (const auto &[name, stage] :
-         {std::pair{u"wavpack-question"_s, toolStages::encodeWavpack(u"-f"_s, u"/i"_s, u"/o"_s)},
-          std::pair{u"wvunpack-question"_s, toolStages::decodeWavpack(u"/i"_s, false, u"/o"_s)},
-          std::pair{u"mac-error"_s, toolStages::encodeMonkeysAudio(u"2000"_s, u"/i"_s, u"/o"_s)}}) {
+         {std::pair{u"wavpack-question"_s, wavpack::encoding(u"-f"_s, u"/i"_s, u"/o"_s)},
+          std::pair{u"wvunpack-question"_s, wavpack::decoding(u"/i"_s, false, u"/o"_s)},
+          std::pair{u"mac-error"_s, monkeysAudio::encoding(u"2000"_s, u"/i"_s, u"/o"_s)}}) {
         const QString whole = QString::fromUtf8(test::transcriptChunks(name).join());
         EXPECT_TRUE(stage.tellsOfError(whole)) << qPrintable(name);
     }
 }
 
 } // namespace
-} // namespace nurv::toolOutput
+} // namespace nurv

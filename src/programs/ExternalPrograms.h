@@ -2,21 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "programs/ExternalProgram.h"
+
 #include <QString>
-#include <QStringList>
 
 #include <vector>
 
 namespace nurv {
-
-/// One program that the system starts.
-struct ExternalProgram {
-    QString name;             ///< in the resource folder
-    bool isBundled = false;   ///< the application's own, not a package's
-    QString package;          ///< of Debian; empty for a bundled program
-    QString purpose;          ///< for people: "encodes and decodes FLAC"
-    QStringList versionArguments;
-};
 
 /// Whether a bundled program was built with this version of the application.
 [[nodiscard]] bool isPartOfThisBuild(const ExternalProgram &program);

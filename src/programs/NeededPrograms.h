@@ -6,10 +6,17 @@
 
 namespace nurv {
 
-/// The programs that a batch starts.
+struct ProgramStage;
+
+/// The programs that a job or a batch starts. Those of the application itself that
+/// nobody could call, such as the reader of tags, are not told.
 struct NeededPrograms {
     QStringList launched; ///< started from the resource folder
     QStringList helpers;  ///< started by those, found along PATH or there
+
+    /// What a run of that program with that command line needs.
+    [[nodiscard]] static NeededPrograms ofRun(const QString &name, const QStringList &arguments);
+    [[nodiscard]] static NeededPrograms ofStage(const ProgramStage &stage);
 
     void add(const NeededPrograms &other);
 

@@ -1,10 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "cli/NeededPrograms.h"
+#include "programs/NeededPrograms.h"
 
-#include "engine/ToolEnvironment.h"
-#include "platform/ExternalPrograms.h"
 #include "platform/ResourceFolder.h"
+#include "programs/ExternalPrograms.h"
+#include "programs/ProgramEnvironment.h"
+#include "programs/ProgramStage.h"
 
 #include <QFileInfo>
 
@@ -30,10 +31,10 @@ bool isProgram(const QString &path)
     return file.isFile() && file.isExecutable();
 }
 
-/// Whether shntool would find it: along the PATH that children get, the resource folder included.
+/// Whether a child would find it: along the PATH that children get, the resource folder included.
 bool isAlongPath(const QString &name)
 {
-    const QStringList folders = toolEnvironment().value(u"PATH"_s).split(u':');
+    const QStringList folders = programEnvironment().value(u"PATH"_s).split(u':');
     return std::any_of(folders.begin(), folders.end(),
                        [&name](const QString &folder) { return isProgram(folder + u'/' + name); });
 }
@@ -46,6 +47,17 @@ QString missingText(const QString &name)
 }
 
 } // namespace
+
+NeededPrograms NeededPrograms::ofRun(const QString &name, const QStringList &arguments)
+{
+    const ExternalProgram *const program = findExternalProgram(name);
+    return {{name}, program && program->startedBy ? program->startedBy(arguments) : QStringList()};
+}
+
+NeededPrograms NeededPrograms::ofStage(const ProgramStage &stage)
+{
+    return ofRun(stage.name, stage.arguments);
+}
 
 void NeededPrograms::add(const NeededPrograms &other)
 {

@@ -1,11 +1,19 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/ExternalPrograms.h"
+#include "programs/ExternalPrograms.h"
 
 #include "platform/ChildProcess.h"
 #include "platform/ProcessEnvironment.h"
 #include "platform/RegularExpression.h"
 #include "platform/ResourceFolder.h"
+#include "programs/AtomicParsley.h"
+#include "programs/Flac.h"
+#include "programs/Metaflac.h"
+#include "programs/MonkeysAudio.h"
+#include "programs/Shntool.h"
+#include "programs/Shorten.h"
+#include "programs/Ttaenc.h"
+#include "programs/Wavpack.h"
 
 #include <QFileInfo>
 
@@ -50,23 +58,30 @@ QString providerText(const ExternalProgram &program)
 
 const std::vector<ExternalProgram> &externalPrograms()
 {
-    static const QStringList version{u"--version"_s};
+    // Of those without a page of their own no tool knows a command line yet.
     static const std::vector<ExternalProgram> programs{
-        {u"flac"_s, false, u"flac"_s, u"encodes, decodes and tests FLAC"_s, version},
-        {u"metaflac"_s, false, u"flac"_s, u"reads and writes the metadata of FLAC files"_s, version},
-        {u"shntool"_s, true, {}, u"measures, splits, joins, trims and converts lossless files"_s, version},
-        {u"wavpack"_s, false, u"wavpack"_s, u"encodes WavPack"_s, version},
-        {u"wvunpack"_s, false, u"wavpack"_s, u"decodes and tests WavPack"_s, version},
-        {u"lame"_s, false, u"lame"_s, u"encodes MP3"_s, version},
-        {u"opusenc"_s, false, u"opus-tools"_s, u"encodes Opus"_s, version},
-        {u"sox"_s, false, u"sox"_s, u"resamples and de-emphasises"_s, version},
-        {u"cdda2wav"_s, false, u"icedax"_s, u"extracts audio CDs"_s, {u"-version"_s}},
-        {u"AtomicParsley"_s, false, u"atomicparsley"_s, u"marks MP4 files as gapless"_s, version},
-        {u"mkisofs"_s, true, u"genisoimage"_s, u"makes disc images"_s, {u"-version"_s}},
-        {u"shorten"_s, true, {}, u"encodes and decodes Shorten"_s, version},
-        {u"ttaenc"_s, true, {}, u"encodes, decodes and tests TTA"_s, version},
-        {u"mac"_s, true, {}, u"encodes, decodes and tests Monkey's Audio"_s, version},
-        {u"dvda"_s, true, {}, u"authors DVD-Audio discs"_s, version},
+        flac::program(),
+        metaflac::program(),
+        shntool::program(),
+        wavpack::encoder(),
+        wavpack::decoder(),
+        {.name = u"lame"_s, .package = u"lame"_s, .purpose = u"encodes MP3"_s},
+        {.name = u"opusenc"_s, .package = u"opus-tools"_s, .purpose = u"encodes Opus"_s},
+        {.name = u"sox"_s, .package = u"sox"_s, .purpose = u"resamples and de-emphasises"_s},
+        {.name = u"cdda2wav"_s,
+         .package = u"icedax"_s,
+         .purpose = u"extracts audio CDs"_s,
+         .versionArguments = {u"-version"_s}},
+        atomicParsley::program(),
+        {.name = u"mkisofs"_s,
+         .isBundled = true,
+         .package = u"genisoimage"_s,
+         .purpose = u"makes disc images"_s,
+         .versionArguments = {u"-version"_s}},
+        shorten::program(),
+        ttaenc::program(),
+        monkeysAudio::program(),
+        {.name = u"dvda"_s, .isBundled = true, .package = {}, .purpose = u"authors DVD-Audio discs"_s},
     };
     return programs;
 }
@@ -115,8 +130,8 @@ ProgramStatus checkProgram(const ExternalProgram &program, const QString &path)
 QString missingProgramText(const QString &launchPath, const QString &reason)
 {
     const QFileInfo file(launchPath);
-    const QString text = u"\"%1\" could not be started: %2\nIt was looked for in the folder %3."_s
-                             .arg(file.fileName(), reason, file.path());
+    const QString text = u"\"%1\" could not be started: %2\nIt was looked for in the folder %3."_s.arg(
+        file.fileName(), reason, file.path());
     const ExternalProgram *program = findExternalProgram(file.fileName());
     return program ? text + u'\n' + providerText(*program) : text;
 }

@@ -1,0 +1,65 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "programs/ProgramOutput.h"
+
+#include "platform/TextNumbers.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv::programOutput {
+
+QString asOnATerminal(QStringView text)
+{
+    QString lines;
+    qsizetype lineBegin = 0;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar character = text[i];
+        const bool endsLine = i + 1 < text.size() && text[i + 1] == u'\n';
+        if (character == u'\b') {
+            lines.truncate(std::max(lineBegin, lines.size() - 1));
+        } else if (character == u'\r') {
+            if (!endsLine)
+                lines.truncate(lineBegin);
+        } else {
+            lines += character;
+            if (character == u'\n')
+                lineBegin = lines.size();
+        }
+    }
+    return lines;
+}
+
+QStringView before(QStringView text, QStringView marker)
+{
+    const qsizetype place = text.indexOf(marker);
+    return place < 0 ? text : text.first(place);
+}
+
+QStringView secondPiece(QStringView text, QStringView marker)
+{
+    return before(text.sliced(text.indexOf(marker) + marker.size()), marker);
+}
+
+QStringView fromFirstDigit(QStringView text)
+{
+    const auto digit =
+        std::find_if(text.begin(), text.end(), [](QChar character) { return character >= u'0' && character <= u'9'; });
+    return text.sliced(digit - text.begin());
+}
+
+void showFigure(ChunkReport &report, QStringView text, const QString &label)
+{
+    const double percent = leadingNumber(before(text, u"%"));
+    report.progress = percent;
+    report.status = label + sixDecimals(percent) + u'%';
+}
+
+std::function<ChunkReport(const QString &)> labelled(ChunkReport (*parse)(QStringView chunk, const QString &label),
+                                                     const QString &label)
+{
+    return [parse, label](const QString &chunk) { return parse(chunk, label); };
+}
+
+} // namespace nurv::programOutput

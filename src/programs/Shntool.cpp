@@ -1,0 +1,166 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "programs/Shntool.h"
+
+#include "platform/TextNumbers.h"
+#include "programs/MonkeysAudio.h"
+#include "programs/Shorten.h"
+#include "programs/Wavpack.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv::shntool {
+
+namespace {
+
+using namespace programOutput;
+
+/// The oldest version of Monkey's Audio, in thousandths, that it reads itself.
+constexpr int kOldestMonkeysAudio = 3990;
+
+/// What every conversion to a compressed format reports.
+QString results(QStringView text)
+{
+    QString results;
+    if (text.contains(u"Converting"_s))
+        results += before(text, u": ");
+    if (text.contains(u"ERROR"_s) || text.contains(u"OK"_s))
+        results += text;
+    results += text;
+    return results;
+}
+
+/// The program that decodes the source for it; empty for what it reads itself.
+QString decoderOf(const QString &source)
+{
+    // A device or a pipe must not be waited for.
+    if (!QFileInfo(source).isFile())
+        return {};
+    QFile file(source);
+    const QByteArray head = file.open(QIODevice::ReadOnly) ? file.read(6) : QByteArray();
+    if (head.startsWith("wvpk"))
+        return wavpack::decoder().name;
+    if (!head.startsWith("MAC ") || head.size() < 6)
+        return {};
+    const int version = static_cast<unsigned char>(head[4]) | static_cast<unsigned char>(head[5]) << 8;
+    return version < kOldestMonkeysAudio ? monkeysAudio::program().name : QString();
+}
+
+/// The program that encodes the word behind "-o" for it; empty for WAV.
+QString encoderOf(const QString &format)
+{
+    if (format == u"shn")
+        return shorten::program().name;
+    if (format == u"aiff")
+        return u"sox"_s;
+    // "cust ext=flac flac -5 -o %f -"
+    return format.startsWith(u"cust ") ? format.section(u' ', 2, 2) : QString();
+}
+
+} // namespace
+
+const ExternalProgram &program()
+{
+    static const ExternalProgram program{.name = u"shntool"_s,
+                                         .isBundled = true,
+                                         .package = {},
+                                         .purpose = u"measures, splits, joins, trims and converts lossless files"_s,
+                                         .isRequired = true,
+                                         .leavesHalfMadeOutput = true,
+                                         .startedBy = startedBy};
+    return program;
+}
+
+QStringList startedBy(const QStringList &arguments)
+{
+    const qsizetype format = arguments.indexOf(u"-o"_s);
+    if (arguments.value(0) != u"conv" || format < 0)
+        return {};
+    QStringList names{decoderOf(arguments.last()), encoderOf(arguments.value(format + 1))};
+    names.removeAll(QString());
+    return names;
+}
+
+QStringList toShortenArguments(const QString &source, const QString &outputFolder)
+{
+    return {u"conv"_s, u"-o"_s, u"shn"_s, u"-P"_s, u"pct"_s, u"-O"_s, u"never"_s, u"-d"_s, outputFolder, source};
+}
+
+QStringList toFlacArguments(const flac::Encoding &encoding, const QString &source, const QString &outputFolder)
+{
+    const QString encoder = encoding.lax ? u"cust ext=flac flac --lax -o %f -"_s
+                                         : u"cust ext=flac flac -"_s + QString::number(encoding.level) + u' '
+                                               + (encoding.verify ? u" -V "_s : QString()) + u" -o %f -"_s;
+    return {u"conv"_s, u"-P"_s, u"pct"_s, u"-O"_s, u"never"_s, u"-d"_s, outputFolder, u"-o"_s, encoder, source};
+}
+
+QStringList fromShortenArguments(const QString &format, const QString &source, const QString &outputFolder)
+{
+    QStringList arguments{u"conv"_s, u"-o"_s};
+    if (format == u"WAV")
+        arguments << u"wav"_s;
+    else if (format == u"AIFF")
+        arguments << u"aiff"_s;
+    return arguments << u"-P"_s << u"pct"_s << u"-O"_s << u"never"_s << u"-d"_s << outputFolder << source;
+}
+
+bool replacesExtension(const QString &extension)
+{
+    static const QStringList known{u"wav"_s, u"aiff"_s, u"shn"_s, u"flac"_s, u"ape"_s, u"tta"_s, u"wv"_s};
+    return known.contains(extension);
+}
+
+ProgramStage shortenToWav(const QString &source, const QString &wav)
+{
+    return {.name = program().name,
+            .arguments = {u"conv"_s, u"-P"_s, u"pct"_s, u"-O"_s, u"always"_s, u"-o"_s, u"wav"_s, u"-n"_s, wav, source},
+            .parse = parseShortenToWav};
+}
+
+ChunkReport parseToShorten(QStringView chunk)
+{
+    const QString text = trimBackspaces(chunk);
+    ChunkReport report{.status = {}, .progress = {}, .results = results(text), .repaintsTitle = true};
+    if (text.contains(u'%'))
+        showFigure(report, text, u"Encoding to SHN: "_s);
+    return report;
+}
+
+ChunkReport parseToFlac(QStringView chunk, const QString &type)
+{
+    const QString text = trimBackspaces(chunk);
+    ChunkReport report{.status = {}, .progress = {}, .results = results(text), .repaintsTitle = true};
+    if (text.contains(u'%')) {
+        const QStringView percent = before(text, u"%");
+        report.progress = leadingNumber(percent);
+        report.status = u"Encoding %1 to Flac: %2%"_s.arg(type, percent);
+    }
+    return report;
+}
+
+ChunkReport parseFromShorten(QStringView chunk)
+{
+    const QString text = trimBackspaces(chunk);
+    ChunkReport report{.status = {}, .progress = {}, .results = text, .repaintsTitle = true};
+    if (text.contains(u'%'))
+        showFigure(report, text, u"Decoding SHN: "_s);
+    return report;
+}
+
+ChunkReport parseShortenToWav(QStringView chunk)
+{
+    const QString text = trimBackspaces(chunk);
+    ChunkReport report{.status = {}, .progress = {}, .results = results(text)};
+    if (text.contains(u'%')) {
+        showFigure(report, text, kToWav.toString());
+    } else {
+        report.progress = -1.0;
+        report.status = kToWav.toString() + sixDecimals(-1.0) + u'%';
+    }
+    return report;
+}
+
+} // namespace nurv::shntool

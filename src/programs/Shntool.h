@@ -1,0 +1,61 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "programs/ExternalProgram.h"
+#include "programs/Flac.h"
+#include "programs/ProgramStage.h"
+
+#include <QString>
+#include <QStringList>
+#include <QStringView>
+
+namespace nurv::shntool {
+
+// `shntool`, the application's own. Nothing here runs it. Paths are absolute; each word is
+// one argument.
+
+[[nodiscard]] const ExternalProgram &program();
+
+/// What it starts when it gets these arguments of `conv`, for a source and a format:
+///
+///     source   what it reads in its own process: nothing;
+///              WavPack: wvunpack; Monkey's Audio before 3.99: mac
+///     format   WAV: nothing; Shorten: shorten; AIFF: sox; FLAC: flac
+///
+/// It knows sources by their first bytes, and so does this: a few are read.
+[[nodiscard]] QStringList startedBy(const QStringList &arguments);
+
+/// Any file that it reads to Shorten.
+[[nodiscard]] QStringList toShortenArguments(const QString &source, const QString &outputFolder);
+/// Shorten or Monkey's Audio to FLAC. Of the encoding only level, verify and lax reach the
+/// encoder, and lax drops the others.
+[[nodiscard]] QStringList toFlacArguments(const flac::Encoding &encoding, const QString &source,
+                                          const QString &outputFolder);
+/// Shorten to "WAV" or "AIFF".
+[[nodiscard]] QStringList fromShortenArguments(const QString &format, const QString &source,
+                                               const QString &outputFolder);
+/// Where these three have the source.
+inline constexpr qsizetype kSourcePlace = 9;
+/// Where `toFlacArguments` has the output folder.
+inline constexpr qsizetype kFlacFolderPlace = 6;
+
+/// Whether it knows the extension of a source, as written, and puts its own in the place of
+/// it: behind others it puts its own.
+[[nodiscard]] bool replacesExtension(const QString &extension);
+
+/// Shorten to a temporary WAV.
+[[nodiscard]] ProgramStage shortenToWav(const QString &source, const QString &wav);
+
+// "Converting [x.wav] (3:00.00) --> [x.shn] :   0% ", backspaces, "  1% ", …, "100% OK".
+
+/// To Shorten. A chunk with "Converting" or "OK" is in the report more than once.
+[[nodiscard]] ChunkReport parseToShorten(QStringView chunk);
+/// From a file of `type` ("SHN", "APE") to FLAC, reported like `parseToShorten`.
+[[nodiscard]] ChunkReport parseToFlac(QStringView chunk, const QString &type);
+/// From Shorten.
+[[nodiscard]] ChunkReport parseFromShorten(QStringView chunk);
+/// For `shortenToWav`. The status line is set by every chunk; without a figure it says -1.
+[[nodiscard]] ChunkReport parseShortenToWav(QStringView chunk);
+
+} // namespace nurv::shntool
