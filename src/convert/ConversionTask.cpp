@@ -44,6 +44,8 @@ ConversionTask::ConversionTask(NURVTaskQueue *queue, const QString &launchPath, 
 void ConversionTask::startTask()
 {
     std::optional<QString> obstacle = takeOutput();
+    if (!obstacle)
+        obstacle = refusal();
     if (!obstacle) {
         try {
             beginOutput(replacesOutput());

@@ -38,6 +38,9 @@ protected:
     void finalCleanup() override { releaseOutput(); }
     /// Removes what a program left half made, finishes and examines the output, then stops.
     void completeStop() final;
+    /// Why the format has no place for the source, as far as its header tells; its program may not say it where anybody
+    /// reads it. GUI thread.
+    [[nodiscard]] virtual std::optional<QString> refusal() const { return std::nullopt; }
     /// Whether the program replaces a file in its output's place.
     [[nodiscard]] virtual bool replacesOutput() const { return false; }
     /// Whether the program leaves a cut output behind when it fails.

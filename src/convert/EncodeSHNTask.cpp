@@ -4,6 +4,7 @@
 
 #include "app/PathNames.h"
 #include "convert/ConversionArguments.h"
+#include "samples/SoundLength.h"
 
 #include <utility>
 
@@ -30,6 +31,15 @@ QString EncodeSHNTask::intermediateFile() const
 {
     const QString made = conversionArguments::shntoolOutput(fileName(), arguments().value(conversionArguments::kShntoolSource - 1), u"shn"_s);
     return made == outputFile() ? QString() : made;
+}
+
+std::optional<QString> EncodeSHNTask::refusal() const
+{
+    constexpr int kMostBits = 16;
+    const std::optional<SoundLength> sound = soundLength(fileName());
+    if (!sound || sound->bitsPerSample <= kMostBits)
+        return std::nullopt;
+    return u"Shorten holds samples of 8 or 16 bits, not of %1"_s.arg(sound->bitsPerSample);
 }
 
 toolOutput::ChunkReport EncodeSHNTask::parseOutput(const QString &chunk) const

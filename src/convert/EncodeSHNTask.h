@@ -18,6 +18,7 @@ public:
     [[nodiscard]] QString intermediateFile() const override;
 
 protected:
+    [[nodiscard]] std::optional<QString> refusal() const override;
     [[nodiscard]] toolOutput::ChunkReport parseOutput(const QString &chunk) const override;
     [[nodiscard]] bool leavesHalfMadeOutput() const override { return true; }
     void cleanup() override;

@@ -19,6 +19,8 @@ constexpr size_t kPieceBytes = size_t{128} * 1024;
 constexpr uint32_t kCommonBytes = 18;
 constexpr uint32_t kSoundHeadBytes = 8;
 constexpr unsigned kMaxBits = 32;
+/// With more of them a frame may have more bytes than a WAV file can say.
+constexpr unsigned kMaxChannels = 8;
 
 uint16_t bigEndian16(const uint8_t *at)
 {
@@ -102,7 +104,8 @@ void AiffWaveSource::readCommon(uint32_t chunkBytes, bool isCompressedKind)
         if (!common.isLittleEndian && !startsWith(compression, "NONE") && !startsWith(compression, "twos"))
             fail(ToolError::Kind::UnsupportedFormat, m_input, "the sound is compressed");
     }
-    if (common.channels == 0 || common.bits == 0 || common.bits > kMaxBits || common.samplesPerSecond == 0)
+    if (common.channels == 0 || common.channels > kMaxChannels || common.bits == 0 || common.bits > kMaxBits
+        || common.samplesPerSecond == 0)
         fail(ToolError::Kind::UnsupportedFormat, m_input, "there is no such sound");
     m_common = common;
 }
@@ -112,8 +115,11 @@ void AiffWaveSource::readSoundHead(uint32_t chunkBytes)
     std::array<uint8_t, kSoundHeadBytes> bytes{};
     if (chunkBytes < bytes.size() || m_input.read(bytes) != bytes.size())
         fail(ToolError::Kind::InvalidInput, m_input, "the SSND chunk is too short");
-    m_soundOffset = m_input.position() + bigEndian32(bytes.data());
+    // What fills up a block of some size stands in front.
+    const uint32_t filling = bigEndian32(bytes.data());
+    m_soundOffset = m_input.position() + filling;
     m_soundBytes = chunkBytes - kSoundHeadBytes;
+    m_soundBytes -= std::min<uint64_t>(m_soundBytes, filling);
 }
 
 bool AiffWaveSource::makePiece()

@@ -128,9 +128,7 @@ ChildProgram::ChildProgram(const std::vector<std::string> &words, Pipe pipe) : m
         ::fcntl(writeEnd.get(), F_SETPIPE_SZ, kPipeBytes);
     const bool isReading = pipe == Pipe::FromChild;
     if (const std::optional<std::string> path = findCodec(m_name)) {
-        std::unique_lock<std::mutex> lock;
-        if (EndingCleanup *cleanup = EndingCleanup::current())
-            lock = std::unique_lock(cleanup->mutex());
+        const std::unique_lock<std::mutex> lock = EndingCleanup::hold();
         m_isRunning = Start((isReading ? writeEnd : readEnd).get(), pipe).run(*path, words, m_process);
     }
     m_pipe = std::move(isReading ? readEnd : writeEnd);
@@ -168,11 +166,14 @@ int ChildProgram::wait()
     if (!m_isRunning)
         return m_status;
     int status = 0;
-    while (::waitpid(m_process, &status, 0) < 0) {
-        if (errno != EINTR)
-            return m_status;
-    }
+    pid_t ended = 0;
+    do {
+        ended = ::waitpid(m_process, &status, 0);
+    } while (ended < 0 && errno == EINTR);
     m_isRunning = false;
+    // Where a signal is ending the program, its children are waited for elsewhere.
+    if (ended < 0)
+        return m_status;
     m_status = WIFEXITED(status) ? WEXITSTATUS(status) : kSignalOffset + WTERMSIG(status);
     return m_status;
 }

@@ -24,6 +24,23 @@ std::string failedRead(uint64_t bytes, const WaveInfo &info)
     return "error while reading " + std::to_string(bytes) + " bytes from file: [" + info.fileName + "]";
 }
 
+/// Reads up to that many bytes; what the header says is not believed before it is there. Returns whether all were
+/// there.
+bool readAll(WavePass &pass, size_t wanted, std::vector<uint8_t> &bytes)
+{
+    bytes.clear();
+    while (bytes.size() < wanted) {
+        const size_t start = bytes.size();
+        bytes.resize(std::min(wanted, start + WavePass::kTransferBytes));
+        const size_t got = pass.read(std::span(bytes).subspan(start));
+        if (got < bytes.size() - start) {
+            bytes.resize(start + got);
+            return false;
+        }
+    }
+    return true;
+}
+
 } // namespace
 
 void CmpMode::takeOption(char option, const char *value)
@@ -81,8 +98,8 @@ std::vector<uint8_t> CmpMode::readFront(const WaveInfo &info) const
 {
     WavePass pass(run().files, info);
     const auto wanted = static_cast<size_t>(std::min<uint64_t>(bufferBytes(info), info.dataBytes()));
-    std::vector<uint8_t> bytes(wanted);
-    if (!pass.isOpen() || pass.read(bytes) != wanted)
+    std::vector<uint8_t> bytes;
+    if (!pass.isOpen() || !readAll(pass, wanted, bytes))
         run().console.fail(failedRead(wanted, info));
     return bytes;
 }
@@ -197,20 +214,18 @@ bool CmpMode::compare(const WaveInfo &first, const WaveInfo &second, const Shift
         failRead(shift.first, first);
     if (!other.isOpen() || !other.transfer(nullptr, shift.second, nullptr))
         failRead(shift.second, second);
-    std::vector<uint8_t> ones(bufferBytes(first));
-    std::vector<uint8_t> others(ones.size());
+    std::vector<uint8_t> ones;
+    std::vector<uint8_t> others;
     bool areSame = true;
     for (uint64_t done = 0; done < total;) {
-        const auto wanted = static_cast<size_t>(std::min<uint64_t>(total - done, ones.size()));
-        const size_t got = one.read(std::span(ones).first(wanted));
-        progress.add(got);
-        if (got != wanted)
+        const auto wanted = static_cast<size_t>(std::min<uint64_t>(total - done, bufferBytes(first)));
+        const bool hasOnes = readAll(one, wanted, ones);
+        progress.add(ones.size());
+        if (!hasOnes)
             failRead(wanted, first);
-        if (other.read(std::span(others).first(wanted)) != wanted)
+        if (!readAll(other, wanted, others))
             failRead(wanted, second);
-        areSame =
-            comparePieces(std::span(ones).first(wanted), std::span(others).first(wanted), done, !areSame, progress)
-            && areSame;
+        areSame = comparePieces(ones, others, done, !areSame, progress) && areSame;
         done += wanted;
     }
     if (!one.finish())

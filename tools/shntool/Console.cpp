@@ -94,6 +94,17 @@ void Console::debug(const std::string &text) const
         tellAlways(labelled("debug1: ", text));
 }
 
+void Console::debugFile(size_t number, const std::string &name) const
+{
+    debug("returning file " + std::to_string(number) + ": [" + name + "]");
+}
+
+void Console::debugShortRead(size_t wanted, size_t got) const
+{
+    debug("tried to read " + std::to_string(wanted) + " bytes, but only read " + std::to_string(got)
+          + " -- possible truncated/corrupt file");
+}
+
 void Console::fail(const std::string &text) const
 {
     tellAlways(labelled("error: ", text));

@@ -50,6 +50,9 @@ public:
     /// Every line of a text tells whose it is: a name cannot make up messages.
     void warn(const std::string &text) const;
     void debug(const std::string &text) const;
+    /// The file of that number, from 0, is looked at.
+    void debugFile(size_t number, const std::string &name) const;
+    void debugShortRead(size_t wanted, size_t got) const;
 
     /// Tells an error and ends the run with status 1.
     [[noreturn]] void fail(const std::string &text) const;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <sstream>
 #include <utility>
 
 namespace nurv {
@@ -62,6 +63,18 @@ std::string placeIn(std::string_view line)
     return place;
 }
 
+/// All of the text, or its first mebibyte: far more than a disc has titles for.
+std::string limitedText(std::istream &input)
+{
+    constexpr size_t kMostBytes = size_t{1} << 20;
+    std::string text;
+    for (std::array<char, 4096> piece{}; input && text.size() < kMostBytes;) {
+        input.read(piece.data(), piece.size());
+        text.append(piece.data(), static_cast<size_t>(input.gcount()));
+    }
+    return text;
+}
+
 } // namespace
 
 CueSheet CueSheet::read(std::istream &input)
@@ -70,7 +83,8 @@ CueSheet CueSheet::read(std::istream &input)
     constexpr size_t kMostLetters = 2047;
     CueSheet sheet;
     bool isFirst = true;
-    for (std::string text; std::getline(input, text); isFirst = false) {
+    std::istringstream lines(limitedText(input));
+    for (std::string text; std::getline(lines, text); isFirst = false) {
         text.resize(std::min(text.size(), kMostLetters));
         if (isFirst && text.starts_with(kMark))
             text.erase(0, kMark.size());
@@ -81,8 +95,8 @@ CueSheet CueSheet::read(std::istream &input)
         else
             sheet.places.push_back(placeIn(text));
     }
-    // What cannot be read, as a folder, has no places.
-    if (input.bad())
+    // What cannot be read, as a folder, has no places, and nothing that long is a sheet.
+    if (input.bad() || !input.eof())
         sheet.places.emplace_back();
     return sheet;
 }

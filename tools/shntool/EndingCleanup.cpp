@@ -109,16 +109,10 @@ EndingCleanup *EndingCleanup::current()
     return g_current;
 }
 
-void EndingCleanup::addFolder(const std::string &path)
+std::unique_lock<std::mutex> EndingCleanup::hold()
 {
-    const std::scoped_lock lock(m_mutex);
-    m_folders.insert(path);
-}
-
-void EndingCleanup::removeFolder(const std::string &path)
-{
-    const std::scoped_lock lock(m_mutex);
-    m_folders.erase(path);
+    EndingCleanup *cleanup = g_current;
+    return cleanup ? std::unique_lock(cleanup->m_mutex) : std::unique_lock<std::mutex>();
 }
 
 void EndingCleanup::waitForSignals()

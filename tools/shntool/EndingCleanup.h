@@ -25,18 +25,20 @@ public:
     EndingCleanup(const EndingCleanup &) = delete;
     EndingCleanup &operator=(const EndingCleanup &) = delete;
 
-    /// Null where there is none: then nothing has to be held.
+    /// Null where there is none.
     [[nodiscard]] static EndingCleanup *current();
 
-    void addFolder(const std::string &path);
-    void removeFolder(const std::string &path);
+    /// Held while a program is started, while a private folder is made, and while an output gets its name: a signal
+    /// comes before or after that. Never again free once a signal is ending the program. Of nothing where there is no
+    /// such object.
+    [[nodiscard]] static std::unique_lock<std::mutex> hold();
+
+    /// While it is held.
+    void addFolder(const std::string &path) { m_folders.insert(path); }
+    void removeFolder(const std::string &path) { m_folders.erase(path); }
 
     /// The signals as they were, for programs that are started.
     [[nodiscard]] const sigset_t &formerMask() const { return m_formerMask; }
-
-    /// Held while a program is started and while an output gets its name: a signal comes before or after that.
-    /// Never again free once a signal is ending the program.
-    [[nodiscard]] std::mutex &mutex() { return m_mutex; }
 
 private:
     void waitForSignals();

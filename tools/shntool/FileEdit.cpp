@@ -118,13 +118,13 @@ bool FileEdit::finish()
 {
     if (!m_input->finish())
         return skip("possibly truncated and/or corrupt file: [" + m_info.fileName + "]");
-    if (m_output->complete() && !m_output->commit())
-        return skip("error while transferring " + std::to_string(m_info.dataBytes()) + "-byte data chunk");
+    const bool isComplete = m_output->complete();
+    if (isComplete && !m_output->commit())
+        return skip("could not complete output file: [" + m_name + "]");
     m_progress->succeed();
-    const std::string complaint = m_output->complaint();
-    if (!complaint.empty())
-        m_run.console.warn(complaint);
-    return complaint.empty();
+    if (!isComplete)
+        m_run.console.warn(m_output->complaint());
+    return isComplete;
 }
 
 } // namespace nurv

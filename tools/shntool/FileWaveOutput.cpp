@@ -29,9 +29,7 @@ bool StreamWaveOutput::write(std::span<const uint8_t> bytes)
 
 bool commitTemporaryFile(TemporaryFile &file)
 {
-    std::unique_lock<std::mutex> lock;
-    if (EndingCleanup *cleanup = EndingCleanup::current())
-        lock = std::unique_lock(cleanup->mutex());
+    const std::unique_lock<std::mutex> lock = EndingCleanup::hold();
     try {
         file.moveToDestination();
         return true;

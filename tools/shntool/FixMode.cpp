@@ -53,6 +53,7 @@ void FixMode::examine(const std::vector<std::string> &names)
         isGood = false;
     };
     for (const std::string &name : names) {
+        run().console.debugFile(m_infos.size(), name);
         std::optional<WaveInfo> info = run().files.examine(name);
         if (!info)
             run().console.fail("could not open file: [" + name + "]");
@@ -116,17 +117,16 @@ void FixMode::fix(size_t first)
     m_position = m_parts[first].start;
     for (size_t i = first; i < m_parts.size(); ++i)
         writePart(i);
-    commitAll();
+    if (!m_outputs.commit(run().console))
+        run().console.fail("failed to fix files");
 }
 
-void FixMode::failPart(Progress &progress, const std::string &why)
+void FixMode::failPart(Progress &progress, WaveOutput &output, const std::string &why)
 {
     progress.fail();
     run().console.warn(why);
-    if (!m_outputs.empty()) {
-        if (const std::string complaint = m_outputs.back()->complaint(); !complaint.empty())
-            run().console.warn(complaint);
-    }
+    if (const std::string complaint = output.complaint(); !complaint.empty())
+        run().console.warn(complaint);
     m_outputs.clear();
     run().console.fail("failed to fix files");
 }
@@ -142,9 +142,9 @@ void FixMode::writePart(size_t index)
     std::string name = run().outputs.nameHere(info, "-fixed");
     const bool isSource =
         std::ranges::any_of(m_infos, [&](const WaveInfo &other) { return OutputFiles::areSame(other.fileName, name); });
-    std::unique_ptr<WaveOutput> output;
+    std::unique_ptr<WaveOutput> opened;
     if (!isSource || run().outputs.overwrite != OutputFiles::Overwrite::Always)
-        output = run().outputs.open(name, nullptr);
+        opened = run().outputs.open(name, nullptr);
     Progress progress(run().console, {.action = "Fixing",
                                       .file = info.fileName,
                                       .fileDetail = run().lengthOf(info),
@@ -152,65 +152,57 @@ void FixMode::writePart(size_t index)
                                       .otherFile = name,
                                       .otherDetail = {},
                                       .totalBytes = soundBytes + kHeader});
-    if (!output) {
+    if (!opened) {
         progress.fail();
         m_outputs.clear();
         run().console.fail((isSource ? "output file would overwrite input file: [" : "could not open output file: [")
                            + name + "]");
     }
-    m_outputs.push_back(std::move(output));
+    WaveOutput &output = m_outputs.add(name, std::move(opened));
     const std::vector<uint8_t> header = makeWaveHeader(info.header, soundBytes + padding);
-    if (!m_outputs.back()->write(header))
-        failPart(progress, "error while writing " + std::to_string(header.size()) + "-byte WAVE header");
-    copySound(index, progress);
+    if (!output.write(header))
+        failPart(progress, output, "error while writing " + std::to_string(header.size()) + "-byte WAVE header");
+    copySound(index, output, progress);
     if (padding > 0) {
-        if (!m_outputs.back()->write(std::vector<uint8_t>(static_cast<size_t>(padding))))
-            failPart(progress, "error while padding with " + std::to_string(padding) + " zero-bytes");
+        if (!output.write(std::vector<uint8_t>(static_cast<size_t>(padding))))
+            failPart(progress, output, "error while padding with " + std::to_string(padding) + " zero-bytes");
         progress.add(padding);
     }
-    if (!m_outputs.back()->write(std::vector<uint8_t>((soundBytes + padding) % 2)))
-        failPart(progress, "error while NULL-padding odd-sized data chunk");
-    if (!m_outputs.back()->complete())
-        failPart(progress, "could not complete output file: [" + name + "]");
+    if (!output.write(std::vector<uint8_t>((soundBytes + padding) % 2)))
+        failPart(progress, output, "error while NULL-padding odd-sized data chunk");
+    if (!output.complete())
+        failPart(progress, output, "could not complete output file: [" + name + "]");
     progress.succeed();
 }
 
-void FixMode::openSource(Progress &progress)
+void FixMode::openSource(WaveOutput &output, Progress &progress)
 {
     if (m_pass)
         return;
     const WaveInfo &info = m_infos[m_source];
     m_pass = std::make_unique<WavePass>(run().files, info);
     if (!m_pass->isOpen())
-        failPart(progress, "could not reopen input file: [" + info.fileName + "]");
+        failPart(progress, output, "could not reopen input file: [" + info.fileName + "]");
 }
 
-void FixMode::copySound(size_t index, Progress &progress)
+void FixMode::copySound(size_t index, WaveOutput &output, Progress &progress)
 {
     const uint64_t end = m_parts[index].end;
     const bool isLast = index + 1 == m_parts.size();
     // A source is closed as soon as it is read, also one without any sound behind the last part.
     while (m_position < end || (isLast && m_source < m_infos.size())) {
-        openSource(progress);
+        openSource(output, progress);
         const uint64_t sourceEnd = m_parts[m_source].formerEnd;
         const uint64_t count = std::min(end, sourceEnd) - m_position;
-        if (!m_pass->transfer(m_outputs.back().get(), count, &progress))
-            failPart(progress, "error while transferring " + std::to_string(count) + " bytes of data");
+        if (!m_pass->transfer(&output, count, &progress))
+            failPart(progress, output, "error while transferring " + std::to_string(count) + " bytes of data");
         m_position += count;
         if (m_position < sourceEnd)
             continue;
         if (!m_pass->finish())
-            failPart(progress, "possibly truncated and/or corrupt file: [" + m_infos[m_source].fileName + "]");
+            failPart(progress, output, "possibly truncated and/or corrupt file: [" + m_infos[m_source].fileName + "]");
         m_pass.reset();
         ++m_source;
-    }
-}
-
-void FixMode::commitAll()
-{
-    for (const auto &output : m_outputs) {
-        if (!output->commit())
-            run().console.fail("failed to fix files");
     }
 }
 

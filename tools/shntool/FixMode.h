@@ -3,6 +3,7 @@
 #pragma once
 
 #include "shntool/Mode.h"
+#include "shntool/OutputSet.h"
 
 #include <cstdint>
 #include <memory>
@@ -45,10 +46,9 @@ private:
     [[nodiscard]] size_t firstToWrite() const;
     void fix(size_t first);
     void writePart(size_t index);
-    void copySound(size_t index, Progress &progress);
-    void openSource(Progress &progress);
-    void commitAll();
-    [[noreturn]] void failPart(Progress &progress, const std::string &why);
+    void copySound(size_t index, WaveOutput &output, Progress &progress);
+    void openSource(WaveOutput &output, Progress &progress);
+    [[noreturn]] void failPart(Progress &progress, WaveOutput &output, const std::string &why);
     void tellPadding() const;
 
     Shift m_shift = Shift::Backward;
@@ -61,7 +61,7 @@ private:
     size_t m_source = 0;         ///< the file that is read
     uint64_t m_position = 0;     ///< in the sound of all files
     std::unique_ptr<WavePass> m_pass;
-    std::vector<std::unique_ptr<WaveOutput>> m_outputs;
+    OutputSet m_outputs;
 };
 
 } // namespace nurv

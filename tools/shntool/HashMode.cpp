@@ -32,8 +32,8 @@ int HashMode::execute()
     std::vector<std::string> names = run().names.all();
     run().names.sortIfAsked(names);
     std::vector<WaveInfo> infos;
-    for (const std::string &name : names) {
-        if (std::optional<WaveInfo> info = run().files.examine(name))
+    for (size_t i = 0; i < names.size(); ++i) {
+        if (std::optional<WaveInfo> info = examine(i, names[i]))
             infos.push_back(std::move(*info));
     }
     if (!m_isComposite)
@@ -46,14 +46,31 @@ int HashMode::execute()
     return 0;
 }
 
+std::optional<WaveInfo> HashMode::examine(size_t number, const std::string &name) const
+{
+    run().console.debugFile(number, name);
+    return run().files.examine(name);
+}
+
 bool HashMode::hashEach(const std::vector<std::string> &names)
 {
     bool isGood = true;
-    for (const std::string &name : names) {
-        const std::optional<WaveInfo> info = run().files.examine(name);
+    for (size_t i = 0; i < names.size(); ++i) {
+        const std::optional<WaveInfo> info = examine(i, names[i]);
         isGood = info && hashFile(*info) && isGood;
     }
     return isGood;
+}
+
+/// Step by step, of which the last one may be short.
+void HashMode::showSteps(Progress &progress, size_t bytes) const
+{
+    for (size_t at = 0; at < bytes; at += kStepBytes) {
+        const size_t step = std::min<size_t>(kStepBytes, bytes - at);
+        if (step < kStepBytes)
+            run().console.debugShortRead(kStepBytes, step);
+        progress.add(step);
+    }
 }
 
 bool HashMode::hashFile(const WaveInfo &info)
@@ -82,8 +99,7 @@ bool HashMode::hashFile(const WaveInfo &info)
         const size_t got = pass.read(std::span(bytes).first(wanted));
         if (!isShared)
             hash.add(std::span(bytes).first(got));
-        for (size_t at = 0; at < got; at += kStepBytes)
-            progress.add(std::min<uint64_t>(kStepBytes, got - at));
+        showSteps(progress, got);
         left -= got;
         isGood = got == wanted;
     }
@@ -114,8 +130,12 @@ void HashMode::hashAll(const std::vector<WaveInfo> &infos)
                                       .totalBytes = total});
     SoundHash hash(m_kind);
     uint64_t partBytes = 0;
-    for (const WaveInfo &info : infos)
-        addFile(info, hash, progress, partBytes);
+    for (size_t i = 0; i < infos.size(); ++i) {
+        // Once more, for those who want to know of every look at a file.
+        if (run().console.debugLevel > 0)
+            static_cast<void>(examine(i, infos[i].fileName));
+        addFile(infos[i], hash, progress, partBytes);
+    }
     progress.succeed();
     show(hash.finish(), "composite");
 }
@@ -134,10 +154,8 @@ void HashMode::addFile(const WaveInfo &info, SoundHash &hash, Progress &progress
         const auto wanted = static_cast<size_t>(std::min<uint64_t>(most, bytes.size()));
         const size_t got = pass.read(std::span(bytes).first(wanted));
         hash.add(std::span(bytes).first(got));
-        if (done >= first) {
-            for (size_t at = 0; at < got; at += kStepBytes)
-                progress.add(std::min<uint64_t>(kStepBytes, got - at));
-        }
+        if (done >= first)
+            showSteps(progress, got);
         done += got;
         if (got < wanted)
             run().console.fail("possibly truncated and/or corrupt file: [" + info.fileName + "]");

@@ -6,6 +6,7 @@
 #include "shntool/SoundHash.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,8 @@ public:
     int execute() override;
 
 private:
+    [[nodiscard]] std::optional<WaveInfo> examine(size_t number, const std::string &name) const;
+    void showSteps(Progress &progress, size_t bytes) const;
     bool hashEach(const std::vector<std::string> &names);
     bool hashFile(const WaveInfo &info);
     void hashAll(const std::vector<WaveInfo> &infos);

@@ -42,6 +42,7 @@ std::vector<WaveInfo> JoinMode::examine(const std::vector<std::string> &names) c
 {
     std::vector<WaveInfo> infos;
     for (const std::string &name : names) {
+        run().console.debugFile(infos.size(), name);
         std::optional<WaveInfo> info = run().files.examine(name);
         if (!info)
             run().console.fail("could not open file: [" + name + "]");

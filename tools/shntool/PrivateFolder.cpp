@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
+#include <mutex>
 #include <system_error>
 
 #include <fcntl.h>
@@ -53,7 +54,8 @@ void PrivateFolder::sweepBeside(const std::string &file)
     std::error_code error;
     for (const auto &entry : fs::directory_iterator(parentOf(file), error)) {
         const std::string name = entry.path().filename().string();
-        if (!name.starts_with(kPrivateFolderPrefix) || name.size() != kPrivateFolderPrefix.size() + kPrivateFolderLetters)
+        if (!name.starts_with(kPrivateFolderPrefix)
+            || name.size() != kPrivateFolderPrefix.size() + kPrivateFolderLetters)
             continue;
         const std::string path = entry.path().string();
         // Locked until it is gone: somebody may be about to take it for his.
@@ -79,24 +81,28 @@ PrivateFolder::PrivateFolder(const std::string &destination)
 /// Between its making and its lock another run may take the folder for one that was left.
 bool PrivateFolder::tryToMake(const std::string &parent)
 {
-    m_path = parent + std::string(kPrivateFolderPrefix) + kPattern;
+    m_path = parent;
+    m_path += kPrivateFolderPrefix;
+    m_path += kPattern;
+    const std::unique_lock<std::mutex> hold = EndingCleanup::hold();
     if (!::mkdtemp(m_path.data()))
         failWrite(parent, errno);
-    if (EndingCleanup *cleanup = EndingCleanup::current())
-        cleanup->addFolder(m_path);
     m_lock = lockFolder(m_path);
     struct stat status {};
-    if (m_lock.isOpen() && ::fstat(m_lock.get(), &status) == 0 && status.st_nlink > 0)
-        return true;
+    if (!m_lock.isOpen() || ::fstat(m_lock.get(), &status) != 0 || status.st_nlink == 0) {
+        ::rmdir(m_path.c_str());
+        return false;
+    }
     if (EndingCleanup *cleanup = EndingCleanup::current())
-        cleanup->removeFolder(m_path);
-    return false;
+        cleanup->addFolder(m_path);
+    return true;
 }
 
 PrivateFolder::~PrivateFolder()
 {
     std::error_code error;
     fs::remove_all(m_path, error);
+    const std::unique_lock<std::mutex> hold = EndingCleanup::hold();
     if (EndingCleanup *cleanup = EndingCleanup::current())
         cleanup->removeFolder(m_path);
 }

@@ -71,13 +71,21 @@ bool ProgramWaveOutput::write(std::span<const uint8_t> bytes)
     return m_waiting.size() < kFewBytes || flush();
 }
 
-bool ProgramWaveOutput::moveInPlace() const
+bool ProgramWaveOutput::flush()
 {
-    if (!prepare(m_made, m_name))
-        return false;
-    std::unique_lock<std::mutex> lock;
-    if (EndingCleanup *cleanup = EndingCleanup::current())
-        lock = std::unique_lock(cleanup->mutex());
+    const std::vector<uint8_t> bytes = std::exchange(m_waiting, {});
+    return bytes.empty() || m_encoder.write(bytes);
+}
+
+bool ProgramWaveOutput::complete()
+{
+    m_isIncomplete = !flush() || m_encoder.wait() != 0 || !prepare(m_made, m_name);
+    return !m_isIncomplete;
+}
+
+bool ProgramWaveOutput::commit()
+{
+    const std::unique_lock<std::mutex> lock = EndingCleanup::hold();
     const auto move = [this](unsigned flags) {
         return ::renameat2(AT_FDCWD, m_made.c_str(), AT_FDCWD, m_name.c_str(), flags) == 0;
     };
@@ -87,29 +95,13 @@ bool ProgramWaveOutput::moveInPlace() const
     return move(RENAME_NOREPLACE) || (errno == EINVAL && !exists(m_name) && move(0));
 }
 
-bool ProgramWaveOutput::flush()
-{
-    const std::vector<uint8_t> bytes = std::exchange(m_waiting, {});
-    return bytes.empty() || m_encoder.write(bytes);
-}
-
-bool ProgramWaveOutput::complete()
-{
-    return flush() && m_encoder.wait() == 0;
-}
-
-bool ProgramWaveOutput::commit()
-{
-    return moveInPlace();
-}
-
 std::string ProgramWaveOutput::complaint()
 {
     const int status = m_encoder.wait();
-    if (status == 0)
-        return {};
-    return "child encoder process " + std::to_string(std::max(m_encoder.process(), 0)) + " had non-zero exit status "
-           + std::to_string(status);
+    const std::string who = "child encoder process " + std::to_string(std::max(m_encoder.process(), 0));
+    if (status != 0)
+        return who + " had non-zero exit status " + std::to_string(status);
+    return m_isIncomplete ? who + " made no complete file" : std::string();
 }
 
 } // namespace nurv

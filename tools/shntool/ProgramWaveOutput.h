@@ -26,7 +26,6 @@ public:
 
 private:
     [[nodiscard]] bool flush();
-    [[nodiscard]] bool moveInPlace() const;
 
     std::string m_name;
     PrivateFolder m_folder;
@@ -34,6 +33,7 @@ private:
     bool m_replaces;
     ChildProgram m_encoder;
     std::vector<uint8_t> m_waiting; ///< for more
+    bool m_isIncomplete = false;    ///< although it should be complete
 };
 
 } // namespace nurv

@@ -15,6 +15,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
 #include <span>
 
 #include <getopt.h>
@@ -272,7 +273,7 @@ int runShntool(int argc, char **argv)
     const bool isQuestion =
         argc == 2 && (std::string_view(argv[1]) == "--help" || std::string_view(argv[1]) == "--version");
     const auto run = [&](std::span<const std::string>) {
-        EndingCleanup cleanup;
+        const EndingCleanup cleanup;
         int status = EXIT_FAILURE;
         try {
             std::vector<std::string> words(argv, argv + std::max(argc, 0));
@@ -284,7 +285,7 @@ int runShntool(int argc, char **argv)
             std::fflush(stdout);
         }
         // A signal that is ending the program decides how it ends.
-        const std::scoped_lock lock(cleanup.mutex());
+        const std::unique_lock<std::mutex> lock = EndingCleanup::hold();
         return status;
     };
     return toolMain({.name = "shntool", .help = kHelp}, isQuestion ? argc : 1, argv, run);

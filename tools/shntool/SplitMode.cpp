@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
+#include <limits>
 #include <utility>
 
 #include <unistd.h>
@@ -38,6 +39,8 @@ void SplitMode::takeOption(char option, const char *value)
         m_firstNumber = std::atoi(value);
         if (m_firstNumber < 0)
             run().console.failWithHelp("starting count cannot be negative");
+        if (m_firstNumber > std::numeric_limits<int>::max() - kMostPieces)
+            run().console.failWithHelp("starting count is too large");
         break;
     case 'e': m_leadInText = value; break;
     case 'f': m_placesFile = value; break;
@@ -249,17 +252,15 @@ void SplitMode::splitAll()
 {
     for (size_t i = 0; i < m_places.size(); ++i)
         splitPiece(i);
-    for (const auto &output : m_outputs) {
-        if (!output->commit())
-            run().console.fail("failed to split file");
-    }
+    if (!m_outputs.commit(run().console))
+        run().console.fail("failed to split file");
 }
 
-void SplitMode::failPiece(Progress &progress, WaveOutput *output, const std::string &why)
+void SplitMode::failPiece(Progress &progress, WaveOutput &output, const std::string &why)
 {
     progress.fail();
     run().console.warn(why);
-    if (const std::string complaint = output ? output->complaint() : std::string(); !complaint.empty())
+    if (const std::string complaint = output.complaint(); !complaint.empty())
         run().console.warn(complaint);
     m_outputs.clear();
     run().console.fail("failed to split file");
@@ -271,11 +272,11 @@ void SplitMode::splitPiece(size_t piece)
     const uint64_t bytes = bytesOfPiece(piece) + (piece > 0 ? m_leadIn : 0) + (isLast ? 0 : m_leadOut);
     const std::vector<uint8_t> header = makeWaveHeader(m_info.header, bytes);
     std::string name = isWanted(piece) ? m_names[piece] : std::string("/dev/null");
-    std::unique_ptr<WaveOutput> output;
+    std::unique_ptr<WaveOutput> opened;
     if (!isWanted(piece))
-        output = std::make_unique<StreamWaveOutput>(-1);
+        opened = std::make_unique<StreamWaveOutput>(-1);
     else if (!OutputFiles::areSame(name, m_info.fileName))
-        output = run().outputs.open(name, nullptr);
+        opened = run().outputs.open(name, nullptr);
     Progress progress(run().console, {.action = isWanted(piece) ? "Splitting" : "Skipping ",
                                       .file = m_info.fileName,
                                       .fileDetail = run().lengthOf(m_info),
@@ -283,39 +284,37 @@ void SplitMode::splitPiece(size_t piece)
                                       .otherFile = name,
                                       .otherDetail = run().time.of(m_info.header, bytes),
                                       .totalBytes = header.size() + bytes});
-    if (!output) {
+    if (!opened) {
         progress.fail();
         m_outputs.clear();
         run().console.fail("could not open output file");
     }
-    if (!output->write(header)) {
-        failPiece(progress, output.get(), "error while writing " + std::to_string(header.size()) + "-byte WAVE header");
-    }
+    WaveOutput &output = m_outputs.add(name, std::move(opened));
+    if (!output.write(header))
+        failPiece(progress, output, "error while writing " + std::to_string(header.size()) + "-byte WAVE header");
     progress.add(header.size());
-    writePiece(piece, *output, progress);
-    if (!output->write(std::vector<uint8_t>(bytes % 2)))
-        failPiece(progress, output.get(), "error while NULL-padding odd-sized data chunk");
-    if (isLast && !m_pass->finish()) {
-        failPiece(progress, output.get(), "possibly truncated and/or corrupt file: [" + m_info.fileName + "]");
-    }
-    if (!output->complete())
-        failPiece(progress, output.get(), "could not complete output file: [" + name + "]");
-    m_outputs.push_back(std::move(output));
+    writePiece(piece, output, progress);
+    if (!output.write(std::vector<uint8_t>(bytes % 2)))
+        failPiece(progress, output, "error while NULL-padding odd-sized data chunk");
+    if (isLast && !m_pass->finish())
+        failPiece(progress, output, "possibly truncated and/or corrupt file: [" + m_info.fileName + "]");
+    if (!output.complete())
+        failPiece(progress, output, "could not complete output file: [" + name + "]");
     progress.succeed();
 }
 
-void SplitMode::openInput(Progress &progress)
+void SplitMode::openInput(WaveOutput &output, Progress &progress)
 {
     m_pass = std::make_unique<WavePass>(run().files, m_info);
     m_position = 0;
     if (!m_pass->isOpen())
-        failPiece(progress, nullptr, "could not reopen input file");
+        failPiece(progress, output, "could not reopen input file");
 }
 
 void SplitMode::copy(WaveOutput &output, uint64_t count, Progress &progress)
 {
     if (!m_pass->transfer(&output, count, &progress))
-        failPiece(progress, &output, "error while transferring " + std::to_string(count) + " bytes of data");
+        failPiece(progress, output, "error while transferring " + std::to_string(count) + " bytes of data");
     m_position += count;
 }
 
@@ -326,14 +325,14 @@ void SplitMode::writePiece(size_t piece, WaveOutput &output, Progress &progress)
     const uint64_t start = piece == 0 ? 0 : m_places[piece - 1] - m_leadIn;
     const uint64_t end = m_places[piece] + (isLast ? 0 : m_leadOut);
     if (!m_pass || (start < m_position && m_around.empty())) {
-        openInput(progress);
+        openInput(output, progress);
         if (!m_pass->transfer(nullptr, start, nullptr))
-            failPiece(progress, &output, "error while transferring " + std::to_string(start) + " bytes of data");
+            failPiece(progress, output, "error while transferring " + std::to_string(start) + " bytes of data");
         m_position = start;
     }
     if (!m_around.empty()) {
         if (!output.write(m_around)) {
-            failPiece(progress, &output,
+            failPiece(progress, output,
                       "error while transferring " + std::to_string(m_around.size()) + " bytes of lead-in/lead-out");
         }
         progress.add(m_around.size());
@@ -345,7 +344,7 @@ void SplitMode::writePiece(size_t piece, WaveOutput &output, Progress &progress)
     copy(output, keptStart - m_position, progress);
     m_around.resize(static_cast<size_t>(end - keptStart));
     if (m_pass->read(m_around) != m_around.size() || !output.write(m_around)) {
-        failPiece(progress, &output,
+        failPiece(progress, output,
                   "error while transferring " + std::to_string(m_around.size()) + " bytes of lead-in/lead-out");
     }
     progress.add(m_around.size());

@@ -4,6 +4,7 @@
 
 #include "shntool/CueSheet.h"
 #include "shntool/Mode.h"
+#include "shntool/OutputSet.h"
 #include "shntool/WaveInfo.h"
 
 #include <cstdint>
@@ -46,10 +47,10 @@ private:
     [[nodiscard]] uint64_t bytesOfPiece(size_t piece) const;
     void splitAll();
     void splitPiece(size_t piece);
-    void openInput(Progress &progress);
+    void openInput(WaveOutput &output, Progress &progress);
     void writePiece(size_t piece, WaveOutput &output, Progress &progress);
     void copy(WaveOutput &output, uint64_t count, Progress &progress);
-    [[noreturn]] void failPiece(Progress &progress, WaveOutput *output, const std::string &why);
+    [[noreturn]] void failPiece(Progress &progress, WaveOutput &output, const std::string &why);
 
     std::optional<std::string> m_placesFile;
     std::optional<std::string> m_repeated;
@@ -73,7 +74,7 @@ private:
     uint64_t m_position = 0; ///< of the data that is read
     /// What the next piece begins with, up to what is read next.
     std::vector<uint8_t> m_around;
-    std::vector<std::unique_ptr<WaveOutput>> m_outputs;
+    OutputSet m_outputs;
 };
 
 } // namespace nurv

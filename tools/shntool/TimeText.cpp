@@ -4,6 +4,7 @@
 
 #include "shntool/WaveInfo.h"
 
+#include <algorithm>
 #include <array>
 #include <cinttypes>
 #include <cstdio>
@@ -38,6 +39,9 @@ std::string TimeText::ofCdBytes(uint64_t bytes) const
 
 std::string TimeText::ofSeconds(double seconds) const
 {
+    // No header tells of more, but a sum may.
+    constexpr double kMost = 1e15;
+    seconds = std::min(seconds, kMost);
     auto full = static_cast<uint64_t>(seconds);
     auto milliseconds = static_cast<uint64_t>((seconds - static_cast<double>(full)) * 1000.0 + 0.5);
     if (milliseconds == 1000) {

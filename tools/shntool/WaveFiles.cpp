@@ -32,6 +32,8 @@ namespace {
 /// Beside this program.
 constexpr const char *kAppleLosslessDecoder = "shntool-alac";
 
+constexpr std::string_view kHexDigits = "0123456789ABCDEF";
+
 /// Why a file of that mode is not looked into; empty for regular files.
 std::string specialFile(mode_t mode)
 {
@@ -87,9 +89,6 @@ std::optional<WaveInfo> WaveFiles::examine(const std::string &name) const
     info.fileName = name;
     if (!canBeOpened(name, info))
         return std::nullopt;
-    const auto warnOfFormat = [&] {
-        m_console.warn("none of the builtin format modules handle input file: [" + name + "]");
-    };
     std::unique_ptr<WaveSource> source;
     bool isDamaged = false;
     try {
@@ -106,7 +105,7 @@ std::optional<WaveInfo> WaveFiles::examine(const std::string &name) const
         if (info.format && (info.format->name != "aiff" || isDamaged))
             warnOfDecoder(info);
         else
-            warnOfFormat();
+            warnOfFormat(name);
         return std::nullopt;
     }
     const WaveHeaderFault fault = readWaveHeader(*source, name, m_console, info.header);
@@ -115,7 +114,7 @@ std::optional<WaveInfo> WaveFiles::examine(const std::string &name) const
         return info;
     }
     if (info.format->isWave() || info.format->name == "wv")
-        warnOfFormat();
+        warnOfFormat(name);
     else if (fault != WaveHeaderFault::Malformed)
         warnOfDecoder(info);
     return std::nullopt;
@@ -129,6 +128,30 @@ void WaveFiles::tellChunksAgain(const WaveInfo &info) const
     WaveHeader header;
     if (const std::unique_ptr<WaveSource> source = makeSource(info))
         static_cast<void>(readWaveHeader(*source, info.fileName, m_console, header));
+}
+
+void WaveFiles::warnOfFormat(const std::string &name) const
+{
+    m_console.warn("none of the builtin format modules handle input file: [" + name + "]");
+    if (m_console.debugLevel == 0)
+        return;
+    constexpr size_t kShown = 4;
+    try {
+        InputFile file(pathOf(name));
+        std::string number;
+        std::string text;
+        for (const uint8_t byte : file.peek(kShown)) {
+            text += byte >= 0x20 && byte < 0x7F ? static_cast<char>(byte) : '?';
+            number += kHexDigits[static_cast<uint8_t>(text.back()) / 16];
+            number += kHexDigits[static_cast<uint8_t>(text.back()) % 16];
+        }
+        if (text.size() < kShown)
+            m_console.debugShortRead(kShown, text.size());
+        else
+            m_console.debug("found 4-byte magic header 0x" + number + " [" + text + "] in file: [" + name + "]");
+    } catch (const ToolError &error) {
+        m_console.debug(error.what());
+    }
 }
 
 void WaveFiles::warnOfDecoder(const WaveInfo &info) const

@@ -29,6 +29,7 @@ private:
     [[nodiscard]] bool canBeOpened(const std::string &name, WaveInfo &info) const;
     [[nodiscard]] std::unique_ptr<WaveSource> makeSource(const WaveInfo &info) const;
     void tellChunksAgain(const WaveInfo &info) const;
+    void warnOfFormat(const std::string &name) const;
     void warnOfDecoder(const WaveInfo &info) const;
 
     const Console &m_console;

@@ -20,13 +20,15 @@ public:
     /// Returns whether they were taken; the output is lost where they were not. Blocks.
     [[nodiscard]] virtual bool write(std::span<const uint8_t> bytes) = 0;
 
-    /// Completes the file, still without its name. Returns whether that worked. Blocks.
+    /// Completes the file, still without its name: what can fail has failed by then. Returns whether that worked.
+    /// Blocks.
     [[nodiscard]] virtual bool complete() { return true; }
 
     /// After `complete`: gives the file its name, in place of what had it. Returns whether that worked. Blocks.
     [[nodiscard]] virtual bool commit() = 0;
 
-    /// What is to be told of an output that did not come about; empty: nothing.
+    /// What is to be told of an output that did not come about; empty: nothing more than has been told. Never empty
+    /// where `complete` did not work.
     [[nodiscard]] virtual std::string complaint() { return {}; }
 };
 

@@ -25,8 +25,6 @@ constexpr size_t kReadBytes = 64 * 1024;
 
 StreamHeader streamHeaderFor(const WaveFormat &format, const std::string &name)
 {
-    if (format.isExtensible)
-        refuse(name, "Shorten cannot hold WAV files with an extensible header, which its decoders do not read");
     if (!format.isIntegerPcm())
         refuse(name, "Shorten holds integer samples only, not WAV format " + std::to_string(format.formatTag));
     if (format.bitsPerSample != 8 && format.bitsPerSample != 16)

@@ -113,8 +113,7 @@ void WaveReader::readFormat(std::span<const uint8_t> chunk)
     m_format.sampleRateHz = littleEndian32(chunk.data() + 4);
     m_format.blockAlign = littleEndian16(chunk.data() + 12);
     m_format.bitsPerSample = littleEndian16(chunk.data() + 14);
-    m_format.isExtensible = m_format.formatTag == kExtensible;
-    if (m_format.isExtensible && chunk.size() >= kExtensibleFormatBytes
+    if (m_format.formatTag == kExtensible && chunk.size() >= kExtensibleFormatBytes
         && std::ranges::equal(chunk.subspan(kSubformatOffset + 2, sizeof kSubformatTail), kSubformatTail)) {
         m_format.formatTag = littleEndian16(chunk.data() + kSubformatOffset);
     }

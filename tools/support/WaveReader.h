@@ -16,7 +16,6 @@ class InputFile;
 /// resolved into `formatTag`.
 struct WaveFormat {
     uint16_t formatTag = 0; ///< 1 = integer PCM, 3 = float
-    bool isExtensible = false;
     uint16_t channels = 0;
     uint32_t sampleRateHz = 0;
     uint16_t blockAlign = 0;

@@ -65,6 +65,29 @@ TEST(CueSheet, KeepsOnlyTheStartOfEndlessLines)
     EXPECT_LT(list.places.front().size(), 4096U);
 }
 
+/// Whatever is read, there is more.
+class EndlessText final : public std::streambuf {
+protected:
+    int_type underflow() override
+    {
+        m_line = "1000\n";
+        setg(m_line.data(), m_line.data(), m_line.data() + m_line.size());
+        return traits_type::to_int_type(m_line.front());
+    }
+
+private:
+    std::string m_line;
+};
+
+TEST(CueSheet, EndsWhereNoSheetIsThatLong)
+{
+    EndlessText text;
+    std::istream input(&text);
+    const CueSheet list = CueSheet::read(input);
+    EXPECT_EQ(list.places.front(), "1000");
+    EXPECT_EQ(list.places.back(), "") << "which is no place";
+}
+
 TEST(CueNames, FillsInTheFieldsAndTakesThemAsTheyAre)
 {
     const CueSheet sheet = read(kSheet);

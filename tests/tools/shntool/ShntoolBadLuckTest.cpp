@@ -38,9 +38,9 @@ protected:
         m_folder.makeFolder(u"out"_s);
     }
 
-    [[nodiscard]] QString script(const QByteArray &text) const
+    [[nodiscard]] QString script(const QByteArray &text, const QString &name = u"codec"_s) const
     {
-        const QString path = m_folder.write(u"codec"_s, "#!/bin/bash\n" + text + '\n');
+        const QString path = m_folder.write(name, "#!/bin/bash\n" + text + '\n');
         EXPECT_TRUE(QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
         return path;
     }
@@ -83,6 +83,49 @@ TEST_F(ShntoolBadLuck, FailsWithAnEncoderThatDiesOrMakesNothing)
         EXPECT_EQ(runProgram(program(), encodeWith(text)).exitStatus, 1) << text;
         EXPECT_EQ(made(), QStringList()) << text;
     }
+}
+
+TEST_F(ShntoolBadLuck, FailsWithAnEncoderThatDoesNotWantTheSound)
+{
+    const QByteArray closed = QFile::encodeName(m_folder.path(u"closed"_s));
+    const QByteArray sound = QFile::encodeName(writeWav(m_folder.path(u"short.wav"_s), {.frames = 588}));
+    // The end of the sound comes when the encoder has closed its input; it makes a file, and ends well.
+    QStringList call = encodeWith("exec 0<&-; echo x > \"$1\"; : > " + closed);
+    call.last() = writeFlac(m_folder.path(u"in.flac"_s), {.frames = 588});
+    call += {u"-i"_s, u"flac %1 %f"_s.arg(script("head -c 100 " + sound + "; while [ ! -e " + closed
+                                                     + " ]; do sleep 0.01; done; tail -c +101 " + sound,
+                                                 u"decoder"_s))};
+    const ProgramResult result = runProgram(program(), call);
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_THAT(result.errors.toStdString(), HasSubstr("made no complete file"));
+    EXPECT_EQ(made(), QStringList());
+}
+
+TEST_F(ShntoolBadLuck, NamesNoPieceBeforeAllAreMade)
+{
+    QStringList call = encodeWith("cat > \"$1\"; case \"$1\" in *track02.x) rm \"$1\";; esac");
+    call.first() = u"split"_s;
+    call += {u"-l"_s, u"0:01"_s};
+    const ProgramResult result = runProgram(program(), call);
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_THAT(result.errors.toStdString(), HasSubstr("split-track02.x]\n"));
+    EXPECT_THAT(result.errors.toStdString(), HasSubstr("error: failed to split file"));
+    EXPECT_EQ(made(), QStringList());
+}
+
+TEST_F(ShntoolBadLuck, TellsThePieceThatCannotGetItsName)
+{
+    const QString taken = m_folder.path(u"out/split-track02.x"_s);
+    QStringList call =
+        encodeWith("cat > \"$1\"; case \"$1\" in *track02.x) mkdir " + QFile::encodeName(taken) + ";; esac");
+    call.first() = u"split"_s;
+    call += {u"-l"_s, u"0:01"_s};
+    const ProgramResult result = runProgram(program(), call);
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_THAT(result.errors.toStdString(), HasSubstr("could not complete output file: [" + taken.toStdString()
+                                                       + "] -- those before it are complete"));
+    EXPECT_THAT(result.errors.toStdString(), HasSubstr("error: failed to split file"));
+    EXPECT_EQ(made(), (QStringList{u"split-track01.x"_s, u"split-track02.x"_s}));
 }
 
 TEST_F(ShntoolBadLuck, FailsWithADecoderThatFailsInTheEnd)
@@ -139,6 +182,23 @@ TEST_F(ShntoolBadLuck, FailsOnAFullDisk)
     EXPECT_EQ(made(), QStringList());
 }
 
+TEST_F(ShntoolBadLuck, ComparesWithoutMemoryForWhatOnlyAHeaderTells)
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "the sanitizers take memory of their own";
+#endif
+    QByteArray wav = m_folder.read(u"in.wav"_s).first(44 + 4000);
+    const auto put = [&wav](qsizetype at, const QByteArray &bytes) { wav.replace(at, bytes.size(), bytes); };
+    put(22, "\xff\xff");         // channels
+    put(24, "\xff\xff\xff\x7f"); // rate
+    put(40, "\xff\xff\xff\x7f"); // bytes of sound
+    const QString file = m_folder.write(u"lies.wav"_s, wav);
+    const ProgramResult result =
+        runProgram(u"/bin/bash"_s, {u"-c"_s, u"ulimit -v 500000; exec \"$0\" cmp -s \"$1\" \"$1\""_s, program(), file});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_THAT(result.errors.toStdString(), HasSubstr("error while reading"));
+}
+
 /// A signal to the program alone, while an encoder runs that has started a program of its own.
 class ShntoolSignal : public ShntoolBadLuck, public ::testing::WithParamInterface<int> {};
 
@@ -168,8 +228,10 @@ TEST_F(ShntoolBadLuck, SweepsWhatAKilledRunLeft)
     const QString started = m_folder.path(u"started"_s);
     const QString goOn = m_folder.path(u"go-on"_s);
     QProcess process;
-    process.start(program(), encodeWith("echo x > \"$1\"; echo > " + QFile::encodeName(started) + "; cat > /dev/null; "
-                                        "while [ ! -e " + QFile::encodeName(goOn) + " ]; do sleep 0.02; done"));
+    process.start(program(), encodeWith("echo x > \"$1\"; echo > " + QFile::encodeName(started)
+                                        + "; cat > /dev/null; "
+                                          "while [ ! -e "
+                                        + QFile::encodeName(goOn) + " ]; do sleep 0.02; done"));
     process.closeReadChannel(QProcess::StandardOutput);
     ASSERT_TRUE(waitUntil([&] { return QFile::exists(started); }));
     ::kill(static_cast<pid_t>(process.processId()), SIGKILL);
@@ -179,8 +241,8 @@ TEST_F(ShntoolBadLuck, SweepsWhatAKilledRunLeft)
     ASSERT_EQ(left.size(), 1);
     ASSERT_TRUE(left.first().startsWith(QString::fromUtf8(kPrivateFolderPrefix.data()))) << qPrintable(left.first());
     // Also where no program makes the next output.
-    const ProgramResult next = runProgram(
-        program(), {u"conv"_s, u"-q"_s, u"-o"_s, u"wav"_s, u"-d"_s, m_folder.path(u"out"_s), m_folder.path(u"in.wav"_s)});
+    const ProgramResult next = runProgram(program(), {u"conv"_s, u"-q"_s, u"-o"_s, u"wav"_s, u"-d"_s,
+                                                      m_folder.path(u"out"_s), m_folder.path(u"in.wav"_s)});
     EXPECT_EQ(next.exitStatus, 0) << next.errors.constData();
     EXPECT_EQ(made(), QStringList{u"in.wav"_s});
 }

@@ -75,6 +75,18 @@ TEST_P(ShntoolNewGround, HashesTheSamplesOfEveryFormat)
     }
     convert(u"/usr/bin/wavpack"_s, {u"-q"_s, path(u"a.wav"_s), u"-o"_s, path(u"a.wv"_s)});
     names.append(path(u"a.wv"_s));
+    const QStringList ffmpeg{u"-v"_s, u"error"_s, u"-i"_s, path(u"a.wav"_s), u"-c:a"_s};
+    const QString codec = shape.bits == 8 ? u"pcm_u8"_s : u"pcm_s%1le"_s.arg(shape.bits);
+    convert(u"/usr/bin/ffmpeg"_s, ffmpeg + QStringList{codec, u"-rf64"_s, u"always"_s, path(u"rf64.wav"_s)});
+    const QString bigEndian = shape.bits == 8 ? u"pcm_s8"_s : u"pcm_s%1be"_s.arg(shape.bits);
+    convert(u"/usr/bin/ffmpeg"_s, ffmpeg + QStringList{bigEndian, path(u"a.aiff"_s)});
+    convert(u"/usr/bin/ffmpeg"_s, ffmpeg + QStringList{u"tta"_s, path(u"a.tta"_s)});
+    names.append(path(u"a.aiff"_s));
+    // Its RF64 files count the pad byte as sound, and its TTA files of 8 bits have 16.
+    if (m_samples.size() % 2 == 0)
+        names.append(path(u"rf64.wav"_s));
+    if (shape.bits > 8)
+        names.append(path(u"a.tta"_s));
     for (const QString &name : names) {
         const ProgramResult result = runShntool({u"hash"_s, u"-q"_s, name});
         EXPECT_EQ(result.exitStatus, 0) << qPrintable(name) << result.errors.constData();
@@ -109,6 +121,21 @@ TEST_P(ShntoolNewGround, JoiningThePiecesGivesTheWhole)
         const ProgramResult result = runShntool(join);
         ASSERT_EQ(result.exitStatus, 0) << result.errors.constData();
         EXPECT_TRUE(sameSound(path(u"joined."_s + format), path(u"a.flac"_s))) << qPrintable(format);
+    }
+}
+
+TEST_P(ShntoolNewGround, EncodesWhatOthersDecode)
+{
+    QStringList formats{u"flac"_s, u"wv"_s, u"tta"_s, u"aiff"_s};
+    if (GetParam().shape.channels <= 2)
+        formats.append(u"ape"_s);
+    for (const QString &format : formats) {
+        const QString output = path(u"out."_s + format);
+        const ProgramResult result =
+            runShntool({u"conv"_s, u"-q"_s, u"-o"_s, format, u"-n"_s, output, path(u"a.flac"_s)});
+        EXPECT_EQ(result.exitStatus, 0) << qPrintable(format) << result.errors.constData();
+        EXPECT_TRUE(sameSound(output, path(u"a.flac"_s))) << qPrintable(format);
+        EXPECT_EQ(runShntool({u"hash"_s, u"-q"_s, output}).output.left(32), digest()) << qPrintable(format);
     }
 }
 

@@ -101,6 +101,15 @@ TEST_F(Shntool, NamesOneFileForOneSource)
     }
 }
 
+TEST_F(Shntool, RefusesNumbersOfPiecesThatNoNumberFollows)
+{
+    const ProgramResult result = runProgram(program(), {u"split"_s, u"-c"_s, u"2147483647"_s, u"-l"_s, u"0:00.30"_s,
+                                                        u"-d"_s, m_folder.path(), path(u"a.wav"_s)});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_THAT(result.errors.toStdString(), HasSubstr("starting count is too large"));
+    EXPECT_EQ(m_folder.list().size(), 3);
+}
+
 TEST_F(Shntool, ConvertsToTheNameThatIsGiven)
 {
     const QString out = path(u"given name.wav"_s);

@@ -133,6 +133,20 @@ TEST(ShortenProgram, ReadsAndWritesFilesAndStreams)
     EXPECT_TRUE(restored.output == wave);
 }
 
+TEST(ShortenProgram, RestoresHeadersWithASubformat)
+{
+    const TestFolder folder;
+    for (const int channels : {1, 2, 6, 8}) {
+        const QByteArray wave =
+            nurv::test::wavBytes({.channels = channels, .frames = 5000, .extensible = true}, {}, "LIST\4\0\0\0text");
+        ASSERT_EQ(wave.mid(20, 2), QByteArray::fromHex("feff"));
+        const ProgramResult made = runProgram(shorten(), {}, wave);
+        expectSuccess(made);
+        EXPECT_LT(made.output.size(), wave.size());
+        EXPECT_TRUE(runProgram(shorten(), {u"-x"_s}, made.output).output == wave) << channels;
+    }
+}
+
 TEST(ShortenProgram, AppendsASeekTableToNamedFilesOnly)
 {
     const TestFolder folder;

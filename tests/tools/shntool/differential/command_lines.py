@@ -112,8 +112,12 @@ def options():
         for mode in ("hash", "conv -o flac", "cmp cd1.wav", "trim"):
             yield case(f"{mode} -P '{progress}' minute.wav", "minute.wav cd1.wav", merged=True)
         yield case(f"conv -P '{progress}' -d out cd1.wav off1.flac nothing.wav", "cd1.wav off1.flac nothing.wav out/")
-    for mode in ("len", "hash", "conv -o flac", "cmp cd2.wav", "pad", "strip", "info"):
-        yield case(f"{mode} -D off1.wav", "off1.wav cd2.wav")
+    for mode in ("len", "hash", "hash -c", "conv -o flac", "cmp cd2.wav", "pad", "strip", "info", "cue", "trim", "split -l 0:00.10",
+                 "join cd2.wav", "fix cd2.wav"):
+        for name in ("off1.wav", "off1.flac", "text"):
+            yield case(f"{mode} -D {name}", f"{name} cd2.wav")
+    yield case("hash -cD off1.wav cd2.wav onesector.wav text", name="hash -c -D of several, and no sound")
+    yield case("hash -cD off1.wav cd2.wav onesector.wav", name="hash -c -D of several")
     yield case("len -D off1.wav", name="len with ST_DEBUG", environment=(("ST_DEBUG", "1"),))
     for mode in ("conv -o flac", "trim", "pad", "hash"):
         yield case(f"{mode} -q off1.wav quiet.wav text")

@@ -11,6 +11,9 @@ from case import case
 from reports import TODAYS_RECORDINGS, todays_case
 
 
+REFERENCE_VERSION = b"3.0.10"
+
+
 @dataclasses.dataclass(frozen=True)
 class Deviation:
     """Each part that is given stands in for that part of the reference's result."""
@@ -21,6 +24,7 @@ class Deviation:
     errors: object = None  # likewise
     only_given_files: bool = False  # nothing is written, and what was there is as it was
     like: object = None  # a case in which the reference gets the same sound in a form that it knows
+    version: bool = False  # all is the same but the version that the first line tells
 
     def fits(self, name):
         return any(fnmatch.fnmatchcase(name, pattern) for pattern in self.cases)
@@ -37,7 +41,7 @@ class Deviation:
             wanted,
             status=wanted.status if self.status is None else self.status,
             output=wanted.output if self.output is None else allowed(self.output),
-            errors=wanted.errors if self.errors is None else allowed(self.errors),
+            errors=self.versionless(wanted.errors) if self.errors is None else allowed(self.errors),
             files=given if self.only_given_files else wanted.files)
 
     def evened(self, result):
@@ -45,8 +49,11 @@ class Deviation:
         def text(pattern, told):
             return allowed(pattern) if pattern is not None and re.fullmatch(pattern, told, re.DOTALL) else told
 
-        return dataclasses.replace(result, output=text(self.output, result.output),
-                                   errors=text(self.errors, result.errors))
+        own = result.errors if result.errors.startswith(b"shntool " + REFERENCE_VERSION) else self.versionless(result.errors)
+        return dataclasses.replace(result, output=text(self.output, result.output), errors=text(self.errors, own))
+
+    def versionless(self, errors):
+        return re.sub(rb"^shntool \d+\.\d+\.\d+ ", b"shntool (of some version) ", errors) if self.version else errors
 
 
 def allowed(pattern):
@@ -86,7 +93,7 @@ def losses():
                         status=1, only_given_files=True, errors=polite(mode))
     yield Deviation(("fix -f undersector.wav off1.wav", "fix -f undersector.wav undersector.wav"),
                     "it ends in the middle of a file, and tells of success", status=1, only_given_files=True,
-                    errors=polite("fix"))
+                    errors=polite("fix", rb"track breaks cannot be shifted [^\n]+"))
 
 
 def halves():
@@ -136,8 +143,8 @@ def silences():
     """What it does not say, or says for nobody."""
     yield Deviation(("len -i flac nosuchprogram *", "len -i flac {flac} *", "len -i flac - *", "len -i flac {flac -c *"),
                     "it does not say that a decoder cannot be started", errors=polite("len"))
-    yield Deviation(("len with ST_DEBUG", "hash -D *"), "the words of debugging are free",
-                    errors=rb"((?!returning file|parsing).)*")
+    yield Deviation(("len with ST_DEBUG",), "it tells of how it reads its own table of programs",
+                    errors=rb"((?!parsing).)*")
     yield Deviation(("shntool -j",), "it has a joke", status=1, errors=rb"shntool: invalid option.*")
 
 
@@ -161,8 +168,9 @@ def roundings():
 
 def versions():
     """Programs tell their own."""
-    yield Deviation(("* -v", "shntool -vh", "shntool -f", "shntool -m", "shntool -a"), "its version is its own",
-                    errors=rb"shntool (?![^\n]*\b3\.0\.10\b)[^\n]+\n.*")
+    yield Deviation(("shntool -f", "shntool -m", "shntool -a"), "its version is its own", version=True)
+    yield Deviation(("* -v", "shntool -vh"), "its version is its own",
+                    errors=rb"shn[^\n]*(?<!3\.0\.10)\nCopyright [^\n]+\n\nThis is free software\..*\n\n")
 
 
 DEVIATIONS = (*crashes(), *losses(), *halves(), *readings(), *silences(), *refusals(), *roundings(), *versions())

@@ -38,7 +38,10 @@ def parse():
     parser.add_argument("--show", action="store_true", help="show what the reference does, and compare nothing")
     parser.add_argument("--self-check", action="store_true",
                         help="the candidate is the reference: deviations are no excuse")
-    return parser.parse_args()
+    options = parser.parse_args()
+    # Each case runs in a folder of its own.
+    options.candidate, options.reference = options.candidate.absolute(), options.reference.absolute()
+    return options
 
 
 def chosen_cases(options):
