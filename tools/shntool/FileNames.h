@@ -2,9 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <fstream>
+#include <cstddef>
+#include <iosfwd>
 #include <optional>
 #include <span>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -14,7 +16,7 @@ class Console;
 struct WaveInfo;
 
 /// The names of the files of a run: from the file of the option -F, else from the command line, else from standard
-/// input, one a line.
+/// input, one a line. A line has up to 64 KiB, and all of them up to 64 MiB.
 class FileNames {
 public:
     enum class Order { Ask, Ascii, Natural, None };
@@ -44,12 +46,15 @@ public:
 
 private:
     void open();
+    void readList();
+    [[nodiscard]] std::optional<std::string> readLine(std::istream &input);
 
     const Console &m_console;
     std::vector<std::string> m_arguments;
     size_t m_taken = 0;
     bool m_isOpen = false;
-    std::ifstream m_list;
+    size_t m_bytesRead = 0;
+    std::istringstream m_list; ///< what the file of -F holds
 };
 
 } // namespace nurv
