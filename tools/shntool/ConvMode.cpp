@@ -84,7 +84,7 @@ bool ConvMode::convertStandardInput()
         return false;
     };
     if (!output)
-        return skip("could not open output file");
+        return skip(run().outputs.refusalOr("could not open output file"));
     std::vector<uint8_t> bytes(WavePass::kTransferBytes);
     for (size_t got = 0; (got = pass.read(bytes)) > 0;) {
         if (!output->write(std::span(bytes).first(got)))

@@ -29,11 +29,24 @@ constexpr size_t kMostBytes = size_t{64} << 20;
 constexpr const char *kLineTooLong = "has a line of more than 64 KiB";
 constexpr const char *kTooLong = "has more than 64 MiB";
 
+/// The name in a line, which may end as on other systems.
+std::string nameIn(std::string line)
+{
+    if (line.ends_with('\r'))
+        line.pop_back();
+    line.resize(std::strlen(line.c_str()));
+    return line;
+}
+
 } // namespace
 
 void FileNames::setArguments(std::span<const std::string> arguments)
 {
     m_arguments.assign(arguments.begin(), arguments.end());
+    for (const std::string &argument : m_arguments)
+        addSource(argument);
+    if (const std::optional<FileIdentity> input = FileIdentity::ofOpenFile(STDIN_FILENO))
+        m_sources.insert(*input);
 }
 
 void FileNames::open()
@@ -48,6 +61,8 @@ void FileNames::open()
         m_console.debug("reading input filenames from stdin");
         if (::isatty(STDIN_FILENO) != 0)
             m_console.tell("enter input filename(s):\n");
+        else if (readsAhead)
+            readStandardInput();
     }
 }
 
@@ -71,6 +86,42 @@ void FileNames::readList()
             m_console.fail(label + ' ' + kTooLong);
     }
     m_list.str(std::move(text));
+    m_hasList = true;
+    addSource(*listName);
+    addListedSources();
+}
+
+void FileNames::readStandardInput()
+{
+    std::string text;
+    while (std::optional<std::string> line = readLine(std::cin))
+        text += std::move(*line) + '\n';
+    m_bytesRead = 0;
+    m_list.str(std::move(text));
+    m_hasList = true;
+    addListedSources();
+}
+
+void FileNames::addListedSources()
+{
+    if (!readsAhead)
+        return;
+    for (std::string line; std::getline(m_list, line);)
+        addSource(nameIn(std::move(line)));
+    m_list.clear();
+    m_list.seekg(0);
+}
+
+void FileNames::addSource(const std::string &file)
+{
+    if (const std::optional<FileIdentity> source = FileIdentity::of(file))
+        m_sources.insert(*source);
+}
+
+bool FileNames::isSource(const std::string &file) const
+{
+    const std::optional<FileIdentity> identity = FileIdentity::of(file);
+    return identity && m_sources.contains(*identity);
 }
 
 std::optional<std::string> FileNames::readLine(std::istream &input)
@@ -99,13 +150,12 @@ std::optional<std::string> FileNames::next()
         open();
     if (!listName && hasArguments())
         return m_taken < m_arguments.size() ? std::optional(m_arguments[m_taken++]) : std::nullopt;
-    std::optional<std::string> line = readLine(listName ? static_cast<std::istream &>(m_list) : std::cin);
+    std::optional<std::string> line = readLine(m_hasList ? static_cast<std::istream &>(m_list) : std::cin);
     if (!line)
         return std::nullopt;
-    if (line->ends_with('\r'))
-        line->pop_back();
-    line->resize(std::strlen(line->c_str()));
-    return line;
+    std::string name = nameIn(std::move(*line));
+    addSource(name);
+    return name;
 }
 
 std::vector<std::string> FileNames::all()

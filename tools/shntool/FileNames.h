@@ -2,9 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "shntool/FileIdentity.h"
+
 #include <cstddef>
 #include <iosfwd>
 #include <optional>
+#include <set>
 #include <span>
 #include <sstream>
 #include <string>
@@ -25,6 +28,9 @@ public:
 
     Order order = Order::Natural;
     std::optional<std::string> listName; ///< of -F
+    /// Whether all names are known before the first is taken, so that nothing is written over what a later one names.
+    /// Not those that somebody types.
+    bool readsAhead = false;
 
     /// Those on the command line.
     void setArguments(std::span<const std::string> arguments);
@@ -33,6 +39,12 @@ public:
 
     /// The next one; nothing at the end. Blocks where somebody types. Ends the run where the list cannot be read.
     [[nodiscard]] std::optional<std::string> next();
+
+    /// Another file that the run reads.
+    void addSource(const std::string &file);
+    /// Whether the name stands for a file that the run reads: one of those named, as far as they are known, a list
+    /// or standard input. Links are followed.
+    [[nodiscard]] bool isSource(const std::string &file) const;
 
     /// All that are left.
     [[nodiscard]] std::vector<std::string> all();
@@ -47,14 +59,18 @@ public:
 private:
     void open();
     void readList();
+    void readStandardInput();
     [[nodiscard]] std::optional<std::string> readLine(std::istream &input);
+    void addListedSources();
 
     const Console &m_console;
     std::vector<std::string> m_arguments;
     size_t m_taken = 0;
     bool m_isOpen = false;
     size_t m_bytesRead = 0;
-    std::istringstream m_list; ///< what the file of -F holds
+    bool m_hasList = false;    ///< what is left comes from there
+    std::istringstream m_list; ///< what the file of -F holds, or standard input
+    std::set<FileIdentity> m_sources;
 };
 
 } // namespace nurv
