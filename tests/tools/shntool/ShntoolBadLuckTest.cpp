@@ -79,7 +79,8 @@ TEST_F(ShntoolBadLuck, KeepsTheFormerFileWhenAnEncoderFailsInTheEnd)
 TEST_F(ShntoolBadLuck, FailsWithAnEncoderThatDiesOrMakesNothing)
 {
     for (const char *text : {"kill -KILL $$", "cat > \"$1\"; kill -KILL $$", "cat > /dev/null", "cat > \"$1.other\"",
-                             "cat > /dev/null; ln -s /etc/passwd \"$1\"", "cat > /dev/null; mkdir \"$1\""}) {
+                             "cat > /dev/null; ln -s /etc/passwd \"$1\"", "cat > /dev/null; mkdir \"$1\"",
+                             "cat > /dev/null; : > \"$1\""}) {
         EXPECT_EQ(runProgram(program(), encodeWith(text)).exitStatus, 1) << text;
         EXPECT_EQ(made(), QStringList()) << text;
     }
