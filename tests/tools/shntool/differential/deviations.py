@@ -83,6 +83,13 @@ def losses():
                     only_given_files=True, errors=polite("join"))
     yield Deviation(("fix -O always -z '' off1.wav off2.wav",), "it deletes the file that it is to read", status=1,
                     only_given_files=True, errors=polite("fix"))
+    twice = [("one/x.wav", "cd1.wav"), ("two/x.wav", "cd2.wav")]
+    yield Deviation(("conv -O always -d out one/x.wav two/x.wav",), "it writes one output over another of the same run",
+                    like=case("conv -O always -d out one/x.wav nothere", "one/ two/ out/", more=twice),
+                    errors=polite("conv", rb"output file would overwrite another output of this run: [^\n]+"))
+    yield Deviation(("conv -t* of words", "conv -t* of nothing", "conv -t* of cut"),
+                    "it takes what is no sound, or not all of it, for sound", status=1, only_given_files=True, output=rb".*",
+                    errors=polite("conv", rb"input data [^\n]+"))
     for mode in ("fix", "split"):
         yield Deviation(tuple(f"{mode} -o 'cust ext=raw {helper} %f' late.wav" for helper in ("readsall", "writes")),
                         "the failure of an encoder does not fail the run, and leaves its output", status=1,
