@@ -135,9 +135,10 @@ std::unique_ptr<WaveOutput> OutputFiles::open(std::string &name, Progress *progr
         return std::make_unique<StreamWaveOutput>(-1);
     if (format.name == "term")
         return std::make_unique<StreamWaveOutput>(STDOUT_FILENO);
+    const bool isAsked = overwrite == Overwrite::Ask;
     if (isTaken(name) && !mayWrite(name, progress))
         return nullptr;
-    m_refusal = refusalOf(name);
+    m_refusal = refusalOf(name, isAsked);
     if (!m_refusal.empty())
         return nullptr;
     // Before anything is made for a name that nothing can have.
@@ -174,15 +175,20 @@ bool OutputFiles::isTaken(const std::string &name) const
 
 bool OutputFiles::isOutput(const std::string &name) const
 {
-    const std::optional<FileIdentity> there = FileIdentity::ofLink(name);
-    return m_places.contains(placeOf(name)) || (there && m_made.contains(*there));
+    return m_places.contains(placeOf(name)) || isMade(name);
 }
 
-std::string OutputFiles::refusalOf(const std::string &name) const
+bool OutputFiles::isMade(const std::string &name) const
+{
+    const std::optional<FileIdentity> there = FileIdentity::ofLink(name);
+    return there && m_made.contains(*there);
+}
+
+std::string OutputFiles::refusalOf(const std::string &name, bool isAgreed) const
 {
     if (m_sources.isSource(name))
         return "output file would overwrite input file: [" + name + "]";
-    if (isOutput(name))
+    if (isOutput(name) && !(isAgreed && isMade(name)))
         return "output file would overwrite another output of this run: [" + name + "]";
     return {};
 }

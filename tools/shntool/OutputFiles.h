@@ -42,8 +42,8 @@ public:
     [[nodiscard]] std::string nameAround(const std::string &middle) const;
 
     /// Opens an output of the chosen format. Asks about a file that is there already, as was said; null where it
-    /// stays, or nothing can be made, and where the name is that of a source or of another output of this run: no
-    /// answer allows that. May give the output another name, and ends the run where it may not ask.
+    /// stays, or nothing can be made, and where the name is that of a source, whatever the answer, or of another output
+    /// of this run, unless that is complete and the answer was yes. May give the output another name, and ends the run where it may not ask.
     /// `progress` is what to show again after a question; null: nothing yet.
     [[nodiscard]] std::unique_ptr<WaveOutput> open(std::string &name, Progress *progress);
 
@@ -64,7 +64,8 @@ private:
     [[nodiscard]] std::string extended(const std::string &name) const;
     [[nodiscard]] bool isTaken(const std::string &name) const;
     [[nodiscard]] bool isOutput(const std::string &name) const;
-    [[nodiscard]] std::string refusalOf(const std::string &name) const;
+    [[nodiscard]] bool isMade(const std::string &name) const;
+    [[nodiscard]] std::string refusalOf(const std::string &name, bool isAgreed) const;
     [[nodiscard]] bool mayWrite(std::string &name, Progress *progress);
     [[nodiscard]] bool ask(std::string &name, Progress *progress);
     [[nodiscard]] bool rename(std::string &name, Progress *progress);
