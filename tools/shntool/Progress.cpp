@@ -100,6 +100,8 @@ void Progress::succeed()
 void Progress::fail()
 {
     m_console.tell(m_console.progressStyle == ProgressStyle::Dots ? " ERROR\n" : "ERROR\n");
+    m_console.noteFailure(m_task.action + inBrackets(m_task.file, {})
+                          + (m_task.link.empty() ? "" : ' ' + m_task.link + inBrackets(m_task.otherFile, {})));
     m_hasFailed = true;
 }
 

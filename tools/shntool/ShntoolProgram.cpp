@@ -235,6 +235,8 @@ int runMode(const ModeEntry &entry, ModeRun &run, std::vector<std::string> words
     }
     run.names.setArguments(arguments.rest());
     const int status = mode->execute();
+    if (status != EXIT_SUCCESS)
+        run.console.tellHiddenFault();
     if (run.console.flushResults())
         return status;
     run.console.tellAlways(run.console.command() + ": cannot write to standard output\n");
