@@ -130,8 +130,10 @@ bool FileEdit::finish()
         m_isMade = true;
     }
     m_progress->succeed();
-    if (!isComplete)
+    if (!isComplete) {
+        m_progress->noteFailure();
         m_run.console.warn(m_output->complaint());
+    }
     return isComplete;
 }
 

@@ -133,9 +133,11 @@ TEST_F(ShntoolBadLuck, TellsTheReasonHoweverQuietItShallBe)
 {
     const QString wav = m_folder.path(u"in.wav"_s);
     const QStringList out{u"-d"_s, m_folder.path(u"out"_s)};
+    const QString late = script("cat > \"$1\"; exit 3");
     for (const QString &option : {u"-q"_s, u"-qw"_s}) {
         for (const QStringList &call : {QStringList{u"conv"_s, u"-o"_s, u"cust ext=x false %f"_s, wav} + out,
                                         QStringList{u"conv"_s, u"-o"_s, u"flac no-such-program %f"_s, wav} + out,
+                                        QStringList{u"conv"_s, u"-o"_s, u"cust ext=x %1 %f"_s.arg(late), wav} + out,
                                         QStringList{u"trim"_s, wav} + out, QStringList{u"pad"_s, wav} + out,
                                         QStringList{u"len"_s, m_folder.path(u"nothere"_s)}}) {
             const ProgramResult result = runProgram(program(), call + QStringList{option});
