@@ -195,7 +195,7 @@ bool CmpMode::compare(const WaveInfo &first, const WaveInfo &second, const Shift
     if (const char *difference = differenceOf(first.header, second.header))
         run().console.fail(std::string(difference) + " differs between these files");
     if (first.dataBytes() - shift.first != second.dataBytes() - shift.second)
-        run().console.warn("WAVE data size differs between these files -- will check up to smaller size");
+        run().console.remark("WAVE data size differs between these files -- will check up to smaller size");
     const uint64_t total = std::min(first.dataBytes() - shift.first, second.dataBytes() - shift.second);
     Progress progress(run().console, {.action = "Comparing",
                                       .file = first.fileName,

@@ -67,6 +67,7 @@ void Console::tell(const std::string &text) const
 
 void Console::tellAlways(const std::string &text) const
 {
+    m_hasTold = true;
     write(stderr, text);
 }
 
@@ -84,8 +85,21 @@ std::string Console::labelled(const std::string &label, const std::string &text)
 
 void Console::warn(const std::string &text) const
 {
+    if (m_hiddenFault.empty())
+        m_hiddenFault = m_failedTask.empty() ? text : m_failedTask + ": " + text;
+    remark(text);
+}
+
+void Console::remark(const std::string &text) const
+{
     if (!hidesWarnings)
         tell(labelled("warning: ", text));
+}
+
+void Console::tellHiddenFault() const
+{
+    if (!m_hasTold && !m_hiddenFault.empty())
+        tellAlways(labelled("error: ", m_hiddenFault));
 }
 
 void Console::debug(const std::string &text) const

@@ -47,8 +47,14 @@ public:
     void tell(const std::string &text) const;
     /// The same, whatever was asked for.
     void tellAlways(const std::string &text) const;
-    /// Every line of a text tells whose it is: a name cannot make up messages.
+    /// Something went wrong. Every line of a text tells whose it is: a name cannot make up messages.
     void warn(const std::string &text) const;
+    /// The same of what does not fail the run.
+    void remark(const std::string &text) const;
+    /// What the next warning is about, where nobody was shown it.
+    void noteFailure(const std::string &task) const { m_failedTask = task; }
+    /// At the end of a run that failed: its first warning, where nothing at all was told, whatever was asked for.
+    void tellHiddenFault() const;
     void debug(const std::string &text) const;
     /// The file of that number, from 0, is looked at.
     void debugFile(size_t number, const std::string &name) const;
@@ -65,6 +71,10 @@ private:
 
     std::string m_program;
     std::string m_mode;
+    // A run that tells nothing is a fault of its own, so that all who tell something leave a trace.
+    mutable bool m_hasTold = false;
+    mutable std::string m_failedTask;
+    mutable std::string m_hiddenFault; ///< the first warning: not told where `m_hasTold` is false
 };
 
 } // namespace nurv

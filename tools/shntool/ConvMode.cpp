@@ -6,12 +6,37 @@
 #include "shntool/FileWaveSource.h"
 #include "shntool/ModeRun.h"
 #include "shntool/Progress.h"
+#include "shntool/WaveHeaderReader.h"
 #include "shntool/WaveOutput.h"
 #include "shntool/WavePass.h"
+
+#include <algorithm>
 
 #include <unistd.h>
 
 namespace nurv {
+
+namespace {
+
+/// Whether a size stands for none: programs that write into pipes do not know how much will come. Most write zero or
+/// all bits, some what fits into 31 bits: rounded down to their buffers, or with the header added to it.
+bool isPlaceholder(uint64_t size)
+{
+    constexpr uint64_t kAllBits = 0xFFFFFFFF;
+    constexpr uint64_t kLeastOf31Bits = 0x7FFFF000;
+    constexpr uint64_t kMostOf31Bits = 0x80001000;
+    return size == 0 || size == kAllBits || size == ~uint64_t{0} || (size >= kLeastOf31Bits && size <= kMostOf31Bits);
+}
+
+/// What has to be there, of the whole file, where its end is told.
+uint64_t promisedBytes(const WaveHeader &header)
+{
+    const uint64_t data = isPlaceholder(header.dataBytes) ? 0 : header.dataBytes;
+    const uint64_t riff = isPlaceholder(header.chunkBytes) ? 0 : header.chunkBytes + 8;
+    return std::max(header.bytes.size() + data, riff);
+}
+
+} // namespace
 
 void ConvMode::takeOption(char option, const char *value)
 {
@@ -58,7 +83,25 @@ bool ConvMode::convert(const WaveInfo &info)
            && edit.copyData(info.dataBytes()) && edit.copyExtra(info.bytesBehindData()) && edit.finish();
 }
 
-/// Whatever it is: the encoder will tell.
+/// Returns what is wrong with it; empty: nothing. Sound of unknown length ends where the pipe ends.
+std::string ConvMode::copyStandardInput(WaveOutput &output) const
+{
+    FileWaveSource source("-");
+    WaveHeader header;
+    if (readWaveHeader(source, "data from the terminal", run().console, header) != WaveHeaderFault::None)
+        return "input data is no WAVE data";
+    uint64_t count = header.bytes.size();
+    bool isWritten = output.write(header.bytes);
+    std::vector<uint8_t> bytes(WavePass::kTransferBytes);
+    for (size_t got = 0; isWritten && (got = source.read(bytes)) > 0; count += got)
+        isWritten = output.write(std::span(bytes).first(got));
+    if (!isWritten)
+        return "error while transferring data";
+    if (!source.finish())
+        return "could not read input data";
+    return count < promisedBytes(header) ? "input data seems to be truncated" : std::string();
+}
+
 bool ConvMode::convertStandardInput()
 {
     if (::isatty(STDIN_FILENO) != 0)
@@ -74,7 +117,6 @@ bool ConvMode::convertStandardInput()
                                       .otherFile = name,
                                       .otherDetail = {},
                                       .totalBytes = 1});
-    WavePass pass(std::make_unique<FileWaveSource>("-", 0), info);
     const std::unique_ptr<WaveOutput> output = run().outputs.open(name, &progress);
     const auto skip = [&](const std::string &why) {
         progress.fail();
@@ -84,14 +126,9 @@ bool ConvMode::convertStandardInput()
         return false;
     };
     if (!output)
-        return skip("could not open output file");
-    std::vector<uint8_t> bytes(WavePass::kTransferBytes);
-    for (size_t got = 0; (got = pass.read(bytes)) > 0;) {
-        if (!output->write(std::span(bytes).first(got)))
-            return skip("error while transferring data");
-    }
-    if (!pass.finish())
-        return skip("could not read input data");
+        return skip(run().outputs.refusalOr("could not open output file"));
+    if (const std::string fault = copyStandardInput(*output); !fault.empty())
+        return skip(fault);
     if (!output->complete()) {
         run().console.warn(output->complaint());
         progress.fail();

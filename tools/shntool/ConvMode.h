@@ -4,8 +4,11 @@
 
 #include "shntool/Mode.h"
 
+#include <string>
+
 namespace nurv {
 
+class WaveOutput;
 struct WaveInfo;
 
 /// Converts files from one format to another, whole: the header and the chunks behind the data too.
@@ -18,6 +21,7 @@ public:
 
 private:
     bool convert(const WaveInfo &info);
+    [[nodiscard]] std::string copyStandardInput(WaveOutput &output) const;
     bool convertStandardInput();
     void checkName() const;
 

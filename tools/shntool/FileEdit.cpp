@@ -23,7 +23,11 @@ FileEdit::FileEdit(ModeRun &run, const WaveInfo &info, const std::string &action
 {
 }
 
-FileEdit::~FileEdit() = default;
+FileEdit::~FileEdit()
+{
+    if (m_output && !m_isMade)
+        m_run.outputs.noteGivenUp(m_name);
+}
 
 bool FileEdit::skip(const std::string &why)
 {
@@ -50,7 +54,7 @@ bool FileEdit::openInput()
 bool FileEdit::openOutput()
 {
     m_output = m_run.outputs.open(m_name, m_progress.get());
-    return m_output || skip("could not open output file");
+    return m_output || skip(m_run.outputs.refusalOr("could not open output file"));
 }
 
 bool FileEdit::writeHeader(std::span<const uint8_t> header)
@@ -121,9 +125,15 @@ bool FileEdit::finish()
     const bool isComplete = m_output->complete();
     if (isComplete && !m_output->commit())
         return skip("could not complete output file: [" + m_name + "]");
+    if (isComplete) {
+        m_run.outputs.noteMade(m_name);
+        m_isMade = true;
+    }
     m_progress->succeed();
-    if (!isComplete)
+    if (!isComplete) {
+        m_progress->noteFailure();
         m_run.console.warn(m_output->complaint());
+    }
     return isComplete;
 }
 

@@ -60,6 +60,7 @@ private:
     std::unique_ptr<Progress> m_progress;
     std::unique_ptr<WavePass> m_input;
     std::unique_ptr<WaveOutput> m_output;
+    bool m_isMade = false;
 };
 
 } // namespace nurv

@@ -5,18 +5,48 @@
 #include "shntool/Console.h"
 #include "shntool/FileOrderEditor.h"
 #include "shntool/WaveInfo.h"
+#include "platform/FileDescriptor.h"
+#include "support/SystemCalls.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <iostream>
+#include <utility>
+#include <vector>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace nurv {
 
+namespace {
+
+constexpr size_t kMostLineBytes = size_t{64} << 10;
+constexpr size_t kMostBytes = size_t{64} << 20;
+constexpr const char *kLineTooLong = "has a line of more than 64 KiB";
+constexpr const char *kTooLong = "has more than 64 MiB";
+
+/// The name in a line, which may end as on other systems.
+std::string nameIn(std::string line)
+{
+    if (line.ends_with('\r'))
+        line.pop_back();
+    line.resize(std::strlen(line.c_str()));
+    return line;
+}
+
+} // namespace
+
 void FileNames::setArguments(std::span<const std::string> arguments)
 {
     m_arguments.assign(arguments.begin(), arguments.end());
+    for (const std::string &argument : m_arguments)
+        addSource(argument);
+    if (const std::optional<FileIdentity> input = FileIdentity::ofOpenFile(STDIN_FILENO))
+        m_sources.insert(*input);
 }
 
 void FileNames::open()
@@ -24,16 +54,94 @@ void FileNames::open()
     m_isOpen = true;
     if (listName) {
         m_console.debug("reading input filenames from file: [" + *listName + "]");
-        m_list.open(*listName);
-        if (!m_list)
-            m_console.fail("could not open input filename file: [" + *listName + "]");
+        readList();
     } else if (hasArguments()) {
         m_console.debug("reading input filenames from command line");
     } else {
         m_console.debug("reading input filenames from stdin");
         if (::isatty(STDIN_FILENO) != 0)
             m_console.tell("enter input filename(s):\n");
+        else if (readsAhead)
+            readStandardInput();
     }
+}
+
+/// All of it at once: what is no list, as a folder or a device, is told before any of it is used.
+void FileNames::readList()
+{
+    const std::string label = "input filename file: [" + *listName + "]";
+    const FileDescriptor file(::open(listName->c_str(), O_RDONLY | O_CLOEXEC));
+    if (!file.isOpen())
+        m_console.fail("could not open " + label);
+    std::string text;
+    std::vector<uint8_t> piece(kMostLineBytes);
+    for (ssize_t count = 0; (count = readSome(file.get(), piece)) != 0;) {
+        if (count < 0)
+            m_console.fail("could not read " + label + ": " + errorText(errno));
+        text.append(piece.begin(), piece.begin() + count);
+        const size_t lastEnd = text.rfind('\n');
+        if (text.size() - (lastEnd == std::string::npos ? 0 : lastEnd + 1) > kMostLineBytes)
+            m_console.fail(label + ' ' + kLineTooLong);
+        if (text.size() > kMostBytes)
+            m_console.fail(label + ' ' + kTooLong);
+    }
+    m_list.str(std::move(text));
+    m_hasList = true;
+    addSource(*listName);
+    addListedSources();
+}
+
+void FileNames::readStandardInput()
+{
+    std::string text;
+    while (std::optional<std::string> line = readLine(std::cin))
+        text += std::move(*line) + '\n';
+    m_bytesRead = 0;
+    m_list.str(std::move(text));
+    m_hasList = true;
+    addListedSources();
+}
+
+void FileNames::addListedSources()
+{
+    if (!readsAhead)
+        return;
+    for (std::string line; std::getline(m_list, line);)
+        addSource(nameIn(std::move(line)));
+    m_list.clear();
+    m_list.seekg(0);
+}
+
+void FileNames::addSource(const std::string &file)
+{
+    if (const std::optional<FileIdentity> source = FileIdentity::of(file))
+        m_sources.insert(*source);
+}
+
+bool FileNames::isSource(const std::string &file) const
+{
+    const std::optional<FileIdentity> identity = FileIdentity::of(file);
+    return identity && m_sources.contains(*identity);
+}
+
+std::optional<std::string> FileNames::readLine(std::istream &input)
+{
+    std::string line;
+    bool isAtEnd = true;
+    errno = 0;
+    for (int letter = 0; (letter = input.get()) != std::istream::traits_type::eof();) {
+        isAtEnd = false;
+        if (++m_bytesRead > kMostBytes)
+            m_console.fail(std::string("the list of input filenames ") + kTooLong);
+        if (letter == '\n')
+            break;
+        if (line.size() == kMostLineBytes)
+            m_console.fail(std::string("the list of input filenames ") + kLineTooLong);
+        line += static_cast<char>(letter);
+    }
+    if (&input == &std::cin && std::ferror(stdin) != 0)
+        m_console.fail("could not read input filenames: " + errorText(errno));
+    return isAtEnd ? std::nullopt : std::optional(std::move(line));
 }
 
 std::optional<std::string> FileNames::next()
@@ -42,13 +150,12 @@ std::optional<std::string> FileNames::next()
         open();
     if (!listName && hasArguments())
         return m_taken < m_arguments.size() ? std::optional(m_arguments[m_taken++]) : std::nullopt;
-    std::string line;
-    if (!std::getline(listName ? static_cast<std::istream &>(m_list) : std::cin, line))
+    std::optional<std::string> line = readLine(m_hasList ? static_cast<std::istream &>(m_list) : std::cin);
+    if (!line)
         return std::nullopt;
-    if (line.ends_with('\r'))
-        line.pop_back();
-    line.resize(std::strlen(line.c_str()));
-    return line;
+    std::string name = nameIn(std::move(*line));
+    addSource(name);
+    return name;
 }
 
 std::vector<std::string> FileNames::all()

@@ -2,9 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <fstream>
+#include "shntool/FileIdentity.h"
+
+#include <cstddef>
+#include <iosfwd>
 #include <optional>
+#include <set>
 #include <span>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -14,7 +19,7 @@ class Console;
 struct WaveInfo;
 
 /// The names of the files of a run: from the file of the option -F, else from the command line, else from standard
-/// input, one a line.
+/// input, one a line. A line has up to 64 KiB, and all of them up to 64 MiB.
 class FileNames {
 public:
     enum class Order { Ask, Ascii, Natural, None };
@@ -23,6 +28,9 @@ public:
 
     Order order = Order::Natural;
     std::optional<std::string> listName; ///< of -F
+    /// Whether all names are known before the first is taken, so that nothing is written over what a later one names.
+    /// Not those that somebody types.
+    bool readsAhead = false;
 
     /// Those on the command line.
     void setArguments(std::span<const std::string> arguments);
@@ -31,6 +39,12 @@ public:
 
     /// The next one; nothing at the end. Blocks where somebody types. Ends the run where the list cannot be read.
     [[nodiscard]] std::optional<std::string> next();
+
+    /// Another file that the run reads.
+    void addSource(const std::string &file);
+    /// Whether the name stands for a file that the run reads: one of those named, as far as they are known, a list
+    /// or standard input. Links are followed.
+    [[nodiscard]] bool isSource(const std::string &file) const;
 
     /// All that are left.
     [[nodiscard]] std::vector<std::string> all();
@@ -44,12 +58,19 @@ public:
 
 private:
     void open();
+    void readList();
+    void readStandardInput();
+    [[nodiscard]] std::optional<std::string> readLine(std::istream &input);
+    void addListedSources();
 
     const Console &m_console;
     std::vector<std::string> m_arguments;
     size_t m_taken = 0;
     bool m_isOpen = false;
-    std::ifstream m_list;
+    size_t m_bytesRead = 0;
+    bool m_hasList = false;    ///< what is left comes from there
+    std::istringstream m_list; ///< what the file of -F holds, or standard input
+    std::set<FileIdentity> m_sources;
 };
 
 } // namespace nurv

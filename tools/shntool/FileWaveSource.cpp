@@ -2,7 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shntool/FileWaveSource.h"
 
+#include "support/Id3v2.h"
+
 namespace nurv {
+
+FileWaveSource::FileWaveSource(const std::string &name) : m_input(name)
+{
+    skipId3v2Tags(m_input);
+}
 
 FileWaveSource::FileWaveSource(const std::string &name, uint64_t id3Bytes) : m_input(name)
 {

@@ -10,7 +10,9 @@ namespace nurv {
 /// A WAV file, or what comes from standard input, as it stands there.
 class FileWaveSource final : public WaveSource {
 public:
-    /// Begins behind tags of `id3Bytes` bytes. Throws ToolError(Read).
+    /// Begins behind tags in front. Throws ToolError(Read).
+    explicit FileWaveSource(const std::string &name);
+    /// The same where they are known to have `id3Bytes` bytes.
     FileWaveSource(const std::string &name, uint64_t id3Bytes);
 
 protected:

@@ -140,11 +140,7 @@ void FixMode::writePart(size_t index)
     const uint64_t soundBytes = part.end - part.start;
     const uint64_t padding = isLast && m_padsLast ? m_missingBytes : 0;
     std::string name = run().outputs.nameHere(info, "-fixed");
-    const bool isSource =
-        std::ranges::any_of(m_infos, [&](const WaveInfo &other) { return OutputFiles::areSame(other.fileName, name); });
-    std::unique_ptr<WaveOutput> opened;
-    if (!isSource || run().outputs.overwrite != OutputFiles::Overwrite::Always)
-        opened = run().outputs.open(name, nullptr);
+    std::unique_ptr<WaveOutput> opened = run().outputs.open(name, nullptr);
     Progress progress(run().console, {.action = "Fixing",
                                       .file = info.fileName,
                                       .fileDetail = run().lengthOf(info),
@@ -155,8 +151,7 @@ void FixMode::writePart(size_t index)
     if (!opened) {
         progress.fail();
         m_outputs.clear();
-        run().console.fail((isSource ? "output file would overwrite input file: [" : "could not open output file: [")
-                           + name + "]");
+        run().console.fail(run().outputs.refusalOr("could not open output file: [" + name + "]"));
     }
     WaveOutput &output = m_outputs.add(name, std::move(opened));
     const std::vector<uint8_t> header = makeWaveHeader(info.header, soundBytes + padding);

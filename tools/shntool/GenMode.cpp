@@ -30,7 +30,7 @@ int GenMode::execute()
                                       .totalBytes = head.size() + dataBytes});
     const std::unique_ptr<WaveOutput> output = run().outputs.open(name, &progress);
     if (!output)
-        run().console.fail("could not open output file: [" + name + "]");
+        run().console.fail(run().outputs.refusalOr("could not open output file: [" + name + "]"));
     const auto failWrite = [&](const std::string &why) {
         progress.fail();
         run().console.fail(why);

@@ -66,8 +66,6 @@ void JoinMode::join(const std::vector<WaveInfo> &infos)
         m_missingBytes = kSectorBytes - m_dataBytes % kSectorBytes;
     m_paddedBytes = m_dataBytes + (m_padding == Padding::None ? 0 : m_missingBytes);
     m_name = run().outputs.nameOf("joined", "");
-    m_outputIsSource = std::ranges::any_of(
-        infos, [this](const WaveInfo &info) { return OutputFiles::areSame(info.fileName, m_name); });
     for (size_t i = 0; i < infos.size(); ++i)
         addFile(infos[i], i == 0, i + 1 == infos.size());
 }
@@ -85,11 +83,9 @@ Progress JoinMode::progressOf(const WaveInfo &info) const
 
 void JoinMode::openOutput(const WaveInfo &first, Progress &progress)
 {
-    if (m_outputIsSource && run().outputs.overwrite == OutputFiles::Overwrite::Always)
-        run().console.fail("output file would overwrite input file: [" + m_name + "]");
     m_output = run().outputs.open(m_name, &progress);
     if (!m_output)
-        run().console.fail("could not open output file");
+        run().console.fail(run().outputs.refusalOr("could not open output file"));
     const std::vector<uint8_t> header = makeWaveHeader(first.header, m_paddedBytes);
     if (!m_output->write(header))
         failFile(progress, "error while writing " + std::to_string(header.size()) + "-byte WAVE header");

@@ -37,7 +37,6 @@ private:
 
     Padding m_padding = Padding::End;
     bool m_isCdQuality = false;
-    bool m_outputIsSource = false;
     bool m_isComplete = false;   ///< what the encoder made
     uint64_t m_dataBytes = 0;    ///< of all files
     uint64_t m_missingBytes = 0; ///< in the last sector

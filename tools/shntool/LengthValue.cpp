@@ -92,7 +92,7 @@ uint64_t LengthValue::inBytes(const WaveHeader &header, const Console &console) 
     if (unit == Unit::Seconds)
         return wholeSeconds;
     if (unit == Unit::Frames)
-        return isCd ? wholeSeconds + parts * kSectorBytes : (wholeSeconds + parts * kSectorBytes) / block * block;
+        return (wholeSeconds + parts * rate / kSectorsPerSecond) / (isCd ? 1 : block) * (isCd ? 1 : block);
     const uint64_t offset = wholeSeconds + (parts * rate + 500) / 1000;
     if (!isCd)
         return offset / block * block;

@@ -27,8 +27,8 @@ struct LengthValue {
     /// Throws Fault.
     [[nodiscard]] static LengthValue parse(const std::string &text);
 
-    /// In bytes of that sound. Milliseconds are rounded to the nearest sector where the sound has the quality of a
-    /// CD, and a warning says so; to whole sample frames otherwise.
+    /// In bytes of that sound. Frames are 75 a second of any sound. Milliseconds are rounded to the nearest sector where the sound has the quality of a
+    /// CD, and a warning says so; elsewhere both end on whole sample frames.
     [[nodiscard]] uint64_t inBytes(const WaveHeader &header, const Console &console) const;
 };
 

@@ -17,15 +17,15 @@ namespace nurv {
 /// What all modes have at hand in a run.
 struct ModeRun {
     ModeRun(const std::string &program, const std::string &mode)
-        : console(program, mode), formats(console), files(console, formats), outputs(console, formats), names(console)
+        : console(program, mode), formats(console), files(console, formats), names(console), outputs(console, formats, names)
     {
     }
 
     Console console;
     FormatSettings formats;
     WaveFiles files;
-    OutputFiles outputs;
     FileNames names;
+    OutputFiles outputs;
     TimeText time{false};
 
     /// The length of the sound, as texts tell it.

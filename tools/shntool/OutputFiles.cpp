@@ -3,6 +3,7 @@
 #include "shntool/OutputFiles.h"
 
 #include "shntool/Console.h"
+#include "shntool/FileNames.h"
 #include "shntool/FileWaveOutput.h"
 #include "shntool/FormatSettings.h"
 #include "shntool/PrivateFolder.h"
@@ -35,6 +36,16 @@ bool canBeReplaced(const std::string &name)
            && (S_ISLNK(status.st_mode) || ::access(name.c_str(), W_OK) == 0);
 }
 
+/// The folder, however it is spelled, and the name in it: equal for what will be one file.
+std::string placeOf(const std::string &name)
+{
+    const size_t base = name.rfind('/') + 1;
+    const std::optional<FileIdentity> folder = FileIdentity::of(base == 0 ? "." : name.substr(0, base));
+    if (!folder)
+        return name;
+    return std::to_string(folder->device) + ':' + std::to_string(folder->inode) + '/' + name.substr(base);
+}
+
 /// A line from the terminal; nothing at its end.
 std::optional<std::string> answer()
 {
@@ -46,7 +57,8 @@ std::optional<std::string> answer()
 
 } // namespace
 
-OutputFiles::OutputFiles(const Console &console, const FormatSettings &formats) : m_console(console), m_formats(formats)
+OutputFiles::OutputFiles(const Console &console, const FormatSettings &formats, const FileNames &sources)
+    : m_console(console), m_formats(formats), m_sources(sources)
 {
 }
 
@@ -111,20 +123,23 @@ std::string OutputFiles::nameAround(const std::string &middle) const
 
 bool OutputFiles::areSame(const std::string &one, const std::string &other)
 {
-    struct stat first {};
-    struct stat second {};
-    return ::stat(one.c_str(), &first) == 0 && ::stat(other.c_str(), &second) == 0 && first.st_dev == second.st_dev
-           && first.st_ino == second.st_ino;
+    const std::optional<FileIdentity> first = FileIdentity::of(one);
+    return first && first == FileIdentity::of(other);
 }
 
 std::unique_ptr<WaveOutput> OutputFiles::open(std::string &name, Progress *progress)
 {
+    m_refusal.clear();
     const AudioFormat &format = m_formats.outputFormat();
     if (format.name == "null")
         return std::make_unique<StreamWaveOutput>(-1);
     if (format.name == "term")
         return std::make_unique<StreamWaveOutput>(STDOUT_FILENO);
+    const bool isAsked = overwrite == Overwrite::Ask;
     if (isTaken(name) && !mayWrite(name, progress))
+        return nullptr;
+    m_refusal = refusalOf(name, isAsked);
+    if (!m_refusal.empty())
         return nullptr;
     // Before anything is made for a name that nothing can have.
     struct stat status {};
@@ -132,7 +147,7 @@ std::unique_ptr<WaveOutput> OutputFiles::open(std::string &name, Progress *progr
         return nullptr;
     try {
         std::unique_ptr<WaveOutput> output = make(name);
-        m_pending.insert(name);
+        m_places.insert(placeOf(name));
         return output;
     } catch (const ToolError &error) {
         m_console.debug(error.what());
@@ -155,7 +170,38 @@ std::unique_ptr<WaveOutput> OutputFiles::make(const std::string &name)
 
 bool OutputFiles::isTaken(const std::string &name) const
 {
-    return exists(name) || m_pending.contains(name);
+    return exists(name) || isOutput(name);
+}
+
+bool OutputFiles::isOutput(const std::string &name) const
+{
+    return m_places.contains(placeOf(name)) || isMade(name);
+}
+
+bool OutputFiles::isMade(const std::string &name) const
+{
+    const std::optional<FileIdentity> there = FileIdentity::ofLink(name);
+    return there && m_made.contains(*there);
+}
+
+std::string OutputFiles::refusalOf(const std::string &name, bool isAgreed) const
+{
+    if (m_sources.isSource(name))
+        return "output file would overwrite input file: [" + name + "]";
+    if (isOutput(name) && !(isAgreed && isMade(name)))
+        return "output file would overwrite another output of this run: [" + name + "]";
+    return {};
+}
+
+void OutputFiles::noteMade(const std::string &name)
+{
+    if (const std::optional<FileIdentity> made = FileIdentity::ofLink(name))
+        m_made.insert(*made);
+}
+
+void OutputFiles::noteGivenUp(const std::string &name)
+{
+    m_places.erase(placeOf(name));
 }
 
 bool OutputFiles::mayWrite(std::string &name, Progress *progress)

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "shntool/FileIdentity.h"
 #include "shntool/WaveInfo.h"
 
 #include <memory>
@@ -12,6 +13,7 @@
 namespace nurv {
 
 class Console;
+class FileNames;
 class FormatSettings;
 class Progress;
 class WaveOutput;
@@ -21,7 +23,7 @@ class OutputFiles {
 public:
     enum class Overwrite { Ask, Always, Never };
 
-    OutputFiles(const Console &console, const FormatSettings &formats);
+    OutputFiles(const Console &console, const FormatSettings &formats, const FileNames &sources);
 
     Overwrite overwrite = Overwrite::Ask;
     std::string folder;                  ///< of the option -d; empty: none was given
@@ -40,9 +42,17 @@ public:
     [[nodiscard]] std::string nameAround(const std::string &middle) const;
 
     /// Opens an output of the chosen format. Asks about a file that is there already, as was said; null where it
-    /// stays, or nothing can be made. May give the output another name, and ends the run where it may not ask.
+    /// stays, or nothing can be made, and where the name is that of a source, whatever the answer, or of another output
+    /// of this run, unless that is complete and the answer was yes. May give the output another name, and ends the run where it may not ask.
     /// `progress` is what to show again after a question; null: nothing yet.
     [[nodiscard]] std::unique_ptr<WaveOutput> open(std::string &name, Progress *progress);
+
+    /// Why the last `open` gave nothing: whose name that is, or else `text`.
+    [[nodiscard]] std::string refusalOr(const std::string &text) const { return m_refusal.empty() ? text : m_refusal; }
+
+    /// For outputs that do not live to the end of the run: it has its name, or was given up.
+    void noteMade(const std::string &name);
+    void noteGivenUp(const std::string &name);
 
     /// Whether both names stand for one file.
     [[nodiscard]] static bool areSame(const std::string &one, const std::string &other);
@@ -53,6 +63,9 @@ private:
     [[nodiscard]] std::string named(const WaveInfo &source, const std::string &place, const std::string &postfix) const;
     [[nodiscard]] std::string extended(const std::string &name) const;
     [[nodiscard]] bool isTaken(const std::string &name) const;
+    [[nodiscard]] bool isOutput(const std::string &name) const;
+    [[nodiscard]] bool isMade(const std::string &name) const;
+    [[nodiscard]] std::string refusalOf(const std::string &name, bool isAgreed) const;
     [[nodiscard]] bool mayWrite(std::string &name, Progress *progress);
     [[nodiscard]] bool ask(std::string &name, Progress *progress);
     [[nodiscard]] bool rename(std::string &name, Progress *progress);
@@ -60,7 +73,10 @@ private:
 
     const Console &m_console;
     const FormatSettings &m_formats;
-    std::set<std::string> m_pending; ///< names that were given in this run
+    const FileNames &m_sources;
+    std::string m_refusal;
+    std::set<std::string> m_places;  ///< where outputs of this run are or will be
+    std::set<FileIdentity> m_made;   ///< those that have their names
     std::set<std::string> m_swept;   ///< folders in which nothing of a killed run is left
 };
 

@@ -37,13 +37,14 @@ mode_t newFileMode()
     return 0666 & ~mask;
 }
 
-/// Gives the file its mode: that of the one it replaces, or of any new one. What replaces something has to be on the
+/// Gives the file its mode: that of the one it replaces, or of any new one. An empty one is none: no format of sound
+/// knows such files. What replaces something has to be on the
 /// disk before: a power cut must leave one of both.
 bool prepare(const std::string &file, const std::string &destination)
 {
     const FileDescriptor descriptor(::open(file.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
     struct stat made {};
-    if (!descriptor.isOpen() || ::fstat(descriptor.get(), &made) != 0 || !S_ISREG(made.st_mode))
+    if (!descriptor.isOpen() || ::fstat(descriptor.get(), &made) != 0 || !S_ISREG(made.st_mode) || made.st_size == 0)
         return false;
     struct stat former {};
     const bool replaces = ::stat(destination.c_str(), &former) == 0;

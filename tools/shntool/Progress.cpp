@@ -97,9 +97,16 @@ void Progress::succeed()
     m_console.tell(m_console.progressStyle == ProgressStyle::Dots ? " OK\n" : "OK\n");
 }
 
+void Progress::noteFailure() const
+{
+    m_console.noteFailure(m_task.action + inBrackets(m_task.file, {})
+                          + (m_task.link.empty() ? "" : ' ' + m_task.link + inBrackets(m_task.otherFile, {})));
+}
+
 void Progress::fail()
 {
     m_console.tell(m_console.progressStyle == ProgressStyle::Dots ? " ERROR\n" : "ERROR\n");
+    noteFailure();
     m_hasFailed = true;
 }
 

@@ -32,6 +32,8 @@ public:
     void succeed();
     /// What comes after that begins the line anew.
     void fail();
+    /// The next warning is about this, where nobody sees the progress.
+    void noteFailure() const;
     /// Shows the line from its beginning once more.
     void show();
     /// After a file got another name.

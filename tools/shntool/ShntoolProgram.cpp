@@ -216,6 +216,7 @@ bool takeGlobalOption(ModeRun &run, bool writesFiles, int option, const char *va
 
 int runMode(const ModeEntry &entry, ModeRun &run, std::vector<std::string> words)
 {
+    run.names.readsAhead = entry.writesFiles;
     const std::unique_ptr<Mode> mode = entry.make(run);
     run.console.debugLevel = std::getenv("ST_DEBUG") ? 1 : 0;
     run.formats.readEnvironment();
@@ -234,6 +235,8 @@ int runMode(const ModeEntry &entry, ModeRun &run, std::vector<std::string> words
     }
     run.names.setArguments(arguments.rest());
     const int status = mode->execute();
+    if (status != EXIT_SUCCESS)
+        run.console.tellHiddenFault();
     if (run.console.flushResults())
         return status;
     run.console.tellAlways(run.console.command() + ": cannot write to standard output\n");

@@ -90,6 +90,8 @@ int SplitMode::execute()
     if (!run().names.hasArguments() && !run().names.listName && !m_placesFile && !m_repeated) {
         run().console.failWithHelp("if file to be split is not given, then a split point file must be specified");
     }
+    // Places may follow the one name.
+    run().names.readsAhead = false;
     const std::optional<std::string> name = run().names.next();
     if (!name)
         run().console.failWithHelp("need exactly one file to process");
@@ -115,6 +117,7 @@ void SplitMode::readPlaces()
         std::ifstream file(*m_placesFile);
         if (!file)
             run().console.fail("could not open split point file: [" + *m_placesFile + "]");
+        run().names.addSource(*m_placesFile);
         m_sheet = CueSheet::read(file);
     } else {
         if (::isatty(STDIN_FILENO) != 0)
@@ -275,7 +278,7 @@ void SplitMode::splitPiece(size_t piece)
     std::unique_ptr<WaveOutput> opened;
     if (!isWanted(piece))
         opened = std::make_unique<StreamWaveOutput>(-1);
-    else if (!OutputFiles::areSame(name, m_info.fileName))
+    else
         opened = run().outputs.open(name, nullptr);
     Progress progress(run().console, {.action = isWanted(piece) ? "Splitting" : "Skipping ",
                                       .file = m_info.fileName,
@@ -287,7 +290,7 @@ void SplitMode::splitPiece(size_t piece)
     if (!opened) {
         progress.fail();
         m_outputs.clear();
-        run().console.fail("could not open output file");
+        run().console.fail(run().outputs.refusalOr("could not open output file"));
     }
     WaveOutput &output = m_outputs.add(name, std::move(opened));
     if (!output.write(header))

@@ -35,7 +35,14 @@ TEST(LengthValue, KeepsToWholeFramesElsewhere)
     const WaveHeader studio = pcmHeader(96000, 6, 24);
     EXPECT_EQ(bytesOf("0:01", studio), 1'728'000U);
     EXPECT_EQ(bytesOf("0:00.333", studio), 333U * 1728);
-    EXPECT_EQ(bytesOf("0:00.01", studio) % 18, 0U);
+    EXPECT_EQ(bytesOf("0:00.01", pcmHeader(8000, 1, 16)), 106U * 2) << "106 2/3 frames";
+}
+
+TEST(LengthValue, CountsSeventyFiveFramesASecondOfAnySound)
+{
+    EXPECT_EQ(bytesOf("0:01.47", pcmHeader(44100, 2, 8)), 88'200U + 47 * 588 * 2);
+    EXPECT_EQ(bytesOf("0:00.74", pcmHeader(48000, 2, 16)), 74U * 640 * 4);
+    EXPECT_EQ(bytesOf("2:00.25", pcmHeader(96000, 6, 24)), 120U * 1'728'000 + 576'000);
 }
 
 TEST(LengthValue, RefusesEverythingElse)

@@ -79,7 +79,8 @@ TEST_F(ShntoolBadLuck, KeepsTheFormerFileWhenAnEncoderFailsInTheEnd)
 TEST_F(ShntoolBadLuck, FailsWithAnEncoderThatDiesOrMakesNothing)
 {
     for (const char *text : {"kill -KILL $$", "cat > \"$1\"; kill -KILL $$", "cat > /dev/null", "cat > \"$1.other\"",
-                             "cat > /dev/null; ln -s /etc/passwd \"$1\"", "cat > /dev/null; mkdir \"$1\""}) {
+                             "cat > /dev/null; ln -s /etc/passwd \"$1\"", "cat > /dev/null; mkdir \"$1\"",
+                             "cat > /dev/null; : > \"$1\""}) {
         EXPECT_EQ(runProgram(program(), encodeWith(text)).exitStatus, 1) << text;
         EXPECT_EQ(made(), QStringList()) << text;
     }
@@ -126,6 +127,37 @@ TEST_F(ShntoolBadLuck, TellsThePieceThatCannotGetItsName)
                                                        + "] -- those before it are complete"));
     EXPECT_THAT(result.errors.toStdString(), HasSubstr("error: failed to split file"));
     EXPECT_EQ(made(), (QStringList{u"split-track01.x"_s, u"split-track02.x"_s}));
+}
+
+TEST_F(ShntoolBadLuck, TellsTheReasonHoweverQuietItShallBe)
+{
+    const QString wav = m_folder.path(u"in.wav"_s);
+    const QStringList out{u"-d"_s, m_folder.path(u"out"_s)};
+    const QString late = script("cat > \"$1\"; exit 3");
+    for (const QString &option : {u"-q"_s, u"-qw"_s}) {
+        for (const QStringList &call : {QStringList{u"conv"_s, u"-o"_s, u"cust ext=x false %f"_s, wav} + out,
+                                        QStringList{u"conv"_s, u"-o"_s, u"flac no-such-program %f"_s, wav} + out,
+                                        QStringList{u"conv"_s, u"-o"_s, u"cust ext=x %1 %f"_s.arg(late), wav} + out,
+                                        QStringList{u"trim"_s, wav} + out, QStringList{u"pad"_s, wav} + out,
+                                        QStringList{u"len"_s, m_folder.path(u"nothere"_s)}}) {
+            const ProgramResult result = runProgram(program(), call + QStringList{option});
+            EXPECT_EQ(result.exitStatus, 1) << qPrintable(call.join(u' '));
+            EXPECT_TRUE(result.errors.startsWith("shntool [" + call.front().toUtf8() + "]: error: "))
+                << qPrintable(call.join(u' ')) << result.errors.constData();
+            EXPECT_EQ(result.errors.count('\n'), 1) << result.errors.constData();
+            EXPECT_THAT(result.errors.toStdString(), HasSubstr(call.contains(wav) ? "in.wav" : "nothere"));
+        }
+        // That files differ is a result, and no failure.
+        writeWav(m_folder.path(u"shorter.wav"_s), {.frames = 50, .seed = 5});
+        const ProgramResult differing =
+            runProgram(program(), {u"cmp"_s, u"-l"_s, option, wav, m_folder.path(u"shorter.wav"_s)});
+        EXPECT_EQ(differing.exitStatus, 1);
+        EXPECT_EQ(differing.errors, "");
+        const ProgramResult good = runProgram(program(), QStringList{u"conv"_s, option, wav} + out);
+        EXPECT_EQ(good.exitStatus, 0);
+        EXPECT_EQ(good.errors, "");
+        m_folder.remove(u"out/in.wav"_s);
+    }
 }
 
 TEST_F(ShntoolBadLuck, FailsWithADecoderThatFailsInTheEnd)

@@ -83,6 +83,13 @@ def losses():
                     only_given_files=True, errors=polite("join"))
     yield Deviation(("fix -O always -z '' off1.wav off2.wav",), "it deletes the file that it is to read", status=1,
                     only_given_files=True, errors=polite("fix"))
+    twice = [("one/x.wav", "cd1.wav"), ("two/x.wav", "cd2.wav")]
+    yield Deviation(("conv -O always -d out one/x.wav two/x.wav",), "it writes one output over another of the same run",
+                    like=case("conv -O always -d out one/x.wav nothere", "one/ two/ out/", more=twice),
+                    errors=polite("conv", rb"output file would overwrite another output of this run: [^\n]+"))
+    yield Deviation(("conv -t* of words", "conv -t* of nothing", "conv -t* of cut"),
+                    "it takes what is no sound, or not all of it, for sound", status=1, only_given_files=True, output=rb".*",
+                    errors=polite("conv", rb"input data [^\n]+"))
     for mode in ("fix", "split"):
         yield Deviation(tuple(f"{mode} -o 'cust ext=raw {helper} %f' late.wav" for helper in ("readsall", "writes")),
                         "the failure of an encoder does not fail the run, and leaves its output", status=1,
@@ -143,6 +150,12 @@ def silences():
     """What it does not say, or says for nobody."""
     yield Deviation(("len -i flac nosuchprogram *", "len -i flac {flac} *", "len -i flac - *", "len -i flac {flac -c *"),
                     "it does not say that a decoder cannot be started", errors=polite("len"))
+    for words, modes in (("-qw text cd1.wav", ("len", "hash", "pad", "cat", "cmp", "cue", "conv", "info", "strip", "trim")),
+                         ("-w text off1.wav", ("len", "cmp", "cue", "info")), ("-w off1.wav text cd1.wav", ("cue",)),
+                         ("-q off1.wav quiet.wav text", ("conv -o flac", "trim", "pad", "hash"))):
+        for mode in modes:
+            yield Deviation((f"{mode} {words}",), "it fails without a word",
+                            errors=rb"shntool \[" + mode.split()[0].encode() + rb"\]: error: [^\n]+\n")
     yield Deviation(("len with ST_DEBUG",), "it tells of how it reads its own table of programs",
                     errors=rb"((?!parsing).)*")
     yield Deviation(("shntool -j",), "it has a joke", status=1, errors=rb"shntool: invalid option.*")
@@ -166,6 +179,25 @@ def roundings():
     yield Deviation(("gen -l 0:00.200",), "milliseconds of whole sectors count as none", like=case("gen -l 0:00.15"))
 
 
+def frames():
+    """Those of sound that is not of CD quality, by the bytes that they have there."""
+    for stem, frame in (("dat", 2560), ("mono8", 294), ("studio24", 3840)):
+        places = {"minutes": (10, 20), "a sheet": (0, 10, 20), "a colon for frames": (10,), "zero": (0, 10)}
+        for kind, numbers in places.items():
+            yield frames_case(stem, kind, [number * frame for number in numbers])
+    yield frames_case("mono8", "past the end", [40 * 294])
+    for name in ("oddmono", "oddlist"):
+        yield Deviation((f"split {name}.wav",), "it gives frames the bytes that they have on a CD",
+                        like=case(f"split {name}.wav", typed="735\n"))
+    for stem, frame in (("dat", 2560), ("studio24", 3840)):
+        yield frames_case(stem, "mixed", [5 * frame, 23520, "0:00.200"])
+
+
+def frames_case(stem, kind, places):
+    return Deviation((f"split {stem}.wav at {kind}",), "it gives frames the bytes that they have on a CD",
+                     like=case(f"split {stem}.wav", typed="".join(f"{place}\n" for place in places)))
+
+
 def versions():
     """Programs tell their own."""
     yield Deviation(("shntool -f", "shntool -m", "shntool -a"), "its version is its own", version=True)
@@ -173,7 +205,7 @@ def versions():
                     errors=rb"shn[^\n]*(?<!3\.0\.10)\nCopyright [^\n]+\n\nThis is free software\..*\n\n")
 
 
-DEVIATIONS = (*crashes(), *losses(), *halves(), *readings(), *silences(), *refusals(), *roundings(), *versions())
+DEVIATIONS = (*crashes(), *losses(), *halves(), *readings(), *silences(), *refusals(), *roundings(), *frames(), *versions())
 
 
 def deviation_of(name):
