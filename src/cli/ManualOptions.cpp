@@ -36,7 +36,7 @@ QString roffText(const QString &text)
     replaceAll(u"--[a-z][-a-z0-9]*[a-z0-9]"_s, u"\\fB"_s);
     replaceAll(u"\\*[^*]+\\*"_s, u"\\fB"_s);
     replaceAll(u"(?<!\\w)_[^_]+_(?!\\w)"_s, u"\\fI"_s);
-    return marked.startsWith(u'.') || marked.startsWith(u'\'') ? u"\\&"_s + marked : marked;
+    return marked;
 }
 
 QString folded(const QString &text)
@@ -49,7 +49,9 @@ QString folded(const QString &text)
             lines += line + u'\n';
             line.clear();
         }
-        line += (line.isEmpty() ? QString() : u" "_s) + word;
+        // At the start of a line these would be a request.
+        const bool isRequest = line.isEmpty() && (word.startsWith(u'.') || word.startsWith(u'\''));
+        line += (line.isEmpty() ? QString() : u" "_s) + (isRequest ? u"\\&"_s : QString()) + word;
     }
     return lines + line + u'\n';
 }

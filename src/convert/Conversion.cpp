@@ -386,6 +386,8 @@ void Conversion::settleOutput()
     // Whatever has the name of an output that was not begun belongs to somebody else.
     if (!std::exchange(m_hasBegunOutput, false))
         return;
+    if (m_missesTags && m_task.cancelled() && !outputExisted() && hasMadeOutput())
+        removeHalfMade(outputFile());
     if (m_replaced && m_isDamaged && !m_task.error() && !m_task.cancelled()) {
         m_task.setError(true);
         tell(u"%1 stays as it was: what was to replace it is not whole"_s.arg(lastPathComponent(outputFile())));

@@ -108,6 +108,10 @@ protected:
     /// "path: problem", as the report has it.
     [[nodiscard]] QString problemLine(const QString &problem) const;
 
+    /// The job was cancelled before its tags were in the output, which is removed when it is settled: it would be taken
+    /// for a finished one.
+    void noteTagsMissed() { m_missesTags = true; }
+
     /// The source may be more than what the output has of it: it stays, and the report
     /// is shown although the job did not fail. `reason` is a line without a full stop.
     void doubtSource(const QString &reason);
@@ -165,6 +169,7 @@ private:
     std::optional<struct stat> m_outputFolder; ///< when the output was taken
     timespec m_since = {};                     ///< then, too
     bool m_hasBegunOutput = false;
+    bool m_missesTags = false;
     bool m_isDamaged = false;
     bool m_hasDeletedSource = false;
 };

@@ -43,9 +43,9 @@ ConversionTask::ConversionTask(NURVTaskQueue *queue, const QString &launchPath, 
 
 void ConversionTask::startTask()
 {
-    std::optional<QString> obstacle = takeOutput();
+    std::optional<QString> obstacle = refusal();
     if (!obstacle)
-        obstacle = refusal();
+        obstacle = takeOutput();
     if (!obstacle) {
         try {
             beginOutput(replacesOutput());

@@ -12,6 +12,7 @@
 #include "convert/DecodeTTATask.h"
 #include "convert/DecodeWavpackTask.h"
 #include "engine/NURVTaskQueue.h"
+#include "platform/ResourceFolder.h"
 #include "programs/Flac.h"
 #include "programs/Shntool.h"
 
@@ -75,7 +76,7 @@ std::shared_ptr<Conversion> DecodeTab::decodeFlac(const QString &source, const Q
 {
     const QString output = outputPath(outputFolder, source, TwoStageDecodeTask::extensionOf(format));
     return std::make_shared<DecodeFlacTask>(
-        source, queue, joinPath(pathToCommandLineTools(), flac::program().name),
+        source, queue, toolPath(flac::program().name),
         flac::decodingArguments(format, flacKeepForeignMetadataButton.isOn(), decodeFlacThroughErrors.isOn(),
                                         source, output));
 }
@@ -83,7 +84,7 @@ std::shared_ptr<Conversion> DecodeTab::decodeFlac(const QString &source, const Q
 std::shared_ptr<Conversion> DecodeTab::decodeSHN(const QString &source, const QString &outputFolder,
                                                  const QString &format, NURVTaskQueue *queue) const
 {
-    return std::make_shared<DecodeSHNTask>(queue, joinPath(pathToCommandLineTools(), shntool::program().name),
+    return std::make_shared<DecodeSHNTask>(queue, toolPath(shntool::program().name),
                                            shntool::fromShortenArguments(format, source, outputFolder));
 }
 

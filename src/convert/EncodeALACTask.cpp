@@ -64,7 +64,7 @@ void EncodeALACTask::doEncodeCall()
         encodeDecoded(u"Decoding TTA to Wav"_s);
     else
         encode(fileName());
-    if (!error() && !cancelled())
+    if (!error())
         finishOutput();
 }
 

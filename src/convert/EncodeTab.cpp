@@ -24,6 +24,7 @@
 #include "convert/EncodeWavpackToFlacTask.h"
 #include "engine/NURVTaskQueue.h"
 #include "engine/NURVTaskResults.h"
+#include "platform/ResourceFolder.h"
 #include "platform/SettingsStore.h"
 #include "programs/Shntool.h"
 
@@ -219,7 +220,7 @@ std::shared_ptr<Conversion> EncodeTab::encodeSHN(const QString &source, const QS
                                                  NURVTaskQueue *queue,
                                                  const std::shared_ptr<NURVTaskResults> &results) const
 {
-    return std::make_shared<EncodeSHNTask>(queue, joinPath(pathToCommandLineTools(), shntool::program().name),
+    return std::make_shared<EncodeSHNTask>(queue, toolPath(shntool::program().name),
                                            shntool::toShortenArguments(source, outputFolder), results);
 }
 
@@ -230,7 +231,7 @@ std::shared_ptr<Conversion> EncodeTab::encodeFLAC(const QString &source, const Q
     const flac::Encoding encoding = flacEncoding(overwrite);
     const QString type = formatWord(source);
     if (type == u"SHN" || type == u"APE") {
-        return std::make_shared<EncodeSHNToFlacTask>(queue, joinPath(pathToCommandLineTools(), shntool::program().name),
+        return std::make_shared<EncodeSHNToFlacTask>(queue, toolPath(shntool::program().name),
                                                      shntool::toFlacArguments(encoding, source, outputFolder),
                                                      type, results);
     }
@@ -243,7 +244,7 @@ std::shared_ptr<Conversion> EncodeTab::encodeFLAC(const QString &source, const Q
                                                          results);
     }
     const QString output = outputPath(outputFolder, source, u"flac"_s);
-    return std::make_shared<EncodeFlacTask>(source, queue, joinPath(pathToCommandLineTools(), flac::program().name),
+    return std::make_shared<EncodeFlacTask>(source, queue, toolPath(flac::program().name),
                                             flac::encodingArguments(encoding, source, output), results);
 }
 

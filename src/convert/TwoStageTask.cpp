@@ -77,8 +77,10 @@ bool TwoStageTask::run(const std::optional<ProgramStage> &wanted)
         // A marker can be spread over two chunks.
         recent += chunk;
         // What it asks about is not its own.
-        if (stage.asksToOverwrite && stage.asksToOverwrite(recent))
+        if (stage.asksToOverwrite && stage.asksToOverwrite(recent)) {
             m_programHasBegun = false;
+            m_hasAsked = true;
+        }
         if (stage.tellsOfError && stage.tellsOfError(recent))
             setError(true);
         recent = recent.right(programOutput::kLongestErrorMarker);
@@ -201,18 +203,8 @@ void TwoStageTask::settle()
     }
     // It may have gone while its tags were copied.
     failWithoutOutput();
-    removeUnfinishedOutput();
     examineOnce();
     settleOutput();
-}
-
-/// Of a cancelled job the tags may be missing, and nobody would see that later.
-void TwoStageTask::removeUnfinishedOutput()
-{
-    const TaskOutcome::Original original = outcome().original;
-    const bool isSourceGone = original == TaskOutcome::Original::Deleted || original == TaskOutcome::Original::Trashed;
-    if (cancelled() && !isSourceGone && !outputExisted() && hasMadeOutput())
-        removeHalfMade(m_outFile);
 }
 
 void TwoStageTask::failWithoutOutput()
@@ -262,9 +254,18 @@ void TwoStageTask::afterCompletion()
     });
 }
 
+/// What a program asks about is not its own.
+void TwoStageTask::noteTagsMissedUnlessAsked()
+{
+    if (!m_hasAsked)
+        noteTagsMissed();
+}
+
 void TwoStageTask::copyTags(const std::function<void()> &copy, const QString &complaint)
 {
     // Whatever else has the output's name belongs to someone else.
+    if (cancelled())
+        noteTagsMissedUnlessAsked();
     if (cancelled() || !hasMadeOutput())
         return;
     const auto complain = [&](const QString &reason) {
@@ -283,6 +284,8 @@ void TwoStageTask::copyTags(const std::function<void()> &copy, const QString &co
     } catch (const std::exception &failure) {
         complain(QString::fromUtf8(failure.what()));
     }
+    if (cancelled())
+        noteTagsMissedUnlessAsked();
 }
 
 QString TwoStageTask::report() const

@@ -98,13 +98,14 @@ private:
     void settle();
     void settleHalfMadeOutput();
     void failWithoutOutput();
-    void removeUnfinishedOutput();
+    void noteTagsMissedUnlessAsked();
     void examineOnce();
 
     QString m_outputPath;
     QString m_outFile;
     bool m_hasBegun = false;
     bool m_programHasBegun = false; ///< with the output itself
+    bool m_hasAsked = false;
     bool m_isExamined = false;
     bool m_isHalfMade = false;
     bool m_failsAtStop = false;

@@ -214,7 +214,7 @@ Leftover LeftoverFinder::verdictOn(const PlannedOutput &planned, const struct st
         return leave(Output, u"it belongs to somebody else"_s);
     // Numbers of devices do not outlive the system.
     if (m_isSameBoot && planned.folder.isKnown() && planned.folder != FolderMark::of(planned.output))
-        return leave(Output, u"its folder is another one than the one that it was begun in"_s);
+        return leave(Output, u"its folder may be another one than the one that it was begun in"_s);
     if (m_programs.isOpenForWriting(present))
         return waitFor(Output);
     if (!planned.begunNs)

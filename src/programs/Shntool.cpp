@@ -33,6 +33,8 @@ QString results(QStringView text)
     return results;
 }
 
+constexpr int kId3HeadSize = 10;
+
 /// The program that decodes the source for it; empty for what it reads itself.
 QString decoderOf(const QString &source)
 {
@@ -40,7 +42,14 @@ QString decoderOf(const QString &source)
     if (!QFileInfo(source).isFile())
         return {};
     QFile file(source);
-    const QByteArray head = file.open(QIODevice::ReadOnly) ? file.read(6) : QByteArray();
+    QByteArray head = file.open(QIODevice::ReadOnly) ? file.read(kId3HeadSize) : QByteArray();
+    // It passes over a tag in front, of which 7 bits of each of 4 bytes tell the size (ID3v2.4.0, section 3.1).
+    if (head.startsWith("ID3") && head.size() == kId3HeadSize) {
+        qint64 size = kId3HeadSize;
+        for (int at = 6; at < kId3HeadSize; ++at)
+            size += qint64{head[at] & 0x7F} << 7 * (kId3HeadSize - 1 - at);
+        head = file.seek(size) ? file.read(kId3HeadSize) : QByteArray();
+    }
     if (head.startsWith("wvpk"))
         return wavpack::decoder().name;
     if (!head.startsWith("MAC ") || head.size() < 6)

@@ -23,7 +23,8 @@ namespace nurv::shntool {
 ///              WavPack: wvunpack; Monkey's Audio before 3.99: mac
 ///     format   WAV: nothing; Shorten: shorten; AIFF: sox; FLAC: flac
 ///
-/// It knows sources by their first bytes, and so does this: a few are read.
+/// It knows sources by their first bytes, behind an ID3v2 tag, and so does this: a few are read. Of its own programs
+/// (shntool-alac) nothing is told.
 [[nodiscard]] QStringList startedBy(const QStringList &arguments);
 
 /// Any file that it reads to Shorten.

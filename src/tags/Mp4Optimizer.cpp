@@ -136,13 +136,6 @@ struct SoundMove {
     }
 };
 
-/// Whether a rename has failed for what stands under the new name, or for the folder that holds both.
-bool isForTheOldFile(int error)
-{
-    return error == EISDIR || error == ENOTEMPTY || error == EEXIST || error == EACCES || error == EPERM
-           || error == EBUSY || error == EROFS;
-}
-
 } // namespace
 
 std::optional<QString> Mp4Optimizer::putInOrder(TagEditStream &stream, const Mp4Layout &layout, Mp4Movie movie)
@@ -208,14 +201,11 @@ void Mp4Optimizer::replace(const QString &path, const QString &temporaryPath)
     const QByteArray temporaryName = QFile::encodeName(temporaryPath);
     if (std::rename(temporaryName.constData(), name.constData()) != 0) {
         const int error = errno;
-        if (isForTheOldFile(error)) {
-            qCWarning(tagsLog, "Not deleted: %s: %s", name.constData(), qUtf8Printable(systemErrorText(error)));
-            ::unlink(temporaryName.constData());
-            throw NurvFailure(u"unable to delete file @%"_s);
-        }
-        qCCritical(tagsLog, "%s could not be moved to %s: %s", temporaryName.constData(), name.constData(),
-                   qUtf8Printable(systemErrorText(error)));
-        throw NurvFailure(u"file @% was lost"_s);
+        qCWarning(tagsLog, "%s stays as it was, %s did not take its place: %s", name.constData(),
+                  temporaryName.constData(), qUtf8Printable(systemErrorText(error)));
+        if (::unlink(temporaryName.constData()) != 0 && errno == ENOENT)
+            throw NurvFailure(u"file @% was lost"_s);
+        throw NurvFailure(u"unable to delete file @%"_s);
     }
     // Makes the move itself durable.
     const QByteArray folder = name.left(name.lastIndexOf('/') + 1);

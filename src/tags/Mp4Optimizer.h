@@ -34,9 +34,8 @@ public:
     [[nodiscard]] static std::optional<QString> commit(TagEditStream &stream);
 
     /// Deletes the file and gives the temporary file its name. The system does both in one step, so that
-    /// at no time there is no file of that name. Throws NurvFailure, then the file is as it was:
-    /// - "unable to delete file @%" when it is the old file that cannot go; the temporary file is removed;
-    /// - "file @% was lost" when the temporary file cannot be moved; it keeps its name, which the log tells.
+    /// at no time there is no file of that name. Throws NurvFailure, then the file is as it was, and there is
+    /// no temporary file: "unable to delete file @%", or "file @% was lost" when that had gone already.
     static void replace(const QString &path, const QString &temporaryPath);
 };
 

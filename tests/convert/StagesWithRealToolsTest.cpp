@@ -295,7 +295,25 @@ TEST_F(StagesWithRealToolsTest, EndsAParsleyThatIsNotWantedAnyMore)
     task->cancelTask();
     ASSERT_TRUE(finish());
     EXPECT_EQ(task->textField().text, u"Canceled");
+    EXPECT_EQ(out.list(), QStringList{u"a.m4a"_s}) << "sound and tags were whole before";
+}
+
+TEST_F(StagesWithRealToolsTest, RemovesTheOutputOfAJobThatIsCancelledBeforeItsTags)
+{
+    const QString m4a = test::writeByFfmpeg(folder.path(u"a.m4a"_s), {}, {u"-c:a"_s, u"alac"_s});
+    // The encoder comes to its end, and the job is cancelled meanwhile.
+    setFake(u"wavpack"_s, "append=@-1:made;create=" + folder.path(u"waits"_s).toUtf8() + ";wait-file="
+                              + folder.path(u"go-on"_s).toUtf8());
+    const auto task = makeEncoder(m4a, u"WV"_s);
+    queue().addTask(task);
+    ASSERT_TRUE(test::waitUntil([&] { return folder.exists(u"waits"_s); }));
+    task->cancelTask();
+    folder.write(u"go-on"_s, "");
+    ASSERT_TRUE(finish());
+    EXPECT_EQ(task->textField().text, u"Canceled");
     EXPECT_EQ(out.list(), QStringList()) << "it would be taken for a finished one";
+    EXPECT_TRUE(task->outcome().output.isEmpty());
+    EXPECT_TRUE(folder.exists(u"a.m4a"_s));
 }
 
 TEST_F(StagesWithRealToolsTest, PutsBackWhatParsleyBroke)

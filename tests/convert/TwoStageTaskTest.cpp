@@ -245,6 +245,20 @@ TEST_F(TwoStageTaskTest, EndsTheOtherEncodersAfterAFailedConversionToWav)
     EXPECT_EQ(calls(u"mac"_s).size(), 1);
 }
 
+TEST_F(TwoStageTaskTest, LeavesAloneWhatGotItsNameBeforeItBegan)
+{
+    const QString flac = test::writeFlac(folder.path(u"a.flac"_s));
+    addFake(u"flac"_s, "create=" + folder.path(u"waits"_s).toUtf8() + ";wait-file=" + folder.path(u"go-on"_s).toUtf8());
+    const auto task = makeEncoder(flac, u"M4A"_s);
+    queue().addTask(task);
+    ASSERT_TRUE(test::waitUntil([&] { return folder.exists(u"waits"_s); }));
+    out.write(u"a.m4a"_s, "somebody's");
+    task->cancelTask();
+    folder.write(u"go-on"_s, "");
+    ASSERT_TRUE(finish());
+    EXPECT_EQ(out.read(u"a.m4a"_s), "somebody's");
+}
+
 TEST_F(TwoStageTaskTest, NamesAProgramThatIsMissing)
 {
     const QString wav = test::writeWav(folder.path(u"a.wav"_s));

@@ -19,8 +19,8 @@ constexpr size_t kPieceBytes = size_t{128} * 1024;
 constexpr uint32_t kCommonBytes = 18;
 constexpr uint32_t kSoundHeadBytes = 8;
 constexpr unsigned kMaxBits = 32;
-/// With more of them a frame may have more bytes than a WAV file can say.
-constexpr unsigned kMaxChannels = 8;
+/// Of a frame, in the header of a WAV file.
+constexpr unsigned kMaxFrameBytes = 0xFFFF;
 
 uint16_t bigEndian16(const uint8_t *at)
 {
@@ -104,8 +104,9 @@ void AiffWaveSource::readCommon(uint32_t chunkBytes, bool isCompressedKind)
         if (!common.isLittleEndian && !startsWith(compression, "NONE") && !startsWith(compression, "twos"))
             fail(ToolError::Kind::UnsupportedFormat, m_input, "the sound is compressed");
     }
-    if (common.channels == 0 || common.channels > kMaxChannels || common.bits == 0 || common.bits > kMaxBits
-        || common.samplesPerSecond == 0)
+    const unsigned sampleBytes = (common.bits + 7U) / 8U;
+    if (common.channels == 0 || common.bits == 0 || common.bits > kMaxBits
+        || common.channels * sampleBytes > kMaxFrameBytes || common.samplesPerSecond == 0)
         fail(ToolError::Kind::UnsupportedFormat, m_input, "there is no such sound");
     m_common = common;
 }

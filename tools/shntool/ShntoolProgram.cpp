@@ -276,7 +276,7 @@ int runShntool(int argc, char **argv)
     const bool isQuestion =
         argc == 2 && (std::string_view(argv[1]) == "--help" || std::string_view(argv[1]) == "--version");
     const auto run = [&](std::span<const std::string>) {
-        const EndingCleanup cleanup;
+        EndingCleanup cleanup; // others change it by way of current()
         int status = EXIT_FAILURE;
         try {
             std::vector<std::string> words(argv, argv + std::max(argc, 0));
