@@ -84,8 +84,9 @@ TEST_F(AiffWaveSourceTest, TakesNoOtherChunkForSound)
 
 TEST_F(AiffWaveSourceTest, RefusesMoreChannelsThanItsFramesCanTell)
 {
-    EXPECT_NO_THROW(AiffWaveSource(write({.channels = 8}), 0));
-    for (const quint32 channels : {0U, 9U, 16384U, 65535U})
+    for (const quint32 channels : {1U, 8U, 9U, 16383U})
+        EXPECT_NO_THROW(AiffWaveSource(write({.channels = channels, .bits = 32}), 0)) << channels;
+    for (const quint32 channels : {0U, 16384U, 65535U})
         EXPECT_THROW(AiffWaveSource(write({.channels = channels, .bits = 32}), 0), ToolError) << channels;
 }
 
