@@ -18,7 +18,7 @@ class NURVController;
 /// here.
 struct Tool {
     QString label;             ///< of its page; settings and routes know the tool by it
-    QString title;             ///< of its page, for people
+    const char *title = "";    ///< of its page, for people; to be translated in the context "Tool"
     QStringList extensions = {}; ///< in capitals; empty: its page takes any file
 
     /// Files of other extensions are taken, too: they say what the others hold.

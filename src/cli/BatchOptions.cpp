@@ -104,23 +104,6 @@ std::vector<OptionSpec> outputOptions(const OutputSetters &setters)
     };
 }
 
-OptionSpec yesOption()
-{
-    return {.name = u"yes"_s,
-            .summary = u"answer every question with \"Yes\""_s,
-            .manual = u"Answers every question with \"Yes\". See *QUESTIONS*."_s,
-            .excluded = {u"no"_s}};
-}
-
-OptionSpec noOption()
-{
-    return {.name = u"no"_s,
-            .summary = u"answer every question with \"No\""_s,
-            .manual = u"Answers every question with \"No\". Cannot be combined with --yes, --overwrite or "
-                      "--delete-originals."_s,
-            .excluded = {u"delete-originals"_s, u"overwrite"_s}};
-}
-
 std::vector<OptionSpec> batchOptions()
 {
     return joined(
@@ -130,8 +113,15 @@ std::vector<OptionSpec> batchOptions()
              .summary = u"run up to N jobs at once (default: the setting of the preferences)"_s,
              .manual = u"How many jobs run at a time, 1 to 256. Without it the number of the preferences counts."_s,
              .numbers = {{.least = 1, .most = NURVTaskQueue::kMostThreads}}},
-            yesOption(),
-            noOption(),
+            {.name = u"yes"_s,
+             .summary = u"answer every question with \"Yes\""_s,
+             .manual = u"Answers every question with \"Yes\". See *QUESTIONS*."_s,
+             .excluded = {u"no"_s}},
+            {.name = u"no"_s,
+             .summary = u"answer every question with \"No\""_s,
+             .manual = u"Answers every question with \"No\". Cannot be combined with --yes, --overwrite or "
+                       "--delete-originals."_s,
+             .excluded = {u"delete-originals"_s, u"overwrite"_s}},
             {.name = u"json"_s,
              .summary = u"print one JSON object per finished job and one for the batch"_s,
              .manual = u"One JSON object per finished job and one for the batch, one a line, on standard output. See "
@@ -146,6 +136,12 @@ std::vector<OptionSpec> batchOptions()
              .manual = u"After each problem all that the programs wrote about that file. Cannot be combined with --quiet."_s},
         },
         standingOptions());
+}
+
+std::vector<OptionSpec> unusedOptions()
+{
+    return {{.name = u"verbose"_s, .summary = u"accepted as everywhere; everything is told already"_s},
+            {.name = u"jobs"_s, .valueName = u"N"_s, .summary = u"accepted as everywhere; there are no jobs"_s}};
 }
 
 std::vector<OptionSpec> standingOptions()

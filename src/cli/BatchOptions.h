@@ -54,9 +54,8 @@ struct OutputSetters {
 /// "--version" and "--help", which every command has.
 [[nodiscard]] std::vector<OptionSpec> standingOptions();
 
-/// "--yes" and "--no", as the manual page has them.
-[[nodiscard]] OptionSpec yesOption();
-[[nodiscard]] OptionSpec noOption();
+/// "--verbose" and "--jobs" of a command that has no use for them.
+[[nodiscard]] std::vector<OptionSpec> unusedOptions();
 
 /// The lists behind each other.
 [[nodiscard]] std::vector<OptionSpec> joined(std::vector<OptionSpec> list, const std::vector<OptionSpec> &more);

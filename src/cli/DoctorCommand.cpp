@@ -126,8 +126,6 @@ void printJsonReport(Console &console, const std::vector<Finding> &findings, con
 
 CommandSpec makeSpec()
 {
-    const OptionSpec yes{.name = u"yes"_s, .summary = u"accepted as everywhere; there are no questions"_s};
-    const OptionSpec no{.name = u"no"_s, .summary = u"accepted as everywhere; there are no questions"_s};
     return {.name = u"doctor"_s,
             .summary = u"tell which external programs are there, and what provides the others"_s,
             .synopsis = u"[OPTION]..."_s,
@@ -136,14 +134,12 @@ CommandSpec makeSpec()
                        "for the formats that they stand for. nurv-tags is a part of this program: where it\n"
                        "is missing, no tags are copied, and their sources stay."_s,
             .takesPaths = false,
-            .options = joined({{.name = u"json"_s, .summary = u"print one JSON object per program and one for the whole"_s},
-                               {.name = u"quiet"_s, .summary = u"print nothing; the exit status tells"_s},
-                               {.name = u"verbose"_s, .summary = u"accepted as everywhere; everything is told already"_s},
-                               {.name = u"jobs"_s,
-                                .valueName = u"N"_s,
-                                .summary = u"accepted as everywhere; there are no jobs"_s},
-                               yes,
-                               no},
+            .options = joined(joined({{.name = u"json"_s,
+                                       .summary = u"print one JSON object per program and one for the whole"_s},
+                                      {.name = u"quiet"_s, .summary = u"print nothing; the exit status tells"_s},
+                                      {.name = u"yes"_s, .summary = u"accepted as everywhere; there are no questions"_s},
+                                      {.name = u"no"_s, .summary = u"accepted as everywhere; there are no questions"_s}},
+                                     unusedOptions()),
                               standingOptions())};
 }
 

@@ -207,18 +207,16 @@ CommandSpec makeSpec()
                        "and puts the latter back. What may be complete is only named. Then it lists the\n"
                        "sources that were not finished. Programs of such a run that still work are ended."_s,
             .takesPaths = false,
-            .options = joined({{.name = u"dry-run"_s,
-                                .summary = u"list only"_s,
-                                .manual = u"Lists what there is to do, and changes nothing."_s},
-                               {.name = u"json"_s, .summary = u"print one JSON object per file and one for the whole"_s},
-                               {.name = u"verbose"_s, .summary = u"accepted as everywhere; everything is told already"_s},
-                               {.name = u"quiet"_s, .summary = u"print nothing but the question and warnings"_s},
-                               {.name = u"jobs"_s,
-                                .valueName = u"N"_s,
-                                .summary = u"accepted as everywhere; there are no jobs"_s},
-                               {.name = u"yes"_s, .summary = u"answer the question with \"Yes\""_s, .excluded = {u"no"_s}},
-                               {.name = u"no"_s, .summary = u"answer the question with \"No\""_s}},
-                              standingOptions())};
+            .options = joined(
+                joined({{.name = u"dry-run"_s,
+                         .summary = u"list only"_s,
+                         .manual = u"Lists what there is to do, and changes nothing."_s},
+                        {.name = u"json"_s, .summary = u"print one JSON object per file and one for the whole"_s},
+                        {.name = u"quiet"_s, .summary = u"print nothing but the question and warnings"_s},
+                        {.name = u"yes"_s, .summary = u"answer the question with \"Yes\""_s, .excluded = {u"no"_s}},
+                        {.name = u"no"_s, .summary = u"answer the question with \"No\""_s}},
+                       unusedOptions()),
+                standingOptions())};
 }
 
 } // namespace

@@ -6,11 +6,6 @@
 #include "app/Util.h"
 #include "originals/StageFile.h"
 #include "programs/AtomicParsley.h"
-#include "programs/Flac.h"
-#include "programs/MonkeysAudio.h"
-#include "programs/Shntool.h"
-#include "programs/Ttaenc.h"
-#include "programs/Wavpack.h"
 #include "tags/AACTagsHelper.h"
 #include "tags/TagLibTagsHelper.h"
 
@@ -30,18 +25,8 @@ QString EncodeALACTask::openingStatus() const
 
 std::optional<ProgramStage> EncodeALACTask::decoding(const QString &made) const
 {
-    const QString format = formatWord(fileName());
-    if (format == u"SHN")
-        return shntool::shortenToWav(fileName(), made).unwatched();
-    if (format == u"FLAC")
-        return flac::decodingToWav(fileName(), made).unwatched();
-    if (format == u"APE")
-        return monkeysAudio::decodingToWav(fileName(), made).unwatched();
-    if (format == u"WV")
-        return wavpack::decodingToWav(fileName(), made).unwatched();
-    if (format == u"TTA")
-        return ttaenc::decodingToWav(fileName(), made).unwatched();
-    return {};
+    std::optional<ProgramStage> stage = decodingToWav(made);
+    return stage ? std::optional(stage->unwatched()) : std::nullopt;
 }
 
 NeededPrograms EncodeALACTask::tagPrograms() const

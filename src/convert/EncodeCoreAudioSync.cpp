@@ -66,23 +66,12 @@ AudioStreamDescription workingFormat(const AudioStreamDescription &source)
     working.sampleRate = source.sampleRate;
     working.formatId = kFormatLinearPCM;
     working.formatFlags = kBigEndianIntegers;
-    working.bitsPerChannel = workingBits(source);
+    // In whole bytes: 20 bits come as the upper ones of 24.
+    working.bitsPerChannel = (workingBits(source) + 7) / 8 * 8;
     working.channelsPerFrame = source.channelsPerFrame;
-    // 20 bits come to 2 bytes here.
     working.bytesPerFrame = working.bitsPerChannel / 8 * working.channelsPerFrame;
     working.bytesPerPacket = working.bytesPerFrame;
     working.framesPerPacket = 1;
-    return working;
-}
-
-/// The next form whose bytes hold all bits of a sample: 20 bits come in 24, as their upper ones.
-AudioStreamDescription inWholeBytes(AudioStreamDescription working)
-{
-    if (working.bitsPerChannel % 8 == 0)
-        return working;
-    working.bitsPerChannel += 8 - working.bitsPerChannel % 8;
-    working.bytesPerFrame = working.bitsPerChannel / 8 * working.channelsPerFrame;
-    working.bytesPerPacket = working.bytesPerFrame;
     return working;
 }
 
@@ -159,7 +148,7 @@ void EncodeCoreAudioSync::convert(AudioFileReader &source, AudioFileWriter &outp
     check(source.lengthFrames(totalFrames),
           u"input ExtAudioFileGetProperty kExtAudioFileProperty_FileLengthFrames failed %1"_s);
 
-    const AudioStreamDescription working = inWholeBytes(workingFormat(format));
+    const AudioStreamDescription working = workingFormat(format);
     m_obstacle = obstacleIn(format, working, m_formatType, m_formatStringValue);
     check(output.create(m_outFile, m_fileType, outputFormat(format, working), source),
           u"ExtAudioFileCreateWithURL failed %1"_s);

@@ -5,7 +5,6 @@
 #include "app/PathNames.h"
 #include "originals/StageFile.h"
 #include "programs/MonkeysAudio.h"
-#include "programs/Shntool.h"
 #include "programs/Shorten.h"
 #include "programs/Ttaenc.h"
 #include "programs/Wavpack.h"
@@ -77,18 +76,7 @@ QString EncodeThroughWavTask::openingStatus() const
 
 std::optional<ProgramStage> EncodeThroughWavTask::decoding(const QString &made) const
 {
-    const QString format = formatWord(fileName());
-    if (format == u"SHN")
-        return shntool::shortenToWav(fileName(), made);
-    if (format == u"FLAC")
-        return flac::decodingToWav(fileName(), made);
-    if (format == u"APE")
-        return monkeysAudio::decodingToWav(fileName(), made);
-    if (format == u"WV")
-        return wavpack::decodingToWav(fileName(), made);
-    if (format == u"TTA")
-        return ttaenc::decodingToWav(fileName(), made);
-    return {};
+    return decodingToWav(made);
 }
 
 std::optional<ProgramStage> EncodeThroughWavTask::encoding(const QString &input) const

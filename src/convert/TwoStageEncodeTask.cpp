@@ -6,7 +6,12 @@
 #include "convert/ConvertLog.h"
 #include "originals/StageFile.h"
 #include "platform/TextNumbers.h"
+#include "programs/Flac.h"
 #include "programs/Metaflac.h"
+#include "programs/MonkeysAudio.h"
+#include "programs/Shntool.h"
+#include "programs/Ttaenc.h"
+#include "programs/Wavpack.h"
 #include "tags/FlacTagHelper.h"
 #include "tags/TagLibTagsHelper.h"
 
@@ -38,6 +43,22 @@ bool holdsRecord(const TagsObject &written, const TagsObject &wanted)
 }
 
 } // namespace
+
+std::optional<ProgramStage> TwoStageEncodeTask::decodingToWav(const QString &made) const
+{
+    const QString format = formatWord(fileName());
+    if (format == u"SHN")
+        return shntool::shortenToWav(fileName(), made);
+    if (format == u"FLAC")
+        return flac::decodingToWav(fileName(), made);
+    if (format == u"APE")
+        return monkeysAudio::decodingToWav(fileName(), made);
+    if (format == u"WV")
+        return wavpack::decodingToWav(fileName(), made);
+    if (format == u"TTA")
+        return ttaenc::decodingToWav(fileName(), made);
+    return {};
+}
 
 void TwoStageEncodeTask::convertToWav(const QString &source, const QString &wav)
 {

@@ -16,6 +16,8 @@ protected:
     void convert() final { doEncodeCall(); }
     virtual void doEncodeCall() = 0;
 
+    /// The program that decodes the source to a WAV file; nothing for a source that none of them reads.
+    [[nodiscard]] std::optional<ProgramStage> decodingToWav(const QString &made) const;
     /// Makes a WAV file of what the audio service reads. A failure sets the error flag.
     void convertToWav(const QString &source, const QString &wav);
     /// AIFF sources by way of a temporary WAV, all others as they are.

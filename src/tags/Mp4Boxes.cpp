@@ -12,9 +12,7 @@ namespace nurv {
 
 namespace {
 
-constexpr std::int64_t kHeadSize = 8;
 constexpr std::int64_t kLongHeadSize = 16;
-constexpr std::int64_t kVersionSize = 4; // version and flags of a full box
 
 // What readers look for at the top level, where it is not filler.
 constexpr std::array kStructure = {fourCharacters("ftyp"), fourCharacters("moov"), fourCharacters("mdat"),
@@ -25,12 +23,12 @@ constexpr std::array kStructure = {fourCharacters("ftyp"), fourCharacters("moov"
 /// it does not fit into `room`.
 std::optional<Mp4Box> boxOf(const QByteArray &head, std::int64_t offset, std::int64_t room)
 {
-    Mp4Box box{.type = mp4Number<FourCharacters>(head, 4), .offset = offset, .headerSize = kHeadSize};
+    Mp4Box box{.type = mp4Number<FourCharacters>(head, 4), .offset = offset, .headerSize = kMp4HeadSize};
     const auto size = mp4Number<std::uint32_t>(head, 0);
     if (size == 1) {
         if (head.size() < kLongHeadSize)
             return std::nullopt;
-        const auto longSize = mp4Number<std::uint64_t>(head, kHeadSize);
+        const auto longSize = mp4Number<std::uint64_t>(head, kMp4HeadSize);
         if (longSize > static_cast<std::uint64_t>(room))
             return std::nullopt;
         box.headerSize = kLongHeadSize;
@@ -64,7 +62,7 @@ std::optional<Mp4Boxes> mp4BoxesIn(const QByteArray &bytes, std::int64_t begin, 
     Mp4Boxes boxes;
     for (std::int64_t offset = begin; offset < end;) {
         const std::int64_t room = end - offset;
-        if (room < kHeadSize || boxes.size() == kMostMp4Boxes)
+        if (room < kMp4HeadSize || boxes.size() == kMostMp4Boxes)
             return std::nullopt;
         const QByteArray head = QByteArray::fromRawData(bytes.constData() + offset, std::min(room, kLongHeadSize));
         const std::optional<Mp4Box> box = boxOf(head, offset, room);
@@ -102,18 +100,18 @@ std::optional<Mp4Boxes> mp4MetadataBoxes(const QByteArray &bytes, const Mp4Box &
 {
     const std::int64_t begin = box.contents();
     const std::int64_t length = box.end() - begin;
-    const bool isPlain = length >= kHeadSize && mp4Number<FourCharacters>(bytes, begin + 4) == fourCharacters("hdlr");
+    const bool isPlain = length >= kMp4HeadSize && mp4Number<FourCharacters>(bytes, begin + 4) == fourCharacters("hdlr");
     if (isPlain)
         return mp4BoxesIn(bytes, begin, box.end());
-    if (length < kVersionSize)
+    if (length < kMp4VersionSize)
         return std::nullopt;
-    return mp4BoxesIn(bytes, begin + kVersionSize, box.end());
+    return mp4BoxesIn(bytes, begin + kMp4VersionSize, box.end());
 }
 
 QByteArray mp4Box(FourCharacters type, const QByteArray &contents)
 {
-    QByteArray box(kHeadSize, '\0');
-    qToBigEndian(static_cast<std::uint32_t>(contents.size() + kHeadSize), box.data());
+    QByteArray box(kMp4HeadSize, '\0');
+    qToBigEndian(static_cast<std::uint32_t>(contents.size() + kMp4HeadSize), box.data());
     qToBigEndian(type, box.data() + 4);
     return box + contents;
 }
@@ -125,7 +123,7 @@ Mp4Layout Mp4Layout::of(TagLib::IOStream &file)
         file.seek(layout.tail);
         const TagLib::ByteVector bytes = file.readBlock(kLongHeadSize);
         const QByteArray head(bytes.data(), static_cast<qsizetype>(bytes.size()));
-        if (head.size() < kHeadSize)
+        if (head.size() < kMp4HeadSize)
             break;
         const auto type = mp4Number<FourCharacters>(head, 4);
         const std::optional<Mp4Box> box = boxOf(head, layout.tail, layout.length - layout.tail);

@@ -24,6 +24,9 @@ using FourCharacters = std::uint32_t;
     return number;
 }
 
+inline constexpr std::int64_t kMp4HeadSize = 8;    ///< of a box whose size fits into 32 bits, as mp4Box makes it
+inline constexpr std::int64_t kMp4VersionSize = 4; ///< version and flags of a full box
+
 /// Where a box of an MPEG-4 file (ISO/IEC 14496-12) stands. Positions are bytes, counted
 /// from the start of the file or of the run of bytes that the box was found in.
 struct Mp4Box {

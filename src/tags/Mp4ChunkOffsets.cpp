@@ -14,8 +14,6 @@ namespace nurv {
 
 namespace {
 
-constexpr std::int64_t kBoxHeadSize = 8;   // of a box that mp4Box has made
-constexpr std::int64_t kVersionSize = 4;   // version and flags of a full box
 constexpr std::int64_t kTableHeadSize = 8; // version and flags, number of entries
 constexpr std::int64_t kNarrow = 4;
 constexpr std::int64_t kWide = 8;
@@ -58,7 +56,7 @@ std::optional<bool> isOnlyThisFile(const QByteArray &movie, const Mp4Box &refere
     if (!entries)
         return std::nullopt;
     for (const Mp4Box &entry : *entries) {
-        if (entry.size < entry.headerSize + kVersionSize)
+        if (entry.size < entry.headerSize + kMp4VersionSize)
             return std::nullopt;
         if ((mp4Number<std::uint32_t>(movie, entry.contents()) & kIsThisFile) == 0)
             return false;
@@ -126,7 +124,7 @@ std::optional<QString> Mp4ChunkOffsets::follow(const Move &move)
         const std::optional<Tables> tables = findTables();
         if (!tables)
             return damagedMovie();
-        const std::int64_t movieSize = m_movie.size() + kBoxHeadSize;
+        const std::int64_t movieSize = m_movie.size() + kMp4HeadSize;
         Tables narrow;
         for (const Table &table : *tables) {
             const Fit fit = fitOf(table, move, movieSize);
@@ -170,7 +168,7 @@ std::optional<Mp4ChunkOffsets::Tables> Mp4ChunkOffsets::findTables() const
             const std::int64_t room = box.size - box.headerSize - kTableHeadSize;
             if (room < 0)
                 return std::nullopt;
-            table.count = mp4Number<std::uint32_t>(m_movie, box.contents() + kVersionSize);
+            table.count = mp4Number<std::uint32_t>(m_movie, box.contents() + kMp4VersionSize);
             if (table.count > room / table.width)
                 return std::nullopt;
             tables.push_back(table);

@@ -15,8 +15,6 @@ namespace {
 
 constexpr std::int64_t kMovieLimit = std::int64_t{128} << 20;
 constexpr std::int64_t kFileLimit = std::int64_t{1} << 62; // so that no place in it comes near the end of all numbers
-constexpr std::int64_t kBoxHeadSize = 8;   // of a box that mp4Box has made
-constexpr std::int64_t kVersionSize = 4;   // version and flags of a full box
 constexpr std::int64_t kValueHeadSize = 8; // type and locale
 constexpr std::uint32_t kUtf8Type = 1;
 constexpr std::uint32_t kUtf16Type = 2;
@@ -106,7 +104,7 @@ bool Mp4Movie::standsIn(TagLib::IOStream &file, const Mp4Box &oldBox) const
 
 bool Mp4Movie::fitsTheLimit() const
 {
-    return m_contents.size() + kBoxHeadSize <= kMovieLimit;
+    return m_contents.size() + kMp4HeadSize <= kMovieLimit;
 }
 
 bool Mp4Movie::isFragmented() const
@@ -213,9 +211,9 @@ Mp4Movie::Item Mp4Movie::itemIn(const Mp4Box &box) const
 {
     Item item{.name = box.type, .ownName = {}, .values = {}};
     for (const Mp4Box &part : valueBoxes(box)) {
-        if (part.type == kOwnName && part.size >= part.headerSize + kVersionSize)
+        if (part.type == kOwnName && part.size >= part.headerSize + kMp4VersionSize)
             item.ownName = QString::fromUtf8(
-                m_contents.mid(part.contents() + kVersionSize, part.size - part.headerSize - kVersionSize));
+                m_contents.mid(part.contents() + kMp4VersionSize, part.size - part.headerSize - kMp4VersionSize));
         if (part.type != kValue)
             continue;
         if (std::optional<Value> value = valueIn(part))
@@ -317,11 +315,11 @@ void Mp4Movie::replaceItems(const Path &path, const QByteArray &items)
         return mp4Box(type, replaced(contents, place, old ? old->size : 0, box));
     };
     box = path.metadata ? wrap(kMetadata, *path.metadata, path.items, path.metadata->end())
-                        : mp4Box(kMetadata, QByteArray(kVersionSize, '\0') + box);
+                        : mp4Box(kMetadata, QByteArray(kMp4VersionSize, '\0') + box);
     // Without a handler other readers do not look at the items.
     if (!path.hasHandler)
         box = mp4Box(kMetadata,
-                     box.mid(kBoxHeadSize, kVersionSize) + handlerBox() + box.mid(kBoxHeadSize + kVersionSize));
+                     box.mid(kMp4HeadSize, kMp4VersionSize) + handlerBox() + box.mid(kMp4HeadSize + kMp4VersionSize));
     box = path.userData ? wrap(kUserData, *path.userData, path.metadata, path.userData->contents())
                         : mp4Box(kUserData, box);
     m_contents =

@@ -4,7 +4,7 @@
 
 #include "app/Util.h"
 #include "journal/NotedTemporary.h"
-#include "platform/FileDescriptor.h"
+#include "platform/FileFlush.h"
 #include "platform/NurvFailure.h"
 #include "platform/SystemError.h"
 #include "tags/TagsLog.h"
@@ -207,11 +207,7 @@ void Mp4Optimizer::replace(const QString &path, const QString &temporaryPath)
             throw NurvFailure(u"file @% was lost"_s);
         throw NurvFailure(u"unable to delete file @%"_s);
     }
-    // Makes the move itself durable.
-    const QByteArray folder = name.left(name.lastIndexOf('/') + 1);
-    const FileDescriptor directory(::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (directory.isOpen())
-        static_cast<void>(::fsync(directory.get()));
+    static_cast<void>(flushFolderToDisk(QFileInfo(path).path()));
 }
 
 } // namespace nurv

@@ -3,6 +3,7 @@
 #include "tags/TagEditStream.h"
 
 #include "journal/NotedTemporary.h"
+#include "platform/FileFlush.h"
 #include "platform/SystemError.h"
 #include "tags/HandedFile.h"
 
@@ -410,17 +411,19 @@ std::optional<QString> TagEditStream::writeTo(const QString &path)
 {
     if (std::optional<QString> reason = readingFailure())
         return reason;
-    if (leaveEdits())
-        return std::nullopt;
     FileDescriptor target(::open(QFile::encodeName(path).constData(), O_WRONLY | O_TRUNC | O_CLOEXEC | O_NOFOLLOW));
     if (!target.isOpen())
         return systemErrorText(errno);
+    const int error = writeOut(target);
+    return error == 0 ? std::nullopt : std::optional(systemErrorText(error));
+}
+
+int TagEditStream::writeOut(FileDescriptor &target) const
+{
     if (const int error = writePieces(target.get()); error != 0)
-        return systemErrorText(error);
+        return error;
     copyAttributes(m_file.get(), target.get());
-    if (::fsync(target.get()) != 0 || !target.close())
-        return systemErrorText(errno);
-    return std::nullopt;
+    return ::fsync(target.get()) == 0 && target.close() ? 0 : errno;
 }
 
 int TagEditStream::writePieces(int target) const
@@ -446,21 +449,15 @@ std::optional<QString> TagEditStream::commitByReplacement()
         return systemErrorText(errno);
     const NotedTemporary note(QFile::decodeName(replacementPath));
 
-    int error = writePieces(replacement.get());
-    if (error == 0) {
-        copyAttributes(m_file.get(), replacement.get());
-        if (::fsync(replacement.get()) != 0 || !replacement.close()
-            || std::rename(replacementPath.constData(), m_path.constData()) != 0)
-            error = errno;
-    }
+    int error = writeOut(replacement);
+    if (error == 0 && std::rename(replacementPath.constData(), m_path.constData()) != 0)
+        error = errno;
     if (error != 0) {
         ::unlink(replacementPath.constData());
         return systemErrorText(error);
     }
-    // Makes the rename itself durable; without it an old but whole file may come back.
-    const FileDescriptor directory(::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (directory.isOpen())
-        static_cast<void>(::fsync(directory.get()));
+    // Without that an old but whole file may come back.
+    static_cast<void>(flushFolderToDisk(QFile::decodeName(folder)));
     return std::nullopt;
 }
 

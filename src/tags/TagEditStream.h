@@ -71,7 +71,7 @@ public:
     /// edits may rest on it. Blocks until the data has reached the disk.
     [[nodiscard]] std::optional<QString> commit();
     /// Writes the edited contents into another file, which must exist, with mode, owner and
-    /// extended attributes of this one; this file stays as it is. Returns and refuses like
+    /// extended attributes of this one; this file stays as it is. For no handed file. Returns and refuses like
     /// `commit`; after a failure the other file holds anything. Blocks until the data has
     /// reached the disk.
     [[nodiscard]] std::optional<QString> writeTo(const QString &path);
@@ -98,6 +98,8 @@ private:
     [[nodiscard]] std::optional<QString> commitByReplacement();
     /// Returns 0 or the value of errno.
     [[nodiscard]] int writePieces(int target) const;
+    /// The same with the attributes of the file, through to the disk, and closes it.
+    [[nodiscard]] int writeOut(FileDescriptor &target) const;
 
     QByteArray m_path; ///< free of links, as the system's bytes
     bool m_readOnly;

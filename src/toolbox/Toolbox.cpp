@@ -5,6 +5,8 @@
 #include "convert/DecodeTab.h"
 #include "convert/EncodeTab.h"
 
+#include <QtGlobal>
+
 using namespace Qt::StringLiterals;
 
 namespace nurv {
@@ -28,12 +30,12 @@ const std::vector<Tool> &toolbox()
 {
     static const std::vector<Tool> tools{
         {.label = u"decode"_s,
-         .title = u"Decode"_s,
+         .title = QT_TRANSLATE_NOOP("Tool", "Decode"),
          .extensions = words(u"FLAC SHN WV M4A TTA APE"_s),
          .defaults = {{u"decodeToSourceDirectory"_s, 0}},
          .makeTab = make<DecodeTab>},
         {.label = u"encode"_s,
-         .title = u"Encode"_s,
+         .title = QT_TRANSLATE_NOOP("Tool", "Encode"),
          .extensions = words(u"WAV AIF AIFF FLAC SHN WV TTA APE"_s),
          .takesAppleLossless = true,
          .takesAppleLosslessFromFolders = true,
@@ -45,28 +47,28 @@ const std::vector<Tool> &toolbox()
                       {u"encodeToSourceDirectory"_s, 0}},
          .makeTab = make<EncodeTab>},
         {.label = u"checksum"_s,
-         .title = u"Checksum"_s,
+         .title = QT_TRANSLATE_NOOP("Tool", "Checksum"),
          .extensions = words(u"WAV AIFF AIF FLAC SHN MD5 FFP TXT APE WV TTA ST5"_s),
          .takesAllFiles = true,
          .defaults = {{u"ffpExtension"_s, u"ffp.txt"_s}, {u"checksumFileUsesOutputDirName"_s, false}}},
         {.label = u"shntool"_s,
-         .title = u"SHNtool"_s,
+         .title = QT_TRANSLATE_NOOP("Tool", "SHNtool"),
          .extensions = words(u"FLAC SHN WAV AIF AIFF TTA WV APE"_s),
          .defaults = {{u"shntoolNamesFormat"_s, u"%number. %name %time"_s},
                       {u"shntoolCommandOption"_s, 0},
                       {u"shntoolLenOption"_s, 0},
                       {u"shntoolOutputFormat"_s, 1}}},
         {.label = u"fix SBE"_s,
-         .title = u"Fix SBE"_s,
+         .title = QT_TRANSLATE_NOOP("Tool", "Fix SBE"),
          .extensions = words(u"FLAC SHN WAV AIF AIFF WV TTA"_s),
          .defaults = {{u"fixOutputFormat"_s, 1}, {u"fixFlacLevel"_s, 4}}},
-        {.label = u"util"_s, .title = u"Util"_s},
+        {.label = u"util"_s, .title = QT_TRANSLATE_NOOP("Tool", "Util")},
         {.label = u"Tags"_s,
-         .title = u"Tags"_s,
+         .title = QT_TRANSLATE_NOOP("Tool", "Tags"),
          .extensions = words(u"FLAC M4A MP3 WV APE"_s),
          .takesFilesWithoutExtension = false},
         {.label = u"lossy"_s,
-         .title = u"Lossy"_s,
+         .title = QT_TRANSLATE_NOOP("Tool", "Lossy"),
          .extensions = words(u"FLAC SHN WAV AIFF AIF WV TTA"_s),
          .takesAppleLossless = true,
          .defaults = {{u"lossySliderLevel"_s, 3},

@@ -19,6 +19,7 @@
 #include "ui/WindowPlace.h"
 
 #include <QCloseEvent>
+#include <QCoreApplication>
 #include <QDragEnterEvent>
 #include <QMenuBar>
 #include <QScreen>
@@ -76,7 +77,7 @@ void MainWindow::createPages()
         TabPage *const page = makePage(m_controller.tab(tool.label));
         if (page == nullptr)
             continue;
-        m_tabView->addTab(page, tool.title);
+        m_tabView->addTab(page, QCoreApplication::translate("Tool", tool.title));
         m_labels.append(tool.label);
         m_pages.insert(tool.label, page);
         connect(page, &TabPage::readinessChanged, this, &MainWindow::showReadiness);

@@ -3,6 +3,8 @@
 #include "NurvProgram.h"
 #include "PseudoTerminal.h"
 
+#include <QFile>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -66,6 +68,22 @@ TEST(Completion, OffersTheSameInFish)
         }
         offered.sort();
         EXPECT_EQ(offered, optionsInHelp(command)) << result.errors.constData();
+    }
+}
+
+TEST(Completion, IsAScriptThatZshReadsWithEveryOption)
+{
+    const QString script = QString::fromLocal8Bit(NURV_ZSH_COMPLETION);
+    const ProgramResult read = runProgram(u"zsh"_s, {u"-f"_s, u"-n"_s, script});
+    EXPECT_EQ(read.exitStatus, 0) << read.errors.constData();
+    QFile file(script);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QString text = QString::fromUtf8(file.readAll());
+    for (const QString &command : {u"encode"_s, u"decode"_s, u"doctor"_s, u"recover"_s}) {
+        const QString branch = text.section(u"    "_s + command + u")\n"_s, 1).section(u";;"_s, 0, 0);
+        for (const QString &option : optionsInHelp(command))
+            EXPECT_TRUE(branch.contains(u'\'' + option + u'=') || branch.contains(u'\'' + option + u'['))
+                << qPrintable(command + u' ' + option);
     }
 }
 
