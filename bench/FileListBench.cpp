@@ -4,9 +4,9 @@
 #include "app/NURVController.h"
 #include "app/UserPrompts.h"
 #include "convert/EncodeTab.h"
+#include "desktop/NullDesktopServices.h"
 #include "Measure.h"
-#include "platform/NullDesktopServices.h"
-#include "platform/SettingsStore.h"
+#include "settings/SettingsStore.h"
 #include "support/TestFolder.h"
 #include "toolbox/Toolbox.h"
 

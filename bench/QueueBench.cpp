@@ -4,12 +4,12 @@
 // against `xargs -P2`; and how long the GUI thread was away meanwhile.
 //
 //     QueueBench [JOBS]
+#include "base/NotificationCenter.h"
+#include "desktop/NullDesktopServices.h"
 #include "engine/NURVAsyncNSTask.h"
 #include "engine/NURVTaskQueue.h"
 #include "Measure.h"
-#include "platform/NotificationCenter.h"
-#include "platform/NullDesktopServices.h"
-#include "support/ToolFolder.h"
+#include "support/ProgramFolder.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -80,7 +80,7 @@ void runThroughQueue(const QString &program, int jobs)
 int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
-    const QString program = test::fakeToolPath();
+    const QString program = test::fakeProgramPath();
     const QStringList words = QCoreApplication::arguments();
     const int jobs = words.size() > 1 ? words[1].toInt() : kUsualJobs;
     QByteArray lines;

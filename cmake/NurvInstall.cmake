@@ -17,7 +17,7 @@ if(TARGET nurv-tags)
   add_dependencies(products nurv-tags)
   install(TARGETS nurv-tags RUNTIME DESTINATION lib/nurv)
 endif()
-get_property(tools GLOBAL PROPERTY NURV_BUNDLED_TOOLS)
+get_property(tools GLOBAL PROPERTY NURV_BUNDLED_PROGRAMS)
 foreach(tool IN LISTS tools)
   add_dependencies(products ${tool})
   # A former version may have installed a link here, which install() would write through.

@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 find_package(GTest REQUIRED)
 find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
-include(GoogleTest)
+
+set(NURV_TEST_CASES_TOGETHER 8 CACHE STRING "How many cases of a suite share a process at most")
 
 # All tests with that label, for builds that run no others.
 add_custom_target(unit_tests)
@@ -24,14 +25,20 @@ function(nurv_test name)
   if("unit" IN_LIST ARG_LABELS)
     add_dependencies(unit_tests ${name}_test)
   endif()
-  gtest_discover_tests(${name}_test
-    DISCOVERY_MODE PRE_TEST
-    DISCOVERY_TIMEOUT 60
-    TEST_PREFIX "${name}."
-    PROPERTIES
-      LABELS "${ARG_LABELS}"
-      TIMEOUT 120
-      ENVIRONMENT "QT_QPA_PLATFORM=offscreen;NURV_TOOLS=${NURV_TOOLS_DIR}")
+  # Asked when ctest starts, and again when the program is newer than what it said.
+  set(listed "${CMAKE_CURRENT_BINARY_DIR}/${name}_listed.cmake")
+  set(discovery "${CMAKE_CURRENT_BINARY_DIR}/${name}_discovery.cmake")
+  set(properties "LABELS [==[${ARG_LABELS}]==] TIMEOUT 300 ENVIRONMENT [==[QT_QPA_PLATFORM=offscreen;NURV_TOOLS=${NURV_TOOLS_DIR}]==]")
+  file(GENERATE OUTPUT "${discovery}" CONTENT
+"if(NOT EXISTS [==[${listed}]==] OR [==[$<TARGET_FILE:${name}_test>]==] IS_NEWER_THAN [==[${listed}]==]
+    OR [==[${discovery}]==] IS_NEWER_THAN [==[${listed}]==])
+  include([==[${CMAKE_SOURCE_DIR}/cmake/NurvDiscoverTests.cmake]==])
+  nurv_discover_tests([==[$<TARGET_FILE:${name}_test>]==] ${name}. ${NURV_TEST_CASES_TOGETHER} [==[${listed}]==]
+    [=====[${properties}]=====])
+endif()
+include([==[${listed}]==])
+")
+  set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${discovery}")
 endfunction()
 
 # nurv_corpus_test(<Fuzzer> LINKS ...): gives the files of corpus/<Fuzzer> in the current

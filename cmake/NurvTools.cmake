@@ -40,9 +40,9 @@ function(nurv_tool name)
   set_target_properties(${name} PROPERTIES
     AUTOMOC OFF
     RUNTIME_OUTPUT_DIRECTORY "${NURV_TOOLS_DIR}")
-  set_property(GLOBAL APPEND PROPERTY NURV_BUNDLED_TOOLS ${name})
-  if(TARGET nurv_platform)
-    set_property(TARGET nurv_programs APPEND PROPERTY NURV_BUNDLED_TOOLS ${name})
+  set_property(GLOBAL APPEND PROPERTY NURV_BUNDLED_PROGRAMS ${name})
+  if(TARGET nurv_programs)
+    set_property(TARGET nurv_programs APPEND PROPERTY NURV_BUNDLED_PROGRAMS ${name})
   endif()
 endfunction()
 

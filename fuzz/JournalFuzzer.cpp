@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "files/FileDescriptor.h"
 #include "journal/JournalContents.h"
 #include "journal/JournalLine.h"
-#include "platform/FileDescriptor.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/NurvFailure.h"
 #include "FuzzedFolder.h"
-#include "platform/NurvFailure.h"
 #include "tags/MetadataInventory.h"
 
 #include <cstdlib>

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "audio/Mpeg4Timing.h"
+#include "base/NurvFailure.h"
 #include "FuzzedChoices.h"
 #include "FuzzedFolder.h"
-#include "platform/Mpeg4Timing.h"
-#include "platform/NurvFailure.h"
 #include "tags/AACTagsHelper.h"
 #include "tags/Mp4Movie.h"
 #include "tags/Mp4Optimizer.h"

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "shntool/Console.h"
+#include "shntool/RunMessages.h"
 #include "shntool/PcmWaveHeader.h"
 #include "shntool/TimeText.h"
 #include "shntool/WaveHeaderReader.h"
@@ -21,10 +21,10 @@ protected:
 
 nurv::WaveHeaderFault read(std::span<const uint8_t> bytes, nurv::WaveHeader &header)
 {
-    nurv::Console console("shntool", "len");
-    console.isQuiet = true;
+    nurv::RunMessages messages("shntool", "len");
+    messages.isQuiet = true;
     BytesSource source(bytes);
-    return nurv::readWaveHeader(source, "a.wav", console, header);
+    return nurv::readWaveHeader(source, "a.wav", messages, header);
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/NurvFailure.h"
+#include "base/NurvFailure.h"
 #include "samples/ByteSource.h"
 #include "samples/ChunkRun.h"
 #include "samples/CodecHeaders.h"

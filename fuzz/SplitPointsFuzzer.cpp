@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "shntool/Console.h"
+#include "shntool/RunMessages.h"
 #include "shntool/CueSheet.h"
 #include "shntool/LengthValue.h"
 #include "shntool/NumberFormat.h"
@@ -17,8 +17,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const std::string text(data, data + size);
     std::istringstream input(text);
     const nurv::CueSheet sheet = nurv::CueSheet::read(input);
-    nurv::Console console("shntool", "split");
-    console.isQuiet = true;
+    nurv::RunMessages messages("shntool", "split");
+    messages.isQuiet = true;
     const nurv::WaveHeader cd = nurv::pcmHeader(44100, 2, 16);
     const nurv::WaveHeader studio = nurv::pcmHeader(96000, 6, 24);
     for (const std::string &place : sheet.places) {
@@ -26,7 +26,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
             const nurv::LengthValue value = nurv::LengthValue::parse(place);
             const bool isTime = value.unit != nurv::LengthValue::Unit::Bytes;
             if (isTime
-                && (value.inBytes(cd, console) % nurv::kSectorBytes != 0 || value.inBytes(studio, console) % 18 != 0))
+                && (value.inBytes(cd, messages) % nurv::kSectorBytes != 0 || value.inBytes(studio, messages) % 18 != 0))
                 std::abort();
         } catch (const nurv::LengthValue::Fault &) {
             continue;

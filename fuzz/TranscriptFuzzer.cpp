@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/ProblemLine.h"
 #include "FuzzedChoices.h"
-#include "platform/DecodeText.h"
-#include "platform/Utf8ChunkDecoder.h"
 #include "programs/AtomicParsley.h"
 #include "programs/Flac.h"
 #include "programs/Metaflac.h"
@@ -12,6 +10,8 @@
 #include "programs/Shorten.h"
 #include "programs/Ttaenc.h"
 #include "programs/Wavpack.h"
+#include "text/DecodeText.h"
+#include "text/Utf8ChunkDecoder.h"
 
 #include <cmath>
 #include <cstdlib>

@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/ApplicationShutdown.h"
 
-#include "app/AppLog.h"
 #include "app/NURVController.h"
-#include "platform/ChildProcess.h"
-#include "platform/GuiThread.h"
-#include "platform/WorkerThreads.h"
+#include "base/GuiThread.h"
+#include "base/Log.h"
+#include "base/WorkerThreads.h"
+#include "process/ChildProcess.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>

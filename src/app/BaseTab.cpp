@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/BaseTab.h"
 
-#include "app/AppLog.h"
 #include "app/NURVController.h"
 #include "app/PathNames.h"
-#include "platform/FileNameCollator.h"
-#include "platform/ResourceFolder.h"
-#include "platform/SettingsStore.h"
+#include "base/Log.h"
+#include "process/ResourceFolder.h"
+#include "settings/SettingsStore.h"
+#include "text/FileNameCollator.h"
 
 #include <QPointer>
 #include <QTimer>

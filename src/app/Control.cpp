@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/Control.h"
 
-#include "platform/SettingsStore.h"
+#include "settings/SettingsStore.h"
 
 #include <QScopedValueRollback>
 

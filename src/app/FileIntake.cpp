@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/FileIntake.h"
 
-#include "app/AppLog.h"
 #include "app/PathNames.h"
 #include "app/TemporaryNames.h"
-#include "platform/FileFacts.h"
-#include "platform/FileNames.h"
+#include "base/Log.h"
+#include "files/FileNames.h"
+#include "files/FileStatus.h"
 
 #include <QDir>
 #include <QFile>

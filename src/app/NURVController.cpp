@@ -2,15 +2,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/NURVController.h"
 
-#include "app/AppLog.h"
 #include "app/BaseTab.h"
 #include "app/PathNames.h"
 #include "app/UserPrompts.h"
+#include "audio/CoreAudioHelper.h"
+#include "base/Log.h"
+#include "base/NurvFailure.h"
+#include "base/Version.h"
 #include "engine/NURVTaskQueue.h"
-#include "platform/CoreAudioHelper.h"
-#include "platform/NurvFailure.h"
-#include "platform/SettingsStore.h"
-#include "platform/Version.h"
+#include "settings/SettingsStore.h"
 
 #include <algorithm>
 #include <exception>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/TemporaryNames.h"
 
-#include "platform/PrivateFolderName.h"
+#include "files/PrivateFolderName.h"
 
 #include <algorithm>
 

@@ -2,14 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/Util.h"
 
-#include "app/AppLog.h"
-#include "platform/FileFacts.h"
-#include "platform/FolderEntry.h"
-#include "platform/NurvFailure.h"
-#include "platform/SessionIdentifier.h"
-#include "platform/SettingsStore.h"
-#include "platform/SystemError.h"
-#include "platform/Trash.h"
+#include "base/Log.h"
+#include "base/NurvFailure.h"
+#include "base/SystemError.h"
+#include "desktop/SessionIdentifier.h"
+#include "files/FileStatus.h"
+#include "files/FolderEntry.h"
+#include "files/Trash.h"
+#include "settings/SettingsStore.h"
 
 #include <QByteArray>
 #include <QDir>
@@ -91,7 +91,7 @@ Util::Removal Util::removeFile(const QString &path, const QString &originalPath,
 {
     // One folder from the last look on, whatever is put in its place.
     const FolderEntry entry(path);
-    if (const auto now = entry.factsOfTarget(); seen && !(now && isUntouched(*seen, *now))) {
+    if (const auto now = entry.statusOfTarget(); seen && !(now && isUntouched(*seen, *now))) {
         qCWarning(appLog).noquote() << path << "was not removed: it is not what it was";
         return Removal::Stayed;
     }

@@ -3,16 +3,16 @@
 #include "checksum/CreateFFPTask.h"
 
 #include "app/PathNames.h"
+#include "base/NurvFailure.h"
+#include "base/SystemError.h"
+#include "base/Version.h"
 #include "checksum/ChecksumList.h"
 #include "checksum/Fingerprint.h"
-#include "platform/NurvFailure.h"
-#include "platform/ResourceFolder.h"
-#include "platform/SettingsStore.h"
-#include "platform/SystemError.h"
-#include "platform/TextFile.h"
-#include "platform/Version.h"
+#include "files/TextFile.h"
+#include "process/ResourceFolder.h"
 #include "programs/ExternalPrograms.h"
 #include "programs/Metaflac.h"
+#include "settings/SettingsStore.h"
 
 #include <QFile>
 
@@ -29,7 +29,7 @@ namespace {
 /// A list made without the program would hold nothing but its absence.
 void requireMetaflac()
 {
-    const QString program = toolPath(metaflac::program().name);
+    const QString program = programPath(metaflac::program().name);
     if (::access(QFile::encodeName(program).constData(), X_OK) != 0)
         throw NurvFailure(missingProgramText(program, systemErrorText(errno)));
 }

@@ -3,10 +3,10 @@
 #include "checksum/CreateMD5Task.h"
 
 #include "app/PathNames.h"
+#include "base/Version.h"
 #include "checksum/ChecksumList.h"
 #include "checksum/MD5Helper.h"
-#include "platform/TextFile.h"
-#include "platform/Version.h"
+#include "files/TextFile.h"
 
 using namespace Qt::StringLiterals;
 

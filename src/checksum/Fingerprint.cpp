@@ -4,7 +4,7 @@
 
 #include "app/PathNames.h"
 #include "engine/NSTaskWrapperSync.h"
-#include "platform/ResourceFolder.h"
+#include "process/ResourceFolder.h"
 #include "programs/Metaflac.h"
 
 using namespace Qt::StringLiterals;
@@ -14,7 +14,7 @@ namespace nurv {
 QString fingerprint(const QString &path)
 {
     const QString output =
-        NSTaskWrapperSync(toolPath(metaflac::program().name), metaflac::showDigestArguments(path)).runTask();
+        NSTaskWrapperSync(programPath(metaflac::program().name), metaflac::showDigestArguments(path)).runTask();
     if (metaflac::tellsOfError(output))
         return output;
     return lastPathComponent(path) + u':' + output;

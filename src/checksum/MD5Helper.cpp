@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "checksum/MD5Helper.h"
 
-#include "checksum/ChecksumLog.h"
-#include "platform/FileDescriptor.h"
-#include "platform/NurvFailure.h"
-#include "platform/SystemError.h"
+#include "base/Log.h"
+#include "base/NurvFailure.h"
+#include "base/SystemError.h"
+#include "files/FileDescriptor.h"
 
 #include <QByteArray>
 #include <QFile>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/ArgumentParser.h"
 
-#include "platform/FileNames.h"
+#include "files/FileNames.h"
 
 #include <algorithm>
 #include <numeric>

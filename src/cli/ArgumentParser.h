@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/NurvFailure.h"
 #include "cli/CommandSpec.h"
-#include "platform/NurvFailure.h"
 
 #include <QByteArray>
 #include <QHash>

@@ -4,18 +4,18 @@
 
 #include "app/BaseTab.h"
 #include "app/NURVController.h"
+#include "base/NotificationCenter.h"
+#include "base/WorkerThreads.h"
 #include "cli/BatchRun.h"
+#include "cli/commands/RecoverCommand.h"
 #include "cli/Console.h"
 #include "cli/ConsolePrompts.h"
 #include "cli/HumanUnits.h"
 #include "cli/InputFiles.h"
 #include "cli/OutputFolder.h"
-#include "cli/RecoverCommand.h"
+#include "desktop/NullDesktopServices.h"
 #include "engine/NURVTaskQueue.h"
-#include "platform/NotificationCenter.h"
-#include "platform/NullDesktopServices.h"
-#include "platform/SettingsStore.h"
-#include "platform/WorkerThreads.h"
+#include "settings/SettingsStore.h"
 #include "toolbox/Toolbox.h"
 
 #include <QFileInfo>

@@ -42,7 +42,7 @@ struct OutputSetters {
     ControlSetter dropMetadata;
 };
 
-/// Those of a ConversionTab.
+/// The options of a ConversionTab.
 [[nodiscard]] OutputSetters conversionSetters();
 
 /// Where outputs go, and what becomes of originals and of outputs that exist.

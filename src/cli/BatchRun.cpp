@@ -4,15 +4,15 @@
 
 #include "app/BaseTab.h"
 #include "app/NURVController.h"
+#include "base/GuiThread.h"
+#include "base/WorkerThreads.h"
 #include "cli/Console.h"
 #include "cli/ConsolePrompts.h"
 #include "cli/RowDisplay.h"
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskQueue.h"
-#include "platform/ChildProcess.h"
-#include "platform/GuiThread.h"
-#include "platform/TerminationSignals.h"
-#include "platform/WorkerThreads.h"
+#include "process/ChildProcess.h"
+#include "process/TerminationSignals.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>

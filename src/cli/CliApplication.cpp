@@ -5,7 +5,7 @@
 #include "cli/CommandTree.h"
 #include "cli/HelpText.h"
 #include "cli/LogOutput.h"
-#include "platform/FileNames.h"
+#include "files/FileNames.h"
 
 #include <QCoreApplication>
 

@@ -22,7 +22,7 @@ public:
     explicit CommandTree(std::vector<const Command *> commands) : m_commands(std::move(commands)) {}
 
     [[nodiscard]] const std::vector<const Command *> &commands() const { return m_commands; }
-    /// Those of a group in their order; empty when the word is none.
+    /// The commands of a group in their order; empty when the word is none.
     [[nodiscard]] std::vector<const Command *> group(const QString &word) const;
     /// The command that the words begin with, which are then taken off; null when there is none.
     [[nodiscard]] const Command *take(QList<QByteArray> &words) const;

@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/Commands.h"
 
-#include "cli/DecodeCommand.h"
-#include "cli/DoctorCommand.h"
-#include "cli/EncodeCommand.h"
-#include "cli/RecoverCommand.h"
+#include "cli/commands/DecodeCommand.h"
+#include "cli/commands/DoctorCommand.h"
+#include "cli/commands/EncodeCommand.h"
+#include "cli/commands/RecoverCommand.h"
 
 namespace nurv {
 

@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/Console.h"
 
-#include "cli/TextWidth.h"
-#include "platform/PrintableText.h"
-#include "platform/SystemError.h"
-#include "platform/WriteAll.h"
+#include "base/SystemError.h"
+#include "cli/ColumnWidth.h"
+#include "files/WriteAll.h"
+#include "text/PrintableText.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/HelpText.h"
 
-#include "platform/Version.h"
+#include "base/Version.h"
 
 #include <algorithm>
 

@@ -3,9 +3,9 @@
 #include "cli/InputFiles.h"
 
 #include "app/PathNames.h"
-#include "platform/CoreAudioHelper.h"
-#include "platform/FileNames.h"
-#include "platform/SystemError.h"
+#include "audio/CoreAudioHelper.h"
+#include "base/SystemError.h"
+#include "files/FileNames.h"
 
 #include <QFile>
 

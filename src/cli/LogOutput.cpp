@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/LogOutput.h"
 
+#include "base/GuiThread.h"
 #include "cli/Console.h"
-#include "platform/GuiThread.h"
 
 #include <QCoreApplication>
 #include <QLoggingCategory>

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/ManualOptions.h"
 
-#include "platform/NurvFailure.h"
-#include "platform/RegularExpression.h"
+#include "base/NurvFailure.h"
+#include "text/RegularExpression.h"
 
 #include <algorithm>
 

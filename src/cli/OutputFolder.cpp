@@ -3,7 +3,7 @@
 #include "cli/OutputFolder.h"
 
 #include "app/FileIntake.h"
-#include "platform/SystemError.h"
+#include "base/SystemError.h"
 
 #include <QDir>
 #include <QFile>

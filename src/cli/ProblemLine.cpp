@@ -3,8 +3,8 @@
 #include "cli/ProblemLine.h"
 
 #include "app/PathNames.h"
-#include "platform/PrintableText.h"
-#include "platform/RegularExpression.h"
+#include "text/PrintableText.h"
+#include "text/RegularExpression.h"
 
 #include <array>
 

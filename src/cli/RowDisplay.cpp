@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/RowDisplay.h"
 
+#include "cli/ColumnWidth.h"
 #include "cli/Console.h"
-#include "cli/TextWidth.h"
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskQueue.h"
-#include "platform/PrintableText.h"
+#include "text/PrintableText.h"
 
 #include <algorithm>
 #include <chrono>

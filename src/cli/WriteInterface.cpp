@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/NurvFailure.h"
 #include "cli/Commands.h"
 #include "cli/CompletionScript.h"
 #include "cli/ManualOptions.h"
-#include "platform/NurvFailure.h"
 
 #include <QFile>
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/CliApplication.h"
 #include "cli/Commands.h"
-#include "platform/StandardDescriptors.h"
+#include "process/StandardDescriptors.h"
 #include "tags/TagsProcess.h"
 
 int main(int argc, char **argv)

@@ -4,16 +4,16 @@
 
 #include "app/PathNames.h"
 #include "app/TemporaryNames.h"
-#include "convert/ConvertLog.h"
+#include "base/GuiThread.h"
+#include "base/Log.h"
+#include "base/NurvFailure.h"
+#include "base/SystemError.h"
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskResults.h"
+#include "files/FileStatus.h"
+#include "files/FolderEntry.h"
+#include "files/NewFolders.h"
 #include "originals/SoundLengthCheck.h"
-#include "platform/FileFacts.h"
-#include "platform/FolderEntry.h"
-#include "platform/GuiThread.h"
-#include "platform/NewFolders.h"
-#include "platform/NurvFailure.h"
-#include "platform/SystemError.h"
 #include "programs/Flac.h"
 
 #include <QFile>
@@ -128,7 +128,7 @@ std::optional<QString> Conversion::somethingInTheWay() const
 
 void Conversion::lookAtOutput()
 {
-    m_outputBefore = factsOf(outputFile());
+    m_outputBefore = statusOf(outputFile());
     // A link that leads nowhere has the name all the same.
     if (!m_outputBefore && isThere(outputFile()))
         m_outputBefore.emplace();
@@ -136,7 +136,7 @@ void Conversion::lookAtOutput()
 
 void Conversion::beginOutput(bool replaces)
 {
-    // It may have come since the job took the name.
+    // Something may have that name since the job took it.
     if (const std::optional<QString> obstacle = somethingInTheWay())
         throw NurvFailure(*obstacle);
     lookAtOutput();
@@ -176,20 +176,20 @@ void Conversion::noteIntermediateGone()
 
 bool Conversion::outputIsSource() const
 {
-    const std::optional<struct stat> source = factsOf(fileName());
-    const std::optional<struct stat> output = factsOf(outputFile());
+    const std::optional<struct stat> source = statusOf(fileName());
+    const std::optional<struct stat> output = statusOf(outputFile());
     return source && output && isSameFile(*source, *output);
 }
 
 bool Conversion::hasMadeOutput() const
 {
-    const std::optional<struct stat> now = factsOf(outputFile());
+    const std::optional<struct stat> now = statusOf(outputFile());
     return now && !isLink(outputFile()) && S_ISREG(now->st_mode) && now->st_size > 0 && hasTouchedOutput();
 }
 
 bool Conversion::hasTouchedOutput() const
 {
-    const std::optional<struct stat> now = factsOf(outputFile());
+    const std::optional<struct stat> now = statusOf(outputFile());
     return now && !(m_outputBefore && isUntouched(*m_outputBefore, *now));
 }
 
@@ -241,7 +241,7 @@ void Conversion::keepReasonForReport(const QString &reason)
 {
     if (!m_ownText.isEmpty() && !m_ownText.endsWith(u'\n'))
         m_ownText += u'\n';
-    // It may hold names, and names any words.
+    // The reason may hold names, and names any words.
     m_ownText += reason;
     keepEndOfReport();
 }
@@ -257,7 +257,7 @@ bool Conversion::hasToTell() const
     return m_task.error() || m_retirement.doubtReason() || !m_task.outcome().problem.isEmpty();
 }
 
-QString Conversion::reportInstead(const QString &usual) const
+QString Conversion::reportOr(const QString &usual) const
 {
     if (!hasToTell())
         return usual;
@@ -380,7 +380,7 @@ void Conversion::noteKept(const QString &reason)
     tell(u"%1; original kept"_s.arg(reason));
 }
 
-void Conversion::settleOutput()
+void Conversion::keepOrDropOutput()
 {
     noteEnding();
     // Whatever has the name of an output that was not begun belongs to somebody else.
@@ -438,7 +438,7 @@ void Conversion::restoreReplaced()
         tell(failure.reason());
     }
     m_replaced.reset();
-    // It is what was there before, and nothing that this job has made.
+    // The file is what was there before, and nothing that this job has made.
     lookAtOutput();
 }
 

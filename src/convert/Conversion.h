@@ -23,7 +23,7 @@ class NURVTask;
 /// batch, what it has to report, and whether its source may go. Every conversion job
 /// is a task and, beside that, one of these.
 ///
-///     takeOutput ──> beginOutput ──> the work, tags ──> examineOutput ──> settleOutput
+///     takeOutput ──> beginOutput ──> the work, tags ──> examineOutput ──> keepOrDropOutput
 ///                                                            ──> deleteSourceIfDone ──> releaseOutput
 ///
 /// Used by one thread at a time: the GUI thread before the start, then whichever
@@ -101,7 +101,7 @@ protected:
     void keepReasonForReport(const QString &reason);
     /// Of a job that has something to tell: the source's path, then the end of what was
     /// kept. Otherwise `usual`: the slots of a set tell no member from another.
-    [[nodiscard]] QString reportInstead(const QString &usual) const;
+    [[nodiscard]] QString reportOr(const QString &usual) const;
 
     /// What the job's row and the report begin with: the first problem counts.
     void noteProblem(const QString &problem);
@@ -134,7 +134,7 @@ protected:
     void takeVerdict(const SourceRetirement::Verdict &verdict);
     /// What was replaced goes, when the output is whole, or gets its name back. Once the
     /// error flag is final, before the source goes. Never throws; once only.
-    void settleOutput();
+    void keepOrDropOutput();
     /// Deletes the source if that was asked for, the job succeeded, and nothing speaks
     /// against it. What stays is named. Once at most.
     void deleteSourceIfDone();

@@ -4,8 +4,8 @@
 
 #include "convert/Conversion.h"
 #include "engine/NURVTaskQueue.h"
+#include "files/FileStatus.h"
 #include "originals/SoundLengthCheck.h"
-#include "platform/FileFacts.h"
 
 #include <QHash>
 

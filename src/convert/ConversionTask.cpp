@@ -4,13 +4,13 @@
 
 #include "app/PathNames.h"
 #include "app/TemporaryNames.h"
-#include "convert/ConvertLog.h"
-#include "platform/FileFacts.h"
-#include "platform/FileRename.h"
-#include "platform/GuiThread.h"
-#include "platform/NurvFailure.h"
-#include "platform/SystemError.h"
-#include "platform/WorkerThreads.h"
+#include "base/GuiThread.h"
+#include "base/Log.h"
+#include "base/NurvFailure.h"
+#include "base/SystemError.h"
+#include "base/WorkerThreads.h"
+#include "files/FileRename.h"
+#include "files/FileStatus.h"
 #include "programs/ExternalPrograms.h"
 
 #include <QFile>
@@ -87,7 +87,7 @@ void ConversionTask::completeStop()
                 task->programSucceeded() ? task->examineOutput() : SourceRetirement::Verdict();
             // When the application ends meanwhile, nobody else does.
             if (task->cancelled())
-                task->settleOutput();
+                task->keepOrDropOutput();
             // The job must not end on this thread.
             ConversionTask *const examined = task.get();
             postToGuiThread([task = std::move(task), examined, verdict] { examined->takeExamination(verdict); });
@@ -146,7 +146,7 @@ void ConversionTask::finishStop()
         noteProblem(u"its program made no output"_s);
         failWith(problemLine(u"its program made no output"_s));
     }
-    settleOutput();
+    keepOrDropOutput();
     if (hasRun())
         noteIntermediateGone();
     NURVAsyncNSTask::completeStop();
@@ -181,7 +181,7 @@ bool ConversionTask::programSucceeded() const
 
 QString ConversionTask::report() const
 {
-    return reportInstead(NURVAsyncNSTask::report());
+    return reportOr(NURVAsyncNSTask::report());
 }
 
 void ConversionTask::failWith(const QString &reason)

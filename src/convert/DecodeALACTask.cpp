@@ -11,7 +11,7 @@ namespace nurv {
 
 DecodeALACTask::DecodeALACTask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath,
                                const QString &format)
-    : TwoStageDecodeTask(queue, fileName, outputPath, format)
+    : StagedDecodeTask(queue, fileName, outputPath, format)
 {
 }
 

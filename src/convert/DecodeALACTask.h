@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "convert/TwoStageDecodeTask.h"
+#include "convert/StagedDecodeTask.h"
 
 namespace nurv {
 
 /// Apple Lossless to WAV or AIFF. Copies the tags to AIFF outputs.
-class DecodeALACTask final : public TwoStageDecodeTask {
+class DecodeALACTask final : public StagedDecodeTask {
 public:
     DecodeALACTask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath, const QString &format);
 

@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "convert/TwoStageDecodeTask.h"
+#include "convert/StagedDecodeTask.h"
 
 namespace nurv {
 
 /// Monkey's Audio to WAV or AIFF.
-class DecodeAPETask final : public TwoStageDecodeTask {
+class DecodeAPETask final : public StagedDecodeTask {
 public:
     DecodeAPETask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath, const QString &format);
 

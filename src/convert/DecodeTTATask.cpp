@@ -10,7 +10,7 @@ namespace nurv {
 
 DecodeTTATask::DecodeTTATask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath,
                              const QString &format)
-    : TwoStageDecodeTask(queue, fileName, outputPath, format)
+    : StagedDecodeTask(queue, fileName, outputPath, format)
 {
 }
 

@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "convert/TwoStageDecodeTask.h"
+#include "convert/StagedDecodeTask.h"
 
 namespace nurv {
 
 /// TTA to WAV or AIFF.
-class DecodeTTATask final : public TwoStageDecodeTask {
+class DecodeTTATask final : public StagedDecodeTask {
 public:
     DecodeTTATask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath, const QString &format);
 

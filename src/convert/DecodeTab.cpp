@@ -12,7 +12,7 @@
 #include "convert/DecodeTTATask.h"
 #include "convert/DecodeWavpackTask.h"
 #include "engine/NURVTaskQueue.h"
-#include "platform/ResourceFolder.h"
+#include "process/ResourceFolder.h"
 #include "programs/Flac.h"
 #include "programs/Shntool.h"
 
@@ -74,9 +74,9 @@ std::shared_ptr<Conversion> DecodeTab::makeConversion(const Batch &batch, const 
 std::shared_ptr<Conversion> DecodeTab::decodeFlac(const QString &source, const QString &outputFolder,
                                                   const QString &format, NURVTaskQueue *queue) const
 {
-    const QString output = outputPath(outputFolder, source, TwoStageDecodeTask::extensionOf(format));
+    const QString output = outputPath(outputFolder, source, StagedDecodeTask::extensionOf(format));
     return std::make_shared<DecodeFlacTask>(
-        source, queue, toolPath(flac::program().name),
+        source, queue, programPath(flac::program().name),
         flac::decodingArguments(format, flacKeepForeignMetadataButton.isOn(), decodeFlacThroughErrors.isOn(),
                                         source, output));
 }
@@ -84,7 +84,7 @@ std::shared_ptr<Conversion> DecodeTab::decodeFlac(const QString &source, const Q
 std::shared_ptr<Conversion> DecodeTab::decodeSHN(const QString &source, const QString &outputFolder,
                                                  const QString &format, NURVTaskQueue *queue) const
 {
-    return std::make_shared<DecodeSHNTask>(queue, toolPath(shntool::program().name),
+    return std::make_shared<DecodeSHNTask>(queue, programPath(shntool::program().name),
                                            shntool::fromShortenArguments(format, source, outputFolder));
 }
 

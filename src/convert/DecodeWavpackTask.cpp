@@ -11,7 +11,7 @@ namespace nurv {
 
 DecodeWavpackTask::DecodeWavpackTask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath,
                                      const QString &format)
-    : TwoStageDecodeTask(queue, fileName, outputPath, format)
+    : StagedDecodeTask(queue, fileName, outputPath, format)
 {
 }
 

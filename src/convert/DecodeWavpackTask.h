@@ -2,13 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "convert/TwoStageDecodeTask.h"
+#include "convert/StagedDecodeTask.h"
 
 namespace nurv {
 
 /// WavPack to WAV or AIFF. An AIFF file is made of a WAV file of the same name, which is
 /// then removed.
-class DecodeWavpackTask final : public TwoStageDecodeTask {
+class DecodeWavpackTask final : public StagedDecodeTask {
 public:
     DecodeWavpackTask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath, const QString &format);
 

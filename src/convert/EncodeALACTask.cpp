@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 namespace nurv {
 
 EncodeALACTask::EncodeALACTask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath)
-    : TwoStageEncodeTask(queue, fileName, outputPath, u"m4a"_s)
+    : StagedEncodeTask(queue, fileName, outputPath, u"m4a"_s)
 {
 }
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "convert/TwoStageEncodeTask.h"
+#include "convert/StagedEncodeTask.h"
 
 namespace nurv {
 
@@ -12,7 +12,7 @@ class TagsObject;
 ///
 ///     source ──> its decoder ──> temporary WAV ──> audio service ──> m4a ──> tags ──> gapless
 ///        └────────────── WAV, AIFF ──────────────────┘
-class EncodeALACTask final : public TwoStageEncodeTask {
+class EncodeALACTask final : public StagedEncodeTask {
 public:
     EncodeALACTask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath);
 

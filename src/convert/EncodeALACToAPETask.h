@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "convert/TwoStageEncodeTask.h"
+#include "convert/StagedEncodeTask.h"
 
 namespace nurv {
 
 /// Apple Lossless to Monkey's Audio, with the tags.
-class EncodeALACToAPETask final : public TwoStageEncodeTask {
+class EncodeALACToAPETask final : public StagedEncodeTask {
 public:
     /// `level`: 1000, 2000, ... 5000.
     EncodeALACToAPETask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath, const QString &level);

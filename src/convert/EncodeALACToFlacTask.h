@@ -2,14 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "convert/TwoStageEncodeTask.h"
+#include "convert/StagedEncodeTask.h"
 
 #include <memory>
 
 namespace nurv {
 
 /// Apple Lossless to FLAC, with the tags. `flac` encodes at its own level.
-class EncodeALACToFlacTask final : public TwoStageEncodeTask {
+class EncodeALACToFlacTask final : public StagedEncodeTask {
 public:
     /// `level` is kept, not passed on. `results` is the set of the batch.
     EncodeALACToFlacTask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath, int level,

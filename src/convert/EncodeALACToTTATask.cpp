@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 namespace nurv {
 
 EncodeALACToTTATask::EncodeALACToTTATask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath)
-    : TwoStageEncodeTask(queue, fileName, outputPath, u"tta"_s)
+    : StagedEncodeTask(queue, fileName, outputPath, u"tta"_s)
 {
 }
 

@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "convert/TwoStageEncodeTask.h"
+#include "convert/StagedEncodeTask.h"
 
 namespace nurv {
 
 /// Apple Lossless to TTA, without tags.
-class EncodeALACToTTATask final : public TwoStageEncodeTask {
+class EncodeALACToTTATask final : public StagedEncodeTask {
 public:
     EncodeALACToTTATask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath);
 

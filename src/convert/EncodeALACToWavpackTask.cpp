@@ -12,7 +12,7 @@ namespace nurv {
 
 EncodeALACToWavpackTask::EncodeALACToWavpackTask(NURVTaskQueue *queue, const QString &fileName,
                                                  const QString &outputPath, const QString &level)
-    : TwoStageEncodeTask(queue, fileName, outputPath, u"wv"_s), m_level(level)
+    : StagedEncodeTask(queue, fileName, outputPath, u"wv"_s), m_level(level)
 {
 }
 

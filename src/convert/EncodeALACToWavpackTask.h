@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "convert/TwoStageEncodeTask.h"
+#include "convert/StagedEncodeTask.h"
 
 namespace nurv {
 
 /// Apple Lossless to WavPack, with the tags.
-class EncodeALACToWavpackTask final : public TwoStageEncodeTask {
+class EncodeALACToWavpackTask final : public StagedEncodeTask {
 public:
     /// `level`: "-f" (fast) or "-h" (high).
     EncodeALACToWavpackTask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath,

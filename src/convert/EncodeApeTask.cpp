@@ -10,7 +10,7 @@ namespace nurv {
 
 EncodeApeTask::EncodeApeTask(NURVTaskQueue *queue, const QString &fileName, const QString &level,
                              const QString &outputPath)
-    : TwoStageEncodeTask(queue, fileName, outputPath, u"ape"_s), m_level(level)
+    : StagedEncodeTask(queue, fileName, outputPath, u"ape"_s), m_level(level)
 {
 }
 

@@ -2,13 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "convert/TwoStageEncodeTask.h"
+#include "convert/StagedEncodeTask.h"
 
 namespace nurv {
 
 /// WAV or AIFF to Monkey's Audio; whatever else the source is goes to `mac` as it is.
 /// The status that the program ends with does not make the job fail.
-class EncodeApeTask final : public TwoStageEncodeTask {
+class EncodeApeTask final : public StagedEncodeTask {
 public:
     /// `level`: 1000, 2000, ... 5000.
     EncodeApeTask(NURVTaskQueue *queue, const QString &fileName, const QString &level, const QString &outputPath);

@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "convert/EncodeCoreAudioSync.h"
 
-#include "convert/ConvertLog.h"
+#include "audio/AudioFileReader.h"
+#include "audio/AudioFileWriter.h"
+#include "base/Log.h"
+#include "base/NurvFailure.h"
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskResults.h"
-#include "platform/AudioFileReader.h"
-#include "platform/AudioFileWriter.h"
-#include "platform/NurvFailure.h"
 
 #include <vector>
 

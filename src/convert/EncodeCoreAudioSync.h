@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "platform/AudioFileStatus.h"
-#include "platform/AudioStreamDescription.h"
+#include "audio/AudioFileStatus.h"
+#include "audio/AudioStreamDescription.h"
 
 #include <QString>
 

@@ -2,13 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "convert/TwoStageEncodeTask.h"
+#include "convert/StagedEncodeTask.h"
 
 namespace nurv {
 
 /// WAV or AIFF to TTA; whatever else the source is goes to `ttaenc` as it is.
 /// The status that the program ends with does not make the job fail.
-class EncodeTTATask final : public TwoStageEncodeTask {
+class EncodeTTATask final : public StagedEncodeTask {
 public:
     EncodeTTATask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath);
 

@@ -18,15 +18,15 @@
 #include "convert/EncodeFlacTask.h"
 #include "convert/EncodeSHNTask.h"
 #include "convert/EncodeSHNToFlacTask.h"
-#include "convert/EncodeTTATask.h"
 #include "convert/EncodeThroughWavTask.h"
+#include "convert/EncodeTTATask.h"
 #include "convert/EncodeWavpackTask.h"
 #include "convert/EncodeWavpackToFlacTask.h"
 #include "engine/NURVTaskQueue.h"
 #include "engine/NURVTaskResults.h"
-#include "platform/ResourceFolder.h"
-#include "platform/SettingsStore.h"
+#include "process/ResourceFolder.h"
 #include "programs/Shntool.h"
+#include "settings/SettingsStore.h"
 
 #include <QDir>
 #include <QMap>
@@ -220,7 +220,7 @@ std::shared_ptr<Conversion> EncodeTab::encodeSHN(const QString &source, const QS
                                                  NURVTaskQueue *queue,
                                                  const std::shared_ptr<NURVTaskResults> &results) const
 {
-    return std::make_shared<EncodeSHNTask>(queue, toolPath(shntool::program().name),
+    return std::make_shared<EncodeSHNTask>(queue, programPath(shntool::program().name),
                                            shntool::toShortenArguments(source, outputFolder), results);
 }
 
@@ -231,7 +231,7 @@ std::shared_ptr<Conversion> EncodeTab::encodeFLAC(const QString &source, const Q
     const flac::Encoding encoding = flacEncoding(overwrite);
     const QString type = formatWord(source);
     if (type == u"SHN" || type == u"APE") {
-        return std::make_shared<EncodeSHNToFlacTask>(queue, toolPath(shntool::program().name),
+        return std::make_shared<EncodeSHNToFlacTask>(queue, programPath(shntool::program().name),
                                                      shntool::toFlacArguments(encoding, source, outputFolder),
                                                      type, results);
     }
@@ -244,7 +244,7 @@ std::shared_ptr<Conversion> EncodeTab::encodeFLAC(const QString &source, const Q
                                                          results);
     }
     const QString output = outputPath(outputFolder, source, u"flac"_s);
-    return std::make_shared<EncodeFlacTask>(source, queue, toolPath(flac::program().name),
+    return std::make_shared<EncodeFlacTask>(source, queue, programPath(flac::program().name),
                                             flac::encodingArguments(encoding, source, output), results);
 }
 

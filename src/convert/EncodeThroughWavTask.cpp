@@ -63,7 +63,7 @@ bool EncodeThroughWavTask::suitsShapeOf(const QString &source, const QString &fo
 
 EncodeThroughWavTask::EncodeThroughWavTask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath,
                                            Encoding encoding, std::shared_ptr<NURVTaskResults> results)
-    : TwoStageEncodeTask(queue, fileName, outputPath, encoding.format.toLower()), m_encoding(std::move(encoding))
+    : StagedEncodeTask(queue, fileName, outputPath, encoding.format.toLower()), m_encoding(std::move(encoding))
 {
     if (results)
         setResults(std::move(results));

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "convert/TwoStageEncodeTask.h"
+#include "convert/StagedEncodeTask.h"
 #include "programs/Flac.h"
 
 #include <memory>
@@ -11,7 +11,7 @@ namespace nurv {
 
 /// A lossless file to a format whose encoder cannot read it: decoded to a temporary WAV,
 /// encoded from there, with the tags where the new format takes them.
-class EncodeThroughWavTask final : public TwoStageEncodeTask {
+class EncodeThroughWavTask final : public StagedEncodeTask {
 public:
     /// What the encoders are told. Each takes what is its own.
     struct Encoding {

@@ -10,7 +10,7 @@ namespace nurv {
 
 EncodeWavpackTask::EncodeWavpackTask(NURVTaskQueue *queue, const QString &fileName, const QString &level,
                                      const QString &outputPath)
-    : TwoStageEncodeTask(queue, fileName, outputPath, u"wv"_s), m_level(level)
+    : StagedEncodeTask(queue, fileName, outputPath, u"wv"_s), m_level(level)
 {
 }
 

@@ -2,13 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "convert/TwoStageEncodeTask.h"
+#include "convert/StagedEncodeTask.h"
 
 namespace nurv {
 
 /// WAV or AIFF to WavPack; whatever else the source is goes to `wavpack` as it is.
 /// The status that the program ends with does not make the job fail.
-class EncodeWavpackTask final : public TwoStageEncodeTask {
+class EncodeWavpackTask final : public StagedEncodeTask {
 public:
     /// `level`: "-f" (fast) or "-h" (high).
     EncodeWavpackTask(NURVTaskQueue *queue, const QString &fileName, const QString &level, const QString &outputPath);

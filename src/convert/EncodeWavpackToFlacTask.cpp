@@ -16,7 +16,7 @@ namespace nurv {
 EncodeWavpackToFlacTask::EncodeWavpackToFlacTask(NURVTaskQueue *queue, const QString &fileName,
                                                  const QString &outputPath, int level, bool verify,
                                                  std::shared_ptr<NURVTaskResults> results)
-    : TwoStageEncodeTask(queue, fileName, outputPath, u"flac"_s), m_level(level), m_verify(verify)
+    : StagedEncodeTask(queue, fileName, outputPath, u"flac"_s), m_level(level), m_verify(verify)
 {
     setResults(std::move(results));
 }

@@ -2,14 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "convert/TwoStageEncodeTask.h"
+#include "convert/StagedEncodeTask.h"
 
 #include <memory>
 
 namespace nurv {
 
 /// WavPack to FLAC, with the tags. `flac` encodes at its own level.
-class EncodeWavpackToFlacTask final : public TwoStageEncodeTask {
+class EncodeWavpackToFlacTask final : public StagedEncodeTask {
 public:
     /// `level` is kept, not passed on. `results` is the set of the batch.
     EncodeWavpackToFlacTask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath, int level,

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/NSTaskWrapperSync.h"
 
-#include "platform/Utf8Text.h"
 #include "programs/ExternalPrograms.h"
 #include "programs/ProgramEnvironment.h"
+#include "text/Utf8Text.h"
 
 namespace nurv {
 

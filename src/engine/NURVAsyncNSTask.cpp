@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/NURVAsyncNSTask.h"
 
-#include "platform/GuiThread.h"
-#include "platform/NurvFailure.h"
+#include "base/GuiThread.h"
+#include "base/NurvFailure.h"
 #include "programs/ExternalPrograms.h"
 #include "programs/ProgramEnvironment.h"
 

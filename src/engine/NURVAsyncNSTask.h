@@ -3,8 +3,8 @@
 #pragma once
 
 #include "engine/NURVTask.h"
-#include "platform/ChildProcess.h"
-#include "platform/Utf8ChunkDecoder.h"
+#include "process/ChildProcess.h"
+#include "text/Utf8ChunkDecoder.h"
 
 #include <QStringList>
 

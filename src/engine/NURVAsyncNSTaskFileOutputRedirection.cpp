@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/NURVAsyncNSTaskFileOutputRedirection.h"
 
-#include "engine/EngineLog.h"
+#include "base/Log.h"
 #include "engine/NURVTaskResults.h"
-#include "platform/TextFile.h"
+#include "files/TextFile.h"
 
 using namespace Qt::StringLiterals;
 

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/NURVInProcessTask.h"
 
-#include "platform/GuiThread.h"
-#include "platform/NurvFailure.h"
-#include "platform/WorkerThreads.h"
+#include "base/GuiThread.h"
+#include "base/NurvFailure.h"
+#include "base/WorkerThreads.h"
 
 #include <exception>
 #include <system_error>

@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/NURVTask.h"
 
-#include "engine/EngineLog.h"
+#include "base/GuiThread.h"
+#include "base/Log.h"
 #include "engine/NURVTaskQueue.h"
 #include "engine/NURVTaskResults.h"
-#include "platform/GuiThread.h"
 
 #include <algorithm>
 #include <utility>

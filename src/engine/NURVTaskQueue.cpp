@@ -2,13 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/NURVTaskQueue.h"
 
-#include "engine/EngineLog.h"
+#include "base/GuiThread.h"
+#include "base/Log.h"
+#include "base/NotificationCenter.h"
+#include "desktop/DesktopServices.h"
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskResults.h"
-#include "platform/DesktopServices.h"
-#include "platform/GuiThread.h"
-#include "platform/NotificationCenter.h"
-#include "platform/SettingsStore.h"
+#include "settings/SettingsStore.h"
 
 #include <QScopeGuard>
 

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "journal/JournalContents.h"
 
+#include "base/SystemError.h"
 #include "journal/JournalFile.h"
 #include "journal/JournalLine.h"
-#include "platform/SystemError.h"
 
 #include <cerrno>
 #include <unistd.h>

@@ -2,15 +2,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "journal/JournalFile.h"
 
+#include "base/Log.h"
+#include "base/NurvFailure.h"
+#include "base/SystemError.h"
+#include "base/Version.h"
+#include "files/UnnamedFile.h"
 #include "journal/FileIdentity.h"
 #include "journal/JournalFolder.h"
 #include "journal/JournalLine.h"
-#include "journal/JournalLog.h"
-#include "platform/NurvFailure.h"
-#include "platform/ProcessMark.h"
-#include "platform/SystemError.h"
-#include "platform/UnnamedFile.h"
-#include "platform/Version.h"
+#include "process/ProcessMark.h"
 
 #include <QFile>
 

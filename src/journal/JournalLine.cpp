@@ -14,7 +14,7 @@ namespace {
 constexpr qsizetype kChecksumDigits = 8;
 constexpr std::array kDigits{'0', '1', '2', '3', '4', '5', '6', '7', '8', '9', 'a', 'b', 'c', 'd', 'e', 'f'};
 
-/// Those that a line or its parser would take for something else.
+/// Characters that a line or its parser would take for something else.
 bool mustBeEscaped(char character)
 {
     const auto byte = static_cast<unsigned char>(character);

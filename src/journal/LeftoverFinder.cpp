@@ -3,6 +3,7 @@
 #include "journal/LeftoverFinder.h"
 
 #include "app/TemporaryNames.h"
+#include "files/FolderStream.h"
 #include "journal/JournalFile.h"
 #include "journal/OutputCompleteness.h"
 
@@ -32,11 +33,7 @@ constexpr std::int64_t kStartLimitNs = 10 * kSecondNs;
 /// What another program has left alone for so long it does not work on.
 constexpr std::int64_t kQuietNs = 60 * kSecondNs;
 
-struct FolderCloser {
-    void operator()(DIR *folder) const { ::closedir(folder); }
-};
-
-std::optional<struct stat> factsOf(const QByteArray &path)
+std::optional<struct stat> statusOf(const QByteArray &path)
 {
     struct stat facts = {};
     return ::lstat(path.constData(), &facts) == 0 ? std::optional(facts) : std::nullopt;
@@ -134,7 +131,7 @@ void LeftoverFinder::lookAtOutput(const PlannedOutput &planned)
 {
     if (planned.hasEnded && !planned.hasOpenAside())
         return;
-    const Facts present = factsOf(planned.output);
+    const Facts present = statusOf(planned.output);
     // Before the output itself is begun, what goes before it may be.
     if (!planned.hasEnded)
         m_folders.insert(folderOf(planned.output));
@@ -177,7 +174,7 @@ bool LeftoverFinder::lookAtAside(const PlannedOutput &planned, const Facts &pres
     using enum Leftover::Kind;
     if (!planned.hasOpenAside())
         return false;
-    const Facts aside = factsOf(planned.aside);
+    const Facts aside = statusOf(planned.aside);
     if (!aside)
         return false;
     Leftover leftover = leave(Aside, {});
@@ -244,7 +241,7 @@ void LeftoverFinder::lookAtScratchFiles(const PlannedOutput &planned)
 {
     for (const QStringView suffix : {kFlacScratchSuffix, kMetaflacScratchSuffix}) {
         const QByteArray path = planned.output + suffix.toUtf8();
-        const Facts facts = factsOf(path);
+        const Facts facts = statusOf(path);
         if (!facts || !S_ISREG(facts->st_mode) || !isOurs(*facts)
             || nanoseconds(facts->st_ctim) < planned.begunNs.value_or(m_contents.beganNs)) {
             continue;
@@ -257,7 +254,7 @@ void LeftoverFinder::lookAtScratchFiles(const PlannedOutput &planned)
 void LeftoverFinder::lookAtNotedTemporary(const QByteArray &path)
 {
     using enum Leftover::Kind;
-    const Facts facts = factsOf(path);
+    const Facts facts = statusOf(path);
     // Its name is part of the proof: no line of a journal makes anything else go.
     if (!facts || kindOf(path) == TemporaryKind::None || kindOf(path) == TemporaryKind::Kept)
         return;
@@ -271,13 +268,13 @@ void LeftoverFinder::lookAtNotedTemporary(const QByteArray &path)
 /// names are theirs.
 void LeftoverFinder::lookAtFolder(const QByteArray &folder)
 {
-    const std::unique_ptr<DIR, FolderCloser> entries(::opendir((folder + '/').constData()));
+    const FolderStream entries(::opendir((folder + '/').constData()));
     while (const dirent *const entry = entries ? ::readdir(entries.get()) : nullptr) {
         const QByteArray path = folder + '/' + entry->d_name;
         const TemporaryKind kind = kindOf(path);
         lookAtTagEditorFile(path);
         if (kind == TemporaryKind::Part || kind == TemporaryKind::PrivateFolder || kind == TemporaryKind::Stage)
-            lookAtFolderEntry(path, factsOf(path));
+            lookAtFolderEntry(path, statusOf(path));
     }
 }
 
@@ -285,7 +282,7 @@ void LeftoverFinder::lookAtFolder(const QByteArray &folder)
 void LeftoverFinder::lookAtTagEditorFile(const QByteArray &path)
 {
     const auto begun = m_begunOutputs.constFind(targetOfTagEditorFile(path));
-    const Facts facts = begun != m_begunOutputs.cend() ? factsOf(path) : std::nullopt;
+    const Facts facts = begun != m_begunOutputs.cend() ? statusOf(path) : std::nullopt;
     if (!facts || !S_ISREG(facts->st_mode) || !isOurs(*facts) || nanoseconds(facts->st_ctim) < *begun)
         return;
     add(m_programs.isOpen(*facts) ? waitFor(Leftover::Kind::Temporary) : removal(Leftover::Kind::Temporary), path,
@@ -312,9 +309,9 @@ bool LeftoverFinder::isOpenSomewhere(const QByteArray &path, const struct stat &
 {
     if (!S_ISDIR(file.st_mode))
         return m_programs.isOpen(file);
-    const std::unique_ptr<DIR, FolderCloser> entries(::opendir(path.constData()));
+    const FolderStream entries(::opendir(path.constData()));
     while (const dirent *const entry = entries ? ::readdir(entries.get()) : nullptr) {
-        const Facts facts = factsOf(path + '/' + entry->d_name);
+        const Facts facts = statusOf(path + '/' + entry->d_name);
         if (facts && m_programs.isOpen(*facts))
             return true;
     }

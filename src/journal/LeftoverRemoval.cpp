@@ -2,8 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "journal/LeftoverRemoval.h"
 
-#include "platform/FileDescriptor.h"
-#include "platform/SystemError.h"
+#include "base/SystemError.h"
+#include "files/FileDescriptor.h"
+#include "files/FolderStream.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -19,10 +20,6 @@ using namespace Qt::StringLiterals;
 namespace nurv {
 
 namespace {
-
-struct FolderCloser {
-    void operator()(DIR *folder) const { ::closedir(folder); }
-};
 
 QByteArray nameOf(const QByteArray &path)
 {
@@ -52,7 +49,7 @@ int emptyPrivateFolder(const QByteArray &path)
 {
     FileDescriptor folder = openFolder(path, O_NOFOLLOW);
     const int copy = folder.isOpen() ? ::fcntl(folder.get(), F_DUPFD_CLOEXEC, 0) : -1;
-    const std::unique_ptr<DIR, FolderCloser> entries(copy < 0 ? nullptr : ::fdopendir(copy));
+    const FolderStream entries(copy < 0 ? nullptr : ::fdopendir(copy));
     if (!entries)
         return errno;
     while (const dirent *const entry = ::readdir(entries.get())) {

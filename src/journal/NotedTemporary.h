@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "files/FileStatus.h"
 #include "journal/OutputJournal.h"
-#include "platform/FileFacts.h"
 
 #include <QString>
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "journal/OutputCompleteness.h"
 
-#include "platform/FileDescriptor.h"
+#include "files/FileDescriptor.h"
 #include "samples/SoundLength.h"
 
 #include <QFile>

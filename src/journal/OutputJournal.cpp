@@ -2,14 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "journal/OutputJournal.h"
 
+#include "base/Log.h"
+#include "base/NurvFailure.h"
 #include "journal/FileIdentity.h"
 #include "journal/JournalContents.h"
 #include "journal/JournalFile.h"
 #include "journal/JournalLine.h"
-#include "journal/JournalLog.h"
 #include "journal/StaleJournal.h"
 #include "journal/TemporaryJournal.h"
-#include "platform/NurvFailure.h"
 
 #include <QFile>
 #include <QHash>
@@ -63,7 +63,7 @@ public:
         if (state == nullptr)
             return;
         // What stands there from now on is no longer what a killed run left.
-        m_staleNotes.settle(QFile::encodeName(output));
+        m_staleNotes.noteMadeAnew(QFile::encodeName(output));
         m_openCount += std::exchange(state->isBeingMade, true) ? 0 : 1;
         m_file->append(journalLine({"begun", numberOf(*state), QByteArray::number(static_cast<qint64>(fileClockNow())),
                                     FolderMark::of(QFile::encodeName(output)).toText()}));

@@ -2,8 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "journal/RunningPrograms.h"
 
-#include "platform/FileDescriptor.h"
-#include "platform/ProcessMark.h"
+#include "files/FileDescriptor.h"
+#include "files/FolderStream.h"
+#include "process/ProcessMark.h"
 
 #include <algorithm>
 #include <array>
@@ -33,13 +34,9 @@ constexpr qsizetype kMarkDigits = 32;
 /// A program may start another one while it is being ended.
 constexpr int kRounds = 3;
 
-struct FolderCloser {
-    void operator()(DIR *folder) const { ::closedir(folder); }
-};
-
 void forEachEntry(const QByteArray &path, const std::function<void(const QByteArray &name)> &use)
 {
-    const std::unique_ptr<DIR, FolderCloser> folder(::opendir(path.constData()));
+    const FolderStream folder(::opendir(path.constData()));
     while (const dirent *const entry = folder ? ::readdir(folder.get()) : nullptr)
         use(entry->d_name);
 }

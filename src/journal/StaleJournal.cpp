@@ -2,12 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "journal/StaleJournal.h"
 
+#include "base/Log.h"
+#include "base/SystemError.h"
+#include "files/FolderStream.h"
+#include "files/WriteAll.h"
 #include "journal/JournalFile.h"
 #include "journal/JournalFolder.h"
 #include "journal/JournalLine.h"
-#include "journal/JournalLog.h"
-#include "platform/SystemError.h"
-#include "platform/WriteAll.h"
 
 #include <QFile>
 
@@ -28,10 +29,6 @@ namespace nurv {
 namespace {
 
 constexpr std::int64_t kDayNs = 24LL * 60 * 60 * 1'000'000'000;
-
-struct FolderCloser {
-    void operator()(DIR *folder) const { ::closedir(folder); }
-};
 
 bool isOurFile(const struct stat &facts)
 {
@@ -74,7 +71,7 @@ QList<QByteArray> StaleJournal::names(const FileDescriptor &folder)
     QList<QByteArray> found;
     // A descriptor of its own: the position in the folder belongs to it.
     const int descriptor = ::openat(folder.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    const std::unique_ptr<DIR, FolderCloser> entries(descriptor < 0 ? nullptr : ::fdopendir(descriptor));
+    const FolderStream entries(descriptor < 0 ? nullptr : ::fdopendir(descriptor));
     if (!entries) {
         if (descriptor >= 0)
             ::close(descriptor);
@@ -153,7 +150,7 @@ StaleNotes StaleNotes::find(const std::function<bool(const QByteArray &output)> 
     return notes;
 }
 
-void StaleNotes::settle(const QByteArray &output)
+void StaleNotes::noteMadeAnew(const QByteArray &output)
 {
     const QList<Place> places = m_places.take(output);
     if (places.isEmpty())

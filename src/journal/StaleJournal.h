@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "files/FileDescriptor.h"
 #include "journal/JournalContents.h"
-#include "platform/FileDescriptor.h"
 
 #include <QByteArray>
 #include <QHash>
@@ -19,7 +19,7 @@ namespace nurv {
 /// process looks at it meanwhile.
 class StaleJournal {
 public:
-    /// Those in the folder, also of processes that run. Clears away what a process was
+    /// The journals in the folder, also of processes that run. Clears away what a process was
     /// killed at before it had begun anything.
     [[nodiscard]] static QList<QByteArray> names(const FileDescriptor &folder);
 
@@ -49,7 +49,7 @@ public:
     /// Looks for outputs for which `isPlanned` holds.
     [[nodiscard]] static StaleNotes find(const std::function<bool(const QByteArray &output)> &isPlanned);
     /// Notes in those journals that the output is no longer theirs.
-    void settle(const QByteArray &output);
+    void noteMadeAnew(const QByteArray &output);
 
 private:
     struct Place {

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "journal/TemporaryJournal.h"
 
+#include "base/Log.h"
+#include "base/NurvFailure.h"
 #include "journal/JournalLine.h"
-#include "journal/JournalLog.h"
-#include "platform/NurvFailure.h"
 
 #include <cstdint>
 #include <cstdlib>

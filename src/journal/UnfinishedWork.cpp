@@ -2,15 +2,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "journal/UnfinishedWork.h"
 
+#include "base/Log.h"
+#include "base/SystemError.h"
+#include "files/FileNames.h"
 #include "journal/JournalFile.h"
 #include "journal/JournalFolder.h"
-#include "journal/JournalLog.h"
 #include "journal/LeftoverFinder.h"
 #include "journal/LeftoverRemoval.h"
 #include "journal/RunningPrograms.h"
 #include "journal/StaleJournal.h"
-#include "platform/FileNames.h"
-#include "platform/SystemError.h"
 
 #include <QSet>
 

@@ -4,13 +4,13 @@
 
 #include "app/PathNames.h"
 #include "app/Util.h"
+#include "base/Log.h"
+#include "base/NurvFailure.h"
+#include "base/SystemError.h"
+#include "files/FileRename.h"
+#include "files/FileStatus.h"
+#include "files/FolderEntry.h"
 #include "journal/OutputJournal.h"
-#include "originals/OriginalsLog.h"
-#include "platform/FileFacts.h"
-#include "platform/FileRename.h"
-#include "platform/FolderEntry.h"
-#include "platform/NurvFailure.h"
-#include "platform/SystemError.h"
 
 #include <QFile>
 #include <QRandomGenerator>
@@ -69,7 +69,7 @@ ReplacedFile::~ReplacedFile()
 
 void ReplacedFile::passOnPermissions(const timespec &since) const
 {
-    const std::optional<struct stat> former = factsOf(m_aside);
+    const std::optional<struct stat> former = statusOf(m_aside);
     if (former && !FolderEntry(m_path).changeMode(former->st_mode & 0777, since))
         qCWarning(originalsLog).noquote() << "Permissions not kept:" << m_path << systemErrorText(errno);
 }

@@ -3,10 +3,10 @@
 #include "originals/SourceRetirement.h"
 
 #include "app/Util.h"
+#include "base/NurvFailure.h"
+#include "files/FileFlush.h"
+#include "files/FileStatus.h"
 #include "originals/SoundLengthCheck.h"
-#include "platform/FileFacts.h"
-#include "platform/FileFlush.h"
-#include "platform/NurvFailure.h"
 #include "samples/SampleStream.h"
 #include "tags/MetadataInventory.h"
 
@@ -21,14 +21,14 @@ std::vector<SourceRetirement::Seen> SourceRetirement::look(const QStringList &pa
 {
     std::vector<Seen> files;
     for (const QString &path : paths)
-        files.push_back({path, factsOf(path)});
+        files.push_back({path, statusOf(path)});
     return files;
 }
 
 bool SourceRetirement::areUntouched(const std::vector<Seen> &files)
 {
     return !files.empty() && std::all_of(files.begin(), files.end(), [](const Seen &file) {
-        const std::optional<struct stat> now = factsOf(file.path);
+        const std::optional<struct stat> now = statusOf(file.path);
         return now && file.facts && isUntouched(*file.facts, *now);
     });
 }
@@ -98,11 +98,11 @@ std::optional<QString> SourceRetirement::reasonToKeep(const QStringList &outputs
     if (outputs.isEmpty())
         return u"there is no output"_s;
     for (const QString &output : outputs) {
-        const std::optional<struct stat> facts = factsOf(output);
+        const std::optional<struct stat> facts = statusOf(output);
         if (!facts || !S_ISREG(facts->st_mode) || facts->st_size == 0)
             return u"there is no output"_s;
         for (const QString &source : m_sources) {
-            const std::optional<struct stat> sourceFacts = factsOf(source);
+            const std::optional<struct stat> sourceFacts = statusOf(source);
             if (sourceFacts && isSameFile(*sourceFacts, *facts))
                 return u"it is the output itself"_s;
         }

@@ -3,11 +3,11 @@
 #include "originals/StageFile.h"
 
 #include "app/Util.h"
+#include "base/Log.h"
+#include "base/NurvFailure.h"
+#include "base/SystemError.h"
+#include "files/FileStatus.h"
 #include "journal/OutputJournal.h"
-#include "originals/OriginalsLog.h"
-#include "platform/FileFacts.h"
-#include "platform/NurvFailure.h"
-#include "platform/SystemError.h"
 
 #include <QFile>
 

@@ -2,10 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "programs/ExternalPrograms.h"
 
-#include "platform/ChildProcess.h"
-#include "platform/ProcessEnvironment.h"
-#include "platform/RegularExpression.h"
-#include "platform/ResourceFolder.h"
+#include "process/ChildProcess.h"
+#include "process/ProcessEnvironment.h"
+#include "process/ResourceFolder.h"
 #include "programs/AtomicParsley.h"
 #include "programs/Flac.h"
 #include "programs/Metaflac.h"
@@ -14,6 +13,7 @@
 #include "programs/Shorten.h"
 #include "programs/Ttaenc.h"
 #include "programs/Wavpack.h"
+#include "text/RegularExpression.h"
 
 #include <QFileInfo>
 
@@ -96,13 +96,13 @@ const ExternalProgram *findExternalProgram(const QString &name)
 
 bool isPartOfThisBuild(const ExternalProgram &program)
 {
-    static const QStringList bundled = QString::fromLatin1(NURV_BUNDLED_TOOLS).split(u':');
+    static const QStringList bundled = QString::fromLatin1(NURV_BUNDLED_PROGRAMS).split(u':');
     return bundled.contains(program.name);
 }
 
 ProgramStatus checkProgram(const ExternalProgram &program)
 {
-    return checkProgram(program, toolPath(program.name));
+    return checkProgram(program, programPath(program.name));
 }
 
 ProgramStatus checkProgram(const ExternalProgram &program, const QString &path)

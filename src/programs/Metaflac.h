@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "platform/ChildProcess.h"
+#include "process/ChildProcess.h"
 #include "programs/ExternalProgram.h"
 
 #include <QString>

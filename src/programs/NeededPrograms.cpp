@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "programs/NeededPrograms.h"
 
-#include "platform/ResourceFolder.h"
+#include "process/ResourceFolder.h"
 #include "programs/ExternalPrograms.h"
 #include "programs/ProgramEnvironment.h"
 #include "programs/ProgramStage.h"
@@ -42,7 +42,7 @@ bool isAlongPath(const QString &name)
 /// A text for a program that cannot be started from the resource folder.
 QString missingText(const QString &name)
 {
-    const QString path = toolPath(name);
+    const QString path = programPath(name);
     return missingProgramText(path, QFileInfo::exists(path) ? u"it is not an executable file"_s : u"it is not there"_s);
 }
 
@@ -69,7 +69,7 @@ QStringList NeededPrograms::missing() const
 {
     QStringList texts;
     for (const QString &name : launched) {
-        if (!isProgram(toolPath(name)))
+        if (!isProgram(programPath(name)))
             texts.append(missingText(name));
     }
     for (const QString &name : helpers) {

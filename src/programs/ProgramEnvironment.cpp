@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "programs/ProgramEnvironment.h"
 
-#include "platform/ProcessEnvironment.h"
-#include "platform/ResourceFolder.h"
+#include "process/ProcessEnvironment.h"
+#include "process/ResourceFolder.h"
 
 using namespace Qt::StringLiterals;
 

@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "programs/Shntool.h"
 
-#include "platform/TextNumbers.h"
 #include "programs/MonkeysAudio.h"
 #include "programs/Shorten.h"
 #include "programs/Wavpack.h"
+#include "text/TextNumbers.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "programs/Wavpack.h"
 
-#include "platform/TextNumbers.h"
+#include "text/TextNumbers.h"
 
 using namespace Qt::StringLiterals;
 

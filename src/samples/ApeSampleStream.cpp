@@ -4,7 +4,7 @@
 
 #include "ape/ApeFileReader.h"
 #include "ape/ApeFrameDecoder.h"
-#include "platform/NurvFailure.h"
+#include "base/NurvFailure.h"
 #include "samples/ChunkRun.h"
 #include "samples/CodecFailure.h"
 #include "samples/PcmSamples.h"

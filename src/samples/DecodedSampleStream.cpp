@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "samples/DecodedSampleStream.h"
 
-#include "platform/AudioFileHeader.h"
-#include "platform/LibAv.h"
-#include "platform/NurvFailure.h"
+#include "audio/AudioFileHeader.h"
+#include "audio/LibAv.h"
+#include "base/NurvFailure.h"
 #include "samples/CodecHeaders.h"
 #include "samples/DecodedSoundCheck.h"
 #include "samples/LibAvSamples.h"

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "samples/LibAvSamples.h"
 
-#include "platform/LibAv.h"
+#include "audio/LibAv.h"
 
 #include <bit>
 #include <type_traits>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "samples/PcmHeader.h"
 
-#include "platform/NurvFailure.h"
+#include "base/NurvFailure.h"
 #include "samples/ByteSource.h"
 #include "samples/ChunkRun.h"
 
@@ -52,7 +52,7 @@ bool isName(const std::uint8_t *bytes, const char *name)
 }
 
 /// The head of one chunk.
-struct Chunk {
+struct PcmChunk {
     std::array<std::uint8_t, 4> name{};
     std::uint32_t size = 0;
     std::int64_t start = 0; ///< of its contents
@@ -62,12 +62,12 @@ struct Chunk {
 };
 
 /// What the headers of both kinds of files are read with.
-class HeaderReader {
+class PcmHeaderReader {
 public:
-    HeaderReader(const ByteSource &source, bool isBigEndian) : m_source(source), m_isBigEndian(isBigEndian) {}
+    PcmHeaderReader(const ByteSource &source, bool isBigEndian) : m_source(source), m_isBigEndian(isBigEndian) {}
 
     /// Whether there is a chunk at the offset.
-    [[nodiscard]] bool readChunk(std::int64_t offset, Chunk &chunk) const
+    [[nodiscard]] bool readChunk(std::int64_t offset, PcmChunk &chunk) const
     {
         std::array<std::uint8_t, kChunkHeadBytes> head{};
         if (!m_source.readAll(offset, head.data(), head.size()))
@@ -81,7 +81,7 @@ public:
 
     /// The first bytes of a chunk, as many as there are of them; the rest stays 0.
     template<std::size_t Size>
-    [[nodiscard]] std::array<std::uint8_t, Size> contents(const Chunk &chunk, std::size_t least) const
+    [[nodiscard]] std::array<std::uint8_t, Size> contents(const PcmChunk &chunk, std::size_t least) const
     {
         std::array<std::uint8_t, Size> bytes{};
         const std::size_t count = m_source.readAt(chunk.start, bytes.data(), std::min<std::size_t>(Size, chunk.size));
@@ -91,7 +91,7 @@ public:
     }
 
     /// The offset field of an SSND chunk, also where the chunk's size leaves no room for it.
-    [[nodiscard]] std::int64_t offsetOfSound(const Chunk &chunk) const
+    [[nodiscard]] std::int64_t offsetOfSound(const PcmChunk &chunk) const
     {
         std::array<std::uint8_t, 8> head{};
         if (!m_source.readAll(chunk.start, head.data(), head.size()))
@@ -138,7 +138,7 @@ public:
 
     PcmHeader read()
     {
-        Chunk chunk;
+        PcmChunk chunk;
         std::int64_t position = m_start + kFileHeadBytes;
         for (int chunks = 0; chunks < kMostChunks && m_reader.readChunk(position, chunk); ++chunks) {
             if (chunk.is("data"))
@@ -153,7 +153,7 @@ public:
     }
 
 private:
-    void readFormat(const Chunk &chunk)
+    void readFormat(const PcmChunk &chunk)
     {
         const auto bytes = m_reader.contents<40>(chunk, 16);
         const auto field = [&bytes](std::size_t at) { return qFromLittleEndian<quint16>(bytes.data() + at); };
@@ -180,7 +180,7 @@ private:
         m_header.coding.isUnsigned = m_header.coding.bytesPerSample == 1;
     }
 
-    PcmHeader finish(const Chunk &data)
+    PcmHeader finish(const PcmChunk &data)
     {
         if (m_header.format.channels == 0)
             throw NurvFailure(u"its header does not tell how its samples are kept"_s);
@@ -202,7 +202,7 @@ private:
         return m_header;
     }
 
-    HeaderReader m_reader;
+    PcmHeaderReader m_reader;
     std::int64_t m_start;
     PcmHeader m_header;
     std::optional<std::uint64_t> m_wideSize;
@@ -218,8 +218,8 @@ public:
 
     PcmHeader read()
     {
-        Chunk chunk;
-        Chunk sound;
+        PcmChunk chunk;
+        PcmChunk sound;
         std::int64_t position = m_start + kFileHeadBytes;
         for (int chunks = 0; chunks < kMostChunks && m_reader.readChunk(position, chunk); ++chunks) {
             if (chunk.is("COMM"))
@@ -235,7 +235,7 @@ public:
     }
 
 private:
-    void readCommon(const Chunk &chunk)
+    void readCommon(const PcmChunk &chunk)
     {
         const auto bytes = m_reader.contents<22>(chunk, m_isCompressed ? 22 : 18);
         const auto channels = qFromBigEndian<quint16>(bytes.data());
@@ -278,7 +278,7 @@ private:
         return static_cast<std::uint32_t>(mantissa >> (63 - (exponent - 16383)));
     }
 
-    PcmHeader finish(const Chunk &sound)
+    PcmHeader finish(const PcmChunk &sound)
     {
         const std::int64_t headBytes = 8 + m_reader.offsetOfSound(sound);
         m_header.soundStart = sound.start + headBytes;
@@ -307,7 +307,7 @@ private:
         return m_header;
     }
 
-    HeaderReader m_reader;
+    PcmHeaderReader m_reader;
     std::int64_t m_start;
     bool m_isCompressed;
     PcmHeader m_header;

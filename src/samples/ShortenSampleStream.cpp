@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "samples/ShortenSampleStream.h"
 
-#include "platform/NurvFailure.h"
+#include "base/NurvFailure.h"
 #include "samples/ChunkRun.h"
 #include "samples/CodecFailure.h"
 #include "samples/SampleCount.h"

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "samples/SoundComparison.h"
 
-#include "platform/NurvFailure.h"
+#include "base/NurvFailure.h"
 #include "samples/FormatCheck.h"
 #include "samples/ReadAheadSound.h"
 #include "samples/SampleCount.h"

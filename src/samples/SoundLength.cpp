@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "samples/SoundLength.h"
 
-#include "platform/AudioFileHeader.h"
-#include "platform/NurvFailure.h"
+#include "audio/AudioFileHeader.h"
+#include "base/NurvFailure.h"
 #include "samples/ByteSource.h"
 #include "samples/CodecHeaders.h"
 #include "samples/FlacLastFrame.h"

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "samples/StretchSearch.h"
 
-#include "platform/NurvFailure.h"
+#include "base/NurvFailure.h"
 #include "samples/FormatCheck.h"
 
 #include <algorithm>

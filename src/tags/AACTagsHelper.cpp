@@ -4,24 +4,24 @@
 
 #include "app/PathNames.h"
 #include "app/Util.h"
-#include "engine/ToolRunSync.h"
+#include "audio/AudioPackets.h"
+#include "base/Log.h"
+#include "base/NurvFailure.h"
+#include "base/SystemError.h"
+#include "base/Version.h"
+#include "engine/ProgramRunSync.h"
+#include "files/FileStatus.h"
+#include "files/FolderEntry.h"
 #include "journal/NotedTemporary.h"
-#include "platform/AudioPackets.h"
-#include "platform/FileFacts.h"
-#include "platform/FolderEntry.h"
-#include "platform/NurvFailure.h"
-#include "platform/ResourceFolder.h"
-#include "platform/SystemError.h"
-#include "platform/TextNumbers.h"
-#include "platform/Version.h"
+#include "process/ResourceFolder.h"
 #include "programs/AtomicParsley.h"
 #include "tags/AlbumArt.h"
 #include "tags/Mp4Movie.h"
 #include "tags/Mp4Optimizer.h"
 #include "tags/TagEditStream.h"
-#include "tags/TagsLog.h"
 #include "tags/TagsProcess.h"
 #include "tags/TagsUnavailable.h"
+#include "text/TextNumbers.h"
 
 #include <QDir>
 #include <QFile>
@@ -261,7 +261,7 @@ public:
 
     [[nodiscard]] bool isKept() const { return m_isKept; }
     /// Puts the file back unless the first name still leads to the same sound.
-    void settle()
+    void putBackIfSoundChanged()
     {
         const QByteArray name = QFile::encodeName(m_path);
         if (m_sound.isEmpty() ? !QFile::exists(m_path) : audioPacketsDigest(m_path) != m_sound) {
@@ -353,7 +353,7 @@ void AACTagsHelper::makeGapless(const QString &path, const std::function<bool()>
         KeptFile kept(file);
         if (kept.isKept()) {
             runParsley(file, isUnwanted);
-            kept.settle();
+            kept.putBackIfSoundChanged();
         } else {
             qCWarning(tagsLog).noquote() << "Not marked as gapless, since it could not be kept meanwhile:" << path;
         }
@@ -365,16 +365,16 @@ void AACTagsHelper::makeGapless(const QString &path, const std::function<bool()>
 void AACTagsHelper::runParsley(const QString &path, const std::function<bool()> &isUnwanted)
 {
     const QStringList formerTemporaries = atomicParsley::temporariesBeside(path);
-    // It would write through the one whose number it draws.
+    // AtomicParsley would write through the link whose number it draws.
     const auto leads = [&path](const QString &name) { return isLink(joinPath(folderOf(path), name)); };
     if (std::any_of(formerTemporaries.begin(), formerTemporaries.end(), leads)) {
         qCWarning(tagsLog).noquote() << "Not marked as gapless, since links have the names of its program's files:" << path;
         return;
     }
-    ToolRunSync parsley(toolPath(atomicParsley::program().name), atomicParsley::gaplessArguments(path));
+    ProgramRunSync parsley(programPath(atomicParsley::program().name), atomicParsley::gaplessArguments(path));
     atomicParsley::setEnvironment(parsley.environment());
     QString recent;
-    const ToolRunSync::Ending ending = parsley.run(
+    const ProgramRunSync::Ending ending = parsley.run(
         [&](const QString &chunk) {
             recent = recent.right(atomicParsley::kLongestCopyMarker) + chunk;
             return !atomicParsley::tellsOfFailedCopy(recent);

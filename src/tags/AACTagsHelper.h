@@ -58,8 +58,7 @@ public:
     /// The version of QuickTime on this machine, one digit in each of the 4 bits from bits
     /// 24, 20 and 16 on; nothing where there is none.
     using QuickTimeVersionProvider = std::function<std::optional<std::uint32_t>()>;
-    /// Who is asked for it, on the thread that writes. Without a provider, which is how it
-    /// starts, there is none.
+    /// The provider is asked on the thread that writes. Without one, as at first, no version is known.
     static void setQuickTimeVersionProvider(QuickTimeVersionProvider provider);
 
 private:

@@ -4,13 +4,13 @@
 
 #include "app/PathNames.h"
 #include "app/TemporaryNames.h"
+#include "base/Log.h"
+#include "base/NurvFailure.h"
 #include "engine/NSTaskWrapperSync.h"
-#include "platform/FileFacts.h"
-#include "platform/NurvFailure.h"
-#include "platform/ResourceFolder.h"
-#include "platform/TextNumbers.h"
+#include "files/FileStatus.h"
+#include "process/ResourceFolder.h"
 #include "programs/Metaflac.h"
-#include "tags/TagsLog.h"
+#include "text/TextNumbers.h"
 
 #include <QFileInfo>
 
@@ -22,7 +22,7 @@ namespace {
 
 QString runMetaflac(const QStringList &arguments)
 {
-    NSTaskWrapperSync task(toolPath(metaflac::program().name), arguments);
+    NSTaskWrapperSync task(programPath(metaflac::program().name), arguments);
     metaflac::setEnvironment(task.environment());
     return task.runTask();
 }
@@ -42,9 +42,9 @@ void writeByMetaflac(const QString &path, const QStringList &arguments)
     if (isThere(scratch))
         throw NurvFailure(u"%1 is there already, and has the name of a temporary file of metaflac"_s.arg(
             lastPathComponent(scratch)));
-    const bool wasThere = factsOf(path).has_value();
+    const bool wasThere = statusOf(path).has_value();
     runMetaflac(arguments);
-    const std::optional<struct stat> now = factsOf(path);
+    const std::optional<struct stat> now = statusOf(path);
     if (!wasThere)
         return;
     if (!now || !S_ISREG(now->st_mode) || isLink(path))
@@ -87,7 +87,7 @@ void FlacTagHelper::writeTagForFile(const QString &path, QStringView tagKey, con
         return;
     const QString file = fileOf(path);
     const QStringList setArguments = metaflac::setTagArguments(file, tagKey, value);
-    // Such a run could not start, and the removal before it would lose the old value.
+    // A run of a command line that is too long could not start, and the removal before it would lose the old value.
     if (!metaflac::canBeStartedWith(setArguments)) {
         qCWarning(tagsLog, "%s is too long for a command line and keeps its old value: %s",
                   qUtf8Printable(tagKey.toString()), qUtf8Printable(path));

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "platform/AudioFormatObject.h"
+#include "audio/AudioFormatObject.h"
 #include "tags/TagsObject.h"
 
 #include <QString>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tags/Id3v2Scan.h"
 
-#include "platform/NurvFailure.h"
+#include "base/NurvFailure.h"
 
 #include <id3v2extendedheader.h>
 #include <id3v2frame.h>

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tags/MetadataBytes.h"
 
-#include "platform/NurvFailure.h"
-#include "platform/SystemError.h"
+#include "base/NurvFailure.h"
+#include "base/SystemError.h"
 #include "tags/HandedFile.h"
 
 #include <QCryptographicHash>

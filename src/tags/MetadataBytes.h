@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "platform/FileDescriptor.h"
+#include "files/FileDescriptor.h"
 
 #include <QByteArray>
 #include <QString>

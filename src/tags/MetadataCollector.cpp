@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tags/MetadataCollector.h"
 
-#include "platform/NurvFailure.h"
+#include "base/NurvFailure.h"
 #include "tags/MetadataBytes.h"
 #include "tags/MetadataFieldNames.h"
 
@@ -116,7 +116,7 @@ void MetadataCollector::addId3v1(const QByteArray &tag)
     m_id3v1Tags.append(tag);
 }
 
-void MetadataCollector::settleId3v1(const QByteArray &tag)
+void MetadataCollector::addRestOfId3v1(const QByteArray &tag)
 {
     addId3v1Text(u"TITLE"_s, tag.mid(3, 30));
     addId3v1Text(u"ARTIST"_s, tag.mid(33, 30));
@@ -150,7 +150,7 @@ void MetadataCollector::addId3v1Text(const QString &field, QByteArray text)
 MetadataInventory MetadataCollector::inventory()
 {
     for (const QByteArray &tag : std::exchange(m_id3v1Tags, {}))
-        settleId3v1(tag);
+        addRestOfId3v1(tag);
     return std::move(m_inventory);
 }
 

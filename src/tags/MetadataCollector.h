@@ -36,7 +36,7 @@ private:
     void addValue(const QString &field, const QString &value);
     void addTrackOrDisc(const QString &field, const QString &value);
     void countOne();
-    void settleId3v1(const QByteArray &tag);
+    void addRestOfId3v1(const QByteArray &tag);
     void addId3v1Text(const QString &field, QByteArray text);
 
     MetadataInventory m_inventory;

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tags/Mp4Metadata.h"
 
-#include "platform/NurvFailure.h"
+#include "base/NurvFailure.h"
 #include "tags/MetadataBytes.h"
 #include "tags/MetadataFieldNames.h"
 #include "tags/Mp4Movie.h"

@@ -65,7 +65,7 @@ public:
     /// pictures. Fillers and what describes the sound are left out. Nothing when it is damaged.
     [[nodiscard]] std::optional<std::vector<Part>> otherParts() const;
 
-    // These replace all values of the item and make the item where there is none. They
+    // The setters replace all values of the item and make the item where there is none. They
     // return false, and change nothing, when the metadata is damaged or of another kind.
     [[nodiscard]] bool setText(FourCharacters item, const QString &text);
     /// `size` is how many bytes this item's value has, at least 6.

@@ -3,11 +3,11 @@
 #include "tags/Mp4Optimizer.h"
 
 #include "app/Util.h"
+#include "base/Log.h"
+#include "base/NurvFailure.h"
+#include "base/SystemError.h"
+#include "files/FileFlush.h"
 #include "journal/NotedTemporary.h"
-#include "platform/FileFlush.h"
-#include "platform/NurvFailure.h"
-#include "platform/SystemError.h"
-#include "tags/TagsLog.h"
 
 #include <QFile>
 #include <QFileInfo>

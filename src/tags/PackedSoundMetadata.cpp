@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tags/PackedSoundMetadata.h"
 
-#include "platform/NurvFailure.h"
+#include "base/NurvFailure.h"
 #include "tags/SoundChunks.h"
 
 using namespace Qt::StringLiterals;

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tags/PictureDigest.h"
 
-#include "platform/NurvFailure.h"
+#include "base/NurvFailure.h"
 #include "tags/AlbumArt.h"
 #include "tags/MetadataBytes.h"
 #include "tags/TagsProcess.h"

@@ -11,17 +11,17 @@ namespace nurv {
 
 namespace {
 
-struct Gate {
+struct PictureGate {
     std::mutex lock;
     std::condition_variable givenBack;
     std::int64_t givenOut = 0;
     std::function<void(std::int64_t)> askElsewhere;
 };
 
-Gate &gate()
+PictureGate &gate()
 {
     // Never destroyed: workers may decode until the process ends.
-    static Gate *const instance = new Gate;
+    static PictureGate *const instance = new PictureGate;
     return *instance;
 }
 

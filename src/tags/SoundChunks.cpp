@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tags/SoundChunks.h"
 
-#include "platform/NurvFailure.h"
+#include "base/NurvFailure.h"
 #include "tags/Id3Tag.h"
 #include "tags/MetadataFieldNames.h"
 #include "tags/TrailingTags.h"
@@ -52,7 +52,7 @@ QString textOf(const QByteArray &bytes)
     return text.isValidUtf8() ? QString::fromUtf8(text) : QString::fromLatin1(text);
 }
 
-struct Chunk {
+struct SoundChunk {
     QByteArray name;
     std::int64_t contents = 0; ///< where they start
     std::int64_t size = 0;     ///< of the contents, as the head tells it
@@ -71,7 +71,7 @@ public:
     /// are none, or at the end.
     std::int64_t readFrom(std::int64_t position)
     {
-        while (const std::optional<Chunk> chunk = chunkAt(position)) {
+        while (const std::optional<SoundChunk> chunk = chunkAt(position)) {
             if (++m_chunks > kMostChunks)
                 throw NurvFailure(u"it has more than %1 chunks"_s.arg(kMostChunks));
             if (isSound(chunk->name)) {
@@ -110,12 +110,12 @@ public:
     }
 
 private:
-    [[nodiscard]] std::optional<Chunk> chunkAt(std::int64_t position) const
+    [[nodiscard]] std::optional<SoundChunk> chunkAt(std::int64_t position) const
     {
         const QByteArray head = m_bytes.peek(position, kHeadSize);
         if (head.size() < kHeadSize || !isName(head.left(4)))
             return std::nullopt;
-        Chunk chunk{.name = head.left(4), .contents = position + kHeadSize, .size = number(head, 4)};
+        SoundChunk chunk{.name = head.left(4), .contents = position + kHeadSize, .size = number(head, 4)};
         if (chunk.size == kSizeUnknown && chunk.name == "data" && m_longSoundSize)
             chunk.size = *m_longSoundSize;
         return chunk;
@@ -123,18 +123,18 @@ private:
 
     [[nodiscard]] bool isChunkOrEnd(std::int64_t position) const
     {
-        const std::optional<Chunk> chunk = chunkAt(position);
+        const std::optional<SoundChunk> chunk = chunkAt(position);
         return chunk ? chunk->end() <= m_bytes.size() : position >= m_bytes.size();
     }
 
-    [[nodiscard]] bool soundReachesEnd(const Chunk &sound) const
+    [[nodiscard]] bool soundReachesEnd(const SoundChunk &sound) const
     {
         // A recorder that broke down, or a pipe, left no size.
         return sound.size > m_bytes.size() - sound.contents || (sound.size == 0 && !isChunkOrEnd(sound.contents));
     }
 
     /// The padding after an odd size, which some programs leave out.
-    [[nodiscard]] std::int64_t next(const Chunk &chunk) const
+    [[nodiscard]] std::int64_t next(const SoundChunk &chunk) const
     {
         const bool isPadded = (chunk.size & 1) != 0 && m_bytes.isZero(chunk.end(), 1);
         return chunk.end() + (isPadded ? 1 : 0);
@@ -145,7 +145,7 @@ private:
         return m_isBigEndian ? bigEndianAt<quint32>(bytes, offset) : littleEndianAt<quint32>(bytes, offset);
     }
 
-    void readChunk(const Chunk &chunk)
+    void readChunk(const SoundChunk &chunk)
     {
         noteForm(chunk);
         if (std::any_of(kWithoutMetadata.begin(), kWithoutMetadata.end(),
@@ -171,7 +171,7 @@ private:
     }
 
     /// What places in the file depend on.
-    void noteForm(const Chunk &chunk)
+    void noteForm(const SoundChunk &chunk)
     {
         const QByteArray start = m_bytes.peek(chunk.contents, std::min<std::int64_t>(chunk.size, 16));
         if (start.size() < 16 && chunk.name != "COMM")
@@ -184,7 +184,7 @@ private:
             m_frameSize = std::int64_t{bigEndianAt<quint16>(start, 0)} * ((bigEndianAt<quint16>(start, 6) + 7) / 8);
     }
 
-    void readList(const Chunk &list)
+    void readList(const SoundChunk &list)
     {
         const QByteArray kind = m_bytes.peek(list.contents, std::min<std::int64_t>(list.size, 4));
         if (kind != "INFO") {
@@ -209,7 +209,7 @@ private:
     }
 
     /// Comments with a date, which belong to a marker or to the whole file.
-    void readComments(const Chunk &chunk)
+    void readComments(const SoundChunk &chunk)
     {
         constexpr qsizetype kCommentHeadSize = 8; // date, marker, size
         const QByteArray comments = m_bytes.read(chunk.contents, chunk.size);
@@ -227,7 +227,7 @@ private:
         }
     }
 
-    void readId3(const Chunk &chunk)
+    void readId3(const SoundChunk &chunk)
     {
         try {
             readId3v2(MetadataBytes(m_bytes.read(chunk.contents, chunk.size)), 0, m_found);
@@ -237,12 +237,12 @@ private:
         }
     }
 
-    void addText(const QString &field, const Chunk &chunk)
+    void addText(const QString &field, const SoundChunk &chunk)
     {
         m_found.addText(field, textOf(m_bytes.read(chunk.contents, chunk.size)));
     }
 
-    void addAsItIs(const QByteArray &name, const Chunk &chunk)
+    void addAsItIs(const QByteArray &name, const SoundChunk &chunk)
     {
         m_found.addChunk(name, m_bytes.digest(chunk.contents, chunk.size));
     }

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tags/TagEditStream.h"
 
+#include "base/SystemError.h"
+#include "files/FileFlush.h"
 #include "journal/NotedTemporary.h"
-#include "platform/FileFlush.h"
-#include "platform/SystemError.h"
 #include "tags/HandedFile.h"
 
 #include <QFile>

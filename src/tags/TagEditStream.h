@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "platform/FileDescriptor.h"
+#include "files/FileDescriptor.h"
 #include "tags/TagLibGuard.h"
 
 #include <QByteArray>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "platform/NurvFailure.h"
+#include "base/NurvFailure.h"
 #include "tags/TagEditStream.h"
 #include "tags/TagsObject.h"
 #include "tags/TagsUnavailable.h"

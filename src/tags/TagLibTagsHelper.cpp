@@ -2,13 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tags/TagLibTagsHelper.h"
 
-#include "platform/TextNumbers.h"
-#include "platform/Version.h"
+#include "base/Log.h"
+#include "base/Version.h"
 #include "tags/AlbumArt.h"
 #include "tags/FlacTagHelper.h"
 #include "tags/TagLibFile.h"
-#include "tags/TagsLog.h"
 #include "tags/TagsProcess.h"
+#include "text/TextNumbers.h"
 
 #include <attachedpictureframe.h>
 #include <flacpicture.h>

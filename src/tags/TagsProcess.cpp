@@ -2,14 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tags/TagsProcess.h"
 
-#include "platform/GuiThread.h"
-#include "platform/NurvFailure.h"
-#include "platform/ServiceProcess.h"
+#include "base/GuiThread.h"
+#include "base/Log.h"
+#include "base/NurvFailure.h"
+#include "process/ServiceProcess.h"
 #include "tags/MetadataBytes.h"
 #include "tags/Mp4Optimizer.h"
 #include "tags/PictureMemory.h"
 #include "tags/TagsChannel.h"
-#include "tags/TagsLog.h"
 #include "tags/TagsSandbox.h"
 #include "tags/TagsUnavailable.h"
 
@@ -109,7 +109,7 @@ public:
         m_process = ServiceProcess::start(program);
     }
     [[nodiscard]] ServiceProcess &process() const { return *m_process; }
-    /// It has answered and may be asked again.
+    /// The process has answered and may be asked again.
     void keep() { m_isFit = true; }
 
 private:

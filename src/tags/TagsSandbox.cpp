@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tags/TagsSandbox.h"
 
-#include "platform/FileDescriptor.h"
-#include "platform/NurvFailure.h"
-#include "platform/SystemError.h"
+#include "base/NurvFailure.h"
+#include "base/SystemError.h"
+#include "files/FileDescriptor.h"
 #include "tags/AlbumArt.h"
 
 #include <QBuffer>

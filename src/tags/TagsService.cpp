@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tags/TagsService.h"
 
-#include "platform/NurvFailure.h"
+#include "base/NurvFailure.h"
 #include "tags/AACTagsHelper.h"
 #include "tags/HandedFile.h"
 #include "tags/PictureDigest.h"

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/DesktopPrompts.h"
 
-#include "platform/PrintableText.h"
+#include "text/PrintableText.h"
 
 #include <QApplication>
 #include <QDir>

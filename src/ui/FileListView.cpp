@@ -4,7 +4,7 @@
 
 #include "app/BaseTab.h"
 #include "app/PathNames.h"
-#include "platform/PrintableText.h"
+#include "text/PrintableText.h"
 #include "ui/FileListModel.h"
 #include "ui/TextWidth.h"
 

@@ -3,7 +3,7 @@
 #include "ui/GivenFiles.h"
 
 #include "app/FileIntake.h"
-#include "platform/FileNames.h"
+#include "files/FileNames.h"
 
 #include <QDir>
 #include <QFile>

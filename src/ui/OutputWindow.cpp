@@ -3,8 +3,8 @@
 #include "ui/OutputWindow.h"
 
 #include "app/UserPrompts.h"
-#include "platform/PrintableText.h"
-#include "platform/TextFile.h"
+#include "files/TextFile.h"
+#include "text/PrintableText.h"
 #include "ui/WindowPlace.h"
 
 #include <QApplication>

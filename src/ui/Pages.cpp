@@ -4,8 +4,8 @@
 
 #include "convert/DecodeTab.h"
 #include "convert/EncodeTab.h"
-#include "ui/DecodePage.h"
-#include "ui/EncodePage.h"
+#include "ui/pages/DecodePage.h"
+#include "ui/pages/EncodePage.h"
 
 namespace nurv {
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "platform/SessionBus.h"
+#include "desktop/SessionBus.h"
 #include "ui/GivenFiles.h"
 
 #include <QDBusConnection>

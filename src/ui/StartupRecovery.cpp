@@ -6,11 +6,11 @@
 #include "app/NURVController.h"
 #include "app/PathNames.h"
 #include "app/UserPrompts.h"
-#include "journal/JournalLog.h"
+#include "base/GuiThread.h"
+#include "base/Log.h"
+#include "base/WorkerThreads.h"
+#include "files/FileNames.h"
 #include "journal/UnfinishedWork.h"
-#include "platform/FileNames.h"
-#include "platform/GuiThread.h"
-#include "platform/WorkerThreads.h"
 
 #include <QLocale>
 #include <QPointer>

@@ -4,7 +4,7 @@
 
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskQueue.h"
-#include "platform/PrintableText.h"
+#include "text/PrintableText.h"
 #include "ui/ToolTipText.h"
 
 #include <algorithm>

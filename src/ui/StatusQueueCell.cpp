@@ -3,7 +3,7 @@
 #include "ui/StatusQueueCell.h"
 
 #include "engine/NURVTask.h"
-#include "platform/PrintableText.h"
+#include "text/PrintableText.h"
 #include "ui/StatusListModel.h"
 
 #include <QAbstractItemView>

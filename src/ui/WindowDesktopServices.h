@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "platform/DBusDesktopServices.h"
+#include "desktop/DBusDesktopServices.h"
 
 #include <QPointer>
 #include <QTimer>

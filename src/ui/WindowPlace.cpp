@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/WindowPlace.h"
 
-#include "platform/SettingsStore.h"
+#include "settings/SettingsStore.h"
 
 #include <QWidget>
 

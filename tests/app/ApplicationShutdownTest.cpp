@@ -3,13 +3,13 @@
 #include "app/ApplicationShutdown.h"
 
 #include "app/TestApplication.h"
+#include "base/GuiThread.h"
+#include "base/NotificationCenter.h"
+#include "base/WorkerThreads.h"
 #include "engine/NURVAsyncNSTask.h"
 #include "engine/NURVInProcessTask.h"
 #include "engine/NURVTaskQueue.h"
-#include "platform/ChildProcess.h"
-#include "platform/GuiThread.h"
-#include "platform/NotificationCenter.h"
-#include "platform/WorkerThreads.h"
+#include "process/ChildProcess.h"
 #include "support/TestFolder.h"
 #include "support/WaitUntil.h"
 

@@ -5,7 +5,7 @@
 #include "app/PathNames.h"
 #include "app/RawNamedFile.h"
 #include "app/TestApplication.h"
-#include "platform/ResourceFolder.h"
+#include "process/ResourceFolder.h"
 #include "support/AudioFixtures.h"
 #include "support/TestFolder.h"
 #include "support/WaitUntil.h"

@@ -4,7 +4,7 @@
 
 #include "app/NURVController.h"
 #include "app/TestApplication.h"
-#include "platform/SettingsStore.h"
+#include "settings/SettingsStore.h"
 #include "support/WaitUntil.h"
 #include "toolbox/Toolbox.h"
 

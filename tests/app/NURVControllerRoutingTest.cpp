@@ -4,7 +4,7 @@
 
 #include "app/RawNamedFile.h"
 #include "app/TestApplication.h"
-#include "platform/SettingsStore.h"
+#include "settings/SettingsStore.h"
 #include "support/AudioFixtures.h"
 #include "support/TestFolder.h"
 

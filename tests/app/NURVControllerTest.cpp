@@ -3,9 +3,9 @@
 #include "app/NURVController.h"
 
 #include "app/TestApplication.h"
+#include "base/NurvFailure.h"
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskQueue.h"
-#include "platform/NurvFailure.h"
 #include "support/AudioFixtures.h"
 #include "support/TestFolder.h"
 

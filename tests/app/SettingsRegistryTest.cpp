@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/NURVController.h"
-#include "platform/SettingsStore.h"
+#include "settings/SettingsStore.h"
 #include "toolbox/Toolbox.h"
 
 #include <gtest/gtest.h>

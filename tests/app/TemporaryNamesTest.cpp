@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 
 namespace nurv {
 
-TEST(TemporaryNames, KnowsWhatIsBetweenTwoStages)
+TEST(TemporaryNames, KnowsWhatIsBetweenStageds)
 {
     const test::TestFolder folder;
     for (const QString &extension : {u"wav"_s, u"m4a"_s, u"a.b"_s}) {

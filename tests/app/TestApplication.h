@@ -5,8 +5,8 @@
 #include "app/BaseTab.h"
 #include "app/NURVController.h"
 #include "app/ScriptedPrompts.h"
-#include "platform/NullDesktopServices.h"
-#include "platform/SettingsStore.h"
+#include "desktop/NullDesktopServices.h"
+#include "settings/SettingsStore.h"
 #include "toolbox/Toolbox.h"
 
 #include <QString>

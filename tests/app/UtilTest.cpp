@@ -4,8 +4,8 @@
 
 #include "app/NURVController.h"
 #include "app/TestApplication.h"
-#include "platform/FileFacts.h"
-#include "platform/NurvFailure.h"
+#include "base/NurvFailure.h"
+#include "files/FileStatus.h"
 #include "support/TestFolder.h"
 #include "toolbox/Toolbox.h"
 
@@ -223,7 +223,7 @@ TEST_F(UtilTest, RemovesALinkAndNotWhatItNames)
 TEST_F(UtilTest, RemovesOnlyTheVeryFileThatWasLookedAt)
 {
     const QString path = folder.write(u"a.wav"_s, "sound");
-    const auto seen = factsOf(path);
+    const auto seen = statusOf(path);
     folder.write(u"other.wav"_s, "another");
     ASSERT_TRUE(QFile::remove(path) && QFile::rename(folder.path(u"other.wav"_s), path));
     for (const int choice : {0, 1}) {
@@ -232,7 +232,7 @@ TEST_F(UtilTest, RemovesOnlyTheVeryFileThatWasLookedAt)
         EXPECT_EQ(folder.read(u"a.wav"_s), "another");
     }
     SettingsStore::instance().setValue(u"trashOrDelete"_s, 0);
-    EXPECT_EQ(Util::removeFile(path, {}, factsOf(path)), Util::Removal::Deleted);
+    EXPECT_EQ(Util::removeFile(path, {}, statusOf(path)), Util::Removal::Deleted);
 }
 
 TEST_F(UtilTest, NeverDeletesAFolderForGood)

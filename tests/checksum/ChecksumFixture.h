@@ -3,10 +3,10 @@
 #pragma once
 
 #include "app/NURVController.h"
+#include "desktop/NullDesktopServices.h"
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskQueue.h"
-#include "platform/NullDesktopServices.h"
-#include "platform/SettingsStore.h"
+#include "settings/SettingsStore.h"
 #include "support/TestFolder.h"
 #include "support/WaitUntil.h"
 #include "toolbox/Toolbox.h"

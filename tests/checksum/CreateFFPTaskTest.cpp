@@ -6,8 +6,8 @@
 #include "engine/NURVTaskResults.h"
 #include "support/AudioFixtures.h"
 #include "support/LogLines.h"
+#include "support/ProgramFolder.h"
 #include "support/TestProgram.h"
-#include "support/ToolFolder.h"
 
 using namespace Qt::StringLiterals;
 
@@ -73,7 +73,7 @@ TEST_F(CreateFFPTaskTest, ListsTheErrorTextOfAFileThatCannotBeReadWithoutItsName
 
 TEST_F(CreateFFPTaskTest, FailsAndWritesNoListWithoutMetaflac)
 {
-    const test::ToolFolder tools;
+    const test::ProgramFolder tools;
     const auto task = make({{folder.path(), {folder.path(u"a.flac"_s)}}});
     run(task);
     EXPECT_TRUE(task->error());
@@ -95,7 +95,7 @@ TEST_F(CreateFFPTaskTest, LogsAListThatCannotBeWritten)
 
 TEST_F(CreateFFPTaskTest, WritesNoFurtherListWhenCancelled)
 {
-    const test::ToolFolder tools;
+    const test::ProgramFolder tools;
     const QString begun = folder.path(u"begun"_s);
     const QString goOn = folder.path(u"go-on"_s);
     tools.addFake(u"metaflac"_s,

@@ -3,9 +3,9 @@
 #include "checksum/Fingerprint.h"
 
 #include "support/AudioFixtures.h"
+#include "support/ProgramFolder.h"
 #include "support/TestFolder.h"
 #include "support/TestProgram.h"
-#include "support/ToolFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -36,7 +36,7 @@ TEST(Fingerprint, GivesTheErrorOfAFileThatIsNoFlacWithoutAName)
 
 TEST(Fingerprint, AsksMetaflacForTheSignatureOfTheFile)
 {
-    const test::ToolFolder tools;
+    const test::ProgramFolder tools;
     const test::TestFolder folder;
     tools.addFake(u"metaflac"_s, "args");
     EXPECT_EQ(fingerprint(folder.path(u"x:y.flac"_s)),

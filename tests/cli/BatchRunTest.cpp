@@ -4,16 +4,16 @@
 
 #include "app/BaseTab.h"
 #include "app/NURVController.h"
+#include "base/GuiThread.h"
+#include "base/NurvFailure.h"
 #include "cli/Console.h"
 #include "cli/ConsolePrompts.h"
 #include "cli/LogOutput.h"
+#include "desktop/NullDesktopServices.h"
 #include "engine/NURVInProcessTask.h"
 #include "engine/NURVTaskQueue.h"
 #include "engine/NURVTaskResults.h"
 #include "NurvProgram.h"
-#include "platform/GuiThread.h"
-#include "platform/NullDesktopServices.h"
-#include "platform/NurvFailure.h"
 #include "toolbox/Toolbox.h"
 
 #include <QStringList>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "NurvProgram.h"
-#include "platform/StandardDescriptors.h"
+#include "process/StandardDescriptors.h"
 #include "support/AudioFixtures.h"
 #include "support/TestFolder.h"
 

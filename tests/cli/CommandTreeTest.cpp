@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/CommandTree.h"
 
+#include "base/NurvFailure.h"
 #include "cli/CompletionScript.h"
 #include "cli/Console.h"
 #include "cli/HelpText.h"
 #include "cli/ManualOptions.h"
-#include "platform/NurvFailure.h"
 #include "support/TestFolder.h"
 #include "support/TestProgram.h"
 

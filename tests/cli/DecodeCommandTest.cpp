@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "NurvProgram.h"
 #include "support/AudioFixtures.h"
+#include "support/ProgramFolder.h"
 #include "support/TestFolder.h"
-#include "support/ToolFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -40,7 +40,7 @@ TEST(DecodeCommand, RemovesTheOriginalOnlyAfterSuccess)
 TEST(DecodeCommand, NamesWhatShntoolCannotWriteAiffWithout)
 {
     const TestFolder folder;
-    const ToolFolder tools;
+    const ProgramFolder tools;
     tools.addReal(u"shntool"_s);
     const QString source = folder.write(u"a.shn"_s, "ajkg and then nothing of use");
     const QByteArray path = qgetenv("PATH");

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/Version.h"
 #include "NurvProgram.h"
-#include "platform/Version.h"
 #include "support/AudioFixtures.h"
-#include "support/ToolFolder.h"
+#include "support/ProgramFolder.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -15,7 +15,7 @@ using namespace nurv::test;
 
 TEST(DoctorCommand, TellsTheVersionAndThePlaceOfAProgram)
 {
-    ToolFolder tools;
+    ProgramFolder tools;
     tools.addAllReal();
     tools.remove(u"flac"_s);
     tools.addFake(u"flac"_s, "out=flac 9.8.7\\n");
@@ -32,7 +32,7 @@ TEST(DoctorCommand, TellsTheVersionAndThePlaceOfAProgram)
 TEST(DoctorCommand, EndsWithStatus3WhenARequiredProgramIsMissing)
 {
     for (const QString &name : {u"flac"_s, u"metaflac"_s, u"shntool"_s}) {
-        ToolFolder tools;
+        ProgramFolder tools;
         tools.addAllReal();
         tools.remove(name);
         const ProgramResult result = runNurv({u"doctor"_s});
@@ -43,7 +43,7 @@ TEST(DoctorCommand, EndsWithStatus3WhenARequiredProgramIsMissing)
 
 TEST(DoctorCommand, EndsWithStatus0WhenAnotherProgramIsMissing)
 {
-    ToolFolder tools;
+    ProgramFolder tools;
     for (const QString &name : {u"flac"_s, u"metaflac"_s, u"shntool"_s})
         tools.addReal(name);
     EXPECT_EQ(runNurv({u"doctor"_s, u"--quiet"_s}).exitStatus, 0);
@@ -51,7 +51,7 @@ TEST(DoctorCommand, EndsWithStatus0WhenAnotherProgramIsMissing)
 
 TEST(DoctorCommand, GivesOneJsonObjectPerProgramAndOneForTheWhole)
 {
-    ToolFolder tools;
+    ProgramFolder tools;
     tools.addReal(u"flac"_s);
     const ProgramResult result = runNurv({u"doctor"_s, u"--json"_s});
     EXPECT_EQ(result.exitStatus, 3);
@@ -78,7 +78,7 @@ TEST(DoctorCommand, GivesOneJsonObjectPerProgramAndOneForTheWhole)
 
 TEST(DoctorCommand, AFileThatIsNotExecutableIsNoProgram)
 {
-    ToolFolder tools;
+    ProgramFolder tools;
     tools.addAllReal();
     tools.remove(u"shntool"_s);
     QFile file(tools.path(u"shntool"_s));
@@ -91,7 +91,7 @@ TEST(DoctorCommand, AFileThatIsNotExecutableIsNoProgram)
 
 TEST(DoctorCommand, TellsOfTheProgramThatReadsTags)
 {
-    ToolFolder tools;
+    ProgramFolder tools;
     tools.addAllReal();
     const ProgramResult result = runNurv({u"doctor"_s});
     const QByteArray line = result.output.trimmed().split('\n').last().simplified();

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "NurvProgram.h"
 #include "support/AudioFixtures.h"
+#include "support/ProgramFolder.h"
 #include "support/TestFolder.h"
-#include "support/ToolFolder.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -54,7 +54,7 @@ TEST(EncodeCommand, EveryOptionReachesTheProgram)
 {
     const TestFolder folder;
     const QString wav = writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
-    const ToolFolder tools;
+    const ProgramFolder tools;
     tools.addLogged(u"flac"_s, folder.path(u"log"_s));
     const QString flac = folder.path(u"a.flac"_s);
 
@@ -114,7 +114,7 @@ TEST(EncodeCommand, ChoicesStoredByTheWindowCountForNothingAndStayAsTheyAre)
     const QByteArray stored = "[General]\nencodeFlacLevel=0\nencodeOutputFormat=1\nencodeToSourceDirectory=0\n"
                               "flacVerifyButton=1\nflacGenerateFFPButton=1\n";
     folder.write(u"settings.ini"_s, stored);
-    const ToolFolder tools;
+    const ProgramFolder tools;
     tools.addLogged(u"flac"_s, folder.path(u"log"_s));
 
     const ProgramResult result = runProgram(u"env"_s, {u"NURV_SETTINGS="_s + folder.path(u"settings.ini"_s), nurvPath(),
@@ -148,7 +148,7 @@ TEST(EncodeCommand, NeverRunsMoreJobsAtOnceThanAskedFor)
     const TestFolder folder;
     for (const QString &name : {u"a.wav"_s, u"b.wav"_s, u"c.wav"_s})
         folder.write(name, "x");
-    const ToolFolder tools;
+    const ProgramFolder tools;
     // Fails when another one is at work at the same time.
     tools.addFake(u"flac"_s, "exec=" + folder.write(u"alone.sh"_s, "").toUtf8());
     folder.write(u"alone.sh"_s, "#!/bin/sh\nmkdir '" + folder.path(u"lock"_s).toUtf8()
@@ -250,7 +250,7 @@ TEST(EncodeCommand, AMissingProgramGivesStatus3BeforeAnythingIsQueued)
 {
     const TestFolder folder;
     writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
-    const ToolFolder tools;
+    const ProgramFolder tools;
     const ProgramResult result = runNurv({u"encode"_s, u"--beside-source"_s, folder.path(u"a.wav"_s)});
     EXPECT_EQ(result.exitStatus, 3);
     EXPECT_TRUE(result.errors.contains("\"flac\"")) << result.errors.constData();
@@ -283,7 +283,7 @@ TEST(EncodeCommand, PassesTheModeAndTheLevelOn)
 {
     const TestFolder folder;
     const QString wav = writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
-    const ToolFolder tools;
+    const ProgramFolder tools;
     const QString log = folder.path(u"log"_s);
     tools.addLogged(u"wavpack"_s, log);
     tools.addLogged(u"mac"_s, log);
@@ -337,7 +337,7 @@ TEST(EncodeCommand, AProgramThatVanishesDuringTheBatchGivesStatus3)
     const TestFolder folder;
     folder.write(u"a.wav"_s, "x");
     folder.write(u"b.wav"_s, "x");
-    const ToolFolder tools;
+    const ProgramFolder tools;
     tools.addFake(u"flac"_s, "delete=" + tools.path(u"flac"_s).toUtf8());
     const ProgramResult result = runNurv({u"encode"_s, u"--beside-source"_s, u"--jobs=1"_s, folder.path()});
     EXPECT_EQ(result.exitStatus, 3);
@@ -365,7 +365,7 @@ TEST(EncodeCommand, AReaderThatTakesOneLineOnlyCounts)
     const TestFolder folder;
     folder.write(u"first.wav"_s, "x");
     folder.write(u"second.wav"_s, "x");
-    const ToolFolder tools;
+    const ProgramFolder tools;
     // The second job ends when the reader has gone.
     tools.addFake(u"flac"_s, "when=second.wav;wait-file=" + folder.path(u"gone"_s).toUtf8());
     const QString script = u"{ \"$0\" encode --json --quiet --jobs 1 --beside-source \"$1\"; echo $? >\"$1/status\"; } "

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "NurvProgram.h"
+#include "support/ProgramFolder.h"
 #include "support/TestFolder.h"
-#include "support/ToolFolder.h"
 #include "support/WaitUntil.h"
 
 #include <QFile>
@@ -45,7 +45,7 @@ protected:
     }
 
     TestFolder folder;
-    ToolFolder tools;
+    ProgramFolder tools;
 };
 
 } // namespace

@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/NURVController.h"
 #include "app/ScriptedPrompts.h"
-#include "cli/DecodeCommand.h"
-#include "cli/EncodeCommand.h"
+#include "cli/commands/DecodeCommand.h"
+#include "cli/commands/EncodeCommand.h"
 #include "convert/DecodeTab.h"
 #include "convert/EncodeTab.h"
-#include "platform/NullDesktopServices.h"
-#include "platform/SettingsStore.h"
+#include "desktop/NullDesktopServices.h"
+#include "settings/SettingsStore.h"
 #include "toolbox/Toolbox.h"
 
 #include <gtest/gtest.h>

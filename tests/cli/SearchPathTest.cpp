@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "NurvProgram.h"
 #include "support/AudioFixtures.h"
+#include "support/ProgramFolder.h"
 #include "support/TestFolder.h"
-#include "support/ToolFolder.h"
 
 #include <QFile>
 
@@ -61,7 +61,7 @@ TEST(SearchPath, AHelperInTheCurrentFolderIsNone)
 {
     const TestFolder folder;
     setTraps(folder);
-    const ToolFolder tools;
+    const ProgramFolder tools;
     tools.addAllReal();
     tools.remove(u"shorten"_s);
     writeWav(folder.path(u"a.wav"_s), {.seconds = 0.2});

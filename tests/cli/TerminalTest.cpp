@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "NurvProgram.h"
 #include "PseudoTerminal.h"
+#include "support/ProgramFolder.h"
 #include "support/TestFolder.h"
-#include "support/ToolFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -55,7 +55,7 @@ TEST(Terminal, ShowsALiveLinePerRunningJobAndTakesItAway)
     const TestFolder folder;
     folder.write(u"a.wav"_s, "x");
     folder.write(u"b.wav"_s, "x");
-    const ToolFolder tools;
+    const ProgramFolder tools;
     tools.addFake(u"flac"_s, "append=@-1:x;out=x.wav: 45% complete, ratio=0.532;wait-file=" + folder.path(u"go"_s).toUtf8());
     PseudoTerminal terminal(80, 24, nurvPath(), {u"encode"_s, u"--beside-source"_s, u"--jobs=1"_s, folder.path()});
     EXPECT_TRUE(terminal.waitFor(" 45%  a.wav  Encoding to Flac: 45% ratio=0.532")) << terminal.received().constData();
@@ -71,7 +71,7 @@ TEST(Terminal, ALongWideNameStaysWithinTheWidth)
 {
     const TestFolder folder;
     folder.write(u"曲"_s.repeated(60) + u".wav"_s, "x");
-    const ToolFolder tools;
+    const ProgramFolder tools;
     tools.addFake(u"flac"_s, "append=@-1:x;out=x.wav: 45% complete, ratio=0.532;wait-file=" + folder.path(u"go"_s).toUtf8());
     PseudoTerminal terminal(40, 24, nurvPath(), {u"encode"_s, u"--beside-source"_s, folder.path()});
     ASSERT_TRUE(terminal.waitFor("0 of 1 ended, 1 running"));
@@ -89,7 +89,7 @@ TEST(Terminal, ANameCannotGiveTheTerminalOrders)
 {
     const TestFolder folder;
     folder.write(u"a\x1b[2Jb.wav"_s, "x");
-    const ToolFolder tools;
+    const ProgramFolder tools;
     tools.addFake(u"flac"_s, "exit=1");
     PseudoTerminal terminal(80, 24, nurvPath(), {u"encode"_s, u"--beside-source"_s, folder.path()});
     EXPECT_EQ(terminal.finish(), 1);
@@ -102,7 +102,7 @@ TEST(Terminal, JsonOfANameCannotGiveTheTerminalOrders)
     const TestFolder folder;
     const QString name = u"a\u009b2Jb\u202Evaw.wav"_s;
     folder.write(name, "x");
-    const ToolFolder tools;
+    const ProgramFolder tools;
     tools.addFake(u"flac"_s, "exit=1");
     const QStringList arguments{u"encode"_s, u"--json"_s, u"--beside-source"_s, folder.path()};
     PseudoTerminal terminal(80, 24, nurvPath(), arguments);
@@ -121,7 +121,7 @@ TEST(Terminal, CtrlCOnTheKeyboardCancelsAndTheScreenIsLeftClean)
 {
     const TestFolder folder;
     folder.write(u"a.wav"_s, "x");
-    const ToolFolder tools;
+    const ProgramFolder tools;
     tools.addFake(u"flac"_s, "append=@-1:x;out=x.wav: 45% complete, ratio=0.532;hang");
     PseudoTerminal terminal(80, 24, nurvPath(), {u"encode"_s, u"--beside-source"_s, folder.path()});
     ASSERT_TRUE(terminal.waitFor("Encoding to Flac: 45%"));
@@ -139,7 +139,7 @@ TEST(Terminal, QuietShowsNothing)
 {
     const TestFolder folder;
     folder.write(u"a.wav"_s, "x");
-    const ToolFolder tools;
+    const ProgramFolder tools;
     tools.addFake(u"flac"_s, "append=@-1:x;delay=300");
     PseudoTerminal terminal(80, 24, nurvPath(), {u"encode"_s, u"--quiet"_s, u"--beside-source"_s, folder.path()});
     EXPECT_EQ(terminal.finish(), 0);

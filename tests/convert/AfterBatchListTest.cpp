@@ -18,7 +18,7 @@ test::ProgramResult md5sumCheck(const QString &folder, const QString &list)
 
 TEST_F(AfterBatchListTest, ListsAllShortenOutputsInOneFile)
 {
-    const test::ToolFolder tools;
+    const test::ProgramFolder tools;
     const QString wav = test::writeWav(folder.path(u"b.wav"_s));
     tools.addReal(u"shntool"_s);
     tools.addReal(u"shorten"_s);
@@ -35,7 +35,7 @@ TEST_F(AfterBatchListTest, ListsAllShortenOutputsInOneFile)
 
 TEST_F(AfterBatchListTest, PutsTheListBesideTheFirstSourceWhenOutputsAreSpread)
 {
-    const test::ToolFolder tools;
+    const test::ProgramFolder tools;
     const QString wav = test::writeWav(folder.path(u"cd1/a.wav"_s));
     tools.addReal(u"shntool"_s);
     tools.addReal(u"shorten"_s);

@@ -4,7 +4,7 @@
 #include "convert/AudioConversionFixture.h"
 #include "support/TwentyBitSound.h"
 
-#include "platform/CoreAudioHelper.h"
+#include "audio/CoreAudioHelper.h"
 
 using namespace Qt::StringLiterals;
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "convert/ConvertFixture.h"
 
-#include "platform/ChildProcess.h"
+#include "process/ChildProcess.h"
 
 using namespace Qt::StringLiterals;
 
@@ -13,7 +13,7 @@ using CancelledConversionTest = test::ConvertFixture;
 
 TEST_F(CancelledConversionTest, StartsNothingWhenCancelledWhileWaiting)
 {
-    const test::ToolFolder tools;
+    const test::ProgramFolder tools;
     tools.addFake(u"flac"_s, "log=" + folder.path(u"log"_s).toUtf8() + ";wait-file=" + folder.path(u"go-on"_s).toUtf8()
                                  + ";append=@-1:sound");
     NotificationCenter::instance().post(QString::fromUtf16(NURVMaxThreadsChangedNotification), 1);

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "convert/ConvertFixture.h"
 
-#include "platform/ChildProcess.h"
+#include "process/ChildProcess.h"
 
 #include <QDir>
 
@@ -36,7 +36,7 @@ protected:
 
 TEST_F(ConversionBadLuckTest, NamesAProgramThatIsMissing)
 {
-    const test::ToolFolder tools;
+    const test::ProgramFolder tools;
     const QString wav = test::writeWav(folder.path(u"a.wav"_s));
     set(u"warnOnDelete", false);
     EncodeTab tab(controller);
@@ -47,7 +47,7 @@ TEST_F(ConversionBadLuckTest, NamesAProgramThatIsMissing)
 
 TEST_F(ConversionBadLuckTest, NamesAProgramThatMayNotBeRun)
 {
-    const test::ToolFolder tools;
+    const test::ProgramFolder tools;
     const QString wav = test::writeWav(folder.path(u"a.wav"_s));
     QFile program(tools.path(u"shntool"_s));
     ASSERT_TRUE(program.open(QIODevice::WriteOnly));
@@ -60,7 +60,7 @@ TEST_F(ConversionBadLuckTest, NamesAProgramThatMayNotBeRun)
 
 TEST_F(ConversionBadLuckTest, NamesTheSignalThatKilledTheProgramAndTheFile)
 {
-    const test::ToolFolder tools;
+    const test::ProgramFolder tools;
     tools.addFake(u"flac"_s, "out=a.wav: 1% complete;signal=9");
     const QString wav = test::writeWav(folder.path(u"a.wav"_s));
     EncodeTab tab(controller);
@@ -70,7 +70,7 @@ TEST_F(ConversionBadLuckTest, NamesTheSignalThatKilledTheProgramAndTheFile)
 
 TEST_F(ConversionBadLuckTest, GivesEveryFailedJobOfABatchAReportOfItsOwn)
 {
-    const test::ToolFolder tools;
+    const test::ProgramFolder tools;
     tools.addReal(u"flac"_s);
     const QStringList sources{folder.write(u"1.wav"_s, test::wavBytes({}).first(16)), folder.write(u"2.wav"_s, ""),
                               folder.write(u"3.raw"_s, "raw")};
@@ -92,7 +92,7 @@ TEST_F(ConversionBadLuckTest, GivesEveryFailedJobOfABatchAReportOfItsOwn)
 
 TEST_F(ConversionBadLuckTest, NamesTheFileWhenTheProgramFailsWithoutAWord)
 {
-    const test::ToolFolder tools;
+    const test::ProgramFolder tools;
     tools.addFake(u"flac"_s, "exit=1");
     const QString wav = test::writeWav(folder.path(u"a.wav"_s));
     EncodeTab tab(controller);
@@ -103,7 +103,7 @@ TEST_F(ConversionBadLuckTest, NamesTheFileWhenTheProgramFailsWithoutAWord)
 
 TEST_F(ConversionBadLuckTest, ReportsTheLastFigureAndWhyTheJobFailed)
 {
-    const test::ToolFolder tools;
+    const test::ProgramFolder tools;
     tools.addFake(u"flac"_s,
                   "out=a.wav: 1% complete\\b\\b\\b\\b\\b\\b\\b\\b\\b\\b\\b;until-read;out=57% complete;signal=9");
     const QString wav = test::writeWav(folder.path(u"a.wav"_s));
@@ -118,7 +118,7 @@ TEST_F(ConversionBadLuckTest, ReportsTheLastFigureAndWhyTheJobFailed)
 
 TEST_F(ConversionBadLuckTest, KeepsTheEndOfAnEndlessReport)
 {
-    const test::ToolFolder tools;
+    const test::ProgramFolder tools;
     tools.addFake(u"flac"_s, "flood=300000;out=\\nthe end\\n;exit=1");
     const QString wav = test::writeWav(folder.path(u"a.wav"_s));
     EncodeTab tab(controller);

@@ -4,7 +4,7 @@
 #include "convert/TaggedSource.h"
 #include "support/TestProgram.h"
 
-#include "platform/WorkerThreads.h"
+#include "base/WorkerThreads.h"
 
 #include <QFileInfo>
 
@@ -132,7 +132,7 @@ private:
             return output;
         const QString wav = folder.path(u"restored.wav"_s);
         const test::ProgramResult restored =
-            test::runProgram(QString::fromLocal8Bit(NURV_BUILT_TOOLS) + u"/shorten"_s, {u"-x"_s, output, wav});
+            test::runProgram(QString::fromLocal8Bit(NURV_BUILT_PROGRAMS) + u"/shorten"_s, {u"-x"_s, output, wav});
         EXPECT_EQ(restored.exitStatus, 0) << restored.errors.constData();
         return wav;
     }

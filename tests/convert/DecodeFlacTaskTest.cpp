@@ -25,7 +25,7 @@ protected:
         return path;
     }
 
-    test::ToolFolder tools;
+    test::ProgramFolder tools;
 };
 
 TEST_F(DecodeFlacTaskTest, CopiesTagsToAiff)

@@ -13,7 +13,7 @@ namespace {
 
 class DecodeSHNTaskTest : public test::ConvertFixture {
 protected:
-    test::ToolFolder tools;
+    test::ProgramFolder tools;
 };
 
 TEST_F(DecodeSHNTaskTest, DecodesToWavByteForByte)

@@ -13,7 +13,7 @@ class DeleteOriginalTest : public test::ConvertFixture {
 protected:
     DeleteOriginalTest() { set(u"warnOnDelete", false); }
 
-    test::ToolFolder tools;
+    test::ProgramFolder tools;
 };
 
 TEST_F(DeleteOriginalTest, RemovesTheSourceOfASuccessfulConversion)

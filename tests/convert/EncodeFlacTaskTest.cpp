@@ -36,7 +36,7 @@ protected:
         return path;
     }
 
-    test::ToolFolder tools;
+    test::ProgramFolder tools;
 };
 
 TEST_F(EncodeFlacTaskTest, ShowsTheFiguresOfARecordedRun)

@@ -15,7 +15,7 @@ class EncodeSHNTaskTest : public test::ConvertFixture {
 protected:
     EncodeSHNTaskTest() { set(u"encodeOutputFormat", 0); }
 
-    test::ToolFolder tools;
+    test::ProgramFolder tools;
 };
 
 TEST_F(EncodeSHNTaskTest, ConvertsWavAndFlacSources)

@@ -26,7 +26,7 @@ protected:
                + QByteArray(8, '\0');
     }
 
-    test::ToolFolder tools;
+    test::ProgramFolder tools;
 };
 
 TEST_F(EncodeSHNToFlacTaskTest, MakesFlacFromShortenThroughThePipeOfShntool)

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/WorkerThreads.h"
 #include "convert/ConvertFixture.h"
 #include "convert/TaggedSource.h"
-#include "platform/WorkerThreads.h"
 
 #include <QFileInfo>
 
@@ -123,7 +123,7 @@ TEST_F(HostileNamesTest, NoLinkThatComesWhileAnEncoderRunsIsWrittenThrough)
     const QString victim = outside.write(u"precious"_s, "somebody's");
     const QString link = folder.path(u"01.flac.metadata_edit"_s);
     const QString m4a = source(u"M4A"_s);
-    const test::ToolFolder tools;
+    const test::ProgramFolder tools;
     tools.addAllReal();
     const QByteArray flac = QFileInfo(tools.path(u"flac"_s)).canonicalFilePath().toUtf8();
     tools.remove(u"flac"_s);

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "convert/ConvertFixture.h"
 
-#include "platform/ChildProcess.h"
+#include "process/ChildProcess.h"
 
 using namespace Qt::StringLiterals;
 
@@ -24,7 +24,7 @@ protected:
         runBeside(tab, {source});
     }
 
-    test::ToolFolder tools;
+    test::ProgramFolder tools;
 };
 
 TEST_F(KilledConversionTest, LeavesNoHalfMadeOutput)

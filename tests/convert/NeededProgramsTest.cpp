@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "programs/NeededPrograms.h"
 
+#include "base/WorkerThreads.h"
 #include "convert/ConvertFixture.h"
 #include "convert/TaggedSource.h"
-#include "platform/WorkerThreads.h"
 #include "programs/ExternalPrograms.h"
 
 #include <QDir>
@@ -32,7 +32,7 @@ protected:
     {
         set(u"warnOnDelete", false);
         for (const ExternalProgram &program : externalPrograms()) {
-            if (QDir(QString::fromLocal8Bit(NURV_BUILT_TOOLS)).exists(program.name))
+            if (QDir(QString::fromLocal8Bit(NURV_BUILT_PROGRAMS)).exists(program.name))
                 tools.addLogged(program.name, logOf(program.name));
         }
     }
@@ -87,7 +87,7 @@ protected:
         return names;
     }
 
-    test::ToolFolder tools;
+    test::ProgramFolder tools;
 
 private:
     test::TestFolder m_logs;

@@ -73,7 +73,7 @@ TEST_P(SharedOutputByThreadsTest, EncodesOnlyTheFirstAlsoWhenOutputsMayBeReplace
 
 TEST_P(SharedOutputByThreadsTest, DecodesOnlyTheFirstOfTwoSources)
 {
-    const test::ToolFolder tools;
+    const test::ProgramFolder tools;
     tools.addReal(u"flac"_s);
     tools.addReal(u"shntool"_s);
     const QString other = test::writeWav(folder.path(u"other.wav"_s), {.seed = 3});
@@ -88,7 +88,7 @@ INSTANTIATE_TEST_SUITE_P(JobsAtOnce, SharedOutputByThreadsTest, ::testing::Value
 
 TEST_F(SharedOutputTest, WaitsForNoOtherBatchButRefusesItsOutput)
 {
-    const test::ToolFolder tools;
+    const test::ProgramFolder tools;
     const QString goOn = folder.path(u"go-on"_s);
     tools.addFake(u"flac"_s, "append=@-1:made;wait-file=" + goOn.toUtf8());
     const QString alias = folder.makeLink(u"alias"_s, out.path());

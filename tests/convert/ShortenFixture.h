@@ -3,8 +3,8 @@
 #pragma once
 
 #include "support/AudioFixtures.h"
+#include "support/ProgramFolder.h"
 #include "support/TestProgram.h"
-#include "support/ToolFolder.h"
 
 #include <QFile>
 
@@ -12,7 +12,7 @@ namespace nurv::test {
 
 /// Makes a Shorten file of the WAV file with the bundled program, which comes into the
 /// resource folder with that. Returns `path`.
-inline QString writeShorten(const ToolFolder &tools, const QString &wav, const QString &path)
+inline QString writeShorten(const ProgramFolder &tools, const QString &wav, const QString &path)
 {
     if (!QFile::exists(tools.path(QStringLiteral("shorten"))))
         tools.addReal(QStringLiteral("shorten"));

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "convert/TwoStageFixture.h"
+#include "convert/StagedFixture.h"
 
 #include "support/FileSizeLimit.h"
 #include "support/LogLines.h"
@@ -19,7 +19,7 @@ using namespace Qt::StringLiterals;
 namespace nurv {
 namespace {
 
-class StagesWithRealToolsTest : public test::TwoStageFixture {
+class StagesWithRealToolsTest : public test::StagedFixture {
 protected:
     StagesWithRealToolsTest() { tools.addAllReal(); }
 
@@ -539,7 +539,7 @@ TEST_F(StagesWithRealToolsTest, LeavesNothingOnAFullDisk)
     const QByteArray disk = QFile::encodeName(out.path());
     if (::mount("none", disk.constData(), "tmpfs", 0, "size=64k") != 0)
         GTEST_SKIP() << "mounting is not allowed here";
-    std::vector<std::shared_ptr<TwoStageTask>> tasks;
+    std::vector<std::shared_ptr<StagedTask>> tasks;
     for (const QString &source : {wav, aiff, alac}) {
         for (const QString &format : {u"WV"_s, u"TTA"_s, u"APE"_s, u"M4A"_s})
             tasks.push_back(makeEncoder(source, format));

@@ -41,9 +41,9 @@ void runOrFail(const QString &program, const QStringList &arguments)
     ASSERT_EQ(result.exitStatus, 0) << qPrintable(program) << ' ' << result.errors.constData();
 }
 
-QString builtTool(const QString &name)
+QString builtProgram(const QString &name)
 {
-    return QString::fromLocal8Bit(NURV_BUILT_TOOLS) + u'/' + name;
+    return QString::fromLocal8Bit(NURV_BUILT_PROGRAMS) + u'/' + name;
 }
 
 } // namespace
@@ -72,9 +72,9 @@ void makeTaggedSource(const QString &path, const QString &kind, const SoundShape
         runOrFail(u"wavpack"_s, {u"-q"_s, u"-w"_s, u"Title="_s + kSourceTitle, u"-w"_s, u"Artist="_s + kSourceArtist,
                                  writeWav(wav, shape), u"-o"_s, path});
     } else if (kind == u"SHN") {
-        runOrFail(builtTool(u"shorten"_s), {writeWav(wav, shape), path});
+        runOrFail(builtProgram(u"shorten"_s), {writeWav(wav, shape), path});
     } else if (kind == u"APE") {
-        runOrFail(builtTool(u"mac"_s), {writeWav(wav, shape), path, u"-c1000"_s});
+        runOrFail(builtProgram(u"mac"_s), {writeWav(wav, shape), path, u"-c1000"_s});
         QFile file(path);
         ASSERT_TRUE(file.open(QIODevice::Append));
         file.write(apeTag({{"Title", kSourceTitle}, {"Artist", kSourceArtist}}));

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/NSTaskWrapperSync.h"
 
-#include "platform/ResourceFolder.h"
-#include "support/ToolFolder.h"
+#include "process/ResourceFolder.h"
+#include "support/ProgramFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -14,7 +14,7 @@ namespace {
 
 NSTaskWrapperSync fake(const QStringList &script)
 {
-    return {test::fakeToolPath(), script};
+    return {test::fakeProgramPath(), script};
 }
 
 TEST(NSTaskWrapperSync, ReturnsBothStreamsInTheOrderWritten)
@@ -97,8 +97,8 @@ TEST(NSTaskWrapperSync, GivesAnEmptyTextForASilentTool)
 
 TEST(NSTaskWrapperSync, NamesAMissingTool)
 {
-    const test::ToolFolder tools;
-    NSTaskWrapperSync tool(toolPath(u"metaflac"_s), {});
+    const test::ProgramFolder tools;
+    NSTaskWrapperSync tool(programPath(u"metaflac"_s), {});
     const QString text = tool.runTask();
     EXPECT_TRUE(text.contains(u"metaflac"_s)) << text.toStdString();
     EXPECT_TRUE(text.contains(tools.path()));

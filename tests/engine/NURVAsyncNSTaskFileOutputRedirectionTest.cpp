@@ -30,7 +30,7 @@ struct RedirectionTask : ::testing::Test {
     std::shared_ptr<NURVAsyncNSTaskFileOutputRedirection> make(const QStringList &script)
     {
         auto task = std::make_shared<NURVAsyncNSTaskFileOutputRedirection>(
-            folder.path(u"out.txt"_s), &queue, test::fakeToolPath(), script);
+            folder.path(u"out.txt"_s), &queue, test::fakeProgramPath(), script);
         task->setTitle(u"Listing"_s);
         return task;
     }
@@ -89,7 +89,7 @@ TEST_F(NURVAsyncNSTaskFileOutputRedirectionTest, OnlyLogsThatAFileCannotBeWritte
 {
     const test::LogLines log;
     const auto task = std::make_shared<NURVAsyncNSTaskFileOutputRedirection>(
-        folder.path(u"missing/out.txt"_s), &queue, test::fakeToolPath(), QStringList{u"out=x"_s});
+        folder.path(u"missing/out.txt"_s), &queue, test::fakeProgramPath(), QStringList{u"out=x"_s});
     runToEnd(task);
     EXPECT_EQ(task->topTextField().text, u"Complete");
     EXPECT_TRUE(folder.list().isEmpty());

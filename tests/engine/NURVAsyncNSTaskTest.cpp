@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/NURVAsyncNSTask.h"
 
+#include "base/NotificationCenter.h"
 #include "engine/TestTasks.h"
-#include "platform/NotificationCenter.h"
-#include "platform/ResourceFolder.h"
+#include "process/ResourceFolder.h"
 #include "support/TestFolder.h"
 #include "support/WaitUntil.h"
 
@@ -67,7 +67,7 @@ TEST_F(NURVAsyncNSTaskTest, SaysWhichSignalEndedATool)
     EXPECT_TRUE(task->error());
     const QString text = task->results()->results();
     EXPECT_TRUE(text.startsWith(u"half\n"_s));
-    EXPECT_TRUE(text.contains(u"fake_tool was ended by signal 9"_s)) << text.toStdString();
+    EXPECT_TRUE(text.contains(u"fake_program was ended by signal 9"_s)) << text.toStdString();
     EXPECT_TRUE(text.contains(u"scripted"_s));
 }
 
@@ -196,8 +196,8 @@ TEST_F(NURVAsyncNSTaskTest, GivesTheToolTheResourceFolderAfterTheUsersPath)
 
 TEST_F(NURVAsyncNSTaskTest, FailsWithTheToolTheFolderAndThePackageWhenTheToolIsMissing)
 {
-    const test::ToolFolder tools;
-    const auto task = std::make_shared<NURVAsyncNSTask>(&queue, toolPath(u"flac"_s), QStringList{});
+    const test::ProgramFolder tools;
+    const auto task = std::make_shared<NURVAsyncNSTask>(&queue, programPath(u"flac"_s), QStringList{});
     task->setTitle(u"a.wav"_s);
     queue.addTask(task);
     EXPECT_EQ(queue.taskCount(), 1) << "never completes while the queue starts it";
@@ -211,7 +211,7 @@ TEST_F(NURVAsyncNSTaskTest, FailsWithTheToolTheFolderAndThePackageWhenTheToolIsM
 
 TEST_F(NURVAsyncNSTaskTest, FailsWhenTheToolMayNotBeRun)
 {
-    const test::ToolFolder tools;
+    const test::ProgramFolder tools;
     const test::TestFolder folder;
     const QString program = folder.write(u"tool"_s, "#!/bin/sh\n");
     const auto task = std::make_shared<NURVAsyncNSTask>(&queue, program, QStringList{});

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/NURVInProcessTask.h"
 
+#include "base/NurvFailure.h"
+#include "base/WorkerThreads.h"
 #include "engine/TestTasks.h"
-#include "platform/NurvFailure.h"
-#include "platform/WorkerThreads.h"
 #include "support/WaitUntil.h"
 
 #include <QCoreApplication>

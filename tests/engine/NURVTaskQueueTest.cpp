@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/NURVTaskQueue.h"
 
+#include "base/NotificationCenter.h"
 #include "engine/NURVTaskResults.h"
 #include "engine/TestTasks.h"
-#include "platform/NotificationCenter.h"
-#include "platform/SettingsStore.h"
+#include "settings/SettingsStore.h"
 #include "support/WaitUntil.h"
 
 #include <gtest/gtest.h>

@@ -2,14 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "desktop/DesktopServices.h"
 #include "engine/NURVAsyncNSTask.h"
 #include "engine/NURVInProcessTask.h"
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskQueue.h"
 #include "engine/NURVTaskResults.h"
-#include "platform/DesktopServices.h"
-#include "platform/SettingsStore.h"
-#include "support/ToolFolder.h"
+#include "settings/SettingsStore.h"
+#include "support/ProgramFolder.h"
 
 #include <QStringList>
 
@@ -99,7 +99,7 @@ public:
 class ScriptedTask : public NURVAsyncNSTask {
 public:
     ScriptedTask(NURVTaskQueue *queue, const QStringList &script)
-        : NURVAsyncNSTask(queue, fakeToolPath(), script)
+        : NURVAsyncNSTask(queue, fakeProgramPath(), script)
     {
         setTitle(QStringLiteral("scripted"));
     }

@@ -16,8 +16,8 @@
 //   kill                 kills itself
 #include "journal/JournalFolder.h"
 #include "journal/OutputJournal.h"
-#include "platform/ChildProcess.h"
-#include "platform/ProcessEnvironment.h"
+#include "process/ChildProcess.h"
+#include "process/ProcessEnvironment.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "journal/RunningPrograms.h"
 
-#include "platform/ChildProcess.h"
-#include "platform/FileDescriptor.h"
-#include "platform/ProcessEnvironment.h"
-#include "platform/ProcessMark.h"
+#include "files/FileDescriptor.h"
+#include "process/ChildProcess.h"
+#include "process/ProcessEnvironment.h"
+#include "process/ProcessMark.h"
+#include "support/ProgramFolder.h"
 #include "support/TestFolder.h"
-#include "support/ToolFolder.h"
 #include "support/WaitUntil.h"
 
 #include <QFile>
@@ -24,7 +24,7 @@ namespace nurv {
 
 namespace {
 
-struct stat factsOf(const QString &path)
+struct stat statusOf(const QString &path)
 {
     struct stat facts = {};
     EXPECT_EQ(::stat(QFile::encodeName(path).constData(), &facts), 0);
@@ -33,7 +33,7 @@ struct stat factsOf(const QString &path)
 
 ChildCommand hanging()
 {
-    return {.launchPath = test::fakeToolPath(),
+    return {.launchPath = test::fakeProgramPath(),
             .arguments = {u"hang"_s},
             .environment = processEnvironment(),
             .workingDirectory = {}};
@@ -50,11 +50,11 @@ TEST(RunningPrograms, KnowsWhatIsOpenAndHow)
     const FileDescriptor reader(::open(QFile::encodeName(read).constData(), O_RDONLY | O_CLOEXEC));
     const FileDescriptor writer(::open(QFile::encodeName(written).constData(), O_RDWR | O_CLOEXEC));
     const RunningPrograms programs = RunningPrograms::now();
-    EXPECT_TRUE(programs.isOpen(factsOf(read)));
-    EXPECT_FALSE(programs.isOpenForWriting(factsOf(read)));
-    EXPECT_TRUE(programs.isOpen(factsOf(written)));
-    EXPECT_TRUE(programs.isOpenForWriting(factsOf(written)));
-    EXPECT_FALSE(programs.isOpen(factsOf(idle)));
+    EXPECT_TRUE(programs.isOpen(statusOf(read)));
+    EXPECT_FALSE(programs.isOpenForWriting(statusOf(read)));
+    EXPECT_TRUE(programs.isOpen(statusOf(written)));
+    EXPECT_TRUE(programs.isOpenForWriting(statusOf(written)));
+    EXPECT_FALSE(programs.isOpen(statusOf(idle)));
 }
 
 TEST(RunningPrograms, KnowsTheChildrenOfAProcess)

@@ -1,12 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "files/FileDescriptor.h"
 #include "journal/JournalFixture.h"
 #include "journal/RunningPrograms.h"
-#include "platform/ChildProcess.h"
-#include "platform/FileDescriptor.h"
-#include "platform/ProcessEnvironment.h"
-#include "platform/ProcessMark.h"
-#include "support/ToolFolder.h"
+#include "process/ChildProcess.h"
+#include "process/ProcessEnvironment.h"
+#include "process/ProcessMark.h"
+#include "support/ProgramFolder.h"
 #include "support/WaitUntil.h"
 
 #include <gmock/gmock.h>
@@ -162,7 +162,7 @@ TEST_F(TemporaryFilesTest, WhileAnotherProcessHasAProgramInTheFolderWhatIsFreshW
 {
     killAfter({write(kPart, u"x"_s)});
     ChildProcess child;
-    ASSERT_FALSE(child.start({.launchPath = test::fakeToolPath(),
+    ASSERT_FALSE(child.start({.launchPath = test::fakeProgramPath(),
                               .arguments = {u"hang"_s},
                               .environment = processEnvironment(),
                               .workingDirectory = folder.path()}));

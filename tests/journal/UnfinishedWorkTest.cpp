@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "journal/UnfinishedWork.h"
 
+#include "files/FileDescriptor.h"
 #include "journal/JournalFixture.h"
 #include "journal/OutputJournal.h"
-#include "platform/FileDescriptor.h"
 #include "support/AudioFixtures.h"
-#include "support/ToolFolder.h"
+#include "support/ProgramFolder.h"
 #include "support/WaitUntil.h"
 
 #include <QDateTime>
@@ -299,7 +299,7 @@ TEST_F(UnfinishedWorkTest, EndsTheProgramsThatOutlivedTheirProcess)
 TEST_F(UnfinishedWorkTest, EndsAProgramThatDoesNotListen)
 {
     test::runAndKill(planned() << step("begun", u"a.flac"_s) << write(u"a.flac"_s, u"half"_s)
-                               << u"start="_s + test::fakeToolPath() + u"|ignore-term|hang"_s);
+                               << u"start="_s + test::fakeProgramPath() + u"|ignore-term|hang"_s);
     EXPECT_TRUE(test::waitUntil([] { return UnfinishedWork::find().runningPrograms() == 1; }));
     EXPECT_EQ(UnfinishedWork::find().cleanUp().runningPrograms(), 0);
 }

@@ -11,22 +11,31 @@ import pathlib
 import re
 import sys
 
+# The folders that know nothing of audio work as this application does it, from the lowest.
+BASICS = {"base", "text", "files", "process", "settings", "desktop", "audio"}
+
 # What a folder under src may include besides itself. A new folder states its
 # place here.
 ALLOWED = {
-    "platform": set(),
-    "programs": {"platform"},
-    "engine": {"platform", "programs"},
-    "app": {"platform", "programs", "engine"},
-    "samples": {"platform"},
-    "journal": {"platform", "engine", "app", "samples"},
-    "tags": {"platform", "programs", "engine", "app", "journal", "samples"},
-    "originals": {"platform", "programs", "engine", "app", "journal", "samples", "tags"},
-    "checksum": {"platform", "programs", "engine", "app", "tags"},
-    "convert": {"platform", "programs", "engine", "app", "journal", "samples", "tags", "originals", "checksum"},
+    "base": set(),
+    "text": {"base"},
+    "files": {"base", "text"},
+    "process": {"base", "files"},
+    "settings": {"base", "text", "files"},
+    "desktop": set(),
+    "audio": {"base", "files"},
+    "programs": {"text", "process"},
+    "engine": BASICS | {"programs"},
+    "app": BASICS | {"programs", "engine"},
+    "samples": {"base", "files", "audio"},
+    "journal": {"base", "files", "process", "engine", "app", "samples"},
+    "tags": BASICS | {"programs", "engine", "app", "samples", "journal"},
+    "originals": {"base", "files", "programs", "engine", "app", "samples", "journal", "tags"},
+    "checksum": BASICS | {"programs", "engine", "app", "tags"},
+    "convert": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum"},
     "toolbox": {"app", "checksum", "convert"},
-    "cli": {"platform", "programs", "engine", "app", "journal", "samples", "tags", "originals", "checksum", "convert", "toolbox"},
-    "ui": {"platform", "programs", "engine", "app", "journal", "samples", "tags", "originals", "checksum", "convert", "toolbox"},
+    "cli": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum", "convert", "toolbox"},
+    "ui": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum", "convert", "toolbox"},
 }
 
 # The same of the folders under tools, whose programs use no Qt.
@@ -39,11 +48,11 @@ ALLOWED_TOOLS = {
 }
 # What of src the tools may include: headers that need neither Qt nor a library.
 SHARED_WITH_TOOLS = {
-    "platform/FileDescriptor.h",
-    "platform/PrivateFolderName.h",
-    "platform/SearchPath.h",
-    "platform/UnnamedFile.h",
-    "platform/VisibleText.h",
+    "files/FileDescriptor.h",
+    "files/PrivateFolderName.h",
+    "process/SearchPath.h",
+    "files/UnnamedFile.h",
+    "text/VisibleText.h",
 }
 
 # The codecs that a folder under src may include: the libraries of the bundled programs.
@@ -53,6 +62,7 @@ MAX_LINES = 600
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 QT_HEADER = re.compile(r"Q[A-Z]|Qt|qt|q[a-z]+\.h$")
 TOOL_PROGRAM = re.compile(r"^\s*nurv_tool\((\S+)", re.MULTILINE)
+TYPE_DEFINITION = re.compile(r"^(?:template <[^>]*>\s*)?(?:class|struct|enum class|union) (\w+)(?: final)?(?: *:[^:;]*)? *\{", re.MULTILINE)
 DIALOG_CLASS = re.compile(r"\b(QMessageBox|QFileDialog|QInputDialog|QErrorMessage)\b")
 DIALOG_EXEC = re.compile(r"\bQDialog::exec\b|\b\w*(?:[dD]ialog|[pP]anel)\w*(?:\.|->)exec\s*\(")
 SPDX = (
@@ -152,6 +162,21 @@ def check_head(path, lines):
         yield f"{path}:{len(lines)}: more than {MAX_LINES} lines; split it"
 
 
+def check_names(root):
+    """Whoever looks a name up finds one thing: no two types of one name, no two headers."""
+    types, headers = {}, {}
+    for path in source_files(root, "src") + source_files(root, "tools"):
+        relative = path.relative_to(root)
+        for match in TYPE_DEFINITION.finditer(without_comments(path.read_text(encoding="utf-8"))):
+            first = types.setdefault(match.group(1), relative)
+            if first != relative:
+                yield f"{relative}:1: {match.group(1)} is the name of a type in {first} too"
+        if path.suffix == ".h":
+            first = headers.setdefault(path.name, relative)
+            if first != relative:
+                yield f"{relative}:1: {first} has that name too"
+
+
 def check_tree(root, widgets_headers):
     """Every fault of the sources below root, as 'file:line: text'."""
     faults = []
@@ -181,6 +206,7 @@ def check_tree(root, widgets_headers):
             continue
         faults += check_tool_includes(relative, folder, without_comments(path.read_text(encoding="utf-8")).splitlines())
     faults += check_manual_pages(root)
+    faults += check_names(root)
     return faults
 
 

@@ -28,14 +28,14 @@ class CheckSources(unittest.TestCase):
         self.assertIn(text, faults[0])
 
     def test_clean_sources_pass(self):
-        self.assertEqual(self.faults("src/engine/A.cpp", '#include "platform/B.h"\n#include <QString>\n'), [])
+        self.assertEqual(self.faults("src/engine/A.cpp", '#include "base/B.h"\n#include <QString>\n'), [])
         self.assertEqual(self.faults("src/convert/A.cpp", '#include "tags/T.h"\n#include "convert/C.h"\n'), [])
         self.assertEqual(self.faults("src/ui/A.cpp", "#include <QWidget>\n"), [])
         self.assertEqual(self.faults("src/ui/DesktopPrompts.cpp", "QMessageBox box; dialog.exec();\n"), [])
         self.assertEqual(self.faults("src/ui/A.cpp", "// a QMessageBox would block here\n/* QFileDialog */\n"), [])
 
     def test_arrow_that_points_up(self):
-        self.assert_fault("src/platform/A.h", '#pragma once\n#include "engine/B.h"\n', "must not include engine/B.h")
+        self.assert_fault("src/base/A.h", '#pragma once\n#include "engine/B.h"\n', "must not include engine/B.h")
         self.assert_fault("src/engine/A.cpp", '#include "app/B.h"\n', "must not include app/B.h")
         self.assert_fault("src/tags/A.cpp", '#include "convert/B.h"\n', "must not include convert/B.h")
         self.assert_fault("src/convert/A.cpp", '  #  include "ui/B.h"\n', "must not include ui/B.h")
@@ -52,18 +52,30 @@ class CheckSources(unittest.TestCase):
     def test_include_without_a_folder(self):
         self.assert_fault("src/engine/A.cpp", '#include "B.h"\n', "does not name a folder")
 
+    def test_names_of_two_things(self):
+        with tempfile.TemporaryDirectory() as folder:
+            root = pathlib.Path(folder)
+            for name, body in (("src/base/A.h", "#pragma once\nclass A {\n};\nclass C;\n"), ("src/text/A.h", "#pragma once\n"),
+                               ("tools/tta/B.cpp", "struct A final : C {\n};\nclass D;\n"), ("src/text/D.cpp", "class D {\n};\n")):
+                (root / name).parent.mkdir(parents=True, exist_ok=True)
+                (root / name).write_text(HEAD + body, encoding="utf-8")
+            faults = check_sources.check_tree(root, WIDGETS)
+        self.assertEqual(len(faults), 2, faults)
+        self.assertIn("src/text/A.h:1: src/base/A.h has that name too", faults)
+        self.assertIn("tools/tta/B.cpp:1: A is the name of a type in src/base/A.h too", faults)
+
     def test_folder_without_a_place(self):
         self.assert_fault("src/misc/A.cpp", "", "no place in the picture")
 
     def test_clean_tools_pass(self):
         self.assertEqual(self.faults("tools/tta/A.cpp", '#include "tta/B.h"\n#include "support/C.h"\n#include <zlib.h>\n'), [])
-        self.assertEqual(self.faults("tools/support/A.h", '#pragma once\n#include "platform/FileDescriptor.h"\n'), [])
+        self.assertEqual(self.faults("tools/support/A.h", '#pragma once\n#include "files/FileDescriptor.h"\n'), [])
         self.assertEqual(self.faults("fuzz/A.cpp", '#include "B.h"\n#include "tta/B.h"\n#include "tags/C.h"\n'), [])
 
     def test_tool_that_includes_what_it_must_not(self):
         self.assert_fault("tools/support/A.cpp", '#include "tta/B.h"\n', "support must not include tta/B.h")
         self.assert_fault("tools/tta/A.cpp", '#include "ape/B.h"\n', "tta must not include ape/B.h")
-        self.assert_fault("tools/tta/A.cpp", '#include "platform/TextFile.h"\n', "tta must not include platform/TextFile.h")
+        self.assert_fault("tools/tta/A.cpp", '#include "files/TextFile.h"\n', "tta must not include files/TextFile.h")
         self.assert_fault("tools/tta/A.cpp", "#include <QString>\n", "QString: the bundled programs use no Qt")
         self.assert_fault("tools/tta/A.cpp", "#include <QtCore/qglobal.h>\n", "use no Qt")
         self.assert_fault("fuzz/A.cpp", '#include "ui/MainWindow.h"\n', "fuzz must not include")

@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "originals/ReplacedFile.h"
 
-#include "platform/FolderEntry.h"
+#include "files/FolderEntry.h"
 
+#include "base/NurvFailure.h"
 #include "journal/OutputJournal.h"
-#include "platform/NurvFailure.h"
-#include "platform/SettingsStore.h"
+#include "settings/SettingsStore.h"
 #include "support/LogLines.h"
 #include "support/TestFolder.h"
 

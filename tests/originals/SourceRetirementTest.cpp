@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "originals/SourceRetirement.h"
 
-#include "platform/SettingsStore.h"
+#include "settings/SettingsStore.h"
 #include "support/AudioFixtures.h"
 #include "support/TestFolder.h"
 #include "support/TestProgram.h"

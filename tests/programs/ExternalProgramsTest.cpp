@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "programs/ExternalPrograms.h"
 
-#include "platform/ResourceFolder.h"
-#include "support/ToolFolder.h"
+#include "process/ResourceFolder.h"
+#include "support/ProgramFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -18,9 +18,9 @@ using namespace nurv;
 
 TEST(ResourceFolder, IsTheFolderThatTheEnvironmentNames)
 {
-    const test::ToolFolder tools;
+    const test::ProgramFolder tools;
     EXPECT_EQ(pathToCommandLineTools(), tools.path());
-    EXPECT_EQ(toolPath(u"flac"_s), tools.path() + u"/flac"_s);
+    EXPECT_EQ(programPath(u"flac"_s), tools.path() + u"/flac"_s);
 }
 
 TEST(ResourceFolder, IsFoundFromTheExecutableOtherwise)
@@ -53,7 +53,7 @@ TEST(ExternalPrograms, NamesEveryProgramOnceWithItsProvider)
 
 TEST(ExternalPrograms, FindsAProgramWithItsVersion)
 {
-    const test::ToolFolder tools;
+    const test::ProgramFolder tools;
     const std::vector<std::pair<QString, QByteArray>> outputs{
         {u"flac"_s, "flac 1.4.2\n"},
         {u"sox"_s, "sox:      SoX v14.4.2\n"},
@@ -76,7 +76,7 @@ TEST(ExternalPrograms, FindsAProgramWithItsVersion)
 
 TEST(ExternalPrograms, TellsAProgramThatIsMissingFromOneThatCannotRun)
 {
-    const test::ToolFolder tools;
+    const test::ProgramFolder tools;
     const ExternalProgram &lame = *findExternalProgram(u"lame"_s);
     EXPECT_EQ(checkProgram(lame).state, ProgramStatus::State::NotFound);
     EXPECT_EQ(checkProgram(lame).path, tools.path(u"lame"_s));

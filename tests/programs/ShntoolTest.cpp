@@ -3,8 +3,8 @@
 #include "programs/Shntool.h"
 
 #include "programs/NeededPrograms.h"
+#include "support/ProgramFolder.h"
 #include "support/TestFolder.h"
-#include "support/ToolFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -88,7 +88,7 @@ TEST(NeededPrograms, AreTheProgramAndWhatItStarts)
 
 TEST(NeededPrograms, AreMissedOnceEach)
 {
-    const test::ToolFolder tools;
+    const test::ProgramFolder tools;
     tools.addFake(u"flac"_s, "");
     NeededPrograms programs{{u"flac"_s, u"mac"_s}, {}};
     programs.add({{u"mac"_s, u"ttaenc"_s}, {u"mac"_s}});

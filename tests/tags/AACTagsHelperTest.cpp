@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tags/AACTagsHelper.h"
 
+#include "base/Version.h"
 #include "Mp4Fixtures.h"
-#include "platform/Version.h"
 #include "support/AudioFixtures.h"
+#include "support/ProgramFolder.h"
 #include "support/TestProgram.h"
-#include "support/ToolFolder.h"
 #include "TagFixtures.h"
 
 #include <QFile>
@@ -558,7 +558,7 @@ TEST_F(AACTagsHelperFiles, MakesAFileGapless)
 
 TEST_F(AACTagsHelperFiles, RunsTheProgramForGaplessFilesWithoutPadding)
 {
-    const ToolFolder tools;
+    const ProgramFolder tools;
     const QString log = folder.path(u"log"_s);
     const QString environment = folder.write(u"a b.m4a"_s, "no sound");
     tools.addFake(u"AtomicParsley"_s, "log=" + log.toUtf8() + ";exec=" + tools.path(u"second"_s).toUtf8());
@@ -572,7 +572,7 @@ TEST_F(AACTagsHelperFiles, RunsTheProgramForGaplessFilesWithoutPadding)
 
 TEST_F(AACTagsHelperFiles, StartsNoProgramForGaplessFilesThatCouldWriteThroughALink)
 {
-    const ToolFolder tools;
+    const ProgramFolder tools;
     const QString log = folder.path(u"log"_s);
     tools.addFake(u"AtomicParsley"_s, "log=" + log.toUtf8());
     const QString path = folder.write(u"a.m4a"_s, "no sound");
@@ -586,7 +586,7 @@ TEST_F(AACTagsHelperFiles, StartsNoProgramForGaplessFilesThatCouldWriteThroughAL
 
 TEST_F(AACTagsHelperFiles, DoesNotMindAMissingOrFailingProgramForGaplessFiles)
 {
-    const ToolFolder tools;
+    const ProgramFolder tools;
     const QString path = makeFile();
     const QByteArray before = bytes();
     AACTagsHelper::makeGapless(path);

@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tags/FlacTagHelper.h"
 
-#include "platform/NurvFailure.h"
+#include "base/NurvFailure.h"
 #include "support/AudioFixtures.h"
-#include "support/TestProgram.h"
+#include "support/ProgramFolder.h"
 #include "support/TestFolder.h"
-#include "support/ToolFolder.h"
+#include "support/TestProgram.h"
 #include "TagFixtures.h"
 
 #include <QFile>
@@ -101,7 +101,7 @@ TEST(FlacTagHelper, RunsMetaflacOncePerKeyInTheSetOrder)
 {
     const TestFolder folder;
     const QString path = writeTaggableFlac(folder, u"a.flac"_s);
-    const ToolFolder tools;
+    const ProgramFolder tools;
     const QString log = folder.path(u"log"_s);
     static_cast<void>(tools.addLogged(u"metaflac"_s, log));
     const auto calls = [&] {
@@ -232,7 +232,7 @@ TEST(FlacTagHelper, ReadsTheStreamFormat)
 
 TEST(FlacTagHelper, ReadsATotalBeyond32Bits)
 {
-    const ToolFolder tools;
+    const ProgramFolder tools;
     static_cast<void>(tools.addFake(u"metaflac"_s, "out=8589934592\\n"));
     EXPECT_EQ(FlacTagHelper::getFormatInfo(u"/nowhere/a.flac"_s).totalSamples, 8589934592LL);
 }
@@ -260,7 +260,7 @@ TEST(FlacTagHelper, GivesEmptyValuesAndLeavesTheFileWithoutMetaflac)
     const QString path = writeTaggableFlac(folder, u"a.flac"_s);
     metaflac({u"--set-tag=TITLE=old"_s, path});
     const QByteArray before = folder.read(u"a.flac"_s);
-    const ToolFolder noTools;
+    const ProgramFolder noTools;
     EXPECT_TRUE(FlacTagHelper::tagForFile(path, FlacTagHelper::kTitle).isEmpty());
     FlacTagHelper::writeTagForFile(path, FlacTagHelper::kTitle, u"new"_s, false);
     EXPECT_EQ(FlacTagHelper::getFormatInfo(path).sampleRate, 0);
@@ -269,7 +269,7 @@ TEST(FlacTagHelper, GivesEmptyValuesAndLeavesTheFileWithoutMetaflac)
 
 TEST(FlacTagHelper, WritesThroughNoLinkWithTheNameOfATemporaryFile)
 {
-    ToolFolder tools;
+    ProgramFolder tools;
     tools.addAllReal();
     const TestFolder folder;
     const QString victim = folder.write(u"victim"_s, "somebody's");
@@ -299,7 +299,7 @@ TEST(FlacTagHelper, NoticesWhenMetaflacLeavesNoFile)
 {
     const TestFolder folder;
     const QString path = writeFlac(folder.path(u"a.flac"_s));
-    ToolFolder tools;
+    ProgramFolder tools;
     tools.addFake(u"metaflac"_s, "delete=@-1");
     EXPECT_THROW(FlacTagHelper::writeTagForFile(path, FlacTagHelper::kDate, u"1999"_s, false), NurvFailure);
 }

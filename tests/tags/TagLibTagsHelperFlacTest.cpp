@@ -3,8 +3,8 @@
 #include "tags/TagLibTagsHelper.h"
 
 #include "support/AudioFixtures.h"
+#include "support/ProgramFolder.h"
 #include "support/TestProgram.h"
-#include "support/ToolFolder.h"
 #include "TagFixtures.h"
 
 #include <QFile>
@@ -249,7 +249,7 @@ TEST_F(TagLibTagsHelperFlac, WritesSeveralOldDatesBackAsOne)
 
 TEST_F(TagLibTagsHelperFlac, WritesTheDateThroughMetaflacOnly)
 {
-    const ToolFolder tools;
+    const ProgramFolder tools;
     static_cast<void>(tools.addLogged(u"metaflac"_s, folder.path(u"log"_s)));
     TagsObject record;
     record.setDateText(u"2001"_s);
@@ -264,7 +264,7 @@ TEST_F(TagLibTagsHelperFlac, WritesTheDateThroughMetaflacOnly)
 
 TEST_F(TagLibTagsHelperFlac, RunsNoMetaflacWithoutAnyDate)
 {
-    const ToolFolder tools;
+    const ProgramFolder tools;
     static_cast<void>(tools.addLogged(u"metaflac"_s, folder.path(u"log"_s)));
     TagLibTagsHelper::writeTagsForFLACFile(path, {}, true);
     EXPECT_FALSE(folder.exists(u"log"_s));

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tags/TagsProcess.h"
 
-#include "platform/ChildProcess.h"
-#include "platform/ServiceProcess.h"
+#include "process/ChildProcess.h"
+#include "process/ServiceProcess.h"
 #include "support/LimitedRun.h"
 #include "support/TestProgram.h"
 #include "support/WaitUntil.h"
@@ -23,8 +23,8 @@
 
 #include <array>
 #include <atomic>
-#include <chrono>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstddef>
 #include <limits>

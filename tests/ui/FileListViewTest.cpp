@@ -3,7 +3,7 @@
 #include "ui/FileListView.h"
 
 #include "support/WaitUntil.h"
-#include "ui/TabPage.h"
+#include "ui/pages/TabPage.h"
 #include "ui/TextWidth.h"
 #include "ui/WindowFixture.h"
 

@@ -3,16 +3,16 @@
 #include "ui/MainWindow.h"
 
 #include "engine/NURVTaskQueue.h"
-#include "platform/SettingsStore.h"
 #include "programs/ExternalPrograms.h"
+#include "settings/SettingsStore.h"
 #include "support/WaitUntil.h"
-#include "ui/AboutPage.h"
 #include "ui/FileListView.h"
 #include "ui/GivenFiles.h"
 #include "ui/JobInState.h"
 #include "ui/OutputWindow.h"
+#include "ui/pages/AboutPage.h"
+#include "ui/pages/TabPage.h"
 #include "ui/StatusWindow.h"
-#include "ui/TabPage.h"
 #include "ui/WindowFixture.h"
 
 #include <QAbstractButton>

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "ui/TabPage.h"
+#include "ui/pages/TabPage.h"
 
 #include "engine/NURVTaskQueue.h"
-#include "platform/SettingsStore.h"
+#include "settings/SettingsStore.h"
 #include "support/WaitUntil.h"
 #include "ui/FileListView.h"
 #include "ui/GivenFiles.h"

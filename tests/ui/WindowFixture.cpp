@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/WindowFixture.h"
 
-#include "platform/WorkerThreads.h"
+#include "base/WorkerThreads.h"
 #include "support/WaitUntil.h"
 
 #include <QApplication>

@@ -6,10 +6,10 @@
 #include "app/ScriptedPrompts.h"
 #include "convert/DecodeTab.h"
 #include "convert/EncodeTab.h"
-#include "platform/NullDesktopServices.h"
+#include "desktop/NullDesktopServices.h"
 #include "support/TestFolder.h"
-#include "ui/MainWindow.h"
 #include "toolbox/Toolbox.h"
+#include "ui/MainWindow.h"
 
 #include <QMimeData>
 

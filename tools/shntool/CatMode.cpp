@@ -26,7 +26,7 @@ void CatMode::takeOption(char option, const char *)
 int CatMode::execute()
 {
     if (m_hidesExtra && m_hidesData && m_hidesHeader)
-        run().console.failWithHelp("nothing to do if WAVE header, data and extra RIFF chunks are suppressed");
+        run().messages.failWithHelp("nothing to do if WAVE header, data and extra RIFF chunks are suppressed");
     bool isGood = true;
     while (const std::optional<std::string> name = run().names.next()) {
         const std::optional<WaveInfo> info = run().files.examine(*name);
@@ -42,7 +42,7 @@ uint64_t CatMode::shownBytes(const WaveInfo &info) const
 
 bool CatMode::write(const WaveInfo &info) const
 {
-    Progress progress(run().console, {.action = "Catenating",
+    Progress progress(run().messages, {.action = "Catenating",
                                       .file = info.fileName,
                                       .fileDetail = run().lengthOf(info),
                                       .link = {},
@@ -51,12 +51,12 @@ bool CatMode::write(const WaveInfo &info) const
                                       .totalBytes = shownBytes(info)});
     if (m_hidesHeader && m_hidesData && info.extraBytes() == 0) {
         progress.fail();
-        run().console.warn("input file contains no extra RIFF chunks -- nothing to do");
+        run().messages.warn("input file contains no extra RIFF chunks -- nothing to do");
         return false;
     }
     const auto skip = [&](const std::string &why) {
         progress.fail();
-        run().console.fail(why);
+        run().messages.fail(why);
     };
     StreamWaveOutput output(STDOUT_FILENO);
     WavePass pass(run().files, info);

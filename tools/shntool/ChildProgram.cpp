@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shntool/ChildProgram.h"
 
-#include "platform/SearchPath.h"
+#include "process/SearchPath.h"
 #include "shntool/EndingCleanup.h"
 #include "support/SystemCalls.h"
 #include "support/ToolError.h"

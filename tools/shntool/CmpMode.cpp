@@ -51,12 +51,12 @@ void CmpMode::takeOption(char option, const char *value)
     case 'c':
         m_seconds = std::atoi(value);
         if (m_seconds <= 0)
-            run().console.failWithHelp("seconds for byte-shift comparison must be positive");
+            run().messages.failWithHelp("seconds for byte-shift comparison must be positive");
         break;
     default:
         m_fuzz = std::atoi(value);
         if (*m_fuzz < 0)
-            run().console.failWithHelp("fuzz factor cannot be negative");
+            run().messages.failWithHelp("fuzz factor cannot be negative");
         break;
     }
 }
@@ -64,13 +64,13 @@ void CmpMode::takeOption(char option, const char *value)
 int CmpMode::execute()
 {
     if (m_fuzz && !m_findsShift)
-        run().console.failWithHelp("fuzz factor can only be used with byte-shift");
+        run().messages.failWithHelp("fuzz factor can only be used with byte-shift");
     const std::vector<std::string> names = run().names.all();
     if (names.size() != 2) {
         const std::string why = "need exactly two files to process";
         if (run().names.hasArguments())
-            run().console.failWithHelp(why);
-        run().console.fail(why);
+            run().messages.failWithHelp(why);
+        run().messages.fail(why);
     }
     const std::optional<WaveInfo> first = run().files.examine(names[0]);
     if (!first)
@@ -100,7 +100,7 @@ std::vector<uint8_t> CmpMode::readFront(const WaveInfo &info) const
     const auto wanted = static_cast<size_t>(std::min<uint64_t>(bufferBytes(info), info.dataBytes()));
     std::vector<uint8_t> bytes;
     if (!pass.isOpen() || !readAll(pass, wanted, bytes))
-        run().console.fail(failedRead(wanted, info));
+        run().messages.fail(failedRead(wanted, info));
     return bytes;
 }
 
@@ -121,7 +121,7 @@ bool CmpMode::areEqual(std::span<const uint8_t> one, std::span<const uint8_t> ot
 
 CmpMode::Shift CmpMode::findShift(const WaveInfo &first, const WaveInfo &second) const
 {
-    Progress progress(run().console, {.action = "Scanning",
+    Progress progress(run().messages, {.action = "Scanning",
                                       .file = first.fileName,
                                       .fileDetail = {},
                                       .link = "and",
@@ -142,7 +142,7 @@ CmpMode::Shift CmpMode::findShift(const WaveInfo &first, const WaveInfo &second)
         }
     }
     progress.fail();
-    run().console.fail("these files do not share identical data within the first "
+    run().messages.fail("these files do not share identical data within the first "
                        + std::to_string(static_cast<uint64_t>(m_seconds) * first.header.calculatedRate()) + " bytes.");
 }
 
@@ -162,7 +162,7 @@ void CmpMode::tellShift(const WaveInfo &first, const Shift &shift) const
             text += ", or " + std::to_string((extra + kSectorBytes / 2) / kSectorBytes) + " extra sectors";
         text += ")\n\nThese extra bytes will be ignored in the full comparison.\n";
     }
-    run().console.tell(text + "\nPreparing to do a full comparison...\n\n");
+    run().messages.tell(text + "\nPreparing to do a full comparison...\n\n");
 }
 
 /// Returns whether they are equal. Ends the run at a difference that is not to be listed.
@@ -175,17 +175,17 @@ bool CmpMode::comparePieces(std::span<const uint8_t> one, std::span<const uint8_
             continue;
         if (!m_listsBytes) {
             progress.fail();
-            run().console.fail("WAVE data differs at byte offset: " + std::to_string(offset + i + 1));
+            run().messages.fail("WAVE data differs at byte offset: " + std::to_string(offset + i + 1));
         }
         if (areSame && !hasDiffered) {
             progress.fail();
-            run().console.tell("\n    offset   1   2\n   ----------------\n");
+            run().messages.tell("\n    offset   1   2\n   ----------------\n");
         }
         areSame = false;
         std::array<char, 64> line{};
         std::snprintf(line.data(), line.size(), "%10" PRIu64 " %3u %3u\n", offset + i + 1, unsigned{one[i]},
                       unsigned{other[i]});
-        run().console.tell(line.data());
+        run().messages.tell(line.data());
     }
     return areSame;
 }
@@ -193,11 +193,11 @@ bool CmpMode::comparePieces(std::span<const uint8_t> one, std::span<const uint8_
 bool CmpMode::compare(const WaveInfo &first, const WaveInfo &second, const Shift &shift) const
 {
     if (const char *difference = differenceOf(first.header, second.header))
-        run().console.fail(std::string(difference) + " differs between these files");
+        run().messages.fail(std::string(difference) + " differs between these files");
     if (first.dataBytes() - shift.first != second.dataBytes() - shift.second)
-        run().console.remark("WAVE data size differs between these files -- will check up to smaller size");
+        run().messages.remark("WAVE data size differs between these files -- will check up to smaller size");
     const uint64_t total = std::min(first.dataBytes() - shift.first, second.dataBytes() - shift.second);
-    Progress progress(run().console, {.action = "Comparing",
+    Progress progress(run().messages, {.action = "Comparing",
                                       .file = first.fileName,
                                       .fileDetail = run().lengthOf(first),
                                       .link = "and",
@@ -208,7 +208,7 @@ bool CmpMode::compare(const WaveInfo &first, const WaveInfo &second, const Shift
     WavePass other(run().files, second);
     const auto failRead = [&](uint64_t count, const WaveInfo &info) {
         progress.fail();
-        run().console.fail(failedRead(count, info));
+        run().messages.fail(failedRead(count, info));
     };
     if (!one.isOpen() || !one.transfer(nullptr, shift.first, nullptr))
         failRead(shift.first, first);
@@ -234,14 +234,14 @@ bool CmpMode::compare(const WaveInfo &first, const WaveInfo &second, const Shift
         failRead(second.dataBytes(), second);
     const std::string contents = m_findsShift && shift.first + shift.second > 0 ? "Aligned contents" : "Contents";
     if (!areSame) {
-        run().console.tell("\n" + contents + " of these files differed as indicated above.\n");
+        run().messages.tell("\n" + contents + " of these files differed as indicated above.\n");
         return false;
     }
     progress.succeed();
     std::string limit;
     if (first.dataBytes() - shift.first != second.dataBytes() - shift.second)
         limit = " (up to the first " + std::to_string(total) + " bytes of WAVE data)";
-    run().console.tell("\n" + contents + " of these files are identical" + limit + ".\n");
+    run().messages.tell("\n" + contents + " of these files are identical" + limit + ".\n");
     return true;
 }
 

@@ -53,12 +53,12 @@ void ConvMode::checkName() const
     if (!name)
         return;
     if (name->empty())
-        run().console.fail("option -n needs the name of the file to make");
+        run().messages.fail("option -n needs the name of the file to make");
     if (run().names.listName)
-        run().console.fail("option -n names one file, so it does not go with -F");
+        run().messages.fail("option -n names one file, so it does not go with -F");
     const size_t expected = m_readsStandardInput ? 0 : 1;
     if (run().names.argumentCount() != expected) {
-        run().console.fail("option -n names one file, so it takes " + std::to_string(expected) + " source files, not "
+        run().messages.fail("option -n names one file, so it takes " + std::to_string(expected) + " source files, not "
                            + std::to_string(run().names.argumentCount()));
     }
 }
@@ -88,7 +88,7 @@ std::string ConvMode::copyStandardInput(WaveOutput &output) const
 {
     FileWaveSource source("-");
     WaveHeader header;
-    if (readWaveHeader(source, "data from the terminal", run().console, header) != WaveHeaderFault::None)
+    if (readWaveHeader(source, "data from the terminal", run().messages, header) != WaveHeaderFault::None)
         return "input data is no WAVE data";
     uint64_t count = header.bytes.size();
     bool isWritten = output.write(header.bytes);
@@ -105,12 +105,12 @@ std::string ConvMode::copyStandardInput(WaveOutput &output) const
 bool ConvMode::convertStandardInput()
 {
     if (::isatty(STDIN_FILENO) != 0)
-        run().console.tell("enter WAVE data by hand... good luck:\n");
+        run().messages.tell("enter WAVE data by hand... good luck:\n");
     WaveInfo info;
     info.fileName = "terminal";
     info.format = &audioFormats().front();
     std::string name = run().outputs.nameFrom(info, "");
-    Progress progress(run().console, {.action = "Converting",
+    Progress progress(run().messages, {.action = "Converting",
                                       .file = "data from the terminal",
                                       .fileDetail = {},
                                       .link = "-->",
@@ -120,9 +120,9 @@ bool ConvMode::convertStandardInput()
     const std::unique_ptr<WaveOutput> output = run().outputs.open(name, &progress);
     const auto skip = [&](const std::string &why) {
         progress.fail();
-        run().console.warn(why + " -- skipping.");
+        run().messages.warn(why + " -- skipping.");
         if (const std::string complaint = output ? output->complaint() : std::string(); !complaint.empty())
-            run().console.warn(complaint);
+            run().messages.warn(complaint);
         return false;
     };
     if (!output)
@@ -130,7 +130,7 @@ bool ConvMode::convertStandardInput()
     if (const std::string fault = copyStandardInput(*output); !fault.empty())
         return skip(fault);
     if (!output->complete()) {
-        run().console.warn(output->complaint());
+        run().messages.warn(output->complaint());
         progress.fail();
         return false;
     }

@@ -18,7 +18,7 @@ int CueMode::execute()
 
 int CueMode::showCueSheet() const
 {
-    run().console.print("FILE \"joined.wav\" WAVE\n");
+    run().messages.print("FILE \"joined.wav\" WAVE\n");
     bool isGood = true;
     unsigned tracks = 0;
     uint64_t dataBytes = 0;
@@ -30,16 +30,16 @@ int CueMode::showCueSheet() const
         if (!info)
             continue;
         if (!info->isCdQuality())
-            run().console.fail("file is not CD-quality: [" + *name + "]");
+            run().messages.fail("file is not CD-quality: [" + *name + "]");
         std::string index = time.ofCdBytes(dataBytes);
         std::ranges::replace(index, '.', ':');
         std::array<char, 32> track{};
         std::snprintf(track.data(), track.size(), "%02u", ++tracks);
-        run().console.print(std::string("  TRACK ") + track.data() + " AUDIO\n    INDEX 01 " + index + '\n');
+        run().messages.print(std::string("  TRACK ") + track.data() + " AUDIO\n    INDEX 01 " + index + '\n');
         dataBytes += info->dataBytes();
     }
     if (tracks == 0)
-        run().console.fail("need one or more files in order to generate CUE sheet");
+        run().messages.fail("need one or more files in order to generate CUE sheet");
     return isGood ? 0 : 1;
 }
 
@@ -56,9 +56,9 @@ int CueMode::showSplitPoints() const
             continue;
         if (first) {
             if (const char *difference = differenceOf(first->header, info->header))
-                run().console.fail(std::string(difference) + " differs among these files");
+                run().messages.fail(std::string(difference) + " differs among these files");
             if (dataBytes > 0)
-                run().console.print(std::to_string(dataBytes) + '\n');
+                run().messages.print(std::to_string(dataBytes) + '\n');
         }
         dataBytes += info->dataBytes();
         ++files;
@@ -66,7 +66,7 @@ int CueMode::showSplitPoints() const
             first = std::move(info);
     }
     if (files < 2)
-        run().console.fail("need two or more files in order to generate split points");
+        run().messages.fail("need two or more files in order to generate split points");
     return isGood ? 0 : 1;
 }
 

@@ -13,7 +13,7 @@ namespace nurv {
 
 FileEdit::FileEdit(ModeRun &run, const WaveInfo &info, const std::string &action, const std::string &postfix)
     : m_run(run), m_info(info), m_name(run.outputs.nameFrom(info, postfix)),
-      m_progress(std::make_unique<Progress>(run.console, Progress::Task{.action = action,
+      m_progress(std::make_unique<Progress>(run.messages, Progress::Task{.action = action,
                                                                         .file = info.fileName,
                                                                         .fileDetail = run.lengthOf(info),
                                                                         .link = "-->",
@@ -32,11 +32,11 @@ FileEdit::~FileEdit()
 bool FileEdit::skip(const std::string &why)
 {
     m_progress->fail();
-    m_run.console.warn(why + " -- skipping.");
+    m_run.messages.warn(why + " -- skipping.");
     if (!m_output)
         return false;
     if (const std::string complaint = m_output->complaint(); !complaint.empty())
-        m_run.console.warn(complaint);
+        m_run.messages.warn(complaint);
     return false;
 }
 
@@ -114,7 +114,7 @@ bool FileEdit::copyExtra(uint64_t count)
 {
     if (m_input->transfer(m_output.get(), count, m_progress.get()))
         return true;
-    m_run.console.warn("error while transferring " + std::to_string(count) + " extra bytes -- skipping.");
+    m_run.messages.warn("error while transferring " + std::to_string(count) + " extra bytes -- skipping.");
     return false;
 }
 
@@ -132,7 +132,7 @@ bool FileEdit::finish()
     m_progress->succeed();
     if (!isComplete) {
         m_progress->noteFailure();
-        m_run.console.warn(m_output->complaint());
+        m_run.messages.warn(m_output->complaint());
     }
     return isComplete;
 }

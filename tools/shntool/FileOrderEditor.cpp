@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shntool/FileOrderEditor.h"
 
-#include "shntool/Console.h"
+#include "shntool/RunMessages.h"
 
 #include <algorithm>
 #include <charconv>
@@ -30,18 +30,18 @@ constexpr const char *kCommands = "\nCommands:\n\n"
                                   "  [d]one       (quits this editor, and continues with processing)\n";
 
 /// What was typed, in words.
-struct Command {
+struct OrderCommand {
     std::string word;
     std::vector<std::string> positions;
 };
 
-std::optional<Command> readCommand()
+std::optional<OrderCommand> readCommand()
 {
     std::string line;
     if (!std::getline(std::cin, line))
         return std::nullopt;
     std::istringstream words(line);
-    Command command;
+    OrderCommand command;
     words >> command.word;
     for (std::string position; words >> position;)
         command.positions.push_back(position);
@@ -50,28 +50,28 @@ std::optional<Command> readCommand()
 
 class Editor {
 public:
-    Editor(std::vector<std::string> &names, const Console &console) : m_names(names), m_console(console) {}
+    Editor(std::vector<std::string> &names, const RunMessages &messages) : m_names(names), m_messages(messages) {}
 
     void run()
     {
-        m_console.tellAlways("\nEntering file order editor.\n");
+        m_messages.tellAlways("\nEntering file order editor.\n");
         do {
             show();
-        } while (obey(readCommand().value_or(Command{.word = "d", .positions = {}})));
-        m_console.tellAlways("Exiting file order editor.\n\n");
+        } while (obey(readCommand().value_or(OrderCommand{.word = "d", .positions = {}})));
+        m_messages.tellAlways("Exiting file order editor.\n\n");
     }
 
 private:
     void show() const;
-    bool obey(const Command &command);
-    void moveTo(const Command &command);
-    void swap(const Command &command);
-    void moveToEdge(const Command &command, bool isEnd);
+    bool obey(const OrderCommand &command);
+    void moveTo(const OrderCommand &command);
+    void swap(const OrderCommand &command);
+    void moveToEdge(const OrderCommand &command, bool isEnd);
     [[nodiscard]] std::optional<size_t> position(const std::string &text) const;
     void move(size_t from, size_t to);
 
     std::vector<std::string> &m_names;
-    const Console &m_console;
+    const RunMessages &m_messages;
 };
 
 void Editor::show() const
@@ -81,13 +81,13 @@ void Editor::show() const
         const std::string number = std::to_string(i + 1);
         text += std::string(number.size() < 2 ? 1 : 0, ' ') + number + ": " + m_names[i] + '\n';
     }
-    m_console.tellAlways(text + kCommands + "  [q]uit       (quits " + m_console.program()
+    m_messages.tellAlways(text + kCommands + "  [q]uit       (quits " + m_messages.program()
                          + " [you can also use Ctrl-C])\n\n? ");
 }
 
-bool Editor::obey(const Command &command)
+bool Editor::obey(const OrderCommand &command)
 {
-    m_console.tellAlways("\n");
+    m_messages.tellAlways("\n");
     switch (command.word.empty() ? '\0' : command.word.front()) {
     case 's': swap(command); break;
     case 'm': moveTo(command); break;
@@ -96,8 +96,8 @@ bool Editor::obey(const Command &command)
     case 'n': sortNaturally(m_names); break;
     case 'a': sortAscii(m_names); break;
     case 'd': return false;
-    case 'q': m_console.tellAlways("Quitting " + m_console.program() + ".\n"); throw RunEnded(kQuitStatus);
-    default: m_console.tellAlways("Unrecognized command: " + command.word + '\n'); break;
+    case 'q': m_messages.tellAlways("Quitting " + m_messages.program() + ".\n"); throw RunEnded(kQuitStatus);
+    default: m_messages.tellAlways("Unrecognized command: " + command.word + '\n'); break;
     }
     return true;
 }
@@ -121,41 +121,41 @@ void Editor::move(size_t from, size_t to)
         std::rotate(at(to), at(from), at(from + 1));
 }
 
-void Editor::swap(const Command &command)
+void Editor::swap(const OrderCommand &command)
 {
     if (command.positions.size() < 2)
-        return m_console.tellAlways("Not enough positions supplied to the 'swap' command\n");
+        return m_messages.tellAlways("Not enough positions supplied to the 'swap' command\n");
     const auto one = position(command.positions[0]);
     const auto other = position(command.positions[1]);
     if (!one || !other)
-        return m_console.tellAlways("One or more of your entries are out of range.  Try again.\n");
-    m_console.tellAlways("Swapping positions " + std::to_string(*one + 1) + " and " + std::to_string(*other + 1)
+        return m_messages.tellAlways("One or more of your entries are out of range.  Try again.\n");
+    m_messages.tellAlways("Swapping positions " + std::to_string(*one + 1) + " and " + std::to_string(*other + 1)
                          + "...\n");
     std::swap(m_names[*one], m_names[*other]);
 }
 
-void Editor::moveTo(const Command &command)
+void Editor::moveTo(const OrderCommand &command)
 {
     if (command.positions.size() < 2)
-        return m_console.tellAlways("Not enough positions supplied to the 'move' command\n");
+        return m_messages.tellAlways("Not enough positions supplied to the 'move' command\n");
     const auto from = position(command.positions[0]);
     const auto to = position(command.positions[1]);
     if (!from || !to)
-        return m_console.tellAlways("One or more of your entries are out of range.  Try again.\n");
-    m_console.tellAlways("Moving position " + std::to_string(*from + 1) + " to position " + std::to_string(*to + 1)
+        return m_messages.tellAlways("One or more of your entries are out of range.  Try again.\n");
+    m_messages.tellAlways("Moving position " + std::to_string(*from + 1) + " to position " + std::to_string(*to + 1)
                          + "...\n");
     move(*from, *to);
 }
 
-void Editor::moveToEdge(const Command &command, bool isEnd)
+void Editor::moveToEdge(const OrderCommand &command, bool isEnd)
 {
     const std::string edge = isEnd ? "end" : "begin";
     if (command.positions.empty())
-        return m_console.tellAlways("Missing a position for the '" + edge + "' command.\n");
+        return m_messages.tellAlways("Missing a position for the '" + edge + "' command.\n");
     const auto from = position(command.positions.front());
     if (!from)
-        return m_console.tellAlways("Your entry is out of range.  Try again.\n");
-    m_console.tellAlways("Moving position " + std::to_string(*from + 1) + " to the "
+        return m_messages.tellAlways("Your entry is out of range.  Try again.\n");
+    m_messages.tellAlways("Moving position " + std::to_string(*from + 1) + " to the "
                          + (isEnd ? "end of the list...\n" : "beginning of the list\n"));
     move(*from, isEnd ? m_names.size() - 1 : 0);
 }
@@ -174,11 +174,11 @@ void sortNaturally(std::vector<std::string> &names)
     });
 }
 
-void editFileOrder(std::vector<std::string> &names, const Console &console)
+void editFileOrder(std::vector<std::string> &names, const RunMessages &messages)
 {
     if (::isatty(STDIN_FILENO) == 0)
-        console.fail("standard input is not a terminal -- cannot invoke interactive file order editor");
-    Editor(names, console).run();
+        messages.fail("standard input is not a terminal -- cannot invoke interactive file order editor");
+    Editor(names, messages).run();
 }
 
 } // namespace nurv

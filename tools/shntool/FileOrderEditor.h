@@ -7,7 +7,7 @@
 
 namespace nurv {
 
-class Console;
+class RunMessages;
 
 /// By the bytes of the names: t1, t10, t2.
 void sortAscii(std::vector<std::string> &names);
@@ -17,6 +17,6 @@ void sortNaturally(std::vector<std::string> &names);
 
 /// Lets somebody on the terminal bring the names into an order. Ends the run where there is no terminal, and when
 /// told to quit.
-void editFileOrder(std::vector<std::string> &names, const Console &console);
+void editFileOrder(std::vector<std::string> &names, const RunMessages &messages);
 
 } // namespace nurv

@@ -32,12 +32,12 @@ int FixMode::execute()
 {
     const std::vector<std::string> names = run().names.all();
     if (names.empty())
-        run().console.failWithHelp("need one or more files to process");
+        run().messages.failWithHelp("need one or more files to process");
     examine(names);
     if (m_checksOnly)
         return needsFixing() ? 0 : 1;
     if (!needsFixing())
-        run().console.fail("everything seems fine, no need for fixing");
+        run().messages.fail("everything seems fine, no need for fixing");
     run().names.sortInfos(m_infos);
     plan();
     fix(firstToWrite());
@@ -49,14 +49,14 @@ void FixMode::examine(const std::vector<std::string> &names)
 {
     bool isGood = true;
     const auto refuse = [&](const char *why, const std::string &name) {
-        run().console.warn(std::string(why) + ": [" + name + "]");
+        run().messages.warn(std::string(why) + ": [" + name + "]");
         isGood = false;
     };
     for (const std::string &name : names) {
-        run().console.debugFile(m_infos.size(), name);
+        run().messages.debugFile(m_infos.size(), name);
         std::optional<WaveInfo> info = run().files.examine(name);
         if (!info)
-            run().console.fail("could not open file: [" + name + "]");
+            run().messages.fail("could not open file: [" + name + "]");
         if (!info->isCdQuality())
             refuse("file is not CD-quality", name);
         if (info->isInconsistent())
@@ -66,7 +66,7 @@ void FixMode::examine(const std::vector<std::string> &names)
         m_infos.push_back(std::move(*info));
     }
     if (!isGood)
-        run().console.fail("could not fix files due to errors, see above");
+        run().messages.fail("could not fix files due to errors, see above");
 }
 
 void FixMode::plan()
@@ -87,7 +87,7 @@ void FixMode::plan()
     }
     m_parts.back().end = total;
     if (m_parts.back().start > total)
-        run().console.fail("track breaks cannot be shifted behind the end of the sound");
+        run().messages.fail("track breaks cannot be shifted behind the end of the sound");
     if (total % kSectorBytes != 0)
         m_missingBytes = kSectorBytes - total % kSectorBytes;
 }
@@ -105,7 +105,7 @@ size_t FixMode::firstToWrite() const
     const auto changed = std::ranges::find_if_not(m_parts, &Part::isUnchanged);
     const auto first = std::min(static_cast<size_t>(changed - m_parts.begin()), m_parts.size() - 1);
     if (first > 0) {
-        run().console.warn("skipping first " + std::to_string(first) + (first == 1 ? " file" : " files") + " because "
+        run().messages.warn("skipping first " + std::to_string(first) + (first == 1 ? " file" : " files") + " because "
                            + (first == 1 ? "it" : "they") + " would not be changed");
     }
     return first;
@@ -117,18 +117,18 @@ void FixMode::fix(size_t first)
     m_position = m_parts[first].start;
     for (size_t i = first; i < m_parts.size(); ++i)
         writePart(i);
-    if (!m_outputs.commit(run().console))
-        run().console.fail("failed to fix files");
+    if (!m_outputs.commit(run().messages))
+        run().messages.fail("failed to fix files");
 }
 
 void FixMode::failPart(Progress &progress, WaveOutput &output, const std::string &why)
 {
     progress.fail();
-    run().console.warn(why);
+    run().messages.warn(why);
     if (const std::string complaint = output.complaint(); !complaint.empty())
-        run().console.warn(complaint);
+        run().messages.warn(complaint);
     m_outputs.clear();
-    run().console.fail("failed to fix files");
+    run().messages.fail("failed to fix files");
 }
 
 void FixMode::writePart(size_t index)
@@ -141,7 +141,7 @@ void FixMode::writePart(size_t index)
     const uint64_t padding = isLast && m_padsLast ? m_missingBytes : 0;
     std::string name = run().outputs.nameHere(info, "-fixed");
     std::unique_ptr<WaveOutput> opened = run().outputs.open(name, nullptr);
-    Progress progress(run().console, {.action = "Fixing",
+    Progress progress(run().messages, {.action = "Fixing",
                                       .file = info.fileName,
                                       .fileDetail = run().lengthOf(info),
                                       .link = "-->",
@@ -151,7 +151,7 @@ void FixMode::writePart(size_t index)
     if (!opened) {
         progress.fail();
         m_outputs.clear();
-        run().console.fail(run().outputs.refusalOr("could not open output file: [" + name + "]"));
+        run().messages.fail(run().outputs.refusalOr("could not open output file: [" + name + "]"));
     }
     WaveOutput &output = m_outputs.add(name, std::move(opened));
     const std::vector<uint8_t> header = makeWaveHeader(info.header, soundBytes + padding);
@@ -205,13 +205,13 @@ void FixMode::tellPadding() const
 {
     const std::string missing = std::to_string(m_missingBytes);
     if (!m_padsLast) {
-        run().console.tell("Last file was not padded, "
+        run().messages.tell("Last file was not padded, "
                            + (m_missingBytes > 0 ? "though it needs " + missing + " bytes of padding.\n"
                                                  : std::string("nor was it needed.\n")));
     } else if (m_missingBytes == 0) {
-        run().console.tell("No padding needed.\n");
+        run().messages.tell("No padding needed.\n");
     } else {
-        run().console.tell("Padded last file with " + missing + " zero-bytes.\n");
+        run().messages.tell("Padded last file with " + missing + " zero-bytes.\n");
     }
 }
 

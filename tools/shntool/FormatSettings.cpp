@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shntool/FormatSettings.h"
 
-#include "shntool/Console.h"
+#include "shntool/RunMessages.h"
 
 #include <algorithm>
 #include <cctype>
@@ -62,18 +62,18 @@ std::string variableName(std::string_view format, const char *end)
 
 } // namespace
 
-FormatSettings::FormatSettings(const Console &console) : m_console(console), m_outputFormat(&audioFormats().front()) {}
+FormatSettings::FormatSettings(const RunMessages &messages) : m_messages(messages), m_outputFormat(&audioFormats().front()) {}
 
 void FormatSettings::readInputOption(const std::string &text)
 {
     std::vector<std::string> words = wordsOf(text);
     if (words.empty())
-        m_console.failWithHelp("missing input format name");
+        m_messages.failWithHelp("missing input format name");
     const AudioFormat *format = audioFormatNamed(words.front());
     if (!format)
-        m_console.failWithHelp("invalid file format: [" + words.front() + "]");
+        m_messages.failWithHelp("invalid file format: [" + words.front() + "]");
     if (format->reads == AudioFormat::By::Nobody)
-        m_console.failWithHelp("format does not support input: [" + words.front() + "]");
+        m_messages.failWithHelp("format does not support input: [" + words.front() + "]");
     if (words.size() > 1)
         m_decoders[format->name] = {.program = words[1], .arguments = {words.begin() + 2, words.end()}};
 }
@@ -82,12 +82,12 @@ void FormatSettings::readOutputOption(const std::string &text)
 {
     std::vector<std::string> words = wordsOf(text);
     if (words.empty())
-        m_console.failWithHelp("missing output format name");
+        m_messages.failWithHelp("missing output format name");
     const AudioFormat *format = audioFormatNamed(words.front());
     if (!format)
-        m_console.failWithHelp("invalid file format: [" + words.front() + "]");
+        m_messages.failWithHelp("invalid file format: [" + words.front() + "]");
     if (format->writes == AudioFormat::By::Nobody)
-        m_console.failWithHelp("format does not support output: [" + words.front() + "]");
+        m_messages.failWithHelp("format does not support output: [" + words.front() + "]");
     m_outputFormat = format;
     words.erase(words.begin());
     setEncoder(*format, std::move(words));
@@ -145,7 +145,7 @@ std::vector<std::string> FormatSettings::decoderWords(const AudioFormat &format,
         words.push_back(isFile ? asArgument(file) : argument);
     }
     if (!hasFile) {
-        m_console.fail("decoder argument list does not contain filename placeholder [%f] for format: ["
+        m_messages.fail("decoder argument list does not contain filename placeholder [%f] for format: ["
                        + std::string(format.name) + "]");
     }
     return words;
@@ -155,7 +155,7 @@ std::vector<std::string> FormatSettings::encoderWords(const AudioFormat &format,
 {
     const CodecCommand command = commandOf(m_encoders, format.name, format.encoder, format.encoderArguments);
     if (command.program.empty())
-        m_console.fail("format requires an encoder: [" + std::string(format.name) + "]");
+        m_messages.fail("format requires an encoder: [" + std::string(format.name) + "]");
     std::vector<std::string> words{command.program};
     bool hasFile = false;
     for (const std::string &argument : command.arguments) {
@@ -163,7 +163,7 @@ std::vector<std::string> FormatSettings::encoderWords(const AudioFormat &format,
         words.push_back(withFile(argument, asArgument(file)));
     }
     if (!hasFile) {
-        m_console.fail("encoder argument list does not contain filename placeholder [%f] for format: ["
+        m_messages.fail("encoder argument list does not contain filename placeholder [%f] for format: ["
                        + std::string(format.name) + "]");
     }
     return words;

@@ -12,7 +12,7 @@
 
 namespace nurv {
 
-class Console;
+class RunMessages;
 
 /// A program with the arguments that the command line or the environment gives it. No arguments: those that the
 /// format has by default.
@@ -25,7 +25,7 @@ struct CodecCommand {
 /// (ST_FLAC_DEC, ST_FLAC_ENC), and the options -i and -o, in this order.
 class FormatSettings {
 public:
-    explicit FormatSettings(const Console &console);
+    explicit FormatSettings(const RunMessages &messages);
 
     /// "fmt decoder [arg1 ... argN]". Ends the run for what cannot be read.
     void readInputOption(const std::string &text);
@@ -49,7 +49,7 @@ public:
 private:
     void setEncoder(const AudioFormat &format, std::vector<std::string> words);
 
-    const Console &m_console;
+    const RunMessages &m_messages;
     const AudioFormat *m_outputFormat;
     std::map<std::string_view, CodecCommand> m_decoders;
     std::map<std::string_view, CodecCommand> m_encoders;

@@ -16,12 +16,12 @@ namespace nurv {
 int GenMode::execute()
 {
     if (!m_length)
-        run().console.fail("length must be specified");
+        run().messages.fail("length must be specified");
     const WaveHeader header = pcmHeader(44100, 2, 16);
-    const uint64_t dataBytes = parseLength(*m_length, run().console).inBytes(header, run().console);
+    const uint64_t dataBytes = parseLength(*m_length, run().messages).inBytes(header, run().messages);
     std::string name = run().outputs.nameOf("silence", "");
     const std::vector<uint8_t> head = makeWaveHeader(header, dataBytes);
-    Progress progress(run().console, {.action = "Generating",
+    Progress progress(run().messages, {.action = "Generating",
                                       .file = name,
                                       .fileDetail = run().time.of(header, dataBytes),
                                       .link = {},
@@ -30,10 +30,10 @@ int GenMode::execute()
                                       .totalBytes = head.size() + dataBytes});
     const std::unique_ptr<WaveOutput> output = run().outputs.open(name, &progress);
     if (!output)
-        run().console.fail(run().outputs.refusalOr("could not open output file: [" + name + "]"));
+        run().messages.fail(run().outputs.refusalOr("could not open output file: [" + name + "]"));
     const auto failWrite = [&](const std::string &why) {
         progress.fail();
-        run().console.fail(why);
+        run().messages.fail(why);
     };
     if (!output->write(head))
         failWrite("error while writing " + std::to_string(head.size()) + "-byte WAVE header");

@@ -39,16 +39,16 @@ int HashMode::execute()
     if (!m_isComposite)
         return hashEach(names) ? 0 : 1;
     if (names.empty())
-        run().console.fail("need at least one valid file to process");
+        run().messages.fail("need at least one valid file to process");
     if (infos.size() < names.size())
-        run().console.fail("all files must be valid to generate a composite fingerprint");
+        run().messages.fail("all files must be valid to generate a composite fingerprint");
     hashAll(infos);
     return 0;
 }
 
 std::optional<WaveInfo> HashMode::examine(size_t number, const std::string &name) const
 {
-    run().console.debugFile(number, name);
+    run().messages.debugFile(number, name);
     return run().files.examine(name);
 }
 
@@ -68,14 +68,14 @@ void HashMode::showSteps(Progress &progress, size_t bytes) const
     for (size_t at = 0; at < bytes; at += kStepBytes) {
         const size_t step = std::min<size_t>(kStepBytes, bytes - at);
         if (step < kStepBytes)
-            run().console.debugShortRead(kStepBytes, step);
+            run().messages.debugShortRead(kStepBytes, step);
         progress.add(step);
     }
 }
 
 bool HashMode::hashFile(const WaveInfo &info)
 {
-    Progress progress(run().console, {.action = "Hashing",
+    Progress progress(run().messages, {.action = "Hashing",
                                       .file = info.fileName,
                                       .fileDetail = run().lengthOf(info),
                                       .link = {},
@@ -85,7 +85,7 @@ bool HashMode::hashFile(const WaveInfo &info)
     WavePass pass(run().files, info);
     if (!pass.isOpen()) {
         progress.fail();
-        run().console.warn("could not open file: [" + info.fileName + "]");
+        run().messages.warn("could not open file: [" + info.fileName + "]");
         return false;
     }
     // The pass may make the same sum for itself.
@@ -105,7 +105,7 @@ bool HashMode::hashFile(const WaveInfo &info)
     }
     if (!isGood || !pass.finish()) {
         progress.fail();
-        run().console.warn("possibly truncated and/or corrupt file: [" + info.fileName + "]");
+        run().messages.warn("possibly truncated and/or corrupt file: [" + info.fileName + "]");
         return false;
     }
     progress.succeed();
@@ -121,7 +121,7 @@ void HashMode::hashAll(const std::vector<WaveInfo> &infos)
     uint64_t total = 0;
     for (const WaveInfo &info : infos)
         total += info.dataBytes();
-    Progress progress(run().console, {.action = "Hashing",
+    Progress progress(run().messages, {.action = "Hashing",
                                       .file = "composite",
                                       .fileDetail = {},
                                       .link = {},
@@ -132,7 +132,7 @@ void HashMode::hashAll(const std::vector<WaveInfo> &infos)
     uint64_t partBytes = 0;
     for (size_t i = 0; i < infos.size(); ++i) {
         // Once more, for those who want to know of every look at a file.
-        if (run().console.debugLevel > 0)
+        if (run().messages.debugLevel > 0)
             static_cast<void>(examine(i, infos[i].fileName));
         addFile(infos[i], hash, progress, partBytes);
     }
@@ -145,7 +145,7 @@ void HashMode::addFile(const WaveInfo &info, SoundHash &hash, Progress &progress
 {
     WavePass pass(run().files, info);
     if (!pass.isOpen())
-        run().console.fail("could not open file: [" + info.fileName + "]");
+        run().messages.fail("could not open file: [" + info.fileName + "]");
     std::vector<uint8_t> bytes(kReadBytes);
     uint64_t done = 0;
     const uint64_t first = partBytes == 0 ? 0 : std::min(kStepBytes - partBytes, info.dataBytes());
@@ -158,16 +158,16 @@ void HashMode::addFile(const WaveInfo &info, SoundHash &hash, Progress &progress
             showSteps(progress, got);
         done += got;
         if (got < wanted)
-            run().console.fail("possibly truncated and/or corrupt file: [" + info.fileName + "]");
+            run().messages.fail("possibly truncated and/or corrupt file: [" + info.fileName + "]");
     }
     partBytes = (partBytes + info.dataBytes()) % kStepBytes;
     if (!pass.finish())
-        run().console.fail("possibly truncated and/or corrupt file: [" + info.fileName + "]");
+        run().messages.fail("possibly truncated and/or corrupt file: [" + info.fileName + "]");
 }
 
 void HashMode::show(const std::vector<uint8_t> &digest, const std::string &name) const
 {
-    run().console.print(hexText(digest) + "  [shntool]  " + name + '\n');
+    run().messages.print(hexText(digest) + "  [shntool]  " + name + '\n');
 }
 
 } // namespace nurv

@@ -140,7 +140,7 @@ void InfoMode::show(const WaveInfo &info) const
     text += problemLines(info);
     if (info.format->name == "shn")
         text += "Extra shn-specific info:\n" + line("  Seekable", shortenSeekability(info.fileName));
-    run().console.print(text);
+    run().messages.print(text);
 }
 
 } // namespace nurv

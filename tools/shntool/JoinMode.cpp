@@ -26,34 +26,34 @@ int JoinMode::execute()
 {
     const std::vector<std::string> names = run().names.all();
     if (names.size() < 2)
-        run().console.failWithHelp("need two or more files to process");
+        run().messages.failWithHelp("need two or more files to process");
     std::vector<WaveInfo> infos = examine(names);
     run().names.sortInfos(infos);
     join(infos);
     tellPadding();
     if (m_isComplete)
         return 0;
-    run().console.warn(m_output->complaint());
+    run().messages.warn(m_output->complaint());
     m_output.reset();
-    run().console.fail("failed to join files");
+    run().messages.fail("failed to join files");
 }
 
 std::vector<WaveInfo> JoinMode::examine(const std::vector<std::string> &names) const
 {
     std::vector<WaveInfo> infos;
     for (const std::string &name : names) {
-        run().console.debugFile(infos.size(), name);
+        run().messages.debugFile(infos.size(), name);
         std::optional<WaveInfo> info = run().files.examine(name);
         if (!info)
-            run().console.fail("could not open file: [" + name + "]");
+            run().messages.fail("could not open file: [" + name + "]");
         if (info->isInconsistent())
-            run().console.fail("file has an inconsistent header: [" + name + "]");
+            run().messages.fail("file has an inconsistent header: [" + name + "]");
         if (info->missingBytes() > 0)
-            run().console.fail("file seems to be truncated: [" + name + "]");
+            run().messages.fail("file seems to be truncated: [" + name + "]");
         infos.push_back(std::move(*info));
     }
     if (const char *difference = differenceAmong(infos))
-        run().console.fail(std::string(difference) + " differs among these files");
+        run().messages.fail(std::string(difference) + " differs among these files");
     return infos;
 }
 
@@ -72,7 +72,7 @@ void JoinMode::join(const std::vector<WaveInfo> &infos)
 
 Progress JoinMode::progressOf(const WaveInfo &info) const
 {
-    return Progress(run().console, {.action = "Joining",
+    return Progress(run().messages, {.action = "Joining",
                                     .file = info.fileName,
                                     .fileDetail = run().lengthOf(info),
                                     .link = "-->",
@@ -85,7 +85,7 @@ void JoinMode::openOutput(const WaveInfo &first, Progress &progress)
 {
     m_output = run().outputs.open(m_name, &progress);
     if (!m_output)
-        run().console.fail(run().outputs.refusalOr("could not open output file"));
+        run().messages.fail(run().outputs.refusalOr("could not open output file"));
     const std::vector<uint8_t> header = makeWaveHeader(first.header, m_paddedBytes);
     if (!m_output->write(header))
         failFile(progress, "error while writing " + std::to_string(header.size()) + "-byte WAVE header");
@@ -95,11 +95,11 @@ void JoinMode::openOutput(const WaveInfo &first, Progress &progress)
 void JoinMode::failFile(Progress &progress, const std::string &why)
 {
     progress.fail();
-    run().console.warn(why);
+    run().messages.warn(why);
     if (const std::string complaint = m_output ? m_output->complaint() : std::string(); !complaint.empty())
-        run().console.warn(complaint);
+        run().messages.warn(complaint);
     m_output.reset();
-    run().console.fail("failed to join files");
+    run().messages.fail("failed to join files");
 }
 
 void JoinMode::addFile(const WaveInfo &info, bool isFirst, bool isLast)
@@ -144,13 +144,13 @@ void JoinMode::tellPadding() const
         return;
     const std::string missing = std::to_string(m_missingBytes);
     if (m_padding == Padding::None) {
-        run().console.tell("Output file was not padded, "
+        run().messages.tell("Output file was not padded, "
                            + (m_missingBytes > 0 ? "though it needs " + missing + " bytes of padding.\n"
                                                  : std::string("nor was it needed.\n")));
     } else if (m_missingBytes == 0) {
-        run().console.tell("No padding needed.\n");
+        run().messages.tell("No padding needed.\n");
     } else {
-        run().console.tell(std::string(m_padding == Padding::Front ? "Pre" : "Post") + "-padded output file with "
+        run().messages.tell(std::string(m_padding == Padding::Front ? "Pre" : "Post") + "-padded output file with "
                            + missing + " zero-bytes.\n");
     }
 }

@@ -67,7 +67,7 @@ LenMode::Unit LenMode::unitNamed(const char *name, const char *what) const
         if (kNames[i] == name)
             return kUnits[i];
     }
-    run().console.failWithHelp(std::string("unknown ") + what + " size unit: [" + name + "]");
+    run().messages.failWithHelp(std::string("unknown ") + what + " size unit: [" + name + "]");
 }
 
 void LenMode::takeOption(char option, const char *value)
@@ -90,7 +90,7 @@ int LenMode::execute()
 {
     bool isGood = true;
     if (!m_hidesNames)
-        run().console.print(kColumnNames);
+        run().messages.print(kColumnNames);
     while (const std::optional<std::string> name = run().names.next()) {
         const std::optional<WaveInfo> info = run().files.examine(*name);
         isGood = isGood && info;
@@ -109,7 +109,7 @@ void LenMode::show(const WaveInfo &info) const
     std::array<char, 32> format{};
     std::snprintf(format.data(), format.size(), "%5.*s", static_cast<int>(info.format->name.size()),
                   info.format->name.data());
-    run().console.print(lengthColumn(run().lengthOf(info), info.isCdQuality()) + sizeText(info.totalBytes(), m_fileUnit)
+    run().messages.print(lengthColumn(run().lengthOf(info), info.isCdQuality()) + sizeText(info.totalBytes(), m_fileUnit)
                         + "  " + cdColumn(info) + "   " + waveColumn(info) + "   " + problemColumn(info) + "  "
                         + format.data() + "  " + number("%0.4f", info.ratio()) + "  " + info.fileName + '\n');
 }
@@ -132,7 +132,7 @@ void LenMode::showTotals() const
         m_totals.areAllCdQuality ? run().time.ofCdBytes(m_totals.dataBytes) : run().time.ofSeconds(m_totals.seconds);
     const double ratio =
         m_totals.files == 0 ? 0 : static_cast<double>(m_totals.actualBytes) / static_cast<double>(m_totals.totalBytes);
-    run().console.print(lengthColumn(length, m_totals.areAllCdQuality) + sizeText(m_totals.totalBytes, m_totalUnit)
+    run().messages.print(lengthColumn(length, m_totals.areAllCdQuality) + sizeText(m_totals.totalBytes, m_totalUnit)
                         + "                           " + number("%0.4f", ratio) + "  ("
                         + std::to_string(m_totals.files) + (m_totals.files == 1 ? " file)\n" : " files)\n"));
 }

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shntool/LengthValue.h"
 
-#include "shntool/Console.h"
+#include "shntool/RunMessages.h"
 #include "shntool/WaveInfo.h"
 
 #include <algorithm>
@@ -36,16 +36,16 @@ uint64_t numberOf(std::string_view digits)
     throw LengthValue::Fault{"value not in bytes, m:ss, m:ss.ff, or m:ss.nnn format: [" + text + "]"};
 }
 
-uint64_t toNearestSector(uint64_t offset, const std::string &time, const Console &console)
+uint64_t toNearestSector(uint64_t offset, const std::string &time, const RunMessages &messages)
 {
     uint64_t sectors = (offset + kSectorBytes / 2) / kSectorBytes;
     if (sectors == 0 && offset > 0) {
-        console.warn("closest sector boundary to " + time
+        messages.warn("closest sector boundary to " + time
                      + " is the beginning of the file -- rounding up to first sector boundary");
         sectors = 1;
     }
     if (sectors * kSectorBytes != offset) {
-        console.warn("rounding " + time + " (offset: " + std::to_string(offset)
+        messages.warn("rounding " + time + " (offset: " + std::to_string(offset)
                      + ") to nearest sector boundary (offset: " + std::to_string(sectors * kSectorBytes) + ")");
     }
     return sectors * kSectorBytes;
@@ -81,7 +81,7 @@ LengthValue LengthValue::parse(const std::string &text)
     return value;
 }
 
-uint64_t LengthValue::inBytes(const WaveHeader &header, const Console &console) const
+uint64_t LengthValue::inBytes(const WaveHeader &header, const RunMessages &messages) const
 {
     if (unit == Unit::Bytes)
         return bytes;
@@ -98,15 +98,15 @@ uint64_t LengthValue::inBytes(const WaveHeader &header, const Console &console) 
         return offset / block * block;
     std::array<char, 48> time{};
     std::snprintf(time.data(), time.size(), "%" PRIu64 ":%02" PRIu64 ".%03" PRIu64, minutes, seconds, parts);
-    return toNearestSector(offset, time.data(), console);
+    return toNearestSector(offset, time.data(), messages);
 }
 
-LengthValue parseLength(const std::string &text, const Console &console)
+LengthValue parseLength(const std::string &text, const RunMessages &messages)
 {
     try {
         return LengthValue::parse(text);
     } catch (const LengthValue::Fault &fault) {
-        console.fail(fault.text);
+        messages.fail(fault.text);
     }
 }
 

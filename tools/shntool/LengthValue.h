@@ -8,7 +8,7 @@
 
 namespace nurv {
 
-class Console;
+class RunMessages;
 struct WaveHeader;
 
 /// A length or a place as people give it: "bytes", "m:ss", "m:ss.ff" or "m:ss.nnn".
@@ -29,10 +29,10 @@ struct LengthValue {
 
     /// In bytes of that sound. Frames are 75 a second of any sound. Milliseconds are rounded to the nearest sector where the sound has the quality of a
     /// CD, and a warning says so; elsewhere both end on whole sample frames.
-    [[nodiscard]] uint64_t inBytes(const WaveHeader &header, const Console &console) const;
+    [[nodiscard]] uint64_t inBytes(const WaveHeader &header, const RunMessages &messages) const;
 };
 
 /// The same in one step. Ends the run for a text that is none.
-[[nodiscard]] LengthValue parseLength(const std::string &text, const Console &console);
+[[nodiscard]] LengthValue parseLength(const std::string &text, const RunMessages &messages);
 
 } // namespace nurv

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "shntool/Console.h"
-#include "shntool/FileNames.h"
+#include "shntool/RunMessages.h"
+#include "shntool/FileArguments.h"
 #include "shntool/FormatSettings.h"
 #include "shntool/OutputFiles.h"
 #include "shntool/TimeText.h"
@@ -17,14 +17,14 @@ namespace nurv {
 /// What all modes have at hand in a run.
 struct ModeRun {
     ModeRun(const std::string &program, const std::string &mode)
-        : console(program, mode), formats(console), files(console, formats), names(console), outputs(console, formats, names)
+        : messages(program, mode), formats(messages), files(messages, formats), names(messages), outputs(messages, formats, names)
     {
     }
 
-    Console console;
+    RunMessages messages;
     FormatSettings formats;
     WaveFiles files;
-    FileNames names;
+    FileArguments names;
     OutputFiles outputs;
     TimeText time{false};
 

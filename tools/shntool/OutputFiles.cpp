@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shntool/OutputFiles.h"
 
-#include "shntool/Console.h"
-#include "shntool/FileNames.h"
+#include "shntool/RunMessages.h"
+#include "shntool/FileArguments.h"
 #include "shntool/FileWaveOutput.h"
 #include "shntool/FormatSettings.h"
 #include "shntool/PrivateFolder.h"
@@ -40,7 +40,7 @@ bool canBeReplaced(const std::string &name)
 std::string placeOf(const std::string &name)
 {
     const size_t base = name.rfind('/') + 1;
-    const std::optional<FileIdentity> folder = FileIdentity::of(base == 0 ? "." : name.substr(0, base));
+    const std::optional<FileNumber> folder = FileNumber::of(base == 0 ? "." : name.substr(0, base));
     if (!folder)
         return name;
     return std::to_string(folder->device) + ':' + std::to_string(folder->inode) + '/' + name.substr(base);
@@ -57,8 +57,8 @@ std::optional<std::string> answer()
 
 } // namespace
 
-OutputFiles::OutputFiles(const Console &console, const FormatSettings &formats, const FileNames &sources)
-    : m_console(console), m_formats(formats), m_sources(sources)
+OutputFiles::OutputFiles(const RunMessages &messages, const FormatSettings &formats, const FileArguments &sources)
+    : m_messages(messages), m_formats(formats), m_sources(sources)
 {
 }
 
@@ -123,8 +123,8 @@ std::string OutputFiles::nameAround(const std::string &middle) const
 
 bool OutputFiles::areSame(const std::string &one, const std::string &other)
 {
-    const std::optional<FileIdentity> first = FileIdentity::of(one);
-    return first && first == FileIdentity::of(other);
+    const std::optional<FileNumber> first = FileNumber::of(one);
+    return first && first == FileNumber::of(other);
 }
 
 std::unique_ptr<WaveOutput> OutputFiles::open(std::string &name, Progress *progress)
@@ -150,7 +150,7 @@ std::unique_ptr<WaveOutput> OutputFiles::open(std::string &name, Progress *progr
         m_places.insert(placeOf(name));
         return output;
     } catch (const ToolError &error) {
-        m_console.debug(error.what());
+        m_messages.debug(error.what());
         return nullptr;
     }
 }
@@ -180,7 +180,7 @@ bool OutputFiles::isOutput(const std::string &name) const
 
 bool OutputFiles::isMade(const std::string &name) const
 {
-    const std::optional<FileIdentity> there = FileIdentity::ofLink(name);
+    const std::optional<FileNumber> there = FileNumber::ofLink(name);
     return there && m_made.contains(*there);
 }
 
@@ -195,7 +195,7 @@ std::string OutputFiles::refusalOf(const std::string &name, bool isAgreed) const
 
 void OutputFiles::noteMade(const std::string &name)
 {
-    if (const std::optional<FileIdentity> made = FileIdentity::ofLink(name))
+    if (const std::optional<FileNumber> made = FileNumber::ofLink(name))
         m_made.insert(*made);
 }
 
@@ -213,9 +213,9 @@ bool OutputFiles::mayWrite(std::string &name, Progress *progress)
 
 bool OutputFiles::ask(std::string &name, Progress *progress)
 {
-    m_console.tell("\n");
+    m_messages.tell("\n");
     if (::isatty(STDIN_FILENO) == 0) {
-        m_console.fail("standard input is not a terminal -- cannot prompt for overwrite action.  "
+        m_messages.fail("standard input is not a terminal -- cannot prompt for overwrite action.  "
                        "use \"-O always\" or \"-O never\".");
     }
     const auto decide = [&](bool mayWrite) {
@@ -224,7 +224,7 @@ bool OutputFiles::ask(std::string &name, Progress *progress)
         return mayWrite;
     };
     for (;;) {
-        m_console.tellAlways("File already exists: [" + name
+        m_messages.tellAlways("File already exists: [" + name
                              + "]\nOverwrite ([y]es, [n]o, [a]lways, ne[v]er, [r]ename)? ");
         const std::optional<std::string> line = answer();
         const char letter = line && !line->empty() ? line->front() : (line ? '?' : 'n');
@@ -242,7 +242,7 @@ bool OutputFiles::ask(std::string &name, Progress *progress)
 /// Asks for another name, and about that one where it is taken too.
 bool OutputFiles::rename(std::string &name, Progress *progress)
 {
-    m_console.tellAlways("New name: ");
+    m_messages.tellAlways("New name: ");
     name = answer().value_or(name);
     if (progress)
         progress->setOtherFile(name);

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "shntool/FileIdentity.h"
+#include "shntool/FileNumber.h"
 #include "shntool/WaveInfo.h"
 
 #include <memory>
@@ -12,8 +12,8 @@
 
 namespace nurv {
 
-class Console;
-class FileNames;
+class RunMessages;
+class FileArguments;
 class FormatSettings;
 class Progress;
 class WaveOutput;
@@ -23,7 +23,7 @@ class OutputFiles {
 public:
     enum class Overwrite { Ask, Always, Never };
 
-    OutputFiles(const Console &console, const FormatSettings &formats, const FileNames &sources);
+    OutputFiles(const RunMessages &messages, const FormatSettings &formats, const FileArguments &sources);
 
     Overwrite overwrite = Overwrite::Ask;
     std::string folder;                  ///< of the option -d; empty: none was given
@@ -71,12 +71,12 @@ private:
     [[nodiscard]] bool rename(std::string &name, Progress *progress);
     [[nodiscard]] std::unique_ptr<WaveOutput> make(const std::string &name);
 
-    const Console &m_console;
+    const RunMessages &m_messages;
     const FormatSettings &m_formats;
-    const FileNames &m_sources;
+    const FileArguments &m_sources;
     std::string m_refusal;
     std::set<std::string> m_places;  ///< where outputs of this run are or will be
-    std::set<FileIdentity> m_made;   ///< those that have their names
+    std::set<FileNumber> m_made;   ///< those that have their names
     std::set<std::string> m_swept;   ///< folders in which nothing of a killed run is left
 };
 

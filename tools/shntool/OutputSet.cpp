@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shntool/OutputSet.h"
 
-#include "shntool/Console.h"
+#include "shntool/RunMessages.h"
 #include "shntool/WaveOutput.h"
 
 #include <algorithm>
@@ -24,13 +24,13 @@ void OutputSet::clear()
     m_members.clear();
 }
 
-bool OutputSet::commit(const Console &console)
+bool OutputSet::commit(const RunMessages &messages)
 {
     const auto failed =
         std::ranges::find_if_not(m_members, [](const Member &member) { return member.output->commit(); });
     if (failed == m_members.end())
         return true;
-    console.warn(
+    messages.warn(
         "could not complete output file: [" + failed->name + "]"
         + (failed == m_members.begin() ? "" : " -- those before it are complete, those behind it are not made"));
     clear();

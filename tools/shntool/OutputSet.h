@@ -8,7 +8,7 @@
 
 namespace nurv {
 
-class Console;
+class RunMessages;
 class WaveOutput;
 
 /// Outputs of one run that get their names when all of them are complete. Before that nothing stays of any.
@@ -27,7 +27,7 @@ public:
 
     /// Names them, in their order. Where one cannot get its name, those before it have theirs and keep them, the others
     /// are given up; then a warning tells which one that was. Returns whether all of them have their names.
-    [[nodiscard]] bool commit(const Console &console);
+    [[nodiscard]] bool commit(const RunMessages &messages);
 
 private:
     struct Member {

@@ -21,11 +21,11 @@ int PadMode::execute()
 bool PadMode::pad(const WaveInfo &info) const
 {
     if (!info.isCdQuality()) {
-        run().console.warn("file is not CD-quality: [" + info.fileName + "]");
+        run().messages.warn("file is not CD-quality: [" + info.fileName + "]");
         return false;
     }
     if (info.endsOnSector()) {
-        run().console.warn("file is already sector-aligned: [" + info.fileName + "]");
+        run().messages.warn("file is already sector-aligned: [" + info.fileName + "]");
         return false;
     }
     const uint64_t padding = kSectorBytes - info.dataBytes() % kSectorBytes;

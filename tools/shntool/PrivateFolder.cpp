@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shntool/PrivateFolder.h"
 
-#include "platform/PrivateFolderName.h"
+#include "files/PrivateFolderName.h"
 #include "shntool/EndingCleanup.h"
 #include "support/SystemCalls.h"
 

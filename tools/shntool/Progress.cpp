@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shntool/Progress.h"
 
-#include "shntool/Console.h"
+#include "shntool/RunMessages.h"
 
 #include <algorithm>
 #include <array>
@@ -31,7 +31,7 @@ std::string inBrackets(const std::string &file, const std::string &detail)
 
 } // namespace
 
-Progress::Progress(const Console &console, Task task) : m_console(console), m_task(std::move(task))
+Progress::Progress(const RunMessages &messages, Task task) : m_messages(messages), m_task(std::move(task))
 {
     show();
 }
@@ -44,14 +44,14 @@ void Progress::show()
     if (!m_task.link.empty())
         head += ' ' + m_task.link + inBrackets(m_task.otherFile, m_task.otherDetail);
     head += " : ";
-    switch (m_console.progressStyle) {
+    switch (m_messages.progressStyle) {
     case ProgressStyle::Percent: head += percentText(0); break;
     case ProgressStyle::Spinner: head += "| "; break;
     case ProgressStyle::Faces: head += std::string(kFaces[0]) + ' '; break;
     case ProgressStyle::Dots:
     case ProgressStyle::None: break;
     }
-    m_console.tell(head);
+    m_messages.tell(head);
 }
 
 void Progress::add(uint64_t bytes)
@@ -72,7 +72,7 @@ void Progress::showPercent(unsigned percent)
     if (percent <= m_percent)
         return;
     std::string text;
-    switch (m_console.progressStyle) {
+    switch (m_messages.progressStyle) {
     case ProgressStyle::Percent: text = "\b\b\b\b\b" + percentText(percent); break;
     case ProgressStyle::Dots: text.assign(percent / kPerDot - m_percent / kPerDot, '.'); break;
     case ProgressStyle::Spinner:
@@ -87,25 +87,25 @@ void Progress::showPercent(unsigned percent)
     }
     m_percent = percent;
     if (!text.empty())
-        m_console.tell(text);
+        m_messages.tell(text);
 }
 
 void Progress::succeed()
 {
     if (m_task.totalBytes != 0)
         showPercent(kComplete);
-    m_console.tell(m_console.progressStyle == ProgressStyle::Dots ? " OK\n" : "OK\n");
+    m_messages.tell(m_messages.progressStyle == ProgressStyle::Dots ? " OK\n" : "OK\n");
 }
 
 void Progress::noteFailure() const
 {
-    m_console.noteFailure(m_task.action + inBrackets(m_task.file, {})
+    m_messages.noteFailure(m_task.action + inBrackets(m_task.file, {})
                           + (m_task.link.empty() ? "" : ' ' + m_task.link + inBrackets(m_task.otherFile, {})));
 }
 
 void Progress::fail()
 {
-    m_console.tell(m_console.progressStyle == ProgressStyle::Dots ? " ERROR\n" : "ERROR\n");
+    m_messages.tell(m_messages.progressStyle == ProgressStyle::Dots ? " ERROR\n" : "ERROR\n");
     noteFailure();
     m_hasFailed = true;
 }

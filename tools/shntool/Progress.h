@@ -7,7 +7,7 @@
 
 namespace nurv {
 
-class Console;
+class RunMessages;
 
 /// The line that tells how far an operation is:
 ///
@@ -26,7 +26,7 @@ public:
         uint64_t totalBytes = 0;
     };
 
-    Progress(const Console &console, Task task);
+    Progress(const RunMessages &messages, Task task);
 
     void add(uint64_t bytes);
     void succeed();
@@ -42,7 +42,7 @@ public:
 private:
     void showPercent(unsigned percent);
 
-    const Console &m_console;
+    const RunMessages &m_messages;
     Task m_task;
     uint64_t m_doneBytes = 0;
     unsigned m_percent = 0;

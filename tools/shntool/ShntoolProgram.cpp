@@ -47,9 +47,9 @@ std::string coder(AudioFormat::By by, std::string_view program)
     return "-";
 }
 
-void showFormats(const Console &console)
+void showFormats(const RunMessages &messages)
 {
-    std::string text = console.program() + " " NURV_VERSION
+    std::string text = messages.program() + " " NURV_VERSION
                        + " supported file formats:\n\n"
                          " format    ext     input    output  description\n"
                          " ------    ---     -----    ------  -----------\n";
@@ -59,12 +59,12 @@ void showFormats(const Console &console)
                 + column(coder(format.reads, format.decoder), 8) + "  "
                 + column(coder(format.writes, format.encoder), 8) + "  " + std::string(format.description) + '\n';
     }
-    console.tell(text + '\n');
+    messages.tell(text + '\n');
 }
 
-void showArguments(const Console &console)
+void showArguments(const RunMessages &messages)
 {
-    std::string text = console.program() + " " NURV_VERSION
+    std::string text = messages.program() + " " NURV_VERSION
                        + " default file format arguments:\n\n"
                          " format    action   arguments\n"
                          " ------    ------   ---------\n";
@@ -81,16 +81,16 @@ void showArguments(const Console &console)
                     + std::string(format.encoder) + ' ' + std::string(format.encoderArguments) + "\"\n";
         }
     }
-    console.tell(text + '\n');
+    messages.tell(text + '\n');
 }
 
-void showModes(const Console &console)
+void showModes(const RunMessages &messages)
 {
     std::string text =
-        console.program() + " " NURV_VERSION + " supported modes:\n\n   mode  description\n   ----  -----------\n";
+        messages.program() + " " NURV_VERSION + " supported modes:\n\n   mode  description\n   ----  -----------\n";
     for (const ModeEntry &mode : modeTable())
         text += "  " + column(mode.name, 5) + "  " + std::string(mode.description) + '\n';
-    console.tell(text + "\n  For help with any of the above modes, type:  '" + console.program() + " mode -h'\n\n");
+    messages.tell(text + "\n  For help with any of the above modes, type:  '" + messages.program() + " mode -h'\n\n");
 }
 
 std::string versionText(const std::string &name)
@@ -135,56 +135,56 @@ private:
     std::vector<char *> m_pointers;
 };
 
-int runModeless(const Console &console, std::vector<std::string> words)
+int runModeless(const RunMessages &messages, std::vector<std::string> words)
 {
     if (words.size() < 2)
-        console.failWithHelp("missing arguments");
+        messages.failWithHelp("missing arguments");
     if (!words[1].starts_with('-'))
-        console.failWithHelp("invalid mode: [" + words[1] + "]");
+        messages.failWithHelp("invalid mode: [" + words[1] + "]");
     Words arguments(std::move(words));
     bool wantsHelp = false;
     for (int option = 0; (option = arguments.next("afhmv")) != '?';) {
         switch (option) {
-        case 'a': showArguments(console); return EXIT_SUCCESS;
-        case 'f': showFormats(console); return EXIT_SUCCESS;
-        case 'm': showModes(console); return EXIT_SUCCESS;
-        case 'v': console.tell(versionText(console.program())); return EXIT_SUCCESS;
+        case 'a': showArguments(messages); return EXIT_SUCCESS;
+        case 'f': showFormats(messages); return EXIT_SUCCESS;
+        case 'm': showModes(messages); return EXIT_SUCCESS;
+        case 'v': messages.tell(versionText(messages.program())); return EXIT_SUCCESS;
         case 'h': wantsHelp = true; continue;
         default: break;
         }
         if (!wantsHelp)
-            console.failWithHelp("invalid mode: [" + (arguments.rest().empty() ? "-" : arguments.rest().front()) + "]");
-        console.tell(modelessHelp(console.program()));
+            messages.failWithHelp("invalid mode: [" + (arguments.rest().empty() ? "-" : arguments.rest().front()) + "]");
+        messages.tell(modelessHelp(messages.program()));
         return EXIT_SUCCESS;
     }
-    console.tell('\n' + modelessHelp(console.program()));
+    messages.tell('\n' + modelessHelp(messages.program()));
     return EXIT_FAILURE;
 }
 
-ProgressStyle progressStyle(const Console &console, const std::string &name)
+ProgressStyle progressStyle(const RunMessages &messages, const std::string &name)
 {
     constexpr std::array kNames{"pct", "dot", "spin", "face", "none"};
     const auto found = std::ranges::find(kNames, name);
     if (found == kNames.end())
-        console.failWithHelp("invalid progress indicator type: [" + name + "]");
+        messages.failWithHelp("invalid progress indicator type: [" + name + "]");
     return static_cast<ProgressStyle>(found - kNames.begin());
 }
 
-FileNames::Order fileOrder(const Console &console, const std::string &name)
+FileArguments::Order fileOrder(const RunMessages &messages, const std::string &name)
 {
     constexpr std::array kNames{"ask", "ascii", "natural", "none"};
     const auto found = std::ranges::find(kNames, name);
     if (found == kNames.end())
-        console.failWithHelp("invalid reorder type: [" + name + "]");
-    return static_cast<FileNames::Order>(found - kNames.begin());
+        messages.failWithHelp("invalid reorder type: [" + name + "]");
+    return static_cast<FileArguments::Order>(found - kNames.begin());
 }
 
-OutputFiles::Overwrite overwriteAction(const Console &console, const std::string &name)
+OutputFiles::Overwrite overwriteAction(const RunMessages &messages, const std::string &name)
 {
     constexpr std::array kNames{"ask", "always", "never"};
     const auto found = std::ranges::find(kNames, name);
     if (found == kNames.end())
-        console.failWithHelp("invalid overwrite action: [" + name + "]");
+        messages.failWithHelp("invalid overwrite action: [" + name + "]");
     return static_cast<OutputFiles::Overwrite>(found - kNames.begin());
 }
 
@@ -192,20 +192,20 @@ OutputFiles::Overwrite overwriteAction(const Console &console, const std::string
 bool takeGlobalOption(ModeRun &run, bool writesFiles, int option, const char *value)
 {
     switch (option) {
-    case 'D': ++run.console.debugLevel; return true;
+    case 'D': ++run.messages.debugLevel; return true;
     case 'F': run.names.listName = value; return true;
     case 'H': run.time = TimeText(true); return true;
-    case 'P': run.console.progressStyle = progressStyle(run.console, value); return true;
+    case 'P': run.messages.progressStyle = progressStyle(run.messages, value); return true;
     case 'i': run.formats.readInputOption(value); return true;
-    case 'q': run.console.isQuiet = true; return true;
-    case 'r': run.names.order = fileOrder(run.console, value); return true;
-    case 'w': run.console.hidesWarnings = true; return true;
+    case 'q': run.messages.isQuiet = true; return true;
+    case 'r': run.names.order = fileOrder(run.messages, value); return true;
+    case 'w': run.messages.hidesWarnings = true; return true;
     default: break;
     }
     if (!writesFiles)
         return false;
     switch (option) {
-    case 'O': run.outputs.overwrite = overwriteAction(run.console, value); return true;
+    case 'O': run.outputs.overwrite = overwriteAction(run.messages, value); return true;
     case 'a': run.outputs.prefix = value; return true;
     case 'd': run.outputs.folder = value; return true;
     case 'o': run.formats.readOutputOption(value); return true;
@@ -218,16 +218,16 @@ int runMode(const ModeEntry &entry, ModeRun &run, std::vector<std::string> words
 {
     run.names.readsAhead = entry.writesFiles;
     const std::unique_ptr<Mode> mode = entry.make(run);
-    run.console.debugLevel = std::getenv("ST_DEBUG") ? 1 : 0;
+    run.messages.debugLevel = std::getenv("ST_DEBUG") ? 1 : 0;
     run.formats.readEnvironment();
     const std::string letters =
         std::string(entry.writesFiles ? "DF:HP:hi:qr:vwO:a:d:o:z:" : "DF:HP:hi:qr:vw") + entry.letters;
     Words arguments(std::move(words));
     for (int option = 0; (option = arguments.next(letters.c_str())) != -1;) {
         switch (option) {
-        case 'h': run.console.tellAlways(helpOf(entry, run.console.command())); return EXIT_SUCCESS;
-        case 'v': run.console.tellAlways(versionText(run.console.command() + " mode module")); return EXIT_SUCCESS;
-        case '?': run.console.tellAlways('\n' + helpOf(entry, run.console.command())); return EXIT_FAILURE;
+        case 'h': run.messages.tellAlways(helpOf(entry, run.messages.command())); return EXIT_SUCCESS;
+        case 'v': run.messages.tellAlways(versionText(run.messages.command() + " mode module")); return EXIT_SUCCESS;
+        case '?': run.messages.tellAlways('\n' + helpOf(entry, run.messages.command())); return EXIT_FAILURE;
         default: break;
         }
         if (!takeGlobalOption(run, entry.writesFiles, option, optarg))
@@ -236,10 +236,10 @@ int runMode(const ModeEntry &entry, ModeRun &run, std::vector<std::string> words
     run.names.setArguments(arguments.rest());
     const int status = mode->execute();
     if (status != EXIT_SUCCESS)
-        run.console.tellHiddenFault();
-    if (run.console.flushResults())
+        run.messages.tellHiddenFault();
+    if (run.messages.flushResults())
         return status;
-    run.console.tellAlways(run.console.command() + ": cannot write to standard output\n");
+    run.messages.tellAlways(run.messages.command() + ": cannot write to standard output\n");
     return EXIT_FAILURE;
 }
 
@@ -254,7 +254,7 @@ int dispatch(std::vector<std::string> words)
     }
     const ModeEntry *mode = words.size() > 1 ? modeNamed(words[1]) : nullptr;
     if (!mode)
-        return runModeless(Console(program, ""), std::move(words));
+        return runModeless(RunMessages(program, ""), std::move(words));
     words.erase(words.begin() + 1);
     ModeRun run(program, std::string(mode->name));
     return runMode(*mode, run, std::move(words));

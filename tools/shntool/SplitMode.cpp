@@ -38,9 +38,9 @@ void SplitMode::takeOption(char option, const char *value)
     case 'c':
         m_firstNumber = std::atoi(value);
         if (m_firstNumber < 0)
-            run().console.failWithHelp("starting count cannot be negative");
+            run().messages.failWithHelp("starting count cannot be negative");
         if (m_firstNumber > std::numeric_limits<int>::max() - kMostPieces)
-            run().console.failWithHelp("starting count is too large");
+            run().messages.failWithHelp("starting count is too large");
         break;
     case 'e': m_leadInText = value; break;
     case 'f': m_placesFile = value; break;
@@ -59,7 +59,7 @@ void SplitMode::readTracks(const std::string &list)
     m_wanted.emplace();
     const auto checked = [this](int number) {
         if (number < 1 || number > kMostPieces) {
-            run().console.fail("track number to extract (" + std::to_string(number) + ") is not in range [1 .. "
+            run().messages.fail("track number to extract (" + std::to_string(number) + ") is not in range [1 .. "
                                + std::to_string(kMostPieces) + "]");
         }
         return number;
@@ -88,16 +88,16 @@ bool SplitMode::isWanted(size_t piece) const
 int SplitMode::execute()
 {
     if (!run().names.hasArguments() && !run().names.listName && !m_placesFile && !m_repeated) {
-        run().console.failWithHelp("if file to be split is not given, then a split point file must be specified");
+        run().messages.failWithHelp("if file to be split is not given, then a split point file must be specified");
     }
     // Places may follow the one name.
     run().names.readsAhead = false;
     const std::optional<std::string> name = run().names.next();
     if (!name)
-        run().console.failWithHelp("need exactly one file to process");
+        run().messages.failWithHelp("need exactly one file to process");
     std::optional<WaveInfo> info = run().files.examine(*name);
     if (!info)
-        run().console.fail("cannot continue due to error(s) shown above");
+        run().messages.fail("cannot continue due to error(s) shown above");
     m_info = std::move(*info);
     readPlaces();
     endPlaces();
@@ -116,23 +116,23 @@ void SplitMode::readPlaces()
     if (m_placesFile) {
         std::ifstream file(*m_placesFile);
         if (!file)
-            run().console.fail("could not open split point file: [" + *m_placesFile + "]");
+            run().messages.fail("could not open split point file: [" + *m_placesFile + "]");
         run().names.addSource(*m_placesFile);
         m_sheet = CueSheet::read(file);
     } else {
         if (::isatty(STDIN_FILENO) != 0)
-            run().console.tell("enter split points:\n");
+            run().messages.tell("enter split points:\n");
         m_sheet = CueSheet::read(std::cin);
     }
     for (const std::string &place : m_sheet.places)
-        addPlace(parseLength(place, run().console).inBytes(m_info.header, run().console));
+        addPlace(parseLength(place, run().messages).inBytes(m_info.header, run().messages));
 }
 
 void SplitMode::addRepeatedPlaces(const std::string &length)
 {
-    const uint64_t step = parseLength(length, run().console).inBytes(m_info.header, run().console);
+    const uint64_t step = parseLength(length, run().messages).inBytes(m_info.header, run().messages);
     if (step >= m_info.dataBytes()) {
-        run().console.fail("repeated split size is not less than data size of input file -- nothing to do");
+        run().messages.fail("repeated split size is not less than data size of input file -- nothing to do");
     }
     if (step == 0)
         failForNumber();
@@ -142,19 +142,19 @@ void SplitMode::addRepeatedPlaces(const std::string &length)
 
 void SplitMode::failForNumber() const
 {
-    run().console.fail("too many split files would be created -- maximum is " + std::to_string(kMostPieces));
+    run().messages.fail("too many split files would be created -- maximum is " + std::to_string(kMostPieces));
 }
 
 void SplitMode::addPlace(uint64_t place)
 {
     if (place == 0 && m_places.empty()) {
-        run().console.warn("discarding initial zero-valued split point");
+        run().messages.warn("discarding initial zero-valued split point");
         return;
     }
     if (m_places.size() + 1 >= static_cast<size_t>(kMostPieces))
         failForNumber();
     if (!m_places.empty() && place <= m_places.back()) {
-        run().console.fail("split point " + std::to_string(place) + " is not greater than previous split point "
+        run().messages.fail("split point " + std::to_string(place) + " is not greater than previous split point "
                            + std::to_string(m_places.back()));
     }
     m_places.push_back(place);
@@ -164,9 +164,9 @@ void SplitMode::addPlace(uint64_t place)
 void SplitMode::endPlaces()
 {
     if (m_places.empty())
-        run().console.fail("no split points given -- nothing to do");
+        run().messages.fail("no split points given -- nothing to do");
     if (m_places.back() > m_info.dataBytes())
-        run().console.fail("split points go beyond input file's data size");
+        run().messages.fail("split points go beyond input file's data size");
     if (m_places.back() < m_info.dataBytes())
         m_places.push_back(m_info.dataBytes());
     else
@@ -186,25 +186,25 @@ void SplitMode::warnOfPiece(size_t piece) const
     const std::string file = "file " + std::to_string(piece + 1);
     const bool isCut = bytes % kSectorBytes != 0;
     if (bytes < kShortestTrackBytes) {
-        run().console.warn(file + " will be too short to be burned"
+        run().messages.warn(file + " will be too short to be burned"
                            + (isCut ? ", and will not be cut on a sector boundary" : ""));
     } else if (isCut) {
-        run().console.warn(file + " will not be cut on a sector boundary");
+        run().messages.warn(file + " will not be cut on a sector boundary");
     }
 }
 
 void SplitMode::readLeads()
 {
     if (m_leadInText)
-        m_leadIn = parseLength(*m_leadInText, run().console).inBytes(m_info.header, run().console);
+        m_leadIn = parseLength(*m_leadInText, run().messages).inBytes(m_info.header, run().messages);
     if (m_leadOutText)
-        m_leadOut = parseLength(*m_leadOutText, run().console).inBytes(m_info.header, run().console);
+        m_leadOut = parseLength(*m_leadOutText, run().messages).inBytes(m_info.header, run().messages);
     const size_t pieces = m_places.size();
     for (size_t i = 0; i + 1 < pieces; ++i) {
         if (m_leadIn > bytesOfPiece(i))
-            run().console.fail("lead-in length exceeds length of one or more files");
+            run().messages.fail("lead-in length exceeds length of one or more files");
         if (m_leadOut > bytesOfPiece(i + 1))
-            run().console.fail("lead-out length exceeds length of one or more files");
+            run().messages.fail("lead-out length exceeds length of one or more files");
     }
 }
 
@@ -212,7 +212,7 @@ std::string SplitMode::numberOf(size_t piece) const
 {
     const std::optional<std::string> number = formattedNumber(m_numberFormat, m_firstNumber + static_cast<int>(piece));
     if (!number)
-        run().console.fail("invalid number output format: [" + m_numberFormat + "]");
+        run().messages.fail("invalid number output format: [" + m_numberFormat + "]");
     return *number;
 }
 
@@ -232,14 +232,14 @@ void SplitMode::nameByCueSheet()
         return;
     }
     if (m_sheet.tracks.size() < m_places.size())
-        run().console.fail("not enough TITLE keywords in CUE sheet to name each output file");
+        run().messages.fail("not enough TITLE keywords in CUE sheet to name each output file");
     const CueNames names(*m_cueFormat, m_replacements);
     std::set<std::string> known;
     for (size_t i = 0; i < m_places.size(); ++i) {
         std::string name = names.nameOf(m_sheet, i, numberOf(i));
         std::ranges::replace(name, '\0', '-');
         if (name.find('/') != std::string::npos) {
-            run().console.warn("converting illegal path character '/' to '-' in CUE-originated filename: [" + name
+            run().messages.warn("converting illegal path character '/' to '-' in CUE-originated filename: [" + name
                                + "]");
             std::ranges::replace(name, '/', '-');
         }
@@ -248,25 +248,25 @@ void SplitMode::nameByCueSheet()
         m_names.push_back(run().outputs.nameAround(name));
     }
     if (m_duplicate)
-        run().console.fail("detected duplicate filenames: [" + *m_duplicate + "]");
+        run().messages.fail("detected duplicate filenames: [" + *m_duplicate + "]");
 }
 
 void SplitMode::splitAll()
 {
     for (size_t i = 0; i < m_places.size(); ++i)
         splitPiece(i);
-    if (!m_outputs.commit(run().console))
-        run().console.fail("failed to split file");
+    if (!m_outputs.commit(run().messages))
+        run().messages.fail("failed to split file");
 }
 
 void SplitMode::failPiece(Progress &progress, WaveOutput &output, const std::string &why)
 {
     progress.fail();
-    run().console.warn(why);
+    run().messages.warn(why);
     if (const std::string complaint = output.complaint(); !complaint.empty())
-        run().console.warn(complaint);
+        run().messages.warn(complaint);
     m_outputs.clear();
-    run().console.fail("failed to split file");
+    run().messages.fail("failed to split file");
 }
 
 void SplitMode::splitPiece(size_t piece)
@@ -280,7 +280,7 @@ void SplitMode::splitPiece(size_t piece)
         opened = std::make_unique<StreamWaveOutput>(-1);
     else
         opened = run().outputs.open(name, nullptr);
-    Progress progress(run().console, {.action = isWanted(piece) ? "Splitting" : "Skipping ",
+    Progress progress(run().messages, {.action = isWanted(piece) ? "Splitting" : "Skipping ",
                                       .file = m_info.fileName,
                                       .fileDetail = run().lengthOf(m_info),
                                       .link = "-->",
@@ -290,7 +290,7 @@ void SplitMode::splitPiece(size_t piece)
     if (!opened) {
         progress.fail();
         m_outputs.clear();
-        run().console.fail(run().outputs.refusalOr("could not open output file"));
+        run().messages.fail(run().outputs.refusalOr("could not open output file"));
     }
     WaveOutput &output = m_outputs.add(name, std::move(opened));
     if (!output.write(header))

@@ -20,7 +20,7 @@ void StripMode::takeOption(char option, const char *)
 int StripMode::execute()
 {
     if (m_keepsChunks && m_keepsHeader)
-        run().console.failWithHelp("nothing to do if not stripping headers or RIFF chunks\n");
+        run().messages.failWithHelp("nothing to do if not stripping headers or RIFF chunks\n");
     bool isGood = true;
     while (const std::optional<std::string> name = run().names.next()) {
         const std::optional<WaveInfo> info = run().files.examine(*name);

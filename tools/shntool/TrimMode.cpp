@@ -56,7 +56,7 @@ bool TrimMode::trim(const WaveInfo &info) const
 
 std::optional<TrimMode::Silence> TrimMode::findSilence(const WaveInfo &info) const
 {
-    Progress progress(run().console, {.action = "Scanning",
+    Progress progress(run().messages, {.action = "Scanning",
                                       .file = info.fileName,
                                       .fileDetail = run().lengthOf(info),
                                       .link = {},
@@ -65,7 +65,7 @@ std::optional<TrimMode::Silence> TrimMode::findSilence(const WaveInfo &info) con
                                       .totalBytes = info.totalBytes()});
     const auto skip = [&](const std::string &why) {
         progress.fail();
-        run().console.warn(why + " -- skipping.");
+        run().messages.warn(why + " -- skipping.");
         return std::nullopt;
     };
     if (OutputFiles::areSame(info.fileName, run().outputs.nameFrom(info, "-trimmed")))
@@ -73,7 +73,7 @@ std::optional<TrimMode::Silence> TrimMode::findSilence(const WaveInfo &info) con
     WavePass pass(run().files, info);
     if (!pass.isOpen()) {
         progress.fail();
-        run().console.fail("could not open input file: [" + info.fileName + "]");
+        run().messages.fail("could not open input file: [" + info.fileName + "]");
     }
     SilenceCounter counter;
     std::vector<uint8_t> bytes(WavePass::kTransferBytes);
@@ -81,7 +81,7 @@ std::optional<TrimMode::Silence> TrimMode::findSilence(const WaveInfo &info) con
         const auto wanted = static_cast<size_t>(std::min<uint64_t>(left, bytes.size()));
         if (pass.read(std::span(bytes).first(wanted)) != wanted) {
             progress.fail();
-            run().console.fail("error while reading " + std::to_string(wanted)
+            run().messages.fail("error while reading " + std::to_string(wanted)
                                + " bytes into local cache from input file");
         }
         counter.add(std::span(bytes).first(wanted));

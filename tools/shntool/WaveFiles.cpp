@@ -6,7 +6,7 @@
 #include "shntool/AiffWaveSource.h"
 #include "shntool/ApeWaveSource.h"
 #include "shntool/AudioFormat.h"
-#include "shntool/Console.h"
+#include "shntool/RunMessages.h"
 #include "shntool/FileWaveSource.h"
 #include "shntool/FlacWaveSource.h"
 #include "shntool/FormatSettings.h"
@@ -65,7 +65,7 @@ std::string pathOf(const std::string &name)
 
 } // namespace
 
-WaveFiles::WaveFiles(const Console &console, const FormatSettings &formats) : m_console(console), m_formats(formats) {}
+WaveFiles::WaveFiles(const RunMessages &messages, const FormatSettings &formats) : m_messages(messages), m_formats(formats) {}
 
 bool WaveFiles::canBeOpened(const std::string &name, WaveInfo &info) const
 {
@@ -76,7 +76,7 @@ bool WaveFiles::canBeOpened(const std::string &name, WaveInfo &info) const
     else if (fault = specialFile(status.st_mode); fault.empty() && ::access(name.c_str(), R_OK) != 0)
         fault = "encountered error [" + errorText(errno) + "] while opening file";
     if (!fault.empty()) {
-        m_console.warn(fault + ": [" + name + "]");
+        m_messages.warn(fault + ": [" + name + "]");
         return false;
     }
     info.actualBytes = static_cast<uint64_t>(status.st_size);
@@ -98,7 +98,7 @@ std::optional<WaveInfo> WaveFiles::examine(const std::string &name) const
         if (info.format)
             source = makeSource(info);
     } catch (const ToolError &error) {
-        m_console.debug(error.what());
+        m_messages.debug(error.what());
         isDamaged = error.kind() == ToolError::Kind::Damaged;
     }
     if (!source) {
@@ -108,7 +108,7 @@ std::optional<WaveInfo> WaveFiles::examine(const std::string &name) const
             warnOfFormat(name);
         return std::nullopt;
     }
-    const WaveHeaderFault fault = readWaveHeader(*source, name, m_console, info.header);
+    const WaveHeaderFault fault = readWaveHeader(*source, name, m_messages, info.header);
     if (fault == WaveHeaderFault::None) {
         tellChunksAgain(info);
         return info;
@@ -123,17 +123,17 @@ std::optional<WaveInfo> WaveFiles::examine(const std::string &name) const
 /// The head of a WAV file is looked at when its format is told, and when it is opened.
 void WaveFiles::tellChunksAgain(const WaveInfo &info) const
 {
-    if (m_console.debugLevel == 0 || !info.format->isWave())
+    if (m_messages.debugLevel == 0 || !info.format->isWave())
         return;
     WaveHeader header;
     if (const std::unique_ptr<WaveSource> source = makeSource(info))
-        static_cast<void>(readWaveHeader(*source, info.fileName, m_console, header));
+        static_cast<void>(readWaveHeader(*source, info.fileName, m_messages, header));
 }
 
 void WaveFiles::warnOfFormat(const std::string &name) const
 {
-    m_console.warn("none of the builtin format modules handle input file: [" + name + "]");
-    if (m_console.debugLevel == 0)
+    m_messages.warn("none of the builtin format modules handle input file: [" + name + "]");
+    if (m_messages.debugLevel == 0)
         return;
     constexpr size_t kShown = 4;
     try {
@@ -146,17 +146,17 @@ void WaveFiles::warnOfFormat(const std::string &name) const
             number += kHexDigits[static_cast<uint8_t>(text.back()) % 16];
         }
         if (text.size() < kShown)
-            m_console.debugShortRead(kShown, text.size());
+            m_messages.debugShortRead(kShown, text.size());
         else
-            m_console.debug("found 4-byte magic header 0x" + number + " [" + text + "] in file: [" + name + "]");
+            m_messages.debug("found 4-byte magic header 0x" + number + " [" + text + "] in file: [" + name + "]");
     } catch (const ToolError &error) {
-        m_console.debug(error.what());
+        m_messages.debug(error.what());
     }
 }
 
 void WaveFiles::warnOfDecoder(const WaveInfo &info) const
 {
-    m_console.warn("failed to read data from input file using format: [" + std::string(info.format->name)
+    m_messages.warn("failed to read data from input file using format: [" + std::string(info.format->name)
                    + "]\n+ you may not have permission to read file: [" + info.fileName
                    + "]\n+ arguments may be incorrect for decoder: [" + m_formats.decoderName(*info.format)
                    + "]\n+ verify that the decoder is installed and in your PATH\n"
@@ -201,7 +201,7 @@ std::unique_ptr<WaveSource> WaveFiles::open(const WaveInfo &info) const
             return std::make_unique<ReadAheadSource>(std::move(source));
         return source;
     } catch (const ToolError &error) {
-        m_console.debug(error.what());
+        m_messages.debug(error.what());
         return nullptr;
     }
 }

@@ -10,14 +10,14 @@
 
 namespace nurv {
 
-class Console;
+class RunMessages;
 class FormatSettings;
 class WaveSource;
 
 /// Opens files by their names: finds the format of each, whatever its name ends with, and the decoder for it.
 class WaveFiles {
 public:
-    WaveFiles(const Console &console, const FormatSettings &formats);
+    WaveFiles(const RunMessages &messages, const FormatSettings &formats);
 
     /// What is known of a file, from its head. Where it cannot be read, a warning is told and nothing comes back.
     [[nodiscard]] std::optional<WaveInfo> examine(const std::string &name) const;
@@ -32,7 +32,7 @@ private:
     void warnOfFormat(const std::string &name) const;
     void warnOfDecoder(const WaveInfo &info) const;
 
-    const Console &m_console;
+    const RunMessages &m_messages;
     const FormatSettings &m_formats;
 };
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shntool/WaveHeaderReader.h"
 
-#include "shntool/Console.h"
+#include "shntool/RunMessages.h"
 #include "shntool/WaveInfo.h"
 #include "shntool/WaveSource.h"
 #include "support/Bytes.h"
@@ -24,7 +24,7 @@ constexpr uint32_t kNoSize = std::numeric_limits<uint32_t>::max();
 constexpr size_t kChunkHeadBytes = 8;
 constexpr size_t kSubformatOffset = 24;
 
-struct Chunk {
+struct WaveChunk {
     std::array<uint8_t, 4> name{};
     uint32_t bytes = 0;
 
@@ -64,15 +64,15 @@ bool isPrintable(uint8_t byte)
 }
 
 /// Takes a head apart, and keeps its bytes. An unexpected end is told by `Fault`.
-class HeaderReader {
+class WaveChunkReader {
 public:
     struct Fault {
         WaveHeaderFault kind;
         std::string text; ///< without the name of the file; empty: say nothing
     };
 
-    HeaderReader(WaveSource &source, const std::string &fileName, const Console &console, WaveHeader &header)
-        : m_source(source), m_fileName(fileName), m_console(console), m_header(header)
+    WaveChunkReader(WaveSource &source, const std::string &fileName, const RunMessages &messages, WaveHeader &header)
+        : m_source(source), m_fileName(fileName), m_messages(messages), m_header(header)
     {
     }
 
@@ -90,7 +90,7 @@ private:
     void readSubformat(std::span<const uint8_t> format);
     void readSizes64(uint32_t chunkBytes);
     void findData();
-    std::optional<Chunk> nextChunk();
+    std::optional<WaveChunk> nextChunk();
     std::optional<std::span<const uint8_t>> take(uint64_t count);
     bool pass(uint32_t chunkBytes);
     void passPadByte();
@@ -98,13 +98,13 @@ private:
 
     WaveSource &m_source;
     const std::string &m_fileName;
-    const Console &m_console;
+    const RunMessages &m_messages;
     WaveHeader &m_header;
     size_t m_position = 0; ///< in the bytes kept; those behind it were only looked at
     std::optional<uint64_t> m_dataBytes64;
 };
 
-std::optional<std::span<const uint8_t>> HeaderReader::take(uint64_t count)
+std::optional<std::span<const uint8_t>> WaveChunkReader::take(uint64_t count)
 {
     std::vector<uint8_t> &bytes = m_header.bytes;
     if (count > kMaxHeaderBytes - m_position)
@@ -126,20 +126,20 @@ std::optional<std::span<const uint8_t>> HeaderReader::take(uint64_t count)
     return taken;
 }
 
-std::optional<Chunk> HeaderReader::nextChunk()
+std::optional<WaveChunk> WaveChunkReader::nextChunk()
 {
     const auto head = take(kChunkHeadBytes);
     if (!head)
         return std::nullopt;
-    Chunk chunk;
+    WaveChunk chunk;
     std::copy_n(head->begin(), chunk.name.size(), chunk.name.begin());
     chunk.bytes = littleEndian32(head->data() + chunk.name.size());
-    m_console.debug("found chunk: [" + std::string(chunk.name.begin(), chunk.name.end())
+    m_messages.debug("found chunk: [" + std::string(chunk.name.begin(), chunk.name.end())
                     + "] with length: " + std::to_string(chunk.bytes));
     return chunk;
 }
 
-bool HeaderReader::pass(uint32_t chunkBytes)
+bool WaveChunkReader::pass(uint32_t chunkBytes)
 {
     if (!take(chunkBytes))
         return false;
@@ -149,7 +149,7 @@ bool HeaderReader::pass(uint32_t chunkBytes)
 }
 
 /// Some programs leave it out: then the name of the next chunk stands there.
-void HeaderReader::passPadByte()
+void WaveChunkReader::passPadByte()
 {
     const size_t before = m_position;
     const auto next = take(1);
@@ -157,7 +157,7 @@ void HeaderReader::passPadByte()
         m_position = before;
 }
 
-void HeaderReader::readRiff()
+void WaveChunkReader::readRiff()
 {
     const auto name = take(4);
     if (!name)
@@ -177,7 +177,7 @@ void HeaderReader::readRiff()
         fail("WAVE header is missing WAVE tag");
 }
 
-void HeaderReader::readSizes64(uint32_t chunkBytes)
+void WaveChunkReader::readSizes64(uint32_t chunkBytes)
 {
     const auto sizes = take(chunkBytes);
     if (!sizes || sizes->size() < 16)
@@ -190,11 +190,11 @@ void HeaderReader::readSizes64(uint32_t chunkBytes)
     m_dataBytes64 = number64(8);
 }
 
-void HeaderReader::readFormatChunk()
+void WaveChunkReader::readFormatChunk()
 {
-    m_console.debug("showing RIFF chunks in file: [" + m_fileName + "]");
+    m_messages.debug("showing RIFF chunks in file: [" + m_fileName + "]");
     for (;;) {
-        const std::optional<Chunk> chunk = nextChunk();
+        const std::optional<WaveChunk> chunk = nextChunk();
         if (!chunk)
             fail("reached end of file while looking for fmt tag");
         if (chunk->is("fmt "))
@@ -207,7 +207,7 @@ void HeaderReader::readFormatChunk()
     }
 }
 
-void HeaderReader::readFormat(uint32_t chunkBytes)
+void WaveChunkReader::readFormat(uint32_t chunkBytes)
 {
     if (chunkBytes < kPlainFormatBytes)
         fail("fmt chunk in WAVE header was too short");
@@ -241,7 +241,7 @@ void HeaderReader::readFormat(uint32_t chunkBytes)
 }
 
 /// `format` is what follows the plain fields.
-void HeaderReader::readSubformat(std::span<const uint8_t> format)
+void WaveChunkReader::readSubformat(std::span<const uint8_t> format)
 {
     if (!m_header.isExtensible())
         return;
@@ -258,10 +258,10 @@ void HeaderReader::readSubformat(std::span<const uint8_t> format)
     fail(std::string("unsupported format ") + number.data() + " (" + formatName(subformat) + ")");
 }
 
-void HeaderReader::findData()
+void WaveChunkReader::findData()
 {
     for (;;) {
-        const std::optional<Chunk> chunk = nextChunk();
+        const std::optional<WaveChunk> chunk = nextChunk();
         if (!chunk)
             fail("reached end of file looking for data tag");
         if (chunk->is("data")) {
@@ -277,15 +277,15 @@ void HeaderReader::findData()
 
 } // namespace
 
-WaveHeaderFault readWaveHeader(WaveSource &source, const std::string &fileName, const Console &console,
+WaveHeaderFault readWaveHeader(WaveSource &source, const std::string &fileName, const RunMessages &messages,
                                WaveHeader &header)
 {
     try {
-        HeaderReader(source, fileName, console, header).read();
+        WaveChunkReader(source, fileName, messages, header).read();
         return WaveHeaderFault::None;
-    } catch (const HeaderReader::Fault &fault) {
+    } catch (const WaveChunkReader::Fault &fault) {
         if (!fault.text.empty())
-            console.warn(fault.text + " while processing file: [" + fileName + "]");
+            messages.warn(fault.text + " while processing file: [" + fileName + "]");
         return fault.kind;
     }
 }

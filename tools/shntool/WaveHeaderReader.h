@@ -7,7 +7,7 @@
 
 namespace nurv {
 
-class Console;
+class RunMessages;
 class WaveSource;
 struct WaveHeader;
 
@@ -21,7 +21,7 @@ enum class WaveHeaderFault {
 
 /// Reads the head of a WAV file, up to its first sample: RIFF or RF64, plain or with a subformat. Chunks of odd
 /// size may be padded or not. Tells what is wrong as a warning that names `fileName`. At most 64 MiB are kept.
-[[nodiscard]] WaveHeaderFault readWaveHeader(WaveSource &source, const std::string &fileName, const Console &console,
+[[nodiscard]] WaveHeaderFault readWaveHeader(WaveSource &source, const std::string &fileName, const RunMessages &messages,
                                              WaveHeader &header);
 
 /// What the number of a format stands for: "Microsoft PCM".

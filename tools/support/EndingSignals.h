@@ -7,7 +7,7 @@
 
 namespace nurv {
 
-/// Those that ask a program to end, and before which it clears away what it has begun.
+/// The signals that ask a program to end, and before which it clears away what it has begun.
 inline constexpr std::array kEndingSignals{SIGTERM, SIGINT, SIGHUP, SIGQUIT, SIGXCPU};
 
 } // namespace nurv

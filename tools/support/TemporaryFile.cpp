@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/TemporaryFile.h"
 
-#include "platform/UnnamedFile.h"
+#include "files/UnnamedFile.h"
 #include "support/EndingSignals.h"
 #include "support/SystemCalls.h"
 

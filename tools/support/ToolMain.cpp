@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/ToolMain.h"
 
-#include "platform/VisibleText.h"
 #include "support/SystemCalls.h"
 #include "support/TemporaryFile.h"
 #include "support/ToolError.h"
+#include "text/VisibleText.h"
 
 #include <cerrno>
 #include <csignal>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shntool/FormatSettings.h"
 
-#include "shntool/Console.h"
+#include "shntool/RunMessages.h"
 
 #include <gmock/gmock.h>
 
@@ -19,8 +19,8 @@ protected:
     FormatSettingsOf() { ::testing::internal::CaptureStderr(); }
     ~FormatSettingsOf() override { static_cast<void>(::testing::internal::GetCapturedStderr()); }
 
-    Console m_console{"shntool", "conv"};
-    FormatSettings m_settings{m_console};
+    RunMessages m_messages{"shntool", "conv"};
+    FormatSettings m_settings{m_messages};
 };
 
 TEST_F(FormatSettingsOf, TakesAFormatWithItsExtensionEncoderAndArguments)

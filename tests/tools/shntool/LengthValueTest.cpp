@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shntool/LengthValue.h"
 
-#include "shntool/Console.h"
+#include "shntool/RunMessages.h"
 #include "shntool/PcmWaveHeader.h"
 #include "shntool/WaveInfo.h"
 
@@ -14,9 +14,9 @@ namespace {
 
 uint64_t bytesOf(const std::string &text, const WaveHeader &header)
 {
-    Console console("shntool", "split");
-    console.isQuiet = true;
-    return LengthValue::parse(text).inBytes(header, console);
+    RunMessages messages("shntool", "split");
+    messages.isQuiet = true;
+    return LengthValue::parse(text).inBytes(header, messages);
 }
 
 TEST(LengthValue, CountsInSectorsOfACompactDisc)

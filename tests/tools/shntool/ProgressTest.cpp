@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shntool/Progress.h"
 
-#include "shntool/Console.h"
+#include "shntool/RunMessages.h"
 
 #include <gtest/gtest.h>
 
@@ -13,10 +13,10 @@ namespace {
 /// What a task of 200 bytes tells that ends well after pieces of these sizes.
 std::string toldOf(ProgressStyle style, std::initializer_list<uint64_t> pieces)
 {
-    Console console("shntool", "conv");
-    console.progressStyle = style;
+    RunMessages messages("shntool", "conv");
+    messages.progressStyle = style;
     ::testing::internal::CaptureStderr();
-    Progress progress(console, {.action = "Converting",
+    Progress progress(messages, {.action = "Converting",
                                 .file = "a",
                                 .fileDetail = "0:01.00",
                                 .link = "-->",
@@ -50,11 +50,11 @@ TEST(Progress, ShowsTheOtherStyles)
     EXPECT_EQ(toldOf(ProgressStyle::Spinner, {4}).substr(0, 12), "| \b\b/ \b\b- \b\b");
 }
 
-TEST(Console, NamesCannotMakeUpMessages)
+TEST(RunMessages, NamesCannotMakeUpMessages)
 {
-    const Console console("shntool", "hash");
+    const RunMessages messages("shntool", "hash");
     ::testing::internal::CaptureStderr();
-    console.warn("cannot open non-existent file: [a\nshntool [hash]: error: b]");
+    messages.warn("cannot open non-existent file: [a\nshntool [hash]: error: b]");
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "shntool [hash]: warning: cannot open non-existent file: [a\n"
                                                         "shntool [hash]:          shntool [hash]: error: b]\n");
 }

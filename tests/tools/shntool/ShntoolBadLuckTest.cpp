@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/PrivateFolderName.h"
+#include "files/PrivateFolderName.h"
 #include "support/AudioFixtures.h"
 #include "support/TestFolder.h"
 #include "support/TestProgram.h"

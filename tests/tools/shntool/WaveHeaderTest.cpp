@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "shntool/Console.h"
+#include "shntool/RunMessages.h"
 #include "shntool/PcmWaveHeader.h"
 #include "shntool/WaveHeaderReader.h"
 #include "shntool/WaveInfo.h"
@@ -23,10 +23,10 @@ protected:
 
 WaveHeaderFault read(std::span<const uint8_t> bytes, WaveHeader &header)
 {
-    Console console("shntool", "len");
-    console.isQuiet = true;
+    RunMessages messages("shntool", "len");
+    messages.isQuiet = true;
     BytesSource source(bytes);
-    return readWaveHeader(source, "a.wav", console, header);
+    return readWaveHeader(source, "a.wav", messages, header);
 }
 
 std::vector<uint8_t> bytesOf(std::string_view text)

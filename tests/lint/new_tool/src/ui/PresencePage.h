@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "ui/TabPage.h"
+#include "ui/pages/TabPage.h"
 
 namespace nurv {
 

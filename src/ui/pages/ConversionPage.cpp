@@ -1,0 +1,45 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/pages/ConversionPage.h"
+
+#include "app/Control.h"
+#include "originals/OriginalsControls.h"
+#include "ui/Bindings.h"
+#include "ui/OptionWidgets.h"
+#include "ui/RadioMatrix.h"
+
+#include <QGroupBox>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+void ConversionPage::addFormats(ChoiceControl &formats, const QStringList &shownTitles)
+{
+    QVBoxLayout *const group = addOptionGroup(tr("Output format"), u"formatGroup"_s);
+    auto *const matrix = new RadioMatrix(lastOptionGroup());
+    matrix->setObjectName(u"outputFormatMatrix"_s);
+    matrix->setAccessibleName(tr("Output format"));
+    group->addWidget(matrix);
+    bind(matrix, formats, shownTitles);
+}
+
+void ConversionPage::addOutputOptions(CheckControl &besideSource, const QString &besideSourceName,
+                                      CheckControl &deleteOriginals, OriginalsControls &originals)
+{
+    QVBoxLayout *const group = addOptionGroup(tr("Files"), u"filesGroup"_s);
+    QWidget *const parent = lastOptionGroup();
+    addCheckBox(group, besideSource, tr("Save &beside each source file"), besideSourceName,
+                tr("Otherwise one output folder is asked for"), parent);
+    addCheckBox(group, originals.keepFoldersButton, tr("Rebuild the sour&ce folders"), u"keepFoldersButton"_s,
+                tr("Makes the folders of the sources again below the output folder"), parent);
+    addCheckBox(group, deleteOriginals, tr("Delete &originals afterwards"), u"deleteOriginalsButton"_s,
+                tr("Removes each source file once its output has been made without an error"), parent);
+    addCheckBox(group, originals.proveButton, tr("Delete onl&y what is proven"), u"proveButton"_s,
+                tr("Decodes source and output again and deletes a source only when every sample is the same"), parent);
+    addCheckBox(group, originals.dropMetadataButton, tr("Even if tags wo&uld be lost"), u"dropMetadataButton"_s,
+                tr("Otherwise a source stays whose tags, pictures or chunks have no place in its output"), parent);
+}
+
+} // namespace nurv

@@ -1,0 +1,55 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/pages/EncodePage.h"
+
+#include "convert/EncodeTab.h"
+#include "ui/OptionWidgets.h"
+
+#include <QGroupBox>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+EncodePage::EncodePage(EncodeTab &tab, QWidget *parent) : ConversionPage(tab, parent), m_encodeTab(tab)
+{
+    setObjectName(u"encodePage"_s);
+    addFormats(tab.outputFormatMatrix, {tr("&Shorten"), tr("&WavPack"), tr("F&LAC"), tr("&TTA"), tr("&Monkey's Audio"),
+                                        tr("A&pple Lossless")});
+    addFlacOptions();
+    addOtherOptions();
+    addOutputOptions(tab.sourceEncodeButton, u"sourceEncodeButton"_s, tab.deleteOriginalsButton,
+                     tab.originals);
+    finishOptions();
+}
+
+void EncodePage::addFlacOptions()
+{
+    QVBoxLayout *const group = addOptionGroup(tr("FLAC"), u"flacGroup"_s);
+    QWidget *const parent = lastOptionGroup();
+    addSlider(group, m_encodeTab.flacSlider, tr("Level"), u"flacSlider"_s, tr("FLAC compression level"), parent);
+    addCheckBox(group, m_encodeTab.flacLaxButton, tr("Lax (&no level)"), u"flacLaxButton"_s,
+                tr("Passes --lax instead of a compression level; no effect on WavPack and Apple Lossless sources"), parent);
+    addCheckBox(group, m_encodeTab.flacVerifyButton, tr("&Verify while encoding"), u"flacVerifyButton"_s,
+                tr("Decodes what is being written and compares it with the source"), parent);
+    addCheckBox(group, m_encodeTab.flacKeepForeignMetadataButton, tr("&Keep foreign metadata"),
+                u"flacKeepForeignMetadataButton"_s,
+                tr("Stores the other chunks of WAV and AIFF files in the FLAC file"), parent);
+    addCheckBox(group, m_encodeTab.generateFFPButton, tr("Write fingerpr&ints (FFP)"), u"generateFFPButton"_s,
+                tr("Writes one list of fingerprints in every output folder when all files are done"), parent);
+}
+
+void EncodePage::addOtherOptions()
+{
+    QVBoxLayout *const group = addOptionGroup(tr("Other formats"), u"otherFormatsGroup"_s);
+    QWidget *const parent = lastOptionGroup();
+    addCheckBox(group, m_encodeTab.generateMD5Button, tr("Shorten: write an M&D5 list"), u"generateMD5Button"_s,
+                tr("Writes one MD5 list of all outputs when all files are done"), parent);
+    addChoice(group, m_encodeTab.wavepackFormatMatrix, tr("WavPack"), u"wavepackFormatMatrix"_s, tr("WavPack mode"),
+              parent);
+    addSlider(group, m_encodeTab.apeSlider, tr("Monkey's"), u"apeSlider"_s, tr("Monkey's Audio compression level"),
+              parent);
+}
+
+} // namespace nurv
