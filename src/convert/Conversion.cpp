@@ -67,6 +67,13 @@ void Conversion::setDecoderUnwatched()
     m_retirement.setWishes(wishes);
 }
 
+void Conversion::setOutputIsLossy()
+{
+    SourceRetirement::Wishes wishes = m_retirement.wishes();
+    wishes.areOutputsLossy = true;
+    m_retirement.setWishes(wishes);
+}
+
 void Conversion::setBatch(std::shared_ptr<OutputBatch> batch)
 {
     m_batch = std::move(batch);

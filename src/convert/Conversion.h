@@ -63,6 +63,8 @@ protected:
     /// Names the job's row after the source. `task` is this very object.
     Conversion(NURVTask &task, const QString &fileName);
 
+    /// For an output whose samples cannot be the source's: see SourceRetirement::Wishes.
+    void setOutputIsLossy();
     /// For a program that takes no notice of the decoders that it starts.
     void setDecoderUnwatched();
     /// Takes the output for this job and looks at what is there now. GUI thread. Returns

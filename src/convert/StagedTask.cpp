@@ -6,9 +6,12 @@
 #include "base/GuiThread.h"
 #include "base/Log.h"
 #include "base/NurvFailure.h"
+#include "base/SystemError.h"
 #include "convert/EncodeCoreAudioSync.h"
 #include "engine/NURVTaskQueue.h"
+#include "files/FileRename.h"
 #include "files/FileStatus.h"
+#include "journal/NotedTemporary.h"
 #include "originals/StageFile.h"
 #include "process/ResourceFolder.h"
 #include "programs/ExternalPrograms.h"
@@ -17,6 +20,7 @@
 
 #include <QFile>
 
+#include <cerrno>
 #include <exception>
 #include <utility>
 
@@ -94,6 +98,39 @@ bool StagedTask::run(const std::optional<ProgramStage> &wanted)
     return ending.succeeded() && !error() && !cancelled();
 }
 
+bool StagedTask::encodeUnderName(const QString &input, const QString &made)
+{
+    const std::optional<ProgramStage> stage = encoding(input);
+    if (cancelled() || !stage)
+        return false;
+    beginOutput(stage->replacesOutput);
+    if (made == m_outFile) {
+        m_programHasBegun = true;
+        return run(stage);
+    }
+    for (const QString &path : {made, m_outFile}) {
+        if (!isThere(path))
+            continue;
+        disownOutput();
+        failWith(problemLine(u"%1 is there already"_s.arg(lastPathComponent(path))));
+        return false;
+    }
+    noteIntermediateBegun();
+    const NotedTemporary noted(made);
+    const bool isWhole = run(stage);
+    if (!isWhole)
+        removeHalfMade(made);
+    else if (!renameToFreeName(QFile::encodeName(made), QFile::encodeName(m_outFile))) {
+        const QString problem = u"its output stays as %1, since it could not get its name: %2"_s.arg(
+            lastPathComponent(made), systemErrorText(errno));
+        disownOutput();
+        noteProblem(problem);
+        failWith(problemLine(problem));
+    }
+    noteIntermediateGone();
+    return isWhole && !error();
+}
+
 void StagedTask::takeEnding(const ProgramStage &stage, const ProgramRunSync::Ending &ending)
 {
     // No later stage can go on, and what that one would say hides the reason.
@@ -130,11 +167,14 @@ void StagedTask::checkTemporaryWav(const QString &wav)
 }
 
 bool StagedTask::convertAudio(const QString &source, const QString &file, FourCharCode formatType,
-                                FourCharCode fileType)
+                              FourCharCode fileType, const AudioEncoderSettings &settings)
 {
     if (cancelled())
         return false;
     EncodeCoreAudioSync conversion(*this, source, file, formatType, fileType);
+    conversion.setBitrate(settings.bitRate);
+    conversion.setQuality(settings.quality);
+    conversion.setMode(settings.bitRateMode);
     conversion.doEncodeCall();
     if (conversion.leavesSoundBehind()) {
         const QString problem =
@@ -154,11 +194,12 @@ bool StagedTask::convertAudio(const QString &source, const QString &file, FourCh
     return false;
 }
 
-void StagedTask::convertToOutput(const QString &source, FourCharCode formatType, FourCharCode fileType)
+void StagedTask::convertToOutput(const QString &source, FourCharCode formatType, FourCharCode fileType,
+                                 const AudioEncoderSettings &settings)
 {
     // Beside the output, so that nobody else's file is cut or mistaken for a finished one.
     StageFile beside(m_outputPath, pathExtension(m_outFile));
-    if (!convertAudio(source, beside.path(), formatType, fileType))
+    if (!convertAudio(source, beside.path(), formatType, fileType, settings))
         return;
     if (isThere(m_outFile) && (error() || isDamaged())) {
         failWith(u"%1 stays as it was: what was to replace it is not whole\n"_s.arg(m_outFile));

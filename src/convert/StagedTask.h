@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "audio/AudioEncoder.h"
 #include "audio/AudioStreamDescription.h"
 #include "convert/Conversion.h"
 #include "engine/NURVInProcessTask.h"
@@ -65,16 +66,21 @@ protected:
     bool decodeTo(const QString &made) { return run(decoding(made)); }
     /// The same with the one of `encoding`.
     bool encodeFrom(const QString &input) { return run(encoding(input)); }
+    /// The same where the program gives what it makes a name of its own, `made`, in the output folder: the output
+    /// gets its name when it is whole. Nothing is replaced but by `beginOutput`.
+    bool encodeUnderName(const QString &input, const QString &made);
     /// Fails when a temporary WAV that a program has made holds another number of samples
     /// than its header says: a decoder may take the one from its source's header and the
     /// other from its sound, and the next stage reads as far as the header says. A few reads.
     void checkTemporaryWav(const QString &wav);
     /// Converts `source` to `file` by the audio service. A failure sets the error flag.
     /// False: it failed, or the job was cancelled.
-    bool convertAudio(const QString &source, const QString &file, FourCharCode formatType, FourCharCode fileType);
+    bool convertAudio(const QString &source, const QString &file, FourCharCode formatType, FourCharCode fileType,
+                      const AudioEncoderSettings &settings = {});
     /// The same to the job's output. A conversion that fails or is cancelled leaves there
     /// what was there before.
-    void convertToOutput(const QString &source, FourCharCode formatType, FourCharCode fileType);
+    void convertToOutput(const QString &source, FourCharCode formatType, FourCharCode fileType,
+                         const AudioEncoderSettings &settings = {});
     /// Fails and removes the output when it begins with these bytes: a program that goes by
     /// what it is given went the other way.
     void refuseOutputThatBegins(const QByteArray &bytes);

@@ -2,9 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "originals/SoundLengthCheck.h"
 
+#include "samples/SampleCount.h"
 #include "samples/SoundLength.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 
 using namespace Qt::StringLiterals;
@@ -40,6 +42,32 @@ std::optional<std::int64_t> framesOfSource(const SoundLength &length)
 }
 
 } // namespace
+
+SoundLengthCheck SoundLengthCheck::ofLossy(const QString &source, const QString &output)
+{
+    // More than the delay of any of the encoders and the rest of its last frame.
+    constexpr double kMostSecondsApart = 0.25;
+    const std::optional<SoundLength> before = soundLength(source);
+    const std::optional<SoundLength> made = soundLength(output);
+    if (!made)
+        return {u"its output is no sound file"_s, true};
+    const std::optional<std::int64_t> wanted = before ? framesOfSource(*before) : std::nullopt;
+    const std::optional<std::int64_t> frames = made->declaredFrames ? made->declaredFrames : made->roughFrames;
+    if (frames && *frames == 0)
+        return {u"its output holds no sound"_s, true};
+    if (!wanted || !frames || before->sampleRateHz <= 0 || made->sampleRateHz <= 0)
+        return {std::nullopt, false};
+    if (before->channels != made->channels)
+        return {u"its output has %1 channels instead of %2"_s.arg(made->channels).arg(before->channels), true};
+    const double apart = static_cast<double>(*frames) / made->sampleRateHz
+                         - static_cast<double>(*wanted) / before->sampleRateHz;
+    if (std::abs(apart) > kMostSecondsApart) {
+        return {u"its output lasts %1 instead of %2"_s.arg(timeOfFrame(*frames, made->sampleRateHz),
+                                                           timeOfFrame(*wanted, before->sampleRateHz)),
+                true};
+    }
+    return {std::nullopt, before->isBacked};
+}
 
 SoundLengthCheck SoundLengthCheck::of(const QStringList &sources, const QStringList &outputs)
 {

@@ -19,6 +19,8 @@ struct SoundLengthCheck {
 
     /// The outputs have to hold the sources, all together. A few reads of each file.
     [[nodiscard]] static SoundLengthCheck of(const QStringList &sources, const QStringList &outputs);
+    /// The same of a lossy output, whose durations are compared: up to what encoders fill up with.
+    [[nodiscard]] static SoundLengthCheck ofLossy(const QString &source, const QString &output);
 };
 
 } // namespace nurv

@@ -7,6 +7,7 @@
 #include "files/FileFlush.h"
 #include "files/FileStatus.h"
 #include "originals/SoundLengthCheck.h"
+#include "samples/LossyComparison.h"
 #include "samples/SampleStream.h"
 #include "tags/MetadataInventory.h"
 
@@ -76,7 +77,9 @@ SourceRetirement::Verdict SourceRetirement::examine(const QStringList &outputs,
         return verdict;
     }
     const SoundComparison::Result comparison =
-        SoundComparison::compare(m_sources, outputs, m_wishes.relation, progress, isUnwanted);
+        m_wishes.areOutputsLossy
+            ? LossyComparison::compare(m_sources.first(), outputs.first(), progress, isUnwanted)
+            : SoundComparison::compare(m_sources, outputs, m_wishes.relation, progress, isUnwanted);
     verdict.wasGivenUp = comparison.wasGivenUp;
     verdict.proof = comparison.isProven ? TaskOutcome::Proof::Proven : TaskOutcome::Proof::NotProven;
     if (!comparison.isProven && !comparison.wasGivenUp)
@@ -87,7 +90,9 @@ SourceRetirement::Verdict SourceRetirement::examine(const QStringList &outputs,
 
 void SourceRetirement::compareLengths(const QStringList &outputs, Verdict &verdict) const
 {
-    const SoundLengthCheck check = SoundLengthCheck::of(m_sources, outputs);
+    const SoundLengthCheck check = m_wishes.areOutputsLossy
+                                       ? SoundLengthCheck::ofLossy(m_sources.first(), outputs.first())
+                                       : SoundLengthCheck::of(m_sources, outputs);
     verdict.failure = check.fault;
     if (!check.isKnown || !m_wishes.isDecoderWatched)
         verdict.proof = TaskOutcome::Proof::NotProven;

@@ -36,6 +36,8 @@ public:
         /// not notice that.
         bool isDecoderWatched = true;
         SoundComparison::Relation relation = SoundComparison::Relation::Equal;
+        /// Whether the output, one of one source, is lossy: it only has to decode to its end, and to be as long.
+        bool areOutputsLossy = false;
     };
 
     struct Verdict {

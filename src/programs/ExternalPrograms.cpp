@@ -7,8 +7,10 @@
 #include "process/ResourceFolder.h"
 #include "programs/AtomicParsley.h"
 #include "programs/Flac.h"
+#include "programs/Lame.h"
 #include "programs/Metaflac.h"
 #include "programs/MonkeysAudio.h"
+#include "programs/Opusenc.h"
 #include "programs/Shntool.h"
 #include "programs/Shorten.h"
 #include "programs/Ttaenc.h"
@@ -65,8 +67,8 @@ const std::vector<ExternalProgram> &externalPrograms()
         shntool::program(),
         wavpack::encoder(),
         wavpack::decoder(),
-        {.name = u"lame"_s, .package = u"lame"_s, .purpose = u"encodes MP3"_s},
-        {.name = u"opusenc"_s, .package = u"opus-tools"_s, .purpose = u"encodes Opus"_s},
+        lame::program(),
+        opusenc::program(),
         {.name = u"sox"_s, .package = u"sox"_s, .purpose = u"resamples and de-emphasises"_s},
         {.name = u"cdda2wav"_s,
          .package = u"icedax"_s,

@@ -98,6 +98,13 @@ ProgramStage decodingToWav(const QString &source, const QString &wav)
     return {.name = program().name, .arguments = {u"-d"_s, source, u"-o"_s, wav, u"-f"_s}, .parse = parseDecodingToWav};
 }
 
+ProgramStage decodingToWavForOpus(const QString &source, const QString &wav)
+{
+    ProgramStage stage = decodingToWav(source, wav);
+    stage.parse = labelled(parseDecodingAs, u"Decoding to Wav: "_s);
+    return stage;
+}
+
 ChunkReport parseEncoding(QStringView chunk)
 {
     const QString line = trimWhitespaceAndNewlines(trimBackspaces(chunk));

@@ -39,6 +39,8 @@ struct Encoding {
 [[nodiscard]] ProgramStage encoding(const Encoding &encoding, const QString &input, const QString &output);
 /// To a temporary WAV.
 [[nodiscard]] ProgramStage decodingToWav(const QString &source, const QString &wav);
+/// The same for an encoding to Opus, with status lines of its own.
+[[nodiscard]] ProgramStage decodingToWavForOpus(const QString &source, const QString &wav);
 
 /// "x.wav: 45% complete, ratio=0.532".
 [[nodiscard]] ChunkReport parseEncoding(QStringView chunk);

@@ -5,6 +5,7 @@
 #include "text/TextNumbers.h"
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -60,6 +61,20 @@ std::function<ChunkReport(const QString &)> labelled(ChunkReport (*parse)(QStrin
                                                      const QString &label)
 {
     return [parse, label](const QString &chunk) { return parse(chunk, label); };
+}
+
+std::function<ChunkReport(const QString &)> inSteps(std::function<ChunkReport(const QString &)> parse)
+{
+    return [parse = std::move(parse), shown = 0.0](const QString &chunk) mutable {
+        ChunkReport report = parse(chunk);
+        if (report.progress && *report.progress >= shown + 1.0) {
+            shown = *report.progress;
+        } else {
+            report.progress.reset();
+            report.status.reset();
+        }
+        return report;
+    };
 }
 
 } // namespace nurv::programOutput

@@ -53,6 +53,11 @@ void showFigure(ChunkReport &report, QStringView text, const QString &label);
                                                                                              const QString &label),
                                                                         const QString &label);
 
+/// A parser whose figures are shown only where they have grown by one percent since the last one shown, from 0 on.
+/// Keeps count, so that each run of a program needs one of its own.
+[[nodiscard]] std::function<ChunkReport(const QString &chunk)> inSteps(
+    std::function<ChunkReport(const QString &chunk)> parse);
+
 } // namespace programOutput
 
 } // namespace nurv

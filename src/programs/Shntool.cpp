@@ -21,18 +21,6 @@ using namespace programOutput;
 /// The oldest version of Monkey's Audio, in thousandths, that it reads itself.
 constexpr int kOldestMonkeysAudio = 3990;
 
-/// What every conversion to a compressed format reports.
-QString results(QStringView text)
-{
-    QString results;
-    if (text.contains(u"Converting"_s))
-        results += before(text, u": ");
-    if (text.contains(u"ERROR"_s) || text.contains(u"OK"_s))
-        results += text;
-    results += text;
-    return results;
-}
-
 constexpr int kId3HeadSize = 10;
 
 /// The program that decodes the source for it; empty for what it reads itself.
@@ -56,6 +44,19 @@ QString decoderOf(const QString &source)
         return {};
     const int version = static_cast<unsigned char>(head[4]) | static_cast<unsigned char>(head[5]) << 8;
     return version < kOldestMonkeysAudio ? monkeysAudio::program().name : QString();
+}
+
+ChunkReport parseShortenToWavAs(QStringView chunk, const QString &label)
+{
+    const QString text = trimBackspaces(chunk);
+    ChunkReport report{.status = {}, .progress = {}, .results = conversionResults(chunk)};
+    if (text.contains(u'%')) {
+        showFigure(report, text, label);
+    } else {
+        report.progress = -1.0;
+        report.status = label + sixDecimals(-1.0) + u'%';
+    }
+    return report;
 }
 
 /// The program that encodes the word behind "-o" for it; empty for WAV.
@@ -129,10 +130,29 @@ ProgramStage shortenToWav(const QString &source, const QString &wav)
             .parse = parseShortenToWav};
 }
 
+ProgramStage shortenToWavForOpus(const QString &source, const QString &wav)
+{
+    ProgramStage stage = shortenToWav(source, wav);
+    stage.parse = labelled(parseShortenToWavAs, u"Decoding to Wav: "_s);
+    return stage;
+}
+
+QString conversionResults(QStringView chunk)
+{
+    const QString text = trimBackspaces(chunk);
+    QString results;
+    if (text.contains(u"Converting"_s))
+        results += before(text, u": ");
+    if (text.contains(u"ERROR"_s) || text.contains(u"OK"_s))
+        results += text;
+    results += text;
+    return results;
+}
+
 ChunkReport parseToShorten(QStringView chunk)
 {
     const QString text = trimBackspaces(chunk);
-    ChunkReport report{.status = {}, .progress = {}, .results = results(text), .repaintsTitle = true};
+    ChunkReport report{.status = {}, .progress = {}, .results = conversionResults(chunk), .repaintsTitle = true};
     if (text.contains(u'%'))
         showFigure(report, text, u"Encoding to SHN: "_s);
     return report;
@@ -141,7 +161,7 @@ ChunkReport parseToShorten(QStringView chunk)
 ChunkReport parseToFlac(QStringView chunk, const QString &type)
 {
     const QString text = trimBackspaces(chunk);
-    ChunkReport report{.status = {}, .progress = {}, .results = results(text), .repaintsTitle = true};
+    ChunkReport report{.status = {}, .progress = {}, .results = conversionResults(chunk), .repaintsTitle = true};
     if (text.contains(u'%')) {
         const QStringView percent = before(text, u"%");
         report.progress = leadingNumber(percent);
@@ -161,15 +181,7 @@ ChunkReport parseFromShorten(QStringView chunk)
 
 ChunkReport parseShortenToWav(QStringView chunk)
 {
-    const QString text = trimBackspaces(chunk);
-    ChunkReport report{.status = {}, .progress = {}, .results = results(text)};
-    if (text.contains(u'%')) {
-        showFigure(report, text, kToWav.toString());
-    } else {
-        report.progress = -1.0;
-        report.status = kToWav.toString() + sixDecimals(-1.0) + u'%';
-    }
-    return report;
+    return parseShortenToWavAs(chunk, kToWav.toString());
 }
 
 } // namespace nurv::shntool

@@ -47,9 +47,14 @@ inline constexpr qsizetype kFlacFolderPlace = 6;
 
 /// Shorten to a temporary WAV.
 [[nodiscard]] ProgramStage shortenToWav(const QString &source, const QString &wav);
+/// The same for an encoding to Opus, with status lines of its own.
+[[nodiscard]] ProgramStage shortenToWavForOpus(const QString &source, const QString &wav);
 
 // "Converting [x.wav] (3:00.00) --> [x.shn] :   0% ", backspaces, "  1% ", …, "100% OK".
 
+/// What every conversion to a compressed format reports of a chunk: of one with "Converting" what stands before its
+/// first ": ", one with "ERROR" or "OK" twice.
+[[nodiscard]] QString conversionResults(QStringView chunk);
 /// To Shorten. A chunk with "Converting" or "OK" is in the report more than once.
 [[nodiscard]] ChunkReport parseToShorten(QStringView chunk);
 /// From a file of `type` ("SHN", "APE") to FLAC, reported like `parseToShorten`.

@@ -21,6 +21,7 @@ SoundLength lengthOf(const SampleFormat &format, std::optional<std::int64_t> dec
 {
     return {.declaredFrames = declaredFrames,
             .heldFrames = std::nullopt,
+            .roughFrames = std::nullopt,
             .isBacked = true,
             .sampleRateHz = format.sampleRateHz,
             .channels = format.channels,
@@ -47,6 +48,7 @@ std::optional<SoundLength> demuxedLength(const RegularFile &file)
     const AudioStreamDescription format = header->format();
     return SoundLength{.declaredFrames = header->isLengthExact() ? std::optional(header->lengthFrames()) : std::nullopt,
                        .heldFrames = header->tableFrames(),
+                       .roughFrames = header->lengthFrames() > 0 ? std::optional(header->lengthFrames()) : std::nullopt,
                        .isBacked = true,
                        .sampleRateHz = static_cast<int>(format.sampleRate),
                        .channels = static_cast<int>(format.channelsPerFrame),
@@ -82,7 +84,7 @@ std::optional<SoundLength> readLength(const RegularFile &file)
     if (ShortenSampleStream::isAt(file, start)) {
         const auto header = storedShortenHeader(file);
         if (!header)
-            return SoundLength{.declaredFrames = {}, .heldFrames = {}, .isBacked = false};
+            return SoundLength{.declaredFrames = {}, .heldFrames = {}, .roughFrames = {}, .isBacked = false};
         // The WAV header in a Shorten file is a copy of what a recorder wrote, and nothing else tells.
         SoundLength length = lengthOf(header->format, header->declaredFrames);
         length.isBacked = false;

@@ -19,6 +19,9 @@ struct SoundLength {
     /// header counts. FLAC: the last frame's own number. MPEG-4: the table of durations,
     /// where it and the header do not agree.
     std::optional<std::int64_t> heldFrames;
+    /// Of a lossy file whose header does not tell to the sample: what its frames or pages come to, the encoder's
+    /// fillings included.
+    std::optional<std::int64_t> roughFrames = {};
     /// Whether what decodes the file would notice that it holds another number of frames
     /// than its header says: by its size, or by checksums over all of it.
     bool isBacked = true;

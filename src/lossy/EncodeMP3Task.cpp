@@ -1,0 +1,81 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "lossy/EncodeMP3Task.h"
+
+#include "app/PathNames.h"
+#include "programs/Shntool.h"
+#include "tags/AACTagsHelper.h"
+#include "tags/TagLibTagsHelper.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+EncodeMP3Task::EncodeMP3Task(NURVTaskQueue *queue, const QString &fileName, const QString &type,
+                             const QString &outputPath, int level)
+    : LossyEncodeTask(queue, fileName, outputPath, u"mp3"_s), m_encoding{type, level}
+{
+}
+
+QString EncodeMP3Task::openingStatus() const
+{
+    return u"Encoding to LAME MP3"_s;
+}
+
+std::optional<ProgramStage> EncodeMP3Task::encoding(const QString &input) const
+{
+    const QString format = formatWord(input);
+    if (input == fileName() && format == u"WAV")
+        return lame::encoding(m_encoding, input, outputFile());
+    if (format == u"FLAC" && pathExtension(input) != u"flac")
+        return lame::encodingByShntoolTo(m_encoding, input, outputFile());
+    return lame::encodingByShntool(m_encoding, input, outputPath());
+}
+
+QString EncodeMP3Task::madeOf(const QString &input) const
+{
+    // A name that the program is given itself.
+    if (encoding(input)->arguments.contains(outputFile()))
+        return outputFile();
+    return shntool::replacesExtension(pathExtension(input))
+               ? namedAfter(input)
+               : joinPath(outputPath(), lastPathComponent(input) + u".mp3"_s);
+}
+
+QString EncodeMP3Task::intermediateFile() const
+{
+    const QString made = madeOf(fileName());
+    return made == outputFile() || formatWord(fileName()) == u"M4A" ? QString() : made;
+}
+
+void EncodeMP3Task::doEncodeCall()
+{
+    if (formatWord(fileName()) != u"M4A") {
+        encodeUnderName(fileName(), madeOf(fileName()));
+        return;
+    }
+    encodeDecoded([this](const QString &wav) {
+        showStatus(openingStatus());
+        encodeUnderName(wav, madeOf(wav));
+    });
+}
+
+void EncodeMP3Task::cleanup()
+{
+    const QString format = formatWord(fileName());
+    if (format == u"FLAC" || format == u"M4A")
+        copyTags([this] { writeTags(); }, QString());
+    LossyEncodeTask::cleanup();
+}
+
+void EncodeMP3Task::writeTags()
+{
+    const bool isFlac = formatWord(fileName()) == u"FLAC";
+    const TagsObject tags =
+        isFlac ? TagLibTagsHelper::tagsForFlacFile(fileName()) : AACTagsHelper::tagsForFile(fileName());
+    showStatus(isFlac ? u"Copying FLAC Tags"_s : u"Copying M4A Tags"_s);
+    TagLibTagsHelper::writeTagsForMP3File(outputFile(), tags, false);
+    noteLostPicture(tags.albumArtFault());
+}
+
+} // namespace nurv

@@ -1,0 +1,55 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "lossy/LossyEncodeTask.h"
+
+#include "app/PathNames.h"
+#include "originals/StageFile.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+LossyEncodeTask::LossyEncodeTask(NURVTaskQueue *queue, const QString &fileName, const QString &outputPath,
+                                 const QString &extension)
+    : StagedEncodeTask(queue, fileName, outputPath, extension)
+{
+    setOutputIsLossy();
+}
+
+QString LossyEncodeTask::decodingStatus() const
+{
+    const QString format = formatWord(fileName());
+    if (format == u"M4A")
+        return u"Decoding ALAC to Wav"_s;
+    if (format == u"WV")
+        return u"Decoding Wavepack to Wav"_s;
+    return u"Decoding %1 to Wav"_s.arg(format);
+}
+
+void LossyEncodeTask::encodeDecoded(const std::function<void(const QString &wav)> &encode)
+{
+    if (cancelled())
+        return;
+    showStatus(decodingStatus());
+    const StageFile wav(outputPath());
+    if (needsDecoder()) {
+        decodeTo(wav.path());
+        checkTemporaryWav(wav.path());
+    } else {
+        convertToWav(fileName(), wav.path());
+    }
+    if (!error() && !cancelled())
+        encode(wav.path());
+}
+
+QString LossyEncodeTask::namedAfter(const QString &input) const
+{
+    return nurv::outputPath(outputPath(), input, pathExtension(outputFile()));
+}
+
+void LossyEncodeTask::cleanup()
+{
+    dropResultsUnlessFailed();
+}
+
+} // namespace nurv
