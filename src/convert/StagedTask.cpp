@@ -142,6 +142,9 @@ void StagedTask::takeEnding(const ProgramStage &stage, const ProgramRunSync::End
     if (ending.wasStopped || ending.succeeded() || cancelled())
         return;
     noteDamage(u"its program failed"_s);
+    const ExternalProgram *const program = findExternalProgram(stage.name);
+    if (m_programHasBegun && program && program->leavesHalfMadeOutput)
+        m_isHalfMade = true;
     if (stage.looksAtExitStatus)
         m_failsAtStop = true;
     if (ending.exit->signal != 0) {

@@ -6,6 +6,7 @@
 #include "base/NurvFailure.h"
 #include "programs/Flac.h"
 #include "programs/Shntool.h"
+#include "samples/SoundLength.h"
 #include "tags/AACTagsHelper.h"
 #include "tags/TagLibTagsHelper.h"
 
@@ -50,10 +51,20 @@ void EncodeOpusTask::doEncodeCall()
         return;
     }
     readTexts();
-    if (needsDecoder() || formatWord(fileName()) == u"M4A")
+    if (goesThroughWav())
         encodeDecoded([this](const QString &wav) { encode(wav); });
     else
         encode(fileName());
+}
+
+bool EncodeOpusTask::goesThroughWav() const
+{
+    const QString format = formatWord(fileName());
+    if (needsDecoder() || format == u"M4A")
+        return true;
+    // opusenc reads AIFF of these widths only.
+    const int bits = isAiff(format) ? soundLength(fileName()).value_or(SoundLength{}).bitsPerSample : 0;
+    return bits != 0 && bits != 8 && bits != 16;
 }
 
 void EncodeOpusTask::encode(const QString &input)

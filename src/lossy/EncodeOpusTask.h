@@ -26,6 +26,8 @@ protected:
     void cleanup() override;
 
 private:
+    /// Whether opusenc cannot read the source itself.
+    [[nodiscard]] bool goesThroughWav() const;
     void readTexts();
     void encode(const QString &input);
 

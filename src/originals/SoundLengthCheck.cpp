@@ -47,23 +47,24 @@ SoundLengthCheck SoundLengthCheck::ofLossy(const QString &source, const QString 
 {
     // More than the delay of any of the encoders and the rest of its last frame.
     constexpr double kMostSecondsApart = 0.25;
+    constexpr std::int64_t kUnknown = -1;
     const std::optional<SoundLength> before = soundLength(source);
     const std::optional<SoundLength> made = soundLength(output);
     if (!made)
         return {u"its output is no sound file"_s, true};
-    const std::optional<std::int64_t> wanted = before ? framesOfSource(*before) : std::nullopt;
-    const std::optional<std::int64_t> frames = made->declaredFrames ? made->declaredFrames : made->roughFrames;
-    if (frames && *frames == 0)
+    const std::int64_t wanted = before ? framesOfSource(*before).value_or(kUnknown) : kUnknown;
+    const std::int64_t frames = made->declaredFrames.value_or(made->roughFrames.value_or(kUnknown));
+    if (frames == 0)
         return {u"its output holds no sound"_s, true};
-    if (!wanted || !frames || before->sampleRateHz <= 0 || made->sampleRateHz <= 0)
+    if (wanted == kUnknown || frames == kUnknown || before->sampleRateHz <= 0 || made->sampleRateHz <= 0)
         return {std::nullopt, false};
     if (before->channels != made->channels)
         return {u"its output has %1 channels instead of %2"_s.arg(made->channels).arg(before->channels), true};
-    const double apart = static_cast<double>(*frames) / made->sampleRateHz
-                         - static_cast<double>(*wanted) / before->sampleRateHz;
+    const double apart = static_cast<double>(frames) / made->sampleRateHz
+                         - static_cast<double>(wanted) / before->sampleRateHz;
     if (std::abs(apart) > kMostSecondsApart) {
-        return {u"its output lasts %1 instead of %2"_s.arg(timeOfFrame(*frames, made->sampleRateHz),
-                                                           timeOfFrame(*wanted, before->sampleRateHz)),
+        return {u"its output lasts %1 instead of %2"_s.arg(timeOfFrame(frames, made->sampleRateHz),
+                                                           timeOfFrame(wanted, before->sampleRateHz)),
                 true};
     }
     return {std::nullopt, before->isBacked};

@@ -46,7 +46,7 @@ ProgramStage shntoolStage(const Encoding &encoding, const QStringList &place, co
 
 const ExternalProgram &program()
 {
-    static const ExternalProgram program{.name = u"lame"_s, .package = u"lame"_s, .purpose = u"encodes MP3"_s};
+    static const ExternalProgram program{.name = u"lame"_s, .package = u"lame"_s, .purpose = u"encodes MP3"_s, .leavesHalfMadeOutput = true};
     return program;
 }
 

@@ -11,7 +11,7 @@ namespace nurv::opusenc {
 const ExternalProgram &program()
 {
     static const ExternalProgram program{
-        .name = u"opusenc"_s, .package = u"opus-tools"_s, .purpose = u"encodes Opus"_s};
+        .name = u"opusenc"_s, .package = u"opus-tools"_s, .purpose = u"encodes Opus"_s, .leavesHalfMadeOutput = true};
     return program;
 }
 

@@ -79,16 +79,6 @@ void addField(const QByteArray &entry, MetadataCollector &found)
         found.addText(field, QString::fromUtf8(value));
 }
 
-void readVorbisComment(const QByteArray &block, MetadataCollector &found)
-{
-    constexpr auto littleEndian = littleEndianAt<quint32>;
-    Sized sized(block);
-    static_cast<void>(sized.take(littleEndian)); // the encoder's name
-    const quint32 count = sized.number(littleEndian);
-    for (quint32 i = 0; i < count; ++i)
-        addField(sized.take(littleEndian), found);
-}
-
 void readApplication(const QByteArray &block, MetadataCollector &found)
 {
     const QByteArray name = block.left(4);
@@ -111,6 +101,16 @@ void readBlock(int type, const QByteArray &block, MetadataCollector &found)
 }
 
 } // namespace
+
+void readVorbisComment(const QByteArray &comment, MetadataCollector &found)
+{
+    constexpr auto littleEndian = littleEndianAt<quint32>;
+    Sized sized(comment);
+    static_cast<void>(sized.take(littleEndian)); // the encoder's name
+    const quint32 count = sized.number(littleEndian);
+    for (quint32 i = 0; i < count; ++i)
+        addField(sized.take(littleEndian), found);
+}
 
 std::int64_t readFlacMetadata(const MetadataBytes &bytes, std::int64_t begin, MetadataCollector &found)
 {

@@ -14,4 +14,7 @@ namespace nurv {
 /// was. Returns where the sound starts. Throws NurvFailure when a block is damaged.
 [[nodiscard]] std::int64_t readFlacMetadata(const MetadataBytes &bytes, std::int64_t begin, MetadataCollector &found);
 
+/// Reads a Vorbis comment, without what marks it in a stream. Throws NurvFailure when it is damaged.
+void readVorbisComment(const QByteArray &comment, MetadataCollector &found);
+
 } // namespace nurv

@@ -9,6 +9,7 @@
 #include "tags/MetadataCollector.h"
 #include "tags/Mp4Boxes.h"
 #include "tags/Mp4Metadata.h"
+#include "tags/OggMetadata.h"
 #include "tags/PackedSoundMetadata.h"
 #include "tags/ShortenMetadata.h"
 #include "tags/SoundChunks.h"
@@ -32,6 +33,15 @@ bool isMp4(const QByteArray &head)
     return head.size() >= 8
            && std::find(kFirstMp4Boxes.begin(), kFirstMp4Boxes.end(), bigEndianAt<FourCharacters>(head, 4))
                   != kFirstMp4Boxes.end();
+}
+
+/// Whether these are the first bytes of a frame of MPEG audio: 11 bits set, then a version and a layer that there are.
+bool isMpegAudio(const QByteArray &head)
+{
+    if (head.size() < 2)
+        return false;
+    const auto number = bigEndianAt<quint16>(head, 0);
+    return (number & 0xFFE0) == 0xFFE0 && (number & 0x18) != 0x08 && (number & 0x06) != 0;
 }
 
 /// Reads tags that stand before the sound file proper. Returns where that starts.
@@ -70,6 +80,10 @@ void readAnyFile(const QString &path, const MetadataBytes &bytes, MetadataCollec
     } else if (head.startsWith("ajkg")) {
         static_cast<void>(readTrailingTags(bytes, begin, found));
         readShortenMetadata(bytes, begin, found);
+    } else if (head.startsWith("OggS")) {
+        readOggMetadata(bytes, begin, found);
+    } else if (isMpegAudio(head)) {
+        static_cast<void>(readTrailingTags(bytes, begin, found));
     } else if (begin == 0 && isMp4(head)) {
         readMp4File(path, bytes, found);
     } else {

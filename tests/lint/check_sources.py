@@ -33,9 +33,10 @@ ALLOWED = {
     "originals": {"base", "files", "programs", "engine", "app", "samples", "journal", "tags"},
     "checksum": BASICS | {"programs", "engine", "app", "tags"},
     "convert": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum"},
-    "toolbox": {"app", "checksum", "convert"},
-    "cli": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum", "convert", "toolbox"},
-    "ui": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum", "convert", "toolbox"},
+    "lossy": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "convert"},
+    "toolbox": {"app", "checksum", "convert", "lossy"},
+    "cli": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum", "convert", "lossy", "toolbox"},
+    "ui": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum", "convert", "lossy", "toolbox"},
 }
 
 # The same of the folders under tools, whose programs use no Qt.

@@ -1,0 +1,233 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "lossy/LossyFixture.h"
+
+#include "support/FileSizeLimit.h"
+
+#include <QDir>
+#include <QRegularExpression>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+namespace {
+
+class LossyJobsTest : public test::LossyFixture {
+protected:
+    void logCalls(const QString &program)
+    {
+        tools.remove(program);
+        tools.addLogged(program, folder.path(program + u".log"_s));
+    }
+    /// The calls with the folders shortened and the name of the temporary WAV replaced.
+    [[nodiscard]] QStringList calledWith(const QString &program) const
+    {
+        QStringList lines = calls(program);
+        for (QString &line : lines)
+            line = shortened(line).replace(QRegularExpression(u"Nurv-[0-9a-f]{8}-\\w{8}"_s), u"TEMP"_s).replace(out.path(), u"out"_s);
+        return lines;
+    }
+    QString plainFlac(const QString &name) { return test::writeFlac(folder.path(name), {.seconds = 0.5}); }
+};
+
+TEST_F(LossyJobsTest, GivesShntoolTheFolderForFlacAndTheWholeNameInOtherCases)
+{
+    logCalls(u"shntool"_s);
+    EXPECT_FALSE(runJob(makeMp3(plainFlac(u"a.flac"_s)))->error());
+    EXPECT_FALSE(runJob(makeMp3(plainFlac(u"b.FLAC"_s), u"VBR"_s, 3))->error());
+    EXPECT_FALSE(runJob(makeMp3(plainFlac(u"c.Flac"_s)))->error());
+    EXPECT_EQ(calledWith(u"shntool"_s),
+              (QStringList{u"conv|-P|pct|-O|never|-o|cust ext=mp3 lame -b 160 - %f|-d|out|in/a.flac"_s,
+                           u"conv|-P|pct|-O|never|-o|cust ext=mp3 lame -V 3 - %f|-n|out/b.mp3|in/b.FLAC"_s,
+                           u"conv|-P|pct|-O|never|-o|cust ext=mp3 lame -b 160 - %f|-n|out/c.mp3|in/c.Flac"_s}));
+    EXPECT_EQ(out.list(), (QStringList{u"a.mp3"_s, u"b.mp3"_s, u"c.mp3"_s}));
+}
+
+TEST_F(LossyJobsTest, GivesLameAWavFileItself)
+{
+    logCalls(u"lame"_s);
+    EXPECT_FALSE(runJob(makeMp3(test::writeWav(folder.path(u"a.wav"_s)), u"VBR"_s, 0))->error());
+    EXPECT_EQ(calledWith(u"lame"_s), QStringList{u"--brief|-V|0|in/a.wav|out/a.mp3"_s});
+}
+
+TEST_F(LossyJobsTest, MakesAnMp3OfAppleLosslessUnderTheNameOfItsTemporaryWav)
+{
+    logCalls(u"shntool"_s);
+    const auto task = runJob(makeMp3(makeSource(u"M4A"_s, {.seconds = 0.5})));
+    EXPECT_FALSE(task->error()) << qPrintable(task->report());
+    EXPECT_EQ(calledWith(u"shntool"_s),
+              QStringList{u"conv|-P|pct|-O|never|-o|cust ext=mp3 lame -b 160 - %f|-d|out|out/TEMP.wav"_s});
+    EXPECT_EQ(out.list(), QStringList{u"a.mp3"_s});
+    EXPECT_TRUE(statuses.contains(u"Decoding ALAC to Wav"_s)) << qPrintable(statuses.join(u'|'));
+    EXPECT_TRUE(statuses.contains(u"Encoding to LAME MP3"_s));
+    EXPECT_TRUE(statuses.contains(u"Copying M4A Tags"_s));
+}
+
+TEST_F(LossyJobsTest, NamesTheMp3OfASourceWhoseExtensionShntoolDoesNotKnow)
+{
+    const auto task = runJob(makeMp3(test::writeAiff(folder.path(u"a.AIF"_s))));
+    EXPECT_FALSE(task->error()) << qPrintable(task->report());
+    EXPECT_EQ(out.list(), QStringList{u"a.mp3"_s});
+}
+
+TEST_F(LossyJobsTest, GivesOpusencTitleAndArtistOfAFlacFile)
+{
+    logCalls(u"opusenc"_s);
+    const QString flac = test::writeFlac(folder.path(u"a.flac"_s), {}, {u"-T"_s, u"TITLE=T"_s, u"-T"_s, u"ARTIST=A"_s});
+    EXPECT_FALSE(runJob(makeOpus(flac, u"CBR"_s, 128, 20))->error());
+    EXPECT_FALSE(runJob(makeOpus(plainFlac(u"b.flac"_s), u"VBR Constrained"_s, 96, 2.5))->error());
+    EXPECT_FALSE(runJob(makeOpus(test::writeWav(folder.path(u"c.wav"_s)), u"VBR"_s, 64, 60))->error());
+    EXPECT_EQ(calledWith(u"opusenc"_s),
+              (QStringList{u"--hard-cbr|--bitrate|128|--framesize|20|--title|T|--artist|A|out/TEMP.wav|out/TEMP.opus"_s,
+                           u"--cvbr|--bitrate|96|--framesize|2.5|--title||--artist||out/TEMP.wav|out/TEMP.opus"_s,
+                           u"--vbr|--bitrate|64|--framesize|60|in/c.wav|out/c.opus"_s}));
+    EXPECT_EQ(out.list(), (QStringList{u"a.opus"_s, u"b.opus"_s, u"c.opus"_s}));
+    EXPECT_TRUE(statuses.contains(u"Encoding to Opus"_s)) << qPrintable(statuses.join(u'|'));
+    EXPECT_TRUE(statuses.contains(u"Decoding FLAC to Wav"_s));
+    EXPECT_TRUE(statuses.contains(u"Encoding To Opus"_s));
+}
+
+TEST_F(LossyJobsTest, RejectsWhatOpusDoesNotHave)
+{
+    const QString wav = test::writeWav(folder.path(u"a.wav"_s));
+    for (const auto &task : {makeOpus(wav, u"ABR"_s, 128, 20), makeOpus(wav, u"VBR"_s, 128, 30)}) {
+        runJob(task);
+        EXPECT_TRUE(task->error());
+        EXPECT_TRUE(task->report().contains(u"Opus has no mode"_s)) << qPrintable(task->report());
+    }
+    EXPECT_EQ(out.list(), QStringList());
+}
+
+TEST_F(LossyJobsTest, TellsTheAudioServiceByTypeAndLevel)
+{
+    const auto settings = [this](const QString &type, int level) { return makeAac(u"/a.wav"_s, type, level)->settings(); };
+    EXPECT_EQ(settings(u"CBR"_s, 160).bitRate, 160000U);
+    EXPECT_EQ(settings(u"CBR"_s, 160).bitRateMode, 0U);
+    EXPECT_EQ(settings(u"ABR"_s, 160).bitRate, 160000U);
+    EXPECT_EQ(settings(u"ABR"_s, 160).bitRateMode, 1U);
+    EXPECT_EQ(settings(u"VBR Constrained"_s, 96).bitRate, 96000U);
+    EXPECT_EQ(settings(u"VBR Constrained"_s, 96).bitRateMode, 2U);
+    EXPECT_EQ(settings(u"VBR"_s, 88).quality, 88U);
+    EXPECT_EQ(settings(u"VBR"_s, 88).bitRateMode, 3U);
+    EXPECT_EQ(settings(u"VBR"_s, 88).bitRate, 0U);
+    EXPECT_EQ(settings(u"?"_s, 88).quality, 0U);
+    EXPECT_EQ(makeAac(u"/a.wav"_s, u"ABR"_s, 160)->encoderSettingsForTag(), u"ABR 160kbps"_s);
+    EXPECT_EQ(makeAac(u"/a.wav"_s, u"VBR"_s, 88)->encoderSettingsForTag(), u"True VBR Quality 88"_s);
+    EXPECT_EQ(makeAac(u"/a.wav"_s, u"?"_s, 88)->encoderSettingsForTag(), std::nullopt);
+}
+
+TEST_F(LossyJobsTest, MakesAnUnknownTypeGaplessAsWell)
+{
+    logCalls(u"AtomicParsley"_s);
+    EXPECT_FALSE(runJob(makeAac(test::writeWav(folder.path(u"a.wav"_s)), u"?"_s, 7))->error());
+    EXPECT_EQ(calledWith(u"AtomicParsley"_s).size(), 1);
+    EXPECT_EQ(test::ffprobeTags(out.path(u"a.m4a"_s)).value(u"gapless_playback"_s), u"1");
+}
+
+TEST_F(LossyJobsTest, DeletesASourceWhoseOutputDecodesAndIsAsLong)
+{
+    set(u"trashOrDelete", 1);
+    const auto make = [this](const QString &name) { return test::writeWav(folder.path(name), {.seconds = 2.0}); };
+    for (const std::shared_ptr<StagedTask> &task : std::initializer_list<std::shared_ptr<StagedTask>>{
+             makeMp3(make(u"a.wav"_s)), makeAac(make(u"b.wav"_s)), makeOpus(make(u"c.wav"_s))}) {
+        task->setDeleteOriginal(true);
+        runJob(task);
+        EXPECT_FALSE(task->error()) << qPrintable(task->report());
+        EXPECT_EQ(task->outcome().proof, TaskOutcome::Proof::Proven);
+        EXPECT_FALSE(QFile::exists(task->fileName())) << qPrintable(task->outcome().problem);
+    }
+}
+
+TEST_F(LossyJobsTest, KeepsASourceWhoseTagsHaveNoPlaceInTheOutput)
+{
+    const QString flac = makeSource(u"flac"_s, {.seconds = 1.0});
+    const auto task = makeOpus(flac);
+    task->setDeleteOriginal(true);
+    runJob(task);
+    EXPECT_FALSE(task->error()) << qPrintable(task->report());
+    EXPECT_TRUE(QFile::exists(flac));
+    EXPECT_EQ(task->outcome().original, TaskOutcome::Original::Kept);
+}
+
+TEST_F(LossyJobsTest, KeepsTheSourceOfAnEncoderThatWroteTooLittle)
+{
+    // Another sound's MP3, half as long, with status 0.
+    const QString shorter = test::writeByFfmpeg(folder.path(u"short.mp3"_s), {.seconds = 1.0});
+    const QString wav = test::writeWav(folder.path(u"a.wav"_s), {.seconds = 2.0});
+    setFake(u"lame"_s, "copy=" + shorter.toUtf8() + ":" + out.path(u"a.mp3"_s).toUtf8());
+    const auto task = makeMp3(wav);
+    task->setDeleteOriginal(true);
+    runJob(task);
+    EXPECT_TRUE(task->error());
+    EXPECT_TRUE(task->report().contains(u"lasts"_s)) << qPrintable(task->report());
+    EXPECT_TRUE(QFile::exists(wav));
+}
+
+TEST_F(LossyJobsTest, EndsInErrorWithTheProgramsWordsForWhatItCannotEncode)
+{
+    const QString wav = test::writeWav(folder.path(u"a.wav"_s), {.channels = 6, .seconds = 1.0, .extensible = true});
+    const auto task = makeMp3(wav);
+    task->setDeleteOriginal(true);
+    runJob(task);
+    EXPECT_TRUE(task->error());
+    EXPECT_FALSE(task->report().section(u'\n', 1).trimmed().isEmpty()) << "the report says why";
+    EXPECT_TRUE(QFile::exists(wav));
+    EXPECT_EQ(out.list(), QStringList());
+}
+
+TEST_F(LossyJobsTest, EncodesSixChannelsInTheirOrderToAacAndOpus)
+{
+    const QString wav = test::writeWav(folder.path(u"a.wav"_s), {.rate = 48000, .channels = 6, .seconds = 1.0, .extensible = true});
+    EXPECT_FALSE(runJob(makeAac(wav, u"ABR"_s, 384))->error());
+    EXPECT_EQ(test::ffprobeStream(out.path(u"a.m4a"_s))[u"channel_layout"_s], u"5.1");
+    EXPECT_FALSE(runJob(makeOpus(wav, u"VBR"_s, 256))->error());
+    EXPECT_EQ(test::ffprobeStream(out.path(u"a.opus"_s))[u"channels"_s], u"6");
+}
+
+TEST_F(LossyJobsTest, KeepsToTheRatesOfTheEncoders)
+{
+    for (const auto &[rate, aac] : {std::pair{8000, 8000}, std::pair{96000, 48000}, std::pair{176400, 44100}, std::pair{192000, 48000}}) {
+        const QString wav = test::writeWav(folder.path(u"a.wav"_s), {.rate = rate, .channels = 1, .seconds = 1.0});
+        // lame takes no rate above 48 kHz without a word, and brings it down itself.
+        const auto mp3 = runJob(makeMp3(wav, u"VBR"_s, 2));
+        EXPECT_FALSE(mp3->error()) << rate << qPrintable(mp3->report());
+        const auto m4a = runJob(makeAac(wav, u"VBR"_s, 88));
+        EXPECT_FALSE(m4a->error()) << rate << qPrintable(m4a->report());
+        EXPECT_EQ(test::ffprobeStream(out.path(u"a.m4a"_s))[u"sample_rate"_s], QString::number(aac));
+        const auto opus = runJob(makeOpus(wav));
+        EXPECT_FALSE(opus->error()) << rate << qPrintable(opus->report());
+        for (const QString &name : out.list()) {
+            EXPECT_EQ(test::ffprobeStream(out.path(name))[u"channels"_s], u"1") << qPrintable(name);
+            EXPECT_NEAR(decodedSeconds(out.path(name), 44100), 1.0, 0.061) << qPrintable(name) << rate;
+            ASSERT_TRUE(QFile::remove(out.path(name)));
+        }
+    }
+}
+
+TEST_F(LossyJobsTest, ReplacesNothingThatIsInTheWayOfShntool)
+{
+    out.write(u"a.mp3"_s, "somebody's");
+    const auto task = runJob(makeMp3(plainFlac(u"a.flac"_s)));
+    EXPECT_TRUE(task->error());
+    EXPECT_EQ(out.read(u"a.mp3"_s), "somebody's");
+    EXPECT_EQ(out.list(), QStringList{u"a.mp3"_s});
+}
+
+TEST_F(LossyJobsTest, LeavesNothingOnAFullDisk)
+{
+    for (const QString &format : {u"WAV"_s, u"flac"_s, u"M4A"_s}) {
+        const QString source = makeSource(format, {.seconds = 4.0});
+        const test::FileSizeLimit limit(20000);
+        for (const std::shared_ptr<StagedTask> &task :
+             std::initializer_list<std::shared_ptr<StagedTask>>{makeMp3(source), makeAac(source), makeOpus(source)}) {
+            task->setDeleteOriginal(true);
+            runJob(task);
+            EXPECT_TRUE(task->error()) << qPrintable(task->outputFile());
+            EXPECT_TRUE(QFile::exists(source));
+            EXPECT_EQ(out.list(), QStringList()) << qPrintable(task->report());
+        }
+    }
+}
+
+} // namespace
+} // namespace nurv
