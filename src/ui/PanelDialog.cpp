@@ -22,6 +22,7 @@
 #include <QSlider>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <exception>
 
 using namespace Qt::StringLiterals;
@@ -37,16 +38,6 @@ constexpr int kLettersOfText = 44;
 constexpr int kLinesOfText = 14;
 constexpr int kLettersOfNumber = 9;
 constexpr int kLettersOfMessage = 60;
-
-QDialogButtonBox::ButtonRole roleOf(PanelButton::Role role)
-{
-    switch (role) {
-    case PanelButton::Role::Accept: return QDialogButtonBox::AcceptRole;
-    case PanelButton::Role::Dismiss: return QDialogButtonBox::RejectRole;
-    case PanelButton::Role::Stay: break;
-    }
-    return QDialogButtonBox::ActionRole;
-}
 
 QLabel *textLabel(const QString &text, const QString &objectName, QWidget *parent)
 {
@@ -75,9 +66,7 @@ PanelDialog::PanelDialog(const Panel &panel, QWidget *parent) : QDialog(parent),
     column->setSpacing(kSpacing);
     addMessage();
     addFields();
-    m_objection = textLabel({}, u"objection"_s, this);
-    m_objection->setMinimumHeight(m_objection->fontMetrics().lineSpacing());
-    column->addWidget(m_objection);
+    addObjection();
     addButtons();
     orderTabs();
     focusFirstField();
@@ -88,6 +77,22 @@ void PanelDialog::addMessage()
 {
     if (!m_panel.message.isEmpty())
         layout()->addWidget(textLabel(m_panel.message, u"message"_s, this));
+}
+
+/// Has its place where a field may object, so that nothing moves while the user types.
+void PanelDialog::addObjection()
+{
+    m_objection = textLabel({}, u"objection"_s, this);
+    m_objection->setMinimumHeight(m_objection->fontMetrics().lineSpacing());
+    m_mayObject = std::any_of(m_panel.fields.begin(), m_panel.fields.end(),
+                              [](const PanelField &field) { return static_cast<bool>(field.objection); });
+    layout()->addWidget(m_objection);
+}
+
+void PanelDialog::tell(const QString &objection)
+{
+    m_objection->setText(printableText(objection));
+    m_objection->setVisible(m_mayObject || !objection.isEmpty());
 }
 
 void PanelDialog::addFields()
@@ -115,8 +120,9 @@ void PanelDialog::addField(const PanelField &field)
     widget->setAccessibleName(field.title());
     widget->setAccessibleDescription(field.hint);
     widget->setToolTip(field.hint);
-    m_widgets.append(widget);
-    place(field, widget, isTall(field.control) || std::holds_alternative<CheckControl *>(field.control));
+    m_stops.append(widget);
+    const bool isBox = std::holds_alternative<CheckControl *>(field.control);
+    place(field, widget, isTall(field.control) || isBox || field.caption.isEmpty());
     connect(&field.base(), &Control::changed, this, &PanelDialog::showObjection);
 }
 
@@ -226,41 +232,53 @@ QWidget *PanelDialog::widgetFor(const PanelField &, PairsControl &control)
     return editor;
 }
 
+/// The platform orders those that end the panel; the others stand at the other side.
 void PanelDialog::addButtons()
 {
-    m_buttons = new QDialogButtonBox(this);
+    auto *const row = new QHBoxLayout;
+    auto *const ending = new QDialogButtonBox(this);
     int number = 0;
     for (const PanelButton &button : m_panel.buttons) {
-        QPushButton *const shown = m_buttons->addButton(button.title, roleOf(button.role));
+        auto *const shown = new QPushButton(button.title, this);
         shown->setObjectName(u"panelButton%1"_s.arg(++number));
         shown->setAccessibleName(QString(button.title).remove(u'&'));
         connect(shown, &QPushButton::clicked, this, [this, &button] { press(button); });
-        if (button.role == PanelButton::Role::Accept)
-            m_acceptingButtons.append(shown);
-        if (button.role == PanelButton::Role::Stay)
+        if (button.role == PanelButton::Role::Stay) {
             shown->setAutoDefault(false);
+            row->addWidget(shown);
+            m_stops.append(shown);
+        } else {
+            const bool accepts = button.role == PanelButton::Role::Accept;
+            ending->addButton(shown, accepts ? QDialogButtonBox::AcceptRole : QDialogButtonBox::RejectRole);
+            if (accepts)
+                m_acceptingButtons.append(shown);
+        }
     }
     if (!m_acceptingButtons.isEmpty())
         m_acceptingButtons.first()->setDefault(true);
-    layout()->addWidget(m_buttons);
+    for (int index = 0; index < ending->layout()->count(); ++index) {
+        if (QWidget *const button = ending->layout()->itemAt(index)->widget())
+            m_stops.append(button);
+    }
+    row->addStretch(1);
+    row->addWidget(ending);
+    static_cast<QVBoxLayout *>(layout())->addLayout(row);
 }
 
-/// The platform orders the buttons.
 void PanelDialog::orderTabs()
 {
-    QList<QWidget *> stops = m_widgets;
-    for (int index = 0; index < m_buttons->layout()->count(); ++index) {
-        if (QWidget *const button = m_buttons->layout()->itemAt(index)->widget())
-            stops.append(button);
+    QWidget *before = nullptr;
+    for (QWidget *const stop : std::as_const(m_stops)) {
+        if (before != nullptr)
+            setTabOrder(before, stop);
+        before = stop;
     }
-    for (qsizetype index = m_widgets.size(); index > 0 && index < stops.size(); ++index)
-        setTabOrder(stops.at(index - 1), stops.at(index));
 }
 
 /// What it holds is selected, so that typing replaces it.
 void PanelDialog::focusFirstField()
 {
-    for (QWidget *const widget : std::as_const(m_widgets)) {
+    for (QWidget *const widget : std::as_const(m_stops)) {
         QWidget *const field = widget->focusProxy() != nullptr ? widget->focusProxy() : widget;
         if (field->focusPolicy() == Qt::NoFocus || !field->isEnabledTo(this) || !field->isVisibleTo(this))
             continue;
@@ -284,14 +302,14 @@ void PanelDialog::press(const PanelButton &button)
             button.action();
     } catch (const std::exception &failure) {
         qCCritical(appLog).noquote() << "A button of a panel:" << failure.what();
-        m_objection->setText(printableText(QString::fromUtf8(failure.what())));
+        tell(QString::fromUtf8(failure.what()));
     }
 }
 
 void PanelDialog::showObjection()
 {
     const QString reason = m_panel.objection();
-    m_objection->setText(printableText(reason));
+    tell(reason);
     for (QPushButton *const button : std::as_const(m_acceptingButtons)) {
         button->setEnabled(reason.isEmpty());
         button->setAccessibleDescription(reason);

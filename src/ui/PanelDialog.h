@@ -6,7 +6,6 @@
 
 #include <QDialog>
 
-class QDialogButtonBox;
 class QGridLayout;
 class QLabel;
 class QPushButton;
@@ -31,6 +30,7 @@ protected:
 private:
     void addMessage();
     void addFields();
+    void addObjection();
     void addField(const PanelField &field);
     /// Side by side with its caption, or below it and as wide as the dialog.
     void place(const PanelField &field, QWidget *widget, bool isWide);
@@ -38,6 +38,7 @@ private:
     void orderTabs();
     void focusFirstField();
     void press(const PanelButton &button);
+    void tell(const QString &objection);
     void showObjection();
 
     // Each makes the widget of a kind of control.
@@ -53,9 +54,9 @@ private:
     const Panel &m_panel;
     QGridLayout *m_grid = nullptr;
     QLabel *m_objection = nullptr;
-    QDialogButtonBox *m_buttons = nullptr;
+    bool m_mayObject = false;
     QList<QPushButton *> m_acceptingButtons;
-    QList<QWidget *> m_widgets; ///< of the fields, in their order
+    QList<QWidget *> m_stops; ///< of the keyboard: fields, then buttons
 };
 
 } // namespace nurv
