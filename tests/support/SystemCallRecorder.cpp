@@ -223,6 +223,15 @@ int posix_fallocate(int file, off_t offset, off_t length)
     return result < 0 ? errno : result;
 }
 
+// There is a type of that name, too.
+int recordedFlock(int file, int operation) noexcept __asm__("flock");
+
+int recordedFlock(int file, int operation) noexcept
+{
+    static auto *const real = next<int(int, int)>("flock");
+    return recorded("flock", file, [&] { return real(file, operation); });
+}
+
 int close(int file)
 {
     static auto *const real = next<int(int)>("close");

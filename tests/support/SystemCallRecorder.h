@@ -16,7 +16,7 @@ namespace nurv::test {
 /// For test programs that link nurv_system_calls, whose functions stand before those of the system.
 ///
 ///     fsync PATH    fdatasync PATH    write PATH    pwrite PATH    ftruncate PATH    posix_fallocate PATH
-///     fchown PATH    close PATH    rename FROM TO    link FROM TO    unlink PATH
+///     fchown PATH    flock PATH    close PATH    rename FROM TO    link FROM TO    unlink PATH
 ///
 /// Paths are absolute. A file without a name is that of its folder with "/?" behind it.
 class SystemCallRecorder {
