@@ -132,6 +132,37 @@ TEST_F(GuardedFilesTest, OneThatWasNotReplacedGetsNoTagsOfTheSource)
     EXPECT_EQ(out.read(u"a.flac"_s), before);
 }
 
+TEST_F(GuardedFilesTest, TheSourceIsNoneThatMayBeReplaced)
+{
+    const QString flac = test::writeFlac(folder.path(u"a.flac"_s));
+    const QByteArray before = folder.read(u"a.flac"_s);
+    tools.addFake(u"flac"_s, "create=@-1");
+    EncodeTab tab(controller);
+    tab.sourceEncodeButton.setOn(true);
+    tab.originals.existingOutputs = ExistingOutputs::Replace;
+    runBeside(tab, {flac});
+    ASSERT_EQ(endedTasks.size(), 1U);
+    EXPECT_TRUE(endedTasks[0]->report().contains(u"its output would replace it"_s)) << qPrintable(endedTasks[0]->report());
+    EXPECT_EQ(folder.read(u"a.flac"_s), before);
+}
+
+TEST_F(GuardedFilesTest, OneIsNotReplacedByTheSoundOfADamagedSource)
+{
+    test::writeFlac(folder.path(u"a.flac"_s));
+    QByteArray bytes = folder.read(u"a.flac"_s);
+    folder.write(u"a.flac"_s, bytes.replace(26, 16, QByteArray(16, 'x'))); // the MD5 of its samples
+    out.write(u"a.wav"_s, "old");
+    tools.addReal(u"flac"_s);
+    DecodeTab tab(controller);
+    tab.decodeFlacThroughErrors.setOn(true);
+    tab.originals.existingOutputs = ExistingOutputs::Replace;
+    run(tab, {folder.path(u"a.flac"_s)});
+    ASSERT_EQ(endedTasks.size(), 1U);
+    EXPECT_TRUE(endedTasks[0]->error());
+    EXPECT_EQ(out.list(), QStringList{u"a.wav"_s});
+    EXPECT_EQ(out.read(u"a.wav"_s), "old");
+}
+
 TEST_F(GuardedFilesTest, TheSourceGoesWhenTheJournalIsOnTheDisk)
 {
     const QString wav = test::writeWav(folder.path(u"a.wav"_s));

@@ -105,6 +105,20 @@ TEST_F(GuardedStagesTest, AnOutputThatGoesWhileItGetsItsTagsFailsTheJob)
     EXPECT_TRUE(task->report().contains(u"made no output"_s)) << qPrintable(task->report());
 }
 
+TEST_F(GuardedStagesTest, AnOutputGoesWhoseJobIsCancelledWhileItGetsItsTags)
+{
+    const QString source = test::writeByFfmpeg(folder.path(u"a.m4a"_s), {},
+                                               {u"-c:a"_s, u"alac"_s, u"-metadata"_s, u"title=Song"_s});
+    tools.addReal(u"wavpack"_s);
+    const auto task = makeEncoder(source, u"WV"_s);
+    test::SystemCallRecorder calls;
+    calls.before(u"fdatasync "_s + out.path(u"a.wv"_s), [&] { task->cancelTask(); });
+    runJob(task);
+    EXPECT_EQ(task->textField().text, u"Canceled");
+    EXPECT_EQ(out.list(), QStringList()) << "nobody knows which of its tags it has";
+    EXPECT_TRUE(QFile::exists(source));
+}
+
 TEST_F(GuardedStagesTest, AnOutputIsFlushedBehindItsTagsAndBeforeItsSourceGoes)
 {
     const QString source = test::writeByFfmpeg(folder.path(u"a.m4a"_s), {},
