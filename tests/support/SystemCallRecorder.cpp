@@ -38,6 +38,14 @@ struct Record {
 
 std::atomic<Record *> g_record = nullptr;
 
+/// Lives as long as the process: a thread may be in it when its recorder goes.
+Record *newRecord()
+{
+    static auto *const all = new QList<Record *>;
+    all->append(new Record);
+    return all->last();
+}
+
 /// The system's own function, which stands behind the one of this file.
 template<typename Function>
 Function *next(const char *name)
@@ -124,12 +132,11 @@ int recordedNames(const char *name, const QString &from, const QString &to, cons
 
 SystemCallRecorder::SystemCallRecorder()
 {
-    g_record = new Record;
+    g_record = newRecord();
 }
 
 SystemCallRecorder::~SystemCallRecorder()
 {
-    // Not deleted: a thread may be in it.
     g_record = nullptr;
 }
 
