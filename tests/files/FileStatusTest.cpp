@@ -17,7 +17,7 @@ using namespace Qt::StringLiterals;
 namespace nurv {
 namespace {
 
-TEST(FileFacts, TellTheSmallestChangeOfAFile)
+TEST(FileStatus, TellTheSmallestChangeOfAFile)
 {
     const test::TestFolder folder;
     const std::optional<struct stat> before = statusOf(folder.write(u"a"_s, "sound"));
@@ -36,7 +36,7 @@ TEST(FileFacts, TellTheSmallestChangeOfAFile)
     }
 }
 
-TEST(FileFacts, TellThatAFileWasWrittenWhoseTimeWasPutBack)
+TEST(FileStatus, TellThatAFileWasWrittenWhoseTimeWasPutBack)
 {
     const test::TestFolder folder;
     const QString path = folder.write(u"a"_s, "sound");
@@ -57,7 +57,7 @@ TEST(FileFacts, TellThatAFileWasWrittenWhoseTimeWasPutBack)
     EXPECT_FALSE(isUntouched(*before, *now));
 }
 
-TEST(FileFacts, SeeALinkThatLeadsNowhere)
+TEST(FileStatus, SeeALinkThatLeadsNowhere)
 {
     const test::TestFolder folder;
     const QString link = folder.makeLink(u"link"_s, folder.path(u"nowhere"_s));
