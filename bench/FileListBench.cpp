@@ -32,12 +32,8 @@ constexpr int kFilesInFolder = 100;
 class NoPrompts final : public UserPrompts {
 public:
     QString ask(const Alert &) override { return {}; }
-    QStringList chooseFiles(const FileChooser &) override { return {}; }
-    std::optional<QString> chooseFolder(const FileChooser &) override { return std::nullopt; }
-    std::optional<QString> chooseSavePath(const QString &, const std::optional<QString> &) override
-    {
-        return std::nullopt;
-    }
+    QStringList choose(const FileChooser &) override { return {}; }
+    bool runPanel(const Panel &) override { return false; }
 };
 
 void makeFiles(const QString &root)

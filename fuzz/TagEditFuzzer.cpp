@@ -48,10 +48,10 @@ public:
         const std::size_t from = std::min(start, m_expected.size());
         const std::size_t count = std::min(length, m_expected.size() - from);
         if (kind == 0) {
-            m_stream.insert(vectorOf(added), start, length);
+            m_stream.insert(vectorOf(added), static_cast<TagEditStream::Start>(start), length);
             m_expected.replace(from, count, added);
         } else if (kind == 1) {
-            m_stream.removeBlock(start, length);
+            m_stream.removeBlock(static_cast<TagEditStream::Start>(start), length);
             m_expected.erase(from, count);
         } else if (kind == 2) {
             m_stream.truncate(static_cast<long>(start));

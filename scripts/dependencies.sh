@@ -2,7 +2,7 @@
 # SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 # SPDX-License-Identifier: GPL-3.0-or-later
 
-# The packages of Debian 12 that the project needs, by purpose. Sourced by the
+# The packages of Debian 12 and 13 that the project needs, by purpose. Sourced by the
 # scripts at the root of the tree.
 
 readonly NURV_BUILD_PACKAGES=(

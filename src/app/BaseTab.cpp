@@ -212,7 +212,8 @@ void BaseTab::deleteSelectedRows(const QList<int> &rows)
 std::optional<QString> BaseTab::chooseOutputFolder()
 {
     try {
-        return m_controller.prompts().chooseFolder({.title = u"Choose output directory"_s, .buttonText = {}});
+        return m_controller.prompts().chooseFolder(
+            {.title = u"Choose output directory"_s, .option = u"output-dir"_s});
     } catch (const std::exception &failure) {
         qCWarning(appLog) << "The output folder could not be chosen:" << failure.what();
         return std::nullopt;
@@ -221,7 +222,8 @@ std::optional<QString> BaseTab::chooseOutputFolder()
 
 std::optional<QString> BaseTab::openSavePanel(const QString &suggestedName, const std::optional<QString> &title)
 {
-    return m_controller.prompts().chooseSavePath(suggestedName, title);
+    return m_controller.prompts().chooseSavePath(
+        {.title = title.value_or(QString()), .suggestedName = suggestedName, .option = u"output"_s});
 }
 
 bool BaseTab::confirmDeletingOriginals(bool deleteOriginals)

@@ -112,14 +112,14 @@ void ChoiceControl::bindToSetting(const QString &key)
         key, [this] { return m_selectedIndex; }, [this](int stored) { setSelectedIndex(stored); });
 }
 
-SliderControl::SliderControl(int minimum, int maximum, int step, int value)
+NumberControl::NumberControl(int minimum, int maximum, int step, int value)
     : m_minimum(minimum), m_maximum(maximum), m_step(step), m_value(minimum)
 {
-    Q_ASSERT(minimum <= maximum && step > 0 && (maximum - minimum) % step == 0);
+    Q_ASSERT(minimum <= maximum && step > 0 && (std::int64_t{maximum} - minimum) % step == 0);
     setIntegerValue(value);
 }
 
-void SliderControl::setIntegerValue(int value)
+void NumberControl::setIntegerValue(int value)
 {
     const std::int64_t offset = std::clamp(value, m_minimum, m_maximum) - std::int64_t{m_minimum};
     const std::int64_t steps = (offset + m_step / 2) / m_step;
@@ -128,7 +128,7 @@ void SliderControl::setIntegerValue(int value)
         announceValue();
 }
 
-void SliderControl::bindToSetting(const QString &key)
+void NumberControl::bindToSetting(const QString &key)
 {
     bindInteger(
         key, [this] { return m_value; }, [this](int stored) { setIntegerValue(stored); });

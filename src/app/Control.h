@@ -87,12 +87,11 @@ private:
     int m_selectedIndex;
 };
 
-/// A slider over whole numbers.
-class SliderControl final : public Control {
+/// A whole number within a range and on its steps.
+class NumberControl : public Control {
     Q_OBJECT
 
 public:
-    SliderControl(int minimum, int maximum, int step, int value);
     [[nodiscard]] int minimum() const { return m_minimum; }
     [[nodiscard]] int maximum() const { return m_maximum; }
     [[nodiscard]] int step() const { return m_step; }
@@ -103,11 +102,30 @@ public:
     void setIntegerValue(int value);
     void bindToSetting(const QString &key);
 
+protected:
+    NumberControl(int minimum, int maximum, int step, int value);
+
 private:
     int m_minimum;
     int m_maximum;
     int m_step;
     int m_value;
+};
+
+/// A number that the user slides.
+class SliderControl final : public NumberControl {
+    Q_OBJECT
+
+public:
+    SliderControl(int minimum, int maximum, int step, int value) : NumberControl(minimum, maximum, step, value) {}
+};
+
+/// A number that the user types or steps to.
+class StepperControl final : public NumberControl {
+    Q_OBJECT
+
+public:
+    StepperControl(int minimum, int maximum, int value, int step = 1) : NumberControl(minimum, maximum, step, value) {}
 };
 
 /// A line of text that the user reads.

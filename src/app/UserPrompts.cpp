@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/UserPrompts.h"
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace nurv {
@@ -13,6 +15,34 @@ QString dismissingButton(const Alert &alert)
             return button;
     }
     return alert.buttons.isEmpty() ? QString() : alert.buttons.last();
+}
+
+QStringList UserPrompts::chooseFiles(FileChooser chooser)
+{
+    chooser.kind = FileChooser::Kind::Files;
+    return choose(chooser);
+}
+
+std::optional<QString> UserPrompts::chooseFile(FileChooser chooser)
+{
+    return chooseOne(std::move(chooser), FileChooser::Kind::File);
+}
+
+std::optional<QString> UserPrompts::chooseFolder(FileChooser chooser)
+{
+    return chooseOne(std::move(chooser), FileChooser::Kind::Folder);
+}
+
+std::optional<QString> UserPrompts::chooseSavePath(FileChooser chooser)
+{
+    return chooseOne(std::move(chooser), FileChooser::Kind::Save);
+}
+
+std::optional<QString> UserPrompts::chooseOne(FileChooser chooser, FileChooser::Kind kind)
+{
+    chooser.kind = kind;
+    const QStringList chosen = choose(chooser);
+    return chosen.isEmpty() ? std::nullopt : std::optional(chosen.first());
 }
 
 } // namespace nurv

@@ -9,6 +9,8 @@
 
 namespace nurv {
 
+struct Panel;
+
 /// A modal question or message.
 struct Alert {
     QString title;
@@ -20,9 +22,17 @@ struct Alert {
 /// one, else the last. Empty without buttons.
 [[nodiscard]] QString dismissingButton(const Alert &alert);
 
+/// What the user is to choose in the file system.
 struct FileChooser {
+    enum class Kind { File, Files, Folder, Save };
+
     QString title;
-    QString buttonText; ///< empty: the platform's own text
+    QString buttonText = {}; ///< empty: the platform's own text
+    Kind kind = Kind::Files;
+    QStringList extensions = {}; ///< of the files that are offered, in lower case; empty: of any kind
+    QString suggestedName = {};  ///< of a file to save
+    /// The option that answers it on the command line; without one nothing is chosen there.
+    QString option = {};
 };
 
 /// Everything that a tab or the application asks the user. The window answers
@@ -35,14 +45,25 @@ public:
     /// Returns the chosen button's text. Dismissing the alert chooses its
     /// `dismissingButton`.
     virtual QString ask(const Alert &alert) = 0;
-    /// Returns the chosen files; empty when cancelled.
-    virtual QStringList chooseFiles(const FileChooser &chooser) = 0;
-    /// Returns the chosen folder, which exists; nothing when cancelled.
-    virtual std::optional<QString> chooseFolder(const FileChooser &chooser) = 0;
-    /// Returns the chosen path; nothing when cancelled. The user has agreed to
-    /// replace a file that exists there.
-    virtual std::optional<QString> chooseSavePath(const QString &suggestedName,
-                                                  const std::optional<QString> &title) = 0;
+    /// Returns absolute paths, more than one of `Kind::Files` only; empty when cancelled. The
+    /// files and folders exist; to replace one that is to be saved the user has agreed.
+    virtual QStringList choose(const FileChooser &chooser) = 0;
+    /// Lets the user change the controls of the panel. Returns whether it was accepted, with
+    /// nothing that its fields object to. What was typed stays in the controls either way.
+    [[nodiscard]] virtual bool runPanel(const Panel &panel) = 0;
+
+    // The kinds of `choose`.
+
+    [[nodiscard]] QStringList chooseFiles(FileChooser chooser);
+    /// One file; nothing when cancelled.
+    [[nodiscard]] std::optional<QString> chooseFile(FileChooser chooser);
+    /// A folder, nothing when cancelled.
+    [[nodiscard]] std::optional<QString> chooseFolder(FileChooser chooser);
+    /// The path of a file to write, nothing when cancelled.
+    [[nodiscard]] std::optional<QString> chooseSavePath(FileChooser chooser);
+
+private:
+    [[nodiscard]] std::optional<QString> chooseOne(FileChooser chooser, FileChooser::Kind kind);
 };
 
 } // namespace nurv

@@ -63,11 +63,12 @@ const AVCodec *encoderFor(FourCharCode formatId)
 
 bool takesRate(const AVCodec &codec, int rate)
 {
-    for (const int *known = codec.supported_samplerates; known && *known != 0; ++known) {
+    const int *const rates = libAv::supportedRates(codec);
+    for (const int *known = rates; known && *known != 0; ++known) {
         if (*known == rate)
             return true;
     }
-    return codec.supported_samplerates == nullptr;
+    return rates == nullptr;
 }
 
 AudioFileStatus refused(const char *what, int error)

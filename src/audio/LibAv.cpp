@@ -31,14 +31,24 @@ QString errorText(int error)
     return QString::fromLocal8Bit(text);
 }
 
+const int *supportedRates(const AVCodec &encoder)
+{
+#if LIBAVCODEC_VERSION_INT >= AV_VERSION_INT(61, 13, 100) // FFmpeg 7.1 deprecates the member
+    const void *rates = nullptr;
+    const int error = avcodec_get_supported_config(nullptr, &encoder, AV_CODEC_CONFIG_SAMPLE_RATE, 0, &rates, nullptr);
+    return error < 0 ? nullptr : static_cast<const int *>(rates);
+#else
+    return encoder.supported_samplerates;
+#endif
+}
+
 void Deleter::operator()(AVIOContext *io) const
 {
     av_freep(&io->buffer);
     avio_context_free(&io);
 }
 
-Io makeIo(void *opaque, int (*read)(void *, uint8_t *, int), int (*write)(void *, uint8_t *, int),
-          int64_t (*seek)(void *, int64_t, int))
+Io makeIo(void *opaque, ReadCallback read, WriteCallback write, SeekCallback seek)
 {
     auto *buffer = static_cast<unsigned char *>(av_malloc(kIoBufferSize));
     if (!buffer)

@@ -25,6 +25,9 @@ void prepare();
 /// The library's text for one of its error numbers.
 [[nodiscard]] QString errorText(int error);
 
+/// The sample rates in Hz that an encoder takes, ended by a 0; null when it takes any.
+[[nodiscard]] const int *supportedRates(const AVCodec &encoder);
+
 struct Deleter {
     /// Of a context over a callback: its buffer goes with it.
     void operator()(AVIOContext *io) const;
@@ -48,9 +51,13 @@ using Resampler = std::unique_ptr<SwrContext, Deleter>;
 using Input = std::unique_ptr<AVFormatContext, InputCloser>;
 using Output = std::unique_ptr<AVFormatContext, OutputDeleter>;
 
+using ReadCallback = decltype(AVIOContext::read_packet);
+/// Its bytes are constant from FFmpeg 7 on.
+using WriteCallback = decltype(AVIOContext::write_packet);
+using SeekCallback = decltype(AVIOContext::seek);
+
 /// An I/O context over callbacks, with a buffer of its own; null without memory.
 /// A context for writing has no read callback.
-[[nodiscard]] Io makeIo(void *opaque, int (*read)(void *, uint8_t *, int), int (*write)(void *, uint8_t *, int),
-                        int64_t (*seek)(void *, int64_t, int));
+[[nodiscard]] Io makeIo(void *opaque, ReadCallback read, WriteCallback write, SeekCallback seek);
 
 } // namespace nurv::libAv

@@ -54,7 +54,9 @@ std::int64_t seekBack(void *opaque, std::int64_t offset, int whence)
     }
 }
 
-int writeBytes(void *opaque, std::uint8_t *bytes, int size)
+/// `Byte` is what the callback of the installed FFmpeg has: bytes or constant bytes.
+template<typename Byte>
+int writeBytes(void *opaque, Byte *bytes, int size)
 {
     auto *file = static_cast<AudioOutputFile *>(opaque);
     return file->write(bytes, static_cast<std::size_t>(size)) ? size : AVERROR(file->error());

@@ -113,6 +113,14 @@ std::optional<int> ParsedArguments::number(const QString &name) const
     return isNumber ? std::optional(result) : std::nullopt;
 }
 
+QStringList ParsedArguments::values(const QString &name) const
+{
+    if (has(name))
+        return options.value(name);
+    const QString standard = standards.value(name);
+    return standard.isEmpty() ? QStringList() : QStringList(standard);
+}
+
 ParsedArguments parseArguments(const CommandSpec &command, const QList<QByteArray> &words)
 {
     ParsedArguments result;
@@ -143,11 +151,11 @@ ParsedArguments parseArguments(const CommandSpec &command, const QList<QByteArra
         if (!option->takesValue()) {
             if (equals >= 0)
                 throw UsageError(u"--%1 takes no value"_s.arg(name));
-            result.options.insert(name, QString());
+            result.options[name].append(QString());
         } else if (equals >= 0) {
-            result.options.insert(name, optionValue(*option, word.mid(equals + 1)));
+            result.options[name].append(optionValue(*option, word.mid(equals + 1)));
         } else if (i + 1 < words.size()) {
-            result.options.insert(name, optionValue(*option, words[++i]));
+            result.options[name].append(optionValue(*option, words[++i]));
         } else {
             throw UsageError(u"--%1 needs a value (%2)"_s.arg(name, option->valueName));
         }

@@ -22,19 +22,26 @@ public:
 
 /// The words after a command, taken apart.
 struct ParsedArguments {
-    QHash<QString, QString> options;   ///< value by name; empty for options without one, words of a choice in lower case
+    /// Values by name, one for each time that it was given; an empty one for options without, words of a choice in lower
+    /// case.
+    QHash<QString, QStringList> options;
     QHash<QString, QString> standards; ///< of the options that have one
     QList<QByteArray> operands;        ///< everything else, as bytes: they name files
 
     [[nodiscard]] bool has(const QString &name) const { return options.contains(name); }
-    /// The value that counts: the given one, else the option's standard, else empty.
-    [[nodiscard]] QString value(const QString &name) const { return options.value(name, standards.value(name)); }
+    /// The value that counts: the last one given, else the option's standard, else empty.
+    [[nodiscard]] QString value(const QString &name) const
+    {
+        return has(name) ? options.value(name).last() : standards.value(name);
+    }
+    /// Every value given, else the option's standard, else none.
+    [[nodiscard]] QStringList values(const QString &name) const;
     /// The same as a number; nothing without one. The option is one of numbers.
     [[nodiscard]] std::optional<int> number(const QString &name) const;
 };
 
 /// Takes the words apart: `--name`, `--name value`, `--name=value`, in any order
-/// with operands; `--` ends the options; the last of repeated options counts.
+/// with operands; `--` ends the options; options may be repeated.
 /// Throws UsageError.
 [[nodiscard]] ParsedArguments parseArguments(const CommandSpec &command, const QList<QByteArray> &words);
 

@@ -31,29 +31,21 @@ namespace nurv {
 
 namespace {
 
-/// The folder of --output-dir; nothing with --beside-source, and when the terminal
-/// will be asked for it. Throws UsageError.
-std::optional<QString> outputFolder(const ParsedArguments &arguments)
+/// The answers of the options, with the output folder looked at before anything else is done. Throws UsageError.
+PromptAnswers checkedAnswers(const CommandSpec &command, const ParsedArguments &arguments)
 {
-    if (arguments.has(u"beside-source"_s))
-        return std::nullopt;
-    if (!arguments.has(u"output-dir"_s)) {
+    const QString kOption = u"output-dir"_s;
+    PromptAnswers answers = answersOf(command, arguments);
+    if (!command.option(kOption) || arguments.has(u"beside-source"_s))
+        return answers;
+    if (!arguments.has(kOption)) {
         if (!Console::canAsk())
             throw UsageError(u"--output-dir DIR or --beside-source is needed"_s);
-        return std::nullopt;
+        return answers;
     }
-    const OutputFolder folder = checkOutputFolder(arguments.value(u"output-dir"_s));
+    const OutputFolder folder = checkOutputFolder(arguments.value(kOption));
     if (!folder.obstacle.isEmpty())
         throw UsageError(folder.obstacle);
-    return folder.path;
-}
-
-PromptAnswers answersOf(const ParsedArguments &arguments)
-{
-    PromptAnswers answers;
-    answers.outputFolder = outputFolder(arguments);
-    if (arguments.has(u"yes"_s) || arguments.has(u"no"_s))
-        answers.answerAll = arguments.has(u"yes"_s);
     return answers;
 }
 
@@ -114,7 +106,7 @@ std::unique_ptr<BaseTab> BatchCommand::tabFor(NURVController &controller, const 
 
 ExitStatus BatchCommand::run(const ParsedArguments &arguments, Console &console) const
 {
-    ConsolePrompts prompts(console, answersOf(arguments));
+    ConsolePrompts prompts(console, checkedAnswers(spec(), arguments));
     if (tellOfUnfinishedWork(console) && arguments.has(u"skip-existing"_s)) {
         console.writeNote(u"--skip-existing could take an unfinished file for a finished one: nothing was done"_s);
         return ExitStatus::Failed;

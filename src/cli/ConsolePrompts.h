@@ -2,7 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "app/Panel.h"
 #include "app/UserPrompts.h"
+#include "cli/ArgumentParser.h"
+
+#include <QHash>
 
 #include <functional>
 #include <optional>
@@ -14,9 +18,13 @@ class Console;
 
 /// What the options say to the questions of a tab.
 struct PromptAnswers {
-    std::optional<QString> outputFolder; ///< the answer to a folder chooser; else the terminal is asked
-    std::optional<bool> answerAll;       ///< --yes, --no
+    /// The values of every option that was given or has a standard, by its name. Choosers and the fields of panels
+    /// look for the option that they are named after.
+    QHash<QString, QStringList> options;
+    std::optional<bool> answerAll; ///< --yes, --no
 };
+
+[[nodiscard]] PromptAnswers answersOf(const CommandSpec &command, const ParsedArguments &arguments);
 
 /// The prompts of the command line: answered by the options, else by a question
 /// on the terminal, else by the answer that changes nothing, with a text that
@@ -44,14 +52,25 @@ public:
     [[nodiscard]] Outcome outcome() const { return m_outcome; }
 
     QString ask(const Alert &alert) override;
-    QStringList chooseFiles(const FileChooser &chooser) override;
-    std::optional<QString> chooseFolder(const FileChooser &chooser) override;
-    std::optional<QString> chooseSavePath(const QString &suggestedName, const std::optional<QString> &title) override;
+    QStringList choose(const FileChooser &chooser) override;
+    bool runPanel(const Panel &panel) override;
 
 private:
     QString answered(const Alert &alert, const QString &button);
     QString askOnTerminal(const Alert &alert);
+    /// False when the option's words do not fit: that was told.
+    [[nodiscard]] bool answerByOption(const PanelField &field);
+    [[nodiscard]] bool askForField(const PanelField &field);
+    [[nodiscard]] std::optional<QStringList> readWords(const PanelField &field);
+    [[nodiscard]] QStringList chooseByOption(const FileChooser &chooser);
+    [[nodiscard]] QStringList chooseOnTerminal(const FileChooser &chooser);
+    /// Whether what is there, if anything, may be replaced.
+    [[nodiscard]] bool mayWrite(const QString &path);
+    /// What was asked for is not to be had, and that is the fault of the command line.
+    void refuse(const QString &reason);
     std::optional<QString> readLine();
+    /// The same on a line that was begun; at the end of the input the user does not want to go on.
+    std::optional<QString> readAnswer();
 
     Console &m_console;
     PromptAnswers m_answers;

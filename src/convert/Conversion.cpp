@@ -336,8 +336,10 @@ void Conversion::noteLost(const QString &whyItStays, const QString &problem)
 
 void Conversion::noteComplete()
 {
-    if (m_replaced && hasMadeOutput())
+    if (m_replaced && hasMadeOutput()) {
         m_replaced->passOnPermissions(m_since);
+        m_replaced->flushNewFile();
+    }
     if (m_hasBegunOutput && m_batch && m_batch->journal && !m_task.error() && !m_task.cancelled())
         m_batch->journal->markEnded(outputFile());
 }

@@ -163,7 +163,7 @@ void ConversionTask::removeHalfMadeFiles() const
     // Nothing had that name when the program was started.
     if (exit->signal != 0)
         removeHalfMade(temporaryOf(outputFile()));
-    if (isCut && !outputExisted() && !outputIsSource())
+    if (isCut && !outputExisted())
         removeHalfMade(outputFile());
 }
 

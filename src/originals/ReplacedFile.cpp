@@ -7,6 +7,7 @@
 #include "base/Log.h"
 #include "base/NurvFailure.h"
 #include "base/SystemError.h"
+#include "files/FileFlush.h"
 #include "files/FileRename.h"
 #include "files/FileStatus.h"
 #include "files/FolderEntry.h"
@@ -74,16 +75,27 @@ void ReplacedFile::passOnPermissions(const timespec &since) const
         qCWarning(originalsLog).noquote() << "Permissions not kept:" << m_path << systemErrorText(errno);
 }
 
+void ReplacedFile::flushNewFile()
+{
+    m_isNewFileFlushed = m_isNewFileFlushed || flushToDisk(m_path);
+}
+
 void ReplacedFile::retire()
 {
     if (m_aside.isEmpty())
         return;
-    if (Util::removeFile(m_aside, m_path) == Util::Removal::Stayed) {
-        const QString aside = std::exchange(m_aside, QString());
-        throw NurvFailure(u"the file that was replaced could not be removed and is %1 now"_s.arg(
-            lastPathComponent(aside)));
-    }
+    flushNewFile();
+    if (!m_isNewFileFlushed)
+        stayAside(u"the file that was replaced is %1 now, since the new one may not be on the disk yet"_s);
+    if (Util::removeFile(m_aside, m_path) == Util::Removal::Stayed)
+        stayAside(u"the file that was replaced could not be removed and is %1 now"_s);
     forget();
+}
+
+/// For good, with that reason, which has a place for its name.
+void ReplacedFile::stayAside(const QString &reason)
+{
+    throw NurvFailure(reason.arg(lastPathComponent(std::exchange(m_aside, QString()))));
 }
 
 void ReplacedFile::putBack()

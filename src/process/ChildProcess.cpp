@@ -305,11 +305,6 @@ void ChildProcess::childExited()
         return;
     m_exitNotifier->setEnabled(false);
     m_exitNotifier.release()->deleteLater();
-    if (m_killTimer) {
-        // What the child has left of its group; the number is its own until it is reaped.
-        ::kill(-m_pid, SIGKILL);
-        m_killTimer.reset();
-    }
     m_exit = reap(std::exchange(m_pid, -1), m_pidFd);
     closeFd(m_pidFd);
     if (m_outputFd >= 0) {
@@ -368,20 +363,6 @@ void ChildProcess::countAsFinished()
 int ChildProcess::unfinishedCount()
 {
     return g_unfinished;
-}
-
-void ChildProcess::terminate()
-{
-    if (m_pid < 0)
-        return;
-    ::kill(-m_pid, SIGTERM);
-    m_killTimer = std::make_unique<QTimer>();
-    m_killTimer->setSingleShot(true);
-    connect(m_killTimer.get(), &QTimer::timeout, this, [this] {
-        if (m_pid >= 0)
-            ::kill(-m_pid, SIGKILL);
-    });
-    m_killTimer->start(kKillGrace);
 }
 
 namespace {

@@ -78,8 +78,6 @@ public:
     [[nodiscard]] bool isRunning() const;
     /// How the child ended; nothing before `finished`.
     [[nodiscard]] std::optional<ChildExit> exitState() const { return m_exit; }
-    /// SIGTERM to the process group, SIGKILL 500 ms later to what is left of it.
-    void terminate();
 
     /// How many have been started and not emitted `finished` yet: their programs may have ended
     /// before their output does. Any thread.
@@ -105,7 +103,6 @@ private:
     std::unique_ptr<QSocketNotifier> m_outputNotifier;
     std::unique_ptr<QSocketNotifier> m_exitNotifier;
     std::unique_ptr<QTimer> m_heldPipeTimer;
-    std::unique_ptr<QTimer> m_killTimer;
     std::optional<ChildExit> m_exit;
     bool m_isUnfinished = false; ///< from the start of the program to `finished`
 };

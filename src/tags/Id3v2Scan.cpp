@@ -37,6 +37,9 @@ constexpr std::int64_t kMiB = std::int64_t{1} << 20;
 constexpr std::int64_t kMostInflated = 32 * kMiB;
 // Compressed bytes may stand for nothing at all, again and again.
 constexpr std::int64_t kMostInflatedFrom = 64 * kMiB;
+// Of a frame, before and from version 2.3 on.
+constexpr unsigned int kOldHeadSize = 6;
+constexpr unsigned int kHeadSize = 10;
 constexpr unsigned int kDataLengthSize = 4;
 constexpr unsigned int kChapterTimesSize = 16;
 
@@ -88,7 +91,7 @@ private:
     unsigned int scanFrame(ByteVector data, int depth)
     {
         const FrameHeader header(data, m_version);
-        const unsigned int headSize = FrameHeader::size(m_version);
+        const unsigned int headSize = m_version < 3 ? kOldHeadSize : kHeadSize;
         if (!isFrameId(header.frameID(), m_version) || header.frameSize() > data.size()
             || header.frameSize() <= (header.dataLengthIndicator() ? kDataLengthSize : 0))
             return 0;

@@ -6,6 +6,7 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <cstddef>
 
 using namespace Qt::StringLiterals;
 
@@ -77,7 +78,7 @@ std::optional<Mp4Movie> Mp4Movie::of(TagLib::IOStream &file, const Mp4Layout &la
         return std::nullopt;
     const std::int64_t length = box->size - box->headerSize;
     file.seek(box->contents());
-    const TagLib::ByteVector bytes = file.readBlock(static_cast<unsigned long>(length));
+    const TagLib::ByteVector bytes = file.readBlock(static_cast<std::size_t>(length));
     if (bytes.size() != static_cast<std::uint64_t>(length))
         return std::nullopt;
     Mp4Movie movie(QByteArray(bytes.data(), length));

@@ -179,17 +179,17 @@ bool TagEditStream::isOpen() const
     return m_file.isOpen();
 }
 
-long TagEditStream::tell() const
+TagEditStream::Offset TagEditStream::tell() const
 {
     return m_position;
 }
 
-long TagEditStream::length()
+TagEditStream::Offset TagEditStream::length()
 {
     return m_length;
 }
 
-void TagEditStream::seek(long offset, Position position)
+void TagEditStream::seek(Offset offset, Position position)
 {
     std::int64_t origin = 0;
     if (position == Current)
@@ -201,7 +201,7 @@ void TagEditStream::seek(long offset, Position position)
         m_position = target;
 }
 
-TagLib::ByteVector TagEditStream::readBlock(unsigned long length)
+TagLib::ByteVector TagEditStream::readBlock(Size length)
 {
     if (!isOpen() || m_position >= m_length)
         return {};
@@ -258,17 +258,17 @@ void TagEditStream::writeBlock(const TagLib::ByteVector &data)
     m_position += data.size();
 }
 
-void TagEditStream::insert(const TagLib::ByteVector &data, unsigned long start, unsigned long replace)
+void TagEditStream::insert(const TagLib::ByteVector &data, Start start, Size replace)
 {
     replaceRange(static_cast<std::int64_t>(start), static_cast<std::int64_t>(replace), data.data(), data.size());
 }
 
-void TagEditStream::removeBlock(unsigned long start, unsigned long length)
+void TagEditStream::removeBlock(Start start, Size length)
 {
     replaceRange(static_cast<std::int64_t>(start), static_cast<std::int64_t>(length), nullptr, 0);
 }
 
-void TagEditStream::truncate(long length)
+void TagEditStream::truncate(Offset length)
 {
     if (length >= 0 && length < m_length)
         replaceRange(length, m_length - length, nullptr, 0);

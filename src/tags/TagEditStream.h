@@ -8,8 +8,10 @@
 #include <QByteArray>
 #include <QString>
 
+#include <taglib.h>
 #include <tiostream.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -31,6 +33,17 @@ namespace nurv {
 class TagEditStream final : public TagLib::IOStream {
 public:
     enum class Access { Read, Edit };
+
+    // What TagLib counts bytes with.
+#if TAGLIB_MAJOR_VERSION >= 2
+    using Offset = TagLib::offset_t;
+    using Start = TagLib::offset_t; ///< of a range that is replaced or removed
+    using Size = std::size_t;
+#else
+    using Offset = long;
+    using Start = unsigned long; ///< of a range that is replaced or removed
+    using Size = unsigned long;
+#endif
 
     /// A run of bytes, of the file or of the new ones.
     struct Piece {
@@ -77,16 +90,16 @@ public:
     [[nodiscard]] std::optional<QString> writeTo(const QString &path);
 
     [[nodiscard]] TagLib::FileName name() const override;
-    TagLib::ByteVector readBlock(unsigned long length) override;
+    TagLib::ByteVector readBlock(Size length) override;
     void writeBlock(const TagLib::ByteVector &data) override;
-    void insert(const TagLib::ByteVector &data, unsigned long start = 0, unsigned long replace = 0) override;
-    void removeBlock(unsigned long start = 0, unsigned long length = 0) override;
+    void insert(const TagLib::ByteVector &data, Start start = 0, Size replace = 0) override;
+    void removeBlock(Start start = 0, Size length = 0) override;
     [[nodiscard]] bool readOnly() const override;
     [[nodiscard]] bool isOpen() const override;
-    void seek(long offset, Position position = Beginning) override;
-    [[nodiscard]] long tell() const override;
-    long length() override;
-    void truncate(long length) override;
+    void seek(Offset offset, Position position = Beginning) override;
+    [[nodiscard]] Offset tell() const override;
+    Offset length() override;
+    void truncate(Offset length) override;
 
 private:
     /// Leaves the edits of a handed file with it; false for any other file.

@@ -11,6 +11,7 @@
 
 #include <aifffile.h>
 #include <apefile.h>
+#include <audioproperties.h>
 #include <flacfile.h>
 #include <id3v2framefactory.h>
 #include <mpegfile.h>
@@ -60,7 +61,11 @@ private:
         // Also for the kinds that do not take the factory: it sets the encoding
         // that their frames are written in.
         [[maybe_unused]] auto *const factory = frameFactory();
-        if constexpr (std::is_same_v<File, TagLib::MPEG::File> || std::is_same_v<File, TagLib::FLAC::File>)
+        [[maybe_unused]] constexpr auto kStyle = TagLib::AudioProperties::Average;
+        // From version 2 on TagLib takes the factory last, for more kinds of files.
+        if constexpr (std::is_constructible_v<File, TagEditStream *, bool, decltype(kStyle), decltype(factory)>)
+            return File(&stream, false, kStyle, factory);
+        else if constexpr (std::is_constructible_v<File, TagEditStream *, decltype(factory), bool>)
             return File(&stream, factory, false);
         else
             return File(&stream, false);

@@ -3,13 +3,22 @@
 #include "ui/Bindings.h"
 
 #include "app/Control.h"
+#include "app/LinesControl.h"
+#include "app/PairsControl.h"
+#include "app/TextControl.h"
+#include "ui/PairsEditor.h"
 #include "ui/RadioMatrix.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QSignalBlocker>
 #include <QSlider>
+#include <QSpinBox>
+#include <QTextCursor>
+#include <QTextDocument>
 
 namespace nurv {
 
@@ -21,6 +30,20 @@ void showAlways(QWidget *widget, Control &control, const Show &show)
 {
     show();
     QObject::connect(&control, &Control::valueChanged, widget, show);
+}
+
+/// Leaves the keyboard's place alone where the text is right already.
+void showText(QLineEdit *field, const QString &text)
+{
+    const QSignalBlocker blocker(field);
+    if (field->text() != text)
+        field->setText(text);
+}
+
+/// Unlike the plain text it keeps non-breaking blanks.
+QString textOf(const QPlainTextEdit &editor)
+{
+    return withLineFeeds(editor.document()->toRawText());
 }
 
 } // namespace
@@ -94,10 +117,64 @@ void bind(QSlider *slider, QLabel *valueLabel, SliderControl &control)
         follow(valueLabel, control);
 }
 
+void bind(QSpinBox *box, StepperControl &control)
+{
+    box->setRange(control.minimum(), control.maximum());
+    box->setSingleStep(control.step());
+    showAlways(box, control, [box, &control] {
+        const QSignalBlocker blocker(box);
+        if (box->value() != control.integerValue())
+            box->setValue(control.integerValue());
+    });
+    QObject::connect(box, &QSpinBox::valueChanged, &control, [&control](int value) { control.setIntegerValue(value); });
+    follow(box, control);
+}
+
 void bind(QLabel *label, LabelControl &control)
 {
     showAlways(label, control, [label, &control] { label->setText(control.text()); });
     follow(label, control);
+}
+
+void bind(QLineEdit *field, TextControl &control)
+{
+    showAlways(field, control, [field, &control] { showText(field, control.text()); });
+    QObject::connect(field, &QLineEdit::textEdited, &control, [&control](const QString &text) { control.setText(text); });
+    follow(field, control);
+}
+
+void bind(QPlainTextEdit *editor, LinesControl &control)
+{
+    showAlways(editor, control, [editor, &control] {
+        if (textOf(*editor) == control.text())
+            return;
+        QTextCursor whole(editor->document());
+        whole.select(QTextCursor::Document);
+        whole.insertText(control.text());
+    });
+    // What was there before the user came cannot be undone.
+    editor->document()->clearUndoRedoStacks();
+    QObject::connect(editor, &QPlainTextEdit::textChanged, &control,
+                     [editor, &control] { control.setText(textOf(*editor)); });
+    QObject::connect(editor, &QPlainTextEdit::selectionChanged, &control, [editor, &control] {
+        const QTextCursor cursor = editor->textCursor();
+        control.setSelection(cursor.selectionStart(), cursor.selectionEnd() - cursor.selectionStart());
+    });
+    follow(editor, control);
+}
+
+void bind(PairsEditor *editor, PairsControl &control)
+{
+    showAlways(editor, control, [editor, &control] {
+        for (int row = 0; row < editor->rowCount(); ++row) {
+            showText(editor->nameField(row), control.pairs().at(row).name);
+            showText(editor->valueField(row), control.pairs().at(row).value);
+        }
+    });
+    QObject::connect(editor, &PairsEditor::rowEdited, &control, [editor, &control](int row) {
+        control.setPair(row, {.name = editor->nameField(row)->text(), .value = editor->valueField(row)->text()});
+    });
+    follow(editor, control);
 }
 
 } // namespace nurv

@@ -7,7 +7,10 @@
 class QCheckBox;
 class QComboBox;
 class QLabel;
+class QLineEdit;
+class QPlainTextEdit;
 class QSlider;
+class QSpinBox;
 class QWidget;
 
 namespace nurv {
@@ -16,8 +19,13 @@ class CheckControl;
 class ChoiceControl;
 class Control;
 class LabelControl;
+class LinesControl;
+class PairsControl;
+class PairsEditor;
 class RadioMatrix;
 class SliderControl;
+class StepperControl;
+class TextControl;
 
 // Each function shows the control's state in the widget, now and after every
 // change, and hands what the user does to the control. The widget is enabled and
@@ -31,7 +39,14 @@ void bind(RadioMatrix *matrix, ChoiceControl &control, const QStringList &shownT
 void bind(QComboBox *box, ChoiceControl &control);
 /// `valueLabel`, when given, shows the value as a number.
 void bind(QSlider *slider, QLabel *valueLabel, SliderControl &control);
+void bind(QSpinBox *box, StepperControl &control);
 void bind(QLabel *label, LabelControl &control);
+void bind(QLineEdit *field, TextControl &control);
+/// A text that the control is given becomes one step of the editor's undo list; the control
+/// knows what the user has selected.
+void bind(QPlainTextEdit *editor, LinesControl &control);
+/// The editor has as many rows as the control.
+void bind(PairsEditor *editor, PairsControl &control);
 
 /// The enabled and hidden state only: for captions and frames that belong to a control.
 void follow(QWidget *widget, Control &control);

@@ -3,6 +3,7 @@
 #include "ui/DesktopPrompts.h"
 
 #include "text/PrintableText.h"
+#include "ui/PanelDialog.h"
 
 #include <QApplication>
 #include <QDir>
@@ -28,14 +29,50 @@ QStringList localPaths(const QFileDialog &dialog)
     return paths;
 }
 
-void prepare(QFileDialog &dialog, const QString &title, const QString &buttonText)
+/// "CUE files (*.cue)", "CUE and TXT files (*.cue *.txt)".
+QString filterFor(const QStringList &extensions)
+{
+    QStringList patterns;
+    QStringList kinds;
+    for (const QString &extension : extensions) {
+        // Some desktops' dialogs tell capitals apart.
+        patterns << u"*."_s + extension << u"*."_s + extension.toUpper();
+        kinds.append(extension.toUpper());
+    }
+    const QString last = kinds.takeLast();
+    const auto translated = [](const char *text) { return QCoreApplication::translate("DesktopPrompts", text); };
+    const QString names = kinds.isEmpty()
+        ? last
+        : translated(QT_TRANSLATE_NOOP("DesktopPrompts", "%1 and %2")).arg(kinds.join(u", "_s), last);
+    return translated(QT_TRANSLATE_NOOP("DesktopPrompts", "%1 files")).arg(names) + u" ("_s + patterns.join(u' ') + u')';
+}
+
+QFileDialog::FileMode modeOf(FileChooser::Kind kind)
+{
+    switch (kind) {
+    case FileChooser::Kind::File: return QFileDialog::ExistingFile;
+    case FileChooser::Kind::Files: return QFileDialog::ExistingFiles;
+    case FileChooser::Kind::Folder: return QFileDialog::Directory;
+    case FileChooser::Kind::Save: break;
+    }
+    return QFileDialog::AnyFile;
+}
+
+void prepare(QFileDialog &dialog, const FileChooser &chooser)
 {
     dialog.setObjectName(u"fileDialog"_s);
-    if (!title.isEmpty())
-        dialog.setWindowTitle(title);
-    if (!buttonText.isEmpty())
-        dialog.setLabelText(QFileDialog::Accept, buttonText);
+    if (!chooser.title.isEmpty())
+        dialog.setWindowTitle(chooser.title);
     dialog.setSupportedSchemes({u"file"_s});
+    dialog.setAcceptMode(chooser.kind == FileChooser::Kind::Save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    dialog.setFileMode(modeOf(chooser.kind));
+    dialog.setOption(QFileDialog::ShowDirsOnly, chooser.kind == FileChooser::Kind::Folder);
+    if (!chooser.buttonText.isEmpty())
+        dialog.setLabelText(QFileDialog::Accept, chooser.buttonText);
+    if (!chooser.extensions.isEmpty())
+        dialog.setNameFilter(filterFor(chooser.extensions));
+    if (!chooser.suggestedName.isEmpty())
+        dialog.selectFile(chooser.suggestedName);
 }
 
 } // namespace
@@ -82,39 +119,17 @@ QString DesktopPrompts::ask(const Alert &alert)
     return alert.buttons.at(dismissing);
 }
 
-QStringList DesktopPrompts::chooseFiles(const FileChooser &chooser)
+QStringList DesktopPrompts::choose(const FileChooser &chooser)
 {
     QFileDialog dialog(owner());
-    prepare(dialog, chooser.title, chooser.buttonText);
-    dialog.setAcceptMode(QFileDialog::AcceptOpen);
-    dialog.setFileMode(QFileDialog::ExistingFiles);
+    prepare(dialog, chooser);
     return dialog.exec() == QDialog::Accepted ? localPaths(dialog) : QStringList();
 }
 
-std::optional<QString> DesktopPrompts::chooseFolder(const FileChooser &chooser)
+bool DesktopPrompts::runPanel(const Panel &panel)
 {
-    QFileDialog dialog(owner());
-    prepare(dialog, chooser.title, chooser.buttonText);
-    dialog.setAcceptMode(QFileDialog::AcceptOpen);
-    dialog.setFileMode(QFileDialog::Directory);
-    dialog.setOption(QFileDialog::ShowDirsOnly);
-    if (dialog.exec() != QDialog::Accepted)
-        return std::nullopt;
-    const QStringList paths = localPaths(dialog);
-    return paths.isEmpty() ? std::nullopt : std::optional(paths.first());
-}
-
-std::optional<QString> DesktopPrompts::chooseSavePath(const QString &suggestedName, const std::optional<QString> &title)
-{
-    QFileDialog dialog(owner());
-    prepare(dialog, title.value_or(QString()), QString());
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setFileMode(QFileDialog::AnyFile);
-    dialog.selectFile(suggestedName);
-    if (dialog.exec() != QDialog::Accepted)
-        return std::nullopt;
-    const QStringList paths = localPaths(dialog);
-    return paths.isEmpty() ? std::nullopt : std::optional(paths.first());
+    PanelDialog dialog(panel, owner());
+    return dialog.exec() == QDialog::Accepted;
 }
 
 } // namespace nurv

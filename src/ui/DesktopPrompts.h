@@ -16,9 +16,8 @@ public:
     void setMainWindow(QWidget *window) { m_mainWindow = window; }
 
     QString ask(const Alert &alert) override;
-    QStringList chooseFiles(const FileChooser &chooser) override;
-    std::optional<QString> chooseFolder(const FileChooser &chooser) override;
-    std::optional<QString> chooseSavePath(const QString &suggestedName, const std::optional<QString> &title) override;
+    QStringList choose(const FileChooser &chooser) override;
+    bool runPanel(const Panel &panel) override;
 
 private:
     [[nodiscard]] QWidget *owner() const;

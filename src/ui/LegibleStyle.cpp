@@ -44,7 +44,8 @@ void LegibleStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *o
                                  const QWidget *widget) const
 {
     QProxyStyle::drawPrimitive(element, option, painter, widget);
-    const bool isBox = element == PE_IndicatorCheckBox;
+    const bool isField = element == PE_FrameLineEdit && !option->state.testFlag(QStyle::State_HasFocus);
+    const bool isBox = element == PE_IndicatorCheckBox || isField;
     if ((!isBox && element != PE_IndicatorRadioButton) || !isDark(option->palette))
         return;
     painter->save();

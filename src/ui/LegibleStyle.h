@@ -6,7 +6,7 @@
 
 namespace nurv {
 
-/// Fusion with outlines around check boxes and radio buttons that can be seen in
+/// Fusion with outlines around check boxes, radio buttons and fields of text that can be seen in
 /// a dark palette, where its own are darker than what they surround.
 class LegibleStyle final : public QProxyStyle {
     Q_OBJECT

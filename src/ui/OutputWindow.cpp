@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/OutputWindow.h"
 
+#include "app/LinesControl.h"
 #include "app/UserPrompts.h"
 #include "files/TextFile.h"
 #include "text/PrintableText.h"
@@ -55,12 +56,6 @@ QPushButton *makeButton(const QString &title, const QString &objectName, const Q
     button->setAccessibleName(accessibleName);
     button->setAutoDefault(false);
     return button;
-}
-
-/// A document's own text with line feeds. Its plain text has blanks where non-breaking ones stood.
-QString withLineFeeds(QString raw)
-{
-    return raw.replace(QChar::ParagraphSeparator, u'\n').replace(QChar::LineSeparator, u'\n');
 }
 
 /// A name for the file that a title stands for.
@@ -168,7 +163,8 @@ QString OutputWindow::text() const
 
 void OutputWindow::save()
 {
-    const std::optional<QString> path = m_prompts.chooseSavePath(fileNameFor(windowTitle()), tr("Save output"));
+    const std::optional<QString> path =
+        m_prompts.chooseSavePath({.title = tr("Save output"), .suggestedName = fileNameFor(windowTitle())});
     if (!path)
         return;
     QString reason;

@@ -354,9 +354,8 @@ TEST(BaseTabPrompts, GetNoFolderFromAChooserThatFails)
     class FailingPrompts final : public UserPrompts {
     public:
         QString ask(const Alert &) override { return {}; }
-        QStringList chooseFiles(const FileChooser &) override { return {}; }
-        std::optional<QString> chooseFolder(const FileChooser &) override { throw std::runtime_error("no chooser"); }
-        std::optional<QString> chooseSavePath(const QString &, const std::optional<QString> &) override { return {}; }
+        QStringList choose(const FileChooser &) override { throw std::runtime_error("no chooser"); }
+        bool runPanel(const Panel &) override { return false; }
     };
     FailingPrompts prompts;
     NullDesktopServices services;

@@ -23,14 +23,52 @@ QString worded(const Alert &alert)
         + quoted(alert.buttons.join(u"\", \""_s));
 }
 
-QString worded(const QString &kind, const FileChooser &chooser)
+QString worded(const FileChooser &chooser)
 {
-    return kind + u' ' + quoted(chooser.title) + u", button "_s + quoted(chooser.buttonText);
+    const QString title = chooser.title.isEmpty() ? u"without a title"_s : quoted(chooser.title);
+    if (chooser.kind == FileChooser::Kind::Save)
+        return u"save panel "_s + title + u", name "_s + quoted(chooser.suggestedName);
+    const QString kind = chooser.kind == FileChooser::Kind::Folder ? u"folder chooser "_s
+        : chooser.kind == FileChooser::Kind::File                  ? u"chooser of one file "_s
+                                                                   : u"file chooser "_s;
+    const QString types = chooser.extensions.isEmpty() ? QString() : u", of "_s + chooser.extensions.join(u", "_s);
+    return kind + title + u", button "_s + quoted(chooser.buttonText) + types;
 }
 
-QString worded(const QString &suggestedName, const std::optional<QString> &title)
+QString worded(const PanelQuestion &panel)
 {
-    return u"save panel "_s + (title ? quoted(*title) : u"without a title"_s) + u", name "_s + quoted(suggestedName);
+    return u"panel "_s + quoted(panel.title) + u", text "_s + quoted(panel.message) + u", fields "_s
+        + quoted(panel.fields.join(u"\", \""_s)) + u", buttons "_s + quoted(panel.buttons.join(u"\", \""_s));
+}
+
+PanelQuestion questionOf(const Panel &panel)
+{
+    PanelQuestion question{.title = panel.title, .message = panel.message, .fields = {}, .buttons = {}};
+    for (const PanelField &field : panel.fields)
+        question.fields.append(field.name);
+    for (const PanelButton &button : panel.buttons)
+        question.buttons.append(button.title);
+    return question;
+}
+
+FileChooser ofKind(FileChooser chooser, FileChooser::Kind kind)
+{
+    chooser.kind = kind;
+    return chooser;
+}
+
+QStringList listed(const std::optional<QString> &path)
+{
+    return path ? QStringList(*path) : QStringList();
+}
+
+const PanelButton *buttonOf(const Panel &panel, const QString &title)
+{
+    for (const PanelButton &button : panel.buttons) {
+        if (button.title == title)
+            return &button;
+    }
+    return nullptr;
 }
 
 } // namespace
@@ -60,23 +98,36 @@ void ScriptedPrompts::expectAsk(const Alert &alert, const QString &answer)
 
 void ScriptedPrompts::expectFiles(const FileChooser &chooser, const QStringList &answer)
 {
-    m_script.push_back({worded(u"file chooser"_s, chooser), answer});
+    m_script.push_back({worded(ofKind(chooser, FileChooser::Kind::Files)), answer});
+}
+
+void ScriptedPrompts::expectFile(const FileChooser &chooser, const std::optional<QString> &answer)
+{
+    m_script.push_back({worded(ofKind(chooser, FileChooser::Kind::File)), listed(answer)});
 }
 
 void ScriptedPrompts::expectFolder(const FileChooser &chooser, const std::optional<QString> &answer)
 {
-    m_script.push_back({worded(u"folder chooser"_s, chooser), answer});
+    m_script.push_back({worded(ofKind(chooser, FileChooser::Kind::Folder)), listed(answer)});
 }
 
 void ScriptedPrompts::expectOutputFolder(const std::optional<QString> &answer)
 {
-    expectFolder({.title = u"Choose output directory"_s, .buttonText = {}}, answer);
+    expectFolder({.title = u"Choose output directory"_s}, answer);
 }
 
 void ScriptedPrompts::expectSavePath(const QString &suggestedName, const std::optional<QString> &title,
                                      const std::optional<QString> &answer)
 {
-    m_script.push_back({worded(suggestedName, title), answer});
+    const FileChooser chooser{.title = title.value_or(QString()), .suggestedName = suggestedName};
+    m_script.push_back({worded(ofKind(chooser, FileChooser::Kind::Save)), listed(answer)});
+}
+
+void ScriptedPrompts::expectPanel(const PanelQuestion &panel, const std::function<void(const Panel &)> &act,
+                                  const QString &button)
+{
+    EXPECT_TRUE(panel.buttons.contains(button)) << "No such button: " << qPrintable(button);
+    m_script.push_back({worded(panel), PanelAnswer{act, button}});
 }
 
 std::optional<ScriptedPrompts::Answer> ScriptedPrompts::answerTo(const QString &question)
@@ -100,22 +151,35 @@ QString ScriptedPrompts::ask(const Alert &alert)
     return answer ? std::get<QString>(*answer) : dismissingButton(alert);
 }
 
-QStringList ScriptedPrompts::chooseFiles(const FileChooser &chooser)
+QStringList ScriptedPrompts::choose(const FileChooser &chooser)
 {
-    const std::optional<Answer> answer = answerTo(worded(u"file chooser"_s, chooser));
+    const std::optional<Answer> answer = answerTo(worded(chooser));
     return answer ? std::get<QStringList>(*answer) : QStringList();
 }
 
-std::optional<QString> ScriptedPrompts::chooseFolder(const FileChooser &chooser)
+bool ScriptedPrompts::runPanel(const Panel &panel)
 {
-    const std::optional<Answer> answer = answerTo(worded(u"folder chooser"_s, chooser));
-    return answer ? std::get<std::optional<QString>>(*answer) : std::nullopt;
+    const std::optional<Answer> answer = answerTo(worded(questionOf(panel)));
+    if (!answer)
+        return false;
+    const PanelAnswer &user = std::get<PanelAnswer>(*answer);
+    if (user.act)
+        user.act(panel);
+    const PanelButton *const button = buttonOf(panel, user.button);
+    if (!button || button->role == PanelButton::Role::Dismiss)
+        return false;
+    const bool accepts = button->role == PanelButton::Role::Accept;
+    EXPECT_TRUE(accepts) << "The panel stays after " << qPrintable(user.button);
+    const QString objection = panel.objection();
+    EXPECT_TRUE(objection.isEmpty()) << qPrintable(user.button) << " is disabled: " << qPrintable(objection);
+    return accepts && objection.isEmpty();
 }
 
-std::optional<QString> ScriptedPrompts::chooseSavePath(const QString &suggestedName, const std::optional<QString> &title)
+void pressButtonOf(const Panel &panel, const QString &title)
 {
-    const std::optional<Answer> answer = answerTo(worded(suggestedName, title));
-    return answer ? std::get<std::optional<QString>>(*answer) : std::nullopt;
+    const PanelButton *const button = buttonOf(panel, title);
+    ASSERT_TRUE(button && button->role == PanelButton::Role::Stay && button->action) << qPrintable(title);
+    button->action();
 }
 
 } // namespace nurv::test

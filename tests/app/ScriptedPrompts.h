@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "app/Panel.h"
 #include "app/UserPrompts.h"
 
 #include <QString>
@@ -10,10 +11,34 @@
 #include <deque>
 #include <functional>
 #include <optional>
+#include <stdexcept>
 #include <utility>
 #include <variant>
 
 namespace nurv::test {
+
+/// The texts of a panel that a script expects.
+struct PanelQuestion {
+    QString title;
+    QString message = {};
+    QStringList fields = {}; ///< their names
+    QStringList buttons = {QStringLiteral("Cancel"), QStringLiteral("OK")};
+};
+
+/// The control of a panel with that name. Fails the running test, and ends it, when there is
+/// no such one.
+template<typename Kind>
+[[nodiscard]] Kind &fieldOf(const Panel &panel, const QString &name)
+{
+    for (const PanelField &field : panel.fields) {
+        if (auto *const *control = std::get_if<Kind *>(&field.control); control && field.name == name)
+            return **control;
+    }
+    throw std::runtime_error("no such field of that kind: " + name.toStdString());
+}
+
+/// Presses a button that lets the panel stay.
+void pressButtonOf(const Panel &panel, const QString &title);
 
 /// A user who answers by a script. The questions must come in the order of the
 /// script and be worded as it says: any other question fails the running test and is
@@ -36,6 +61,10 @@ public:
     void expectOutputFolder(const std::optional<QString> &answer);
     void expectSavePath(const QString &suggestedName, const std::optional<QString> &title,
                         const std::optional<QString> &answer);
+    void expectFile(const FileChooser &chooser, const std::optional<QString> &answer);
+    /// A panel with these texts. `act` does what the user does before the button is pressed; a
+    /// button that accepts cannot be pressed while a field objects, which fails the test.
+    void expectPanel(const PanelQuestion &panel, const std::function<void(const Panel &)> &act, const QString &button);
 
     /// Does this once while the next question is on the screen, before its answer.
     void duringNextQuestion(std::function<void()> work) { m_duringNextQuestion = std::move(work); }
@@ -47,12 +76,15 @@ public:
     void verify();
 
     QString ask(const Alert &alert) override;
-    QStringList chooseFiles(const FileChooser &chooser) override;
-    std::optional<QString> chooseFolder(const FileChooser &chooser) override;
-    std::optional<QString> chooseSavePath(const QString &suggestedName, const std::optional<QString> &title) override;
+    QStringList choose(const FileChooser &chooser) override;
+    bool runPanel(const Panel &panel) override;
 
 private:
-    using Answer = std::variant<QString, QStringList, std::optional<QString>>;
+    struct PanelAnswer {
+        std::function<void(const Panel &)> act;
+        QString button;
+    };
+    using Answer = std::variant<QString, QStringList, PanelAnswer>;
     struct Step {
         QString question; ///< the whole question, worded for the failure message
         Answer answer;

@@ -29,7 +29,7 @@ TEST(ScriptedPrompts, AnswersEveryKindOfQuestionInOrder)
     EXPECT_EQ(prompts.ask(kQuestion), u"Yes"_s);
     EXPECT_EQ(prompts.chooseFiles({u"Files"_s, u"Add"_s}), (QStringList{u"/a"_s, u"/b"_s}));
     EXPECT_EQ(prompts.chooseFolder({u"Choose output directory"_s, {}}), u"/out"_s);
-    EXPECT_EQ(prompts.chooseSavePath(u"list.md5"_s, std::nullopt), std::nullopt);
+    EXPECT_EQ(prompts.chooseSavePath({.title = {}, .suggestedName = u"list.md5"_s}), std::nullopt);
     EXPECT_EQ(prompts.unaskedCount(), 0);
 }
 

@@ -136,6 +136,23 @@ TEST_F(NURVInProcessTaskTest, CompletesOnceWhenCancelledTwice)
     EXPECT_EQ(ended, 1);
 }
 
+TEST_F(NURVInProcessTaskTest, CompletesOnceWhenCancelledTwiceWhileWaiting)
+{
+    queue.hold();
+    std::atomic<int> runs = 0;
+    const auto task = make([&](WorkTask &) { ++runs; });
+    int settled = 0;
+    QObject::connect(&queue, &NURVTaskQueue::taskSettled, &queue, [&settled] { ++settled; });
+    queue.addTask(task);
+    task->cancelTask();
+    task->cancelTask();
+    queue.release();
+    test::handleWaitingEvents();
+    EXPECT_EQ(ended, 1);
+    EXPECT_EQ(settled, 1);
+    EXPECT_EQ(runs, 0);
+}
+
 TEST_F(NURVInProcessTaskTest, NeverStartsOnceCancelledWhileWaiting)
 {
     std::atomic<int> runs = 0;

@@ -132,5 +132,21 @@ TEST_F(NURVTaskResultsTest, TakesTextsFromManyThreads)
     EXPECT_EQ(set.results(), line + line + line);
 }
 
+TEST_F(NURVTaskResultsTest, TakesTheTextsOfOneJobFromManyThreads)
+{
+    // Without the lock one of them would write over what another writes, which two processors show within milliseconds.
+    constexpr int kTexts = 100'000;
+    std::vector<std::thread> writers;
+    for (int i = 0; i < 4; ++i) {
+        writers.emplace_back([this] {
+            for (int text = 0; text < kTexts; ++text)
+                set.appendResults(u"x"_s, *second);
+        });
+    }
+    for (std::thread &writer : writers)
+        writer.join();
+    EXPECT_EQ(set.results(*second), QString(4 * kTexts, u'x'));
+}
+
 } // namespace
 } // namespace nurv

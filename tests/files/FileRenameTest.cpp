@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/FileRename.h"
 
+#include "support/SystemCallRecorder.h"
 #include "support/TestFolder.h"
 
 #include <QFile>
@@ -53,6 +54,19 @@ TEST_F(FileRenameTest, TellsThatThereIsNothingToRename)
 {
     EXPECT_FALSE(renameToFreeName(path(u"missing"_s), path(u"b"_s)));
     EXPECT_EQ(errno, ENOENT);
+}
+
+TEST_F(FileRenameTest, LooksForTheNameWhereTheFileSystemCannotTell)
+{
+    folder.write(u"a"_s, "new");
+    folder.write(u"b"_s, "old");
+    test::SystemCallRecorder calls;
+    calls.forgetRenameFlags();
+    EXPECT_FALSE(renameToFreeName(path(u"a"_s), path(u"b"_s)));
+    EXPECT_EQ(errno, EEXIST);
+    EXPECT_EQ(folder.read(u"b"_s), "old");
+    EXPECT_TRUE(renameToFreeName(path(u"a"_s), path(u"c"_s)));
+    EXPECT_EQ(folder.list(), (QStringList{u"b"_s, u"c"_s}));
 }
 
 } // namespace

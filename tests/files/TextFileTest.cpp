@@ -3,6 +3,7 @@
 #include "files/TextFile.h"
 
 #include "files/FileDescriptor.h"
+#include "support/SystemCallRecorder.h"
 #include "support/TestFolder.h"
 
 #include <gtest/gtest.h>
@@ -11,6 +12,7 @@
 #include <QFileInfo>
 
 #include <array>
+#include <cerrno>
 #include <csignal>
 #include <fcntl.h>
 #include <sys/resource.h>
@@ -20,6 +22,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace nurv;
+using nurv::test::SystemCallRecorder;
 using nurv::test::TestFolder;
 
 namespace {
@@ -221,4 +224,77 @@ TEST(TextFile, WritesNoFolderAndNotWhereNoneIs)
     EXPECT_FALSE(writeTextFileAtomically(folder.path(u"no/list.txt"_s), u"x"_s, &reason));
     EXPECT_EQ(reason, u"No such file or directory"_s);
     EXPECT_EQ(folder.list(), QStringList());
+}
+
+TEST(TextFile, IsOnTheDiskBeforeItHasItsName)
+{
+    const TestFolder folder;
+    const QString path = folder.path(u"list.txt"_s);
+    for (const QString &contents : {u"new"_s, u"instead of another"_s}) {
+        const bool isThere = folder.exists(u"list.txt"_s);
+        const SystemCallRecorder calls;
+        ASSERT_TRUE(writeTextFileAtomically(path, contents));
+        const qsizetype flushed = calls.indexOf(u"fsync "_s + folder.path(isThere ? u".nurv-"_s : u"?"_s));
+        const qsizetype named = calls.indexOf((isThere ? u"rename "_s : u"link "_s) + folder.path());
+        const auto folderFlushed = calls.calls().indexOf(u"fsync "_s + folder.path());
+        ASSERT_GE(flushed, 0) << qPrintable(calls.calls().join(u'\n'));
+        EXPECT_LT(flushed, named) << qPrintable(calls.calls().join(u'\n'));
+        EXPECT_LT(named, folderFlushed) << "the name is flushed with its folder";
+    }
+}
+
+TEST(TextFile, LeavesTheOldFileWhenTheDiskTellsOfAnErrorAtTheEnd)
+{
+    const TestFolder folder;
+    const QString path = folder.write(u"list.txt"_s, "old");
+    for (const QString &call : {u"fsync "_s, u"close "_s}) {
+        SystemCallRecorder calls;
+        calls.fail(call + folder.path(u".nurv-"_s), EIO);
+        QString reason;
+        EXPECT_FALSE(writeTextFileAtomically(path, u"new"_s, &reason)) << call.toStdString();
+        EXPECT_EQ(reason, u"Input/output error"_s);
+        EXPECT_EQ(folder.read(u"list.txt"_s), QByteArray("old"));
+        EXPECT_EQ(folder.list(), QStringList{u"list.txt"_s});
+    }
+}
+
+TEST(TextFile, MakesNoFileThatCannotBeFlushed)
+{
+    const TestFolder folder;
+    SystemCallRecorder calls;
+    calls.fail(u"fsync "_s + folder.path(u"?"_s), EIO);
+    QString reason;
+    EXPECT_FALSE(writeTextFileAtomically(folder.path(u"list.txt"_s), u"new"_s, &reason));
+    EXPECT_EQ(reason, u"Input/output error"_s);
+    EXPECT_TRUE(folder.list().isEmpty());
+}
+
+TEST(TextFile, TellsOfAnErrorWhenItClosesWhatItWroteInPlace)
+{
+    const TestFolder folder;
+    const QString pipe = folder.path(u"pipe"_s);
+    ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    const FileDescriptor reader(::open(QFile::encodeName(pipe).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    SystemCallRecorder calls;
+    calls.fail(u"close "_s + pipe, EIO);
+    QString reason;
+    EXPECT_FALSE(writeTextFileAtomically(pipe, u"through"_s, &reason));
+    EXPECT_EQ(reason, u"Input/output error"_s);
+}
+
+TEST(TextFile, IsPrivateUntilItHasThePermissionsOfTheOldFile)
+{
+    const TestFolder folder;
+    const QString path = folder.write(u"list.txt"_s, "old");
+    ASSERT_EQ(::chmod(QFile::encodeName(path).constData(), 0600), 0);
+    SystemCallRecorder calls;
+    bool hasLooked = false;
+    calls.before(u"fchown "_s + folder.path(u".nurv-"_s), [&] {
+        for (const QString &name : folder.list()) {
+            hasLooked = hasLooked || name.startsWith(u".nurv-"_s);
+            EXPECT_EQ(modeOf(folder.path(name)), 0600U) << name.toStdString();
+        }
+    });
+    ASSERT_TRUE(writeTextFileAtomically(path, u"new"_s));
+    EXPECT_TRUE(hasLooked);
 }

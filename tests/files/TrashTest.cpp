@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/Trash.h"
 
+#include "support/SystemCallRecorder.h"
 #include "support/TestFolder.h"
 
 #include <gtest/gtest.h>
@@ -15,29 +16,12 @@
 #include <cerrno>
 
 #include <sys/stat.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using nurv::moveToTrash;
+using nurv::test::SystemCallRecorder;
 using nurv::test::TestFolder;
-
-namespace {
-
-bool g_replacingOnly = false;
-
-}
-
-// Stands before the system's: some file systems know no such flag, and none of
-// them is at hand here.
-extern "C" int renameat2(int fromFolder, const char *from, int toFolder, const char *to, unsigned int flags) noexcept
-{
-    if (g_replacingOnly && flags != 0) {
-        errno = EINVAL;
-        return -1;
-    }
-    return static_cast<int>(::syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags));
-}
 
 namespace {
 
@@ -107,12 +91,12 @@ TEST(Trash, LeavesAStrayFileAloneOnFileSystemsThatCanOnlyReplace)
     const TestFolder folder;
     const DataHome home(folder.path(u"data"_s));
     folder.write(u"data/Trash/files/a.wav"_s, "stray");
-    g_replacingOnly = true;
-    const bool moved = moveToTrash(folder.write(u"a.wav"_s, "1"));
-    const bool movedAnother = moveToTrash(folder.write(u"b.wav"_s, "2"));
-    g_replacingOnly = false;
-    EXPECT_TRUE(moved);
-    EXPECT_TRUE(movedAnother);
+    {
+        SystemCallRecorder calls;
+        calls.forgetRenameFlags();
+        EXPECT_TRUE(moveToTrash(folder.write(u"a.wav"_s, "1")));
+        EXPECT_TRUE(moveToTrash(folder.write(u"b.wav"_s, "2")));
+    }
     EXPECT_EQ(folder.list(),
               (QStringList{u"data/Trash/files/a.wav"_s, u"data/Trash/files/a.wav.2"_s, u"data/Trash/files/b.wav"_s,
                            u"data/Trash/info/a.wav.2.trashinfo"_s, u"data/Trash/info/b.wav.trashinfo"_s}));
@@ -186,6 +170,60 @@ TEST(Trash, UsesNoTrashThatIsALinkToElsewhere)
     EXPECT_FALSE(moveToTrash(folder.write(u"a.wav"_s, "x")));
     EXPECT_TRUE(folder.exists(u"a.wav"_s));
     EXPECT_TRUE(QDir(folder.path(u"elsewhere"_s)).isEmpty());
+}
+
+TEST(Trash, UsesNoTrashOfSomebodyElse)
+{
+    const TestFolder folder;
+    const DataHome home(folder.path(u"data"_s));
+    const QString path = folder.write(u"a.wav"_s, "x");
+    for (const QString &name : {u"data/Trash"_s, u"data/Trash/files"_s, u"data/Trash/info"_s}) {
+        SystemCallRecorder calls;
+        calls.lie(folder.makeFolder(name), [](struct stat &facts) { ++facts.st_uid; });
+        EXPECT_FALSE(moveToTrash(path)) << name.toStdString();
+        EXPECT_TRUE(folder.exists(u"a.wav"_s));
+    }
+    EXPECT_TRUE(moveToTrash(path));
+}
+
+TEST(Trash, KeepsTheFileWhenItsNoteCannotBeWritten)
+{
+    const TestFolder folder;
+    const DataHome home(folder.path(u"data"_s));
+    const QString path = folder.write(u"a.wav"_s, "x");
+    for (const QString &call : {u"write "_s, u"close "_s}) {
+        SystemCallRecorder calls;
+        calls.fail(call + folder.path(u"data/Trash/info/"_s), EIO);
+        EXPECT_FALSE(moveToTrash(path));
+        EXPECT_EQ(folder.list(), QStringList{u"a.wav"_s}) << "without a note";
+    }
+}
+
+TEST(Trash, TakesItsNoteBackWhenTheFileStays)
+{
+    const TestFolder folder;
+    const DataHome home(folder.path(u"data"_s));
+    const QString path = folder.write(u"a.wav"_s, "x");
+    SystemCallRecorder calls;
+    calls.fail(u"rename "_s + path, EACCES);
+    EXPECT_FALSE(moveToTrash(path));
+    EXPECT_EQ(folder.list(), QStringList{u"a.wav"_s});
+}
+
+TEST(Trash, UsesTheTrashOfAllOnADiskOnlyWhereNobodyElseMayEmptyIt)
+{
+    const TestFolder folder;
+    const DataHome home(folder.path(u"data"_s));
+    SystemCallRecorder calls;
+    calls.lie(folder.makeFolder(u"disk"_s), [](struct stat &facts) { ++facts.st_dev; });
+    const QString shared = folder.makeFolder(u"disk/.Trash"_s);
+    const QString user = QString::number(::getuid());
+    ASSERT_EQ(::chmod(QFile::encodeName(shared).constData(), 0777), 0);
+    ASSERT_TRUE(moveToTrash(folder.write(u"disk/a.wav"_s, "1")));
+    EXPECT_EQ(folder.read(u"disk/.Trash-%1/files/a.wav"_s.arg(user)), "1");
+    ASSERT_EQ(::chmod(QFile::encodeName(shared).constData(), 01777), 0);
+    ASSERT_TRUE(moveToTrash(folder.write(u"disk/b.wav"_s, "2")));
+    EXPECT_EQ(folder.read(u"disk/.Trash/%1/files/b.wav"_s.arg(user)), "2");
 }
 
 TEST(Trash, UsesTheTrashAtTheTopOfAnotherFileSystem)

@@ -3,6 +3,10 @@
 #include "files/WriteAll.h"
 
 #include "files/FileDescriptor.h"
+#include "support/SystemCallRecorder.h"
+#include "support/TestFolder.h"
+
+#include <QFile>
 
 #include <gtest/gtest.h>
 
@@ -12,6 +16,8 @@
 
 #include <fcntl.h>
 #include <unistd.h>
+
+using namespace Qt::StringLiterals;
 
 namespace nurv {
 
@@ -44,6 +50,21 @@ TEST(WriteAll, TellsWhyBytesCouldNotBeWritten)
     EXPECT_TRUE(writeAll(full.get(), {}));
     EXPECT_FALSE(writeAll(full.get(), "some bytes"));
     EXPECT_EQ(errno, ENOSPC);
+}
+
+TEST(WriteAll, GoesOnAfterASignal)
+{
+    const test::TestFolder folder;
+    const QString path = folder.write(u"a"_s, "");
+    const FileDescriptor file(::open(QFile::encodeName(path).constData(), O_WRONLY | O_CLOEXEC));
+    bool isWritten = false;
+    {
+        test::SystemCallRecorder calls;
+        calls.fail(u"write "_s + path, EINTR, 2);
+        isWritten = writeAll(file.get(), "some bytes");
+    }
+    EXPECT_TRUE(isWritten);
+    EXPECT_EQ(folder.read(u"a"_s), "some bytes");
 }
 
 } // namespace nurv

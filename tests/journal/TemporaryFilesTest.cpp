@@ -11,6 +11,8 @@
 
 #include <gmock/gmock.h>
 
+#include <memory>
+
 #include <fcntl.h>
 
 using namespace Qt::StringLiterals;
@@ -161,15 +163,14 @@ TEST_F(TemporaryFilesTest, AFolderInWhichAProgramWorksWaits)
 TEST_F(TemporaryFilesTest, WhileAnotherProcessHasAProgramInTheFolderWhatIsFreshWaits)
 {
     killAfter({write(kPart, u"x"_s)});
-    ChildProcess child;
-    ASSERT_FALSE(child.start({.launchPath = test::fakeProgramPath(),
-                              .arguments = {u"hang"_s},
-                              .environment = processEnvironment(),
-                              .workingDirectory = folder.path()}));
+    auto child = std::make_unique<ChildProcess>();
+    ASSERT_FALSE(child->start({.launchPath = test::fakeProgramPath(),
+                               .arguments = {u"hang"_s},
+                               .environment = processEnvironment(),
+                               .workingDirectory = folder.path()}));
     EXPECT_TRUE(test::waitUntil([] { return !RunningPrograms::now().startedBy(processMark()).isEmpty(); }));
     EXPECT_THAT(cleaned(), ElementsAre(u"left "_s + kPart));
-    child.terminate();
-    EXPECT_TRUE(test::waitUntil([&child] { return !child.isRunning(); }));
+    child.reset();
     EXPECT_THAT(cleaned(), ElementsAre(u"removed "_s + kPart));
 }
 

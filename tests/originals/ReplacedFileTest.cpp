@@ -8,12 +8,14 @@
 #include "journal/OutputJournal.h"
 #include "settings/SettingsStore.h"
 #include "support/LogLines.h"
+#include "support/SystemCallRecorder.h"
 #include "support/TestFolder.h"
 
 #include <QFile>
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <memory>
 
 #include <sys/stat.h>
@@ -93,6 +95,42 @@ TEST_F(ReplacedFileTest, GoesForGoodOnceTheNewFileStands)
     struct stat facts = {};
     ASSERT_EQ(::stat(QFile::encodeName(path).constData(), &facts), 0);
     EXPECT_EQ(facts.st_mode & 0777, 0640U) << "the new one is as open as the old one was";
+}
+
+TEST_F(ReplacedFileTest, GoesWhenTheNewFileIsOnTheDisk)
+{
+    ReplacedFile replaced(path, journal);
+    folder.write(u"a.tta"_s, "new");
+    const test::SystemCallRecorder calls;
+    replaced.retire();
+    const qsizetype file = calls.indexOf(u"fsync "_s + path);
+    const auto name = calls.calls().indexOf(u"fsync "_s + folder.path());
+    const qsizetype gone = calls.indexOf(u"unlink "_s + folder.path(u".nurv-"_s));
+    ASSERT_GE(file, 0);
+    EXPECT_LT(file, name);
+    EXPECT_LT(name, gone) << qPrintable(calls.calls().join(u'\n'));
+}
+
+TEST_F(ReplacedFileTest, StaysWhenTheNewFileMayNotBeOnTheDisk)
+{
+    for (const QString &call : {u"fsync "_s + path, u"fsync "_s + folder.path()}) {
+        ReplacedFile replaced(path, journal);
+        folder.write(u"a.tta"_s, "new");
+        test::SystemCallRecorder calls;
+        calls.fail(call, EIO);
+        try {
+            replaced.retire();
+            ADD_FAILURE() << "it went";
+        } catch (const NurvFailure &failure) {
+            EXPECT_TRUE(failure.reason().contains(u".kept now, since the new one may not be on the disk"_s))
+                << qPrintable(failure.reason());
+        }
+        EXPECT_EQ(folder.read(u"a.tta"_s), "new");
+        const QString aside = folder.list().value(0);
+        EXPECT_EQ(folder.read(aside), "old");
+        EXPECT_NE(journal->told.last(), u"forget") << "and stays noted";
+        ASSERT_TRUE(QFile::remove(path) && QFile::rename(folder.path(aside), path));
+    }
 }
 
 TEST_F(ReplacedFileTest, GoesToTheTrashUnderItsOwnName)

@@ -38,6 +38,20 @@ TEST_F(SoundLengthCheckTest, FindsNothingWhereTheLengthsAgree)
     }
 }
 
+TEST_F(SoundLengthCheckTest, KnowsNothingForSureWhenOneOfTheSourcesHasNoChecksum)
+{
+    const QString sound = test::writeFlac(folder.path(u"sound.flac"_s), {.frames = 22050});
+    QByteArray bytes = folder.read(u"sound.flac"_s);
+    const QString unsure = folder.write(u"unsure.flac"_s, bytes.replace(26, 16, QByteArray(16, '\0')));
+    const QString both = test::writeWav(folder.path(u"both.wav"_s), {.frames = 44100});
+    EXPECT_TRUE(SoundLengthCheck::of({sound, sound}, {both}).isKnown);
+    for (const QStringList &sources : {QStringList{unsure, sound}, QStringList{sound, unsure}}) {
+        const SoundLengthCheck check = SoundLengthCheck::of(sources, {both});
+        EXPECT_EQ(check.fault, std::nullopt);
+        EXPECT_FALSE(check.isKnown) << qPrintable(sources.join(u' '));
+    }
+}
+
 TEST_F(SoundLengthCheckTest, FindsAnOutputThatHoldsLess)
 {
     const QString output = test::writeFlac(folder.path(u"a.flac"_s), {.frames = 22049});

@@ -4,6 +4,7 @@
 
 #include "settings/SettingsStore.h"
 #include "support/AudioFixtures.h"
+#include "support/SystemCallRecorder.h"
 #include "support/TestFolder.h"
 #include "support/TestProgram.h"
 
@@ -11,6 +12,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -70,6 +72,41 @@ TEST_F(SourceRetirementTest, DeletesWhatWasProven)
     EXPECT_EQ(retirement.retire().original, Original::Deleted);
     EXPECT_FALSE(QFile::exists(wav));
     EXPECT_EQ(retirement.retire().original, Original::Untouched) << "only once";
+}
+
+TEST_F(SourceRetirementTest, DeletesWhenTheOutputIsOnTheDisk)
+{
+    SourceRetirement retirement = wanting({wav});
+    const test::SystemCallRecorder calls;
+    EXPECT_EQ(examine(retirement, {flac}).proof, Proof::Proven);
+    EXPECT_EQ(retirement.retire().original, Original::Deleted);
+    const QStringList made = calls.calls();
+    const auto file = made.indexOf(u"fsync "_s + flac);
+    const auto name = made.indexOf(u"fsync "_s + folder.path());
+    ASSERT_GE(file, 0) << qPrintable(made.join(u'\n'));
+    EXPECT_LT(file, name);
+    EXPECT_LT(name, made.indexOf(u"unlink "_s + wav));
+}
+
+TEST_F(SourceRetirementTest, KeepsTheSourceWhenTheOutputMayNotBeOnTheDisk)
+{
+    for (const QString &call : {u"fsync "_s + flac, u"fsync "_s + folder.path()}) {
+        SourceRetirement retirement = wanting({wav});
+        test::SystemCallRecorder calls;
+        calls.fail(call, EIO);
+        EXPECT_EQ(examine(retirement, {flac}).keeping, u"its output may not be on the disk yet"_s);
+        EXPECT_EQ(retirement.retire().original, Original::Untouched);
+        EXPECT_TRUE(QFile::exists(wav));
+    }
+}
+
+TEST_F(SourceRetirementTest, TakesAnEmptyFileForNoOutput)
+{
+    SourceRetirement retirement = wanting({wav}, {.relation = SoundComparison::Relation::Prefix});
+    const auto verdict = examine(retirement, {folder.write(u"empty.flac"_s, "")});
+    EXPECT_EQ(verdict.keeping, u"there is no output"_s);
+    EXPECT_EQ(verdict.failure, std::nullopt);
+    EXPECT_TRUE(shown.empty()) << "and proves nothing of it";
 }
 
 TEST_F(SourceRetirementTest, LooksAtNothingButTheLengthsWhenNothingIsToBeDeleted)

@@ -3,8 +3,10 @@
 #include "originals/StageFile.h"
 
 #include "base/NurvFailure.h"
+#include "journal/JournalFolder.h"
 #include "support/TestFolder.h"
 
+#include <QDir>
 #include <QFile>
 
 #include <gtest/gtest.h>
@@ -29,6 +31,33 @@ TEST(StageFile, IsMadeEmptyInItsFolderAndGoesWithItsObject)
         EXPECT_EQ(folder.read(folder.list()[0]), "");
     }
     EXPECT_TRUE(folder.list().isEmpty());
+}
+
+/// How many lines of all journals tell that of the path.
+qsizetype notesOf(const QByteArray &word, const QString &path)
+{
+    qsizetype count = 0;
+    for (const QFileInfo &journal : QDir(journalFolderPath()).entryInfoList(QDir::Files)) {
+        QFile file(journal.filePath());
+        if (!file.open(QIODevice::ReadOnly))
+            continue;
+        for (const QByteArray &line : file.readAll().split('\n'))
+            count += line.startsWith(word) && line.contains(QFile::encodeName(path)) ? 1 : 0;
+    }
+    return count;
+}
+
+TEST(StageFile, IsNotedInTheJournalWhileItIsThere)
+{
+    const test::TestFolder folder;
+    QString path;
+    {
+        const StageFile file(folder.path());
+        path = file.path();
+        EXPECT_EQ(notesOf("temporary", path), 1);
+        EXPECT_EQ(notesOf("gone", path), 0);
+    }
+    EXPECT_EQ(notesOf("gone", path), 1);
 }
 
 TEST(StageFile, StandsThatSomebodyElseRemovedIt)

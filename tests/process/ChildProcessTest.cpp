@@ -58,6 +58,13 @@ bool hasEnded(pid_t pid)
     return status.open(QIODevice::ReadOnly) && status.readAll().contains(") Z ");
 }
 
+// The process that a program said it has started, which need not be alive any more.
+pid_t grandchildIn(const QByteArray &output)
+{
+    const qsizetype at = output.indexOf("grandchild ");
+    return at < 0 ? -1 : output.sliced(at).split('\n').first().split(' ').last().toInt();
+}
+
 struct Recorder {
     ChildProcess process;
     QByteArray output;
@@ -130,31 +137,6 @@ TEST(ChildProcess, SaysWhyAProgramCannotBeStarted)
     EXPECT_FALSE(process.isRunning());
     EXPECT_EQ(openDescriptors(), before);
     EXPECT_FALSE(hasChildren());
-}
-
-TEST(ChildProcess, TerminatesTheWholeProcessGroup)
-{
-    Recorder child;
-    ASSERT_EQ(child.process.start(fake({u"grandchild=60000"_s, u"hang"_s})), std::nullopt);
-    ASSERT_TRUE(waitUntil([&] { return child.output.contains('\n'); }));
-    bool isNumber = false;
-    const pid_t grandchild = child.output.trimmed().split(' ').last().toInt(&isNumber);
-    ASSERT_TRUE(isNumber) << child.output.constData();
-    ASSERT_FALSE(hasEnded(grandchild));
-    child.process.terminate();
-    ASSERT_TRUE(waitUntil([&] { return child.finishes > 0; }));
-    EXPECT_EQ(child.process.exitState()->signal, SIGTERM);
-    EXPECT_TRUE(waitUntil([&] { return hasEnded(grandchild); }));
-}
-
-TEST(ChildProcess, KillsWhatIgnoresTermination)
-{
-    Recorder child;
-    ASSERT_EQ(child.process.start(fake({u"ignore-term"_s, u"out=ready"_s, u"hang"_s})), std::nullopt);
-    ASSERT_TRUE(waitUntil([&] { return child.output == "ready"; }));
-    child.process.terminate();
-    ASSERT_TRUE(waitUntil([&] { return child.finishes > 0; }));
-    EXPECT_EQ(child.process.exitState()->signal, SIGKILL);
 }
 
 TEST(ChildProcess, ReapsAChildThatItsOwnerDrops)
@@ -247,6 +229,14 @@ TEST(RunChild, KillsAProgramThatIsOverItsLimit)
     EXPECT_TRUE(runChild(fake({u"out=quick"_s}), 20s).exit->succeeded());
 }
 
+TEST(RunChild, KillsWhatAProgramOverItsLimitHasStarted)
+{
+    const ChildResult result = runChild(fake({u"grandchild=60000"_s, u"hang"_s}), 2s);
+    const pid_t grandchild = grandchildIn(result.output);
+    ASSERT_GT(grandchild, 0) << result.output.constData();
+    EXPECT_TRUE(waitUntil([&] { return hasEnded(grandchild); }));
+}
+
 TEST(RunChild, RunsOnManyThreadsAtOnce)
 {
     const qsizetype before = openDescriptors();
@@ -265,6 +255,19 @@ TEST(RunChild, RunsOnManyThreadsAtOnce)
     EXPECT_EQ(good, 100);
     EXPECT_EQ(openDescriptors(), before);
     EXPECT_FALSE(hasChildren());
+}
+
+TEST(Children, AreKilledWithAllTheyHaveStartedWhenTheyIgnoreTheEnd)
+{
+    Recorder child;
+    ASSERT_EQ(child.process.start(fake({u"ignore-term"_s, u"grandchild=60000"_s, u"hang"_s})), std::nullopt);
+    ASSERT_TRUE(waitUntil([&] { return child.output.endsWith('\n'); }));
+    const pid_t grandchild = grandchildIn(child.output);
+    ASSERT_GT(grandchild, 0) << child.output.constData();
+    children::terminateAll(100ms, false);
+    EXPECT_TRUE(waitUntil([&] { return child.finishes == 1; }));
+    EXPECT_EQ(child.process.exitState()->signal, SIGKILL);
+    EXPECT_TRUE(waitUntil([&] { return hasEnded(grandchild); }));
 }
 
 TEST(Children, AreAllTerminatedAndRefusedAtTheEnd)

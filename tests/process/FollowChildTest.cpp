@@ -78,28 +78,37 @@ TEST_F(FollowChild, SaysWhyAProgramCannotBeStarted)
     EXPECT_TRUE(chunks.isEmpty());
 }
 
-TEST_F(FollowChild, EndsTheWholeGroupOfAChildThatIsNotWantedAnyMore)
+/// Follows it until it has said which process it has started, and returns whether that one comes to its end.
+testing::AssertionResult endsWithItsGrandchild(const QStringList &script, int signal)
 {
     QByteArray told;
-    const ChildResult result = followChild(fake({u"grandchild=60000"_s, u"hang"_s}), {.take =
-                                                                                          [&](const QByteArray &bytes) {
-                                                                                              told += bytes;
-                                                                                              return !told.endsWith('\n');
-                                                                                          },
-                                                                                      .isUnwanted = {}});
-    EXPECT_TRUE(result.wasStopped);
-    ASSERT_TRUE(result.exit);
-    EXPECT_EQ(result.exit->signal, SIGTERM);
+    const auto take = [&](const QByteArray &bytes) {
+        told += bytes;
+        return !told.endsWith('\n');
+    };
+    const ChildResult result = followChild(fake(script), {.take = take, .isUnwanted = {}});
+    if (!result.wasStopped || !result.exit || result.exit->signal != signal)
+        return testing::AssertionFailure() << "it ended in another way";
     const int grandchild = told.trimmed().split(' ').last().toInt();
-    ASSERT_GT(grandchild, 0);
     QElapsedTimer timer;
     timer.start();
-    bool isGone = false;
-    while (!isGone && timer.elapsed() < 30'000) {
+    while (grandchild > 0 && timer.elapsed() < 30'000) {
         QFile status(u"/proc/%1/stat"_s.arg(grandchild));
-        isGone = !status.open(QIODevice::ReadOnly) || status.readAll().contains(") Z ");
+        if (!status.open(QIODevice::ReadOnly) || status.readAll().contains(") Z "))
+            return testing::AssertionSuccess();
     }
-    EXPECT_TRUE(isGone);
+    return testing::AssertionFailure() << told.constData() << "is still there";
+}
+
+TEST_F(FollowChild, EndsTheWholeGroupOfAChildThatIsNotWantedAnyMore)
+{
+    EXPECT_TRUE(endsWithItsGrandchild({u"grandchild=60000"_s, u"hang"_s}, SIGTERM));
+    expectNoneLeft();
+}
+
+TEST_F(FollowChild, KillsTheWholeGroupOfAChildThatIgnoresTermination)
+{
+    EXPECT_TRUE(endsWithItsGrandchild({u"ignore-term"_s, u"grandchild=60000"_s, u"hang"_s}, SIGKILL));
     expectNoneLeft();
 }
 

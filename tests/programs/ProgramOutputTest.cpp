@@ -31,7 +31,9 @@ QList<Recording> recordings()
     return {
         {u"flac-encode"_s, flac::parseEncoding, u"Encoding to Flac: "_s},
         {u"flac-encode-verify"_s, flac::parseEncoding, u"Encoding to Flac: "_s},
+        {u"flac-1.5-encode"_s, flac::parseEncoding, u"Encoding to Flac: "_s},
         {u"flac-decode"_s, flac::parseDecoding, u"Decoding Flac: "_s},
+        {u"flac-1.5-decode"_s, flac::parseDecoding, u"Decoding Flac: "_s},
         {u"shntool-conv-wav"_s, shntool::parseFromShorten, u"Decoding SHN: "_s},
         {u"shntool-conv-wav"_s, shntool::parseToShorten, u"Encoding to SHN: "_s},
         {u"shntool-conv-shn-no-encoder"_s, shntool::parseToShorten, u"Encoding to SHN: "_s},
@@ -206,6 +208,13 @@ TEST(ProgramOutput, ReportEverythingThatARecordedDecodingWrote)
         written += chunk;
     }
     EXPECT_EQ(reported.toUtf8().replace("\b", ""), written.replace("\b", ""));
+}
+
+TEST(ProgramOutput, SeeTheDamageThatARecordedDecodingTellsOf)
+{
+    EXPECT_TRUE(flac::tellsOfDamage(QString::fromUtf8(test::transcriptChunks(u"flac-1.5-cut"_s).join())));
+    for (const QString &name : {u"flac-decode"_s, u"flac-1.5-decode"_s})
+        EXPECT_FALSE(flac::tellsOfDamage(QString::fromUtf8(test::transcriptChunks(name).join()))) << qPrintable(name);
 }
 
 TEST(ProgramOutput, StandEveryCutOfARecordedRun)

@@ -171,8 +171,11 @@ std::vector<Recording> recordings()
     const QString mac = u"Progress: ([\\d.]+)%"_s;
     return {
         {u"wavpack-encode"_s, wavpack::encoding(u"-f"_s, in, out), u"Encoding to Wavpack: "_s, wavpack, true},
+        {u"wavpack-5.8-encode"_s, wavpack::encoding(u"-f"_s, in, out), u"Encoding to Wavpack: "_s, wavpack, true},
         {u"wavpack-cut"_s, wavpack::encoding(u"-f"_s, in, out), u"Encoding to Wavpack: "_s, wavpack, true},
+        {u"wavpack-5.8-cut"_s, wavpack::encoding(u"-f"_s, in, out), u"Encoding to Wavpack: "_s, wavpack, true},
         {u"wvunpack"_s, wavpack::decoding(in, false, out), u"Deoding From Wavpack: "_s, wavpack, true},
+        {u"wvunpack-5.8"_s, wavpack::decoding(in, false, out), u"Deoding From Wavpack: "_s, wavpack, true},
         {u"wvunpack"_s, wavpack::decodingToWavForFlac(in, out), u"Decoding From Wavpack "_s, wavpack, true},
         {u"wvunpack"_s, wavpack::decodingToWav(in, out), u"Decoding to WAV: "_s, wavpack, true},
         {u"ttaenc-encode"_s, ttaenc::encoding(in, out), u"Encoding to TTA: "_s, tta, false},
@@ -182,6 +185,7 @@ std::vector<Recording> recordings()
         {u"mac-decode"_s, monkeysAudio::decoding(in, out), u"Decoding from Monkey's Audio: "_s, mac, false},
         {u"mac-decode"_s, monkeysAudio::decodingToWav(in, out), u"Decoding to WAV: "_s, mac, false},
         {u"flac-decode"_s, flac::decodingToWav(in, out), u"Decoding to WAV: "_s, u"(\\d+)% "_s, false},
+        {u"flac-1.5-decode"_s, flac::decodingToWav(in, out), u"Decoding to WAV: "_s, u"(\\d+)% "_s, false},
     };
 }
 
@@ -260,7 +264,9 @@ TEST(StageParsers, SeeTheMarkersInRecordedRuns)
 {
     for (const auto &[name, stage] :
          {std::pair{u"wavpack-question"_s, wavpack::encoding(u"-f"_s, u"/i"_s, u"/o"_s)},
+          std::pair{u"wavpack-5.8-question"_s, wavpack::encoding(u"-f"_s, u"/i"_s, u"/o"_s)},
           std::pair{u"wvunpack-question"_s, wavpack::decoding(u"/i"_s, false, u"/o"_s)},
+          std::pair{u"wvunpack-5.8-question"_s, wavpack::decoding(u"/i"_s, false, u"/o"_s)},
           std::pair{u"mac-error"_s, monkeysAudio::encoding(u"2000"_s, u"/i"_s, u"/o"_s)}}) {
         const QString whole = QString::fromUtf8(test::transcriptChunks(name).join());
         EXPECT_TRUE(stage.tellsOfError(whole)) << qPrintable(name);

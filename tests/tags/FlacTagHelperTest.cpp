@@ -13,6 +13,8 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 using namespace Qt::StringLiterals;
 using namespace nurv;
 using namespace nurv::test;
@@ -205,6 +207,21 @@ TEST(FlacTagHelper, KeepsTheOldValueWhenTheNewOneDoesNotFitACommandLine)
     FlacTagHelper::writeTagForFile(path, FlacTagHelper::kComment, QString(200'000, u'x'), false);
     EXPECT_EQ(metaflacTags(path), QStringList{u"COMMENT=old"_s});
     EXPECT_EQ(log.texts(u"nurv.tags"_s).size(), 1);
+}
+
+TEST(FlacTagHelper, KnowsTheLongestValueThatFitsACommandLineToTheByte)
+{
+    const TestFolder folder;
+    const QString path = writeTaggableFlac(folder, u"a.flac"_s);
+    metaflac({u"--set-tag=COMMENT=old"_s, path});
+    // What the kernel takes as one argument, with its end mark (execve(2)).
+    const qsizetype longest = 32LL * ::sysconf(_SC_PAGESIZE) - 1 - u"--set-tag=COMMENT="_s.size();
+    const LogCapture log;
+    FlacTagHelper::writeTagForFile(path, FlacTagHelper::kComment, QString(longest + 1, u'x'), false);
+    EXPECT_EQ(metaflacTags(path), QStringList{u"COMMENT=old"_s});
+    EXPECT_EQ(log.texts(u"nurv.tags"_s).size(), 1);
+    FlacTagHelper::writeTagForFile(path, FlacTagHelper::kComment, QString(longest, u'x'), false);
+    EXPECT_EQ(metaflacTags(path), QStringList{u"COMMENT="_s + QString(longest, u'x')});
 }
 
 TEST(FlacTagHelper, TakesFileNamesWithBlanksQuotesNewlinesAndDashes)

@@ -5,6 +5,7 @@
 #include "FolderWatch.h"
 #include "Mp4Fixtures.h"
 #include "support/AudioFixtures.h"
+#include "support/SystemCallRecorder.h"
 #include "TagFixtures.h"
 #include "tags/AACTagsHelper.h"
 
@@ -231,6 +232,20 @@ TEST_F(Mp4OptimizerFiles, RefusesOffsetsThatNameNoSound)
     }
 }
 
+TEST_F(Mp4OptimizerFiles, FollowsAnOffsetOfTheVeryEndOfTheSound)
+{
+    const QByteArray plain = plainFile();
+    const auto end = static_cast<quint32>(plain.indexOf("moov") - 4);
+    const QString path = folder.write(u"a.m4a"_s, edited(plain, kSampleTablePath + QByteArrayList{"stco"},
+                                                         [end](const QByteArray &contents) {
+                                                             return contents.left(8) + bigEndian32(end) + contents.mid(12);
+                                                         }));
+    EXPECT_EQ(failureOf([&] { optimize(path); }), std::nullopt) << "an empty chunk may lie there";
+    const QByteArray after = folder.read(u"a.m4a"_s);
+    EXPECT_EQ(typesOf(after), (QByteArrayList{"ftyp", "moov", "mdat"}));
+    EXPECT_EQ(chunkOffsets(after).value(0), static_cast<quint64>(after.size()));
+}
+
 TEST_F(Mp4OptimizerFiles, RefusesItemsBesideTheMovie)
 {
     EXPECT_TRUE(isRefused(plainFile() + boxBytes("meta", QByteArray(4, '\0'))));
@@ -305,6 +320,18 @@ TEST_F(Mp4OptimizerFiles, LeavesTheFileAsItWasWhenTheDiskIsFull)
     EXPECT_EQ(failureOf([&] { optimize(path); }), u"Unable to save the tags: File too large."_s);
     EXPECT_EQ(folder.read(u"a.m4a"_s), plain);
     EXPECT_EQ(folder.list(), QStringList{u"a.m4a"_s});
+}
+
+TEST_F(Mp4OptimizerFiles, HasReplacedAFileWhenTheNewOneIsOnTheDisk)
+{
+    const QString path = folder.write(u"a.m4a"_s, "old");
+    const QString temporary = folder.write(u"temporary.m4a"_s, "new");
+    const SystemCallRecorder calls;
+    Mp4Optimizer::replace(path, temporary);
+    EXPECT_EQ(folder.read(u"a.m4a"_s), QByteArray("new"));
+    const qsizetype named = calls.indexOf(u"rename "_s + temporary);
+    ASSERT_GE(named, 0);
+    EXPECT_TRUE(calls.calls().mid(named).contains(u"fsync "_s + folder.path())) << qPrintable(calls.calls().join(u'\n'));
 }
 
 TEST_F(Mp4OptimizerFiles, FailsWhenTheOldFileCannotBeDeleted)

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tags/TagEditStream.h"
 
+#include "support/SystemCallRecorder.h"
 #include "TagFixtures.h"
 
 #include <QFile>
@@ -9,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <random>
 
 #include <sys/stat.h>
@@ -329,4 +331,93 @@ TEST(TagEditStream, WritesTheEditedContentsIntoAnotherFile)
     const FileSizeLimit limit(5);
     EXPECT_EQ(stream.writeTo(other), u"File too large"_s);
     EXPECT_EQ(folder.read(u"a"_s), QByteArray("0123456789"));
+}
+
+TEST(TagEditStream, IsOnTheDiskWhenTheCommitIsDone)
+{
+    const TestFolder folder;
+    const QString path = folder.write(u"a"_s, "0123456789");
+    {
+        TagEditStream stream(path, Access::Edit);
+        stream.seek(3);
+        stream.writeBlock(bytes("xy"));
+        const SystemCallRecorder calls;
+        ASSERT_EQ(stream.commit(), std::nullopt);
+        const qsizetype written = calls.indexOf(u"pwrite "_s + path);
+        ASSERT_GE(written, 0);
+        EXPECT_LT(written, calls.indexOf(u"fdatasync "_s + path)) << qPrintable(calls.calls().join(u'\n'));
+    }
+    TagEditStream stream(path, Access::Edit);
+    stream.insert(bytes("head"), 0, 0);
+    const SystemCallRecorder calls;
+    ASSERT_EQ(stream.commit(), std::nullopt);
+    const qsizetype flushed = calls.indexOf(u"fsync "_s + folder.path(u".nurv-tags-"_s));
+    const qsizetype named = calls.indexOf(u"rename "_s + folder.path(u".nurv-tags-"_s));
+    ASSERT_GE(flushed, 0) << qPrintable(calls.calls().join(u'\n'));
+    EXPECT_LT(flushed, named);
+    EXPECT_TRUE(calls.calls().mid(named).contains(u"fsync "_s + folder.path()));
+}
+
+TEST(TagEditStream, LeavesTheFileWhenItsReplacementMayNotBeOnTheDisk)
+{
+    const TestFolder folder;
+    const QString path = folder.write(u"a"_s, "0123456789");
+    for (const QString &call : {u"fsync "_s, u"close "_s}) {
+        TagEditStream stream(path, Access::Edit);
+        stream.insert(bytes("head"), 0, 0);
+        SystemCallRecorder calls;
+        calls.fail(call + folder.path(u".nurv-tags-"_s), EIO);
+        EXPECT_EQ(stream.commit(), u"Input/output error"_s) << qPrintable(call);
+        EXPECT_EQ(folder.read(u"a"_s), QByteArray("0123456789"));
+        EXPECT_EQ(folder.list(), QStringList{u"a"_s});
+    }
+}
+
+TEST(TagEditStream, TakesWritesInPlaceBackWhenTheDiskTellsOfAnError)
+{
+    const TestFolder folder;
+    const QByteArray before(10'000, 'o');
+    const QString path = folder.write(u"a"_s, before);
+    const auto edit = [](TagEditStream &stream) {
+        stream.seek(10);
+        stream.writeBlock(bytes("first"));
+        stream.insert(bytes(QByteArray(5000, 'n')), 10'000, 0);
+    };
+    {
+        // The write of what makes it longer.
+        TagEditStream stream(path, Access::Edit);
+        edit(stream);
+        SystemCallRecorder calls;
+        calls.before(u"pwrite "_s + path, [&] { calls.fail(u"pwrite "_s + path, EIO, 1); });
+        EXPECT_EQ(stream.commit(), u"Input/output error"_s);
+        EXPECT_TRUE(folder.read(u"a"_s) == before);
+    }
+    {
+        TagEditStream stream(path, Access::Edit);
+        edit(stream);
+        SystemCallRecorder calls;
+        calls.fail(u"fdatasync "_s + path, EIO);
+        EXPECT_EQ(stream.commit(), u"Input/output error"_s);
+        EXPECT_TRUE(folder.read(u"a"_s) == before);
+    }
+    // A reservation of room that came halfway.
+    TagEditStream stream(path, Access::Edit);
+    edit(stream);
+    SystemCallRecorder calls;
+    calls.before(u"posix_fallocate "_s + path, [&] { ASSERT_TRUE(QFile::resize(path, 12'000)); });
+    calls.fail(u"posix_fallocate "_s + path, ENOSPC);
+    EXPECT_EQ(stream.commit(), u"No space left on device"_s);
+    EXPECT_TRUE(folder.read(u"a"_s) == before);
+}
+
+TEST(TagEditStream, ReplacesNoFileThatSomebodyCutsMeanwhile)
+{
+    const TestFolder folder;
+    const QString path = folder.write(u"a"_s, QByteArray(10'000, 'o'));
+    TagEditStream stream(path, Access::Edit);
+    stream.insert(bytes("head"), 0, 0);
+    ASSERT_TRUE(QFile::resize(path, 10));
+    EXPECT_EQ(stream.commit(), u"Input/output error"_s);
+    EXPECT_EQ(folder.read(u"a"_s), QByteArray(10, 'o'));
+    EXPECT_EQ(folder.list(), QStringList{u"a"_s});
 }

@@ -3,6 +3,7 @@
 #include "ui/DesktopPrompts.h"
 
 #include "support/TestFolder.h"
+#include "ui/WhenOpen.h"
 
 #include <QApplication>
 #include <QDialogButtonBox>
@@ -12,40 +13,14 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
-#include <QTimer>
 
 #include <gtest/gtest.h>
-
-#include <functional>
 
 using namespace Qt::StringLiterals;
 
 namespace nurv::test {
 
 namespace {
-
-/// Does something with the modal dialog as soon as it is there.
-template<typename Dialog>
-class WhenOpen {
-public:
-    explicit WhenOpen(std::function<void(Dialog &)> act)
-    {
-        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this, act = std::move(act)] {
-            auto *const dialog = qobject_cast<Dialog *>(QApplication::activeModalWidget());
-            if (dialog == nullptr || !dialog->isVisible())
-                return;
-            m_timer.stop();
-            ++m_acts;
-            act(*dialog);
-        });
-        m_timer.start(20);
-    }
-    ~WhenOpen() { EXPECT_EQ(m_acts, 1); }
-
-private:
-    QTimer m_timer;
-    int m_acts = 0;
-};
 
 class DesktopPromptsTest : public ::testing::Test {
 protected:
@@ -136,6 +111,34 @@ TEST_F(DesktopPromptsTest, TheFileChooserHasItsTitleAndButtonAndTakesSeveralFile
     EXPECT_EQ(chosen, (QStringList{folder.path(u"a.flac"_s), folder.path(u"b.flac"_s)}));
 }
 
+TEST_F(DesktopPromptsTest, TheChooserOfOneFileOffersFilesOfItsTypes)
+{
+    folder.write(u"a.cue"_s, "x");
+    WhenOpen<QFileDialog> user([this](QFileDialog &dialog) {
+        EXPECT_EQ(dialog.windowTitle(), u"Choose file with split point data"_s);
+        EXPECT_EQ(dialog.fileMode(), QFileDialog::ExistingFile);
+        EXPECT_EQ(dialog.nameFilters(), QStringList{u"CUE and TXT files (*.cue *.CUE *.txt *.TXT)"_s});
+        dialog.setDirectory(folder.path());
+        dialog.findChild<QLineEdit *>(u"fileNameEdit"_s)->setText(u"a.cue"_s);
+        dialog.findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Open)->click();
+    });
+    EXPECT_EQ(prompts.chooseFile({.title = u"Choose file with split point data"_s, .extensions = {u"cue"_s, u"txt"_s}}),
+              folder.path(u"a.cue"_s));
+}
+
+TEST_F(DesktopPromptsTest, TheSaveChooserAsksBeforeAFileIsReplaced)
+{
+    folder.write(u"old.txt"_s, "x");
+    WhenOpen<QFileDialog> user([this](QFileDialog &dialog) {
+        EXPECT_FALSE(dialog.testOption(QFileDialog::DontConfirmOverwrite));
+        dialog.findChild<QLineEdit *>(u"fileNameEdit"_s)->setText(folder.path(u"old.txt"_s));
+        WhenOpen<QMessageBox> doubtful([](QMessageBox &box) { QTest::keyClick(&box, Qt::Key_Escape); });
+        dialog.findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Save)->click();
+        dialog.reject();
+    });
+    EXPECT_EQ(prompts.chooseSavePath({.title = u"Save output"_s}), std::nullopt);
+}
+
 TEST_F(DesktopPromptsTest, TheFolderChooserReturnsAFolder)
 {
     folder.makeFolder(u"out"_s);
@@ -167,7 +170,7 @@ TEST_F(DesktopPromptsTest, TheSaveChooserStartsWithTheSuggestedName)
         name->setText(folder.path(u"other.txt"_s));
         dialog.findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Save)->click();
     });
-    EXPECT_EQ(prompts.chooseSavePath(u"report.txt"_s, u"Save output"_s), folder.path(u"other.txt"_s));
+    EXPECT_EQ(prompts.chooseSavePath({.title = u"Save output"_s, .suggestedName = u"report.txt"_s}), folder.path(u"other.txt"_s));
 }
 
 } // namespace nurv::test

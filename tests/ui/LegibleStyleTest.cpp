@@ -4,6 +4,7 @@
 
 #include <QCheckBox>
 #include <QImage>
+#include <QLineEdit>
 #include <QRadioButton>
 #include <QStyleFactory>
 #include <QStyleOptionButton>
@@ -73,12 +74,19 @@ TEST(LegibleStyle, OutlinesTheBoxesOfADarkPaletteLegibly)
     EXPECT_GE(outlineContrast<QRadioButton>(style, kDark), 3.0);
 }
 
+TEST(LegibleStyle, OutlinesTheTextFieldsOfADarkPaletteLegibly)
+{
+    LegibleStyle style;
+    EXPECT_GE(outlineContrast<QLineEdit>(style, kDark), 3.0);
+}
+
 TEST(LegibleStyle, LooksLikeFusionInALightPalette)
 {
     LegibleStyle style;
     const std::unique_ptr<QStyle> fusion(QStyleFactory::create(u"Fusion"_s));
     EXPECT_EQ(pictureOf<QCheckBox>(style, kLight), pictureOf<QCheckBox>(*fusion, kLight));
     EXPECT_EQ(pictureOf<QRadioButton>(style, kLight), pictureOf<QRadioButton>(*fusion, kLight));
+    EXPECT_EQ(pictureOf<QLineEdit>(style, kLight), pictureOf<QLineEdit>(*fusion, kLight));
 }
 
 } // namespace nurv::test

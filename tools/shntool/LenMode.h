@@ -4,6 +4,7 @@
 
 #include "shntool/Mode.h"
 
+#include <cstdint>
 #include <string>
 
 namespace nurv {

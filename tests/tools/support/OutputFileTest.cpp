@@ -2,7 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/OutputFile.h"
 
+#include "files/FileDescriptor.h"
 #include "support/InputFile.h"
+#include "support/SystemCallRecorder.h"
 #include "support/TestFolder.h"
 #include "support/TestProgram.h"
 #include "support/ToolError.h"
@@ -28,21 +30,12 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// How long the files were that were synchronised.
-QList<qint64> g_synced;
 bool g_knowsUnnamedFiles = true;
 
 } // namespace
 
-/// Takes the place of that of the C library, and does what it does.
-extern "C" int fsync(int descriptor)
-{
-    struct stat status {};
-    g_synced.append(::fstat(descriptor, &status) == 0 ? status.st_size : -1);
-    return static_cast<int>(::syscall(SYS_fsync, descriptor));
-}
-
-/// The same, but for files without a name where there shall be none.
+/// Takes the place of that of the C library, and does what it does, but for files without a name where there shall be
+/// none.
 extern "C" int openat(int folder, const char *path, int flags, ...)
 {
     if ((flags & O_TMPFILE) == O_TMPFILE && !g_knowsUnnamedFiles) {
@@ -269,15 +262,47 @@ TEST_F(OutputFileTest, KeepsTheModeOfTheFileThatItReplaces)
 
 TEST_F(OutputFileTest, IsOnTheDiskBeforeItReplacesAFile)
 {
-    for (const int expected : {0, 1}) {
+    for (const bool isThere : {false, true}) {
         OutputFile output(path(u"out"_s), input());
         output.write(bytesOf("new"));
-        g_synced.clear();
+        const SystemCallRecorder calls;
         output.commit();
-        ASSERT_EQ(g_synced.size(), expected);
-        // With all of its bytes.
-        EXPECT_EQ(g_synced, QList<qint64>(expected, 3));
+        const qsizetype flushed = calls.indexOf(u"fsync "_s);
+        EXPECT_EQ(flushed >= 0, isThere);
+        if (!isThere)
+            continue;
+        // With all of its bytes, and under no name of others.
+        EXPECT_GT(flushed, calls.indexOf(u"write "_s));
+        EXPECT_LT(flushed, calls.indexOf(u"rename "_s)) << qPrintable(calls.calls().join(u'\n'));
     }
+}
+
+TEST_F(OutputFileTest, LeavesTheFormerFileWhenTheDiskTellsOfAnErrorAtTheEnd)
+{
+    m_folder.write(u"out"_s, "former");
+    for (const QString &call : {u"fsync "_s, u"close "_s}) {
+        OutputFile output(path(u"out"_s), input());
+        output.write(bytesOf("new"));
+        {
+            SystemCallRecorder calls;
+            calls.fail(call + m_folder.path(), EIO);
+            EXPECT_THROW(output.commit(), ToolError) << call.toStdString();
+        }
+        EXPECT_EQ(m_folder.read(u"out"_s), "former");
+    }
+    EXPECT_EQ(m_folder.list(), (QStringList{u"in"_s, u"out"_s}));
+}
+
+TEST_F(OutputFileTest, TellsOfAnErrorWhenItClosesWhatCannotBeReplaced)
+{
+    const std::string pipe = path(u"pipe"_s);
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    const FileDescriptor reader(::open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    OutputFile output(pipe, input());
+    output.write(bytesOf("new"));
+    SystemCallRecorder calls;
+    calls.fail(u"close "_s + m_folder.path(u"pipe"_s), EIO);
+    EXPECT_THROW(output.commit(), ToolError);
 }
 
 TEST_F(OutputFileTest, ReplacesTheFileThatALinkNames)

@@ -5,6 +5,7 @@
 //
 //     nurv_screenshots FOLDER [light|dark]
 
+#include "app/ExamplePanels.h"
 #include "app/NURVController.h"
 #include "convert/DecodeTab.h"
 #include "convert/EncodeTab.h"
@@ -20,6 +21,7 @@
 #include "ui/OutputWindow.h"
 #include "ui/pages/AboutPage.h"
 #include "ui/pages/TabPage.h"
+#include "ui/PanelDialog.h"
 #include "ui/StatusWindow.h"
 
 #include <QApplication>
@@ -170,6 +172,39 @@ void showOutput(UserPrompts &prompts, const QDir &folder, const QString &suffix)
     save(output, folder.filePath(u"output-%1.png"_s.arg(suffix)));
 }
 
+/// The panels that the tests ask with, as a user has begun to fill them.
+void showPanels(UserPrompts &prompts, const QDir &folder, const QString &suffix)
+{
+    const auto shoot = [&](const Panel &panel, const QString &name) {
+        PanelDialog dialog(panel, nullptr);
+        dialog.show();
+        dialog.activateWindow();
+        if (!waitUntil([&] { return dialog.isActiveWindow(); }))
+            std::fprintf(stderr, "the panel has no keyboard\n");
+        save(dialog, folder.filePath(u"panel-%1-%2.png"_s.arg(name, suffix)));
+    };
+    PrefixPanel prefix;
+    shoot(prefix.panel(), u"prefix"_s);
+    prefix.prefix.setText(u"gd1977-05-08d1t"_s);
+    shoot(prefix.panel(), u"prefix-filled"_s);
+    TrimPanel trim;
+    trim.number.setIntegerValue(3);
+    shoot(trim.panel(), u"trim"_s);
+    CustomTagsPanel tags;
+    tags.tags.setPair(0, {.name = u"TAPER"_s, .value = u"Anna Lind"_s});
+    tags.tags.setPair(1, {.name = u"LINEAGE"_s, .value = u"SBD > DAT > CDR > EAC > SHN"_s});
+    tags.tags.setPair(2, {.name = {}, .value = u"Aula Magna"_s});
+    shoot(tags.panel(), u"tags"_s);
+    NamesPanel names(prompts);
+    QString text;
+    for (const QString &path : concert(u"flac"_s))
+        text += path.section(u'/', -1).chopped(5) + u'\n';
+    names.names.setText(text);
+    shoot(names.panel(), u"names"_s);
+    OptionsPanel options;
+    shoot(options.panel(), u"options"_s);
+}
+
 int render(const QDir &folder, const QString &suffix)
 {
     QApplication::setStyle(new LegibleStyle);
@@ -188,6 +223,8 @@ int render(const QDir &folder, const QString &suffix)
     showFormats(encodeTab, decodeTab, window, folder, suffix);
     showRows(controller.taskQueue(), *window.statusWindow(), folder, suffix);
     showOutput(prompts, folder, suffix);
+    window.hide();
+    showPanels(prompts, folder, suffix);
     return 0;
 }
 

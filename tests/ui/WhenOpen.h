@@ -1,0 +1,37 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QApplication>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace nurv::test {
+
+/// Does something with the modal dialog as soon as it has the keyboard.
+template<typename Dialog>
+class WhenOpen {
+public:
+    explicit WhenOpen(std::function<void(Dialog &)> act)
+    {
+        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this, act = std::move(act)] {
+            auto *const dialog = qobject_cast<Dialog *>(QApplication::activeModalWidget());
+            if (dialog == nullptr || !dialog->isVisible() || QApplication::focusWidget() == nullptr)
+                return;
+            m_timer.stop();
+            ++m_acts;
+            act(*dialog);
+        });
+        m_timer.start(20);
+    }
+    ~WhenOpen() { EXPECT_EQ(m_acts, 1); }
+
+private:
+    QTimer m_timer;
+    int m_acts = 0;
+};
+
+} // namespace nurv::test
