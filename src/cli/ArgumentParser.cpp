@@ -75,7 +75,7 @@ QString choiceText(const QStringList &choices)
     return choices.size() > kFew ? u"one of "_s + choices.join(u", "_s) : choices.join(u" or "_s);
 }
 
-void checkNumber(const OptionSpec &option, const QString &value, const QString &format)
+void checkNumber(const CommandSpec &command, const OptionSpec &option, const QString &value, const QString &format)
 {
     const OptionSpec::Numbers *const numbers = option.numbersFor(format);
     bool isNumber = false;
@@ -89,19 +89,24 @@ void checkNumber(const OptionSpec &option, const QString &value, const QString &
     for (int member = numbers->least; member <= numbers->most; member += numbers->step)
         list.append(QString::number(member));
     throw UsageError(
-        u"--%1 takes %2 with --format %3, not \"%4\""_s.arg(option.name, alternatives(list), format, value));
+        u"--%1 takes %2 with --%3 %4, not \"%5\""_s.arg(option.name, alternatives(list), command.selector, format, value));
 }
 
-void checkValue(const OptionSpec &option, const ParsedArguments &arguments)
+void checkValue(const CommandSpec &command, const OptionSpec &option, const ParsedArguments &arguments)
 {
     const QString value = arguments.value(option.name);
-    const QString format = arguments.value(u"format"_s);
+    const QString format = arguments.value(command.selector);
     if (!option.choices.isEmpty() && !option.choices.contains(value))
         throw UsageError(u"--%1 takes %2, not \"%3\""_s.arg(option.name, choiceText(option.choices), value));
     if (!option.formats.isEmpty() && !option.formats.contains(format))
-        throw UsageError(u"--%1 goes with --format %2 only, not with %3"_s.arg(option.name, alternatives(option.formats), format));
+        throw UsageError(u"--%1 goes with --%2 %3 only, not with %4"_s.arg(option.name, command.selector,
+                                                                          alternatives(option.formats), format));
+    const QStringList formats = option.choiceFormats.value(value);
+    if (!formats.isEmpty() && !formats.contains(format))
+        throw UsageError(u"--%1 %2 goes with --%3 %4 only, not with %5"_s.arg(option.name, value, command.selector,
+                                                                             alternatives(formats), format));
     if (!option.numbers.empty())
-        checkNumber(option, value, format);
+        checkNumber(command, option, value, format);
 }
 
 } // namespace
@@ -171,7 +176,7 @@ void checkArguments(const CommandSpec &command, const ParsedArguments &arguments
                 check(option);
         }
     };
-    given([&](const OptionSpec &option) { checkValue(option, arguments); });
+    given([&](const OptionSpec &option) { checkValue(command, option, arguments); });
     if (command.takesPaths && arguments.operands.isEmpty())
         throw UsageError(u"no files are given"_s);
     if (!command.takesPaths && !arguments.operands.isEmpty())

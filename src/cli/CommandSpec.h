@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QMap>
 #include <QString>
 #include <QStringList>
 
@@ -25,7 +26,7 @@ struct OptionSpec {
         int least = 0;
         int most = 0;
         int step = 1;
-        QStringList formats = {}; ///< where --format is one of these; empty: always
+        QStringList formats = {}; ///< where the command's selector is one of these; empty: always
 
         [[nodiscard]] bool hold(int number) const
         {
@@ -41,13 +42,14 @@ struct OptionSpec {
     std::vector<Numbers> numbers = {};  ///< empty: the value is no number
     bool isFolder = false;              ///< the value is the path of a folder
     QString standard = {};              ///< the value that counts when the option is not given
-    QStringList formats = {};           ///< it goes with one of these of --format only
+    QStringList formats = {};           ///< it goes with one of these of the command's selector only
+    QMap<QString, QStringList> choiceFormats = {}; ///< the same of some of its choices
     QString partner = {};               ///< it goes with that option only
     QStringList excluded = {};          ///< options that it cannot be given with
     ControlSetter set = {};             ///< empty: it sets no control
 
     [[nodiscard]] bool takesValue() const { return !valueName.isEmpty(); }
-    /// The numbers that it takes with that format; null when it takes none there.
+    /// The numbers that it takes with that value of the selector; null when it takes none there.
     [[nodiscard]] const Numbers *numbersFor(const QString &format) const;
 };
 
@@ -58,6 +60,8 @@ struct CommandSpec {
     QString synopsis = {};    ///< what follows "nurv <name>"
     QString details = {};     ///< paragraphs for the command's own help
     bool takesPaths = true;   ///< files and folders may follow
+    /// The option on whose value others depend: see OptionSpec::formats.
+    QString selector = QStringLiteral("format");
     std::vector<OptionSpec> options = {};
 
     /// Null when there is none of that name.

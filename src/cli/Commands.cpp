@@ -5,6 +5,7 @@
 #include "cli/commands/DecodeCommand.h"
 #include "cli/commands/DoctorCommand.h"
 #include "cli/commands/EncodeCommand.h"
+#include "cli/commands/LossyCommand.h"
 #include "cli/commands/RecoverCommand.h"
 
 namespace nurv {
@@ -13,9 +14,10 @@ const CommandTree &commands()
 {
     static const EncodeCommand encode;
     static const DecodeCommand decode;
+    static const LossyCommand lossy;
     static const DoctorCommand doctor;
     static const RecoverCommand recover;
-    static const CommandTree tree({&encode, &decode, &doctor, &recover});
+    static const CommandTree tree({&encode, &decode, &lossy, &doctor, &recover});
     return tree;
 }
 

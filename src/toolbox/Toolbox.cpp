@@ -4,6 +4,7 @@
 
 #include "convert/DecodeTab.h"
 #include "convert/EncodeTab.h"
+#include "lossy/LossyTab.h"
 
 #include <QtGlobal>
 
@@ -76,7 +77,8 @@ const std::vector<Tool> &toolbox()
                       {u"lossyComboLevel"_s, 160},
                       {u"opusFrameSizeIndex"_s, 3},
                       {u"encodeLossyToSourceDirectory"_s, 0},
-                      {u"incomingSurroundOrder"_s, u"L R C LFE LS RS (STANDARD)"_s}}},
+                      {u"incomingSurroundOrder"_s, u"L R C LFE LS RS (STANDARD)"_s}},
+         .makeTab = make<LossyTab>},
     };
     return tools;
 }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/Bindings.h"
 
+#include "app/ComboControl.h"
 #include "app/Control.h"
 #include "app/LinesControl.h"
 #include "app/PairsControl.h"
@@ -11,6 +12,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QIntValidator>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -23,6 +25,9 @@
 namespace nurv {
 
 namespace {
+
+/// No bit rate has more digits.
+constexpr int kMostTypedNumber = 9999;
 
 /// Runs `show` now and after every change of the control, as long as the widget lives.
 template<typename Show>
@@ -90,6 +95,27 @@ void bind(QComboBox *box, ChoiceControl &control)
         box->setCurrentIndex(index >= 0 && index < box->count() ? index : -1);
     });
     QObject::connect(box, &QComboBox::activated, &control, [&control](int index) { control.setSelectedIndex(index); });
+    follow(box, control);
+}
+
+void bind(QComboBox *box, ComboControl &control)
+{
+    {
+        const QSignalBlocker blocker(box);
+        box->setEditable(true);
+        box->setInsertPolicy(QComboBox::NoInsert);
+        box->setValidator(new QIntValidator(0, kMostTypedNumber, box));
+        box->clear();
+        for (const int item : control.items())
+            box->addItem(QString::number(item));
+    }
+    showAlways(box, control, [box, &control] {
+        const QSignalBlocker blocker(box);
+        if (box->currentText() != control.text())
+            box->setCurrentText(control.text());
+    });
+    QObject::connect(box, &QComboBox::currentTextChanged, &control,
+                     [&control](const QString &text) { control.setText(text); });
     follow(box, control);
 }
 

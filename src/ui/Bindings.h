@@ -17,6 +17,7 @@ namespace nurv {
 
 class CheckControl;
 class ChoiceControl;
+class ComboControl;
 class Control;
 class LabelControl;
 class LinesControl;
@@ -37,6 +38,8 @@ void bind(QCheckBox *box, CheckControl &control);
 void bind(RadioMatrix *matrix, ChoiceControl &control, const QStringList &shownTitles = {});
 /// Fills the box with the titles of the control.
 void bind(QComboBox *box, ChoiceControl &control);
+/// Fills the box with the usual numbers; others may be typed.
+void bind(QComboBox *box, ComboControl &control);
 /// `valueLabel`, when given, shows the value as a number.
 void bind(QSlider *slider, QLabel *valueLabel, SliderControl &control);
 void bind(QSpinBox *box, StepperControl &control);

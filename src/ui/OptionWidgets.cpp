@@ -2,11 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/OptionWidgets.h"
 
+#include "app/ComboControl.h"
 #include "app/Control.h"
 #include "ui/Bindings.h"
+#include "ui/LevelBox.h"
 #include "ui/RadioMatrix.h"
 
 #include <QCheckBox>
+#include <QComboBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QSlider>
@@ -26,6 +29,26 @@ QLabel *addCaption(QHBoxLayout *row, const QString &caption, Control &control, Q
     row->addWidget(label);
     follow(label, control);
     return label;
+}
+
+void name(QWidget *widget, const QString &objectName, const QString &accessibleName)
+{
+    widget->setObjectName(objectName);
+    widget->setAccessibleName(accessibleName);
+    widget->setToolTip(accessibleName);
+}
+
+void addBoxWithUnit(QVBoxLayout *column, QComboBox *box, Control &control, const QString &caption, const QString &unit,
+                    QWidget *parent)
+{
+    auto *const row = new QHBoxLayout;
+    addCaption(row, caption, control, parent)->setBuddy(box);
+    row->addWidget(box);
+    auto *const unitLabel = new QLabel(unit, parent);
+    follow(unitLabel, control);
+    row->addWidget(unitLabel);
+    row->addStretch(1);
+    column->addLayout(row);
 }
 
 } // namespace
@@ -78,6 +101,38 @@ void addChoice(QVBoxLayout *column, ChoiceControl &control, const QString &capti
     row->addWidget(matrix, 1);
     column->addLayout(row);
     bind(matrix, control);
+}
+
+void addStepper(QVBoxLayout *column, StepperControl &control, const QString &caption, const QString &objectName,
+                const QString &accessibleName, QWidget *parent)
+{
+    auto *const row = new QHBoxLayout;
+    QLabel *const captionLabel = addCaption(row, caption, control, parent);
+    auto *const box = new LevelBox(parent);
+    name(box, objectName, accessibleName);
+    captionLabel->setBuddy(box);
+    row->addWidget(box);
+    row->addStretch(1);
+    column->addLayout(row);
+    bind(box, control);
+}
+
+void addDropDown(QVBoxLayout *column, ChoiceControl &control, const QString &caption, const QString &unit,
+                 const QString &objectName, const QString &accessibleName, QWidget *parent)
+{
+    auto *const box = new QComboBox(parent);
+    name(box, objectName, accessibleName);
+    addBoxWithUnit(column, box, control, caption, unit, parent);
+    bind(box, control);
+}
+
+void addCombo(QVBoxLayout *column, ComboControl &control, const QString &caption, const QString &unit,
+              const QString &objectName, const QString &accessibleName, QWidget *parent)
+{
+    auto *const box = new QComboBox(parent);
+    name(box, objectName, accessibleName);
+    addBoxWithUnit(column, box, control, caption, unit, parent);
+    bind(box, control);
 }
 
 } // namespace nurv

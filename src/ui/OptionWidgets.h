@@ -11,7 +11,9 @@ namespace nurv {
 
 class CheckControl;
 class ChoiceControl;
+class ComboControl;
 class SliderControl;
+class StepperControl;
 
 // Each adds one bound row of options to a column, with its caption, object name,
 // tool tip and accessible name. `parent` owns the widgets.
@@ -24,5 +26,15 @@ void addSlider(QVBoxLayout *column, SliderControl &control, const QString &capti
 /// Caption and a matrix of radio buttons.
 void addChoice(QVBoxLayout *column, ChoiceControl &control, const QString &caption, const QString &objectName,
                const QString &accessibleName, QWidget *parent);
+
+/// Caption and a field for a number that steps.
+void addStepper(QVBoxLayout *column, StepperControl &control, const QString &caption, const QString &objectName,
+                const QString &accessibleName, QWidget *parent);
+/// Caption, a list of the titles that drops down, and the unit.
+void addDropDown(QVBoxLayout *column, ChoiceControl &control, const QString &caption, const QString &unit,
+                 const QString &objectName, const QString &accessibleName, QWidget *parent);
+/// The same with a field that takes other numbers, too.
+void addCombo(QVBoxLayout *column, ComboControl &control, const QString &caption, const QString &unit,
+              const QString &objectName, const QString &accessibleName, QWidget *parent);
 
 } // namespace nurv

@@ -4,8 +4,10 @@
 
 #include "convert/DecodeTab.h"
 #include "convert/EncodeTab.h"
+#include "lossy/LossyTab.h"
 #include "ui/pages/DecodePage.h"
 #include "ui/pages/EncodePage.h"
+#include "ui/pages/LossyPage.h"
 
 namespace nurv {
 
@@ -22,7 +24,7 @@ TabPage *makeFor(BaseTab *tab)
 
 TabPage *makePage(BaseTab *tab)
 {
-    for (const auto make : {makeFor<DecodeTab, DecodePage>, makeFor<EncodeTab, EncodePage>}) {
+    for (const auto make : {makeFor<DecodeTab, DecodePage>, makeFor<EncodeTab, EncodePage>, makeFor<LossyTab, LossyPage>}) {
         if (TabPage *const page = make(tab))
             return page;
     }

@@ -1,0 +1,185 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "convert/ConvertFixture.h"
+#include "lossy/EncodeAACTask.h"
+#include "lossy/EncodeMP3Task.h"
+#include "lossy/EncodeOpusTask.h"
+#include "lossy/LossyTab.h"
+
+#include <ostream>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+namespace {
+
+class LossyTabTest : public test::HeldQueueFixture {
+protected:
+    LossyTabTest()
+    {
+        for (const QString &key : {u"lossySliderLevel"_s, u"lossyStepperLevel"_s, u"lossyComboLevel"_s,
+                                   u"opusFrameSizeIndex"_s, u"encodeLossyToSourceDirectory"_s})
+            SettingsStore::instance().remove(key);
+    }
+    static int stored(const QString &key) { return SettingsStore::instance().integer(key); }
+
+    /// The one job that the button queues for a file, with its command line.
+    template<typename Task>
+    std::shared_ptr<Task> queuedFor(LossyTab &tab, const QString &source)
+    {
+        prompts.expectOutputFolder(out.path());
+        tab.addMatchedFiles({source});
+        tab.executeCommand();
+        const auto &rows = queue().panelArray();
+        return rows.empty() ? nullptr : std::dynamic_pointer_cast<Task>(rows.back());
+    }
+};
+
+struct Mode {
+    QString encoder;
+    QString mode;
+    QStringList enabled;
+};
+
+void PrintTo(const Mode &mode, std::ostream *stream)
+{
+    *stream << qPrintable(mode.encoder) << ' ' << qPrintable(mode.mode);
+}
+
+class LossyModeTest : public LossyTabTest, public ::testing::WithParamInterface<Mode> {};
+
+TEST_P(LossyModeTest, EnablesWhatItUses)
+{
+    LossyTab tab(controller);
+    const Mode &mode = GetParam();
+    ASSERT_TRUE(tab.outputFormatMatrix.selectTitle(mode.encoder));
+    ChoiceControl &matrix = mode.encoder == u"AAC" ? tab.aacMatrix : mode.encoder == u"Opus" ? tab.opusMatrix : tab.mp3Matrix;
+    ASSERT_TRUE(matrix.selectTitle(mode.mode));
+    tab.displayRelevantOptions();
+    QStringList enabled;
+    for (const auto &[name, control] : std::initializer_list<std::pair<QString, Control *>>{{u"mp3"_s, &tab.mp3Matrix},
+                                                                                            {u"aac"_s, &tab.aacMatrix},
+                                                                                            {u"opus"_s, &tab.opusMatrix},
+                                                                                            {u"combo"_s, &tab.comboBox},
+                                                                                            {u"slider"_s, &tab.slider},
+                                                                                            {u"stepper"_s, &tab.stepper},
+                                                                                            {u"field"_s, &tab.stepperTextField},
+                                                                                            {u"frames"_s, &tab.opusFrameSizeCombo}}) {
+        if (control->isEnabled())
+            enabled.append(name);
+    }
+    EXPECT_EQ(enabled, mode.enabled);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, LossyModeTest,
+    ::testing::Values(Mode{u"LAME MP3"_s, u"CBR"_s, {u"mp3"_s, u"combo"_s}},
+                      Mode{u"LAME MP3"_s, u"VBR"_s, {u"mp3"_s, u"slider"_s}},
+                      Mode{u"AAC"_s, u"CBR"_s, {u"aac"_s, u"combo"_s}}, Mode{u"AAC"_s, u"ABR"_s, {u"aac"_s, u"combo"_s}},
+                      Mode{u"AAC"_s, u"VBR Constrained"_s, {u"aac"_s, u"combo"_s}},
+                      Mode{u"AAC"_s, u"VBR"_s, {u"aac"_s, u"stepper"_s, u"field"_s}},
+                      Mode{u"Opus"_s, u"CBR"_s, {u"opus"_s, u"combo"_s, u"frames"_s}},
+                      Mode{u"Opus"_s, u"VBR"_s, {u"opus"_s, u"combo"_s, u"frames"_s}}));
+
+TEST_F(LossyTabTest, BeginsWithTheDefaults)
+{
+    const LossyTab tab(controller);
+    EXPECT_EQ(tab.sliderLevel(), 3);
+    EXPECT_EQ(tab.stepperLevel(), 88);
+    EXPECT_EQ(tab.stepperTextField.text(), u"88");
+    EXPECT_EQ(tab.comboLevel(), 160);
+    EXPECT_EQ(tab.opusFrameSizeLevel(), u"20");
+}
+
+TEST_F(LossyTabTest, KeepsWhatWasChosenForTheNextTime)
+{
+    {
+        LossyTab tab(controller);
+        tab.slider.setIntegerValue(0);
+        tab.comboBox.setText(u"137"_s);
+        tab.stepper.setIntegerValue(120);
+        tab.opusFrameSizeCombo.setSelectedIndex(0);
+        EXPECT_EQ(stored(u"lossySliderLevel"_s), 0);
+        EXPECT_EQ(stored(u"lossyComboLevel"_s), 137);
+        EXPECT_EQ(stored(u"lossyStepperLevel"_s), 120);
+        EXPECT_EQ(stored(u"opusFrameSizeIndex"_s), 0);
+    }
+    const LossyTab tab(controller);
+    EXPECT_EQ(tab.sliderLevel(), 0);
+    EXPECT_EQ(tab.comboLevel(), 137);
+    EXPECT_EQ(tab.stepperLevel(), 120);
+    EXPECT_EQ(tab.opusFrameSizeLevel(), u"2.5");
+}
+
+TEST_F(LossyTabTest, PutsTheLastNumberBackForOneThatIsOutOfRange)
+{
+    LossyTab tab(controller);
+    for (const QString &typed : {u"200"_s, u"-1"_s, u"128"_s}) {
+        tab.stepperTextField.setText(typed);
+        EXPECT_EQ(tab.stepperLevel(), 88) << qPrintable(typed);
+        EXPECT_EQ(tab.stepperTextField.text(), u"88") << qPrintable(typed);
+    }
+    tab.stepperTextField.setText(u"127"_s);
+    EXPECT_EQ(tab.stepperLevel(), 127);
+    EXPECT_EQ(stored(u"lossyStepperLevel"_s), 127);
+    // The number at the start of the text counts, and none is 0.
+    tab.stepperTextField.setText(u"12 or so"_s);
+    EXPECT_EQ(tab.stepperLevel(), 12);
+    EXPECT_EQ(tab.stepperTextField.text(), u"12");
+    tab.stepperTextField.setText(u"x"_s);
+    EXPECT_EQ(tab.stepperLevel(), 0);
+}
+
+TEST_F(LossyTabTest, MakesAJobByEncoderModeAndLevel)
+{
+    const QString wav = test::writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
+    LossyTab tab(controller);
+    tab.comboBox.setText(u"128"_s);
+    const auto mp3 = queuedFor<EncodeMP3Task>(tab, wav);
+    ASSERT_TRUE(mp3);
+    EXPECT_EQ(mp3->outputFile(), out.path(u"a.mp3"_s));
+    EXPECT_FALSE(mp3->deleteOriginal());
+
+    tab.outputFormatMatrix.selectTitle(u"AAC"_s);
+    tab.aacMatrix.selectTitle(u"VBR"_s);
+    tab.stepper.setIntegerValue(90);
+    const auto byQuality = queuedFor<EncodeAACTask>(tab, wav);
+    ASSERT_TRUE(byQuality);
+    EXPECT_EQ(byQuality->settings().quality, 90U);
+    tab.aacMatrix.selectTitle(u"VBR Constrained"_s);
+    const auto byRate = queuedFor<EncodeAACTask>(tab, wav);
+    ASSERT_TRUE(byRate);
+    EXPECT_EQ(byRate->settings().bitRate, 128000U);
+
+    tab.outputFormatMatrix.selectTitle(u"Opus"_s);
+    EXPECT_TRUE(queuedFor<EncodeOpusTask>(tab, wav));
+    EXPECT_TRUE(tab.fileNames().isEmpty());
+}
+
+TEST_F(LossyTabTest, PutsOutputsBesideTheSourcesWithoutAQuestion)
+{
+    const QString wav = test::writeWav(folder.path(u"below/a.wav"_s), {.seconds = 0.1});
+    LossyTab tab(controller);
+    tab.sourceEncodeButton.setOn(true);
+    tab.addMatchedFiles({wav});
+    tab.executeCommand();
+    ASSERT_EQ(queue().panelArray().size(), 1U);
+    const auto job = std::dynamic_pointer_cast<EncodeMP3Task>(queue().panelArray()[0]);
+    ASSERT_TRUE(job);
+    EXPECT_EQ(job->outputFile(), folder.path(u"below/a.mp3"_s));
+}
+
+TEST_F(LossyTabTest, QueuesNothingAndKeepsTheListWhenOriginalsAreNotToGo)
+{
+    LossyTab tab(controller);
+    tab.deleteOriginalsButton.setOn(true);
+    tab.addMatchedFiles({test::writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1})});
+    prompts.expectAsk(u"You have chosen to delete the original files.  Are you sure you want to continue?"_s,
+                      {u"Yes"_s, u"No"_s}, u"No"_s);
+    tab.executeCommand();
+    EXPECT_TRUE(queue().panelArray().empty());
+    EXPECT_EQ(tab.fileNames().size(), 1);
+}
+
+} // namespace
+} // namespace nurv
