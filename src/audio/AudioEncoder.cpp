@@ -19,7 +19,10 @@ namespace {
 constexpr std::uint32_t kMostChannels = 8;
 constexpr std::uint32_t kMostQuality = 127;
 constexpr std::uint32_t kMostBitRateMode = 3;
+constexpr std::uint32_t kConstant = 0;
 constexpr std::uint32_t kByQuality = 3;
+/// What the thorough search is told of a wanted bit rate, so that the average comes near to it (decision 0019).
+constexpr double kShareOfWantedRate = 0.955;
 /// ISO/IEC 14496-3: an AAC frame has at most 6144 bits per channel.
 constexpr double kMostAacBitsPerSample = 6144.0 / 1024.0;
 /// The range of the encoder's own quality in which its output changes.
@@ -119,9 +122,13 @@ private:
 
 void AudioEncoder::Engine::applySettings(AVCodecContext &codec) const
 {
+    // The thorough search comes out above the rate that it is told.
     if (m_settings.bitRate > 0)
-        codec.bit_rate = m_settings.bitRate;
-    if (m_settings.quality > 0 && m_settings.bitRateMode == kByQuality) {
+        codec.bit_rate = m_settings.bitRateMode == kConstant
+                             ? m_settings.bitRate
+                             : std::lround(m_settings.bitRate * kShareOfWantedRate);
+    // Of this mode a quality of 0 is the lowest one.
+    if (m_settings.bitRateMode == kByQuality) {
         const double share = static_cast<double>(m_settings.quality) / kMostQuality;
         const double quality = kLowestQuality * std::pow(kHighestQuality / kLowestQuality, share);
         codec.flags |= AV_CODEC_FLAG_QSCALE;
@@ -129,7 +136,7 @@ void AudioEncoder::Engine::applySettings(AVCodecContext &codec) const
     }
     // The fast search gives frames of steady size, the thorough one better frames.
     if (m_file.formatId == kFormatAAC)
-        av_opt_set(codec.priv_data, "aac_coder", m_settings.bitRateMode == 0 ? "fast" : "twoloop", 0);
+        av_opt_set(codec.priv_data, "aac_coder", m_settings.bitRateMode == kConstant ? "fast" : "twoloop", 0);
 }
 
 bool AudioEncoder::Engine::makeBlock(libAv::Frame &block, int frames) const

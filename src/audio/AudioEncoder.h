@@ -16,7 +16,7 @@ namespace nurv {
 /// How AAC is to be encoded; what is 0 is left to the encoder.
 struct AudioEncoderSettings {
     std::uint32_t bitRate = 0;     ///< bits per second
-    std::uint32_t quality = 0;     ///< 1 to 127, for bit-rate control mode 3
+    std::uint32_t quality = 0;     ///< 0 to 127, for bit-rate control mode 3
     std::uint32_t bitRateMode = 0; ///< 0 constant, 1 long-term average, 2 constrained variable, 3 by quality
 };
 
