@@ -3,7 +3,6 @@
 #pragma once
 
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QTimer>
 
 #include <gtest/gtest.h>
@@ -20,29 +19,30 @@ public:
     explicit WhenOpen(std::function<void(Dialog &)> act)
     {
         QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this, act = std::move(act)] {
-            QWidget *const open = QApplication::activeModalWidget();
-            if (m_sinceStart.elapsed() > kMostMilliseconds && open != nullptr) {
-                ADD_FAILURE() << "a dialog stayed open: " << qPrintable(open->windowTitle());
-                m_timer.stop();
-                open->close();
+            auto *const dialog = qobject_cast<Dialog *>(QApplication::activeModalWidget());
+            if (dialog == nullptr || !dialog->isVisible() || QApplication::focusWidget() == nullptr)
                 return;
-            }
-            auto *const dialog = qobject_cast<Dialog *>(open);
-            if (m_acts > 0 || dialog == nullptr || !dialog->isVisible() || QApplication::focusWidget() == nullptr)
-                return;
+            m_timer.stop();
             ++m_acts;
             act(*dialog);
         });
-        m_sinceStart.start();
+        QObject::connect(&m_watchdog, &QTimer::timeout, &m_watchdog, [] {
+            QWidget *const open = QApplication::activeModalWidget();
+            if (open == nullptr)
+                return;
+            ADD_FAILURE() << "a dialog stayed open: " << qPrintable(open->windowTitle());
+            open->close();
+        });
         m_timer.start(20);
+        m_watchdog.start(kMostMilliseconds);
     }
     ~WhenOpen() { EXPECT_EQ(m_acts, 1); }
 
 private:
-    static constexpr qint64 kMostMilliseconds = 60'000;
+    static constexpr int kMostMilliseconds = 60'000;
 
-    QElapsedTimer m_sinceStart;
     QTimer m_timer;
+    QTimer m_watchdog;
     int m_acts = 0;
 };
 
