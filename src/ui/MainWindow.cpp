@@ -3,12 +3,11 @@
 #include "ui/MainWindow.h"
 
 #include "app/BaseTab.h"
+#include "app/FileArrivals.h"
 #include "app/NURVController.h"
 #include "app/UserPrompts.h"
 #include "engine/NURVTaskQueue.h"
-#include "platform/GuiThread.h"
 #include "platform/SettingsStore.h"
-#include "platform/WorkerThreads.h"
 #include "ui/AboutPage.h"
 #include "ui/ApplicationIcon.h"
 #include "ui/GivenFiles.h"
@@ -201,23 +200,12 @@ void MainWindow::addFolder()
 
 void MainWindow::openFiles(const GivenFiles &files)
 {
-    if (files.isEmpty() || m_isClosing)
+    if (m_isClosing)
         return;
-    const QString label = m_controller.selectedTabViewItem();
-    const QPointer<TabPage> page = m_pages.value(label);
-    if (page)
-        page->beginAddingFiles();
-    workerThreads::startOrRun([&controller = m_controller, window = QPointer<MainWindow>(this), page, label, files] {
-        FileIntake found = controller.collect(label, files.paths);
-        found.unreadableNames = files.refused + found.unreadableNames;
-        postToGuiThread([&controller, window, page, label, found = std::move(found)] {
-            if (!window)
-                return;
-            if (page)
-                page->endAddingFiles();
-            controller.addCollected(label, found);
-        });
-    });
+    m_controller.arrivals().receive({.label = m_controller.selectedTabViewItem(),
+                                     .door = Door::Application,
+                                     .paths = files.paths,
+                                     .refusedNames = files.refused});
 }
 
 void MainWindow::showReport(const QString &text, const QString &title)
