@@ -142,7 +142,8 @@ TEST_F(GuardedFilesTest, TheSourceIsNoneThatMayBeReplaced)
     tab.originals.existingOutputs = ExistingOutputs::Replace;
     runBeside(tab, {flac});
     ASSERT_EQ(endedTasks.size(), 1U);
-    EXPECT_TRUE(endedTasks[0]->report().contains(u"its output would replace it"_s)) << qPrintable(endedTasks[0]->report());
+    EXPECT_TRUE(endedTasks[0]->report().contains(u"its output would replace it"_s))
+        << qPrintable(endedTasks[0]->report());
     EXPECT_EQ(folder.read(u"a.flac"_s), before);
 }
 

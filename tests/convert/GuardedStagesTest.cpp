@@ -90,8 +90,8 @@ TEST_F(GuardedStagesTest, OneThatComesBeforeItsProgramBeginsStaysWhenTheJobIsCut
 
 TEST_F(GuardedStagesTest, AnOutputThatGoesWhileItGetsItsTagsFailsTheJob)
 {
-    const QString source = test::writeByFfmpeg(folder.path(u"a.m4a"_s), {},
-                                               {u"-c:a"_s, u"alac"_s, u"-metadata"_s, u"title=Song"_s});
+    const QString source =
+        test::writeByFfmpeg(folder.path(u"a.m4a"_s), {}, {u"-c:a"_s, u"alac"_s, u"-metadata"_s, u"title=Song"_s});
     tools.addReal(u"wavpack"_s);
     const auto task = makeEncoder(source, u"WV"_s);
     bool hasGone = false;
@@ -107,8 +107,8 @@ TEST_F(GuardedStagesTest, AnOutputThatGoesWhileItGetsItsTagsFailsTheJob)
 
 TEST_F(GuardedStagesTest, AnOutputGoesWhoseJobIsCancelledWhileItGetsItsTags)
 {
-    const QString source = test::writeByFfmpeg(folder.path(u"a.m4a"_s), {},
-                                               {u"-c:a"_s, u"alac"_s, u"-metadata"_s, u"title=Song"_s});
+    const QString source =
+        test::writeByFfmpeg(folder.path(u"a.m4a"_s), {}, {u"-c:a"_s, u"alac"_s, u"-metadata"_s, u"title=Song"_s});
     tools.addReal(u"wavpack"_s);
     const auto task = makeEncoder(source, u"WV"_s);
     test::SystemCallRecorder calls;
@@ -121,8 +121,8 @@ TEST_F(GuardedStagesTest, AnOutputGoesWhoseJobIsCancelledWhileItGetsItsTags)
 
 TEST_F(GuardedStagesTest, AnOutputIsFlushedBehindItsTagsAndBeforeItsSourceGoes)
 {
-    const QString source = test::writeByFfmpeg(folder.path(u"a.m4a"_s), {},
-                                               {u"-c:a"_s, u"alac"_s, u"-metadata"_s, u"title=Song"_s});
+    const QString source =
+        test::writeByFfmpeg(folder.path(u"a.m4a"_s), {}, {u"-c:a"_s, u"alac"_s, u"-metadata"_s, u"title=Song"_s});
     tools.addReal(u"wavpack"_s);
     const auto task = makeEncoder(source, u"WV"_s);
     task->setDeleteOriginal(true);
