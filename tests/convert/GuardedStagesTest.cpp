@@ -74,6 +74,20 @@ TEST_F(GuardedStagesTest, OneThatTheProgramDidNotTouchStaysWhenItIsKilled)
     EXPECT_EQ(out.read(u"a.flac"_s), "somebody's");
 }
 
+TEST_F(GuardedStagesTest, AReplacedOneComesBackInThePlaceOfWhatAProgramMadeThatFailed)
+{
+    out.write(u"a.wav"_s, "old");
+    setFake(u"ttaenc"_s, "append=@-1:by and by;exit=1");
+    const auto task = makeDecoder(folder.write(u"a.tta"_s, "source"), u"WAV"_s);
+    const auto batch = std::make_shared<OutputBatch>();
+    batch->existingOutputs = ExistingOutputs::Replace;
+    task->setBatch(batch);
+    runJob(task);
+    EXPECT_TRUE(task->error());
+    EXPECT_EQ(out.list(), QStringList{u"a.wav"_s});
+    EXPECT_EQ(out.read(u"a.wav"_s), "old");
+}
+
 TEST_F(GuardedStagesTest, OneThatComesBeforeItsProgramBeginsStaysWhenTheJobIsCutShort)
 {
     setFake(u"wvunpack"_s, "append=@-2:half;create=" + folder.path(u"waits"_s).toUtf8() + ";hang");
