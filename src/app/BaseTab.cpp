@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/BaseTab.h"
 
+#include "app/FileArrivals.h"
 #include "app/NURVController.h"
 #include "app/PathNames.h"
 #include "base/Log.h"
@@ -40,23 +41,9 @@ void BaseTab::addMatchedFiles(const QStringList &paths, const QStringList &bases
     filesAdded();
 }
 
-FileIntake BaseTab::collect(const QStringList &paths) const
+void BaseTab::addFiles(const QStringList &paths)
 {
-    const FileTest isValid = [this](const QString &path) { return m_controller.isValidFile(m_label, path); };
-    FileIntake intake;
-    const StopTest mustStop = [this] { return m_controller.mustStopSearching(); };
-    for (const QString &given : paths) {
-        if (mustStop())
-            break;
-        const QString path = absolutePath(given);
-        if (isFolder(path))
-            collectFiles(given, isValid, intake, mustStop);
-        else if (isValid(path))
-            intake.accept(path);
-        else
-            intake.badExtensions.insert(pathExtension(path));
-    }
-    return intake;
+    addCollected(m_controller.arrivals().search({.label = m_label, .door = Door::List, .paths = paths}));
 }
 
 void BaseTab::addCollected(const FileIntake &intake)
@@ -74,14 +61,15 @@ void BaseTab::takeCollected(const FileIntake &intake)
     filesAdded();
 
     QList<Alert> messages;
-    if (!intake.badExtensions.isEmpty() && SettingsStore::instance().boolean(u"warnOnFilesSkipped"_s)) {
+    const bool tellsSkipped = SettingsStore::instance().boolean(u"warnOnFilesSkipped"_s);
+    if (tellsSkipped && !intake.refused.isEmpty()) {
         const QString title = m_fileNames.isEmpty()
             ? u"File types not supported by this tab"_s
             : u"Some files types were not recognized by this tab and were skipped"_s;
         messages.append({.title = title, .message = {}, .buttons = {u"OK"_s}});
     }
-    if (const std::optional<Alert> unreadable = unreadableAlert(intake))
-        messages.append(*unreadable);
+    if (const std::optional<Alert> skipped = skippedAlert(intake, tellsSkipped))
+        messages.append(*skipped);
     showBadFileMessages(messages);
 }
 

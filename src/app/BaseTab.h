@@ -62,11 +62,8 @@ public:
     void addMatchedFiles(const QStringList &paths, const QStringList &bases = {});
     /// Adds files and what lies in folders; tells the user what was refused.
     /// Blocks while it searches the folders.
-    void addFiles(const QStringList &paths) { addCollected(collect(paths)); }
-    /// The first half of `addFiles`: searches the folders and looks at the files.
-    /// Any thread; blocks.
-    [[nodiscard]] FileIntake collect(const QStringList &paths) const;
-    /// The second half of `addFiles`. While a tab executes, the files wait.
+    void addFiles(const QStringList &paths);
+    /// Adds what was found, and tells what was refused. While a tab executes, the files wait.
     void addCollected(const FileIntake &intake);
     /// Asks for files; empty when cancelled.
     [[nodiscard]] QStringList chooseFiles();

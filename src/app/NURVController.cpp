@@ -3,6 +3,7 @@
 #include "app/NURVController.h"
 
 #include "app/BaseTab.h"
+#include "app/FileArrivals.h"
 #include "app/PathNames.h"
 #include "app/UserPrompts.h"
 #include "audio/CoreAudioHelper.h"
@@ -19,17 +20,6 @@
 using namespace Qt::StringLiterals;
 
 namespace nurv {
-
-namespace {
-
-// The pages that files go to by their extensions.
-const QString kDecode = u"decode"_s;
-const QString kEncode = u"encode"_s;
-const QString kChecksum = u"checksum"_s;
-
-constexpr qsizetype kMostKindsTold = 20;
-
-} // namespace
 
 const QString NURVController::kAboutLabel = u"about"_s;
 
@@ -51,7 +41,8 @@ void NURVController::registerDefaults(const std::vector<Tool> &tools)
 }
 
 NURVController::NURVController(UserPrompts &prompts, DesktopServices &services, const std::vector<Tool> &tools)
-    : m_prompts(prompts), m_tools(tools), m_selectedLabel(pageLabels().first())
+    : m_prompts(prompts), m_tools(tools), m_arrivals(std::make_unique<FileArrivals>(*this)),
+      m_selectedLabel(pageLabels().first())
 {
     registerDefaults(tools);
     m_taskQueue = std::make_unique<NURVTaskQueue>(services);
@@ -83,7 +74,7 @@ QStringList NURVController::extensions(const QString &label) const
 void NURVController::selectTab(const QString &label)
 {
     if (label == kAboutLabel || tab(label))
-        show(label);
+        showPage(label);
 }
 
 void NURVController::selectTab(int index)
@@ -93,7 +84,7 @@ void NURVController::selectTab(int index)
         selectTab(labels.at(index));
 }
 
-void NURVController::show(const QString &label)
+void NURVController::showPage(const QString &label)
 {
     const bool isOther = std::exchange(m_selectedLabel, label) != label;
     didSelectTabViewItem();
@@ -109,113 +100,36 @@ void NURVController::didSelectTabViewItem()
 
 bool NURVController::isValidFile(const QString &label, const QString &path) const
 {
+    return look(label, path, FileRule::ByContents) == FileVerdict::Taken;
+}
+
+FileVerdict NURVController::look(const QString &label, const QString &path, FileRule rule) const
+{
+    using SoundKind = CoreAudioHelper::SoundKind;
+    const auto takenIf = [](bool isTaken) { return isTaken ? FileVerdict::Taken : FileVerdict::OtherKind; };
     const Tool *const page = tool(label);
     if (!page || page->extensions.isEmpty() || page->takesAllFiles)
-        return true;
+        return FileVerdict::Taken;
+    const bool looksInside = rule == FileRule::ByContents;
     const QStringList &accepted = page->extensions;
     const QString extension = formatWord(path);
     if (extension.isEmpty())
-        return page->takesFilesWithoutExtension;
-    if (extension == u"M4A" && page->takesAppleLossless)
-        return CoreAudioHelper::isAppleLossless(path);
+        return takenIf(looksInside && page->takesFilesWithoutExtension);
+    if (extension == u"M4A" && (looksInside ? page->takesAppleLossless : page->takesAppleLosslessFromFolders)) {
+        const SoundKind kind = CoreAudioHelper::soundKind(path);
+        if (kind == SoundKind::NotReadable)
+            return FileVerdict::NotReadable;
+        return kind == SoundKind::None ? FileVerdict::Damaged : takenIf(kind == SoundKind::AppleLossless);
+    }
     if (accepted.contains(extension))
-        return true;
+        return FileVerdict::Taken;
     const bool takesPlainAudio = accepted.contains(u"WAV"_s) || accepted.contains(u"AIF"_s) || accepted.contains(u"AIFF"_s);
-    return takesPlainAudio && CoreAudioHelper::isAiffOrWav(path);
+    return takenIf(looksInside && takesPlainAudio && CoreAudioHelper::soundKind(path) == SoundKind::PlainIntegers);
 }
 
-FileIntake NURVController::collect(const QString &label, const QStringList &paths) const
+void NURVController::openFiles(const QStringList &paths)
 {
-    const FileTest isAny = [](const QString &) { return true; };
-    FileIntake found;
-    for (const QString &path : paths)
-        collectFiles(path, isAny, found, [this] { return mustStopSearching(); });
-    if (!tab(label))
-        return found;
-    const FileIntake all = std::exchange(found, {});
-    for (qsizetype i = 0; i < all.accepted.size() && !mustStopSearching(); ++i) {
-        const QString &path = all.accepted.at(i);
-        if (!takesFromFolder(label, path))
-            continue;
-        if (isValidFile(label, path))
-            found.accept(path, all.bases.value(i));
-        else
-            found.badExtensions.insert(pathExtension(path));
-    }
-    found.unreadableNames = all.unreadableNames;
-    found.unreadableFolders = all.unreadableFolders;
-    found.unreachableFiles = all.unreachableFiles;
-    found.linkedFolders = all.linkedFolders;
-    for (const QString &path : all.temporaryFiles) {
-        if (takesFromFolder(label, path))
-            found.temporaryFiles.append(path);
-    }
-    return found;
-}
-
-void NURVController::addCollected(const QString &label, const FileIntake &found)
-{
-    if (label == kAboutLabel)
-        whenListsMayChange([this, found] { routeByExtension(found); });
-    else if (BaseTab *const page = tab(label))
-        page->addCollected(found);
-}
-
-bool NURVController::takesFromFolder(const QString &label, const QString &path) const
-{
-    const Tool *const page = tool(label);
-    if (!page || page->extensions.isEmpty() || page->takesAllFiles)
-        return true;
-    const QString extension = formatWord(path);
-    if (extension == u"M4A" && page->takesAppleLosslessFromFolders)
-        return CoreAudioHelper::isAppleLossless(path);
-    return page->extensions.contains(extension);
-}
-
-void NURVController::routeByExtension(const FileIntake &found)
-{
-    static const QStringList compressed{u"FLAC"_s, u"SHN"_s, u"WV"_s, u"TTA"_s, u"M4A"_s, u"APE"_s};
-    QMap<QString, FileIntake> filesOfPage;
-    // Of all the pages that the files select one after the other only the last
-    // stays, so only that one is shown.
-    QString lastPage;
-    QSet<QString> unknownKinds;
-    for (qsizetype i = 0; i < found.accepted.size(); ++i) {
-        const QString &path = found.accepted.at(i);
-        const QString extension = formatWord(path);
-        QString page;
-        if (compressed.contains(extension))
-            page = kDecode;
-        else if (extensions(kEncode).contains(extension))
-            page = kEncode;
-        else if (extensions(kDecode).contains(extension))
-            page = kDecode;
-        else if (extensions(kChecksum).contains(extension))
-            page = kChecksum;
-
-        // A folder may well hold covers and notes.
-        if (!tab(page) && found.bases.value(i).isEmpty())
-            unknownKinds.insert(extension.isEmpty() ? lastPathComponent(path) : extension);
-        if (page.isEmpty()) {
-            lastPage = kEncode;
-        } else if (tab(page)) {
-            filesOfPage[page].accept(path, found.bases.value(i));
-            lastPage = page;
-        }
-    }
-    for (auto it = filesOfPage.cbegin(); it != filesOfPage.cend(); ++it)
-        tab(it.key())->addMatchedFiles(it.value().accepted, it.value().bases);
-    if (!lastPage.isEmpty())
-        show(lastPage);
-    if (!unknownKinds.isEmpty() && SettingsStore::instance().boolean(u"warnOnFilesSkipped"_s)) {
-        QStringList kinds = unknownKinds.values();
-        kinds.sort();
-        m_prompts.ask({.title = u"Some files are of kinds that no tab takes and were skipped"_s,
-                       .message = kinds.first(std::min(kinds.size(), kMostKindsTold)).join(u", "_s),
-                       .buttons = {u"OK"_s}});
-    }
-    if (const std::optional<Alert> unreadable = unreadableAlert(found))
-        m_prompts.ask(*unreadable);
+    m_arrivals->add({.label = m_selectedLabel, .door = Door::Application, .paths = paths});
 }
 
 bool NURVController::execute(BaseTab &tab)

@@ -20,8 +20,15 @@ namespace nurv {
 
 class BaseTab;
 class DesktopServices;
+class FileArrivals;
 class NURVTaskQueue;
 class UserPrompts;
+
+/// How a page tells its files.
+enum class FileRule {
+    ByContents,  ///< by what they hold where the extension does not decide
+    ByExtension, ///< by one of its extensions; by the contents only whether an MPEG-4 file is Apple Lossless
+};
 
 /// The application's main controller: registers the settings, owns the job
 /// queue, knows the tabs by the labels of their pages, routes incoming files and
@@ -59,6 +66,8 @@ public:
     /// Selects a page and lets its tab show its relevant options. A page of a tool
     /// that is not there cannot be selected.
     void selectTab(const QString &label);
+    /// The same of any page, also of one without a tool.
+    void showPage(const QString &label);
     /// Selects the page with that index in `pageLabels`.
     void selectTab(int index);
 
@@ -66,23 +75,14 @@ public:
     [[nodiscard]] QStringList extensions(const QString &label) const;
     /// Whether the page can handle the file. Any thread; may read the file's header.
     [[nodiscard]] bool isValidFile(const QString &label, const QString &path) const;
-    /// Whether the page takes the file out of a folder that arrives with the
-    /// application: its extension must be one of the page's. Any thread; may read the
-    /// file's header.
-    [[nodiscard]] bool takesFromFolder(const QString &label, const QString &path) const;
+    /// What the page makes of the file. Any thread; may read the file's header, once.
+    [[nodiscard]] FileVerdict look(const QString &label, const QString &path, FileRule rule) const;
 
-    /// Files that arrive with the application: dropped on it, opened with it.
-    void openFiles(const QStringList &paths) { addFiles(paths); }
-    /// Gives the files, and what lies in folders, to the tab of the selected page,
-    /// which must be able to handle them; from the about page each file goes to the
-    /// tab that its extension names. Tells the user what could not be read. Blocks
-    /// while it searches the folders.
-    void addFiles(const QStringList &paths) { addCollected(m_selectedLabel, collect(m_selectedLabel, paths)); }
-    /// The first half of `addFiles`: searches the folders for what the page can
-    /// handle. Any thread; blocks.
-    [[nodiscard]] FileIntake collect(const QString &label, const QStringList &paths) const;
-    /// The second half of `addFiles`, for the same page.
-    void addCollected(const QString &label, const FileIntake &found);
+    /// The way in for files.
+    [[nodiscard]] FileArrivals &arrivals() const { return *m_arrivals; }
+    /// Files that arrive with the application, for the page that shows. Blocks while it searches folders.
+    void openFiles(const QStringList &paths);
+    void addFiles(const QStringList &paths) { openFiles(paths); }
 
     /// Lets the tab execute. Files that arrive before it has returned join their
     /// lists then: the tab walks its list, and clears it, while it asks the user.
@@ -111,8 +111,6 @@ Q_SIGNALS:
 private:
     /// Null for a page that is no tool.
     [[nodiscard]] const Tool *tool(const QString &label) const;
-    void routeByExtension(const FileIntake &found);
-    void show(const QString &label);
     void didSelectTabViewItem();
 
     /// False when `action` threw: the reason has been shown.
@@ -122,6 +120,7 @@ private:
     std::unique_ptr<NURVTaskQueue> m_taskQueue;
     QMap<QString, BaseTab *> m_tabMap;
     const std::vector<Tool> &m_tools; ///< read on any thread
+    std::unique_ptr<FileArrivals> m_arrivals;
     QString m_selectedLabel;
     int m_executions = 0;
     QList<std::function<void()>> m_waitingChanges;

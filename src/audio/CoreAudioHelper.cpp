@@ -24,6 +24,20 @@ bool isLinearPcm(const QString &path, std::uint32_t flags, std::uint32_t otherFl
 
 } // namespace
 
+CoreAudioHelper::SoundKind CoreAudioHelper::soundKind(const QString &path)
+{
+    AudioFileStatus status = AudioFileStatus::Ok;
+    const auto header = AudioFileHeader::read(path, status);
+    if (!header)
+        return status == AudioFileStatus::PermissionDenied ? SoundKind::NotReadable : SoundKind::None;
+    const AudioStreamDescription format = header->format();
+    if (format.formatId == kFormatAppleLossless)
+        return SoundKind::AppleLossless;
+    const bool isPlain = format.formatId == kFormatLinearPCM
+                         && (format.formatFlags == kBigEndianIntegers || format.formatFlags == kLittleEndianIntegers);
+    return isPlain ? SoundKind::PlainIntegers : SoundKind::Other;
+}
+
 bool CoreAudioHelper::isAppleLossless(const QString &path)
 {
     const auto format = formatOf(path);

@@ -17,6 +17,16 @@ namespace nurv {
 /// May be called from any thread; blocks for the reading of the header.
 class CoreAudioHelper {
 public:
+    enum class SoundKind {
+        AppleLossless,
+        PlainIntegers, ///< the samples of AIFF and WAV files
+        Other,
+        None,        ///< no sound can be found in it
+        NotReadable, ///< not with the rights that there are
+    };
+
+    /// What the header tells of the sound, by one look.
+    [[nodiscard]] static SoundKind soundKind(const QString &path);
     [[nodiscard]] static bool isAppleLossless(const QString &path);
     [[nodiscard]] static bool isAiffOrWav(const QString &path);
     /// Signed little-endian linear PCM (so also AIFF-C 'sowt'), or the unsigned

@@ -120,20 +120,18 @@ ExitStatus BatchCommand::run(const ParsedArguments &arguments, Console &console)
         NotificationCenter::instance().post(QString::fromUtf16(NURVMaxThreadsChangedNotification), *jobs);
     const std::unique_ptr<BaseTab> tab = tabFor(controller, arguments);
 
-    const FileTest isValid = [&](const QString &path) {
-        return takes(path) && controller.isValidFile(tab->label(), path);
-    };
-    const FileTest isValidInFolder = [&](const QString &path) {
-        return controller.takesFromFolder(tab->label(), path) && isValid(path);
-    };
-    const InputFiles input = collectInput(arguments.operands, isValid, isValidInFolder);
+    const InputFiles input = collectInput(arguments.operands, controller.arrivals(),
+                                          {.label = tab->label(),
+                                           .door = Door::CommandLine,
+                                           .paths = {},
+                                           .makesJob = [this](const QString &path) { return takes(path); }});
     for (const QString &line : input.refusals)
         console.writeNote(line);
     if (!arguments.has(u"quiet"_s)) {
         for (const QString &line : input.skipped)
             console.writeNote(line);
     }
-    tab->addCollected(input.intake);
+    controller.arrivals().deliver(tab->label(), input.intake);
     if (!arguments.has(u"quiet"_s)) {
         for (const QString &line : optionsWithoutEffect(arguments, tab->fileNames()))
             console.writeNote(line);

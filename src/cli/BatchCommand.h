@@ -27,7 +27,7 @@ public:
 protected:
     /// The tab as it is made for a window.
     [[nodiscard]] virtual std::unique_ptr<BaseTab> makeTab(NURVController &controller) const = 0;
-    /// Whether the tab makes a job for a file that its page accepts. Any thread.
+    /// Whether the tab makes a job for a file of that name that its page accepts. Any thread.
     [[nodiscard]] virtual bool takes(const QString &path) const = 0;
     /// A line for each option that was given and has no effect on some of the files.
     [[nodiscard]] virtual QStringList optionsWithoutEffect(const ParsedArguments &, const QStringList &) const

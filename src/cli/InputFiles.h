@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "app/FileIntake.h"
+#include "app/FileArrivals.h"
 #include "cli/SourceNames.h"
 
 #include <QByteArray>
@@ -20,10 +20,8 @@ struct InputFiles {
 };
 
 /// Looks at every argument: files as they are, folders searched as folders
-/// dropped on a window are. `isValid` is for files that were named themselves,
-/// `isValidInFolder` for what a folder holds. A file whose name promises a kind that its
-/// contents cannot be read as is refused, in a folder, too. Blocks; may read the head of files.
-[[nodiscard]] InputFiles collectInput(const QList<QByteArray> &arguments, const FileTest &isValid,
-                                      const FileTest &isValidInFolder);
+/// dropped on a window are. `arrival` says for which page, by which door, and of what there are jobs. A file whose name
+/// promises a kind that its contents cannot be read as is refused, in a folder, too. Blocks; may read the head of files.
+[[nodiscard]] InputFiles collectInput(const QList<QByteArray> &arguments, const FileArrivals &arrivals, Arrival arrival);
 
 } // namespace nurv

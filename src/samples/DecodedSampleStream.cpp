@@ -222,8 +222,10 @@ bool DecodedSampleStream::Decoder::nextPacket()
         const bool isWhole = m_packet->size > 0 && (m_packet->flags & AV_PKT_FLAG_CORRUPT) == 0;
         if (!isWhole && m_isLossless)
             failDamaged(AVERROR_INVALIDDATA);
-        if (m_check)
-            m_check->onPacket({m_packet->data, static_cast<std::size_t>(m_packet->size)});
+        if (m_check) {
+            const std::size_t size = m_check->onPacket({m_packet->data, static_cast<std::size_t>(m_packet->size)});
+            av_shrink_packet(m_packet.get(), static_cast<int>(size));
+        }
         return true;
     }
 }

@@ -36,7 +36,7 @@ public:
 
     /// RFC 9639, section 9.1: where the blocks have one size, the frames are numbered;
     /// where they do not, it is the first sample's number.
-    void onPacket(std::span<const std::uint8_t> bytes) override
+    std::size_t onPacket(std::span<const std::uint8_t> bytes) override
     {
         const auto number = bytes.size() > 4 && bytes[0] == 0xFF && (bytes[1] & 0xFE) == 0xF8
                                 ? FlacCodedNumber::read(bytes.subspan(4))
@@ -52,7 +52,7 @@ public:
             m_sampleNumbers.push_back(number->value);
         m_lastNumber = number->value;
         ++m_frames;
-        checkPacket(bytes);
+        return bytesOfFrame(bytes);
     }
 
     void onSamples(const std::int32_t *samples, std::size_t frames) override
@@ -79,41 +79,44 @@ public:
                                   static_cast<qsizetype>(m_header.md5.size()));
         if (m_hasMd5 && m_md5.result() != expected)
             throw NurvFailure(u"its samples do not fit its MD5"_s);
-        const bool isEndRight = m_lastPacket.empty() ? !m_end || holdsOnlyTags(m_source, *m_end) : isLastPacketRight();
+        const bool isEndRight = m_end ? holdsOnlyTags(m_source, *m_end) : !m_holdsMore;
         if (!isEndRight)
             throw NurvFailure(u"something else than frames of sound is between them"_s);
     }
 
 private:
     /// A frame ends with the CRC of all that comes before it, so that its own CRC is 0. What
-    /// is in a packet beside a frame, the decoder passes over: frames with damaged heads,
-    /// which are none for the demuxer, and at the end of the file tags.
-    void checkPacket(std::span<const std::uint8_t> bytes)
+    /// is in a packet beside a frame are frames with damaged heads, which are none for the
+    /// demuxer, and at the end of the file tags. FFmpeg 5 passes over both, FFmpeg 7 refuses
+    /// both: tags are kept from it.
+    std::size_t bytesOfFrame(std::span<const std::uint8_t> packet)
     {
-        if (!m_lastPacket.empty())
+        if (m_holdsMore)
             throw NurvFailure(u"frame %1 of its sound is missing or damaged"_s.arg(m_frames - 1));
-        if (av_crc(m_crcTable, 0, bytes.data(), bytes.size()) != 0)
-            m_lastPacket.assign(bytes.begin(), bytes.end());
-        else if (m_end)
-            *m_end += static_cast<std::int64_t>(bytes.size());
+        m_holdsMore = av_crc(m_crcTable, 0, packet.data(), packet.size()) != 0;
+        const std::size_t size = m_holdsMore ? bytesBeforeTags(packet).value_or(0) : packet.size();
+        if (m_end)
+            *m_end += static_cast<std::int64_t>(size);
+        return size > 0 ? size : packet.size();
     }
 
-    [[nodiscard]] bool isLastPacketRight() const
+    /// Of the one frame in the last packet of a file, where nothing but tags follows it.
+    [[nodiscard]] std::optional<std::size_t> bytesBeforeTags(std::span<const std::uint8_t> packet) const
     {
         std::uint32_t crc = 0;
-        for (std::size_t size = 1; m_end && size <= m_lastPacket.size(); ++size) {
-            crc = av_crc(m_crcTable, crc, &m_lastPacket[size - 1], 1);
+        for (std::size_t size = 1; m_end && size <= packet.size(); ++size) {
+            crc = av_crc(m_crcTable, crc, &packet[size - 1], 1);
             if (crc == 0 && holdsOnlyTags(m_source, *m_end + static_cast<std::int64_t>(size)))
-                return true;
+                return size;
         }
-        return false;
+        return std::nullopt;
     }
 
     const ByteSource &m_source;
     CodecHeader m_header;
     const AVCRC *m_crcTable = av_crc_get_table(AV_CRC_16_ANSI);
-    std::optional<std::int64_t> m_end;      ///< the offset behind the last frame that was right
-    std::vector<std::uint8_t> m_lastPacket; ///< that holds more than a frame
+    std::optional<std::int64_t> m_end; ///< the offset behind the last frame that was right
+    bool m_holdsMore = false;          ///< the last packet holds more than a frame
     bool m_hasMd5;
     std::uint64_t m_frames = 0;
     std::uint64_t m_samples = 0;

@@ -25,8 +25,8 @@ public:
     DecodedSoundCheck(const DecodedSoundCheck &) = delete;
     DecodedSoundCheck &operator=(const DecodedSoundCheck &) = delete;
 
-    /// A piece of the file on its way to the decoder.
-    virtual void onPacket(std::span<const std::uint8_t> /*bytes*/) {}
+    /// A piece of the file on its way to the decoder. Returns how many of its bytes that gets.
+    [[nodiscard]] virtual std::size_t onPacket(std::span<const std::uint8_t> bytes) { return bytes.size(); }
     /// Decoded samples as SampleStream gives them.
     virtual void onSamples(const std::int32_t * /*samples*/, std::size_t /*frames*/) {}
     /// After the last one.

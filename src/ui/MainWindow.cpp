@@ -3,6 +3,7 @@
 #include "ui/MainWindow.h"
 
 #include "app/BaseTab.h"
+#include "app/FileArrivals.h"
 #include "app/NURVController.h"
 #include "app/UserPrompts.h"
 #include "base/GuiThread.h"
@@ -201,23 +202,12 @@ void MainWindow::addFolder()
 
 void MainWindow::openFiles(const GivenFiles &files)
 {
-    if (files.isEmpty() || m_isClosing)
+    if (m_isClosing)
         return;
-    const QString label = m_controller.selectedTabViewItem();
-    const QPointer<TabPage> page = m_pages.value(label);
-    if (page)
-        page->beginAddingFiles();
-    workerThreads::startOrRun([&controller = m_controller, window = QPointer<MainWindow>(this), page, label, files] {
-        FileIntake found = controller.collect(label, files.paths);
-        found.unreadableNames = files.refused + found.unreadableNames;
-        postToGuiThread([&controller, window, page, label, found = std::move(found)] {
-            if (!window)
-                return;
-            if (page)
-                page->endAddingFiles();
-            controller.addCollected(label, found);
-        });
-    });
+    m_controller.arrivals().receive({.label = m_controller.selectedTabViewItem(),
+                                     .door = Door::Application,
+                                     .paths = files.paths,
+                                     .refusedNames = files.refused});
 }
 
 void MainWindow::showReport(const QString &text, const QString &title)

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/StartupRecovery.h"
 
+#include "app/FileArrivals.h"
 #include "app/FileIntake.h"
 #include "app/NURVController.h"
 #include "app/PathNames.h"
@@ -194,16 +195,14 @@ void StartupRecovery::offer(const QList<Intake> &intakes)
         QList<std::pair<QString, FileIntake>> found;
         for (const Intake &intake : intakes) {
             FileIntake files;
-            files.accepted = intake.sources;
-            files.accepted.removeIf([&](const QString &path) {
-                return controller.mustStopSearching() || !controller.isValidFile(intake.label, path);
-            });
+            files.accepted =
+                controller.arrivals().search({.label = intake.label, .door = Door::List, .paths = intake.sources}).accepted;
             if (!files.accepted.isEmpty())
                 found.append({intake.label, files});
         }
         return [this, found] {
             for (const auto &[label, files] : found) {
-                m_controller.addCollected(label, files);
+                m_controller.arrivals().deliver(label, files);
                 m_controller.selectTab(label);
             }
             Q_EMIT finished();

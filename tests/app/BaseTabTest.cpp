@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/BaseTab.h"
 
+#include "app/FileArrivals.h"
 #include "app/PathNames.h"
 #include "app/RawNamedFile.h"
 #include "app/TestApplication.h"
@@ -220,6 +221,25 @@ TEST_F(BaseTabTest, DropsRefusedFilesSilentlyWhenTheUserWantsNoMessage)
     EXPECT_THAT(prompts.shownAlerts(), IsEmpty());
 }
 
+TEST_F(BaseTabTest, TellsOfFoldersBehindLinksOnlyWhenTheUserWantsToHearOfSkippedFiles)
+{
+    const test::TestFolder elsewhere;
+    folder.write(u"in/b.flac"_s, "x");
+    const QString link = folder.makeLink(u"in/disc"_s, elsewhere.path());
+    {
+        const test::SettingForTest off(u"warnOnFilesSkipped"_s, false);
+        decode.addFiles({folder.path(u"in"_s)});
+        application.controller.selectTab(NURVController::kAboutLabel);
+        application.controller.openFiles({folder.path(u"in"_s)});
+    }
+    EXPECT_THAT(prompts.shownAlerts(), IsEmpty());
+    prompts.expectAsk({.title = u"Some files were skipped"_s,
+                       .message = u"Links to folders, which are not followed:\n"_s + link,
+                       .buttons = kOk},
+                      u"OK"_s);
+    decode.addFiles({folder.path(u"in"_s)});
+}
+
 TEST_F(BaseTabTest, TellsHalfASecondAfterTheDrop)
 {
     decode.setRefusalMessageDelay(500);
@@ -238,7 +258,7 @@ TEST_F(BaseTabTest, SaysNothingMoreOnceTheTabIsGone)
         test::CountingTab tab(application.controller, u"another"_s);
         tab.setRefusalMessageDelay(1);
         FileIntake intake;
-        intake.badExtensions = {u"txt"_s};
+        intake.refused = {{.path = u"/a.txt"_s}};
         tab.addCollected(intake);
     }
     QElapsedTimer waited;
@@ -265,7 +285,9 @@ TEST_F(BaseTabTest, AddsTheSameWhetherItCollectsOnAnotherThreadOrNot)
     folder.write(u"x.dat"_s, "no audio");
     const QStringList given{folder.path(), u"/gone/c.wv"_s};
     FileIntake intake;
-    std::thread([&] { intake = decode.collect(given); }).join();
+    std::thread([&] {
+        intake = application.controller.arrivals().search({.label = u"decode"_s, .door = Door::List, .paths = given});
+    }).join();
     prompts.expectAsk(kSomeSkipped, kOk, u"OK"_s);
     decode.addCollected(intake);
     const QStringList collected = decode.fileNames();

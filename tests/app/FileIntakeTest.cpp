@@ -29,13 +29,15 @@ namespace nurv {
 
 namespace {
 
-const FileTest kAny = [](const QString &) { return true; };
-const FileTest kFlacOnly = [](const QString &path) { return formatWord(path) == u"FLAC"; };
+const FileLook kAny = [](const QString &, bool) { return FileVerdict::Taken; };
+const FileLook kFlacOnly = [](const QString &path, bool) {
+    return formatWord(path) == u"FLAC" ? FileVerdict::Taken : FileVerdict::OtherKind;
+};
 
-FileIntake collectedFrom(const QString &path, const FileTest &isValid = kAny)
+FileIntake collectedFrom(const QString &path, const FileLook &look = kAny)
 {
     FileIntake intake;
-    collectFiles(path, isValid, intake);
+    collectFiles(path, {.look = look}, intake);
     return intake;
 }
 
@@ -94,7 +96,7 @@ TEST(FileIntake, LeavesOutWhatFileBrowsersLeaveBehindButKeepsOtherHiddenFiles)
     const QString hidden = folder.write(u".hidden.flac"_s, "x");
     const FileIntake intake = collectedFrom(folder.path());
     EXPECT_THAT(intake.accepted, ElementsAre(hidden));
-    EXPECT_THAT(intake.badExtensions, IsEmpty());
+    EXPECT_THAT(intake.badExtensions(), IsEmpty());
     EXPECT_THAT(collectedFrom(folder.path(u".DS_Store"_s)).accepted, IsEmpty());
 }
 
@@ -109,7 +111,7 @@ TEST(FileIntake, LeavesOutTheTemporaryFilesOfJobsUnlessTheyAreNamedThemselves)
         folder.write(name, "x");
     folder.write(u".nurv-shntool-Ab12Cd/song.flac"_s, "x");
     EXPECT_THAT(collectedFrom(folder.path()).accepted, ElementsAre(song));
-    EXPECT_THAT(collectedFrom(folder.path(), kFlacOnly).badExtensions, IsEmpty());
+    EXPECT_THAT(collectedFrom(folder.path(), kFlacOnly).badExtensions(), IsEmpty());
     for (const QString &name : temporary)
         EXPECT_THAT(collectedFrom(folder.path(name)).accepted, ElementsAre(folder.path(name)));
     EXPECT_THAT(collectedFrom(folder.path(u".nurv-shntool-Ab12Cd"_s)).accepted,
@@ -131,7 +133,7 @@ TEST(FileIntake, CollectsTheExtensionsOfRefusedFilesAsWritten)
     folder.write(u".TOC.plist"_s, "x");
     const FileIntake intake = collectedFrom(folder.path(), kFlacOnly);
     EXPECT_THAT(intake.accepted, IsEmpty());
-    EXPECT_THAT(intake.badExtensions, UnorderedElementsAre(u"txt"_s, u"TXT"_s, QString(), u"plist"_s));
+    EXPECT_THAT(intake.badExtensions(), UnorderedElementsAre(u"txt"_s, u"TXT"_s, QString(), u"plist"_s));
 }
 
 TEST(FileIntake, EndsOnLinksThatLeadBack)
@@ -289,21 +291,21 @@ TEST(AbsolutePath, KeepsLinksButLeadsUpFromWhatTheyName)
     EXPECT_EQ(absolutePath(folder.path(u"far/..//..hidden.wav"_s)), folder.path(u"..hidden.wav"_s));
 }
 
-TEST(UnreadableAlert, SaysNothingWithoutNeed)
+TEST(SkippedAlert, SaysNothingWithoutNeed)
 {
     FileIntake intake;
     intake.accepted = {u"/a.flac"_s};
-    intake.badExtensions = {u"txt"_s};
-    EXPECT_FALSE(unreadableAlert(intake).has_value());
+    intake.refused = {{.path = u"/a.txt"_s}};
+    EXPECT_FALSE(skippedAlert(intake, true).has_value());
 }
 
-TEST(UnreadableAlert, NamesFilesAndFolders)
+TEST(SkippedAlert, NamesFilesAndFolders)
 {
     FileIntake intake;
     intake.unreadableNames = {u"/m/caf\\xE9.flac"_s};
     intake.unreadableFolders = {u"/m/locked"_s, u"/m/gone"_s};
     intake.unreachableFiles = {u"/m/far.flac"_s};
-    const std::optional<Alert> alert = unreadableAlert(intake);
+    const std::optional<Alert> alert = skippedAlert(intake, true);
     ASSERT_TRUE(alert.has_value());
     EXPECT_EQ(alert->title, u"Some files could not be read and were skipped"_s);
     EXPECT_EQ(alert->message,
@@ -312,24 +314,49 @@ TEST(UnreadableAlert, NamesFilesAndFolders)
     EXPECT_THAT(alert->buttons, ElementsAre(u"OK"_s));
 }
 
-TEST(UnreadableAlert, NamesWhatWasPassedOver)
+TEST(SkippedAlert, NamesWhatWasPassedOver)
 {
     FileIntake intake;
     intake.linkedFolders = {u"/m/link"_s};
     intake.temporaryFiles = {u"/m/Nurv-00000000-abcdefgh.wav"_s};
-    const std::optional<Alert> alert = unreadableAlert(intake);
+    const std::optional<Alert> alert = skippedAlert(intake, true);
     ASSERT_TRUE(alert.has_value());
     EXPECT_EQ(alert->title, u"Some files were skipped"_s);
     EXPECT_EQ(alert->message, u"Links to folders, which are not followed:\n/m/link\n\n"
                               "Files with the names of temporary ones:\n/m/Nurv-00000000-abcdefgh.wav"_s);
 }
 
-TEST(UnreadableAlert, ShowsTheBeginningOfALongList)
+TEST(SkippedAlert, TellsNothingButWhatCouldNotBeReadWhenTheRestIsNotWanted)
+{
+    FileIntake intake;
+    intake.linkedFolders = {u"/m/link"_s};
+    intake.temporaryFiles = {u"/m/Nurv-00000000-abcdefgh.wav"_s};
+    EXPECT_EQ(skippedAlert(intake, false, {u"JPG"_s}), std::nullopt);
+    intake.unreadableFolders = {u"/m/locked"_s};
+    const std::optional<Alert> alert = skippedAlert(intake, false, {u"JPG"_s});
+    ASSERT_TRUE(alert.has_value());
+    EXPECT_EQ(alert->title, u"Some files could not be read and were skipped"_s);
+    EXPECT_EQ(alert->message, u"Folders that cannot be read:\n/m/locked"_s);
+}
+
+TEST(SkippedAlert, TellsEverythingInOneMessage)
+{
+    FileIntake intake;
+    intake.unreadableFolders = {u"/m/locked"_s};
+    intake.linkedFolders = {u"/m/link"_s};
+    const std::optional<Alert> alert = skippedAlert(intake, true, {u"JPG"_s, u"PDF"_s});
+    ASSERT_TRUE(alert.has_value());
+    EXPECT_EQ(alert->title, u"Some files could not be read and were skipped"_s);
+    EXPECT_EQ(alert->message, u"Folders that cannot be read:\n/m/locked\n\nLinks to folders, which are not followed:\n"
+                              "/m/link\n\nKinds that no tab takes:\nJPG, PDF"_s);
+}
+
+TEST(SkippedAlert, ShowsTheBeginningOfALongList)
 {
     FileIntake intake;
     for (int number = 1; number <= 23; ++number)
         intake.unreadableFolders.append(u"/m/%1"_s.arg(number));
-    const std::optional<Alert> alert = unreadableAlert(intake);
+    const std::optional<Alert> alert = skippedAlert(intake, true);
     ASSERT_TRUE(alert.has_value());
     EXPECT_TRUE(alert->message.endsWith(u"\n/m/20\nand 3 more"_s));
 }
@@ -341,10 +368,10 @@ TEST(FileIntake, GivesUpAtTheNextEntryWhenItMustStop)
         folder.write(u"deep/%1.flac"_s.arg(number), "x");
     int looks = 0;
     FileIntake intake;
-    collectFiles(folder.path(), kAny, intake, [&looks] { return ++looks > 12; });
+    collectFiles(folder.path(), {.look = kAny, .mustStop = [&looks] { return ++looks > 12; }}, intake);
     // The two folders were looked at before the files.
     EXPECT_EQ(intake.accepted.size(), 10);
-    EXPECT_EQ(unreadableAlert(intake), std::nullopt);
+    EXPECT_EQ(skippedAlert(intake, true), std::nullopt);
 }
 
 } // namespace nurv

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/NURVController.h"
 
+#include "app/FileArrivals.h"
 #include "app/TestApplication.h"
 #include "base/NurvFailure.h"
 #include "engine/NURVTask.h"
@@ -271,7 +272,7 @@ TEST_F(NURVControllerTest, HoldsFilesThatArriveWhileATabExecutesUntilItHasReturn
         decode.addCollected(found);
         controller.selectTab(NURVController::kAboutLabel);
         found.accepted = {u"/music/3.flac"_s};
-        controller.addCollected(NURVController::kAboutLabel, found);
+        controller.arrivals().deliver(NURVController::kAboutLabel, found);
         EXPECT_EQ(decode.fileNames(), QStringList{u"/music/1.flac"_s});
         // What a tab does when its jobs are queued.
         decode.clearFiles();
@@ -308,10 +309,12 @@ TEST_F(NURVControllerTest, ShowsWhyATabThrewAndLeavesItsListUsable)
 TEST_F(NURVControllerTest, EndsTheSearchesOfFoldersWhenItTerminates)
 {
     folder.write(u"a.flac"_s, "x");
-    EXPECT_EQ(controller.collect(u"decode"_s, {folder.path()}).accepted.size(), 1);
+    const Arrival onWindow{.label = u"decode"_s, .door = Door::Application, .paths = {folder.path()}};
+    const Arrival onList{.label = u"decode"_s, .door = Door::List, .paths = {folder.path(u"a.flac"_s)}};
+    EXPECT_EQ(controller.arrivals().search(onWindow).accepted.size(), 1);
     controller.applicationWillTerminate();
-    EXPECT_TRUE(controller.collect(u"decode"_s, {folder.path()}).accepted.isEmpty());
-    EXPECT_TRUE(application.tab(u"decode"_s).collect({folder.path(u"a.flac"_s)}).accepted.isEmpty());
+    EXPECT_TRUE(controller.arrivals().search(onWindow).accepted.isEmpty());
+    EXPECT_TRUE(controller.arrivals().search(onList).accepted.isEmpty());
 }
 
 } // namespace nurv

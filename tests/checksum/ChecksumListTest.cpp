@@ -13,7 +13,7 @@ namespace {
 
 QDateTime momentWithOffset(int seconds)
 {
-    return QDateTime(QDate(2010, 5, 2), QTime(13, 45, 7), Qt::OffsetFromUTC, seconds);
+    return QDateTime(QDate(2010, 5, 2), QTime(13, 45, 7), QTimeZone(seconds));
 }
 
 TEST(ChecksumList, WritesTheDateWithTheOffsetFromUtc)

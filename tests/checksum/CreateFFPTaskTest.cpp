@@ -115,5 +115,20 @@ TEST_F(CreateFFPTaskTest, WritesNoFurtherListWhenCancelled)
     EXPECT_EQ(folder.list(), (QStringList{u"begun"_s, u"go-on"_s}));
 }
 
+TEST_F(CreateFFPTaskTest, WritesNoListWhenCancelledAtItsLastFile)
+{
+    const test::ProgramFolder tools;
+    tools.addFake(u"metaflac"_s, "create=" + folder.path(u"begun"_s).toUtf8()
+                                     + ";wait-file=" + folder.path(u"go-on"_s).toUtf8() + ";out=0123456789abcdef\\n");
+    const auto task = make({{folder.path(), {folder.path(u"a.flac"_s)}}});
+    queue.addTask(task);
+    ASSERT_TRUE(waitUntil([&] { return folder.exists(u"begun"_s); }));
+    task->cancelTask();
+    folder.write(u"go-on"_s, "");
+    ASSERT_TRUE(finish());
+    EXPECT_EQ(task->textField().text, u"Canceled");
+    EXPECT_EQ(folder.list(), (QStringList{u"begun"_s, u"go-on"_s}));
+}
+
 } // namespace
 } // namespace nurv

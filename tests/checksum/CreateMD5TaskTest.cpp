@@ -8,6 +8,8 @@
 
 #include <QFile>
 
+#include <utility>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -155,6 +157,20 @@ TEST_F(CreateMD5TaskTest, WritesNoListWhenCancelledDuringTheLastFile)
     task->cancelTask();
     endPipe(pipe);
     ASSERT_TRUE(finish());
+    EXPECT_FALSE(folder.exists(u"md5sum.md5"_s));
+}
+
+TEST_F(CreateMD5TaskTest, WritesNoListWhenCancelledAfterTheLastFile)
+{
+    const auto task = make({folder.write(u"a.wav"_s, "abc")}, folder.path(u"md5sum.md5"_s));
+    bool isCancelled = false;
+    QObject::connect(&queue, &NURVTaskQueue::rowChanged, &queue, [&] {
+        if (task->topTextField().text == u"Creating MD5 Hash" && !std::exchange(isCancelled, true))
+            task->cancelTask();
+    });
+    run(task);
+    EXPECT_TRUE(isCancelled);
+    EXPECT_EQ(task->textField().text, u"Canceled");
     EXPECT_FALSE(folder.exists(u"md5sum.md5"_s));
 }
 

@@ -14,15 +14,21 @@
 #include "engine/NURVTaskQueue.h"
 #include "engine/NURVTaskResults.h"
 #include "NurvProgram.h"
+#include "process/ChildProcess.h"
 #include "toolbox/Toolbox.h"
 
 #include <QStringList>
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <csignal>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <thread>
+
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -54,6 +60,7 @@ public:
         QString failure = {}; ///< what is said when it fails
         QString report = {};  ///< of a job that does not fail
         QString warning = {};
+        std::function<void(NURVTask &task)> work = {}; ///< on its thread, before all that
     };
 
     OutcomeTask(NURVTaskQueue *queue, Script script) : NURVInProcessTask(queue), m_script(std::move(script))
@@ -65,6 +72,8 @@ public:
 protected:
     void doStartTask() override
     {
+        if (m_script.work)
+            m_script.work(*this);
         if (!m_script.failure.isEmpty())
             failWith(m_script.failure);
         appendResultsForSelf(m_script.report);
@@ -274,6 +283,24 @@ TEST_F(BatchRunTest, WhatWasRefusedIsPartOfTheClosingLine)
     add({.source = u"/m/in/a.wav"_s});
     EXPECT_EQ(run({.refused = 2}), ExitStatus::Ok);
     EXPECT_EQ(closing(), u"1 of 1 done, 2 refused; "_s);
+}
+
+TEST_F(BatchRunTest, NoProgramIsStartedOnceTheEndWasOrdered)
+{
+    QString whyNot;
+    add({.source = u"/m/in/a.wav"_s, .work = [&whyNot](NURVTask &task) {
+             ::kill(::getpid(), SIGTERM);
+             while (!task.cancelled())
+                 std::this_thread::yield();
+             // Behind what takes the signal; no longer possible when that was all.
+             static_cast<void>(runOnGuiThread([] {}));
+             whyNot = runChild({.launchPath = u"/bin/true"_s, .arguments = {}, .environment = {}, .workingDirectory = {}})
+                          .startError;
+         }});
+    EXPECT_EQ(run(), ExitStatus::Interrupted);
+    EXPECT_EQ(whyNot, u"Operation canceled");
+    children::terminateAll(std::chrono::milliseconds(0), false);
+    guiThreadGate::open();
 }
 
 TEST_F(BatchRunTest, AnObjectTellsTheOutcomeOfASettledJob)

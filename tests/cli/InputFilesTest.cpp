@@ -1,11 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/InputFiles.h"
+#include "app/TestApplication.h"
 #include "NurvProgram.h"
 #include "support/AudioFixtures.h"
+#include "support/FileLooks.h"
 #include "support/TestFolder.h"
 
 #include <QDir>
+#include <QFile>
 #include <QJsonArray>
 
 #include <gtest/gtest.h>
@@ -162,6 +165,31 @@ TEST(InputFiles, APipeIsRefusedWithoutBeingOpened)
     const ProgramResult result = runNurv({u"decode"_s, u"--beside-source"_s, folder.path(u"a.flac"_s)});
     EXPECT_EQ(result.exitStatus, 1);
     EXPECT_TRUE(result.errors.contains("a.flac: it is no regular file\n")) << result.errors.constData();
+}
+
+TEST(InputFiles, EachFileIsLookedAtOnce)
+{
+    const TestFolder folder;
+    const QString named = writeByFfmpeg(folder.path(u"named.m4a"_s), {.seconds = 0.1}, {u"-c:a"_s, u"alac"_s});
+    const QString lossless = writeByFfmpeg(folder.path(u"in/a.m4a"_s), {.seconds = 0.1}, {u"-c:a"_s, u"alac"_s});
+    const QString lossy = writeByFfmpeg(folder.path(u"in/b.m4a"_s), {.seconds = 0.1}, {u"-c:a"_s, u"aac"_s});
+    const QString damaged = folder.write(u"in/c.m4a"_s, "x");
+    const QString wav = folder.write(u"in/d.wav"_s, "x");
+    const QString note = folder.write(u"in/note.txt"_s, "x");
+    TestApplication application({u"encode"_s});
+    const FileLooks looks;
+    const nurv::InputFiles input = nurv::collectInput(
+        {QFile::encodeName(named), QFile::encodeName(folder.path(u"in"_s))}, application.controller.arrivals(),
+        {.label = u"encode"_s, .door = nurv::Door::CommandLine, .paths = {}});
+    EXPECT_EQ(input.intake.accepted.size(), 3);
+    EXPECT_EQ(input.refusals, QStringList{u"c.m4a: damaged: no sound can be found in it"_s.prepend(folder.path(u"in/"_s))});
+    EXPECT_EQ(input.skipped.size(), 2);
+    for (const QString &path : {named, lossless, lossy, damaged, wav, note})
+        EXPECT_EQ(looks.stats(path), 1) << qPrintable(path);
+    for (const QString &path : {named, lossless, lossy, damaged})
+        EXPECT_EQ(looks.opens(path), 1) << qPrintable(path);
+    for (const QString &path : {wav, note})
+        EXPECT_EQ(looks.opens(path), 0) << qPrintable(path);
 }
 
 TEST(InputFiles, AnAbsolutePathKeepsLinksButNotInFrontOfTwoDots)

@@ -68,6 +68,8 @@ TEST_F(DeleteOriginalTest, KeepsTheSourceOfAProgramThatSucceedsWithoutOutput)
     tab.deleteOriginalsButton.setOn(true);
     run(tab, {wav});
     EXPECT_TRUE(folder.exists(u"a.wav"_s));
+    EXPECT_TRUE(endedTasks.at(0)->error());
+    EXPECT_TRUE(endedTasks.at(0)->report().contains(u"its program made no output"_s));
 }
 
 TEST_F(DeleteOriginalTest, KeepsAWavThatHoldsMoreThanItsHeaderSays)

@@ -7,6 +7,7 @@
 
 #include <QElapsedTimer>
 
+#include <atomic>
 #include <thread>
 
 using namespace Qt::StringLiterals;
@@ -30,6 +31,15 @@ protected:
         });
     }
     [[nodiscard]] bool hasWorked() const { return m_hasWorked; }
+    /// Waits for them while this thread, which would end their jobs, handles nothing.
+    [[nodiscard]] static bool workersHaveEnded()
+    {
+        QElapsedTimer timer;
+        timer.start();
+        while (workerThreads::runningCount() > 0 && timer.elapsed() < 20'000)
+            std::this_thread::yield();
+        return workerThreads::runningCount() == 0;
+    }
 
     test::ProgramFolder tools;
 
@@ -142,7 +152,8 @@ TEST_F(GuardedFilesTest, TheSourceIsNoneThatMayBeReplaced)
     tab.originals.existingOutputs = ExistingOutputs::Replace;
     runBeside(tab, {flac});
     ASSERT_EQ(endedTasks.size(), 1U);
-    EXPECT_TRUE(endedTasks[0]->report().contains(u"its output would replace it"_s)) << qPrintable(endedTasks[0]->report());
+    EXPECT_TRUE(endedTasks[0]->report().contains(u"its output would replace it"_s))
+        << qPrintable(endedTasks[0]->report());
     EXPECT_EQ(folder.read(u"a.flac"_s), before);
 }
 
@@ -181,15 +192,29 @@ TEST_F(GuardedFilesTest, TheSourceGoesWhenTheJournalIsOnTheDisk)
     EXPECT_LT(journal, gone);
 }
 
-TEST_F(GuardedFilesTest, TheSourceStaysWhenTheJobIsCancelledAtTheEndOfItsProof)
+TEST_F(GuardedFilesTest, TheSourceStaysWhenTheJobIsCancelledAfterTheLookAtItsOutput)
 {
     const QString wav = test::writeWav(folder.path(u"a.wav"_s));
     tools.addReal(u"flac"_s);
     EncodeTab tab(controller);
     tab.deleteOriginalsButton.setOn(true);
-    when(u"Proving: 100%"_s, [this] { queue().cancelAllTasks(); });
-    run(tab, {wav});
-    EXPECT_TRUE(hasWorked());
+    tab.originals.proveButton.setOn(false);
+    std::atomic<bool> isLooking = false;
+    std::atomic<bool> mayGoOn = false;
+    test::SystemCallRecorder calls;
+    calls.before(u"fsync "_s + out.path(u"a.flac"_s), [&] {
+        isLooking = true;
+        while (!mayGoOn)
+            std::this_thread::yield();
+    });
+    prompts.expectOutputFolder(out.path());
+    tab.addFile(wav);
+    tab.executeCommand();
+    EXPECT_TRUE(test::waitUntil([&] { return isLooking.load(); }));
+    mayGoOn = true;
+    EXPECT_TRUE(workersHaveEnded());
+    queue().cancelAllTasks();
+    ASSERT_TRUE(finish());
     EXPECT_EQ(endedTasks.at(0)->textField().text, u"Canceled");
     EXPECT_TRUE(folder.exists(u"a.wav"_s));
 }
@@ -207,11 +232,7 @@ TEST_F(GuardedFilesTest, TheReplacedOneIsBackAlsoWhenTheApplicationEndsDuringThe
     tab.addFile(wav);
     tab.executeCommand();
     ASSERT_TRUE(test::waitUntil([this] { return hasWorked(); }));
-    // From here on this thread, which would end the job, handles nothing.
-    QElapsedTimer timer;
-    timer.start();
-    while (workerThreads::runningCount() > 0 && timer.elapsed() < 20'000)
-        std::this_thread::yield();
+    EXPECT_TRUE(workersHaveEnded());
     EXPECT_EQ(out.read(u"a.flac"_s), "old");
     ASSERT_TRUE(finish());
     EXPECT_EQ(out.read(u"a.flac"_s), "old");

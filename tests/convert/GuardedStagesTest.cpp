@@ -74,6 +74,20 @@ TEST_F(GuardedStagesTest, OneThatTheProgramDidNotTouchStaysWhenItIsKilled)
     EXPECT_EQ(out.read(u"a.flac"_s), "somebody's");
 }
 
+TEST_F(GuardedStagesTest, AReplacedOneComesBackInThePlaceOfWhatAProgramMadeThatFailed)
+{
+    out.write(u"a.wav"_s, "old");
+    setFake(u"ttaenc"_s, "append=@-1:by and by;exit=1");
+    const auto task = makeDecoder(folder.write(u"a.tta"_s, "source"), u"WAV"_s);
+    const auto batch = std::make_shared<OutputBatch>();
+    batch->existingOutputs = ExistingOutputs::Replace;
+    task->setBatch(batch);
+    runJob(task);
+    EXPECT_TRUE(task->error());
+    EXPECT_EQ(out.list(), QStringList{u"a.wav"_s});
+    EXPECT_EQ(out.read(u"a.wav"_s), "old");
+}
+
 TEST_F(GuardedStagesTest, OneThatComesBeforeItsProgramBeginsStaysWhenTheJobIsCutShort)
 {
     setFake(u"wvunpack"_s, "append=@-2:half;create=" + folder.path(u"waits"_s).toUtf8() + ";hang");
@@ -90,8 +104,8 @@ TEST_F(GuardedStagesTest, OneThatComesBeforeItsProgramBeginsStaysWhenTheJobIsCut
 
 TEST_F(GuardedStagesTest, AnOutputThatGoesWhileItGetsItsTagsFailsTheJob)
 {
-    const QString source = test::writeByFfmpeg(folder.path(u"a.m4a"_s), {},
-                                               {u"-c:a"_s, u"alac"_s, u"-metadata"_s, u"title=Song"_s});
+    const QString source =
+        test::writeByFfmpeg(folder.path(u"a.m4a"_s), {}, {u"-c:a"_s, u"alac"_s, u"-metadata"_s, u"title=Song"_s});
     tools.addReal(u"wavpack"_s);
     const auto task = makeEncoder(source, u"WV"_s);
     bool hasGone = false;
@@ -107,8 +121,8 @@ TEST_F(GuardedStagesTest, AnOutputThatGoesWhileItGetsItsTagsFailsTheJob)
 
 TEST_F(GuardedStagesTest, AnOutputGoesWhoseJobIsCancelledWhileItGetsItsTags)
 {
-    const QString source = test::writeByFfmpeg(folder.path(u"a.m4a"_s), {},
-                                               {u"-c:a"_s, u"alac"_s, u"-metadata"_s, u"title=Song"_s});
+    const QString source =
+        test::writeByFfmpeg(folder.path(u"a.m4a"_s), {}, {u"-c:a"_s, u"alac"_s, u"-metadata"_s, u"title=Song"_s});
     tools.addReal(u"wavpack"_s);
     const auto task = makeEncoder(source, u"WV"_s);
     test::SystemCallRecorder calls;
@@ -121,8 +135,8 @@ TEST_F(GuardedStagesTest, AnOutputGoesWhoseJobIsCancelledWhileItGetsItsTags)
 
 TEST_F(GuardedStagesTest, AnOutputIsFlushedBehindItsTagsAndBeforeItsSourceGoes)
 {
-    const QString source = test::writeByFfmpeg(folder.path(u"a.m4a"_s), {},
-                                               {u"-c:a"_s, u"alac"_s, u"-metadata"_s, u"title=Song"_s});
+    const QString source =
+        test::writeByFfmpeg(folder.path(u"a.m4a"_s), {}, {u"-c:a"_s, u"alac"_s, u"-metadata"_s, u"title=Song"_s});
     tools.addReal(u"wavpack"_s);
     const auto task = makeEncoder(source, u"WV"_s);
     task->setDeleteOriginal(true);

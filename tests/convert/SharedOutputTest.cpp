@@ -22,6 +22,7 @@ protected:
         EXPECT_TRUE(report.contains(first)) << qPrintable(report);
         EXPECT_TRUE(report.contains(second)) << qPrintable(report);
         EXPECT_TRUE(QFile::exists(second));
+        EXPECT_EQ(tasks[1]->outcome().output, QString()) << "it is not what this job has made";
     }
     template<typename Tab>
     void runInto(Tab &tab, const QStringList &sources, const QString &outputFolder)

@@ -85,7 +85,8 @@ TEST_F(LeftoverRemoval, HasPutAFileBackWhenItsNameIsOnTheDisk)
     EXPECT_EQ(leftover.outcome, Leftover::Outcome::PutBack);
     const qsizetype named = calls.indexOf(u"rename "_s + path);
     ASSERT_GE(named, 0);
-    EXPECT_TRUE(calls.calls().mid(named).contains(u"fsync "_s + folder.path())) << qPrintable(calls.calls().join(u'\n'));
+    EXPECT_TRUE(calls.calls().mid(named).contains(u"fsync "_s + folder.path()))
+        << qPrintable(calls.calls().join(u'\n'));
 }
 
 TEST_F(LeftoverRemoval, TellsThatTheNameMayNotBeOnTheDisk)

@@ -109,6 +109,18 @@ TEST_F(SourceRetirementTest, TakesAnEmptyFileForNoOutput)
     EXPECT_TRUE(shown.empty()) << "and proves nothing of it";
 }
 
+TEST_F(SourceRetirementTest, KeepsALossySourceAlsoWithoutTheProof)
+{
+    const QString lossy = test::writeByFfmpeg(folder.path(u"lossy.m4a"_s), {}, {u"-c:a"_s, u"aac"_s});
+    const QString decoded = folder.path(u"decoded.wav"_s);
+    ASSERT_EQ(test::runProgram(u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-i"_s, lossy, decoded}).exitStatus, 0);
+    SourceRetirement retirement = wanting({lossy}, {.proves = false, .dropsMetadata = true});
+    const auto verdict = examine(retirement, {decoded});
+    EXPECT_EQ(verdict.failure, std::nullopt);
+    EXPECT_EQ(verdict.keeping, u"it is lossy: nothing made of it stands for it"_s);
+    EXPECT_EQ(retirement.retire().original, Original::Untouched);
+}
+
 TEST_F(SourceRetirementTest, LooksAtNothingButTheLengthsWhenNothingIsToBeDeleted)
 {
     SourceRetirement retirement({wav});

@@ -175,6 +175,19 @@ TEST(ChildProcess, KnowsHowAChildEndedAlthoughItsParentIgnoredSigchld)
         ::testing::ExitedWithCode(42), "");
 }
 
+TEST(RunChild, TakesNoChildThatTheSystemReapedForASuccess)
+{
+    EXPECT_EXIT(
+        {
+            static_cast<void>(runChild(fake({})));
+            // Some library does, and from now on nobody learns how a child ended.
+            ::signal(SIGCHLD, SIG_IGN);
+            const ChildResult result = runChild(fake({u"out=x"_s, u"delay=300"_s}));
+            std::_Exit(result.output == "x" && result.exit && !result.exit->succeeded() ? 42 : 1);
+        },
+        ::testing::ExitedWithCode(42), "");
+}
+
 TEST(ChildProcess, StartsFromAProcessWithoutStandardStreams)
 {
     EXPECT_EXIT(

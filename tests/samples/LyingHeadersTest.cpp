@@ -115,6 +115,23 @@ TEST_F(LyingHeaders, AWrongTotalOfWavpackIsTold)
     EXPECT_TRUE(none.samples == expectedSamples(kSound)) << none;
 }
 
+TEST_F(LyingHeaders, AWavpackFileThatLacksABlockAndCountsWithoutItIsTold)
+{
+    // No checksum goes over the heads of these.
+    makeSound(folder, u"wv-ffmpeg"_s, {.frames = 300'000});
+    const QByteArray whole = folder.read(u"sound.wv-ffmpeg"_s);
+    const auto numberAt = [](const QByteArray &bytes, qsizetype at) {
+        return qFromLittleEndian<quint32>(bytes.constData() + at);
+    };
+    const qsizetype second = numberAt(whole, 4) + 8;
+    const qsizetype third = second + numberAt(whole, second + 4) + 8;
+    ASSERT_LT(third, whole.size());
+    const quint32 lost = numberAt(whole, second + 20);
+    ASSERT_GT(lost, 0U);
+    const QByteArray cut = patched(whole.first(second) + whole.sliced(third), 12, little32(numberAt(whole, 12) - lost));
+    EXPECT_EQ(decodeBytes(cut).complaint, u"blocks of its sound are missing");
+}
+
 TEST_F(LyingHeaders, AWrongLengthOfTtaIsTold)
 {
     const SoundShape twoFrames{.frames = 60'000};

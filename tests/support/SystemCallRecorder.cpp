@@ -258,28 +258,32 @@ int renameat2(int fromFolder, const char *from, int toFolder, const char *to, un
         return -1;
     }
     const auto make = [&] { return real(fromFolder, from, toFolder, to, flags); };
-    return g_record.load() == nullptr ? make() : recordedNames("rename", pathOf(fromFolder, from), pathOf(toFolder, to), make);
+    return g_record.load() == nullptr ? make()
+                                      : recordedNames("rename", pathOf(fromFolder, from), pathOf(toFolder, to), make);
 }
 
 int renameat(int fromFolder, const char *from, int toFolder, const char *to) noexcept
 {
     static auto *const real = next<int(int, const char *, int, const char *)>("renameat");
     const auto make = [&] { return real(fromFolder, from, toFolder, to); };
-    return g_record.load() == nullptr ? make() : recordedNames("rename", pathOf(fromFolder, from), pathOf(toFolder, to), make);
+    return g_record.load() == nullptr ? make()
+                                      : recordedNames("rename", pathOf(fromFolder, from), pathOf(toFolder, to), make);
 }
 
 int rename(const char *from, const char *to) noexcept
 {
     static auto *const real = next<int(const char *, const char *)>("rename");
     const auto make = [&] { return real(from, to); };
-    return g_record.load() == nullptr ? make() : recordedNames("rename", pathOf(AT_FDCWD, from), pathOf(AT_FDCWD, to), make);
+    return g_record.load() == nullptr ? make()
+                                      : recordedNames("rename", pathOf(AT_FDCWD, from), pathOf(AT_FDCWD, to), make);
 }
 
 int linkat(int fromFolder, const char *from, int toFolder, const char *to, int flags) noexcept
 {
     static auto *const real = next<int(int, const char *, int, const char *, int)>("linkat");
     const auto make = [&] { return real(fromFolder, from, toFolder, to, flags); };
-    return g_record.load() == nullptr ? make() : recordedNames("link", pathOf(fromFolder, from), pathOf(toFolder, to), make);
+    return g_record.load() == nullptr ? make()
+                                      : recordedNames("link", pathOf(fromFolder, from), pathOf(toFolder, to), make);
 }
 
 int unlinkat(int folder, const char *name, int flags) noexcept

@@ -11,8 +11,8 @@
 
 namespace nurv::test {
 
-/// What this process asks of the file system while it lives: which files are flushed, written, cut, closed and named, and
-/// in which order. Some of it can be made to fail, as on a disk that breaks. One at a time; any thread may call.
+/// What this process asks of the file system while it lives: which files are flushed, written, cut, closed and named,
+/// and in which order. Some of it can be made to fail, as on a disk that breaks. One at a time; any thread may call.
 /// For test programs that link nurv_system_calls, whose functions stand before those of the system.
 ///
 ///     fsync PATH    fdatasync PATH    write PATH    pwrite PATH    ftruncate PATH    posix_fallocate PATH

@@ -367,7 +367,7 @@ TEST_F(MetadataInventoryOf, ReadsTheItemsOfAnMp4File)
                                                                    {u"--bpm"_s, u"120"_s},
                                                                    {u"--compilation"_s, u"true"_s},
                                                                    {u"--gapless"_s, u"true"_s},
-                                                                   {u"--encodingProgram"_s, u"Me"_s},
+                                                                   {u"--encodingTool"_s, u"Me"_s},
                                                                    {u"--sortOrder"_s, u"artist"_s},
                                                                    {u"Band, The"_s, u"--artwork"_s},
                                                                    {pngFile, u"--artwork"_s},

@@ -3,6 +3,7 @@
 #include "ui/pages/TabPage.h"
 
 #include "app/BaseTab.h"
+#include "app/FileArrivals.h"
 #include "app/NURVController.h"
 #include "base/GuiThread.h"
 #include "base/WorkerThreads.h"
@@ -13,7 +14,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLocale>
-#include <QPointer>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QScrollArea>
@@ -133,6 +133,9 @@ void TabPage::connectAll()
     connect(m_executeButton, &QPushButton::clicked, this, [this] { static_cast<void>(m_tab.nurvController().execute(m_tab)); });
     connect(&m_tab, &BaseTab::fileNamesChanged, this, &TabPage::showState);
     connect(m_fileList, &FileListView::filesDropped, this, &TabPage::addFiles);
+    const FileArrivals &arrivals = m_tab.nurvController().arrivals();
+    connect(&arrivals, &FileArrivals::searchBegan, this, [this](const QString &label) { countSearches(label, 1); });
+    connect(&arrivals, &FileArrivals::searchEnded, this, [this](const QString &label) { countSearches(label, -1); });
 }
 
 QVBoxLayout *TabPage::addOptionGroup(const QString &title, const QString &objectName)
@@ -172,32 +175,15 @@ void TabPage::addPaths(const QStringList &paths)
 
 void TabPage::addFiles(const GivenFiles &files)
 {
-    if (files.isEmpty())
+    m_tab.nurvController().arrivals().receive(
+        {.label = m_tab.label(), .door = Door::List, .paths = files.paths, .refusedNames = files.refused});
+}
+
+void TabPage::countSearches(const QString &label, int change)
+{
+    if (label != m_tab.label())
         return;
-    beginAddingFiles();
-    // The tab outlives the worker, which gives up when the application quits; the
-    // page may be gone by then.
-    workerThreads::startOrRun([&tab = m_tab, page = QPointer<TabPage>(this), files] {
-        FileIntake intake = tab.collect(files.paths);
-        intake.unreadableNames = files.refused + intake.unreadableNames;
-        postToGuiThread([page, intake = std::move(intake)] {
-            if (!page)
-                return;
-            page->endAddingFiles();
-            page->tab().addCollected(intake);
-        });
-    });
-}
-
-void TabPage::beginAddingFiles()
-{
-    ++m_intakesRunning;
-    showState();
-}
-
-void TabPage::endAddingFiles()
-{
-    --m_intakesRunning;
+    m_searchesRunning += change;
     showState();
 }
 

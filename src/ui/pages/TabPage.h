@@ -33,7 +33,7 @@ public:
 
     [[nodiscard]] BaseTab &tab() const { return m_tab; }
     [[nodiscard]] FileListView *fileList() const { return m_fileList; }
-    [[nodiscard]] bool isAddingFiles() const { return m_intakesRunning > 0; }
+    [[nodiscard]] bool isAddingFiles() const { return m_searchesRunning > 0; }
     /// Whether Execute may be pressed.
     [[nodiscard]] bool isReady() const;
 
@@ -44,10 +44,6 @@ public:
     void addFiles(const GivenFiles &files);
     /// Asks for files and adds them.
     void chooseFiles();
-    /// Shows that files are being added, and holds Execute back, until as many
-    /// calls of `endAddingFiles` have come.
-    void beginAddingFiles();
-    void endAddingFiles();
     /// Presses the execute button; nothing while that is disabled.
     void execute();
 
@@ -67,6 +63,8 @@ private:
     void createWidgets();
     void layOut();
     void connectAll();
+    /// While there are any, Execute is held back.
+    void countSearches(const QString &label, int change);
     void showState();
 
     BaseTab &m_tab;
@@ -79,7 +77,7 @@ private:
     QWidget *m_options = nullptr;
     QVBoxLayout *m_optionColumn = nullptr;
     QGroupBox *m_lastGroup = nullptr;
-    int m_intakesRunning = 0;
+    int m_searchesRunning = 0; ///< for files of this page
     bool m_wasReady = false;
 };
 

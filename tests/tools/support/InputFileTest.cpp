@@ -5,6 +5,8 @@
 #include "support/TestFolder.h"
 #include "support/ToolError.h"
 
+#include <QFile>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -178,6 +180,19 @@ TEST(InputFile, SaysThatItEndsTooEarly)
     } catch (const ToolError &error) {
         EXPECT_EQ(error.kind(), ToolError::Kind::Damaged);
     }
+}
+
+TEST(InputFile, SaysThatItChangedWhileItWasRead)
+{
+    const TestFolder folder;
+    const QString path = folder.write(u"a"_s, QByteArray(400'000, 'x'));
+    InputFile whole(nameOf(path));
+    EXPECT_EQ(readInSteps(whole, 4096).size(), 400'000U);
+    EXPECT_NO_THROW(whole.checkEnd());
+    InputFile cut(nameOf(path));
+    ASSERT_TRUE(QFile::resize(path, 200'000));
+    EXPECT_EQ(readInSteps(cut, 4096).size(), 200'000U);
+    EXPECT_THROW(cut.checkEnd(), ToolError);
 }
 
 TEST(InputFile, RefusesWhatCannotBeReadByItsName)

@@ -5,6 +5,7 @@
 #include "files/FileDescriptor.h"
 #include "support/InputFile.h"
 #include "support/SystemCallRecorder.h"
+#include "support/TemporaryFile.h"
 #include "support/TestFolder.h"
 #include "support/TestProgram.h"
 #include "support/ToolError.h"
@@ -164,6 +165,22 @@ TEST_F(NamedOutputFileTest, LeavesNothingWhenItIsGivenUp)
         EXPECT_EQ(m_folder.list().size(), 3);
     }
     EXPECT_EQ(m_folder.list(), QStringList{u"in"_s});
+}
+
+TEST_F(NamedOutputFileTest, LeavesNothingWhenASignalEndsTheProgram)
+{
+    m_folder.write(u"out"_s, "former");
+    const auto endHalfway = [this] {
+        removeTemporaryFilesOnSignals();
+        OutputFile output(path(u"out"_s), input());
+        output.write(bytesOf(std::string(300'000, 'x')));
+        // That there is something to be left.
+        if (m_folder.list().size() == 3)
+            ::raise(SIGTERM);
+    };
+    EXPECT_EXIT(endHalfway(), ::testing::KilledBySignal(SIGTERM), "");
+    EXPECT_EQ(m_folder.list(), (QStringList{u"in"_s, u"out"_s}));
+    EXPECT_EQ(m_folder.read(u"out"_s), "former");
 }
 
 TEST_F(NamedOutputFileTest, KeepsTheModeOfTheFileThatItReplacesFromTheStart)
