@@ -30,7 +30,12 @@ function(nurv_test name)
   set(discovery "${CMAKE_CURRENT_BINARY_DIR}/${name}_discovery.cmake")
   set(properties "LABELS [==[${ARG_LABELS}]==] TIMEOUT 300 ENVIRONMENT [==[QT_QPA_PLATFORM=offscreen;NURV_TOOLS=${NURV_TOOLS_DIR}]==]")
   file(GENERATE OUTPUT "${discovery}" CONTENT
-"if(NOT EXISTS [==[${listed}]==] OR [==[$<TARGET_FILE:${name}_test>]==] IS_NEWER_THAN [==[${listed}]==]
+"if(NOT EXISTS [==[$<TARGET_FILE:${name}_test>]==])
+  # Without a label: who asks for others does not need it.
+  add_test(${name}_NOT_BUILT ${name}_NOT_BUILT)
+  return()
+endif()
+if(NOT EXISTS [==[${listed}]==] OR [==[$<TARGET_FILE:${name}_test>]==] IS_NEWER_THAN [==[${listed}]==]
     OR [==[${discovery}]==] IS_NEWER_THAN [==[${listed}]==])
   include([==[${CMAKE_SOURCE_DIR}/cmake/NurvDiscoverTests.cmake]==])
   nurv_discover_tests([==[$<TARGET_FILE:${name}_test>]==] ${name}. ${NURV_TEST_CASES_TOGETHER} [==[${listed}]==]

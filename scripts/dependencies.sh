@@ -5,6 +5,14 @@
 # The packages of Debian 12 and 13 that the project needs, by purpose. Sourced by the
 # scripts at the root of the tree.
 
+# nurv_svg_plugins: the package that shows SVG icons. Debian 12 has them with the library.
+nurv_svg_plugins() {
+    case $(cat /etc/debian_version 2>/dev/null) in
+    12 | 12.* | bookworm*) printf 'libqt6svg6\n' ;;
+    *) printf 'qt6-svg-plugins\n' ;;
+    esac
+}
+
 readonly NURV_BUILD_PACKAGES=(
     build-essential ccache cmake ninja-build pkg-config
     libavcodec-dev libavformat-dev libavutil-dev libflac-dev
@@ -12,7 +20,7 @@ readonly NURV_BUILD_PACKAGES=(
 )
 readonly NURV_RUNTIME_PACKAGES=(
     atomicparsley ffmpeg flac genisoimage icedax lame opus-tools sox wavpack
-    dbus dbus-x11 fonts-noto-core hicolor-icon-theme libglib2.0-bin libqt6svg6
+    dbus dbus-x11 fonts-noto-core hicolor-icon-theme libglib2.0-bin "$(nurv_svg_plugins)"
     qt6-image-formats-plugins qt6-qpa-plugins qt6-wayland
 )
 readonly NURV_TEST_PACKAGES=(

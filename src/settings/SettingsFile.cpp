@@ -132,7 +132,7 @@ bool holdsStream(const QByteArray &line)
     return std::any_of(kStreams.begin(), kStreams.end(), [&](const char *stream) { return plain.contains(stream); });
 }
 
-// Whether a key has a name in each of its groups: QSettings reads one without, and writes it as a line that it cannot
+// Whether a key, or a section, has a name in each of its groups: QSettings reads one without, and writes it as a line that it cannot
 // read. Groups end with a backslash in the file.
 bool isNamed(QByteArray key)
 {
@@ -149,7 +149,7 @@ bool isSound(const QByteArray &line)
     });
     if (hasControls || !line.isValidUtf8() || !endsWithinItself(line) || holdsStream(line))
         return false;
-    const bool isSection = line.startsWith('[') && line.endsWith(']');
+    const bool isSection = line.startsWith('[') && line.endsWith(']') && isNamed(line.mid(1, line.size() - 2));
     return isSection || line.startsWith('#') || (!line.startsWith('[') && isNamed(line.left(line.indexOf('='))) && line.contains('='));
 }
 

@@ -145,6 +145,16 @@ TEST_F(SettingsStoreFile, ReadsNoKeysWithoutAName)
     EXPECT_EQ(SettingsFile(path()).read().values.value(u"own/key"_s), u"4"_s);
 }
 
+TEST_F(SettingsStoreFile, ReadsNoSectionsWithoutAName)
+{
+    for (const char *section : {"[]", "[/]", "[a\\\\]", "[\\a]", "[a//b]"}) {
+        write(QByteArray("[General]\nmaxThreads=3\n") + section + "\nb=1\n");
+        EXPECT_EQ(SettingsFile(path()).read().state, SettingsFile::State::Damaged) << section;
+    }
+    write("[General]\nmaxThreads=3\n[own]\nkey=4\n");
+    EXPECT_EQ(SettingsFile(path()).read().values.value(u"own/key"_s), u"4"_s);
+}
+
 TEST_F(SettingsStoreFile, IsReadableByItsOwnerOnlyFromTheFirstMomentOn)
 {
     const mode_t formerMask = ::umask(0);

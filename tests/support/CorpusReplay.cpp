@@ -13,6 +13,7 @@
 #include <cstring>
 #include <ctime>
 
+#include <sys/time.h>
 #include <unistd.h>
 
 namespace nurv::test {
@@ -28,9 +29,11 @@ void reportHang(int)
     [[maybe_unused]] ssize_t written = ::write(STDERR_FILENO, kText, sizeof kText - 1);
     written = ::write(STDERR_FILENO, g_name, std::strlen(g_name));
     written = ::write(STDERR_FILENO, "\n", 1);
-    ::raise(SIGALRM);
+    ::raise(SIGPROF);
 }
 
+/// Ends the program when it has used so much time of the processor: a busy machine is not
+/// to be found fault with.
 class HangAlarm {
 public:
     HangAlarm(const QByteArray &name, std::chrono::seconds limit)
@@ -39,18 +42,25 @@ public:
         struct sigaction action {};
         action.sa_handler = reportHang;
         action.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER);
-        ::sigaction(SIGALRM, &action, &m_former);
-        ::alarm(static_cast<unsigned>(std::max<std::chrono::seconds::rep>(limit.count(), 1)));
+        ::sigaction(SIGPROF, &action, &m_former);
+        setTimer(std::max<std::chrono::seconds::rep>(limit.count(), 1));
     }
     ~HangAlarm()
     {
-        ::alarm(0);
-        ::sigaction(SIGALRM, &m_former, nullptr);
+        setTimer(0);
+        ::sigaction(SIGPROF, &m_former, nullptr);
     }
     HangAlarm(const HangAlarm &) = delete;
     HangAlarm &operator=(const HangAlarm &) = delete;
 
 private:
+    static void setTimer(std::chrono::seconds::rep seconds)
+    {
+        itimerval timer{};
+        timer.it_value.tv_sec = seconds;
+        ::setitimer(ITIMER_PROF, &timer, nullptr);
+    }
+
     struct sigaction m_former {};
 };
 
@@ -78,7 +88,7 @@ private:
         const AllocationMeter meter;
         const std::clock_t start = std::clock();
         LLVMFuzzerTestOneInput(reinterpret_cast<const uint8_t *>(bytes.constData()), static_cast<size_t>(bytes.size()));
-        // Of the processor: a busy machine is not to be found fault with.
+        // Of the processor, too.
         const std::chrono::milliseconds time{1000 * (std::clock() - start) / CLOCKS_PER_SEC};
         if (const std::size_t most = std::max(meter.peakBytes(), meter.largestRequest()); most > limits.bytes)
             complain(info) << "asks for " << most << " bytes";
