@@ -8,6 +8,7 @@ usage: check_repository.py ROOT
 
 import fnmatch
 import pathlib
+import shutil
 import subprocess
 import sys
 import xml.etree.ElementTree
@@ -56,6 +57,9 @@ def check_files(root, names):
 
 def main():
     root = pathlib.Path(sys.argv[1])
+    if not shutil.which("git"):
+        print("git is missing: nothing to look at")
+        sys.exit(SKIPPED)
     listing = subprocess.run(["git", "-c", "safe.directory=*", "-C", root, "ls-files", "-z"], capture_output=True, check=False)
     if listing.returncode != 0:
         print("no git checkout: nothing to look at")
