@@ -12,6 +12,8 @@ ComboControl::ComboControl(QList<int> items, int value) : m_items(std::move(item
 
 void ComboControl::setText(const QString &text)
 {
+    if (leadingInteger(text) <= 0)
+        return;
     if (std::exchange(m_text, text) != text)
         announceValue();
 }

@@ -14,13 +14,13 @@ class ComboControl final : public Control {
     Q_OBJECT
 
 public:
-    explicit ComboControl(QList<int> items, int value = 0);
+    ComboControl(QList<int> items, int value);
 
     [[nodiscard]] const QList<int> &items() const { return m_items; }
-    /// What stands in the field.
+    /// The last text that began with a number above 0: a field that is being emptied is no number yet.
     [[nodiscard]] const QString &text() const { return m_text; }
     void setText(const QString &text);
-    /// The number at the start of the text, 0 where there is none.
+    /// The number at the start of the text.
     [[nodiscard]] int integerValue() const;
     void setIntegerValue(int value) { setText(QString::number(value)); }
 

@@ -67,7 +67,8 @@ FileVerdict FileArrivals::look(const Arrival &arrival, const QString &path, bool
     switch (arrival.door) {
     case Door::List: return m_controller.look(arrival.label, path, FileRule::ByContents);
     case Door::CommandLine:
-        return m_controller.look(arrival.label, path, isGiven ? FileRule::ByContents : FileRule::ByExtension);
+        return m_controller.look(arrival.label, path,
+                                 isGiven ? FileRule::ByContents : FileRule::ByExtensionAndAppleLossless);
     case Door::Application: break;
     }
     const bool isTaken = !m_controller.tab(arrival.label)

@@ -21,7 +21,7 @@ enum class Door {
     /// Opened with the application or dropped on its window: by their extensions. What is not the page's is left out
     /// without a word; from the about page each file goes to the page of its kind.
     Application,
-    /// Named on the command line: by their contents; in folders by their extensions. What is refused is in the intake.
+    /// Named on the command line: by their contents; in folders by their extensions, and Apple Lossless files. What is refused is in the intake.
     CommandLine,
 };
 

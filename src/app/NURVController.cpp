@@ -115,7 +115,8 @@ FileVerdict NURVController::look(const QString &label, const QString &path, File
     const QString extension = formatWord(path);
     if (extension.isEmpty())
         return takenIf(looksInside && page->takesFilesWithoutExtension);
-    if (extension == u"M4A" && (looksInside ? page->takesAppleLossless : page->takesAppleLosslessFromFolders)) {
+    if (extension == u"M4A"
+        && (rule == FileRule::ByExtension ? page->takesAppleLosslessFromFolders : page->takesAppleLossless)) {
         const SoundKind kind = CoreAudioHelper::soundKind(path);
         if (kind == SoundKind::NotReadable)
             return FileVerdict::NotReadable;

@@ -28,6 +28,7 @@ class UserPrompts;
 enum class FileRule {
     ByContents,  ///< by what they hold where the extension does not decide
     ByExtension, ///< by one of its extensions; by the contents only whether an MPEG-4 file is Apple Lossless
+    ByExtensionAndAppleLossless, ///< the same on every page that takes Apple Lossless at all
 };
 
 /// The application's main controller: registers the settings, owns the job

@@ -25,8 +25,9 @@ constexpr std::uint32_t kByQuality = 3;
 constexpr double kShareOfWantedRate = 0.955;
 /// ISO/IEC 14496-3: an AAC frame has at most 6144 bits per channel.
 constexpr double kMostAacBitsPerSample = 6144.0 / 1024.0;
-/// The range of the encoder's own quality in which its output changes.
-constexpr double kLowestQuality = 0.19;
+/// The range of the encoder's own quality that is used, 47 to 293 kbit/s for music in stereo; above it nothing changes
+/// (decision 0019).
+constexpr double kLowestQuality = 0.3;
 constexpr double kHighestQuality = 2.0;
 /// The Apple Lossless encoder reserves too little for the coefficients of a block of a
 /// few frames with many channels, and ends the process. Such blocks are stored as they are.
@@ -354,10 +355,15 @@ AudioFileStatus AudioEncoder::setClientFormat(const AudioStreamDescription &form
     return AudioFileStatus::Ok;
 }
 
-AudioFileStatus AudioEncoder::setBitRate(std::uint32_t bitsPerSecond)
+std::uint32_t AudioEncoder::mostBitRate() const
 {
     const AudioStreamDescription &file = m_engine->m_file;
-    if (file.formatId != kFormatAAC || bitsPerSecond > kMostAacBitsPerSample * file.sampleRate * file.channelsPerFrame)
+    return static_cast<std::uint32_t>(kMostAacBitsPerSample * file.sampleRate * file.channelsPerFrame);
+}
+
+AudioFileStatus AudioEncoder::setBitRate(std::uint32_t bitsPerSecond)
+{
+    if (m_engine->m_file.formatId != kFormatAAC || bitsPerSecond > mostBitRate())
         return AudioFileStatus::InvalidValue;
     m_engine->m_settings.bitRate = bitsPerSecond;
     m_engine->m_codec.reset();

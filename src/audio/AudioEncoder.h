@@ -41,6 +41,8 @@ public:
 
     // Properties. A value out of range is refused and changes nothing.
     [[nodiscard]] AudioFileStatus setBitRate(std::uint32_t bitsPerSecond);
+    /// What `setBitRate` takes of AAC at most, in bits per second, for the file's rate and channels.
+    [[nodiscard]] std::uint32_t mostBitRate() const;
     [[nodiscard]] AudioFileStatus setQuality(std::uint32_t quality);
     [[nodiscard]] AudioFileStatus setBitRateMode(std::uint32_t mode);
     /// One bit per speaker, as in WAV; both layouts have to agree.

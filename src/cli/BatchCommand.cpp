@@ -145,7 +145,7 @@ ExitStatus BatchCommand::run(const ParsedArguments &arguments, Console &console)
     ExitStatus status = ExitStatus::Failed;
     if (tab->fileNames().isEmpty()) {
         console.writeNote(
-            u"there is nothing to %1: no file was found that can be worked on"_s.arg(spec().name));
+            u"there is nothing to do: no file was found that can be worked on"_s);
     } else if (const QStringList missing = programs.missing(); !missing.isEmpty()) {
         tellMissing(console, missing);
         status = ExitStatus::MissingProgram;

@@ -81,13 +81,13 @@ std::vector<OptionSpec> outputOptions(const OutputSetters &setters)
                    "source is no such output: it stays, and the job fails by name."_s,
          .set = setters.skipExisting},
         {.name = u"delete-originals"_s,
-         .summary = u"remove each source whose output was proven to hold the same; asks first"_s,
+         .summary = u"remove each source whose output was proven; asks first"_s,
          .manual = u"Removes each source after its job succeeded: to the trash or for good, as the preferences say. Asks "
-                   "first. Source and output are decoded again before that, to the source's real end, and compared. A "
-                   "source stays, and that is told, when they differ or one of them cannot be decoded to its end; when the "
-                   "output has no place for all of its tags, pictures and other chunks; when its job failed, was cancelled "
-                   "or reported an error in the sound; when another source has the same output; and when it is the output "
-                   "itself."_s,
+                   "first. Source and output are decoded again before that, to the source's real end, and compared: "
+                   "sample by sample, or by the length where the output is lossy. A source stays, and that is told, when "
+                   "they differ or one of them cannot be decoded to its end; when the output has no place for all of its "
+                   "tags, pictures and other chunks; when its job failed, was cancelled or reported an error in the sound; "
+                   "when another source has the same output; and when it is the output itself."_s,
          .set = setters.deleteOriginals},
         {.name = u"no-proof"_s,
          .summary = u"with --delete-originals: decode and compare nothing before that"_s,

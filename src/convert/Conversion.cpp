@@ -78,10 +78,16 @@ void Conversion::setBatch(std::shared_ptr<OutputBatch> batch)
 {
     m_batch = std::move(batch);
     m_batch->sources.insert(QFileInfo(fileName()).canonicalFilePath());
+    m_batch->outputs.insert(foldedName(outputFile()));
     SourceRetirement::Wishes wishes = m_retirement.wishes();
     wishes.proves = m_batch->provesBeforeDeleting;
     wishes.dropsMetadata = m_batch->dropsMetadata;
     m_retirement.setWishes(wishes);
+}
+
+bool Conversion::isOutputOfBatch(const QString &path) const
+{
+    return m_batch && m_batch->outputs.contains(foldedName(path));
 }
 
 bool Conversion::outputIsAnotherSource() const
@@ -113,7 +119,7 @@ std::optional<QString> Conversion::takeOutput()
     if (!outputExisted() || (existing != ExistingOutputs::Refuse && existing != ExistingOutputs::Skip))
         return std::nullopt;
     if (existing == ExistingOutputs::Skip) {
-        if (const auto fault = SoundLengthCheck::of({fileName()}, {output}).fault)
+        if (const auto fault = faultOfExistingOutput())
             return u"its output %1 exists already, but is not whole: %2"_s.arg(name, *fault);
     }
     return u"its output %1 exists already"_s.arg(name);
@@ -165,8 +171,11 @@ void Conversion::beginOutput(bool replaces)
 
 void Conversion::disownOutput()
 {
+    putReplacedBack();
     lookAtOutput();
     m_hasBegunOutput = false;
+    if (m_batch && m_batch->journal)
+        m_batch->journal->markEnded(outputFile());
 }
 
 void Conversion::noteIntermediateBegun()
@@ -179,6 +188,12 @@ void Conversion::noteIntermediateGone()
 {
     if (m_batch && m_batch->journal && !intermediateFile().isEmpty())
         m_batch->journal->markEnded(intermediateFile());
+}
+
+std::optional<QString> Conversion::faultOfExistingOutput() const
+{
+    return m_retirement.wishes().areOutputsLossy ? SoundLengthCheck::ofLossy(fileName(), outputFile()).fault
+                                                 : SoundLengthCheck::of({fileName()}, {outputFile()}).fault;
 }
 
 bool Conversion::outputIsSource() const
@@ -436,10 +451,10 @@ void Conversion::noteEnding()
         m_task.ownOutcome().original = TaskOutcome::Original::Kept;
 }
 
-void Conversion::restoreReplaced()
+void Conversion::putReplacedBack()
 {
-    if (hasTouchedOutput())
-        removeHalfMade(outputFile());
+    if (!m_replaced)
+        return;
     try {
         m_replaced->putBack();
     } catch (const NurvFailure &failure) {
@@ -447,6 +462,13 @@ void Conversion::restoreReplaced()
         tell(failure.reason());
     }
     m_replaced.reset();
+}
+
+void Conversion::restoreReplaced()
+{
+    if (hasTouchedOutput())
+        removeHalfMade(outputFile());
+    putReplacedBack();
     // The file is what was there before, and nothing that this job has made.
     lookAtOutput();
 }

@@ -53,6 +53,10 @@ public:
     /// Why the source stays, as far as that is known.
     [[nodiscard]] const std::optional<QString> &reasonToKeepSource() const { return m_retirement.doubtReason(); }
 
+    /// What speaks against taking the file that has the output's name for a whole output; nothing: as far as its
+    /// header tells, it is one.
+    [[nodiscard]] std::optional<QString> faultOfExistingOutput() const;
+
     /// Makes the conversion a member of a batch. Before any member of it is started.
     void setBatch(std::shared_ptr<OutputBatch> batch);
 
@@ -75,10 +79,12 @@ protected:
     /// replaced (`replaces`: by what makes the output, in a batch that leaves it to that),
     /// and notes the output in the journal. Throws NurvFailure when the file stays in the way.
     void beginOutput(bool replaces);
+    /// Whether a job of the same batch makes a file of that name.
+    [[nodiscard]] bool isOutputOfBatch(const QString &path) const;
     /// Around the making of the intermediate file.
     void noteIntermediateBegun();
     void noteIntermediateGone();
-    /// What has the output's name is not this job's.
+    /// What has the output's name is not this job's; a file that was moved aside for it gets its name back.
     void disownOutput();
     /// Before the queue is told of the end and starts further jobs.
     void releaseOutput() { m_claim.release(); }
@@ -160,6 +166,7 @@ private:
     /// Reports a line, in a set of its own when the job has dropped its set already.
     void tell(const QString &problem);
     void restoreReplaced();
+    void putReplacedBack();
 
     NURVTask &m_task;
     QString m_ownText; ///< what the report is made of, as it was written

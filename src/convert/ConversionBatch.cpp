@@ -5,7 +5,6 @@
 #include "convert/Conversion.h"
 #include "engine/NURVTaskQueue.h"
 #include "files/FileStatus.h"
-#include "originals/SoundLengthCheck.h"
 
 #include <QHash>
 
@@ -30,7 +29,7 @@ bool ConversionBatch::add(const std::shared_ptr<Conversion> &conversion)
     if (!isItsOwnOutput)
         m_outputs.insert(foldedName(conversion->outputFile()));
     if (isFirst && m_batch->existingOutputs == ExistingOutputs::Skip && isThere(conversion->outputFile())
-        && !SoundLengthCheck::of({conversion->fileName()}, {conversion->outputFile()}).fault) {
+        && !conversion->faultOfExistingOutput()) {
         m_passedOver.append(conversion->fileName());
         return false;
     }

@@ -119,7 +119,9 @@ void ConversionTask::takeIntermediateFile()
     if (made.isEmpty() || !hasRun() || m_intermediateExisted || !isThere(made))
         return;
     if (!programSucceeded()) {
-        removeHalfMade(made);
+        const ExternalProgram *const program = findExternalProgram(lastPathComponent(launchPath()));
+        if (!(program && program->placesWholeOutput))
+            removeHalfMade(made);
         return;
     }
     if (renameToFreeName(QFile::encodeName(made), QFile::encodeName(outputFile())))
@@ -157,20 +159,16 @@ void ConversionTask::removeHalfMadeFiles() const
     const std::optional<ChildExit> exit = exitState();
     if (!exit || exit->succeeded())
         return;
+    const ExternalProgram *const program = findExternalProgram(lastPathComponent(launchPath()));
     // Of a program that ends by itself the output is removed only where it is known to leave
     // a cut one.
-    const bool isCut = exit->signal != 0 || leavesHalfMadeOutput();
+    const bool placesWhole = program && program->placesWholeOutput;
+    const bool isCut = !placesWhole && (exit->signal != 0 || (program && program->leavesHalfMadeOutput));
     // Nothing had that name when the program was started.
     if (exit->signal != 0)
         removeHalfMade(temporaryOf(outputFile()));
     if (isCut && !outputExisted())
         removeHalfMade(outputFile());
-}
-
-bool ConversionTask::leavesHalfMadeOutput() const
-{
-    const ExternalProgram *const program = findExternalProgram(lastPathComponent(launchPath()));
-    return program && program->leavesHalfMadeOutput;
 }
 
 bool ConversionTask::programSucceeded() const

@@ -56,7 +56,6 @@ protected:
 
 private:
     void removeHalfMadeFiles() const;
-    [[nodiscard]] bool leavesHalfMadeOutput() const;
     /// Gives what a program has made under another name the output's one.
     void takeIntermediateFile();
     /// With its tags, or without what a failed program has left. Blocks; a worker where there is one.

@@ -226,10 +226,12 @@ void EncodeCoreAudioSync::showProgress(double percent)
     m_task.updateStatus();
 }
 
-void EncodeCoreAudioSync::setAACSettings(AudioFileWriter &output) const
+void EncodeCoreAudioSync::setAACSettings(AudioFileWriter &output)
 {
     AudioEncoder &converter = converterOf(output);
     if (m_bitrate != 0) {
+        if (const std::uint32_t most = converter.mostBitRate(); m_bitrate > most)
+            m_obstacle = u"AAC takes up to %1 kbit/s at its sample rate with its channels, not %2"_s.arg(most / 1000).arg(m_bitrate / 1000);
         check(converter.setBitRate(m_bitrate), u"ExtAudioFileGetProperty kAudioConverterEncodeBitRate failure"_s,
               u"kAudioConverterEncodeBitRate failed %1"_s);
     }

@@ -65,7 +65,7 @@ private:
     void showProgress(double percent);
     [[nodiscard]] AudioStreamDescription outputFormat(const AudioStreamDescription &source,
                                                       const AudioStreamDescription &working) const;
-    void setAACSettings(AudioFileWriter &output) const;
+    void setAACSettings(AudioFileWriter &output);
     void setAACSurroundChannelFormatSettings(AudioFileWriter &output) const;
 
     NURVTask &m_task;

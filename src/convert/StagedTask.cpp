@@ -65,15 +65,31 @@ NeededPrograms StagedTask::neededPrograms() const
     return programs;
 }
 
-bool StagedTask::run(const std::optional<ProgramStage> &wanted)
+bool StagedTask::decodeTo(const QString &made)
 {
-    if (cancelled() || !wanted)
+    const std::optional<ProgramStage> stage = decoding(made);
+    return stage && (made == m_outFile ? runForOutput(*stage) : run(*stage));
+}
+
+bool StagedTask::encodeFrom(const QString &input)
+{
+    const std::optional<ProgramStage> stage = encoding(input);
+    return stage && runForOutput(*stage);
+}
+
+bool StagedTask::runForOutput(const ProgramStage &stage)
+{
+    if (cancelled())
         return false;
-    const ProgramStage &stage = *wanted;
-    if (stage.arguments.contains(m_outFile)) {
-        beginOutput(stage.replacesOutput);
-        m_programHasBegun = true;
-    }
+    beginOutput(stage.replacesOutput);
+    m_programHasBegun = true;
+    return run(stage);
+}
+
+bool StagedTask::run(const ProgramStage &stage)
+{
+    if (cancelled())
+        return false;
     QString recent;
     const auto takeText = [&](const QString &chunk) {
         keepForReport(chunk);
@@ -98,37 +114,30 @@ bool StagedTask::run(const std::optional<ProgramStage> &wanted)
     return ending.succeeded() && !error() && !cancelled();
 }
 
-bool StagedTask::encodeUnderName(const QString &input, const QString &made)
+void StagedTask::encodeUnderName(const ProgramStage &stage, const QString &made)
 {
-    const std::optional<ProgramStage> stage = encoding(input);
-    if (cancelled() || !stage)
-        return false;
-    beginOutput(stage->replacesOutput);
-    if (made == m_outFile) {
-        m_programHasBegun = true;
-        return run(stage);
-    }
-    for (const QString &path : {made, m_outFile}) {
-        if (!isThere(path))
-            continue;
+    if (cancelled())
+        return;
+    beginOutput(stage.replacesOutput);
+    if (isThere(m_outFile)) {
         disownOutput();
-        failWith(problemLine(u"%1 is there already"_s.arg(lastPathComponent(path))));
-        return false;
+        failWith(problemLine(u"%1 is there already"_s.arg(lastPathComponent(m_outFile))));
+        return;
     }
     noteIntermediateBegun();
     const NotedTemporary noted(made);
+    const ExternalProgram *const program = findExternalProgram(stage.name);
     const bool isWhole = run(stage);
-    if (!isWhole)
+    if (!isWhole && !(program && program->placesWholeOutput))
         removeHalfMade(made);
-    else if (!renameToFreeName(QFile::encodeName(made), QFile::encodeName(m_outFile))) {
-        const QString problem = u"its output stays as %1, since it could not get its name: %2"_s.arg(
-            lastPathComponent(made), systemErrorText(errno));
+    if (isWhole && isThere(made) && !renameToFreeName(QFile::encodeName(made), QFile::encodeName(m_outFile))) {
+        const QString problem = u"its output could not get its name: %1"_s.arg(systemErrorText(errno));
+        removeHalfMade(made);
         disownOutput();
         noteProblem(problem);
         failWith(problemLine(problem));
     }
     noteIntermediateGone();
-    return isWhole && !error();
 }
 
 void StagedTask::takeEnding(const ProgramStage &stage, const ProgramRunSync::Ending &ending)
@@ -136,13 +145,14 @@ void StagedTask::takeEnding(const ProgramStage &stage, const ProgramRunSync::End
     // No later stage can go on, and what that one would say hides the reason.
     if (!ending.exit)
         throw NurvFailure(ending.startFailure);
-    if (ending.wasCutShort())
+    const ExternalProgram *const program = findExternalProgram(stage.name);
+    const bool placesWhole = program && program->placesWholeOutput;
+    if (ending.wasCutShort() && !placesWhole)
         m_isHalfMade = true;
     // A program that this job ended has not failed.
     if (ending.wasStopped || ending.succeeded() || cancelled())
         return;
     noteDamage(u"its program failed"_s);
-    const ExternalProgram *const program = findExternalProgram(stage.name);
     if (m_programHasBegun && program && program->leavesHalfMadeOutput)
         m_isHalfMade = true;
     if (stage.looksAtExitStatus)

@@ -63,12 +63,14 @@ protected:
 
     /// Runs the program of `decoding` to its end and parses what it writes. Nothing runs in a
     /// cancelled job. False: it failed, told of an error, or did not run.
-    bool decodeTo(const QString &made) { return run(decoding(made)); }
-    /// The same with the one of `encoding`.
-    bool encodeFrom(const QString &input) { return run(encoding(input)); }
-    /// The same where the program gives what it makes a name of its own, `made`, in the output folder: the output
-    /// gets its name when it is whole. Nothing is replaced but by `beginOutput`.
-    bool encodeUnderName(const QString &input, const QString &made);
+    bool decodeTo(const QString &made);
+    /// The same with the one of `encoding`, which makes the output.
+    bool encodeFrom(const QString &input);
+    /// The same with a program that makes the output, under whatever name it is told.
+    bool runForOutput(const ProgramStage &stage);
+    /// The same where the program gives what it makes a name of its own, `made`, in the output folder, that this job
+    /// has to itself: the output gets its name when it is whole. Nothing is replaced but by `beginOutput`.
+    void encodeUnderName(const ProgramStage &stage, const QString &made);
     /// Fails when a temporary WAV that a program has made holds another number of samples
     /// than its header says: a decoder may take the one from its source's header and the
     /// other from its sound, and the next stage reads as far as the header says. A few reads.
@@ -99,7 +101,7 @@ protected:
     void afterCompletion() final;
 
 private:
-    bool run(const std::optional<ProgramStage> &wanted);
+    bool run(const ProgramStage &stage);
     void takeEnding(const ProgramStage &stage, const ProgramRunSync::Ending &ending);
     void concludeOutput();
     void judgeHalfMadeOutput();

@@ -230,6 +230,14 @@ void NURVTask::startIndeterminateProgressBar()
     });
 }
 
+void NURVTask::stopIndeterminateProgressBar()
+{
+    paint([this] {
+        m_progressIndicator.indeterminate = false;
+        m_progressIndicator.animated = false;
+    });
+}
+
 void NURVTask::setGuiFields()
 {
     paint([this] {

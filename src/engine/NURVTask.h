@@ -117,6 +117,8 @@ public:
     void setProgressIndicatorValueInGui();
     /// For jobs that cannot measure their progress.
     void startIndeterminateProgressBar();
+    /// The bar stands still and shows the progress again.
+    void stopIndeterminateProgressBar();
     /// Paints the final state and hides the cancel button.
     void setGuiFields();
     /// Takes the row out of the view.

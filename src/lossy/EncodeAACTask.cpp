@@ -15,6 +15,9 @@ namespace nurv {
 namespace {
 
 constexpr std::uint32_t kBitsPerKilobit = 1000;
+constexpr int kBestQuality = 127;
+/// More than any number of channels at any rate takes.
+constexpr int kMostKilobits = 100'000;
 
 /// The encoder's modes, by the types that are told in kbit/s.
 constexpr std::uint32_t kConstant = 0;
@@ -71,8 +74,23 @@ std::optional<QString> EncodeAACTask::encoderSettingsForTag() const
     return std::nullopt;
 }
 
+/// What is wrong with the level for the type; nothing: it is one that it can have.
+std::optional<QString> EncodeAACTask::faultOfLevel() const
+{
+    if (m_type == u"VBR" && (m_level < 0 || m_level > kBestQuality))
+        return u"AAC has no quality %1"_s.arg(m_level);
+    if (settings().bitRateMode != kVariable && encoderSettingsForTag() && (m_level < 1 || m_level > kMostKilobits))
+        return u"AAC has no rate of %1 kbit/s"_s.arg(m_level);
+    return std::nullopt;
+}
+
 void EncodeAACTask::doEncodeCall()
 {
+    if (const std::optional<QString> fault = faultOfLevel()) {
+        noteProblem(*fault);
+        failWith(problemLine(*fault));
+        return;
+    }
     if (needsDecoder())
         encodeDecoded([this](const QString &wav) { encode(wav); });
     else
@@ -95,7 +113,7 @@ void EncodeAACTask::finishOutput()
         else
             setEncoderTag();
     });
-    if (!cancelled())
+    if (!error() && !cancelled())
         optimizeFile();
 }
 

@@ -33,6 +33,7 @@ protected:
     void doEncodeCall() override;
 
 private:
+    [[nodiscard]] std::optional<QString> faultOfLevel() const;
     void encode(const QString &input);
     void finishOutput();
     void handleFlacTags();

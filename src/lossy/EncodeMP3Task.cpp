@@ -3,6 +3,9 @@
 #include "lossy/EncodeMP3Task.h"
 
 #include "app/PathNames.h"
+#include "base/Log.h"
+#include "files/FileStatus.h"
+#include "originals/OutputClaim.h"
 #include "programs/Shntool.h"
 #include "tags/AACTagsHelper.h"
 #include "tags/TagLibTagsHelper.h"
@@ -24,39 +27,59 @@ QString EncodeMP3Task::openingStatus() const
 
 std::optional<ProgramStage> EncodeMP3Task::encoding(const QString &input) const
 {
-    const QString format = formatWord(input);
-    if (input == fileName() && format == u"WAV")
-        return lame::encoding(m_encoding, input, outputFile());
-    if (format == u"FLAC" && pathExtension(input) != u"flac")
-        return lame::encodingByShntoolTo(m_encoding, input, outputFile());
-    return lame::encodingByShntool(m_encoding, input, outputPath());
+    return roadFrom(input).stage;
 }
 
-QString EncodeMP3Task::madeOf(const QString &input) const
+EncodeMP3Task::Road EncodeMP3Task::roadFrom(const QString &input) const
 {
-    // A name that the program is given itself.
-    if (encoding(input)->arguments.contains(outputFile()))
-        return outputFile();
-    return shntool::replacesExtension(pathExtension(input))
-               ? namedAfter(input)
-               : joinPath(outputPath(), lastPathComponent(input) + u".mp3"_s);
+    const QString format = formatWord(input);
+    if (input == fileName() && format == u"WAV")
+        return {lame::encoding(m_encoding, input, outputFile()), outputFile()};
+    if (format == u"FLAC" && pathExtension(input) != u"flac")
+        return roadWithName(input);
+    return {lame::encodingByShntool(m_encoding, input, outputPath()),
+            shntool::replacesExtension(pathExtension(input)) ? namedAfter(input)
+                                                             : joinPath(outputPath(), lastPathComponent(input) + u".mp3"_s)};
+}
+
+EncodeMP3Task::Road EncodeMP3Task::roadWithName(const QString &input) const
+{
+    return {lame::encodingByShntoolTo(m_encoding, input, outputFile()), outputFile()};
+}
+
+void EncodeMP3Task::encode(const QString &input)
+{
+    Road road = roadFrom(input);
+    OutputClaim claim;
+    if (road.made != outputFile()) {
+        // In this order: what another job made and let go of before is seen then.
+        if (isOutputOfBatch(road.made) || claim.take(road.made, fileName(), nullptr) || isThere(road.made))
+            road = roadWithName(input);
+    }
+    if (road.made != outputFile()) {
+        encodeUnderName(road.stage, road.made);
+        return;
+    }
+    qCDebug(convertLog).noquote() << "before wait until exit" << title();
+    runForOutput(road.stage);
+    qCDebug(convertLog).noquote() << "after wait until exit" << title();
 }
 
 QString EncodeMP3Task::intermediateFile() const
 {
-    const QString made = madeOf(fileName());
+    const QString made = roadFrom(fileName()).made;
     return made == outputFile() || formatWord(fileName()) == u"M4A" ? QString() : made;
 }
 
 void EncodeMP3Task::doEncodeCall()
 {
     if (formatWord(fileName()) != u"M4A") {
-        encodeUnderName(fileName(), madeOf(fileName()));
+        encode(fileName());
         return;
     }
     encodeDecoded([this](const QString &wav) {
         showStatus(openingStatus());
-        encodeUnderName(wav, madeOf(wav));
+        encode(wav);
     });
 }
 

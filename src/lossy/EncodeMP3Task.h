@@ -19,6 +19,8 @@ public:
                   int level);
 
     [[nodiscard]] QString intermediateFile() const override;
+    /// How it encodes.
+    [[nodiscard]] const lame::Mp3Encoding &settings() const { return m_encoding; }
 
 protected:
     [[nodiscard]] QString openingStatus() const override;
@@ -27,11 +29,18 @@ protected:
     void cleanup() override;
 
 private:
-    /// The file that `shntool` makes of the input.
-    [[nodiscard]] QString madeOf(const QString &input) const;
+    /// How the input is encoded, and the name that the program gives what it makes.
+    struct Road {
+        ProgramStage stage;
+        QString made;
+    };
+    [[nodiscard]] Road roadFrom(const QString &input) const;
+    /// Where the program is told the output's name: another file has the one that it would give.
+    [[nodiscard]] Road roadWithName(const QString &input) const;
+    void encode(const QString &input);
     void writeTags();
 
-    lame::Encoding m_encoding;
+    lame::Mp3Encoding m_encoding;
 };
 
 } // namespace nurv

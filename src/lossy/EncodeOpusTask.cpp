@@ -10,6 +10,8 @@
 #include "tags/AACTagsHelper.h"
 #include "tags/TagLibTagsHelper.h"
 
+#include <QFile>
+
 using namespace Qt::StringLiterals;
 
 namespace nurv {
@@ -62,8 +64,11 @@ bool EncodeOpusTask::goesThroughWav() const
     const QString format = formatWord(fileName());
     if (needsDecoder() || format == u"M4A")
         return true;
-    // opusenc reads AIFF of these widths only.
-    const int bits = isAiff(format) ? soundLength(fileName()).value_or(SoundLength{}).bitsPerSample : 0;
+    // opusenc reads AIFF of these widths only, whatever the file's name says.
+    QFile source(fileName());
+    if (!source.open(QIODevice::ReadOnly) || source.read(4) != "FORM")
+        return false;
+    const int bits = soundLength(fileName()).value_or(SoundLength{}).bitsPerSample;
     return bits != 0 && bits != 8 && bits != 16;
 }
 
@@ -71,7 +76,10 @@ void EncodeOpusTask::encode(const QString &input)
 {
     startIndeterminateProgressBar();
     showStatus(u"Encoding To Opus"_s);
-    encodeUnderName(input, namedAfter(input));
+    if (namedAfter(input) == outputFile())
+        encodeFrom(input);
+    else
+        encodeUnderName(*encoding(input), namedAfter(input));
 }
 
 void EncodeOpusTask::readTexts()
@@ -90,6 +98,7 @@ void EncodeOpusTask::readTexts()
 
 void EncodeOpusTask::cleanup()
 {
+    stopIndeterminateProgressBar();
     if (!m_unreadTags.isEmpty() && !cancelled())
         noteLostTags(m_unreadTags);
     LossyEncodeTask::cleanup();

@@ -18,6 +18,9 @@ public:
     EncodeOpusTask(NURVTaskQueue *queue, const QString &fileName, const QString &type, const QString &outputPath,
                    int bitRate, double frameSize);
 
+    /// How it encodes.
+    [[nodiscard]] const opusenc::OpusEncoding &settings() const { return m_encoding; }
+
 protected:
     [[nodiscard]] QString openingStatus() const override;
     [[nodiscard]] std::optional<ProgramStage> decoding(const QString &made) const override;
@@ -31,7 +34,7 @@ private:
     void readTexts();
     void encode(const QString &input);
 
-    opusenc::Encoding m_encoding;
+    opusenc::OpusEncoding m_encoding;
     opusenc::Texts m_texts;
     QString m_unreadTags; ///< why they could not be read
 };

@@ -5,6 +5,8 @@
 #include "app/PathNames.h"
 #include "originals/StageFile.h"
 
+#include <QFileInfo>
+
 using namespace Qt::StringLiterals;
 
 namespace nurv {
@@ -33,7 +35,13 @@ void LossyEncodeTask::encodeDecoded(const std::function<void(const QString &wav)
     showStatus(decodingStatus());
     const StageFile wav(outputPath());
     if (needsDecoder()) {
-        decodeTo(wav.path());
+        if (!decodeTo(wav.path()) && !cancelled())
+            noteProblem(u"its decoder failed"_s);
+        // The words of the encoder would only hide the decoder's.
+        if (QFileInfo(wav.path()).size() == 0 && !cancelled()) {
+            failWith(problemLine(u"its decoder made no sound"_s));
+            return;
+        }
         checkTemporaryWav(wav.path());
     } else {
         convertToWav(fileName(), wav.path());

@@ -10,7 +10,8 @@
 
 namespace nurv {
 
-/// One file to a lossy format. The source goes only when its output was decoded whole and has the right length.
+/// One file to a lossy format. Before a source goes, its output is decoded to its end and has to be as long, unless
+/// the user wants no proof.
 ///
 ///     source ──> [decoder ──> temporary WAV] ──> encoder ──> output ──> tags
 class LossyEncodeTask : public StagedEncodeTask {

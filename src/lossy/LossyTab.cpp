@@ -16,6 +16,8 @@ namespace nurv {
 namespace {
 
 constexpr int kBestQuality = 127;
+constexpr int kUsualBitRate = 160;
+constexpr int kUsualFrameSizeIndex = 3;
 
 } // namespace
 
@@ -24,14 +26,17 @@ LossyTab::LossyTab(NURVController &controller)
       outputFormatMatrix({u"LAME MP3"_s, u"AAC"_s, u"Opus"_s}), mp3Matrix({u"CBR"_s, u"VBR"_s}, 2),
       aacMatrix({u"CBR"_s, u"ABR"_s, u"VBR Constrained"_s, u"VBR"_s}, 2),
       opusMatrix({u"CBR"_s, u"VBR Constrained"_s, u"VBR"_s}, 3), slider(0, 9, 1, 0), stepper(0, kBestQuality, 0),
-      comboBox({32, 40, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320}),
+      comboBox({32, 40, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320}, kUsualBitRate),
       opusFrameSizeCombo({u"2.5"_s, u"5"_s, u"10"_s, u"20"_s, u"40"_s, u"60"_s})
 {
     const SettingsStore &settings = SettingsStore::instance();
     slider.setIntegerValue(settings.integer(u"lossySliderLevel"_s));
     comboBox.setIntegerValue(settings.integer(u"lossyComboLevel"_s));
     stepper.setIntegerValue(settings.integer(u"lossyStepperLevel"_s));
-    opusFrameSizeCombo.setSelectedIndex(settings.integer(u"opusFrameSizeIndex"_s));
+    // A stored index that is none leaves the usual size.
+    opusFrameSizeCombo.setSelectedIndex(kUsualFrameSizeIndex);
+    if (const int index = settings.integer(u"opusFrameSizeIndex"_s); index >= 0 && index < opusFrameSizeCombo.titles().size())
+        opusFrameSizeCombo.setSelectedIndex(index);
     stepperAction();
     for (ChoiceControl *const control : {&outputFormatMatrix, &mp3Matrix, &aacMatrix, &opusMatrix})
         connect(control, &Control::valueChanged, this, &LossyTab::displayRelevantOptions);

@@ -21,6 +21,8 @@ struct OutputBatch {
     QHash<QString, QString> sourceOfOutput;
     /// The files that are converted, with their links resolved: no output replaces one.
     QSet<QString> sources;
+    /// The names that the batch's outputs are to have, folded: see foldedName.
+    QSet<QString> outputs;
     /// Whether the program of a member told of damage and went on: the report is
     /// then shown at the end of the batch, although no job failed. Any thread.
     std::atomic<bool> toldOfDamage = false;

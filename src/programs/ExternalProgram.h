@@ -18,6 +18,8 @@ struct ExternalProgram {
     bool isRequired = false;
     /// When it fails, a cut output stays behind.
     bool leavesHalfMadeOutput = false;
+    /// It gives its output the name when that is whole: whatever has the name after a failure is somebody else's.
+    bool placesWholeOutput = false;
     /// The programs that it starts when it is given these arguments; null for one that
     /// starts none. May look at the first bytes of the files that they name.
     QStringList (*startedBy)(const QStringList &arguments) = nullptr;

@@ -32,7 +32,7 @@ QStringView trimPunctuation(QStringView text)
     return text;
 }
 
-ProgramStage shntoolStage(const Encoding &encoding, const QStringList &place, const QString &source)
+ProgramStage shntoolStage(const Mp3Encoding &encoding, const QStringList &place, const QString &source)
 {
     const QString encoder = u"cust ext=mp3 lame %1 %2 - %f"_s.arg(encoding.option()).arg(encoding.level);
     return {.name = shntool::program().name,
@@ -50,12 +50,12 @@ const ExternalProgram &program()
     return program;
 }
 
-QString Encoding::option() const
+QString Mp3Encoding::option() const
 {
     return type == u"CBR" ? u"-b"_s : u"-V"_s;
 }
 
-ProgramStage encoding(const Encoding &encoding, const QString &wav, const QString &output)
+ProgramStage encoding(const Mp3Encoding &encoding, const QString &wav, const QString &output)
 {
     return {.name = program().name,
             .arguments = {u"--brief"_s, encoding.option(), QString::number(encoding.level), wav, output},
@@ -64,12 +64,12 @@ ProgramStage encoding(const Encoding &encoding, const QString &wav, const QStrin
             .replacesOutput = true};
 }
 
-ProgramStage encodingByShntool(const Encoding &encoding, const QString &source, const QString &folder)
+ProgramStage encodingByShntool(const Mp3Encoding &encoding, const QString &source, const QString &folder)
 {
     return shntoolStage(encoding, {u"-d"_s, folder}, source);
 }
 
-ProgramStage encodingByShntoolTo(const Encoding &encoding, const QString &source, const QString &output)
+ProgramStage encodingByShntoolTo(const Mp3Encoding &encoding, const QString &source, const QString &output)
 {
     return shntoolStage(encoding, {u"-n"_s, output}, source);
 }

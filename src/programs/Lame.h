@@ -15,7 +15,7 @@ namespace nurv::lame {
 [[nodiscard]] const ExternalProgram &program();
 
 /// How it encodes.
-struct Encoding {
+struct Mp3Encoding {
     QString type;  ///< "CBR" or "VBR"
     int level = 0; ///< CBR: kbit/s; VBR: quality, 0 is the best, 9 the smallest
 
@@ -24,11 +24,11 @@ struct Encoding {
 };
 
 /// A WAV file.
-[[nodiscard]] ProgramStage encoding(const Encoding &encoding, const QString &wav, const QString &output);
+[[nodiscard]] ProgramStage encoding(const Mp3Encoding &encoding, const QString &wav, const QString &output);
 /// Any file that `shntool` reads, which pipes its samples. The output gets the name of the source in the
 /// folder: see `shntoolOutput`. `output` names it instead where that is another name.
-[[nodiscard]] ProgramStage encodingByShntool(const Encoding &encoding, const QString &source, const QString &folder);
-[[nodiscard]] ProgramStage encodingByShntoolTo(const Encoding &encoding, const QString &source, const QString &output);
+[[nodiscard]] ProgramStage encodingByShntool(const Mp3Encoding &encoding, const QString &source, const QString &folder);
+[[nodiscard]] ProgramStage encodingByShntoolTo(const Mp3Encoding &encoding, const QString &source, const QString &output);
 
 // "Converting [x.flac] (3:00.00) --> [x.mp3] :   0% ", backspaces, "  1% ", …, "100% OK", and what lame says.
 

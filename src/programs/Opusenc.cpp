@@ -15,7 +15,7 @@ const ExternalProgram &program()
     return program;
 }
 
-std::optional<QString> Encoding::modeWord() const
+std::optional<QString> OpusEncoding::modeWord() const
 {
     if (type == u"CBR")
         return u"hard-cbr"_s;
@@ -26,7 +26,7 @@ std::optional<QString> Encoding::modeWord() const
     return std::nullopt;
 }
 
-std::optional<QString> Encoding::frameSizeWord() const
+std::optional<QString> OpusEncoding::frameSizeWord() const
 {
     for (const double known : {2.5, 5.0, 10.0, 20.0, 40.0, 60.0}) {
         if (frameSize == known)
@@ -35,7 +35,7 @@ std::optional<QString> Encoding::frameSizeWord() const
     return std::nullopt;
 }
 
-ProgramStage encoding(const Encoding &encoding, const Texts &texts, const QString &input, const QString &output)
+ProgramStage encoding(const OpusEncoding &encoding, const Texts &texts, const QString &input, const QString &output)
 {
     QStringList arguments{u"--"_s + encoding.modeWord().value(), u"--bitrate"_s, QString::number(encoding.bitRate),
                           u"--framesize"_s, encoding.frameSizeWord().value()};

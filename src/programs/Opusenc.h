@@ -16,7 +16,7 @@ namespace nurv::opusenc {
 [[nodiscard]] const ExternalProgram &program();
 
 /// How it encodes.
-struct Encoding {
+struct OpusEncoding {
     QString type;           ///< "CBR", "VBR Constrained" or "VBR"
     int bitRate = 0;        ///< kbit/s
     double frameSize = 0.0; ///< milliseconds: 2.5, 5, 10, 20, 40 or 60
@@ -34,7 +34,7 @@ struct Texts {
 };
 
 /// Of an encoding that has both words. WAV, AIFF or FLAC; what it writes is only kept.
-[[nodiscard]] ProgramStage encoding(const Encoding &encoding, const Texts &texts, const QString &input,
+[[nodiscard]] ProgramStage encoding(const OpusEncoding &encoding, const Texts &texts, const QString &input,
                                     const QString &output);
 
 } // namespace nurv::opusenc

@@ -11,6 +11,24 @@ using namespace Qt::StringLiterals;
 
 namespace nurv::programOutput {
 
+namespace {
+
+constexpr QChar kEscape = u'\x1b';
+
+/// The length of the escape sequence that the text begins with: "\e[", parameters and a letter, or
+/// as much of it as there is.
+qsizetype escapeLength(QStringView text)
+{
+    if (text.size() < 2 || text[1] != u'[')
+        return 1;
+    qsizetype length = 2;
+    while (length < text.size() && text[length] >= u' ' && text[length] <= u'?')
+        ++length;
+    return std::min(length + 1, text.size());
+}
+
+} // namespace
+
 QString asOnATerminal(QStringView text)
 {
     QString lines;
@@ -18,7 +36,14 @@ QString asOnATerminal(QStringView text)
     for (qsizetype i = 0; i < text.size(); ++i) {
         const QChar character = text[i];
         const bool endsLine = i + 1 < text.size() && text[i + 1] == u'\n';
-        if (character == u'\b') {
+        if (character == kEscape) {
+            const QStringView sequence = text.sliced(i, escapeLength(text.sliced(i)));
+            if (sequence == u"\x1b[A" && lineBegin > 0) {
+                lines.truncate(lineBegin - 1);
+                lineBegin = lines.lastIndexOf(u'\n') + 1;
+            }
+            i += sequence.size() - 1;
+        } else if (character == u'\b') {
             lines.truncate(std::max(lineBegin, lines.size() - 1));
         } else if (character == u'\r') {
             if (!endsLine)

@@ -32,7 +32,8 @@ inline constexpr qsizetype kLongestErrorMarker = 8192;
 inline constexpr QStringView kToWav = u"Decoding to WAV: ";
 
 /// The lines as a terminal ends up with them: backspaces and carriage returns take
-/// back what stands before them in the line, so that of all figures the last is left.
+/// back what stands before them in the line, a step up the line that was left, so that
+/// of all figures the last is left. Other escape sequences vanish.
 [[nodiscard]] QString asOnATerminal(QStringView text);
 
 // For parsers.

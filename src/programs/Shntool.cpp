@@ -79,7 +79,7 @@ const ExternalProgram &program()
                                          .package = {},
                                          .purpose = u"measures, splits, joins, trims and converts lossless files"_s,
                                          .isRequired = true,
-                                         .leavesHalfMadeOutput = true,
+                                         .placesWholeOutput = true,
                                          .startedBy = startedBy};
     return program;
 }

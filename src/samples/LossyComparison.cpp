@@ -23,8 +23,9 @@ namespace {
 constexpr std::size_t kBlockFrames = 16384;
 /// Packets between two reports.
 constexpr int kReportEvery = 64;
-/// An encoder of variable frames has none longer: Opus, 120 ms at 48 kHz.
-constexpr int kLongestEncoderFrame = 5760;
+/// Where the format does not tell how long its frames are: 20 ms at 48 kHz. Such formats, Opus above all, tell to the
+/// sample where their sound begins and ends.
+constexpr int kUsualEncoderFrame = 960;
 
 /// The frames of the source, counted; nothing when it was given up.
 std::optional<std::int64_t> countFrames(SampleStream &source, const SoundComparison::Progress &progress,
@@ -96,7 +97,7 @@ std::optional<LossySound> LossySound::decode(const QString &path, const SoundCom
                      .channels = static_cast<int>(format.channelsPerFrame),
                      .encoderFrame = decoder->frame_size > 0 ? decoder->frame_size : stream->codecpar->frame_size};
     if (sound.encoderFrame <= 0)
-        sound.encoderFrame = kLongestEncoderFrame;
+        sound.encoderFrame = kUsualEncoderFrame;
     const double size = static_cast<double>(std::max<std::int64_t>(avio_size(container->pb), 1));
     for (int count = 1;; ++count) {
         const int error = av_read_frame(container, packet.get());
@@ -154,6 +155,8 @@ SoundComparison::Result LossyComparison::compare(const QString &source, const QS
         const double apart = std::abs(static_cast<double>(made->frames) - wanted);
         if (*frames == 0)
             result.difference = u"the source holds no sound"_s;
+        else if (made->frames == 0)
+            result.difference = u"the output holds no sound"_s;
         else if (made->channels != format.channels)
             result.difference = u"the output has %1 channels instead of %2"_s.arg(made->channels).arg(format.channels);
         else if (apart > static_cast<double>(kMostFramesApart * made->encoderFrame))

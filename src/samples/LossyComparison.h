@@ -29,7 +29,8 @@ public:
 
 /// A lossy file that was decoded to its end.
 struct LossySound {
-    std::int64_t frames = 0; ///< without what the format says is no sound, before and behind it
+    /// Without what the format says is no sound before it; behind it an MPEG-4 file may have the rest of a frame.
+    std::int64_t frames = 0;
     int sampleRateHz = 0;
     int channels = 0;
     int encoderFrame = 0; ///< frames that are encoded together

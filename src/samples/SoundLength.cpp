@@ -10,8 +10,10 @@
 #include "samples/PcmHeader.h"
 #include "samples/ShortenSampleStream.h"
 #include "samples/WavpackBlocks.h"
+#include "samples/XingHeader.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace nurv {
 
@@ -102,7 +104,11 @@ std::optional<SoundLength> readLength(const RegularFile &file)
     }
     if (const auto first = WavpackBlocks::readBlock(file, start))
         return wavpackLength(file, *first);
-    return demuxedLength(file);
+    std::optional<SoundLength> length = demuxedLength(file);
+    // The demuxer believes what the header counts, whatever of it is there.
+    if (const auto share = shareOfCountedMpegAudio(file, start); length && length->roughFrames && share)
+        length->roughFrames = std::llround(static_cast<double>(*length->roughFrames) * *share);
+    return length;
 }
 
 } // namespace

@@ -39,7 +39,8 @@ constexpr std::array kKinds = {
     Kind{u"AIF", u"an AIFF", true, true, true},           Kind{u"FLAC", u"a FLAC", true, true, true},
     Kind{u"SHN", u"a Shorten", false, false, true},       Kind{u"WV", u"a WavPack", true, true, true},
     Kind{u"APE", u"a Monkey's Audio", true, true, true},  Kind{u"TTA", u"a TTA", false, false, false},
-    Kind{u"M4A", u"an Apple Lossless", true, true, false}};
+    Kind{u"M4A", u"an MPEG-4", true, true, false},        Kind{u"MP3", u"an MP3", true, true, false},
+    Kind{u"OPUS", u"an Opus", true, false, false}};
 
 /// A name of a file's choice, safe to show.
 QString shownName(const QString &name)

@@ -55,20 +55,22 @@ QByteArray secondPacket(const MetadataBytes &bytes, std::int64_t begin)
         offset = page.body;
         if (serial.isEmpty())
             serial = page.serial;
+        const bool isOurs = page.serial == serial;
+        std::int64_t partBegin = offset;
         for (const char lacing : page.lengths) {
             const int length = static_cast<unsigned char>(lacing);
-            const bool isOurs = page.serial == serial;
-            if (isOurs && number == 1)
-                packet += bytes.read(offset, length);
             offset += length;
             if (!isOurs || length == kGoesOn)
                 continue;
             if (number == 1)
-                return packet;
+                return packet + bytes.read(partBegin, offset - partBegin);
             ++number;
+            partBegin = offset;
         }
+        if (isOurs && number == 1)
+            packet += bytes.read(partBegin, offset - partBegin);
     }
-    failAsDamaged();
+    throw NurvFailure(u"its Ogg stream has a comment of more than %1 pages"_s.arg(kMostPages));
 }
 
 } // namespace

@@ -29,6 +29,16 @@ namespace {
 /// No bit rate has more digits.
 constexpr int kMostTypedNumber = 9999;
 
+/// Puts the control's last number back into a field that is left without one.
+class TypedNumber final : public QIntValidator {
+public:
+    TypedNumber(const ComboControl &control, QObject *parent) : QIntValidator(1, kMostTypedNumber, parent), m_control(control) {}
+    void fixup(QString &text) const override { text = m_control.text(); }
+
+private:
+    const ComboControl &m_control;
+};
+
 /// Runs `show` now and after every change of the control, as long as the widget lives.
 template<typename Show>
 void showAlways(QWidget *widget, Control &control, const Show &show)
@@ -104,15 +114,20 @@ void bind(QComboBox *box, ComboControl &control)
         const QSignalBlocker blocker(box);
         box->setEditable(true);
         box->setInsertPolicy(QComboBox::NoInsert);
-        box->setValidator(new QIntValidator(0, kMostTypedNumber, box));
+        // What is typed is what is meant: 12 is not the beginning of 128.
+        box->setCompleter(nullptr);
+        box->setValidator(new TypedNumber(control, box));
         box->clear();
         for (const int item : control.items())
             box->addItem(QString::number(item));
     }
     showAlways(box, control, [box, &control] {
         const QSignalBlocker blocker(box);
-        if (box->currentText() != control.text())
-            box->setCurrentText(control.text());
+        if (box->currentText() == control.text())
+            return;
+        // Keys and wheel go on from here.
+        box->setCurrentIndex(box->findText(control.text()));
+        box->setEditText(control.text());
     });
     QObject::connect(box, &QComboBox::currentTextChanged, &control,
                      [&control](const QString &text) { control.setText(text); });

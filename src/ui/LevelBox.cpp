@@ -14,9 +14,9 @@ int LevelBox::valueFromText(const QString &text) const
 
 QValidator::State LevelBox::validate(QString &text, int &position) const
 {
-    const int typed = leadingInteger(text);
-    if (typed < minimum() || typed > maximum()) {
-        text = textFromValue(value());
+    const QString shown = textFromValue(valueFromText(text));
+    if (text != shown) {
+        text = shown;
         position = static_cast<int>(text.size());
     }
     return QValidator::Acceptable;

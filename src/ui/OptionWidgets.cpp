@@ -12,6 +12,7 @@
 #include <QComboBox>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QSlider>
 #include <QVBoxLayout>
 
@@ -133,6 +134,7 @@ void addCombo(QVBoxLayout *column, ComboControl &control, const QString &caption
     name(box, objectName, accessibleName);
     addBoxWithUnit(column, box, control, caption, unit, parent);
     bind(box, control);
+    name(box->lineEdit(), objectName + u"Field"_s, accessibleName);
 }
 
 } // namespace nurv

@@ -120,7 +120,7 @@ TEST(InputFiles, NothingToDoGivesStatus1AndSaysSo)
     const TestFolder folder;
     const ProgramResult result = runNurv({u"decode"_s, u"--beside-source"_s, folder.path()});
     EXPECT_EQ(result.exitStatus, 1);
-    EXPECT_EQ(result.errors, "nurv: there is nothing to decode: no file was found that can be worked on\n");
+    EXPECT_EQ(result.errors, "nurv: there is nothing to do: no file was found that can be worked on\n");
     const ProgramResult json = runNurv({u"decode"_s, u"--json"_s, u"--beside-source"_s, folder.path()});
     ASSERT_EQ(jsonLines(json.output).size(), 1);
     EXPECT_EQ(jsonLines(json.output)[0][u"jobs"_s], 0);

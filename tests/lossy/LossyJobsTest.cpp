@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "lossy/LossyFixture.h"
 
+#include "lossy/LossyTab.h"
 #include "support/FileSizeLimit.h"
 
 #include <QDir>
@@ -175,13 +176,181 @@ TEST_F(LossyJobsTest, EndsInErrorWithTheProgramsWordsForWhatItCannotEncode)
     EXPECT_EQ(out.list(), QStringList());
 }
 
+/// The pitch of each channel by its crossings of zero, after ffmpeg in the order of WAV files: front left and right,
+/// centre, low frequencies, back left and right.
+QList<double> pitches(const QString &path)
+{
+    constexpr int kRate = 48000;
+    constexpr int kChannels = 6;
+    const auto decoded = test::runProgram(u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-i"_s, path, u"-f"_s, u"s16le"_s, u"-ar"_s,
+                                                        QString::number(kRate), u"-"_s});
+    const auto *const samples = reinterpret_cast<const qint16 *>(decoded.output.constData());
+    const qsizetype frames = decoded.output.size() / 2 / kChannels;
+    QList<double> pitches;
+    for (int channel = 0; channel < kChannels; ++channel) {
+        int crossings = 0;
+        // A little noise is no crossing.
+        int side = 0;
+        for (qsizetype i = 0; i < frames; ++i) {
+            const int value = samples[i * kChannels + channel];
+            const int now = value > 1000 ? 1 : value < -1000 ? -1 : side;
+            crossings += side != 0 && now != side;
+            side = now;
+        }
+        pitches.append(frames > 0 ? crossings * kRate / (2.0 * static_cast<double>(frames)) : 0.0);
+    }
+    return pitches;
+}
+
 TEST_F(LossyJobsTest, EncodesSixChannelsInTheirOrderToAacAndOpus)
 {
-    const QString wav = test::writeWav(folder.path(u"a.wav"_s), {.rate = 48000, .channels = 6, .seconds = 1.0, .extensible = true});
+    const QString wav = folder.path(u"a.wav"_s);
+    const QList<double> tones{440, 660, 880, 60, 1100, 1320};
+    QStringList arguments{u"-R"_s, u"-n"_s, u"-r"_s, u"48000"_s, u"-c"_s, u"6"_s, u"-b"_s, u"16"_s, wav, u"synth"_s, u"1"_s};
+    for (const double tone : tones)
+        arguments << u"sine"_s << QString::number(tone);
+    ASSERT_EQ(test::runProgram(u"sox"_s, arguments << u"vol"_s << u"0.5"_s).exitStatus, 0);
     EXPECT_FALSE(runJob(makeAac(wav, u"ABR"_s, 384))->error());
     EXPECT_EQ(test::ffprobeStream(out.path(u"a.m4a"_s))[u"channel_layout"_s], u"5.1");
-    EXPECT_FALSE(runJob(makeOpus(wav, u"VBR"_s, 256))->error());
+    EXPECT_FALSE(runJob(makeOpus(wav, u"VBR"_s, 384))->error());
     EXPECT_EQ(test::ffprobeStream(out.path(u"a.opus"_s))[u"channels"_s], u"6");
+    for (const QString &name : {u"a.m4a"_s, u"a.opus"_s}) {
+        const QList<double> heard = pitches(out.path(name));
+        for (qsizetype i = 0; i < tones.size(); ++i)
+            EXPECT_NEAR(heard[i], tones[i], 0.05 * tones[i]) << qPrintable(name) << " channel " << i;
+    }
+}
+
+TEST_F(LossyJobsTest, LeavesWhatAnotherGaveTheNameOfItsOutputMeanwhile)
+{
+    // The encoder behind shntool waits, and somebody makes a file of that name.
+    const QString flac = plainFlac(u"a.flac"_s);
+    const QString aiff = test::writeAiff(folder.path(u"b.AIF"_s));
+    setFake(u"shntool"_s, "create=" + folder.path(u"waits"_s).toUtf8() + ";wait-file=" + folder.path(u"go-on"_s).toUtf8()
+                              + ";out=ERROR\\n;exit=1");
+    for (const auto &[source, name] : {std::pair{flac, u"a.mp3"_s}, std::pair{aiff, u"b.AIF.mp3"_s}}) {
+        const auto task = makeMp3(source);
+        queue().addTask(task);
+        ASSERT_TRUE(test::waitUntil([&] { return folder.exists(u"waits"_s); }));
+        out.write(name, "somebody's");
+        folder.write(u"go-on"_s, "");
+        ASSERT_TRUE(finish());
+        EXPECT_TRUE(task->error());
+        EXPECT_EQ(out.read(name), "somebody's");
+        folder.remove(u"waits"_s);
+        folder.remove(u"go-on"_s);
+    }
+}
+
+TEST_F(LossyJobsTest, MakesBothOfTwoSourcesWhoseNamesMeetOnTheWay)
+{
+    // Without a name of its own the first one's output would be a.AIF.mp3 for a while.
+    const QString first = test::writeAiff(folder.path(u"a.AIF"_s));
+    const QString second = test::writeFlac(folder.path(u"a.AIF.flac"_s));
+    LossyTab tab(controller);
+    for (int round = 0; round < 3; ++round) {
+        prompts.expectOutputFolder(out.path());
+        tab.addMatchedFiles({first, second});
+        tab.executeCommand();
+        ASSERT_TRUE(finish());
+        EXPECT_EQ(out.list(), (QStringList{u"a.AIF.mp3"_s, u"a.mp3"_s}));
+        for (const QString &name : out.list())
+            ASSERT_TRUE(QFile::remove(out.path(name)));
+    }
+    for (const auto &task : endedTasks)
+        EXPECT_FALSE(task->error());
+}
+
+TEST_F(LossyJobsTest, ReplacesAnOutputWhenTold)
+{
+    const QString flac = plainFlac(u"a.flac"_s);
+    const QString wav = test::writeWav(folder.path(u"b.wav"_s));
+    LossyTab tab(controller);
+    tab.originals.existingOutputs = ExistingOutputs::Replace;
+    for (const QString &encoder : {u"LAME MP3"_s, u"AAC"_s, u"Opus"_s}) {
+        tab.outputFormatMatrix.selectTitle(encoder);
+        const QString extension = encoder == u"AAC" ? u"m4a"_s : encoder == u"Opus" ? u"opus"_s : u"mp3"_s;
+        out.write(u"a."_s + extension, "former");
+        out.write(u"b."_s + extension, "former");
+        prompts.expectOutputFolder(out.path());
+        tab.addMatchedFiles({flac, wav});
+        tab.executeCommand();
+        ASSERT_TRUE(finish());
+        EXPECT_EQ(out.list(), (QStringList{u"a."_s + extension, u"b."_s + extension}));
+        for (const QString &name : out.list()) {
+            EXPECT_NEAR(decodedSeconds(out.path(name), 44100), name.startsWith(u'a') ? 0.5 : 1.0, 0.03);
+            ASSERT_TRUE(QFile::remove(out.path(name)));
+        }
+    }
+    for (const auto &task : endedTasks) {
+        EXPECT_FALSE(task->error()) << qPrintable(task->sourcePath());
+        EXPECT_FALSE(task->outcome().output.isEmpty());
+    }
+}
+
+TEST_F(LossyJobsTest, PassesOverOutputsThatAreThereOnlyWhenTheyAreWhole)
+{
+    const QString flac = test::writeFlac(folder.path(u"a.flac"_s), {.rate = 96000, .seconds = 2.0});
+    for (const QString &encoder : {u"LAME MP3"_s, u"AAC"_s, u"Opus"_s}) {
+        SCOPED_TRACE(qPrintable(encoder));
+        LossyTab tab(controller);
+        tab.originals.existingOutputs = ExistingOutputs::Skip;
+        tab.outputFormatMatrix.selectTitle(encoder);
+        const auto run = [&] {
+            prompts.expectOutputFolder(out.path());
+            tab.addMatchedFiles({flac});
+            endedTasks.clear();
+            tab.executeCommand();
+            EXPECT_TRUE(finish());
+        };
+        run();
+        ASSERT_EQ(endedTasks.size(), 1U);
+        EXPECT_FALSE(endedTasks[0]->error());
+        run();
+        EXPECT_TRUE(endedTasks.empty()) << "it is there already";
+        const QString made = out.path(out.list().at(0));
+        if (encoder != u"AAC") {
+            ASSERT_TRUE(QFile::resize(made, QFileInfo(made).size() / 2));
+            run();
+            ASSERT_EQ(endedTasks.size(), 1U);
+            EXPECT_TRUE(endedTasks[0]->error());
+            EXPECT_TRUE(endedTasks[0]->outcome().problem.contains(u"not whole"_s)) << qPrintable(endedTasks[0]->outcome().problem);
+        }
+        ASSERT_TRUE(QFile::remove(made));
+    }
+}
+
+TEST_F(LossyJobsTest, RefusesRatesThatAacDoesNotHave)
+{
+    const QString wav = test::writeWav(folder.path(u"a.wav"_s), {.rate = 8000, .channels = 1});
+    for (const auto &[type, level, problem] :
+         {std::tuple{u"CBR"_s, 160, u"AAC takes up to 48 kbit/s at its sample rate with its channels, not 160"_s},
+          std::tuple{u"ABR"_s, 4'294'968, u"AAC has no rate of 4294968 kbit/s"_s},
+          std::tuple{u"VBR Constrained"_s, 0, u"AAC has no rate of 0 kbit/s"_s},
+          std::tuple{u"VBR"_s, 128, u"AAC has no quality 128"_s}, std::tuple{u"VBR"_s, -1, u"AAC has no quality -1"_s}}) {
+        const auto task = runJob(makeAac(wav, type, level));
+        EXPECT_TRUE(task->error());
+        EXPECT_EQ(task->outcome().problem, problem);
+        EXPECT_EQ(out.list(), QStringList());
+    }
+}
+
+TEST_F(LossyJobsTest, FailsWithTheTagWritersWordsAndWithoutTheGaplessStep)
+{
+    logCalls(u"AtomicParsley"_s);
+    const QString flac = makeSource(u"flac"_s, {.seconds = 0.5});
+    // The output's folder takes the sound, but no file beside it, which the tags need.
+    const auto task = makeAac(flac);
+    bool isGone = false;
+    QObject::connect(&queue(), &NURVTaskQueue::rowChanged, &controller, [&](int) {
+        if (!isGone && statuses.contains(u"Copying FLAC Tags"_s))
+            isGone = QFile::remove(out.path(u"a.m4a"_s)) && out.write(u"a.m4a"_s, "no MPEG-4 file").size() > 0;
+    });
+    runJob(task);
+    ASSERT_TRUE(isGone);
+    EXPECT_TRUE(task->error());
+    EXPECT_TRUE(task->report().contains(u"Error writing tags to file:\n"_s)) << qPrintable(task->report());
+    EXPECT_TRUE(calls(u"AtomicParsley"_s).isEmpty());
 }
 
 TEST_F(LossyJobsTest, KeepsToTheRatesOfTheEncoders)

@@ -79,6 +79,7 @@ INSTANTIATE_TEST_SUITE_P(
                       Mode{u"AAC"_s, u"VBR Constrained"_s, {u"aac"_s, u"combo"_s}},
                       Mode{u"AAC"_s, u"VBR"_s, {u"aac"_s, u"stepper"_s, u"field"_s}},
                       Mode{u"Opus"_s, u"CBR"_s, {u"opus"_s, u"combo"_s, u"frames"_s}},
+                      Mode{u"Opus"_s, u"VBR Constrained"_s, {u"opus"_s, u"combo"_s, u"frames"_s}},
                       Mode{u"Opus"_s, u"VBR"_s, {u"opus"_s, u"combo"_s, u"frames"_s}}));
 
 TEST_F(LossyTabTest, BeginsWithTheDefaults)
@@ -135,10 +136,20 @@ TEST_F(LossyTabTest, MakesAJobByEncoderModeAndLevel)
     const QString wav = test::writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
     LossyTab tab(controller);
     tab.comboBox.setText(u"128"_s);
+    tab.slider.setIntegerValue(7);
+    tab.opusFrameSizeCombo.setSelectedIndex(0);
+    tab.mp3Matrix.selectTitle(u"VBR"_s);
     const auto mp3 = queuedFor<EncodeMP3Task>(tab, wav);
     ASSERT_TRUE(mp3);
     EXPECT_EQ(mp3->outputFile(), out.path(u"a.mp3"_s));
     EXPECT_FALSE(mp3->deleteOriginal());
+    EXPECT_EQ(mp3->settings().type, u"VBR");
+    EXPECT_EQ(mp3->settings().level, 7);
+    tab.mp3Matrix.selectTitle(u"CBR"_s);
+    const auto constant = queuedFor<EncodeMP3Task>(tab, wav);
+    ASSERT_TRUE(constant);
+    EXPECT_EQ(constant->settings().type, u"CBR");
+    EXPECT_EQ(constant->settings().level, 128);
 
     tab.outputFormatMatrix.selectTitle(u"AAC"_s);
     tab.aacMatrix.selectTitle(u"VBR"_s);
@@ -152,21 +163,69 @@ TEST_F(LossyTabTest, MakesAJobByEncoderModeAndLevel)
     EXPECT_EQ(byRate->settings().bitRate, 128000U);
 
     tab.outputFormatMatrix.selectTitle(u"Opus"_s);
-    EXPECT_TRUE(queuedFor<EncodeOpusTask>(tab, wav));
+    tab.opusMatrix.selectTitle(u"VBR"_s);
+    const auto opus = queuedFor<EncodeOpusTask>(tab, wav);
+    ASSERT_TRUE(opus);
+    EXPECT_EQ(opus->settings().type, u"VBR");
+    EXPECT_EQ(opus->settings().bitRate, 128);
+    EXPECT_EQ(opus->settings().frameSize, 2.5);
     EXPECT_TRUE(tab.fileNames().isEmpty());
+    // What is chosen later is for later jobs.
+    tab.comboBox.setText(u"64"_s);
+    EXPECT_EQ(opus->settings().bitRate, 128);
+    EXPECT_EQ(constant->settings().level, 128);
+}
+
+TEST_F(LossyTabTest, QueuesNothingWithoutFilesOrWithoutAFolder)
+{
+    LossyTab tab(controller);
+    tab.executeCommand();
+    tab.addMatchedFiles({test::writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1})});
+    prompts.expectOutputFolder(std::nullopt);
+    tab.executeCommand();
+    EXPECT_TRUE(queue().panelArray().empty());
+    EXPECT_EQ(tab.fileNames().size(), 1);
+}
+
+TEST_F(LossyTabTest, TellsEveryJobToDeleteItsSourceAfterAYes)
+{
+    LossyTab tab(controller);
+    for (const QString &encoder : {u"LAME MP3"_s, u"AAC"_s, u"Opus"_s}) {
+        tab.outputFormatMatrix.selectTitle(encoder);
+        tab.deleteOriginalsButton.setOn(true);
+        prompts.expectAsk(u"You have chosen to delete the original files.  Are you sure you want to continue?"_s,
+                          {u"Yes"_s, u"No"_s}, u"Yes"_s);
+        const auto job = queuedFor<LossyEncodeTask>(tab, test::writeWav(folder.path(encoder + u".wav"_s), {.seconds = 0.1}));
+        ASSERT_TRUE(job);
+        EXPECT_TRUE(job->deleteOriginal()) << qPrintable(encoder);
+    }
+}
+
+TEST_F(LossyTabTest, TakesNoStoredValueThatItsControlsDoNotHave)
+{
+    SettingsStore::instance().setValue(u"lossySliderLevel"_s, 99);
+    SettingsStore::instance().setValue(u"lossyComboLevel"_s, -5);
+    SettingsStore::instance().setValue(u"lossyStepperLevel"_s, 4'000);
+    SettingsStore::instance().setValue(u"opusFrameSizeIndex"_s, 17);
+    const LossyTab tab(controller);
+    EXPECT_EQ(tab.sliderLevel(), 9);
+    EXPECT_EQ(tab.comboLevel(), 160);
+    EXPECT_EQ(tab.stepperLevel(), 127);
+    EXPECT_EQ(tab.opusFrameSizeLevel(), u"20");
 }
 
 TEST_F(LossyTabTest, PutsOutputsBesideTheSourcesWithoutAQuestion)
 {
-    const QString wav = test::writeWav(folder.path(u"below/a.wav"_s), {.seconds = 0.1});
     LossyTab tab(controller);
     tab.sourceEncodeButton.setOn(true);
-    tab.addMatchedFiles({wav});
+    tab.addMatchedFiles({test::writeWav(folder.path(u"below/a.wav"_s), {.seconds = 0.1}),
+                         test::writeWav(folder.path(u"deep/er/b.wav"_s), {.seconds = 0.1})});
     tab.executeCommand();
-    ASSERT_EQ(queue().panelArray().size(), 1U);
-    const auto job = std::dynamic_pointer_cast<EncodeMP3Task>(queue().panelArray()[0]);
-    ASSERT_TRUE(job);
-    EXPECT_EQ(job->outputFile(), folder.path(u"below/a.mp3"_s));
+    ASSERT_EQ(queue().panelArray().size(), 2U);
+    QStringList outputs;
+    for (const auto &task : queue().panelArray())
+        outputs.append(std::dynamic_pointer_cast<EncodeMP3Task>(task)->outputFile());
+    EXPECT_EQ(outputs, (QStringList{folder.path(u"below/a.mp3"_s), folder.path(u"deep/er/b.mp3"_s)}));
 }
 
 TEST_F(LossyTabTest, QueuesNothingAndKeepsTheListWhenOriginalsAreNotToGo)

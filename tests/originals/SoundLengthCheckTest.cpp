@@ -143,5 +143,20 @@ TEST_F(SoundLengthCheckTest, AddsUpSourcesAndOutputs)
     EXPECT_EQ(SoundLengthCheck::of({wav}, {first}).fault, u"its output holds 10000 of 22050 samples");
 }
 
+TEST_F(SoundLengthCheckTest, ComparesALossyOutputByItsDuration)
+{
+    const QString mp3 = test::writeByFfmpeg(folder.path(u"a.mp3"_s), {.frames = 22050});
+    const QString opus = test::writeByFfmpeg(folder.path(u"a.opus"_s), {.frames = 22050}, {u"-ar"_s, u"48000"_s});
+    for (const QString &output : {mp3, opus}) {
+        const SoundLengthCheck check = SoundLengthCheck::ofLossy(wav, output);
+        EXPECT_EQ(check.fault, std::nullopt) << qPrintable(*check.fault);
+    }
+    const QString longer = test::writeWav(folder.path(u"longer.wav"_s), {.frames = 44100});
+    EXPECT_TRUE(SoundLengthCheck::ofLossy(longer, mp3).fault.value_or(QString()).startsWith(u"its output lasts "_s));
+    const QString mono = test::writeWav(folder.path(u"mono.wav"_s), {.channels = 1, .frames = 22050});
+    EXPECT_EQ(SoundLengthCheck::ofLossy(mono, opus).fault, u"its output has 2 channels instead of 1");
+    EXPECT_EQ(SoundLengthCheck::ofLossy(wav, folder.write(u"b.mp3"_s, "no sound")).fault, u"its output is no sound file");
+}
+
 } // namespace
 } // namespace nurv

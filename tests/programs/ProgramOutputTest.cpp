@@ -244,5 +244,15 @@ TEST(ProgramOutput, LeavesOfOverwrittenFiguresWhatATerminalShows)
     EXPECT_EQ(programOutput::asOnATerminal(u""), u"");
 }
 
+TEST(ProgramOutput, DrawsATableOverItselfAsATerminalDoes)
+{
+    EXPECT_EQ(programOutput::asOnATerminal(u"head\n 1%\x1b[K\n10 [*]\x1b[K\x1b[A\r 2%\x1b[K\n10 [**]\x1b[K\ndone\n"),
+              u"head\n 2%\n10 [**]\ndone\n");
+    EXPECT_EQ(programOutput::asOnATerminal(u"\x1b[A\x1b[Aa\x1b[0;31mb\x1b[m"), u"ab");
+    EXPECT_EQ(programOutput::asOnATerminal(u"a\n\x1b[A\x1b[Ab"), u"ab");
+    for (const QStringView cut : {u"a\x1b", u"a\x1b[", u"a\x1b[3", u"a\x1b[3;"})
+        EXPECT_EQ(programOutput::asOnATerminal(cut), u"a");
+}
+
 } // namespace
 } // namespace nurv

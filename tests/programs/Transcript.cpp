@@ -14,7 +14,7 @@ namespace {
 
 QByteArray unescaped(QByteArray text)
 {
-    return text.replace("\\n", "\n").replace("\\r", "\r").replace("\\b", "\b");
+    return text.replace("\\n", "\n").replace("\\r", "\r").replace("\\b", "\b").replace("\\e", "\x1b");
 }
 
 } // namespace

@@ -86,7 +86,7 @@ TEST(MetadataLost, NamesKindsThatHaveNoPlaceForIt)
     EXPECT_EQ(lostIn(u"/folder.flac/a.WAV"_s, source), u"2 tags and a picture have no place in a WAV file"_s);
     EXPECT_EQ(lostIn(u"a.shn"_s, source), u"2 tags and a picture have no place in a Shorten file"_s);
     EXPECT_EQ(lostIn(u"a.tta"_s, withTags({u"A"_s})), u"a tag has no place in a TTA file"_s);
-    EXPECT_EQ(lostIn(u"a.m4a"_s, withChunks({u"bext"_s})), u"a bext chunk has no place in an Apple Lossless file"_s);
+    EXPECT_EQ(lostIn(u"a.m4a"_s, withChunks({u"bext"_s})), u"a bext chunk has no place in an MPEG-4 file"_s);
     EXPECT_EQ(lostIn(u"a.tta"_s, withChunks({u"bext"_s})), u"a bext chunk has no place in a TTA file"_s);
     EXPECT_EQ(lostIn(u"a.xyz"_s, withTags({u"A"_s})), u"a tag (A) is not in the output"_s);
     for (const QString &kind : {u"aiff"_s, u"aif"_s, u"flac"_s, u"wv"_s, u"ape"_s, u"m4a"_s})
@@ -101,7 +101,7 @@ TEST(MetadataLost, JoinsWhatIsLostInDifferentWays)
     EXPECT_EQ(lostIn(u"a.tta"_s, source),
               u"2 tags, 2 pictures, a bext chunk and data without a name have no place in a TTA file"_s);
     EXPECT_EQ(lostIn(u"a.m4a"_s, source),
-              u"a bext chunk and data without a name have no place in an Apple Lossless file, and "
+              u"a bext chunk and data without a name have no place in an MPEG-4 file, and "
               "2 tags (MOOD, WORK) and 2 pictures are not in the output"_s);
     EXPECT_EQ(
         lostIn(u"a.wav"_s, source),

@@ -70,6 +70,7 @@ QList<QWidget *> interactiveWidgets(const QWidget &root)
                                    || qobject_cast<QLineEdit *>(widget) || qobject_cast<QPlainTextEdit *>(widget);
         // The parts that Qt's own widgets are made of have names of its own.
         const bool isPart = widget->objectName().startsWith(u"qt_"_s) || widget->inherits("QHeaderView")
+                            || widget->inherits("QComboBoxListView")
                             || widget->inherits("QTableCornerButton") || widget->inherits("QLineEditIconButton")
                             || (widget->parent() != nullptr
                                 && (widget->parent()->inherits("QTabBar") || widget->parent()->inherits("QMenuBar")));
@@ -94,7 +95,7 @@ void expectNames(const QWidget &root)
 
 TEST_F(MainWindowTest, ShowsAPageForEveryToolThatIsThereAndTheAboutPageLast)
 {
-    EXPECT_EQ(pageTitles(), (QStringList{u"Decode"_s, u"Encode"_s, u"About"_s}));
+    EXPECT_EQ(pageTitles(), (QStringList{u"Decode"_s, u"Encode"_s, u"Lossy"_s, u"About"_s}));
 }
 
 TEST_F(MainWindowTest, GoesFromPageToPageByShortcutsAndTellsTheController)
@@ -104,6 +105,8 @@ TEST_F(MainWindowTest, GoesFromPageToPageByShortcutsAndTellsTheController)
     EXPECT_EQ(controller.selectedTabViewItem(), u"encode"_s);
     EXPECT_EQ(window.tabView()->currentIndex(), 1);
     QTest::keyClick(&window, Qt::Key_3, Qt::ControlModifier);
+    EXPECT_EQ(controller.selectedTabViewItem(), u"lossy"_s);
+    QTest::keyClick(&window, Qt::Key_4, Qt::ControlModifier);
     EXPECT_EQ(controller.selectedTabViewItem(), u"about"_s);
     EXPECT_FALSE(action(u"addFilesAction"_s)->isEnabled());
     QTest::keyClick(&window, Qt::Key_1, Qt::ControlModifier);
@@ -280,13 +283,17 @@ TEST_F(MainWindowTest, EveryInteractiveWidgetHasAnObjectNameAndAnAccessibleName)
 
 TEST_F(MainWindowTest, MnemonicsOfAPageDoNotClash)
 {
-    for (const QString &label : {u"decode"_s, u"encode"_s}) {
+    for (const QString &label : {u"decode"_s, u"encode"_s, u"lossy"_s}) {
         QHash<QChar, QString> owners;
         QStringList texts;
         for (const QAction *const menu : window.menuBar()->actions())
             texts.append(menu->text());
         for (const QAbstractButton *const button : window.page(label)->findChildren<QAbstractButton *>())
             texts.append(button->text());
+        for (const QLabel *const caption : window.page(label)->findChildren<QLabel *>()) {
+            if (caption->buddy())
+                texts.append(caption->text());
+        }
         for (const QString &text : std::as_const(texts)) {
             const qsizetype mark = text.indexOf(u'&');
             if (mark < 0)

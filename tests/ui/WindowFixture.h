@@ -7,6 +7,7 @@
 #include "convert/DecodeTab.h"
 #include "convert/EncodeTab.h"
 #include "desktop/NullDesktopServices.h"
+#include "lossy/LossyTab.h"
 #include "support/TestFolder.h"
 #include "toolbox/Toolbox.h"
 #include "ui/MainWindow.h"
@@ -23,6 +24,7 @@ struct WindowFixture {
     NURVController controller{prompts, services, toolbox()};
     DecodeTab decodeTab{controller};
     EncodeTab encodeTab{controller};
+    LossyTab lossyTab{controller};
     MainWindow window{controller};
 
     WindowFixture() = default;

@@ -72,7 +72,7 @@ std::vector<OptionSpec> ownOptions()
          .valueName = u"K"_s,
          .summary = u"kbit/s (default 160); of opus in every mode, else not with --mode vbr"_s,
          .manual = u"Kilobits per second. MP3 and AAC with --mode vbr go by --quality instead, and a note says so."_s,
-         .numbers = {{.least = 6, .most = 640}},
+         .numbers = {{.least = 8, .most = 320, .formats = mp3}, {.least = 6, .most = 2048, .formats = aac + opus}},
          .set = setBitRate},
         {.name = u"quality"_s,
          .valueName = u"N"_s,

@@ -26,7 +26,7 @@ void ConversionPage::addFormats(ChoiceControl &formats, const QStringList &shown
 }
 
 void ConversionPage::addOutputOptions(CheckControl &besideSource, const QString &besideSourceName,
-                                      CheckControl &deleteOriginals, OriginalsControls &originals)
+                                      CheckControl &deleteOriginals, OriginalsControls &originals, const QString &proof)
 {
     QVBoxLayout *const group = addOptionGroup(tr("Files"), u"filesGroup"_s);
     QWidget *const parent = lastOptionGroup();
@@ -37,7 +37,10 @@ void ConversionPage::addOutputOptions(CheckControl &besideSource, const QString 
     addCheckBox(group, deleteOriginals, tr("Delete &originals afterwards"), u"deleteOriginalsButton"_s,
                 tr("Removes each source file once its output has been made without an error"), parent);
     addCheckBox(group, originals.proveButton, tr("Delete onl&y what is proven"), u"proveButton"_s,
-                tr("Decodes source and output again and deletes a source only when every sample is the same"), parent);
+                proof.isEmpty()
+                    ? tr("Decodes source and output again and deletes a source only when every sample is the same")
+                    : proof,
+                parent);
     addCheckBox(group, originals.dropMetadataButton, tr("Even if tags wo&uld be lost"), u"dropMetadataButton"_s,
                 tr("Otherwise a source stays whose tags, pictures or chunks have no place in its output"), parent);
 }

@@ -24,9 +24,10 @@ protected:
     /// What the outputs are. `shownTitles` stand for the control's own ones, in
     /// their order.
     void addFormats(ChoiceControl &formats, const QStringList &shownTitles);
-    /// Where the outputs go, and what becomes of the source files.
+    /// Where the outputs go, and what becomes of the source files. `proof`: what is compared before a deletion, where
+    /// that is not every sample.
     void addOutputOptions(CheckControl &besideSource, const QString &besideSourceName, CheckControl &deleteOriginals,
-                          OriginalsControls &originals);
+                          OriginalsControls &originals, const QString &proof = {});
 };
 
 } // namespace nurv

@@ -15,10 +15,11 @@ namespace nurv {
 LossyPage::LossyPage(LossyTab &tab, QWidget *parent) : ConversionPage(tab, parent), m_lossyTab(tab)
 {
     setObjectName(u"lossyPage"_s);
-    addFormats(tab.outputFormatMatrix, {tr("&MP3 (LAME)"), tr("&AAC"), tr("&Opus")});
+    addFormats(tab.outputFormatMatrix, {tr("LAME &MP3"), tr("AAC"), tr("O&pus")});
     addModes();
     addQuality();
-    addOutputOptions(tab.sourceEncodeButton, u"sourceEncodeButton"_s, tab.deleteOriginalsButton, tab.originals);
+    addOutputOptions(tab.sourceEncodeButton, u"sourceEncodeButton"_s, tab.deleteOriginalsButton, tab.originals,
+                     tr("Decodes source and output again and deletes a source only when its output is whole and as long"));
     finishOptions();
 }
 
@@ -35,13 +36,13 @@ void LossyPage::addQuality()
 {
     QVBoxLayout *const group = addOptionGroup(tr("Bit rate and quality"), u"qualityGroup"_s);
     QWidget *const parent = lastOptionGroup();
-    addCombo(group, m_lossyTab.comboBox, tr("Bit &rate"), tr("kbit/s"), u"comboBox"_s, tr("Bit rate in kilobits per second"),
+    addCombo(group, m_lossyTab.comboBox, tr("Bit ra&te"), tr("kbit/s"), u"comboBox"_s, tr("Bit rate in kilobits per second"),
              parent);
     addSlider(group, m_lossyTab.slider, tr("MP3 VBR"), u"slider"_s,
               tr("MP3 quality with VBR: 0 is the best, 9 gives the smallest files"), parent);
     addStepper(group, m_lossyTab.stepper, tr("AAC &VBR"), u"stepper"_s,
                tr("AAC quality with VBR: 127 is the best, 0 gives the smallest files"), parent);
-    addDropDown(group, m_lossyTab.opusFrameSizeCombo, tr("Opus &frames"), tr("ms"), u"opusFrameSizeCombo"_s,
+    addDropDown(group, m_lossyTab.opusFrameSizeCombo, tr("Opus frame&s"), tr("ms"), u"opusFrameSizeCombo"_s,
                 tr("Length of an Opus frame in milliseconds"), parent);
 }
 

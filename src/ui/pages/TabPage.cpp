@@ -153,7 +153,8 @@ void TabPage::finishOptions()
     QWidget *before = m_fileList;
     const QList<QWidget *> options = m_options->findChildren<QWidget *>();
     for (QWidget *const option : options) {
-        if (option->focusPolicy() == Qt::NoFocus)
+        // The list that a box opens is a window of its own.
+        if (option->focusPolicy() == Qt::NoFocus || option->window() != window())
             continue;
         setTabOrder(before, option);
         before = option;
