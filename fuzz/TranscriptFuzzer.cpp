@@ -4,6 +4,7 @@
 #include "FuzzedChoices.h"
 #include "programs/AtomicParsley.h"
 #include "programs/Flac.h"
+#include "programs/Lame.h"
 #include "programs/Metaflac.h"
 #include "programs/MonkeysAudio.h"
 #include "programs/Shntool.h"
@@ -51,6 +52,8 @@ void parse(QStringView chunk)
     check(monkeysAudio::parse(chunk, u"Label"_s));
     check(monkeysAudio::parseDecodingToWav(chunk));
     check(shorten::parse(chunk));
+    check(lame::parse(chunk));
+    check(lame::parseByShntool(chunk));
     static_cast<void>(flac::tellsOfDamage(chunk));
     static_cast<void>(wavpack::tellsOfError(chunk));
     static_cast<void>(monkeysAudio::tellsOfError(chunk));

@@ -157,8 +157,11 @@ TEST_F(LossyBadLuckTest, KeepsADamagedSource)
             task->setDeleteOriginal(true);
             runJob(task);
             EXPECT_TRUE(QFile::exists(source)) << qPrintable(task->outputFile());
-            EXPECT_TRUE(task->error() || task->outcome().original == TaskOutcome::Original::Kept)
-                << qPrintable(task->outputFile());
+            EXPECT_TRUE(task->error() || !task->outcome().problem.isEmpty()) << qPrintable(task->outputFile());
+            const bool hasDecoder = format != u"M4A" && encoder != Encoder::Mp3;
+            if (hasDecoder && format != u"TTA") {
+                EXPECT_EQ(task->outcome().problem, u"its decoder failed") << qPrintable(task->outputFile());
+            }
             for (const QString &name : out.list())
                 ASSERT_TRUE(QFile::remove(out.path(name)));
         }
