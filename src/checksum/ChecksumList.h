@@ -17,6 +17,8 @@ namespace nurv::checksumList {
 
 /// The first two lines of an MD5 list.
 [[nodiscard]] QString md5Header(const QString &version, const QDateTime &moment);
+/// The first line of an ST5 list, which begins every entry with a line end.
+[[nodiscard]] QString st5Header(const QString &version, const QDateTime &moment);
 /// The first two lines of a FLAC fingerprint list.
 [[nodiscard]] QString ffpHeader(const QString &version, const QDateTime &moment);
 
@@ -37,6 +39,8 @@ namespace nurv::checksumList {
 
 /// The file name of an MD5 list: "md5sum.md5", or named after its folder.
 [[nodiscard]] QString md5FileName(const QString &folder, bool namedAfterFolder);
+/// The file name of an ST5 list: "checksum.st5", or named after its folder.
+[[nodiscard]] QString st5FileName(const QString &folder, bool namedAfterFolder);
 /// The file name of a fingerprint list with that extension: "fingerprint.<extension>",
 /// or named after its folder.
 [[nodiscard]] QString ffpFileName(const QString &folder, const QString &extension, bool namedAfterFolder);

@@ -39,14 +39,16 @@ void CreateMD5Task::doCreateMd5()
             continue;
         }
         showMainLine(lastPathComponent(path));
-        const QString digest = MD5Helper::getMD5FromFile(path, [this] { return cancelled(); });
+        const FileDigest digest = MD5Helper::digestOf(path, MD5Helper::Kind::Any, [this] { return cancelled(); });
         if (cancelled())
             return;
+        if (!digest.failure.isEmpty())
+            warn(u"%1 was not read for the list: %2"_s.arg(path, digest.failure));
         ++done;
         setProgressIndicatorValue(static_cast<double>(done) * 100.0 / static_cast<double>(m_fileNames.size()));
         setTopTextFieldString(u"Creating MD5 Hash"_s);
         updateStatus();
-        list += checksumList::md5Entry(digest, name);
+        list += checksumList::md5Entry(digest.hexadecimal, name);
     }
     if (cancelled())
         return;

@@ -10,8 +10,8 @@ namespace nurv {
 
 /// Writes the MD5 list of some files, in their order.
 ///
-/// A file that cannot be read is listed with the digest of zero bytes. A list that
-/// cannot be written is told to the log and as a warning of the job. Cancelled, it writes
+/// A file that cannot be read is listed with the digest of zero bytes, or of what was read of it, and told as a warning of
+/// the job. A list that cannot be written is told to the log and as a warning. Cancelled, it writes
 /// no list; it looks between the blocks of a file.
 class CreateMD5Task final : public NURVInProcessTask {
 public:

@@ -17,6 +17,7 @@
 #include <memory>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
@@ -32,48 +33,75 @@ void require(int answer)
         throw NurvFailure(u"MD5 digests are not available on this machine."_s);
 }
 
-void logUnread(const QString &path)
+struct Reading {
+    bool wasStopped = false;
+    bool isMissing = false;
+    QString failure = {};
+
+    static Reading failed(int error)
+    {
+        return {.isMissing = error == ENOENT || error == ENOTDIR, .failure = systemErrorText(error)};
+    }
+};
+
+bool isSameState(const struct stat &before, const struct stat &after)
 {
-    qCWarning(checksumLog).noquote() << "Unable to read" << path << "for its digest:" << systemErrorText(errno);
+    return before.st_size == after.st_size && before.st_mtim.tv_sec == after.st_mtim.tv_sec
+           && before.st_mtim.tv_nsec == after.st_mtim.tv_nsec;
 }
 
-/// Returns whether it came to the end, readable or not.
-bool feedFile(EVP_MD_CTX *context, const QString &path, const std::function<bool()> &isStopped)
+Reading feedFile(EVP_MD_CTX *context, const QString &path, MD5Helper::Kind kind, const std::function<bool()> &isStopped)
 {
-    const FileDescriptor file(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
-    if (!file.isOpen()) {
-        logUnread(path);
-        return true;
-    }
+    const bool isAny = kind == MD5Helper::Kind::Any;
+    const FileDescriptor file(
+        ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NOCTTY | (isAny ? 0 : O_NONBLOCK)));
+    struct stat before = {};
+    if (!file.isOpen() || ::fstat(file.get(), &before) != 0)
+        return Reading::failed(errno);
+    if (!isAny && !S_ISREG(before.st_mode))
+        return {.failure = S_ISDIR(before.st_mode) ? u"it is a folder"_s : u"it is no regular file"_s};
     // The kernel then reads further ahead; whether it listens does not matter.
     static_cast<void>(::posix_fadvise(file.get(), 0, 0, POSIX_FADV_SEQUENTIAL));
     QByteArray block(kBlockSize, Qt::Uninitialized);
     for (;;) {
         if (isStopped && isStopped())
-            return false;
+            return {.wasStopped = true};
         const ssize_t count = ::read(file.get(), block.data(), static_cast<size_t>(block.size()));
         if (count < 0 && errno == EINTR)
             continue;
         if (count < 0)
-            logUnread(path);
-        if (count <= 0)
-            return true;
+            return Reading::failed(errno);
+        if (count == 0)
+            break;
         require(EVP_DigestUpdate(context, block.constData(), static_cast<size_t>(count)));
     }
+    struct stat after = {};
+    if (S_ISREG(before.st_mode) && (::fstat(file.get(), &after) != 0 || !isSameState(before, after)))
+        return {.failure = u"it changed while it was read"_s};
+    return {};
 }
 
 } // namespace
 
-QString MD5Helper::getMD5FromFile(const QString &path, const std::function<bool()> &isStopped)
+FileDigest MD5Helper::digestOf(const QString &path, Kind kind, const std::function<bool()> &isStopped)
 {
     const std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> context(EVP_MD_CTX_new(), &EVP_MD_CTX_free);
     require(context ? EVP_DigestInit_ex(context.get(), EVP_md5(), nullptr) : 0);
-    if (!feedFile(context.get(), path, isStopped))
+    const Reading reading = feedFile(context.get(), path, kind, isStopped);
+    if (reading.wasStopped)
         return {};
+    if (!reading.failure.isEmpty())
+        qCWarning(checksumLog).noquote() << "Unable to read" << path << "for its digest:" << reading.failure;
     std::array<unsigned char, EVP_MAX_MD_SIZE> digest;
     unsigned int length = 0;
     require(EVP_DigestFinal_ex(context.get(), digest.data(), &length));
-    return QString::fromLatin1(QByteArray::fromRawData(reinterpret_cast<const char *>(digest.data()), length).toHex());
+    const QByteArray bytes = QByteArray::fromRawData(reinterpret_cast<const char *>(digest.data()), length);
+    return {.hexadecimal = QString::fromLatin1(bytes.toHex()), .isMissing = reading.isMissing, .failure = reading.failure};
+}
+
+QString MD5Helper::getMD5FromFile(const QString &path, const std::function<bool()> &isStopped)
+{
+    return digestOf(path, Kind::Any, isStopped).hexadecimal;
 }
 
 } // namespace nurv

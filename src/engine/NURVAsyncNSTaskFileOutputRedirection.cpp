@@ -34,10 +34,28 @@ void NURVAsyncNSTaskFileOutputRedirection::completeStop()
     }
     const QString text = results() ? results()->results() : QString();
     setResults(nullptr);
+    if (hasRun())
+        writeOutput(text);
     NURVAsyncNSTask::completeStop();
+}
+
+void NURVAsyncNSTaskFileOutputRedirection::writeOutput(const QString &text)
+{
+    // What a program wrote that was killed is not all.
+    if (const std::optional<ChildExit> exit = exitState(); exit && exit->signal != 0)
+        return;
     QString reason;
-    if (hasRun() && !writeTextFileAtomically(m_fileName, text, &reason, LinkAtName::Replaced))
-        qCWarning(engineLog).noquote() << u"Unable to write %1: %2"_s.arg(m_fileName, reason);
+    if (writeTextFileAtomically(m_fileName, text, &reason, LinkAtName::Replaced)) {
+        ownOutcome().output = m_fileName;
+        return;
+    }
+    const QString problem = u"Unable to write %1: %2"_s.arg(m_fileName, reason);
+    qCWarning(engineLog).noquote() << problem;
+    ownOutcome().problem = problem;
+    auto told = std::make_shared<NURVTaskResults>();
+    told->addTaskInSet(*this);
+    setResults(told);
+    failWith(problem);
 }
 
 } // namespace nurv

@@ -27,6 +27,8 @@ protected:
     void completeStop() override;
 
 private:
+    void writeOutput(const QString &text);
+
     QString m_fileName;
     std::optional<QString> m_subTitle;
 };

@@ -5,7 +5,25 @@
 #include <QString>
 #include <QtGlobal>
 
+#include <vector>
+
 namespace nurv {
+
+/// One of the files that a job has looked at for its list.
+struct ListedFile {
+    enum class State {
+        Ok,         ///< it was read, and is what the list says
+        Different,  ///< it was read, and is another one
+        Damaged,    ///< its decoder found errors
+        Missing,    ///< there is no file of that name
+        Unreadable, ///< it could not be read to its end
+        NotAnEntry, ///< the line names no file
+    };
+
+    QString name; ///< as the list has it; of a line that is no entry the whole of it
+    State state = State::Ok;
+    QString detail = {}; ///< one line: why, where that is known
+};
 
 /// What a job made of its source, and what became of that source. Final when the queue
 /// says that the job is settled; read it on the GUI thread then.
@@ -30,6 +48,8 @@ struct TaskOutcome {
     QString problem;
     qint64 sourceBytes = 0; ///< at the start of the job
     qint64 outputBytes = 0; ///< at its end
+    /// What a job that checks a list has found, in the order of the list.
+    std::vector<ListedFile> listedFiles = {};
 };
 
 } // namespace nurv

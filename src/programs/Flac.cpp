@@ -80,6 +80,11 @@ QStringList decodingArguments(const QString &format, bool keepForeignMetadata, b
     return arguments << source << u"-o"_s << output;
 }
 
+QStringList testArguments(const QString &path)
+{
+    return {u"-t"_s, path};
+}
+
 ProgramStage plainEncoding(bool verify, const QString &input, const QString &output)
 {
     QStringList arguments;

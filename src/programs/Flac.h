@@ -42,7 +42,10 @@ struct Encoding {
 /// The same for an encoding to Opus, with status lines of its own.
 [[nodiscard]] ProgramStage decodingToWavForOpus(const QString &source, const QString &wav);
 
-/// "x.wav: 45% complete, ratio=0.532".
+//// Decodes the file and keeps nothing.
+[[nodiscard]] QStringList testArguments(const QString &path);
+
+// "x.wav: 45% complete, ratio=0.532".
 [[nodiscard]] ChunkReport parseEncoding(QStringView chunk);
 /// "x.flac: 45% complete".
 [[nodiscard]] ChunkReport parseDecoding(QStringView chunk);

@@ -17,6 +17,11 @@ const ExternalProgram &program()
     return program;
 }
 
+QStringList testArguments(const QString &path)
+{
+    return {path, u"-v"_s};
+}
+
 ProgramStage encoding(const QString &level, const QString &input, const QString &output)
 {
     return {.name = program().name,

@@ -21,6 +21,9 @@ namespace nurv::monkeysAudio {
 /// To the temporary WAV of an encoding.
 [[nodiscard]] ProgramStage decodingToWav(const QString &source, const QString &wav);
 
+/// Decodes the file and keeps nothing.
+[[nodiscard]] QStringList testArguments(const QString &path);
+
 /// "Progress: 45.2% (12 seconds remaining, 27 seconds total)".
 [[nodiscard]] ChunkReport parse(QStringView chunk, const QString &label);
 /// For `decodingToWav`. Reports nothing.

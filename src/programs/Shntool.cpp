@@ -87,6 +87,14 @@ const ExternalProgram &program()
 QStringList startedBy(const QStringList &arguments)
 {
     const qsizetype format = arguments.indexOf(u"-o"_s);
+    if (arguments.value(0) == u"hash") {
+        QStringList names;
+        for (const QString &file : arguments.sliced(1))
+            names.append(decoderOf(file));
+        names.removeAll(QString());
+        names.removeDuplicates();
+        return names;
+    }
     if (arguments.value(0) != u"conv" || format < 0)
         return {};
     QStringList names{decoderOf(arguments.last()), encoderOf(arguments.value(format + 1))};
@@ -121,6 +129,16 @@ bool replacesExtension(const QString &extension)
 {
     static const QStringList known{u"wav"_s, u"aiff"_s, u"shn"_s, u"flac"_s, u"ape"_s, u"tta"_s, u"wv"_s};
     return known.contains(extension);
+}
+
+QStringList hashArguments(const QString &path)
+{
+    return {u"hash"_s, path};
+}
+
+QStringList hashListArguments(const QStringList &names)
+{
+    return QStringList{u"hash"_s, u"-m"_s} + names;
 }
 
 ProgramStage shortenToWav(const QString &source, const QString &wav)

@@ -45,6 +45,13 @@ inline constexpr qsizetype kFlacFolderPlace = 6;
 /// it: behind others it puts its own.
 [[nodiscard]] bool replacesExtension(const QString &extension);
 
+/// The digest of a file's samples: a line "digest  [shntool]  name", the name without its folder.
+[[nodiscard]] QStringList hashArguments(const QString &path);
+/// The same of several files of the working folder, a line each; `names` as they stand there.
+[[nodiscard]] QStringList hashListArguments(const QStringList &names);
+/// How many words stand before the names.
+inline constexpr qsizetype kHashListOptions = 2;
+
 /// Shorten to a temporary WAV.
 [[nodiscard]] ProgramStage shortenToWav(const QString &source, const QString &wav);
 /// The same for an encoding to Opus, with status lines of its own.

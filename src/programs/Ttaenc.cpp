@@ -17,6 +17,11 @@ const ExternalProgram &program()
     return program;
 }
 
+QStringList testArguments(const QString &path)
+{
+    return {u"-t"_s, path};
+}
+
 ProgramStage encoding(const QString &input, const QString &output)
 {
     return {.name = program().name,

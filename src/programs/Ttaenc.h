@@ -21,6 +21,9 @@ namespace nurv::ttaenc {
 /// To the temporary WAV of an encoding.
 [[nodiscard]] ProgramStage decodingToWav(const QString &source, const QString &wav);
 
+/// Decodes the file and keeps nothing.
+[[nodiscard]] QStringList testArguments(const QString &path);
+
 /// "Percent Progress: 45". Every chunk is in the report twice.
 [[nodiscard]] ChunkReport parse(QStringView chunk, const QString &label);
 

@@ -39,6 +39,11 @@ const ExternalProgram &decoder()
     return program;
 }
 
+QStringList testArguments(const QString &path)
+{
+    return {u"-v"_s, path};
+}
+
 ProgramStage encoding(const QString &level, const QString &input, const QString &output)
 {
     return {.name = encoder().name,

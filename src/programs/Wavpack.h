@@ -24,6 +24,9 @@ namespace nurv::wavpack {
 /// To the temporary WAV of another encoding.
 [[nodiscard]] ProgramStage decodingToWav(const QString &source, const QString &wav);
 
+/// Decodes the file and keeps nothing.
+[[nodiscard]] QStringList testArguments(const QString &path);
+
 // "creating x.wv,  45% done...", backspaces, " 46% done...", ….
 
 [[nodiscard]] ChunkReport parseEncoding(QStringView chunk);

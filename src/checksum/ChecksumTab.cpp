@@ -1,0 +1,268 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "checksum/ChecksumTab.h"
+
+#include "app/NURVController.h"
+#include "app/PathNames.h"
+#include "base/Version.h"
+#include "checksum/ChecksumList.h"
+#include "checksum/CreateMD5Task.h"
+#include "checksum/CreateST5Task.h"
+#include "checksum/Fingerprint.h"
+#include "checksum/VerifyFFPTask.h"
+#include "checksum/VerifyFileTask.h"
+#include "checksum/VerifyMD5Task.h"
+#include "checksum/VerifyST5Task.h"
+#include "engine/NURVTaskQueue.h"
+#include "engine/NURVTaskResults.h"
+#include "files/TextFile.h"
+#include "process/ResourceFolder.h"
+#include "programs/Flac.h"
+#include "programs/Metaflac.h"
+#include "programs/MonkeysAudio.h"
+#include "programs/Shntool.h"
+#include "programs/Ttaenc.h"
+#include "programs/Wavpack.h"
+#include "settings/SettingsStore.h"
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+bool isNamedAfterFolder()
+{
+    return SettingsStore::instance().boolean(u"checksumFileUsesOutputDirName"_s);
+}
+
+} // namespace
+
+ChecksumTab::ChecksumTab(NURVController &controller)
+    : BaseTab(controller, u"checksum"_s),
+      commandOptions({u"Verify lossless files"_s, u"Create checksum file"_s, u"Verify checksum files"_s}),
+      createChecksumOptions({u"MD5"_s, u"ST5"_s, u"FFP"_s}, 3)
+{
+    connect(&commandOptions, &Control::valueChanged, this, &ChecksumTab::changeDisplayOptions);
+    displayRelevantOptions();
+}
+
+void ChecksumTab::displayRelevantOptions()
+{
+    const bool creates = commandOptions.selectedRow() == CreateList;
+    createChecksumOptions.setEnabled(creates);
+    sourceSaveButton.setEnabled(creates);
+}
+
+void ChecksumTab::executeCommand()
+{
+    if (fileNames().isEmpty())
+        return;
+    if (commandOptions.selectedRow() == CreateList)
+        createSelected();
+    else
+        queueVerifying();
+}
+
+NeededPrograms ChecksumTab::neededPrograms() const
+{
+    NeededPrograms programs;
+    if (commandOptions.selectedRow() != CreateList) {
+        for (const std::shared_ptr<NURVTask> &job : verifyingJobs(std::make_shared<NURVTaskResults>()))
+            programs.add(job->neededPrograms());
+        return programs;
+    }
+    const QString title = createChecksumOptions.selectedTitle();
+    if (title == u"FFP" && !filesOf({u"FLAC"_s}).isEmpty())
+        programs.add({{metaflac::program().name}, {}});
+    if (title == u"ST5" && !fileNames().isEmpty())
+        programs.add(NeededPrograms::ofRun(shntool::program().name, shntool::hashListArguments(fileNames())));
+    return programs;
+}
+
+ChecksumTab::Jobs ChecksumTab::verifyingJobs(const std::shared_ptr<NURVTaskResults> &results) const
+{
+    const bool verifiesLists = commandOptions.selectedRow() == VerifyLists;
+    Jobs jobs;
+    for (const QString &path : fileNames()) {
+        if (auto job = verifiesLists ? jobForList(path, results) : jobForFile(path, results))
+            jobs.push_back(std::move(job));
+    }
+    return jobs;
+}
+
+std::shared_ptr<NURVTask> ChecksumTab::jobForFile(const QString &path, const std::shared_ptr<NURVTaskResults> &results) const
+{
+    NURVTaskQueue *const queue = &nurvController().taskQueue();
+    const QString format = formatWord(path);
+    if (format == u"FLAC")
+        return verifyFlac(path, results, queue);
+    if (format == u"APE")
+        return verifyAPE(path, results, queue);
+    if (format == u"WV")
+        return verifyWavepack(path, results, queue);
+    if (format == u"TTA")
+        return verifyTTA(path, results, queue);
+    return nullptr;
+}
+
+std::shared_ptr<NURVTask> ChecksumTab::jobForList(const QString &path, const std::shared_ptr<NURVTaskResults> &results) const
+{
+    NURVTaskQueue *const queue = &nurvController().taskQueue();
+    const QString format = formatWord(path);
+    if (format == u"MD5")
+        return std::make_shared<VerifyMD5Task>(queue, path, results);
+    if (format == u"ST5")
+        return std::make_shared<VerifyST5Task>(queue, path, results);
+    if (format == u"FFP" || (format == u"TXT" && formatWord(nameWithoutExtension(path)) == u"FFP"))
+        return std::make_shared<VerifyFFPTask>(queue, path, results);
+    return nullptr;
+}
+
+void ChecksumTab::queueVerifying()
+{
+    const auto results = std::make_shared<NURVTaskResults>();
+    const Jobs jobs = verifyingJobs(results);
+    for (const std::shared_ptr<NURVTask> &job : jobs)
+        results->addTaskInSet(*job);
+    if (!jobs.empty())
+        nurvController().taskQueue().addTasks(jobs);
+    clearFiles();
+}
+
+std::shared_ptr<NURVAsyncNSTask> ChecksumTab::verifyFlac(const QString &path, const std::shared_ptr<NURVTaskResults> &results,
+                                                         NURVTaskQueue *queue) const
+{
+    auto job = std::make_shared<VerifyFlacTask>(results, queue, programPath(flac::program().name), flac::testArguments(path));
+    job->setTitle(u"Verify FLAC"_s);
+    return job;
+}
+
+std::shared_ptr<NURVAsyncNSTask> ChecksumTab::verifyAPE(const QString &path, const std::shared_ptr<NURVTaskResults> &results,
+                                                        NURVTaskQueue *queue) const
+{
+    return std::make_shared<VerifyApeTask>(results, queue, programPath(monkeysAudio::program().name),
+                                           monkeysAudio::testArguments(path));
+}
+
+std::shared_ptr<NURVAsyncNSTask> ChecksumTab::verifyWavepack(const QString &path,
+                                                             const std::shared_ptr<NURVTaskResults> &results,
+                                                             NURVTaskQueue *queue) const
+{
+    return std::make_shared<VerifyWavepackTask>(results, queue, programPath(wavpack::decoder().name),
+                                                wavpack::testArguments(path));
+}
+
+std::shared_ptr<NURVAsyncNSTask> ChecksumTab::verifyTTA(const QString &path, const std::shared_ptr<NURVTaskResults> &results,
+                                                        NURVTaskQueue *queue) const
+{
+    return std::make_shared<VerifyTTATask>(results, queue, programPath(ttaenc::program().name), ttaenc::testArguments(path));
+}
+
+QStringList ChecksumTab::filesOf(const QStringList &formats) const
+{
+    QStringList files;
+    for (const QString &path : fileNames()) {
+        if (formats.contains(formatWord(path)))
+            files.append(path);
+    }
+    return files;
+}
+
+void ChecksumTab::createSelected()
+{
+    NURVTaskQueue &queue = nurvController().taskQueue();
+    const QString title = createChecksumOptions.selectedTitle();
+    const bool sourceSave = sourceSaveButton.isOn();
+    const auto add = [&queue](const std::shared_ptr<NURVTask> &job) {
+        if (job)
+            queue.addTask(job);
+    };
+    if (title == u"MD5") {
+        add(createMD5(fileNames(), &queue, sourceSave));
+    } else if (title == u"ST5") {
+        const QStringList files = filesOf(
+            {u"FLAC"_s, u"WAV"_s, u"AIFF"_s, u"AIF"_s, u"SHN"_s, u"APE"_s, u"WV"_s, u"TTA"_s});
+        if (!files.isEmpty())
+            add(createST5(files, &queue, sourceSave));
+    } else if (title == u"FFP") {
+        const QStringList files = filesOf({u"FLAC"_s});
+        // Who gives up the choice of a place keeps the list here, and only here.
+        if (!files.isEmpty() && !createFFP(files))
+            return;
+    }
+    clearFiles();
+}
+
+std::optional<QString> ChecksumTab::listPath(const QStringList &files, bool sourceSave, const QString &nameInFolder,
+                                             const QString &suggestedName, const QString &title)
+{
+    if (sourceSave && checksumList::areAllSameDirectory(files))
+        return joinPath(folderOf(files.first()), nameInFolder);
+    return openSavePanel(suggestedName, title);
+}
+
+std::shared_ptr<NURVTask> ChecksumTab::createMD5(const QStringList &files, NURVTaskQueue *queue, bool sourceSave)
+{
+    const std::optional<QString> path =
+        listPath(files, sourceSave, checksumList::md5FileName(folderOf(files.value(0)), isNamedAfterFolder()),
+                 checksumList::md5FileName({}, false), u"Save md5 as..."_s);
+    if (!path)
+        return nullptr;
+    auto job = std::make_shared<CreateMD5Task>(queue, files, *path);
+    job->setTitle(u"Creating MD5"_s);
+    return job;
+}
+
+std::shared_ptr<NURVTask> ChecksumTab::createST5(const QStringList &files, NURVTaskQueue *queue, bool sourceSave)
+{
+    const std::optional<QString> path =
+        listPath(files, sourceSave, checksumList::st5FileName(folderOf(files.value(0)), isNamedAfterFolder()),
+                 checksumList::st5FileName({}, false), u"Save st5 as..."_s);
+    if (!path)
+        return nullptr;
+    QStringList names;
+    for (const QString &file : files)
+        names.append(lastPathComponent(file));
+    auto job = std::make_shared<CreateST5Task>(*path, queue, programPath(shntool::program().name),
+                                               shntool::hashListArguments(names));
+    job->setDirectory(folderOf(files.last()));
+    job->nameRow(u"Create ST5"_s);
+    return job;
+}
+
+bool ChecksumTab::createFFP(const QStringList &files)
+{
+    const QString extension = SettingsStore::instance().string(u"ffpExtension"_s);
+    const QString folder = folderOf(files.first());
+    const std::optional<QString> path =
+        sourceSaveButton.isOn()
+            ? joinPath(folder, checksumList::ffpFileName(folder, extension, isNamedAfterFolder()))
+            : openSavePanel(checksumList::ffpFileName({}, extension, false), u"Save fingerprint as..."_s);
+    if (!path)
+        return false;
+    Q_EMIT longWorkBegan(u"Creating FFP checksum file"_s);
+    writeFFP(files, *path);
+    Q_EMIT longWorkEnded();
+    return true;
+}
+
+void ChecksumTab::writeFFP(const QStringList &files, const QString &listPath)
+{
+    QString list = checksumList::ffpHeader(shortVersionString(), QDateTime::currentDateTime());
+    QStringList problems;
+    for (const QString &path : files) {
+        const QString entry = fingerprint(path);
+        list += entry;
+        if (metaflac::tellsOfError(entry))
+            problems.append(u"%1 has no fingerprint: %2"_s.arg(path, entry.section(u'\n', 0, 0)));
+    }
+    QString reason;
+    if (!writeTextFileAtomically(listPath, list, &reason, LinkAtName::Replaced))
+        problems = {u"Unable to write %1: %2"_s.arg(listPath, reason)};
+    if (!problems.isEmpty())
+        nurvController().prompts().ask(
+            {.title = u"The fingerprint list is not whole"_s, .message = problems.join(u'\n'), .buttons = {u"OK"_s}});
+}
+
+} // namespace nurv

@@ -1,0 +1,77 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "app/BaseTab.h"
+#include "app/Control.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+#include <optional>
+
+namespace nurv {
+
+class NURVAsyncNSTask;
+class NURVTask;
+class NURVTaskQueue;
+class NURVTaskResults;
+
+/// The tab that tests lossless files, writes checksum lists and checks such lists.
+class ChecksumTab final : public BaseTab {
+    Q_OBJECT
+
+public:
+    explicit ChecksumTab(NURVController &controller);
+
+    /// What `commandOptions` has, row by row.
+    enum Command { VerifyLossless, CreateList, VerifyLists };
+
+    ChoiceControl commandOptions;
+    /// The list to create.
+    ChoiceControl createChecksumOptions;
+    /// The list goes into the folder of the files.
+    CheckControl sourceSaveButton;
+
+    void displayRelevantOptions() override;
+    void executeCommand() override;
+    [[nodiscard]] NeededPrograms neededPrograms() const override;
+
+    // A job for one file, with the set of the batch.
+    [[nodiscard]] std::shared_ptr<NURVAsyncNSTask> verifyFlac(const QString &path, const std::shared_ptr<NURVTaskResults> &results,
+                                                              NURVTaskQueue *queue) const;
+    [[nodiscard]] std::shared_ptr<NURVAsyncNSTask> verifyAPE(const QString &path, const std::shared_ptr<NURVTaskResults> &results,
+                                                             NURVTaskQueue *queue) const;
+    [[nodiscard]] std::shared_ptr<NURVAsyncNSTask> verifyWavepack(const QString &path,
+                                                                  const std::shared_ptr<NURVTaskResults> &results,
+                                                                  NURVTaskQueue *queue) const;
+    [[nodiscard]] std::shared_ptr<NURVAsyncNSTask> verifyTTA(const QString &path, const std::shared_ptr<NURVTaskResults> &results,
+                                                             NURVTaskQueue *queue) const;
+
+    // The job that makes a list of the files; null when the user chose no place for it.
+    [[nodiscard]] std::shared_ptr<NURVTask> createMD5(const QStringList &files, NURVTaskQueue *queue, bool sourceSave);
+    [[nodiscard]] std::shared_ptr<NURVTask> createST5(const QStringList &files, NURVTaskQueue *queue, bool sourceSave);
+
+Q_SIGNALS:
+    /// Work on this thread begins, and ends: until then no event is handled.
+    void longWorkBegan(const QString &what);
+    void longWorkEnded();
+
+private:
+    using Jobs = std::vector<std::shared_ptr<NURVTask>>;
+
+    [[nodiscard]] Jobs verifyingJobs(const std::shared_ptr<NURVTaskResults> &results) const;
+    [[nodiscard]] std::shared_ptr<NURVTask> jobForList(const QString &path, const std::shared_ptr<NURVTaskResults> &results) const;
+    [[nodiscard]] std::shared_ptr<NURVTask> jobForFile(const QString &path, const std::shared_ptr<NURVTaskResults> &results) const;
+    [[nodiscard]] QStringList filesOf(const QStringList &formats) const;
+    void queueVerifying();
+    void createSelected();
+    /// False: the user chose no place.
+    [[nodiscard]] bool createFFP(const QStringList &files);
+    void writeFFP(const QStringList &files, const QString &listPath);
+    [[nodiscard]] std::optional<QString> listPath(const QStringList &files, bool sourceSave, const QString &nameInFolder,
+                                                  const QString &suggestedName, const QString &title);
+};
+
+} // namespace nurv

@@ -1,0 +1,118 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "checksum/ListEntries.h"
+
+#include "base/NurvFailure.h"
+#include "base/SystemError.h"
+#include "text/Utf8Text.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv::checksumList {
+
+namespace {
+
+constexpr qint64 kLargestList = 256 * 1024 * 1024;
+
+bool endsLine(QChar character)
+{
+    return (character >= u'\n' && character <= u'\r') || character == u'\u0085' || character == u'\u2028'
+           || character == u'\u2029';
+}
+
+/// The first two pieces at the marker; no name without a second one.
+Entry splitAt(const QString &line, QStringView marker)
+{
+    Entry entry{.line = line};
+    const qsizetype first = line.indexOf(marker);
+    if (first < 0)
+        return entry;
+    const qsizetype behind = first + marker.size();
+    const qsizetype next = line.indexOf(marker, behind);
+    entry.expected = line.first(first).trimmed();
+    entry.name = line.sliced(behind, (next < 0 ? line.size() : next) - behind);
+    return entry;
+}
+
+} // namespace
+
+QString readList(const QString &path)
+{
+    // A pipe would keep the reader waiting.
+    if (const QFileInfo info(path); info.exists() && !info.isFile())
+        throw NurvFailure(u"the list is no regular file"_s);
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        throw NurvFailure(u"the list cannot be read: %1"_s.arg(file.errorString()));
+    if (file.size() > kLargestList)
+        throw NurvFailure(u"the list has more than 256 MiB"_s);
+    const QByteArray bytes = file.read(kLargestList + 1);
+    if (file.error() != QFileDevice::NoError)
+        throw NurvFailure(u"the list cannot be read: %1"_s.arg(file.errorString()));
+    if (bytes.size() > kLargestList)
+        throw NurvFailure(u"the list has more than 256 MiB"_s);
+    const std::optional<QString> text = fromStrictUtf8(bytes);
+    if (!text)
+        throw NurvFailure(u"the list is no UTF-8 text"_s);
+    return *text;
+}
+
+QStringList linesOf(QStringView text)
+{
+    QStringList lines;
+    qsizetype begin = 0;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (!endsLine(text[i]))
+            continue;
+        lines.append(text.sliced(begin, i - begin).toString());
+        begin = i + 1;
+    }
+    lines.append(text.sliced(begin).toString());
+    return lines;
+}
+
+std::vector<Entry> md5Entries(const QStringList &lines)
+{
+    std::vector<Entry> entries;
+    for (const QString &line : lines) {
+        if (line.isEmpty() || line.startsWith(u'#') || line.startsWith(u';'))
+            continue;
+        entries.push_back(splitAt(line.trimmed(), u" *"));
+    }
+    return entries;
+}
+
+std::vector<Entry> st5Entries(const QStringList &lines)
+{
+    std::vector<Entry> entries;
+    for (const QString &line : lines) {
+        const QString trimmed = line.trimmed();
+        if (!trimmed.isEmpty() && !trimmed.startsWith(u';'))
+            entries.push_back(splitAt(trimmed, kSt5Marker));
+    }
+    return entries;
+}
+
+std::vector<Entry> ffpEntries(const QStringList &lines)
+{
+    std::vector<Entry> entries;
+    for (const QString &line : lines) {
+        const QString trimmed = line.trimmed();
+        if (trimmed.isEmpty() || trimmed.startsWith(u';'))
+            continue;
+        // The name stands first here.
+        const Entry split = splitAt(trimmed, u":");
+        entries.push_back({.line = trimmed, .name = split.expected, .expected = split.name.trimmed()});
+    }
+    return entries;
+}
+
+QString listedPath(const QString &listFolder, const QString &name)
+{
+    return name.startsWith(u'/') || listFolder.endsWith(u'/') ? listFolder + name : listFolder + u'/' + name;
+}
+
+} // namespace nurv::checksumList

@@ -1,0 +1,137 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "checksum/VerifyFFPTask.h"
+
+#include "app/PathNames.h"
+#include "base/NurvFailure.h"
+#include "checksum/Fingerprint.h"
+#include "checksum/ListEntries.h"
+#include "engine/ProgramRunSync.h"
+#include "files/FileStatus.h"
+#include "process/ResourceFolder.h"
+#include "programs/Flac.h"
+#include "programs/Metaflac.h"
+#include "programs/TestOutput.h"
+#include "text/TextNumbers.h"
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+using State = ListedFile::State;
+
+} // namespace
+
+VerifyFFPTask::VerifyFFPTask(NURVTaskQueue *queue, const QString &fileName, std::shared_ptr<NURVTaskResults> results)
+    : VerifyListTask(queue, fileName, std::move(results))
+{
+}
+
+NeededPrograms VerifyFFPTask::neededPrograms() const
+{
+    return {{metaflac::program().name, flac::program().name}, {}};
+}
+
+QString VerifyFFPTask::openingLine() const
+{
+    return u"Verify FFP: %1\n"_s.arg(lastPathComponent(fileName()));
+}
+
+void VerifyFFPTask::verify()
+{
+    requireProgram(metaflac::program().name);
+    requireProgram(flac::program().name);
+    const QStringList paths = doVerifyFPP();
+    if (paths.isEmpty())
+        return;
+    addLines(u"\nVerify Flac Files in %1\n"_s.arg(lastPathComponent(fileName())));
+    verifyFlacFilesSync(paths);
+}
+
+QStringList VerifyFFPTask::doVerifyFPP()
+{
+    const QString text = checksumList::readList(fileName());
+    if (text.isEmpty())
+        throw NurvFailure(u"the list is empty"_s);
+    const QStringList lines = checksumList::linesOf(text);
+    const QString folder = folderOf(fileName());
+    QString gathered;
+    QStringList kept;
+    std::size_t done = 0;
+    for (const checksumList::Entry &entry : checksumList::ffpEntries(lines)) {
+        if (!entry.isEntry()) {
+            gathered += entry.line + u" : Invalid checksum format\n"_s;
+            addFile({.name = entry.line, .state = State::NotAnEntry});
+            ++done;
+            continue;
+        }
+        setTopTextFieldString(u"Verifying "_s + entry.name);
+        setProgressIndicatorValue(static_cast<double>(done) * 100.0 / static_cast<double>(lines.size()));
+        updateStatus();
+        const QString path = checksumList::listedPath(folder, entry.name);
+        const QString computed = fingerprint(path).trimmed();
+        ListedFile file{.name = entry.name, .state = State::Different};
+        if (metaflac::tellsOfError(computed)) {
+            gathered += u"%1 : %2\n"_s.arg(computed, entry.name);
+            file.state = isThere(path) ? State::Unreadable : State::Missing;
+            file.detail = computed.section(u'\n', 0, 0);
+        } else if (computed == entry.name + u':' + entry.expected) {
+            gathered += entry.name + u" : OK\n"_s;
+            file.state = State::Ok;
+            m_filesOfPath.emplace(path, fileCount());
+            kept.append(path);
+        } else {
+            gathered += entry.name + u" : did not match fingerprint file\n"_s;
+            if (!isThere(path))
+                file.state = State::Missing;
+        }
+        addFile(file);
+        ++done;
+    }
+    addLines(gathered);
+    kept.sort();
+    return kept;
+}
+
+void VerifyFFPTask::verifyFlacFilesSync(const QStringList &paths)
+{
+    for (const QString &path : paths) {
+        showStatus(u"Verifying FLAC File"_s);
+        const QString name = lastPathComponent(path);
+        QString log;
+        ProgramRunSync run(programPath(flac::program().name), flac::testArguments(path));
+        const ProgramRunSync::Ending ending = run.run([&](const QString &chunk) {
+            const QString text = processFlacFileOutput(chunk, path);
+            if (text == u"ok")
+                log += testOutput::wholeLine(name);
+            log += u"%1: %2\n"_s.arg(name, text);
+            return true;
+        });
+        if (!ending.exit)
+            throw NurvFailure(ending.startFailure);
+        addLines(testOutput::tailOf(log));
+        if (ending.succeeded())
+            continue;
+        const auto [begin, end] = m_filesOfPath.equal_range(path);
+        for (auto place = begin; place != end; ++place)
+            markDamaged(place->second, u"flac could not decode it to its end"_s);
+    }
+}
+
+QString VerifyFFPTask::processFlacFileOutput(QStringView chunk, const QString &path)
+{
+    const QString text = trimWhitespaceAndNewlines(trimBackspaces(chunk));
+    if (text.contains(u'%') && text.contains(u", "_s)) {
+        const double progress = leadingNumber(text.section(u", "_s, 1, 1).section(u'%', 0, 0));
+        setTopTextFieldString(u"Verifying %1: %2%"_s.arg(lastPathComponent(path), sixDecimals(progress)));
+        setProgressIndicatorValue(progress);
+        updateStatus();
+    }
+    return text;
+}
+
+} // namespace nurv

@@ -1,0 +1,113 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "checksum/VerifyListTask.h"
+
+#include "app/PathNames.h"
+#include "base/NurvFailure.h"
+#include "base/SystemError.h"
+#include "engine/NURVTaskResults.h"
+#include "process/ResourceFolder.h"
+#include "programs/ExternalPrograms.h"
+
+#include <QFile>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <utility>
+
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+using State = ListedFile::State;
+
+/// How a kind of finding is told of one file, and of several.
+struct Words {
+    State state;
+    QStringView one;
+    QStringView several;
+};
+
+constexpr std::array kWords = {
+    Words{State::Missing, u"files is missing", u"files are missing"},
+    Words{State::Unreadable, u"files could not be read", u"files could not be read"},
+    Words{State::Different, u"files is another one", u"files are other ones"},
+    Words{State::Damaged, u"files is damaged", u"files are damaged"},
+    Words{State::NotAnEntry, u"lines is no entry", u"lines are no entries"},
+};
+
+} // namespace
+
+QStringList statementsOn(const std::vector<ListedFile> &files)
+{
+    QStringList statements;
+    for (const Words &words : kWords) {
+        const auto count = std::count_if(files.begin(), files.end(), [&](const ListedFile &file) { return file.state == words.state; });
+        if (count > 0)
+            statements.append(u"%1 of %2 %3"_s.arg(count).arg(files.size()).arg(count == 1 ? words.one : words.several));
+    }
+    return statements;
+}
+
+VerifyListTask::VerifyListTask(NURVTaskQueue *queue, const QString &fileName, std::shared_ptr<NURVTaskResults> results)
+    : NURVInProcessTask(queue)
+{
+    setResults(std::move(results));
+    setSourcePath(fileName);
+    nameRow(lastPathComponent(fileName));
+}
+
+void VerifyListTask::requireProgram(const QString &name)
+{
+    const QString program = programPath(name);
+    if (::access(QFile::encodeName(program).constData(), X_OK) != 0)
+        throw NurvFailure(missingProgramText(program, systemErrorText(errno)));
+}
+
+void VerifyListTask::doStartTask()
+{
+    showStatus(openingStatus());
+    addLines(openingLine());
+    showStarted();
+    try {
+        verify();
+    } catch (const NurvFailure &failure) {
+        ownOutcome().problem = failure.reason().section(u'\n', 0, 0);
+        failWith(failure.reason() + u'\n');
+        return;
+    }
+    if (!cancelled())
+        conclude();
+}
+
+void VerifyListTask::markDamaged(std::size_t index, const QString &detail)
+{
+    m_files[index].state = State::Damaged;
+    m_files[index].detail = detail;
+}
+
+void VerifyListTask::conclude()
+{
+    QStringList statements = statementsOn(m_files);
+    if (m_files.empty())
+        statements.append(u"the list has no entries"_s);
+    ownOutcome().listedFiles = std::exchange(m_files, {});
+    if (statements.isEmpty())
+        return;
+    ownOutcome().problem = statements.join(u", "_s);
+    for (const QString &statement : std::as_const(statements))
+        addLines(statement + u'\n');
+    setError(true);
+}
+
+void VerifyListTask::stopTask()
+{
+    NURVTask::stopTask();
+}
+
+} // namespace nurv

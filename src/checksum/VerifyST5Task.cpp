@@ -1,0 +1,125 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "checksum/VerifyST5Task.h"
+
+#include "app/PathNames.h"
+#include "base/NurvFailure.h"
+#include "checksum/ListEntries.h"
+#include "engine/ProgramRunSync.h"
+#include "files/FileStatus.h"
+#include "process/ResourceFolder.h"
+#include "programs/Shntool.h"
+#include "text/TextNumbers.h"
+
+#include <QFileInfo>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+using State = ListedFile::State;
+
+State stateOf(const QString &path, bool isSame)
+{
+    if (!isThere(path))
+        return State::Missing;
+    if (!QFileInfo(path).isReadable())
+        return State::Unreadable;
+    return isSame ? State::Ok : State::Different;
+}
+
+} // namespace
+
+VerifyST5Task::VerifyST5Task(NURVTaskQueue *queue, const QString &fileName, std::shared_ptr<NURVTaskResults> results)
+    : VerifyListTask(queue, fileName, std::move(results))
+{
+}
+
+NeededPrograms VerifyST5Task::neededPrograms() const
+{
+    return {{shntool::program().name}, {}};
+}
+
+QString VerifyST5Task::openingLine() const
+{
+    return u"Verify ST5: %1\n"_s.arg(lastPathComponent(fileName()));
+}
+
+void VerifyST5Task::verify()
+{
+    requireProgram(shntool::program().name);
+    doCreateST5();
+}
+
+void VerifyST5Task::doCreateST5()
+{
+    const QString folder = folderOf(fileName());
+    QString gathered;
+    for (const checksumList::Entry &entry :
+         checksumList::st5Entries(checksumList::linesOf(checksumList::readList(fileName())))) {
+        if (!entry.isEntry()) {
+            gathered += entry.line + u" : Invalid checksum format\n"_s;
+            addFile({.name = entry.line, .state = State::NotAnEntry});
+            continue;
+        }
+        const QString path = checksumList::listedPath(folder, entry.name);
+        const QString name = lastPathComponent(entry.name);
+        const QString answer = st5(path);
+        const bool isWarning = answer.contains(u"warning"_s);
+        const bool isSame = !isWarning && answer == entry.line;
+        if (isWarning)
+            gathered += u"%1 : %2\n"_s.arg(name, answer);
+        else
+            gathered += name + (isSame ? u" : OK\n"_s : u" : did not match shntool md5 file\n"_s);
+        addFile({.name = entry.name, .state = stateOf(path, isSame), .detail = isWarning ? answer : QString()});
+    }
+    addLines(gathered);
+}
+
+QString VerifyST5Task::st5(const QString &path)
+{
+    showMainLine(lastPathComponent(path));
+    ProgramRunSync run(programPath(shntool::program().name), shntool::hashArguments(path));
+    run.setDirectory(folderOf(path));
+    QString written;
+    const ProgramRunSync::Ending ending = run.run([&](const QString &chunk) {
+        showProgress(chunk);
+        written += chunk;
+        return true;
+    });
+    if (!ending.exit)
+        throw NurvFailure(ending.startFailure);
+    return processTaskOutput(written, path).trimmed();
+}
+
+void VerifyST5Task::showProgress(QStringView chunk)
+{
+    const QString text = trimBackspaces(chunk);
+    const qsizetype percent = text.indexOf(u'%');
+    if (percent < 0)
+        return;
+    const double progress = leadingNumber(QStringView(text).first(percent));
+    setTopTextFieldString(u"Verifying: %1%"_s.arg(sixDecimals(progress)));
+    setProgressIndicatorValue(progress);
+    updateStatus();
+}
+
+QString VerifyST5Task::processTaskOutput(QStringView output, const QString &path)
+{
+    const QString name = lastPathComponent(path);
+    QString answers;
+    for (const QString &ended : checksumList::linesOf(output)) {
+        const QString line = trimBackspaces(ended);
+        if (const qsizetype marker = line.indexOf(checksumList::kSt5Marker); marker >= 0)
+            answers += line.first(marker + checksumList::kSt5Marker.size()) + name;
+        else if (const qsizetype warning = line.indexOf(u" warning: "_s); warning >= 0)
+            answers += line.sliced(warning) + name;
+    }
+    return answers;
+}
+
+} // namespace nurv

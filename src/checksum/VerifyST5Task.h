@@ -1,0 +1,33 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "checksum/VerifyListTask.h"
+
+#include <QStringView>
+
+namespace nurv {
+
+/// Checks an ST5 list with `shntool hash`, a run for each file. It is not looked whether the job was cancelled.
+class VerifyST5Task final : public VerifyListTask {
+public:
+    VerifyST5Task(NURVTaskQueue *queue, const QString &fileName, std::shared_ptr<NURVTaskResults> results);
+
+    [[nodiscard]] NeededPrograms neededPrograms() const override;
+
+protected:
+    [[nodiscard]] QString openingStatus() const override { return QStringLiteral("Verigying ST5 File"); }
+    [[nodiscard]] QString openingLine() const override;
+    void verify() override;
+
+private:
+    void doCreateST5();
+    /// The file's line after the program, or the warning that it gave; empty when it gave neither.
+    [[nodiscard]] QString st5(const QString &path);
+    void showProgress(QStringView chunk);
+    /// What the program's output has to say of the file: each of its digests and warnings, with the file's name behind it.
+    /// However the output was cut into chunks, a line is a line.
+    [[nodiscard]] static QString processTaskOutput(QStringView output, const QString &path);
+};
+
+} // namespace nurv
