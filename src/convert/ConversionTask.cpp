@@ -118,12 +118,9 @@ void ConversionTask::takeIntermediateFile()
     const QString made = intermediateFile();
     if (made.isEmpty() || !hasRun() || m_intermediateExisted || !isThere(made))
         return;
-    if (!programSucceeded()) {
-        const ExternalProgram *const program = findExternalProgram(lastPathComponent(launchPath()));
-        if (!(program && program->placesWholeOutput))
-            removeHalfMade(made);
+    // shntool, which alone gives such names, does so to whole files: after a failure this is somebody else's.
+    if (!programSucceeded())
         return;
-    }
     if (renameToFreeName(QFile::encodeName(made), QFile::encodeName(outputFile())))
         return;
     const QString problem = u"its output stays as %1, since it could not get its name: %2"_s.arg(
