@@ -2,7 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/TestProgram.h"
 
+#include "support/ResidentProgram.h"
+
 #include <QProcess>
+#include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
 
@@ -10,6 +13,11 @@ namespace nurv::test {
 
 ProgramResult runProgram(const QString &program, const QStringList &arguments, const QByteArray &input)
 {
+    if (program == u"ffmpeg" || program == u"ffprobe") {
+        const auto resident = ResidentProgram::find(QStandardPaths::findExecutable(program));
+        if (resident)
+            return resident->run(arguments, input);
+    }
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
