@@ -93,6 +93,9 @@ public:
     /// exist and were to be passed over.
     [[nodiscard]] const QStringList &passedOver() const { return m_passedOver; }
 
+    /// Whether the last press of the button did all that was asked for without a job.
+    [[nodiscard]] virtual bool hasWorkedItself() const { return false; }
+
     /// How long the messages about refused files wait, so that they come after
     /// the drop has finished; 500 ms unless set. With 0 they come at once.
     void setRefusalMessageDelay(int milliseconds) { m_refusalMessageDelayMs = milliseconds; }

@@ -56,6 +56,7 @@ void ChecksumTab::displayRelevantOptions()
 
 void ChecksumTab::executeCommand()
 {
+    m_hasWrittenList = false;
     if (fileNames().isEmpty())
         return;
     if (commandOptions.selectedRow() == CreateList)
@@ -260,6 +261,7 @@ void ChecksumTab::writeFFP(const QStringList &files, const QString &listPath)
     QString reason;
     if (!writeTextFileAtomically(listPath, list, &reason, LinkAtName::Replaced))
         problems = {u"Unable to write %1: %2"_s.arg(listPath, reason)};
+    m_hasWrittenList = problems.isEmpty();
     if (!problems.isEmpty())
         nurvController().prompts().ask(
             {.title = u"The fingerprint list is not whole"_s, .message = problems.join(u'\n'), .buttons = {u"OK"_s}});

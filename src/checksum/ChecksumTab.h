@@ -38,6 +38,9 @@ public:
     void executeCommand() override;
     [[nodiscard]] NeededPrograms neededPrograms() const override;
 
+    /// A list of fingerprints is written at once.
+    [[nodiscard]] bool hasWorkedItself() const override { return m_hasWrittenList; }
+
     // A job for one file, with the set of the batch.
     [[nodiscard]] std::shared_ptr<NURVAsyncNSTask> verifyFlac(const QString &path, const std::shared_ptr<NURVTaskResults> &results,
                                                               NURVTaskQueue *queue) const;
@@ -72,6 +75,8 @@ private:
     void writeFFP(const QStringList &files, const QString &listPath);
     [[nodiscard]] std::optional<QString> listPath(const QStringList &files, bool sourceSave, const QString &nameInFolder,
                                                   const QString &suggestedName, const QString &title);
+
+    bool m_hasWrittenList = false;
 };
 
 } // namespace nurv

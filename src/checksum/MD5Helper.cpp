@@ -90,8 +90,6 @@ FileDigest MD5Helper::digestOf(const QString &path, Kind kind, const std::functi
     const Reading reading = feedFile(context.get(), path, kind, isStopped);
     if (reading.wasStopped)
         return {};
-    if (!reading.failure.isEmpty())
-        qCWarning(checksumLog).noquote() << "Unable to read" << path << "for its digest:" << reading.failure;
     std::array<unsigned char, EVP_MAX_MD_SIZE> digest;
     unsigned int length = 0;
     require(EVP_DigestFinal_ex(context.get(), digest.data(), &length));
@@ -101,7 +99,10 @@ FileDigest MD5Helper::digestOf(const QString &path, Kind kind, const std::functi
 
 QString MD5Helper::getMD5FromFile(const QString &path, const std::function<bool()> &isStopped)
 {
-    return digestOf(path, Kind::Any, isStopped).hexadecimal;
+    const FileDigest digest = digestOf(path, Kind::Any, isStopped);
+    if (!digest.failure.isEmpty())
+        qCWarning(checksumLog).noquote() << "Unable to read" << path << "for its digest:" << digest.failure;
+    return digest.hexadecimal;
 }
 
 } // namespace nurv

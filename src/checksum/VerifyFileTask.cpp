@@ -49,15 +49,10 @@ void VerifyFlacTask::processTaskOutput(const QString &chunk)
     showMainLine(fileName());
 }
 
-void VerifyFlacTask::stopTask()
-{
-    if (cancelled() && !std::exchange(m_hasToldCancel, true))
-        m_singleResult += u"%1 canceled\n"_s.arg(fileName());
-    VerifyFileTask::stopTask();
-}
-
 void VerifyFlacTask::cleanup()
 {
+    if (cancelled())
+        m_singleResult += u"%1 canceled\n"_s.arg(fileName());
     appendResultsForSelf(testOutput::tailOf(m_singleResult));
 }
 

@@ -35,7 +35,6 @@ public:
     VerifyFlacTask(std::shared_ptr<NURVTaskResults> results, NURVTaskQueue *queue, const QString &launchPath,
                    const QStringList &arguments);
     void startTask() override;
-    void stopTask() override;
 
 protected:
     void processTaskOutput(const QString &chunk) override;
@@ -43,7 +42,6 @@ protected:
 
 private:
     QString m_singleResult;
-    bool m_hasToldCancel = false;
 };
 
 /// By `mac -v`. What it has to say goes to the first entry of the set, whichever job that belongs to.

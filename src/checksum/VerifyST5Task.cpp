@@ -84,7 +84,9 @@ QString VerifyST5Task::st5(const QString &path)
 {
     showMainLine(lastPathComponent(path));
     ProgramRunSync run(programPath(shntool::program().name), shntool::hashArguments(path));
-    run.setDirectory(folderOf(path));
+    // A program cannot be started in a folder that a list has made up; the file is not there then.
+    if (QFileInfo(folderOf(path)).isDir())
+        run.setDirectory(folderOf(path));
     QString written;
     const ProgramRunSync::Ending ending = run.run([&](const QString &chunk) {
         showProgress(chunk);
@@ -111,15 +113,17 @@ void VerifyST5Task::showProgress(QStringView chunk)
 QString VerifyST5Task::processTaskOutput(QStringView output, const QString &path)
 {
     const QString name = lastPathComponent(path);
-    QString answers;
+    QString digest;
+    QString warnings;
     for (const QString &ended : checksumList::linesOf(output)) {
         const QString line = trimBackspaces(ended);
         if (const qsizetype marker = line.indexOf(checksumList::kSt5Marker); marker >= 0)
-            answers += line.first(marker + checksumList::kSt5Marker.size()) + name;
+            digest = line.first(marker + checksumList::kSt5Marker.size());
         else if (const qsizetype warning = line.indexOf(u" warning: "_s); warning >= 0)
-            answers += line.sliced(warning) + name;
+            warnings = line.sliced(warning);
     }
-    return answers;
+    const QString answer = warnings.isEmpty() ? digest : warnings;
+    return answer.isEmpty() ? QString() : answer + name;
 }
 
 } // namespace nurv

@@ -25,8 +25,8 @@ private:
     /// The file's line after the program, or the warning that it gave; empty when it gave neither.
     [[nodiscard]] QString st5(const QString &path);
     void showProgress(QStringView chunk);
-    /// What the program's output has to say of the file: each of its digests and warnings, with the file's name behind it.
-    /// However the output was cut into chunks, a line is a line.
+    /// What the program's output has to say of the file, with the file's name behind it: its last warning, or else its
+    /// digest. However the output was cut into chunks, a line is a line.
     [[nodiscard]] static QString processTaskOutput(QStringView output, const QString &path);
 };
 

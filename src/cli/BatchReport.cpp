@@ -42,6 +42,21 @@ QString proofWord(Proof proof)
     return u"notNeeded"_s;
 }
 
+using FileState = ListedFile::State;
+
+QString stateWord(FileState state)
+{
+    switch (state) {
+    case FileState::Ok: return u"ok"_s;
+    case FileState::Different: return u"different"_s;
+    case FileState::Damaged: return u"damaged"_s;
+    case FileState::Missing: return u"missing"_s;
+    case FileState::Unreadable: return u"unreadable"_s;
+    case FileState::NotAnEntry: break;
+    }
+    return u"invalid"_s;
+}
+
 } // namespace
 
 struct BatchReport::Job {
@@ -164,6 +179,12 @@ void BatchReport::writeLines(const NURVTask &task, const Job &job)
 {
     if (const std::optional<QString> line = lineOf(task, job))
         m_console.writeLine(*line);
+    for (const ListedFile &file : job.outcome.listedFiles) {
+        if (file.state == FileState::Ok || task.cancelled())
+            continue;
+        const QString why = file.detail.isEmpty() ? QString() : u" ("_s + file.detail + u')';
+        m_console.writeLine(u"    %1: %2%3"_s.arg(file.name, stateWord(file.state), why));
+    }
     const bool wentWrong = !task.cancelled() && (task.error() || job.hasProblem());
     if (!m_options.verbose || m_options.json || !wentWrong)
         return;
@@ -177,6 +198,13 @@ void BatchReport::writeLines(const NURVTask &task, const Job &job)
 void BatchReport::writeObject(const NURVTask &task, const Job &job)
 {
     const TaskOutcome &outcome = job.outcome;
+    for (const ListedFile &file : outcome.listedFiles) {
+        m_console.writeJson({{u"type"_s, u"entry"_s},
+                             {u"list"_s, task.sourcePath()},
+                             {u"name"_s, file.name},
+                             {u"state"_s, stateWord(file.state)},
+                             {u"reason"_s, file.detail}});
+    }
     m_console.writeJson({{u"type"_s, u"job"_s},
                          {u"title"_s, task.title()},
                          {u"source"_s, task.sourcePath()},
@@ -209,7 +237,9 @@ void BatchReport::writeWindows()
 
 void BatchReport::writeClosingLine(std::chrono::milliseconds duration)
 {
-    if (!m_options.quiet)
+    // A list that was written is no file of the batch.
+    const bool hasFiles = m_counts.files > 0 || m_counts.refused > 0 || m_counts.skippedExisting > 0 || m_counts.canceled > 0;
+    if (!m_options.quiet && hasFiles)
         m_console.writeLine(closingLine(m_counts, duration));
 }
 

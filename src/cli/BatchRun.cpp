@@ -65,6 +65,7 @@ ExitStatus BatchRun::run(BaseTab &tab)
 
     m_hasExecuted = tab.nurvController().execute(tab);
     m_prompts.setInterruptDescriptor(-1);
+    m_hasWorkedItself = tab.hasWorkedItself();
     m_report.setSkippedExisting(static_cast<int>(tab.passedOver().size()));
     waitForJobs();
     waitForWorkers();
@@ -221,7 +222,7 @@ ExitStatus BatchRun::status() const
         return ExitStatus::Failed;
     if (!m_hasExecuted)
         return ExitStatus::Failed;
-    const bool hadNothingToDo = m_addedCount == 0 && counts.skippedExisting == 0;
+    const bool hadNothingToDo = m_addedCount == 0 && counts.skippedExisting == 0 && !m_hasWorkedItself;
     return counts.allDone() && !hadNothingToDo ? ExitStatus::Ok : ExitStatus::Failed;
 }
 

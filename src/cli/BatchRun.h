@@ -83,6 +83,7 @@ private:
     /// What an output window was asked for, by the job that is completing now.
     std::vector<std::pair<QString, QString>> m_windowsOfTask;
     int m_addedCount = 0;
+    bool m_hasWorkedItself = false; ///< the tab, without a job
     bool m_hasExecuted = true;
     bool m_isInterrupted = false;
     bool m_childrenEnded = false;

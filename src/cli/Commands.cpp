@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/Commands.h"
 
+#include "cli/commands/ChecksumCommands.h"
 #include "cli/commands/DecodeCommand.h"
 #include "cli/commands/DoctorCommand.h"
 #include "cli/commands/EncodeCommand.h"
@@ -15,9 +16,12 @@ const CommandTree &commands()
     static const EncodeCommand encode;
     static const DecodeCommand decode;
     static const LossyCommand lossy;
+    static const ChecksumCreateCommand checksumCreate;
+    static const ChecksumVerifyCommand checksumVerify;
+    static const ChecksumTestCommand checksumTest;
     static const DoctorCommand doctor;
     static const RecoverCommand recover;
-    static const CommandTree tree({&encode, &decode, &lossy, &doctor, &recover});
+    static const CommandTree tree({&encode, &decode, &lossy, &checksumCreate, &checksumVerify, &checksumTest, &doctor, &recover});
     return tree;
 }
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "toolbox/Toolbox.h"
 
+#include "checksum/ChecksumTab.h"
 #include "convert/DecodeTab.h"
 #include "convert/EncodeTab.h"
 #include "lossy/LossyTab.h"
@@ -51,7 +52,8 @@ const std::vector<Tool> &toolbox()
          .title = QT_TRANSLATE_NOOP("Tool", "Checksum"),
          .extensions = words(u"WAV AIFF AIF FLAC SHN MD5 FFP TXT APE WV TTA ST5"_s),
          .takesAllFiles = true,
-         .defaults = {{u"ffpExtension"_s, u"ffp.txt"_s}, {u"checksumFileUsesOutputDirName"_s, false}}},
+         .defaults = {{u"ffpExtension"_s, u"ffp.txt"_s}, {u"checksumFileUsesOutputDirName"_s, false}},
+         .makeTab = make<ChecksumTab>},
         {.label = u"shntool"_s,
          .title = QT_TRANSLATE_NOOP("Tool", "SHNtool"),
          .extensions = words(u"FLAC SHN WAV AIF AIFF TTA WV APE"_s),

@@ -2,9 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/Pages.h"
 
+#include "checksum/ChecksumTab.h"
 #include "convert/DecodeTab.h"
 #include "convert/EncodeTab.h"
 #include "lossy/LossyTab.h"
+#include "ui/pages/ChecksumPage.h"
 #include "ui/pages/DecodePage.h"
 #include "ui/pages/EncodePage.h"
 #include "ui/pages/LossyPage.h"
@@ -24,7 +26,7 @@ TabPage *makeFor(BaseTab *tab)
 
 TabPage *makePage(BaseTab *tab)
 {
-    for (const auto make : {makeFor<DecodeTab, DecodePage>, makeFor<EncodeTab, EncodePage>, makeFor<LossyTab, LossyPage>}) {
+    for (const auto make : {makeFor<DecodeTab, DecodePage>, makeFor<EncodeTab, EncodePage>, makeFor<ChecksumTab, ChecksumPage>, makeFor<LossyTab, LossyPage>}) {
         if (TabPage *const page = make(tab))
             return page;
     }

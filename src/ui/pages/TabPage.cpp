@@ -164,6 +164,15 @@ void TabPage::finishOptions()
     setTabOrder(m_clearButton, m_executeButton);
 }
 
+void TabPage::showWork(const QString &what)
+{
+    showState();
+    if (!what.isEmpty())
+        m_countLabel->setText(what);
+    // No event is handled until the work is done.
+    m_countLabel->repaint();
+}
+
 void TabPage::chooseFiles()
 {
     addPaths(m_tab.chooseFiles());

@@ -58,6 +58,8 @@ protected:
     [[nodiscard]] QGroupBox *lastOptionGroup() const { return m_lastGroup; }
     /// The options are complete: pushes them to the top and sets the tab order.
     void finishOptions();
+    /// Shows at once what the tab is doing on this thread; an empty text: nothing any more.
+    void showWork(const QString &what);
 
 private:
     void createWidgets();
