@@ -5,6 +5,7 @@
 #include "base/Version.h"
 #include "checksum/ChecksumList.h"
 #include "checksum/ListEntries.h"
+#include "engine/NURVTaskResults.h"
 #include "programs/Shntool.h"
 #include "text/TextNumbers.h"
 
@@ -50,6 +51,17 @@ void CreateST5Task::takeEntries(const QString &chunk)
         appendResultsForSelf(u'\n' + line);
         ++m_lineCount;
     }
+}
+
+void CreateST5Task::couldNotWrite(const QString &problem)
+{
+    NURVAsyncNSTaskFileOutputRedirection::couldNotWrite(problem);
+    ownOutcome().problem = problem;
+    // The text of the list was the job's result.
+    const auto told = std::make_shared<NURVTaskResults>();
+    told->addTaskInSet(*this);
+    setResults(told);
+    failWith(problem);
 }
 
 void CreateST5Task::cleanup()

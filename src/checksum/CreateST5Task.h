@@ -18,6 +18,7 @@ public:
 protected:
     void processTaskOutput(const QString &chunk) override;
     void cleanup() override;
+    void couldNotWrite(const QString &problem) override;
 
 private:
     void takeEntries(const QString &chunk);

@@ -27,18 +27,18 @@ namespace {
 using State = ListedFile::State;
 
 /// How a kind of finding is told of one file, and of several.
-struct Words {
+struct FindingWords {
     State state;
     QStringView one;
     QStringView several;
 };
 
 constexpr std::array kWords = {
-    Words{State::Missing, u"files is missing", u"files are missing"},
-    Words{State::Unreadable, u"files could not be read", u"files could not be read"},
-    Words{State::Different, u"files is another one", u"files are other ones"},
-    Words{State::Damaged, u"files is damaged", u"files are damaged"},
-    Words{State::NotAnEntry, u"lines is no entry", u"lines are no entries"},
+    FindingWords{State::Missing, u"files is missing", u"files are missing"},
+    FindingWords{State::Unreadable, u"files could not be read", u"files could not be read"},
+    FindingWords{State::Different, u"files is another one", u"files are other ones"},
+    FindingWords{State::Damaged, u"files is damaged", u"files are damaged"},
+    FindingWords{State::NotAnEntry, u"lines is no entry", u"lines are no entries"},
 };
 
 } // namespace
@@ -46,7 +46,7 @@ constexpr std::array kWords = {
 QStringList statementsOn(const std::vector<ListedFile> &files)
 {
     QStringList statements;
-    for (const Words &words : kWords) {
+    for (const FindingWords &words : kWords) {
         const auto count = std::count_if(files.begin(), files.end(), [&](const ListedFile &file) { return file.state == words.state; });
         if (count > 0)
             statements.append(u"%1 of %2 %3"_s.arg(count).arg(files.size()).arg(count == 1 ? words.one : words.several));

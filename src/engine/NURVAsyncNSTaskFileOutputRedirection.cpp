@@ -49,13 +49,12 @@ void NURVAsyncNSTaskFileOutputRedirection::writeOutput(const QString &text)
         ownOutcome().output = m_fileName;
         return;
     }
-    const QString problem = u"Unable to write %1: %2"_s.arg(m_fileName, reason);
+    couldNotWrite(u"Unable to write %1: %2"_s.arg(m_fileName, reason));
+}
+
+void NURVAsyncNSTaskFileOutputRedirection::couldNotWrite(const QString &problem)
+{
     qCWarning(engineLog).noquote() << problem;
-    ownOutcome().problem = problem;
-    auto told = std::make_shared<NURVTaskResults>();
-    told->addTaskInSet(*this);
-    setResults(told);
-    failWith(problem);
 }
 
 } // namespace nurv

@@ -25,6 +25,8 @@ public:
 
 protected:
     void completeStop() override;
+    /// The file could not be written. This one tells the log.
+    virtual void couldNotWrite(const QString &problem);
 
 private:
     void writeOutput(const QString &text);

@@ -21,7 +21,11 @@ MOST_CHANGED = 5
 # What a developer adds to files that exist: file, the line behind which it stands, the new text.
 CHANGES = [
     ("src/toolbox/Toolbox.cpp", '#include "toolbox/Toolbox.h"\n', '\n#include "checksum/PresenceTab.h"\n'),
-    ("src/toolbox/Toolbox.cpp", '{u"checksumFileUsesOutputDirName"_s, false}}', ",\n         .makeTab = make<PresenceTab>"),
+    (
+        "src/toolbox/Toolbox.cpp",
+        "static const std::vector<Tool> tools{\n",
+        '        {.label = u"presence"_s, .title = QT_TRANSLATE_NOOP("Tool", "Presence"), .makeTab = make<PresenceTab>},\n',
+    ),
     ("src/cli/Commands.cpp", '#include "cli/Commands.h"\n', '\n#include "cli/PresenceCommand.h"\n'),
     ("src/cli/Commands.cpp", "static const DecodeCommand decode;\n", "    static const PresenceCommand presence;\n"),
     ("src/cli/Commands.cpp", "&encode, &decode, ", "&presence, "),

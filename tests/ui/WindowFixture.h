@@ -4,6 +4,7 @@
 
 #include "app/NURVController.h"
 #include "app/ScriptedPrompts.h"
+#include "checksum/ChecksumTab.h"
 #include "convert/DecodeTab.h"
 #include "convert/EncodeTab.h"
 #include "desktop/NullDesktopServices.h"
@@ -24,6 +25,7 @@ struct WindowFixture {
     NURVController controller{prompts, services, toolbox()};
     DecodeTab decodeTab{controller};
     EncodeTab encodeTab{controller};
+    ChecksumTab checksumTab{controller};
     LossyTab lossyTab{controller};
     MainWindow window{controller};
 

@@ -7,8 +7,10 @@
 
 #include "app/ExamplePanels.h"
 #include "app/NURVController.h"
+#include "checksum/ChecksumTab.h"
 #include "convert/DecodeTab.h"
 #include "convert/EncodeTab.h"
+#include "lossy/LossyTab.h"
 #include "desktop/NullDesktopServices.h"
 #include "settings/SettingsStore.h"
 #include "support/WaitUntil.h"
@@ -125,6 +127,27 @@ void showFormats(EncodeTab &encodeTab, DecodeTab &decodeTab, MainWindow &window,
     }
 }
 
+/// Every encoder and mode of the lossy tool, and every command of the checksum tool.
+void showModes(LossyTab &lossyTab, ChecksumTab &checksumTab, MainWindow &window, const QDir &folder, const QString &suffix)
+{
+    lossyTab.nurvController().selectTab(u"lossy"_s);
+    lossyTab.addMatchedFiles(concert(u"flac"_s));
+    for (const auto &[encoder, matrix] : {std::pair{u"LAME MP3"_s, &lossyTab.mp3Matrix}, std::pair{u"AAC"_s, &lossyTab.aacMatrix},
+                                          std::pair{u"Opus"_s, &lossyTab.opusMatrix}}) {
+        lossyTab.outputFormatMatrix.selectTitle(encoder);
+        for (const QString &mode : matrix->titles()) {
+            matrix->selectTitle(mode);
+            save(window, folder.filePath(u"lossy-%1-%2-%3.png"_s.arg(encoder, mode, suffix).toLower().replace(u' ', u'-')));
+        }
+    }
+    checksumTab.nurvController().selectTab(u"checksum"_s);
+    checksumTab.addMatchedFiles(concert(u"flac"_s));
+    for (const int command : {ChecksumTab::VerifyLossless, ChecksumTab::CreateList, ChecksumTab::VerifyLists}) {
+        checksumTab.commandOptions.setSelectedIndex(command);
+        save(window, folder.filePath(u"checksum-%1-%2.png"_s.arg(command).arg(suffix)));
+    }
+}
+
 void showRows(NURVTaskQueue &queue, StatusWindow &status, const QDir &folder, const QString &suffix)
 {
     std::vector<std::shared_ptr<JobInState>> jobs;
@@ -218,9 +241,12 @@ int render(const QDir &folder, const QString &suffix)
     NURVController controller(prompts, services, toolbox());
     DecodeTab decodeTab(controller);
     EncodeTab encodeTab(controller);
+    ChecksumTab checksumTab(controller);
+    LossyTab lossyTab(controller);
     MainWindow window(controller);
     showPages(controller, window, folder, suffix);
     showFormats(encodeTab, decodeTab, window, folder, suffix);
+    showModes(lossyTab, checksumTab, window, folder, suffix);
     showRows(controller.taskQueue(), *window.statusWindow(), folder, suffix);
     showOutput(prompts, folder, suffix);
     window.hide();

@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 
 namespace nurv {
 
-PresenceTab::PresenceTab(NURVController &controller) : BaseTab(controller, u"checksum"_s) {}
+PresenceTab::PresenceTab(NURVController &controller) : BaseTab(controller, u"presence"_s) {}
 
 void PresenceTab::executeCommand()
 {

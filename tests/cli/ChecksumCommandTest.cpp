@@ -1,0 +1,142 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "NurvProgram.h"
+#include "support/AudioFixtures.h"
+#include "support/TestFolder.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using namespace nurv::test;
+
+namespace {
+
+ProgramResult checksum(const QStringList &arguments)
+{
+    return runNurv(QStringList{u"checksum"_s} + arguments);
+}
+
+/// Three short FLAC files, in a folder "show".
+QString makeShow(const TestFolder &folder)
+{
+    for (int i = 1; i <= 3; ++i)
+        writeFlac(folder.path(u"show/t0%1.flac"_s.arg(i)), {.seconds = 1.0, .seed = static_cast<std::uint32_t>(i)});
+    return folder.path(u"show"_s);
+}
+
+void damage(const TestFolder &folder, const QString &name)
+{
+    QByteArray bytes = folder.read(name);
+    bytes[bytes.size() / 2] = static_cast<char>(bytes[bytes.size() / 2] ^ 1);
+    folder.write(name, bytes);
+}
+
+} // namespace
+
+TEST(ChecksumCommand, WritesAndChecksEveryKindOfList)
+{
+    const TestFolder folder;
+    const QString show = makeShow(folder);
+    for (const auto &[kind, list] : {std::pair{u"md5"_s, u"md5sum.md5"_s}, std::pair{u"st5"_s, u"checksum.st5"_s},
+                                     std::pair{u"ffp"_s, u"fingerprint.ffp.txt"_s}}) {
+        const ProgramResult created = checksum({u"create"_s, u"--kind"_s, kind, u"--beside-source"_s, show + u"/t01.flac"_s,
+                                                show + u"/t02.flac"_s, show + u"/t03.flac"_s});
+        EXPECT_EQ(created.exitStatus, 0) << created.errors.constData();
+        const ProgramResult verified = checksum({u"verify"_s, show + u'/' + list});
+        EXPECT_EQ(verified.exitStatus, 0) << verified.errors.constData();
+        for (const char *name : {"t01.flac : OK\n", "t02.flac : OK\n", "t03.flac : OK\n"})
+            EXPECT_TRUE(verified.output.contains(name)) << verified.output.constData();
+    }
+}
+
+TEST(ChecksumCommand, NamesWhatIsWrongAndEndsWithStatus1)
+{
+    const TestFolder folder;
+    const QString show = makeShow(folder);
+    for (const QString &kind : {u"md5"_s, u"st5"_s, u"ffp"_s})
+        ASSERT_EQ(checksum({u"create"_s, u"--kind"_s, kind, u"--output"_s, show + u"/l."_s + kind, show}).exitStatus, 0);
+    damage(folder, u"show/t02.flac"_s);
+    folder.remove(u"show/t03.flac"_s);
+    for (const QString &kind : {u"md5"_s, u"st5"_s, u"ffp"_s}) {
+        const ProgramResult result = checksum({u"verify"_s, u"--json"_s, show + u"/l."_s + kind});
+        EXPECT_EQ(result.exitStatus, 1) << qPrintable(kind);
+        QStringList states;
+        for (const QJsonObject &object : jsonLines(result.output)) {
+            if (object[u"type"_s] == u"entry"_s && object[u"name"_s].toString().endsWith(u".flac"_s))
+                states.append(object[u"name"_s].toString() + u'=' + object[u"state"_s].toString());
+        }
+        EXPECT_EQ(states, (QStringList{u"t01.flac=ok"_s, kind == u"ffp" ? u"t02.flac=damaged"_s : u"t02.flac=different"_s,
+                                       u"t03.flac=missing"_s}));
+        EXPECT_TRUE(result.errors.contains("    t03.flac: missing")) << result.errors.constData();
+        EXPECT_TRUE(result.errors.contains("1 of 3 files is missing")) << result.errors.constData();
+    }
+}
+
+TEST(ChecksumCommand, NeverEndsWellForAListThatSaysNothing)
+{
+    const TestFolder folder;
+    for (const auto &[name, bytes] : {std::pair{u"empty.md5"_s, QByteArray()}, std::pair{u"latin.md5"_s, QByteArray("\xe4 *\xe4\n")},
+                                     std::pair{u"empty.st5"_s, QByteArray(";nothing\n")}, std::pair{u"empty.ffp"_s, QByteArray()}}) {
+        const ProgramResult result = checksum({u"verify"_s, folder.write(name, bytes)});
+        EXPECT_EQ(result.exitStatus, 1) << qPrintable(name);
+        EXPECT_TRUE(result.errors.contains("the list ")) << result.errors.constData();
+    }
+    EXPECT_NE(checksum({u"verify"_s, folder.path(u"gone.md5"_s)}).exitStatus, 0);
+}
+
+TEST(ChecksumCommand, TellsAFileThatCouldNotBeReadForItsList)
+{
+    const TestFolder folder;
+    writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
+    folder.makeLink(u"b.wav"_s, folder.path(u"gone"_s));
+    const ProgramResult result =
+        checksum({u"create"_s, u"--output"_s, folder.path(u"l.md5"_s), folder.path(u"a.wav"_s), folder.path(u"b.wav"_s)});
+    EXPECT_EQ(result.exitStatus, 1) << result.errors.constData();
+    EXPECT_TRUE(result.errors.contains("b.wav")) << result.errors.constData();
+}
+
+TEST(ChecksumCommand, AsksBeforeItReplacesAList)
+{
+    const TestFolder folder;
+    const QString wav = writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
+    const QString list = folder.write(u"l.md5"_s, "precious");
+    EXPECT_NE(checksum({u"create"_s, u"--output"_s, list, wav}).exitStatus, 0);
+    EXPECT_EQ(folder.read(u"l.md5"_s), "precious");
+    EXPECT_EQ(checksum({u"create"_s, u"--overwrite"_s, u"--output"_s, list, wav}).exitStatus, 0);
+    EXPECT_TRUE(folder.read(u"l.md5"_s).endsWith(" *a.wav\n"));
+}
+
+TEST(ChecksumCommand, TestsLosslessFiles)
+{
+    const TestFolder folder;
+    const QString show = makeShow(folder);
+    EXPECT_EQ(checksum({u"test"_s, show}).exitStatus, 0);
+    damage(folder, u"show/t02.flac"_s);
+    const ProgramResult result = checksum({u"test"_s, u"--json"_s, show});
+    EXPECT_EQ(result.exitStatus, 1);
+    for (const QJsonObject &object : jsonLines(result.output)) {
+        if (object[u"type"_s] != u"job"_s)
+            continue;
+        const bool isDamaged = object[u"source"_s].toString().endsWith(u"t02.flac"_s);
+        EXPECT_EQ(object[u"status"_s], isDamaged ? u"error"_s : u"complete"_s);
+    }
+}
+
+TEST(ChecksumCommand, RefusesWhatDoesNotGoTogether)
+{
+    const TestFolder folder;
+    const QString wav = writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
+    const std::vector<std::pair<QStringList, QByteArray>> cases{
+        {{u"create"_s, u"--kind=sha"_s, wav}, "nurv checksum create: --kind takes one of md5, st5, ffp, not \"sha\"."},
+        {{u"create"_s, u"--beside-source"_s, u"--output=x"_s, wav},
+         "nurv checksum create: --output and --beside-source cannot both be given."},
+        {{u"create"_s, u"--overwrite"_s, u"--beside-source"_s, wav}, "nurv checksum create: --overwrite goes with --output only."},
+        {{u"verify"_s}, "nurv checksum verify: no files are given."},
+    };
+    for (const auto &[arguments, sentence] : cases) {
+        const ProgramResult result = checksum(arguments);
+        EXPECT_EQ(result.exitStatus, 2) << sentence.constData();
+        EXPECT_EQ(result.errors.split('\n').first(), sentence);
+    }
+    EXPECT_EQ(folder.list(), QStringList{u"a.wav"_s});
+}
