@@ -43,6 +43,7 @@ ChecksumTab::ChecksumTab(NURVController &controller)
       commandOptions({u"Verify lossless files"_s, u"Create checksum file"_s, u"Verify checksum files"_s}),
       createChecksumOptions({u"MD5"_s, u"ST5"_s, u"FFP"_s}, 3)
 {
+    anyListButton.bindToSetting(u"checksumAnyList"_s);
     connect(&commandOptions, &Control::valueChanged, this, &ChecksumTab::changeDisplayOptions);
     displayRelevantOptions();
 }
@@ -52,6 +53,7 @@ void ChecksumTab::displayRelevantOptions()
     const bool creates = commandOptions.selectedRow() == CreateList;
     createChecksumOptions.setEnabled(creates);
     sourceSaveButton.setEnabled(creates);
+    anyListButton.setEnabled(commandOptions.selectedRow() == VerifyLists);
 }
 
 void ChecksumTab::executeCommand()
@@ -111,13 +113,16 @@ std::shared_ptr<NURVTask> ChecksumTab::jobForList(const QString &path, const std
 {
     NURVTaskQueue *const queue = &nurvController().taskQueue();
     const QString format = formatWord(path);
+    std::shared_ptr<VerifyListTask> job;
     if (format == u"MD5")
-        return std::make_shared<VerifyMD5Task>(queue, path, results);
-    if (format == u"ST5")
-        return std::make_shared<VerifyST5Task>(queue, path, results);
-    if (format == u"FFP" || (format == u"TXT" && formatWord(nameWithoutExtension(path)) == u"FFP"))
-        return std::make_shared<VerifyFFPTask>(queue, path, results);
-    return nullptr;
+        job = std::make_shared<VerifyMD5Task>(queue, path, results);
+    else if (format == u"ST5")
+        job = std::make_shared<VerifyST5Task>(queue, path, results);
+    else if (format == u"FFP" || (format == u"TXT" && formatWord(nameWithoutExtension(path)) == u"FFP"))
+        job = std::make_shared<VerifyFFPTask>(queue, path, results);
+    if (job)
+        job->setUnderstandsOthers(anyListButton.isOn());
+    return job;
 }
 
 void ChecksumTab::queueVerifying()

@@ -33,6 +33,8 @@ public:
     ChoiceControl createChecksumOptions;
     /// The list goes into the folder of the files.
     CheckControl sourceSaveButton;
+    /// Lists of other programs are understood, too; kept.
+    CheckControl anyListButton;
 
     void displayRelevantOptions() override;
     void executeCommand() override;

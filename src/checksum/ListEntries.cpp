@@ -6,6 +6,7 @@
 #include "base/SystemError.h"
 #include "text/Utf8Text.h"
 
+#include <QByteArray>
 #include <QFile>
 #include <QFileInfo>
 
@@ -39,7 +40,7 @@ Entry splitAt(const QString &line, QStringView marker)
 
 } // namespace
 
-QString readList(const QString &path)
+QByteArray readListBytes(const QString &path)
 {
     // A pipe would keep the reader waiting.
     if (const QFileInfo info(path); info.exists() && !info.isFile())
@@ -54,7 +55,12 @@ QString readList(const QString &path)
         throw NurvFailure(u"the list cannot be read: %1"_s.arg(file.errorString()));
     if (bytes.size() > kLargestList)
         throw NurvFailure(u"the list has more than 256 MiB"_s);
-    const std::optional<QString> text = fromStrictUtf8(bytes);
+    return bytes;
+}
+
+QString readList(const QString &path)
+{
+    const std::optional<QString> text = fromStrictUtf8(readListBytes(path));
     if (!text)
         throw NurvFailure(u"the list is no UTF-8 text"_s);
     return *text;

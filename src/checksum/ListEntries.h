@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 #include <QStringView>
@@ -18,6 +19,8 @@ inline constexpr QStringView kSt5Marker = u"  [shntool]  ";
 /// The text of a list in UTF-8. Throws NurvFailure, whose reason is one line, when it cannot be read, is no UTF-8, is no
 /// regular file, or larger than any list is: 256 MiB.
 [[nodiscard]] QString readList(const QString &path);
+/// The bytes of a list of any encoding. Throws likewise.
+[[nodiscard]] QByteArray readListBytes(const QString &path);
 
 /// The pieces of the text between its line ends. Each of LF, CR, vertical tabulator, form feed, NEL and the two separators
 /// of Unicode ends a line: CR and LF together give an empty line, and a line end at the end an empty one behind it.

@@ -5,6 +5,7 @@
 #include "app/PathNames.h"
 #include "base/NurvFailure.h"
 #include "checksum/Fingerprint.h"
+#include "checksum/ForeignList.h"
 #include "checksum/ListEntries.h"
 #include "engine/ProgramRunSync.h"
 #include "files/FileStatus.h"
@@ -54,15 +55,18 @@ void VerifyFFPTask::verify()
 
 QStringList VerifyFFPTask::doVerifyFPP()
 {
-    const QString text = checksumList::readList(fileName());
+    const QString text = understandsOthers() ? foreignList::read(fileName()) : checksumList::readList(fileName());
     if (text.isEmpty())
         throw NurvFailure(u"the list is empty"_s);
     const QStringList lines = checksumList::linesOf(text);
     const QString folder = folderOf(fileName());
+    const std::vector<checksumList::Entry> entries =
+        understandsOthers() ? foreignList::ffpEntries(text) : checksumList::ffpEntries(lines);
+    foreignList::Files files(folder);
     QString gathered;
     QStringList kept;
     std::size_t done = 0;
-    for (const checksumList::Entry &entry : checksumList::ffpEntries(lines)) {
+    for (const checksumList::Entry &entry : entries) {
         if (!entry.isEntry()) {
             gathered += entry.line + u" : Invalid checksum format\n"_s;
             addFile({.name = entry.line, .state = State::NotAnEntry});
@@ -72,14 +76,16 @@ QStringList VerifyFFPTask::doVerifyFPP()
         setTopTextFieldString(u"Verifying "_s + entry.name);
         setProgressIndicatorValue(static_cast<double>(done) * 100.0 / static_cast<double>(lines.size()));
         updateStatus();
-        const QString path = checksumList::listedPath(folder, entry.name);
+        const QString path = understandsOthers() ? files.find(entry.name) : checksumList::listedPath(folder, entry.name);
         const QString computed = fingerprint(path).trimmed();
+        const QString wanted = understandsOthers() ? lastPathComponent(path) + u':' + entry.expected
+                                                   : entry.name + u':' + entry.expected;
         ListedFile file{.name = entry.name, .state = State::Different};
         if (metaflac::tellsOfError(computed)) {
             gathered += u"%1 : %2\n"_s.arg(computed, entry.name);
             file.state = isThere(path) ? State::Unreadable : State::Missing;
             file.detail = computed.section(u'\n', 0, 0);
-        } else if (computed == entry.name + u':' + entry.expected) {
+        } else if (computed == wanted) {
             gathered += entry.name + u" : OK\n"_s;
             file.state = State::Ok;
             m_filesOfPath.emplace(path, fileCount());

@@ -105,9 +105,4 @@ void VerifyListTask::conclude()
     setError(true);
 }
 
-void VerifyListTask::stopTask()
-{
-    NURVTask::stopTask();
-}
-
 } // namespace nurv

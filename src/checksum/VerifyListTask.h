@@ -20,7 +20,8 @@ namespace nurv {
 /// them, and the job ends in error.
 class VerifyListTask : public NURVInProcessTask {
 public:
-    void stopTask() final;
+    /// Lists of other programs are understood, too: see foreignList. Before the start.
+    void setUnderstandsOthers(bool understandsOthers) { m_understandsOthers = understandsOthers; }
 
 protected:
     /// `fileName`: the list, an absolute path.
@@ -36,6 +37,7 @@ protected:
     void doStartTask() final;
 
     [[nodiscard]] const QString &fileName() const { return sourcePath(); }
+    [[nodiscard]] bool understandsOthers() const { return m_understandsOthers; }
     /// Adds to the job's own part of the report.
     void addLines(const QString &lines) { appendResultsForSelf(lines); }
     /// One of the files of the list, in its order.
@@ -50,6 +52,7 @@ private:
     void conclude();
 
     std::vector<ListedFile> m_files;
+    bool m_understandsOthers = false;
 };
 
 /// What is wrong with files of a list, a statement for each kind: "2 of 14 files are missing". Empty when nothing is.

@@ -3,6 +3,7 @@
 #include "checksum/VerifyMD5Task.h"
 
 #include "app/PathNames.h"
+#include "checksum/ForeignList.h"
 #include "checksum/ListEntries.h"
 #include "checksum/MD5Helper.h"
 
@@ -49,8 +50,10 @@ void VerifyMD5Task::verify()
 void VerifyMD5Task::doCreateMD5()
 {
     const std::vector<checksumList::Entry> entries =
-        checksumList::md5Entries(checksumList::linesOf(checksumList::readList(fileName())));
+        understandsOthers() ? foreignList::md5Entries(foreignList::read(fileName()))
+                            : checksumList::md5Entries(checksumList::linesOf(checksumList::readList(fileName())));
     const QString folder = folderOf(fileName());
+    foreignList::Files files(folder);
     QString gathered;
     std::size_t done = 0;
     for (const checksumList::Entry &entry : entries) {
@@ -61,9 +64,9 @@ void VerifyMD5Task::doCreateMD5()
         }
         if (entry.isEntry()) {
             setTopTextFieldString(u"Verifying "_s + entry.name);
-            const QString name = entry.name.trimmed();
-            const FileDigest digest =
-                MD5Helper::digestOf(checksumList::listedPath(folder, name), MD5Helper::Kind::Regular, isStopped);
+            const QString name = understandsOthers() ? entry.name : entry.name.trimmed();
+            const QString path = understandsOthers() ? files.find(name) : checksumList::listedPath(folder, name);
+            const FileDigest digest = MD5Helper::digestOf(path, MD5Helper::Kind::Regular, isStopped);
             if (digest.hexadecimal.isEmpty()) {
                 addLines(u"Canceled\n"_s);
                 return;

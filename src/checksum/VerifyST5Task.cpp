@@ -4,6 +4,7 @@
 
 #include "app/PathNames.h"
 #include "base/NurvFailure.h"
+#include "checksum/ForeignList.h"
 #include "checksum/ListEntries.h"
 #include "engine/ProgramRunSync.h"
 #include "files/FileStatus.h"
@@ -22,6 +23,12 @@ namespace nurv {
 namespace {
 
 using State = ListedFile::State;
+
+/// Of "digest  [shntool]  name".
+QString digestIn(const QString &answer)
+{
+    return answer.section(checksumList::kSt5Marker.toString(), 0, 0);
+}
 
 State stateOf(const QString &path, bool isSame)
 {
@@ -58,19 +65,22 @@ void VerifyST5Task::verify()
 void VerifyST5Task::doCreateST5()
 {
     const QString folder = folderOf(fileName());
+    const std::vector<checksumList::Entry> entries =
+        understandsOthers() ? foreignList::st5Entries(foreignList::read(fileName()))
+                            : checksumList::st5Entries(checksumList::linesOf(checksumList::readList(fileName())));
+    foreignList::Files files(folder);
     QString gathered;
-    for (const checksumList::Entry &entry :
-         checksumList::st5Entries(checksumList::linesOf(checksumList::readList(fileName())))) {
+    for (const checksumList::Entry &entry : entries) {
         if (!entry.isEntry()) {
             gathered += entry.line + u" : Invalid checksum format\n"_s;
             addFile({.name = entry.line, .state = State::NotAnEntry});
             continue;
         }
-        const QString path = checksumList::listedPath(folder, entry.name);
+        const QString path = understandsOthers() ? files.find(entry.name) : checksumList::listedPath(folder, entry.name);
         const QString name = lastPathComponent(entry.name);
         const QString answer = st5(path);
         const bool isWarning = answer.contains(u"warning"_s);
-        const bool isSame = !isWarning && answer == entry.line;
+        const bool isSame = !isWarning && (understandsOthers() ? digestIn(answer) == entry.expected : answer == entry.line);
         if (isWarning)
             gathered += u"%1 : %2\n"_s.arg(name, answer);
         else

@@ -75,7 +75,14 @@ const CommandSpec &ChecksumVerifyCommand::spec() const
         .synopsis = u"[OPTION]... LIST..."_s,
         .details = u"Checks every .md5, .st5, .ffp and .ffp.txt list that the paths name. Status 0 means that\n"
                    "every file of every list was read and is what its list says."_s,
-        .options = batchOptions()};
+        .options = joined(
+            {{.name = u"any-list"_s,
+              .summary = u"understand lists of other programs, too"_s,
+              .manual = u"Understands lists of other programs, too: those of md5sum with or without an asterisk and with escaped "
+                        "names, BSD lines, CRLF, byte-order marks, Latin-1, digests in capitals, backslashes for slashes, "
+                        "folders in FFP names, names in other capitals or another form of Unicode."_s,
+              .set = setsCheck(&ChecksumTab::anyListButton)}},
+            batchOptions())};
     return spec;
 }
 

@@ -30,6 +30,9 @@ ChecksumPage::ChecksumPage(ChecksumTab &tab, QWidget *parent) : TabPage(tab, par
     addChoice(lists, tab.createChecksumOptions, tr("Kind"), u"createChecksumOptions"_s, tr("Kind of the checksum file"), group);
     addCheckBox(lists, tab.sourceSaveButton, tr("Save in the source &directory"), u"sourceSaveButton"_s,
                 tr("Otherwise, and for files of several folders, it is asked where the list goes"), group);
+    QVBoxLayout *const others = addOptionGroup(tr("Checking lists"), u"verifyGroup"_s);
+    addCheckBox(others, tab.anyListButton, tr("Understand lists of other &programs"), u"anyListButton"_s,
+                tr("Takes other marks, encodings, capitals and forms of names as well"), lastOptionGroup());
     finishOptions();
 
     // That work blocks this thread.

@@ -1,0 +1,145 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "checksum/ForeignList.h"
+
+#include "app/PathNames.h"
+#include "files/FileStatus.h"
+#include "text/DecodeText.h"
+
+#include <QDir>
+#include <QRegularExpression>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv::foreignList {
+
+using checksumList::Entry;
+
+namespace {
+
+/// The lines that are neither empty nor comments, without the blanks at their ends.
+QStringList linesOf(const QString &text)
+{
+    QStringList lines;
+    // A list of another program breaks lines where such programs do: a separator of Unicode may belong to a name.
+    static const QRegularExpression kLineEnd(u"\\r\\n|\\n|\\r"_s);
+    for (const QString &line : text.split(kLineEnd)) {
+        const QString trimmed = line.trimmed();
+        if (!trimmed.isEmpty() && !trimmed.startsWith(u'#') && !trimmed.startsWith(u';') && !trimmed.startsWith(u"//"_s))
+            lines.append(trimmed);
+    }
+    return lines;
+}
+
+/// What `md5sum` does to a name with line ends or backslashes, taken back.
+QString unescaped(const QString &name)
+{
+    QString result;
+    for (qsizetype i = 0; i < name.size(); ++i) {
+        if (name[i] != u'\\' || i + 1 == name.size()) {
+            result += name[i];
+            continue;
+        }
+        ++i;
+        result += name[i] == u'n' ? u'\n' : name[i] == u'r' ? u'\r' : name[i];
+    }
+    return result;
+}
+
+Entry entryOf(const QString &line, const QString &digest, const QString &name)
+{
+    return {.line = line, .name = name, .expected = digest.toLower()};
+}
+
+QString folded(const QString &name)
+{
+    return name.normalized(QString::NormalizationForm_C).toCaseFolded();
+}
+
+} // namespace
+
+QString read(const QString &path)
+{
+    return decodeText(checksumList::readListBytes(path));
+}
+
+std::vector<Entry> md5Entries(const QString &text)
+{
+    static const QRegularExpression kPlain(u"^(\\\\?)([0-9A-Fa-f]{32}) [ *]?\\s*(.+)$"_s);
+    static const QRegularExpression kBsd(u"^(\\\\?)MD5 ?\\((.+)\\) ?= ?([0-9A-Fa-f]{32})$"_s, QRegularExpression::CaseInsensitiveOption);
+    std::vector<Entry> entries;
+    for (const QString &line : linesOf(text)) {
+        Entry entry{.line = line};
+        if (const auto plain = kPlain.match(line); plain.hasMatch())
+            entry = entryOf(line, plain.captured(2), plain.captured(1).isEmpty() ? plain.captured(3) : unescaped(plain.captured(3)));
+        else if (const auto bsd = kBsd.match(line); bsd.hasMatch())
+            entry = entryOf(line, bsd.captured(3), bsd.captured(1).isEmpty() ? bsd.captured(2) : unescaped(bsd.captured(2)));
+        entries.push_back(entry);
+    }
+    return entries;
+}
+
+std::vector<Entry> st5Entries(const QString &text)
+{
+    static const QRegularExpression kLine(u"^([0-9A-Fa-f]{32,40})\\s+\\[shntool[^\\]]*\\]\\s+(.+)$"_s);
+    std::vector<Entry> entries;
+    for (const QString &line : linesOf(text)) {
+        const auto match = kLine.match(line);
+        entries.push_back(match.hasMatch() ? entryOf(line, match.captured(1), match.captured(2)) : Entry{.line = line});
+    }
+    return entries;
+}
+
+std::vector<Entry> ffpEntries(const QString &text)
+{
+    static const QRegularExpression kLine(u"^(.+?)\\s*:\\s*([0-9A-Fa-f]{32})$"_s);
+    std::vector<Entry> entries;
+    for (const QString &line : linesOf(text)) {
+        const auto match = kLine.match(line);
+        entries.push_back(match.hasMatch() ? entryOf(line, match.captured(2), match.captured(1)) : Entry{.line = line});
+    }
+    return entries;
+}
+
+QString Files::find(const QString &name)
+{
+    const QString asItStands = checksumList::listedPath(m_folder, name);
+    if (isThere(asItStands))
+        return asItStands;
+    const QString slashed = QString(name).replace(u'\\', u'/');
+    for (const QString &meant : {slashed, lastPathComponent(slashed)}) {
+        if (const QString found = walk(meant); !found.isEmpty())
+            return found;
+    }
+    return asItStands;
+}
+
+QString Files::walk(const QString &name)
+{
+    QString path = m_folder;
+    for (const QString &part : name.split(u'/', Qt::SkipEmptyParts)) {
+        const QString next = joinPath(path, part);
+        if (part == u"." || part == u".." || isThere(next)) {
+            path = next;
+            continue;
+        }
+        const QString same = sameName(path, part);
+        if (same.isEmpty())
+            return {};
+        path = joinPath(path, same);
+    }
+    return path == m_folder ? QString() : path;
+}
+
+QString Files::sameName(const QString &folder, const QString &name)
+{
+    if (!m_namesOfFolder.contains(folder)) {
+        QHash<QString, QStringList> &names = m_namesOfFolder[folder];
+        for (const QString &entry : QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot))
+            names[folded(entry)].append(entry);
+    }
+    const QStringList same = m_namesOfFolder[folder].value(folded(name));
+    return same.size() == 1 ? same.first() : QString();
+}
+
+} // namespace nurv::foreignList
