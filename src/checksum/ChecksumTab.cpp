@@ -6,6 +6,7 @@
 #include "app/PathNames.h"
 #include "base/Version.h"
 #include "checksum/ChecksumList.h"
+#include "checksum/CreateAllListsTask.h"
 #include "checksum/CreateMD5Task.h"
 #include "checksum/CreateST5Task.h"
 #include "checksum/Fingerprint.h"
@@ -41,7 +42,7 @@ bool isNamedAfterFolder()
 ChecksumTab::ChecksumTab(NURVController &controller)
     : BaseTab(controller, u"checksum"_s),
       commandOptions({u"Verify lossless files"_s, u"Create checksum file"_s, u"Verify checksum files"_s}),
-      createChecksumOptions({u"MD5"_s, u"ST5"_s, u"FFP"_s}, 3)
+      createChecksumOptions({u"MD5"_s, u"ST5"_s, u"FFP"_s, u"All"_s}, 4)
 {
     anyListButton.bindToSetting(u"checksumAnyList"_s);
     connect(&commandOptions, &Control::valueChanged, this, &ChecksumTab::changeDisplayOptions);
@@ -76,6 +77,8 @@ NeededPrograms ChecksumTab::neededPrograms() const
         return programs;
     }
     const QString title = createChecksumOptions.selectedTitle();
+    if (title == u"All" && !fileNames().isEmpty())
+        return CreateAllListsTask(&nurvController().taskQueue(), fileNames(), {}).neededPrograms();
     if (title == u"FFP" && !filesOf({u"FLAC"_s}).isEmpty())
         programs.add({{metaflac::program().name}, {}});
     if (title == u"ST5" && !fileNames().isEmpty())
@@ -196,8 +199,25 @@ void ChecksumTab::createSelected()
         // Who gives up the choice of a place keeps the list here, and only here.
         if (!files.isEmpty() && !createFFP(files))
             return;
+    } else if (title == u"All") {
+        add(createAll(fileNames(), &queue, sourceSave));
     }
     clearFiles();
+}
+
+std::shared_ptr<NURVTask> ChecksumTab::createAll(const QStringList &files, NURVTaskQueue *queue, bool sourceSave)
+{
+    const bool isBeside = sourceSave && checksumList::areAllSameDirectory(files);
+    const std::optional<QString> folder = isBeside ? folderOf(files.first()) : chooseOutputFolder();
+    if (!folder)
+        return nullptr;
+    const bool isNamed = isNamedAfterFolder();
+    const QString extension = SettingsStore::instance().string(u"ffpExtension"_s);
+    return std::make_shared<CreateAllListsTask>(
+        queue, files,
+        CreateAllListsTask::Lists{.md5 = joinPath(*folder, checksumList::md5FileName(*folder, isNamed)),
+                                  .st5 = joinPath(*folder, checksumList::st5FileName(*folder, isNamed)),
+                                  .ffp = joinPath(*folder, checksumList::ffpFileName(*folder, extension, isNamed))});
 }
 
 std::optional<QString> ChecksumTab::listPath(const QStringList &files, bool sourceSave, const QString &nameInFolder,

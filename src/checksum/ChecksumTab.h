@@ -57,6 +57,8 @@ public:
     // The job that makes a list of the files; null when the user chose no place for it.
     [[nodiscard]] std::shared_ptr<NURVTask> createMD5(const QStringList &files, NURVTaskQueue *queue, bool sourceSave);
     [[nodiscard]] std::shared_ptr<NURVTask> createST5(const QStringList &files, NURVTaskQueue *queue, bool sourceSave);
+    /// All three lists, into the files' folder or one that is asked for.
+    [[nodiscard]] std::shared_ptr<NURVTask> createAll(const QStringList &files, NURVTaskQueue *queue, bool sourceSave);
 
 Q_SIGNALS:
     /// Work on this thread begins, and ends: until then no event is handled.

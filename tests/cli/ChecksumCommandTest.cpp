@@ -106,6 +106,36 @@ TEST(ChecksumCommand, AsksBeforeItReplacesAList)
     EXPECT_TRUE(folder.read(u"l.md5"_s).endsWith(" *a.wav\n"));
 }
 
+TEST(ChecksumCommand, WritesAllListsAsTheSingleKindsDo)
+{
+    const TestFolder folder;
+    const QString show = makeShow(folder);
+    writeWav(folder.path(u"show/t04.wav"_s), {.seconds = 0.5, .seed = 9});
+    folder.write(u"show/notes.txt"_s, "notes");
+    folder.makeFolder(u"all"_s);
+    const ProgramResult result = checksum({u"create"_s, u"--kind=all"_s, u"--output-dir"_s, folder.path(u"all"_s), show});
+    ASSERT_EQ(result.exitStatus, 0) << result.errors.constData();
+    for (const auto &[kind, list] : {std::pair{u"md5"_s, u"md5sum.md5"_s}, std::pair{u"st5"_s, u"checksum.st5"_s},
+                                     std::pair{u"ffp"_s, u"fingerprint.ffp.txt"_s}}) {
+        ASSERT_EQ(checksum({u"create"_s, u"--kind"_s, kind, u"--output"_s, folder.path(u"single"_s), u"--overwrite"_s, show}).exitStatus, 0);
+        // But for the moment in their first lines.
+        const auto entries = [&folder](const QString &name) { const QByteArray text = folder.read(name); return text.sliced(text.indexOf('\n')); };
+        EXPECT_EQ(entries(u"all/"_s + list), entries(u"single"_s)) << qPrintable(kind);
+    }
+}
+
+TEST(ChecksumCommand, SeesDamageWhileItWritesAllLists)
+{
+    const TestFolder folder;
+    const QString show = makeShow(folder);
+    damage(folder, u"show/t02.flac"_s);
+    folder.makeFolder(u"all"_s);
+    const ProgramResult result = checksum({u"create"_s, u"--kind=all"_s, u"--output-dir"_s, folder.path(u"all"_s), show});
+    EXPECT_EQ(result.exitStatus, 1) << result.errors.constData();
+    EXPECT_TRUE(result.errors.contains("t02.flac is not whole: ")) << result.errors.constData();
+    EXPECT_FALSE(result.errors.contains("t01.flac is not whole"));
+}
+
 TEST(ChecksumCommand, TestsLosslessFiles)
 {
     const TestFolder folder;
@@ -127,7 +157,7 @@ TEST(ChecksumCommand, RefusesWhatDoesNotGoTogether)
     const TestFolder folder;
     const QString wav = writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
     const std::vector<std::pair<QStringList, QByteArray>> cases{
-        {{u"create"_s, u"--kind=sha"_s, wav}, "nurv checksum create: --kind takes one of md5, st5, ffp, not \"sha\"."},
+        {{u"create"_s, u"--kind=sha"_s, wav}, "nurv checksum create: --kind takes one of md5, st5, ffp, all, not \"sha\"."},
         {{u"create"_s, u"--beside-source"_s, u"--output=x"_s, wav},
          "nurv checksum create: --output and --beside-source cannot both be given."},
         {{u"create"_s, u"--overwrite"_s, u"--beside-source"_s, wav}, "nurv checksum create: --overwrite goes with --output only."},

@@ -24,16 +24,25 @@ std::vector<OptionSpec> creatingOptions()
     return {
         {.name = u"kind"_s,
          .valueName = u"KIND"_s,
-         .summary = u"md5 (default), st5 or ffp"_s,
+         .summary = u"md5 (default), st5, ffp or all"_s,
          .manual = u"What is listed: *md5* the digest of each file's bytes, *st5* that of its samples, *ffp* the fingerprint "
-                   "that a FLAC file holds. Files of other kinds are left out of ST5 and FFP lists."_s,
-         .choices = {u"md5"_s, u"st5"_s, u"ffp"_s},
+                   "that a FLAC file holds; *all* makes the three in one go, and decodes every file on the way. Files of other "
+                   "kinds are left out of ST5 and FFP lists."_s,
+         .choices = {u"md5"_s, u"st5"_s, u"ffp"_s, u"all"_s},
          .standard = u"md5"_s,
          .set = setsChoice(&ChecksumTab::createChecksumOptions)},
         {.name = u"output"_s,
          .valueName = u"FILE"_s,
          .summary = u"write the list there"_s,
          .manual = u"The list to write. A file of that name is replaced, after a question unless --overwrite is given."_s,
+         .formats = {u"md5"_s, u"st5"_s, u"ffp"_s},
+         .excluded = {u"beside-source"_s}},
+        {.name = u"output-dir"_s,
+         .valueName = u"DIR"_s,
+         .summary = u"with --kind all: write the lists into that folder"_s,
+         .manual = u"With --kind all: the folder of the lists, which replace others of their names."_s,
+         .isFolder = true,
+         .formats = {u"all"_s},
          .excluded = {u"beside-source"_s}},
         {.name = u"beside-source"_s,
          .summary = u"write the list into the folder of the files"_s,
@@ -54,7 +63,7 @@ const CommandSpec &ChecksumCreateCommand::spec() const
     static const CommandSpec spec{
         .name = u"checksum create"_s,
         .summary = u"write a list of MD5, ST5 or FLAC fingerprints"_s,
-        .synopsis = u"[OPTION]... (--output FILE | --beside-source) PATH..."_s,
+        .synopsis = u"[OPTION]... (--output FILE | --output-dir DIR | --beside-source) PATH..."_s,
         .details = u"Lists every file that the paths name; folders are searched with all that is in them.\n"
                    "A file that cannot be read is told, and gives status 1."_s,
         .selector = u"kind"_s,

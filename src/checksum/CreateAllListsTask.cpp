@@ -1,0 +1,175 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "checksum/CreateAllListsTask.h"
+
+#include "app/PathNames.h"
+#include "base/NurvFailure.h"
+#include "base/Version.h"
+#include "checksum/ChecksumList.h"
+#include "checksum/Fingerprint.h"
+#include "checksum/ListEntries.h"
+#include "engine/ProgramRunSync.h"
+#include "files/TextFile.h"
+#include "process/ResourceFolder.h"
+#include "programs/Metaflac.h"
+#include "programs/Shntool.h"
+#include "text/TextNumbers.h"
+
+#include <future>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+/// Files that are read at a time.
+constexpr unsigned kReaders = 2;
+
+bool hasSamples(const QString &path)
+{
+    static const QStringList words{u"FLAC"_s, u"WAV"_s, u"AIFF"_s, u"AIF"_s, u"SHN"_s, u"APE"_s, u"WV"_s, u"TTA"_s};
+    return words.contains(formatWord(path));
+}
+
+} // namespace
+
+CreateAllListsTask::CreateAllListsTask(NURVTaskQueue *queue, const QStringList &files, Lists lists)
+    : NURVInProcessTask(queue), m_files(files), m_lists(std::move(lists)), m_findings(static_cast<std::size_t>(files.size()))
+{
+    nameRow(u"Create all checksum files"_s);
+}
+
+NeededPrograms CreateAllListsTask::neededPrograms() const
+{
+    NeededPrograms programs;
+    for (const QString &path : m_files) {
+        if (hasSamples(path))
+            programs.add(NeededPrograms::ofRun(shntool::program().name, shntool::hashArguments(path)));
+        if (formatWord(path) == u"FLAC")
+            programs.add({{metaflac::program().name}, {}});
+    }
+    return programs;
+}
+
+void CreateAllListsTask::doStartTask()
+{
+    showStarted();
+    showStatus(u"Creating checksum files"_s);
+    std::vector<std::future<void>> readers;
+    for (unsigned i = 1; i < kReaders; ++i)
+        readers.push_back(std::async(std::launch::async, [this] { readFiles(); }));
+    readFiles();
+    // What one of them throws fails the job.
+    for (std::future<void> &reader : readers)
+        reader.get();
+    if (!cancelled())
+        writeLists();
+}
+
+void CreateAllListsTask::readFiles()
+{
+    for (;;) {
+        const qsizetype index = m_next++;
+        if (index >= m_files.size() || cancelled())
+            return;
+        m_findings[static_cast<std::size_t>(index)] = read(m_files[index]);
+        ++m_done;
+        showDone();
+    }
+}
+
+void CreateAllListsTask::showDone()
+{
+    setProgressIndicatorValue(static_cast<double>(m_done) * 100.0 / static_cast<double>(m_files.size()));
+    updateStatus();
+}
+
+CreateAllListsTask::Finding CreateAllListsTask::read(const QString &path) const
+{
+    Finding finding;
+    const auto isStopped = [this] { return cancelled(); };
+    // Both want the same bytes at about the same time, which then come from the disk once.
+    std::future<FileDigest> digest = std::async(std::launch::async, [&path, &isStopped] {
+        return MD5Helper::digestOf(path, MD5Helper::Kind::Regular, isStopped);
+    });
+    if (hasSamples(path))
+        hash(path, finding);
+    if (formatWord(path) == u"FLAC")
+        finding.fingerprint = nurv::fingerprint(path);
+    finding.digest = digest.get();
+    return finding;
+}
+
+void CreateAllListsTask::hash(const QString &path, Finding &finding) const
+{
+    ProgramRunSync run(programPath(shntool::program().name), shntool::hashListArguments({lastPathComponent(path)}));
+    run.setDirectory(folderOf(path));
+    QString written;
+    const ProgramRunSync::Ending ending = run.run(
+        [&written](const QString &chunk) {
+            written += chunk;
+            return true;
+        },
+        [this] { return cancelled(); });
+    if (!ending.exit)
+        throw NurvFailure(ending.startFailure);
+    QString complaint;
+    for (const QString &ended : checksumList::linesOf(written)) {
+        const QString line = trimBackspaces(ended);
+        if (line.contains(checksumList::kSt5Marker))
+            finding.st5Line = line + u'\n';
+        else if (line.contains(u": "_s) && !line.startsWith(u"Hashing ["_s))
+            complaint = line;
+    }
+    if (!ending.succeeded() || finding.st5Line.isEmpty())
+        finding.st5Problem = complaint.isEmpty() ? u"shntool could not read it to its end"_s : complaint;
+}
+
+void CreateAllListsTask::writeLists()
+{
+    const QDateTime now = QDateTime::currentDateTime();
+    const QString version = shortVersionString();
+    const bool allInOneFolder = checksumList::areAllSameDirectory(m_files);
+    QString md5;
+    QString st5;
+    QString ffp;
+    for (qsizetype i = 0; i < m_files.size(); ++i) {
+        const Finding &finding = m_findings[static_cast<std::size_t>(i)];
+        const QString &path = m_files[i];
+        const QString name = checksumList::md5EntryName(path, folderOf(m_lists.md5), allInOneFolder);
+        if (!checksumList::canName(name)) {
+            warn(u"%1 is not in the lists: its name holds a line break"_s.arg(path));
+            continue;
+        }
+        md5 += checksumList::md5Entry(finding.digest.hexadecimal, name);
+        st5 += finding.st5Line;
+        ffp += finding.fingerprint;
+        if (!finding.digest.failure.isEmpty())
+            warn(u"%1 was not read for the list: %2"_s.arg(path, finding.digest.failure));
+        if (!finding.st5Problem.isEmpty())
+            warn(u"%1 is not whole: %2"_s.arg(path, finding.st5Problem));
+        if (metaflac::tellsOfError(finding.fingerprint))
+            warn(u"%1 has no fingerprint: %2"_s.arg(path, finding.fingerprint.section(u'\n', 0, 0)));
+    }
+    writeList(m_lists.md5, checksumList::md5Header(version, now), md5);
+    // A line end begins its entries.
+    writeList(m_lists.st5, checksumList::st5Header(version, now) + u'\n', st5);
+    writeList(m_lists.ffp, checksumList::ffpHeader(version, now), ffp);
+}
+
+void CreateAllListsTask::writeList(const QString &path, const QString &header, const QString &entries)
+{
+    QString reason;
+    if (!entries.isEmpty() && !writeTextFileAtomically(path, header + entries, &reason, LinkAtName::Replaced))
+        warn(u"Unable to write %1: %2"_s.arg(path, reason));
+}
+
+void CreateAllListsTask::stopTask()
+{
+    dropResultsOfSuccess();
+    NURVTask::stopTask();
+}
+
+} // namespace nurv
