@@ -39,6 +39,8 @@ public:
     [[nodiscard]] ChildEnvironment &environment() { return m_command.environment; }
     /// Sets PATH to its current value, a colon and the folder.
     void appendToPATH(const QString &folder);
+    /// The program's working folder; inherited when never set.
+    void setDirectory(const QString &folder) { m_command.workingDirectory = folder; }
 
     /// Blocks until the program has ended and has been reaped. `takeChunk` is called for
     /// every text; when it returns false, and when `isUnwanted` (asked while the program
