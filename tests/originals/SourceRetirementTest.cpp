@@ -102,7 +102,7 @@ TEST_F(SourceRetirementTest, KeepsTheSourceWhenTheOutputMayNotBeOnTheDisk)
 
 TEST_F(SourceRetirementTest, TakesAnEmptyFileForNoOutput)
 {
-    SourceRetirement retirement = wanting({wav}, {.relation = SoundComparison::Relation::Prefix});
+    SourceRetirement retirement = wanting({wav}, {.relation = SoundComparison::Relation::Contained});
     const auto verdict = examine(retirement, {folder.write(u"empty.flac"_s, "")});
     EXPECT_EQ(verdict.keeping, u"there is no output"_s);
     EXPECT_EQ(verdict.failure, std::nullopt);
