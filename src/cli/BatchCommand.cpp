@@ -40,7 +40,8 @@ PromptAnswers checkedAnswers(const CommandSpec &command, const ParsedArguments &
         return answers;
     if (!arguments.has(kOption)) {
         if (!Console::canAsk())
-            throw UsageError(u"--output-dir DIR or --beside-source is needed"_s);
+            throw UsageError(command.option(u"beside-source"_s) ? u"--output-dir DIR or --beside-source is needed"_s
+                                                                : u"--output-dir DIR is needed"_s);
         return answers;
     }
     const OutputFolder folder = checkOutputFolder(arguments.value(kOption));

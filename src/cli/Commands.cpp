@@ -5,6 +5,7 @@
 #include "cli/commands/DecodeCommand.h"
 #include "cli/commands/DoctorCommand.h"
 #include "cli/commands/EncodeCommand.h"
+#include "cli/commands/FixCommand.h"
 #include "cli/commands/LossyCommand.h"
 #include "cli/commands/RecoverCommand.h"
 
@@ -15,9 +16,10 @@ const CommandTree &commands()
     static const EncodeCommand encode;
     static const DecodeCommand decode;
     static const LossyCommand lossy;
+    static const FixCommand fix;
     static const DoctorCommand doctor;
     static const RecoverCommand recover;
-    static const CommandTree tree({&encode, &decode, &lossy, &doctor, &recover});
+    static const CommandTree tree({&encode, &decode, &lossy, &fix, &doctor, &recover});
     return tree;
 }
 

@@ -110,14 +110,18 @@ private:
     void add(const CommandSpec &command, const OptionSpec &option)
     {
         const auto &all = m_commands.commands();
-        const auto isEverywhere = [&](bool amongTakersOfPathsOnly) {
-            return std::all_of(all.begin(), all.end(), [&](const Command *other) {
-                return (amongTakersOfPathsOnly && !other->spec().takesPaths) || has(other->spec(), option);
-            });
+        const bool isEverywhere = std::all_of(
+            all.begin(), all.end(), [&](const Command *other) { return has(other->spec(), option); });
+        // Some take paths and make no outputs of them one by one: they lack some of these.
+        const auto isOtherwise = [&](const Command *other) {
+            return other->spec().takesPaths && other->spec().option(option.name) && !has(other->spec(), option);
         };
-        if (command.takesPaths && isEverywhere(false))
+        const auto sharers = std::count_if(all.begin(), all.end(), [&](const Command *other) {
+            return other->spec().takesPaths && has(other->spec(), option);
+        });
+        if (command.takesPaths && isEverywhere)
             addOnce(u"common"_s, option);
-        else if (command.takesPaths && isEverywhere(true))
+        else if (command.takesPaths && sharers > 1 && std::none_of(all.begin(), all.end(), isOtherwise))
             addOnce(u"shared"_s, option);
         else if (!option.manual.isEmpty() && !isCommon(option.name))
             addOnce(command.name, option);

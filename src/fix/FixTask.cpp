@@ -26,6 +26,7 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
 #include <exception>
 #include <numeric>
 
@@ -59,7 +60,6 @@ FixTask::FixTask(NURVTaskQueue *queue, const QStringList &fileNames, const QStri
     // The last file is filled up to a whole sector.
     wishes.relation = SoundComparison::Relation::Prefix;
     wishes.areOutputsPaired = true;
-    wishes.isDecoderWatched = false;
     m_retirement.setWishes(wishes);
 }
 
@@ -154,8 +154,7 @@ bool FixTask::doFixCall()
         m_files.markComplete();
         if (!ending.exit)
             throw NurvFailure(ending.startFailure);
-        takeEnding(ending.exit->signal != 0 ? killedProgramText(shntool::program().name, ending.exit->signal, title())
-                                            : shntool::reasonOfFailedFixing(m_totalOutput));
+        takeEnding(*ending.exit);
         return false;
     }
     m_files.place();
@@ -167,11 +166,21 @@ bool FixTask::doFixCall()
     return true;
 }
 
-void FixTask::takeEnding(const QString &reason)
+void FixTask::takeEnding(const ChildExit &exit)
 {
     if (cancelled())
         return;
-    failFor(reason.trimmed().isEmpty() ? u"shntool failed without a reason"_s : reason.trimmed());
+    const QString reason = shntool::reasonOfFailedFixing(m_totalOutput);
+    if (exit.signal != 0) {
+        failFor(killedProgramText(shntool::program().name, exit.signal, title()).trimmed());
+    } else if (reason.isEmpty()) {
+        failFor(u"shntool failed without a reason"_s);
+    } else {
+        // The report has it in the program's own words.
+        setError(true);
+        const bool namesFile = m_fileName.isEmpty() || reason.contains(u'[');
+        ownOutcome().problem = namesFile ? reason : m_fileName + u": "_s + reason;
+    }
     // It makes all or none, unless it is stopped right while it names them.
     for (const QString &left : m_files.leftByProgram())
         appendResultsForSelf(u"%1 was left there; all that it may hold is in the sources, too\n"_s.arg(left));
@@ -185,8 +194,8 @@ void FixTask::processTaskOutput(const QString &chunk)
         m_files.markBegun(place);
     // A name that came in two pieces is none of them.
     if (report.fileName && m_fileNameDictionary.contains(*report.fileName)) {
-        showMainLine(u"%1 (%2 of %3)"_s.arg(*report.fileName, m_fileNameDictionary.value(*report.fileName))
-                         .arg(m_fileNames.size()));
+        m_fileName = *report.fileName;
+        showMainLine(u"%1 (%2 of %3)"_s.arg(m_fileName, m_fileNameDictionary.value(m_fileName)).arg(m_fileNames.size()));
     }
     if (report.progress)
         showProgress(u"Fixing: %1%"_s.arg(sixDecimals(*report.progress)), *report.progress);

@@ -17,6 +17,7 @@
 
 namespace nurv {
 
+struct ChildExit;
 class FixTab;
 class TagsObject;
 
@@ -52,7 +53,7 @@ protected:
 private:
     void work();
     [[nodiscard]] bool doFixCall();
-    void takeEnding(const QString &reason);
+    void takeEnding(const ChildExit &exit);
     void processTaskOutput(const QString &chunk);
     void copyTags();
     void copyTagsOf(qsizetype place);
@@ -74,6 +75,7 @@ private:
     void showProgress(const QString &status, double percent);
 
     QString m_totalOutput; ///< of shntool, without figures in percent
+    QString m_fileName; ///< that is being fixed, without folder and extension
     QString m_md5Option;
     QString m_outputFormat;
     QString m_outputPath;

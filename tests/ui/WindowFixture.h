@@ -7,6 +7,7 @@
 #include "convert/DecodeTab.h"
 #include "convert/EncodeTab.h"
 #include "desktop/NullDesktopServices.h"
+#include "fix/FixTab.h"
 #include "lossy/LossyTab.h"
 #include "support/TestFolder.h"
 #include "toolbox/Toolbox.h"
@@ -25,6 +26,7 @@ struct WindowFixture {
     DecodeTab decodeTab{controller};
     EncodeTab encodeTab{controller};
     LossyTab lossyTab{controller};
+    FixTab fixTab{controller};
     MainWindow window{controller};
 
     WindowFixture() = default;
