@@ -150,7 +150,7 @@ std::optional<QString> BatchReport::lineOf(const NURVTask &task, const Job &job)
         if (m_options.quiet && !job.hasProblem())
             return std::nullopt;
         // A list that was not written is not complete in any way.
-        if (!job.hasProblem() || !task.sourcePath().isEmpty())
+        if (!job.hasProblem() || task.sourceCount() > 0)
             words.append(endingText(task));
         if (job.keptOriginal())
             words.append(job.problem.isEmpty() ? u"original kept"_s : u"original kept: "_s + job.problem);

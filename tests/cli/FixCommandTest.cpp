@@ -4,6 +4,9 @@
 #include "support/AudioFixtures.h"
 #include "support/ProgramFolder.h"
 #include "support/TestFolder.h"
+#include "support/WaitUntil.h"
+
+#include <csignal>
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -22,7 +25,7 @@ protected:
     {
         for (int i = 1; i <= 3; ++i) {
             writeFlac(folder.path(u"in/show-d%1t01.flac"_s.arg(i)), {.frames = 20'001 + i, .seed = static_cast<unsigned>(i)},
-                      {u"-T"_s, u"TITLE=Song %1"_s.arg(i)});
+                      {u"-T"_s, u"TITLE=Song %1"_s.arg(i), u"-T"_s, u"DATE=1999"_s});
         }
         folder.makeFolder(u"out"_s);
     }
@@ -102,6 +105,27 @@ TEST_F(FixCommandTest, TellsTheJobInJson)
     EXPECT_TRUE(job[u"report"_s].toString().contains(u"Fixing ["_s));
 }
 
+TEST_F(FixCommandTest, IsClearedUpAfterWhenItWasKilled)
+{
+    const ProgramFolder tools;
+    tools.addAllReal();
+    // Killed while the tags are copied: all files have their names already.
+    tools.remove(u"metaflac"_s);
+    tools.addFake(u"metaflac"_s, "create=" + folder.path(u"waits"_s).toUtf8() + ";hang");
+    const QStringList before = folder.list();
+    {
+        RunningNurv run({u"fix"_s, u"--output-dir"_s, folder.path(u"out"_s), folder.path(u"in"_s)});
+        ASSERT_TRUE(waitUntil([this] { return folder.exists(u"waits"_s); }));
+        EXPECT_TRUE(folder.exists(u"out/show-d1t01.flac"_s));
+        run.sendSignal(SIGKILL);
+        static_cast<void>(run.finish());
+    }
+    folder.remove(u"waits"_s);
+    const ProgramResult recovered = runNurv({u"recover"_s, u"--yes"_s});
+    EXPECT_EQ(recovered.exitStatus, 0) << recovered.errors.constData();
+    EXPECT_EQ(folder.list(), before) << recovered.output.constData() << recovered.errors.constData();
+}
+
 TEST_F(FixCommandTest, SaysThatTheLevelHasNoEffect)
 {
     const ProgramResult result = fix({u"--level=8"_s});
@@ -121,7 +145,7 @@ TEST_F(FixCommandTest, RefusesWhatDoesNotGoTogether)
         {{u"--format=shn"_s, u"--md5=all"_s}, "nurv fix: --md5 takes one of none, one, disc, not \"all\"."},
         {{u"--no-proof"_s}, "nurv fix: --no-proof goes with --delete-originals only."},
         {{u"--beside-source"_s}, "nurv fix: unknown option \"--beside-source\"."},
-        {{u"--delete-originals"_s, u"--no"_s}, "nurv fix: --delete-originals and --no cannot both be given."},
+        {{u"--delete-originals"_s, u"--no"_s}, "nurv fix: --no and --delete-originals cannot both be given."},
     };
     for (const auto &[options, message] : cases) {
         const ProgramResult result = fix(options);
