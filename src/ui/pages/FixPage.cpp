@@ -42,7 +42,7 @@ void FixPage::addLists()
     lists->setToolTip(tr("By disc: the number between the last \"d\" of the path and the \"t\" behind it, as in show-d1t01.shn"));
     group->addWidget(lists);
     bind(lists, m_fixTab.shnMd5Option, {tr("&No MD5"), tr("&1 MD5"), tr("&MD5 by disc*")});
-    addCheckBox(group, m_fixTab.flacFingerprintButton, tr("Write fin&gerprints (FFP)"), u"flacFingerprintButton"_s,
+    addCheckBox(group, m_fixTab.flacFingerprintButton, tr("Write finger&prints (FFP)"), u"flacFingerprintButton"_s,
                 tr("Writes a list of fingerprints into the output folder"), parent);
 }
 

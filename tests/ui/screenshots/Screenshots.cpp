@@ -10,6 +10,7 @@
 #include "convert/DecodeTab.h"
 #include "convert/EncodeTab.h"
 #include "desktop/NullDesktopServices.h"
+#include "fix/FixTab.h"
 #include "settings/SettingsStore.h"
 #include "support/WaitUntil.h"
 #include "toolbox/Toolbox.h"
@@ -125,6 +126,16 @@ void showFormats(EncodeTab &encodeTab, DecodeTab &decodeTab, MainWindow &window,
     }
 }
 
+void showFix(FixTab &tab, MainWindow &window, const QDir &folder, const QString &suffix)
+{
+    tab.nurvController().selectTab(u"fix SBE"_s);
+    tab.addMatchedFiles(concert(u"shn"_s));
+    for (const QString &format : tab.outputFormatMatrix.titles()) {
+        tab.outputFormatMatrix.selectTitle(format);
+        save(window, folder.filePath(u"fix-%1-%2.png"_s.arg(format.toLower(), suffix)));
+    }
+}
+
 void showRows(NURVTaskQueue &queue, StatusWindow &status, const QDir &folder, const QString &suffix)
 {
     std::vector<std::shared_ptr<JobInState>> jobs;
@@ -218,9 +229,11 @@ int render(const QDir &folder, const QString &suffix)
     NURVController controller(prompts, services, toolbox());
     DecodeTab decodeTab(controller);
     EncodeTab encodeTab(controller);
+    FixTab fixTab(controller);
     MainWindow window(controller);
     showPages(controller, window, folder, suffix);
     showFormats(encodeTab, decodeTab, window, folder, suffix);
+    showFix(fixTab, window, folder, suffix);
     showRows(controller.taskQueue(), *window.statusWindow(), folder, suffix);
     showOutput(prompts, folder, suffix);
     window.hide();
