@@ -36,11 +36,14 @@ PromptAnswers checkedAnswers(const CommandSpec &command, const ParsedArguments &
 {
     const QString kOption = u"output-dir"_s;
     PromptAnswers answers = answersOf(command, arguments);
-    if (!command.option(kOption) || arguments.has(u"beside-source"_s))
+    const OptionSpec *const option = command.option(kOption);
+    const bool isMeant = option && (option->formats.isEmpty() || option->formats.contains(arguments.value(command.selector)));
+    if (!isMeant || arguments.has(u"beside-source"_s))
         return answers;
     if (!arguments.has(kOption)) {
         if (!Console::canAsk())
-            throw UsageError(u"--output-dir DIR or --beside-source is needed"_s);
+            throw UsageError(command.option(u"beside-source"_s) ? u"--output-dir DIR or --beside-source is needed"_s
+                                                                : u"--output-dir DIR is needed"_s);
         return answers;
     }
     const OutputFolder folder = checkOutputFolder(arguments.value(kOption));

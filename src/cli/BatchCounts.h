@@ -17,7 +17,7 @@ struct BatchCounts {
     int canceled = 0;
 
     // What that means for the files; none of these counts what another one does.
-    int files = 0;           ///< jobs that stand for one file
+    int files = 0;           ///< that jobs stand for
     int done = 0;            ///< of those: did all that was asked for
     int originalsKept = 0;   ///< complete or not, although their deletion was asked for
     int failedOtherwise = 0; ///< and never came to the deletion

@@ -52,8 +52,8 @@ std::vector<OptionSpec> outputOptions(const OutputSetters &setters)
         {.name = u"output-dir"_s,
          .valueName = u"DIR"_s,
          .summary = u"write the outputs into this folder, which must exist"_s,
-         .manual = u"The folder that the results go into. It must exist. Without this option and --beside-source the folder "
-                   "is asked for on the terminal."_s,
+         .manual = u"The folder that the results go into. It must exist. Where no option says where they go, the folder is asked "
+                   "for on the terminal."_s,
          .isFolder = true,
          .excluded = {u"beside-source"_s}},
         {.name = u"beside-source"_s,
@@ -87,7 +87,8 @@ std::vector<OptionSpec> outputOptions(const OutputSetters &setters)
                    "sample by sample, or by the length where the output is lossy. A source stays, and that is told, when "
                    "they differ or one of them cannot be decoded to its end; when the output has no place for all of its "
                    "tags, pictures and other chunks; when its job failed, was cancelled or reported an error in the sound; "
-                   "when another source has the same output; and when it is the output itself."_s,
+                   "when another source has the same output; and when it is the output itself. Of *fix* all sources go or all "
+                   "stay: the joined outputs are compared with the joined sources."_s,
          .set = setters.deleteOriginals},
         {.name = u"no-proof"_s,
          .summary = u"with --delete-originals: decode and compare nothing before that"_s,

@@ -10,6 +10,7 @@
 
 #include <QJsonObject>
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -118,26 +119,27 @@ void BatchReport::add(const NURVTask &task, const Job &job)
 
 void BatchReport::count(const NURVTask &task, const Job &job)
 {
-    const bool isFile = !task.sourcePath().isEmpty();
-    if (isFile)
-        ++m_counts.files;
+    // A job for a set of files does all of them or none.
+    const int files = task.sourceCount();
+    const int affected = std::max(files, 1);
+    m_counts.files += files;
     if (task.cancelled()) {
         ++m_counts.canceled;
         return;
     }
     ++(task.error() ? m_counts.failed : m_counts.complete);
     if (job.keptOriginal())
-        ++m_counts.originalsKept;
+        m_counts.originalsKept += affected;
     else if (task.error())
-        ++m_counts.failedOtherwise;
+        m_counts.failedOtherwise += affected;
     else if (job.hasProblem())
-        ++m_counts.notInFull;
-    else if (isFile)
-        ++m_counts.done;
+        m_counts.notInFull += affected;
+    else
+        m_counts.done += files;
     if (task.error())
         return;
     if (job.outcome.proof == Proof::NotProven)
-        ++m_counts.notProven;
+        m_counts.notProven += affected;
     m_counts.sourceBytes += job.outcome.sourceBytes;
     m_counts.outputBytes += job.outcome.outputBytes;
 }
@@ -163,7 +165,7 @@ std::optional<QString> BatchReport::lineOf(const NURVTask &task, const Job &job)
         if (m_options.quiet && !job.hasProblem())
             return std::nullopt;
         // A list that was not written is not complete in any way.
-        if (!job.hasProblem() || !task.sourcePath().isEmpty())
+        if (!job.hasProblem() || task.sourceCount() > 0)
             words.append(endingText(task));
         if (job.keptOriginal())
             words.append(job.problem.isEmpty() ? u"original kept"_s : u"original kept: "_s + job.problem);

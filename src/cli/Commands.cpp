@@ -6,6 +6,7 @@
 #include "cli/commands/DecodeCommand.h"
 #include "cli/commands/DoctorCommand.h"
 #include "cli/commands/EncodeCommand.h"
+#include "cli/commands/FixCommand.h"
 #include "cli/commands/LossyCommand.h"
 #include "cli/commands/RecoverCommand.h"
 
@@ -19,9 +20,11 @@ const CommandTree &commands()
     static const ChecksumCreateCommand checksumCreate;
     static const ChecksumVerifyCommand checksumVerify;
     static const ChecksumTestCommand checksumTest;
+    static const FixCommand fix;
     static const DoctorCommand doctor;
     static const RecoverCommand recover;
-    static const CommandTree tree({&encode, &decode, &lossy, &checksumCreate, &checksumVerify, &checksumTest, &doctor, &recover});
+    static const CommandTree tree(
+        {&encode, &decode, &lossy, &checksumCreate, &checksumVerify, &checksumTest, &fix, &doctor, &recover});
     return tree;
 }
 

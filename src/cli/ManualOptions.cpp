@@ -110,8 +110,9 @@ private:
     void add(const CommandSpec &command, const OptionSpec &option)
     {
         const auto &all = m_commands.commands();
-        const bool isEverywhere =
-            std::all_of(all.begin(), all.end(), [&](const Command *other) { return has(other->spec(), option); });
+        const bool isEverywhere = std::all_of(
+            all.begin(), all.end(), [&](const Command *other) { return has(other->spec(), option); });
+        // Some take paths and make no outputs of them one by one: they lack some of these.
         const auto sharers = std::count_if(all.begin(), all.end(), [&](const Command *other) {
             return other->spec().takesPaths && has(other->spec(), option);
         });

@@ -13,16 +13,21 @@ OriginalsControls::OriginalsControls()
     keepFoldersButton.bindToSetting(u"keepFolders"_s);
 }
 
-void OriginalsControls::follow(CheckControl &deleteOriginals, CheckControl &besideSource)
+void OriginalsControls::follow(CheckControl &deleteOriginals)
 {
     const auto followDeletion = [this, &deleteOriginals] {
         proveButton.setEnabled(deleteOriginals.isOn());
         dropMetadataButton.setEnabled(deleteOriginals.isOn());
     };
-    const auto followPlace = [this, &besideSource] { keepFoldersButton.setEnabled(!besideSource.isOn()); };
     QObject::connect(&deleteOriginals, &Control::valueChanged, &proveButton, followDeletion);
-    QObject::connect(&besideSource, &Control::valueChanged, &keepFoldersButton, followPlace);
     followDeletion();
+}
+
+void OriginalsControls::follow(CheckControl &deleteOriginals, CheckControl &besideSource)
+{
+    follow(deleteOriginals);
+    const auto followPlace = [this, &besideSource] { keepFoldersButton.setEnabled(!besideSource.isOn()); };
+    QObject::connect(&besideSource, &Control::valueChanged, &keepFoldersButton, followPlace);
     followPlace();
 }
 

@@ -17,6 +17,9 @@ enum class ExistingOutputs {
 /// The options that every tab has which makes files of files and can delete those.
 struct OriginalsControls {
     OriginalsControls();
+    /// Enables what matters for a deletion, now and whenever the tab's choice changes. The control belongs to the same
+    /// tab.
+    void follow(CheckControl &deleteOriginals);
     /// Enables what matters for the tab's own two choices, now and whenever they change. The
     /// controls belong to the same tab.
     void follow(CheckControl &deleteOriginals, CheckControl &besideSource);

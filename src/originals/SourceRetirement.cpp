@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "originals/SourceRetirement.h"
 
+#include "app/PathNames.h"
 #include "app/Util.h"
 #include "base/NurvFailure.h"
 #include "files/FileFlush.h"
@@ -26,12 +27,32 @@ std::vector<SourceRetirement::Seen> SourceRetirement::look(const QStringList &pa
     return files;
 }
 
-bool SourceRetirement::areUntouched(const std::vector<Seen> &files)
+/// Null when all are what they were.
+const SourceRetirement::Seen *SourceRetirement::firstTouched(const std::vector<Seen> &files)
 {
-    return !files.empty() && std::all_of(files.begin(), files.end(), [](const Seen &file) {
+    const auto touched = std::find_if(files.begin(), files.end(), [](const Seen &file) {
         const std::optional<struct stat> now = statusOf(file.path);
-        return now && file.facts && isUntouched(*file.facts, *now);
+        return !now || !file.facts || !isUntouched(*file.facts, *now);
     });
+    return touched == files.end() ? nullptr : &*touched;
+}
+
+QString SourceRetirement::nameOf(const QString &source) const
+{
+    return m_sources.size() > 1 ? lastPathComponent(source) : u"it"_s;
+}
+
+std::optional<QString> SourceRetirement::changeOfSources() const
+{
+    const Seen *const touched = firstTouched(m_sourcesBefore);
+    if (!touched && !m_sourcesBefore.empty())
+        return std::nullopt;
+    return u"%1 has changed since the job began"_s.arg(touched ? nameOf(touched->path) : u"it"_s);
+}
+
+void SourceRetirement::reorderSources(const QStringList &sources)
+{
+    m_sources = sources;
 }
 
 void SourceRetirement::rememberSources()
@@ -51,7 +72,8 @@ SourceRetirement::Verdict SourceRetirement::examine(const QStringList &outputs,
 {
     m_mayRetire = false;
     Verdict verdict;
-    if (m_wishes.relation == SoundComparison::Relation::Equal && !outputs.isEmpty())
+    // Of outputs that are longer on purpose, too: none may be shorter.
+    if (m_wishes.relation != SoundComparison::Relation::Contained && !outputs.isEmpty())
         compareLengths(outputs, verdict);
     if (verdict.failure || !m_wishes.deletesSources)
         return verdict;
@@ -69,8 +91,8 @@ SourceRetirement::Verdict SourceRetirement::examine(const QStringList &outputs,
         if (verdict.keeping)
             return verdict;
         verdict.keeping = lossOfEncoding();
-        // Lengths alone say nothing of what is a stretch of something, or longer than that.
-        const bool isMeasured = m_wishes.relation == SoundComparison::Relation::Equal;
+        // Lengths alone say nothing of what is a stretch of something.
+        const bool isMeasured = m_wishes.relation != SoundComparison::Relation::Contained;
         if (!verdict.keeping && (!isMeasured || verdict.proof == TaskOutcome::Proof::NotProven))
             verdict.keeping = u"nothing but the proof could tell whether all of its sound is in the output"_s;
         m_mayRetire = !verdict.keeping;
@@ -109,11 +131,11 @@ std::optional<QString> SourceRetirement::reasonToKeep(const QStringList &outputs
         for (const QString &source : m_sources) {
             const std::optional<struct stat> sourceFacts = statusOf(source);
             if (sourceFacts && isSameFile(*sourceFacts, *facts))
-                return u"it is the output itself"_s;
+                return u"%1 is the output itself"_s.arg(nameOf(source));
         }
     }
-    if (!areUntouched(m_sourcesBefore))
-        return u"it has changed since the job began"_s;
+    if (const std::optional<QString> change = changeOfSources())
+        return change;
     if (!std::all_of(outputs.begin(), outputs.end(), [](const QString &output) { return flushToDisk(output); }))
         return u"its output may not be on the disk yet"_s;
     return std::nullopt;
@@ -134,12 +156,15 @@ std::optional<QString> SourceRetirement::lossOfEncoding() const
 
 std::optional<QString> SourceRetirement::lossOfMetadata(const QStringList &outputs) const
 {
+    if (m_wishes.areOutputsPaired && outputs.size() != m_sources.size())
+        return u"its tags cannot be compared: there are %1 outputs of %2 sources"_s.arg(outputs.size()).arg(m_sources.size());
     try {
-        for (const QString &source : m_sources) {
-            const MetadataInventory before = MetadataInventory::of(source);
-            for (const QString &output : outputs) {
+        for (qsizetype i = 0; i < m_sources.size(); ++i) {
+            const MetadataInventory before = MetadataInventory::of(m_sources.at(i));
+            const QStringList holders = m_wishes.areOutputsPaired ? QStringList{outputs.at(i)} : outputs;
+            for (const QString &output : holders) {
                 if (const auto loss = metadataLost(before, MetadataInventory::of(output), output))
-                    return loss;
+                    return m_sources.size() > 1 ? lastPathComponent(m_sources.at(i)) + u": "_s + *loss : *loss;
             }
         }
     } catch (const NurvFailure &failure) {
@@ -155,16 +180,16 @@ SourceRetirement::Ending SourceRetirement::retire()
     using Original = TaskOutcome::Original;
     if (m_doubt)
         return {Original::Kept, *m_doubt};
-    if (!areUntouched(m_sourcesBefore))
-        return {Original::Kept, u"it has changed since the job began"_s};
-    if (!areUntouched(m_outputsExamined))
+    if (const std::optional<QString> change = changeOfSources())
+        return {Original::Kept, *change};
+    if (m_outputsExamined.empty() || firstTouched(m_outputsExamined))
         return {Original::Kept, u"its output has changed since it was examined"_s};
     Ending ending{Original::Deleted, {}};
     for (const Seen &source : std::as_const(m_sourcesBefore)) {
         switch (Util::removeFile(source.path, {}, source.facts)) {
         case Util::Removal::Deleted: break;
         case Util::Removal::Trashed: ending.original = Original::Trashed; break;
-        case Util::Removal::Stayed: return {Original::Kept, u"it could not be removed"_s};
+        case Util::Removal::Stayed: return {Original::Kept, u"%1 could not be removed"_s.arg(nameOf(source.path))};
         }
     }
     return ending;

@@ -38,6 +38,9 @@ public:
         SoundComparison::Relation relation = SoundComparison::Relation::Equal;
         /// Whether the output, one of one source, is lossy: it only has to decode to its end, and to be as long.
         bool areOutputsLossy = false;
+        /// There are as many outputs as sources, and each has to hold the metadata of the source in its place; otherwise
+        /// each has to hold those of all sources.
+        bool areOutputsPaired = false;
     };
 
     struct Verdict {
@@ -56,6 +59,8 @@ public:
 
     /// Looks at the sources, before the job reads them.
     void rememberSources();
+    /// The same sources in the order in which the outputs have their sound. Before `examine`.
+    void reorderSources(const QStringList &sources);
     /// The sources may be more than what the outputs have of them: they stay. The first
     /// reason counts.
     void doubt(const QString &reason);
@@ -87,7 +92,10 @@ private:
         std::optional<struct stat> facts;
     };
     static std::vector<Seen> look(const QStringList &paths);
-    [[nodiscard]] static bool areUntouched(const std::vector<Seen> &files);
+    [[nodiscard]] static const Seen *firstTouched(const std::vector<Seen> &files);
+    /// "it", and the file's name where there are several.
+    [[nodiscard]] QString nameOf(const QString &source) const;
+    [[nodiscard]] std::optional<QString> changeOfSources() const;
 
     QStringList m_sources;
     Wishes m_wishes;

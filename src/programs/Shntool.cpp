@@ -66,6 +66,8 @@ QString encoderOf(const QString &format)
         return shorten::program().name;
     if (format == u"aiff")
         return u"sox"_s;
+    if (format == u"flac")
+        return flac::program().name;
     // "cust ext=flac flac -5 -o %f -"
     return format.startsWith(u"cust ") ? format.section(u' ', 2, 2) : QString();
 }
@@ -95,10 +97,15 @@ QStringList startedBy(const QStringList &arguments)
         names.removeDuplicates();
         return names;
     }
-    if (arguments.value(0) != u"conv" || format < 0)
+    const bool fixes = arguments.value(0) == u"fix";
+    if ((arguments.value(0) != u"conv" && !fixes) || format < 0)
         return {};
-    QStringList names{decoderOf(arguments.last()), encoderOf(arguments.value(format + 1))};
+    QStringList names;
+    for (qsizetype source = fixes ? format + 2 : arguments.size() - 1; source < arguments.size(); ++source)
+        names << decoderOf(arguments.at(source));
+    names << encoderOf(arguments.value(format + 1));
     names.removeAll(QString());
+    names.removeDuplicates();
     return names;
 }
 

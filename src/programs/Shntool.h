@@ -10,6 +10,8 @@
 #include <QStringList>
 #include <QStringView>
 
+#include <optional>
+
 namespace nurv::shntool {
 
 // `shntool`, the application's own. Nothing here runs it. Paths are absolute; each word is
@@ -17,7 +19,7 @@ namespace nurv::shntool {
 
 [[nodiscard]] const ExternalProgram &program();
 
-/// What it starts when it gets these arguments of `conv`, for a source and a format:
+/// What it starts when it gets these arguments of `conv` or `fix`, for each source and the format:
 ///
 ///     source   what it reads in its own process: nothing;
 ///              WavPack: wvunpack; Monkey's Audio before 3.99: mac
@@ -57,6 +59,14 @@ inline constexpr qsizetype kHashListOptions = 2;
 /// The same for an encoding to Opus, with status lines of its own.
 [[nodiscard]] ProgramStage shortenToWavForOpus(const QString &source, const QString &wav);
 
+/// All sources as one set whose borders are moved to sectors, in the folder of the first one. `format` is "shn", "flac",
+/// "aiff" or "wav", in which `level` counts for nothing, or "FLAC", an encoder of its own with that level.
+[[nodiscard]] QStringList fixArguments(const QString &format, int level, const QString &outputFolder,
+                                       const QStringList &sources);
+/// The names that it may give what it makes of a source: it says "-fixed" behind the name, and leaves an extension that
+/// is not the one of what it finds in the file. `format` as in `fixArguments`.
+[[nodiscard]] QStringList fixedNames(const QString &source, const QString &format);
+
 // "Converting [x.wav] (3:00.00) --> [x.shn] :   0% ", backspaces, "  1% ", …, "100% OK".
 
 /// What every conversion to a compressed format reports of a chunk: of one with "Converting" what stands before its
@@ -70,5 +80,23 @@ inline constexpr qsizetype kHashListOptions = 2;
 [[nodiscard]] ChunkReport parseFromShorten(QStringView chunk);
 /// For `shortenToWav`. The status line is set by every chunk; without a figure it says -1.
 [[nodiscard]] ChunkReport parseShortenToWav(QStringView chunk);
+
+
+// "Fixing [/in/x.wav] (3:00.00) --> [/out/x-fixed.flac] :   0% ", backspaces, "  1% ", …, "100% OK".
+
+/// What stands before and behind the path of the source.
+inline constexpr QStringView kFixing = u"Fixing [";
+inline constexpr QStringView kFixingPathEnd = u"] (";
+
+/// What a chunk of fixing means.
+struct FixReport {
+    QString text;                    ///< for the report: without backspaces at the ends, without figures in percent
+    std::optional<QString> fileName; ///< the file that it tells of, without folder and extension
+    std::optional<double> progress;  ///< in percent
+};
+[[nodiscard]] FixReport parseFixing(QStringView chunk);
+
+/// Why fixing failed, as a line without a full stop; empty when the output does not say.
+[[nodiscard]] QString reasonOfFailedFixing(QStringView output);
 
 } // namespace nurv::shntool

@@ -5,6 +5,7 @@
 #include "checksum/ChecksumTab.h"
 #include "convert/DecodeTab.h"
 #include "convert/EncodeTab.h"
+#include "fix/FixTab.h"
 #include "lossy/LossyTab.h"
 
 #include <QtGlobal>
@@ -65,7 +66,8 @@ const std::vector<Tool> &toolbox()
         {.label = u"fix SBE"_s,
          .title = QT_TRANSLATE_NOOP("Tool", "Fix SBE"),
          .extensions = words(u"FLAC SHN WAV AIF AIFF WV TTA"_s),
-         .defaults = {{u"fixOutputFormat"_s, 1}, {u"fixFlacLevel"_s, 4}}},
+         .defaults = {{u"fixOutputFormat"_s, 1}, {u"fixFlacLevel"_s, 4}},
+         .makeTab = make<FixTab>},
         {.label = u"util"_s, .title = QT_TRANSLATE_NOOP("Tool", "Util")},
         {.label = u"Tags"_s,
          .title = QT_TRANSLATE_NOOP("Tool", "Tags"),

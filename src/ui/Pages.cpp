@@ -5,10 +5,12 @@
 #include "checksum/ChecksumTab.h"
 #include "convert/DecodeTab.h"
 #include "convert/EncodeTab.h"
+#include "fix/FixTab.h"
 #include "lossy/LossyTab.h"
 #include "ui/pages/ChecksumPage.h"
 #include "ui/pages/DecodePage.h"
 #include "ui/pages/EncodePage.h"
+#include "ui/pages/FixPage.h"
 #include "ui/pages/LossyPage.h"
 
 namespace nurv {
@@ -26,7 +28,8 @@ TabPage *makeFor(BaseTab *tab)
 
 TabPage *makePage(BaseTab *tab)
 {
-    for (const auto make : {makeFor<DecodeTab, DecodePage>, makeFor<EncodeTab, EncodePage>, makeFor<ChecksumTab, ChecksumPage>, makeFor<LossyTab, LossyPage>}) {
+    for (const auto make : {makeFor<DecodeTab, DecodePage>, makeFor<EncodeTab, EncodePage>, makeFor<ChecksumTab, ChecksumPage>,
+                            makeFor<LossyTab, LossyPage>, makeFor<FixTab, FixPage>}) {
         if (TabPage *const page = make(tab))
             return page;
     }

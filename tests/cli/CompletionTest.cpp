@@ -45,19 +45,19 @@ QStringList optionsInHelp(const QString &command)
 
 TEST(Completion, OffersTheCommands)
 {
-    EXPECT_EQ(completionsOf({u"nurv"_s, u""_s}), (QStringList{u"--help"_s, u"--version"_s, u"checksum"_s, u"decode"_s, u"doctor"_s, u"encode"_s, u"lossy"_s, u"recover"_s}));
+    EXPECT_EQ(completionsOf({u"nurv"_s, u""_s}), (QStringList{u"--help"_s, u"--version"_s, u"checksum"_s, u"decode"_s, u"doctor"_s, u"encode"_s, u"fix"_s, u"lossy"_s, u"recover"_s}));
     EXPECT_EQ(completionsOf({u"nurv"_s, u"en"_s}), QStringList{u"encode"_s});
 }
 
 TEST(Completion, OffersExactlyTheOptionsThatTheHelpLists)
 {
-    for (const QString &command : {u"encode"_s, u"decode"_s, u"doctor"_s, u"recover"_s})
+    for (const QString &command : {u"encode"_s, u"decode"_s, u"fix"_s, u"doctor"_s, u"recover"_s})
         EXPECT_EQ(completionsOf({u"nurv"_s, command, u"--"_s}), optionsInHelp(command)) << qPrintable(command);
 }
 
 TEST(Completion, OffersTheSameInFish)
 {
-    for (const QString &command : {u"encode"_s, u"decode"_s, u"doctor"_s, u"recover"_s}) {
+    for (const QString &command : {u"encode"_s, u"decode"_s, u"fix"_s, u"doctor"_s, u"recover"_s}) {
         const ProgramResult result = runProgram(
             u"fish"_s, {u"--no-config"_s, u"-c"_s, u"source $argv[1]; complete -C $argv[2]"_s,
                         QString::fromLocal8Bit(NURV_FISH_COMPLETION), u"nurv "_s + command + u" --"_s});
@@ -79,7 +79,7 @@ TEST(Completion, IsAScriptThatZshReadsWithEveryOption)
     QFile file(script);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QString text = QString::fromUtf8(file.readAll());
-    for (const QString &command : {u"encode"_s, u"decode"_s, u"doctor"_s, u"recover"_s}) {
+    for (const QString &command : {u"encode"_s, u"decode"_s, u"fix"_s, u"doctor"_s, u"recover"_s}) {
         const QString branch = text.section(u"    "_s + command + u")\n"_s, 1).section(u";;"_s, 0, 0);
         for (const QString &option : optionsInHelp(command))
             EXPECT_TRUE(branch.contains(u'\'' + option + u'=') || branch.contains(u'\'' + option + u'['))
@@ -93,6 +93,7 @@ TEST(Completion, OffersTheValuesOfAnOption)
               (QStringList{u"ape"_s, u"flac"_s, u"m4a"_s, u"shn"_s, u"tta"_s, u"wv"_s}));
     EXPECT_EQ(completionsOf({u"nurv"_s, u"decode"_s, u"--format"_s, u"a"_s}), QStringList{u"aiff"_s});
     EXPECT_EQ(completionsOf({u"nurv"_s, u"encode"_s, u"--mode"_s, u""_s}), (QStringList{u"fast"_s, u"high"_s}));
+    EXPECT_EQ(completionsOf({u"nurv"_s, u"fix"_s, u"--md5"_s, u""_s}), (QStringList{u"disc"_s, u"none"_s, u"one"_s}));
 }
 
 TEST(Completion, CompletesAValueBehindAnEqualsSignWhereTheUserTypesIt)

@@ -23,13 +23,15 @@ expect() {
 }
 
 expect 'encode' nurv e
-expect 'encode decode lossy checksum doctor recover --version --help' nurv ''
+expect 'encode decode lossy checksum fix doctor recover --version --help' nurv ''
 expect 'flac' nurv encode --format f
 expect 'wav aiff' nurv decode --format ''
 expect 'flac' nurv encode --format = fl
 expect 'wav aiff' nurv decode --format =
 expect 'scripts' nurv encode --output-dir = scr
 expect 'fast high' nurv encode --mode ''
+expect 'none one disc' nurv fix --md5 ''
+expect '' nurv fix --beside
 expect '--delete-originals --drop-metadata' nurv encode --d
 expect '--keep-folders' nurv decode --keep-fol
 expect '--skip-existing' nurv decode --s

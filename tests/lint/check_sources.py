@@ -32,11 +32,12 @@ ALLOWED = {
     "tags": BASICS | {"programs", "engine", "app", "samples", "journal"},
     "originals": {"base", "files", "programs", "engine", "app", "samples", "journal", "tags"},
     "checksum": BASICS | {"programs", "engine", "app", "tags"},
+    "fix": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum"},
     "convert": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum"},
     "lossy": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "convert"},
-    "toolbox": {"app", "checksum", "convert", "lossy"},
-    "cli": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum", "convert", "lossy", "toolbox"},
-    "ui": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum", "convert", "lossy", "toolbox"},
+    "toolbox": {"app", "checksum", "fix", "convert", "lossy"},
+    "cli": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum", "fix", "convert", "lossy", "toolbox"},
+    "ui": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum", "fix", "convert", "lossy", "toolbox"},
 }
 
 # The same of the folders under tools, whose programs use no Qt.

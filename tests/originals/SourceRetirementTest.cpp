@@ -102,11 +102,41 @@ TEST_F(SourceRetirementTest, KeepsTheSourceWhenTheOutputMayNotBeOnTheDisk)
 
 TEST_F(SourceRetirementTest, TakesAnEmptyFileForNoOutput)
 {
-    SourceRetirement retirement = wanting({wav}, {.relation = SoundComparison::Relation::Prefix});
+    SourceRetirement retirement = wanting({wav}, {.relation = SoundComparison::Relation::Contained});
     const auto verdict = examine(retirement, {folder.write(u"empty.flac"_s, "")});
     EXPECT_EQ(verdict.keeping, u"there is no output"_s);
     EXPECT_EQ(verdict.failure, std::nullopt);
     EXPECT_TRUE(shown.empty()) << "and proves nothing of it";
+}
+
+TEST_F(SourceRetirementTest, ComparesTheMetadataOfPairs)
+{
+    const QString first = test::writeFlac(folder.path(u"1.flac"_s), {.seed = 1}, {u"-T"_s, u"TITLE=One"_s});
+    const QString second = test::writeFlac(folder.path(u"2.flac"_s), {.seed = 2}, {u"-T"_s, u"TITLE=Two"_s});
+    const QString firstMade = test::writeFlac(folder.path(u"out/1.flac"_s), {.seed = 1}, {u"-T"_s, u"TITLE=One"_s});
+    const QString secondMade = test::writeFlac(folder.path(u"out/2.flac"_s), {.seed = 2}, {u"-T"_s, u"TITLE=Two"_s});
+    SourceRetirement all = wanting({first, second});
+    EXPECT_TRUE(examine(all, {firstMade, secondMade}).keeping) << "each would have to hold both titles";
+    SourceRetirement pairs = wanting({second, first}, {.areOutputsPaired = true});
+    pairs.reorderSources({first, second});
+    const auto verdict = examine(pairs, {firstMade, secondMade});
+    EXPECT_EQ(verdict.keeping, std::nullopt);
+    EXPECT_EQ(verdict.proof, Proof::Proven);
+    EXPECT_EQ(pairs.retire().original, Original::Deleted);
+    EXPECT_FALSE(QFile::exists(first) || QFile::exists(second));
+}
+
+TEST_F(SourceRetirementTest, NamesTheOneOfSeveralThatHasChanged)
+{
+    const QString other = test::writeWav(folder.path(u"b.wav"_s), {.seed = 2});
+    const QString otherMade = test::writeFlac(folder.path(u"b.flac"_s), {.seed = 2});
+    SourceRetirement retirement = wanting({wav, other}, {.areOutputsPaired = true});
+    EXPECT_EQ(examine(retirement, {flac, otherMade}).keeping, std::nullopt);
+    flip(other, 100);
+    const auto ending = retirement.retire();
+    EXPECT_EQ(ending.original, Original::Kept);
+    EXPECT_EQ(ending.problem, u"b.wav has changed since the job began");
+    EXPECT_TRUE(QFile::exists(wav)) << "none goes";
 }
 
 TEST_F(SourceRetirementTest, KeepsALossySourceAlsoWithoutTheProof)

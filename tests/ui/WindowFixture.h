@@ -8,6 +8,7 @@
 #include "convert/DecodeTab.h"
 #include "convert/EncodeTab.h"
 #include "desktop/NullDesktopServices.h"
+#include "fix/FixTab.h"
 #include "lossy/LossyTab.h"
 #include "support/TestFolder.h"
 #include "toolbox/Toolbox.h"
@@ -27,6 +28,7 @@ struct WindowFixture {
     EncodeTab encodeTab{controller};
     ChecksumTab checksumTab{controller};
     LossyTab lossyTab{controller};
+    FixTab fixTab{controller};
     MainWindow window{controller};
 
     WindowFixture() = default;

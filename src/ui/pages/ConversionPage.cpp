@@ -34,13 +34,19 @@ void ConversionPage::addOutputOptions(CheckControl &besideSource, const QString 
                 tr("Otherwise one output folder is asked for"), parent);
     addCheckBox(group, originals.keepFoldersButton, tr("Rebuild the sour&ce folders"), u"keepFoldersButton"_s,
                 tr("Makes the folders of the sources again below the output folder"), parent);
-    addCheckBox(group, deleteOriginals, tr("Delete &originals afterwards"), u"deleteOriginalsButton"_s,
-                tr("Removes each source file once its output has been made without an error"), parent);
-    addCheckBox(group, originals.proveButton, tr("Delete onl&y what is proven"), u"proveButton"_s,
-                proof.isEmpty()
-                    ? tr("Decodes source and output again and deletes a source only when every sample is the same")
-                    : proof,
-                parent);
+    addDeletionOptions(group, deleteOriginals, originals,
+                       tr("Removes each source file once its output has been made without an error"),
+                       proof.isEmpty()
+                           ? tr("Decodes source and output again and deletes a source only when every sample is the same")
+                           : proof);
+}
+
+void ConversionPage::addDeletionOptions(QVBoxLayout *group, CheckControl &deleteOriginals, OriginalsControls &originals,
+                                        const QString &deletion, const QString &proof)
+{
+    QWidget *const parent = lastOptionGroup();
+    addCheckBox(group, deleteOriginals, tr("Delete &originals afterwards"), u"deleteOriginalsButton"_s, deletion, parent);
+    addCheckBox(group, originals.proveButton, tr("Delete onl&y what is proven"), u"proveButton"_s, proof, parent);
     addCheckBox(group, originals.dropMetadataButton, tr("Even if tags wo&uld be lost"), u"dropMetadataButton"_s,
                 tr("Otherwise a source stays whose tags, pictures or chunks have no place in its output"), parent);
 }

@@ -21,6 +21,9 @@ public:
     using TabPage::TabPage;
 
 protected:
+    /// What becomes of the source files: a part of the group that is last. `proof` as in `addOutputOptions`.
+    void addDeletionOptions(QVBoxLayout *group, CheckControl &deleteOriginals, OriginalsControls &originals,
+                            const QString &deletion, const QString &proof);
     /// What the outputs are. `shownTitles` stand for the control's own ones, in
     /// their order.
     void addFormats(ChoiceControl &formats, const QStringList &shownTitles);

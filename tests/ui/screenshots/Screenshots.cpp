@@ -12,6 +12,7 @@
 #include "convert/EncodeTab.h"
 #include "lossy/LossyTab.h"
 #include "desktop/NullDesktopServices.h"
+#include "fix/FixTab.h"
 #include "settings/SettingsStore.h"
 #include "support/WaitUntil.h"
 #include "toolbox/Toolbox.h"
@@ -148,6 +149,16 @@ void showModes(LossyTab &lossyTab, ChecksumTab &checksumTab, MainWindow &window,
     }
 }
 
+void showFix(FixTab &tab, MainWindow &window, const QDir &folder, const QString &suffix)
+{
+    tab.nurvController().selectTab(u"fix SBE"_s);
+    tab.addMatchedFiles(concert(u"shn"_s));
+    for (const QString &format : tab.outputFormatMatrix.titles()) {
+        tab.outputFormatMatrix.selectTitle(format);
+        save(window, folder.filePath(u"fix-%1-%2.png"_s.arg(format.toLower(), suffix)));
+    }
+}
+
 void showRows(NURVTaskQueue &queue, StatusWindow &status, const QDir &folder, const QString &suffix)
 {
     std::vector<std::shared_ptr<JobInState>> jobs;
@@ -242,10 +253,12 @@ int render(const QDir &folder, const QString &suffix)
     DecodeTab decodeTab(controller);
     EncodeTab encodeTab(controller);
     ChecksumTab checksumTab(controller);
+    FixTab fixTab(controller);
     LossyTab lossyTab(controller);
     MainWindow window(controller);
     showPages(controller, window, folder, suffix);
     showFormats(encodeTab, decodeTab, window, folder, suffix);
+    showFix(fixTab, window, folder, suffix);
     showModes(lossyTab, checksumTab, window, folder, suffix);
     showRows(controller.taskQueue(), *window.statusWindow(), folder, suffix);
     showOutput(prompts, folder, suffix);
