@@ -27,6 +27,8 @@ Q_DECLARE_LOGGING_CATEGORY(failedJobLog)
 /// Sources that stay although their deletion was asked for: `nurv.convert.kept`. Rows, and the lines of the command
 /// line, tell the same.
 Q_DECLARE_LOGGING_CATEGORY(keptSourceLog)
+/// When a job begins to wait for its program and has done so: `nurv.convert.wait`. Shown only to who asks for it.
+Q_DECLARE_LOGGING_CATEGORY(waitLog)
 /// What the process for tags has to do without: `nurv.tags.sandbox`. Shown only to who asks for it.
 Q_DECLARE_LOGGING_CATEGORY(sandboxLog)
 

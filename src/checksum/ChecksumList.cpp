@@ -3,6 +3,7 @@
 #include "checksum/ChecksumList.h"
 
 #include "app/PathNames.h"
+#include "checksum/ListEntries.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -55,7 +56,7 @@ bool areAllSameDirectory(const QStringList &paths)
 
 bool canName(const QString &name)
 {
-    return !name.contains(u'\n') && !name.contains(u'\r');
+    return std::none_of(name.begin(), name.end(), [](QChar character) { return checksumList::endsLine(character); });
 }
 
 QString md5EntryName(const QString &path, const QString &listFolder, bool allInOneFolder)

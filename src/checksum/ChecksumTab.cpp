@@ -26,6 +26,11 @@
 #include "programs/Wavpack.h"
 #include "settings/SettingsStore.h"
 
+#include <QFileInfo>
+#include <QScopeGuard>
+
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace nurv {
@@ -225,7 +230,27 @@ std::optional<QString> ChecksumTab::listPath(const QStringList &files, bool sour
 {
     if (sourceSave && checksumList::areAllSameDirectory(files))
         return joinPath(folderOf(files.first()), nameInFolder);
-    return openSavePanel(suggestedName, title);
+    return savePath(suggestedName, title);
+}
+
+std::optional<QString> ChecksumTab::savePath(const QString &suggestedName, const QString &title)
+{
+    static const QStringList sounds{u"FLAC"_s, u"WAV"_s, u"AIFF"_s, u"AIF"_s,  u"SHN"_s, u"APE"_s,
+                                    u"WV"_s,   u"TTA"_s, u"M4A"_s,  u"MP3"_s,  u"OPUS"_s, u"OGG"_s};
+    const std::optional<QString> path = openSavePanel(suggestedName, title);
+    if (!path)
+        return std::nullopt;
+    const QString meant = QFileInfo(*path).canonicalFilePath();
+    const bool isListed = !meant.isEmpty() && std::any_of(fileNames().begin(), fileNames().end(), [&](const QString &file) {
+        return QFileInfo(file).canonicalFilePath() == meant;
+    });
+    if (!isListed && !sounds.contains(formatWord(*path)))
+        return path;
+    nurvController().prompts().ask({.title = u"%1 cannot be the list"_s.arg(lastPathComponent(*path)),
+                                    .message = isListed ? u"It is one of the files that are to be listed."_s
+                                                        : u"Its name is that of a sound file."_s,
+                                    .buttons = {u"OK"_s}});
+    return std::nullopt;
 }
 
 std::shared_ptr<NURVTask> ChecksumTab::createMD5(const QStringList &files, NURVTaskQueue *queue, bool sourceSave)
@@ -248,10 +273,14 @@ std::shared_ptr<NURVTask> ChecksumTab::createST5(const QStringList &files, NURVT
     if (!path)
         return nullptr;
     QStringList names;
-    for (const QString &file : files)
+    int strangers = 0;
+    for (const QString &file : files) {
         names.append(lastPathComponent(file));
+        strangers += folderOf(file) != folderOf(files.last()) || names.last().startsWith(u'-') || !checksumList::canName(names.last());
+    }
     auto job = std::make_shared<CreateST5Task>(*path, queue, programPath(shntool::program().name),
                                                shntool::hashListArguments(names));
+    job->setStrangers(strangers);
     job->setDirectory(folderOf(files.last()));
     job->nameRow(u"Create ST5"_s);
     return job;
@@ -264,12 +293,12 @@ bool ChecksumTab::createFFP(const QStringList &files)
     const std::optional<QString> path =
         sourceSaveButton.isOn()
             ? joinPath(folder, checksumList::ffpFileName(folder, extension, isNamedAfterFolder()))
-            : openSavePanel(checksumList::ffpFileName({}, extension, false), u"Save fingerprint as..."_s);
+            : savePath(checksumList::ffpFileName({}, extension, false), u"Save fingerprint as..."_s);
     if (!path)
         return false;
     Q_EMIT longWorkBegan(u"Creating FFP checksum file"_s);
+    const auto end = qScopeGuard([this] { Q_EMIT longWorkEnded(); });
     writeFFP(files, *path);
-    Q_EMIT longWorkEnded();
     return true;
 }
 
@@ -278,10 +307,14 @@ void ChecksumTab::writeFFP(const QStringList &files, const QString &listPath)
     QString list = checksumList::ffpHeader(shortVersionString(), QDateTime::currentDateTime());
     QStringList problems;
     for (const QString &path : files) {
+        if (!checksumList::canName(lastPathComponent(path))) {
+            problems.append(u"%1 is not in the list: its name holds a line break"_s.arg(path));
+            continue;
+        }
         const QString entry = fingerprint(path);
         list += entry;
-        if (metaflac::tellsOfError(entry))
-            problems.append(u"%1 has no fingerprint: %2"_s.arg(path, entry.section(u'\n', 0, 0)));
+        if (const std::optional<QString> fault = faultOfFingerprint(entry))
+            problems.append(u"%1 has no fingerprint: %2"_s.arg(path, *fault));
     }
     QString reason;
     if (!writeTextFileAtomically(listPath, list, &reason, LinkAtName::Replaced))

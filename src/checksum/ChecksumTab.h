@@ -77,6 +77,8 @@ private:
     /// False: the user chose no place.
     [[nodiscard]] bool createFFP(const QStringList &files);
     void writeFFP(const QStringList &files, const QString &listPath);
+    /// Where the user wants the list; nothing when there is no place, or it is one that no list may take.
+    [[nodiscard]] std::optional<QString> savePath(const QString &suggestedName, const QString &title);
     [[nodiscard]] std::optional<QString> listPath(const QStringList &files, bool sourceSave, const QString &nameInFolder,
                                                   const QString &suggestedName, const QString &title);
 

@@ -15,6 +15,8 @@
 #include "programs/Shntool.h"
 #include "text/TextNumbers.h"
 
+#include <QFileInfo>
+
 #include <future>
 #include <utility>
 
@@ -74,14 +76,15 @@ void CreateAllListsTask::readFiles()
         const qsizetype index = m_next++;
         if (index >= m_files.size() || cancelled())
             return;
-        m_findings[static_cast<std::size_t>(index)] = read(m_files[index]);
-        ++m_done;
+        m_findings[static_cast<std::size_t>(index)] = read(m_files.at(index));
         showDone();
     }
 }
 
 void CreateAllListsTask::showDone()
 {
+    const std::lock_guard lock(m_showing);
+    ++m_done;
     setProgressIndicatorValue(static_cast<double>(m_done) * 100.0 / static_cast<double>(m_files.size()));
     updateStatus();
 }
@@ -105,7 +108,12 @@ CreateAllListsTask::Finding CreateAllListsTask::read(const QString &path) const
 void CreateAllListsTask::hash(const QString &path, Finding &finding) const
 {
     ProgramRunSync run(programPath(shntool::program().name), shntool::hashListArguments({lastPathComponent(path)}));
-    run.setDirectory(folderOf(path));
+    const QString folder = folderOf(path);
+    if (!QFileInfo(folder).isDir()) {
+        finding.st5Problem = u"its folder is gone"_s;
+        return;
+    }
+    run.setDirectory(folder);
     QString written;
     const ProgramRunSync::Ending ending = run.run(
         [&written](const QString &chunk) {
@@ -137,7 +145,7 @@ void CreateAllListsTask::writeLists()
     QString ffp;
     for (qsizetype i = 0; i < m_files.size(); ++i) {
         const Finding &finding = m_findings[static_cast<std::size_t>(i)];
-        const QString &path = m_files[i];
+        const QString &path = m_files.at(i);
         const QString name = checksumList::md5EntryName(path, folderOf(m_lists.md5), allInOneFolder);
         if (!checksumList::canName(name)) {
             warn(u"%1 is not in the lists: its name holds a line break"_s.arg(path));
@@ -150,8 +158,8 @@ void CreateAllListsTask::writeLists()
             warn(u"%1 was not read for the list: %2"_s.arg(path, finding.digest.failure));
         if (!finding.st5Problem.isEmpty())
             warn(u"%1 is not whole: %2"_s.arg(path, finding.st5Problem));
-        if (metaflac::tellsOfError(finding.fingerprint))
-            warn(u"%1 has no fingerprint: %2"_s.arg(path, finding.fingerprint.section(u'\n', 0, 0)));
+        if (const std::optional<QString> fault = faultOfFingerprint(finding.fingerprint); fault && formatWord(path) == u"FLAC")
+            warn(u"%1 has no fingerprint: %2"_s.arg(path, *fault));
     }
     writeList(m_lists.md5, checksumList::md5Header(version, now), md5);
     // A line end begins its entries.

@@ -8,6 +8,7 @@
 #include <QStringList>
 
 #include <atomic>
+#include <mutex>
 #include <vector>
 
 namespace nurv {
@@ -56,7 +57,8 @@ private:
     Lists m_lists;
     std::vector<Finding> m_findings; ///< of each file
     std::atomic<qsizetype> m_next = 0;
-    std::atomic<qsizetype> m_done = 0;
+    std::mutex m_showing;
+    qsizetype m_done = 0; ///< behind that lock
 };
 
 } // namespace nurv

@@ -62,10 +62,14 @@ void CreateFFPTask::doCreateFFP(const QStringList &files, const QString &outputD
     for (const QString &path : files) {
         if (cancelled())
             return;
-        if (checksumList::canName(lastPathComponent(path)))
-            list += fingerprint(path);
-        else
+        if (!checksumList::canName(lastPathComponent(path))) {
             warn(u"%1 is not in the list: its name holds a line break"_s.arg(path));
+            continue;
+        }
+        const QString entry = fingerprint(path);
+        list += entry;
+        if (const std::optional<QString> fault = faultOfFingerprint(entry))
+            warn(u"%1 has no fingerprint: %2"_s.arg(path, *fault));
     }
     if (cancelled())
         return;

@@ -9,6 +9,8 @@
 #include "programs/Shntool.h"
 #include "text/TextNumbers.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace nurv {
@@ -33,6 +35,8 @@ void CreateST5Task::processTaskOutput(const QString &chunk)
             QString name = text.sliced(text.indexOf(u'[')).section(u"] ("_s, 0, 0);
             while (name.startsWith(u'['))
                 name.remove(0, 1);
+            while (name.endsWith(u'['))
+                name.chop(1);
             showMainLine(name);
         }
     }
@@ -56,6 +60,11 @@ void CreateST5Task::takeEntries(const QString &chunk)
 void CreateST5Task::couldNotWrite(const QString &problem)
 {
     NURVAsyncNSTaskFileOutputRedirection::couldNotWrite(problem);
+    tellProblem(problem);
+}
+
+void CreateST5Task::tellProblem(const QString &problem)
+{
     ownOutcome().problem = problem;
     // The text of the list was the job's result.
     const auto told = std::make_shared<NURVTaskResults>();
@@ -64,15 +73,20 @@ void CreateST5Task::couldNotWrite(const QString &problem)
     failWith(problem);
 }
 
+void CreateST5Task::outputEnded()
+{
+    // The last line may have had no end.
+    takeEntries(u"\n"_s);
+}
+
 void CreateST5Task::cleanup()
 {
-    takeEntries(u"\n"_s);
-    const auto wanted = static_cast<int>(arguments().size()) - shntool::kHashListOptions;
-    if (cancelled() || !hasRun() || m_lineCount >= wanted)
+    const auto wanted = static_cast<int>(arguments().size()) - static_cast<int>(shntool::kHashListOptions);
+    const int missing = std::max(wanted - m_lineCount, m_strangers);
+    if (cancelled() || !hasRun() || missing <= 0 || !ownOutcome().problem.isEmpty())
         return;
-    ownOutcome().problem = wanted - m_lineCount == 1 ? u"1 of %1 files is not in the list"_s.arg(wanted)
-                                                     : u"%1 of %2 files are not in the list"_s.arg(wanted - m_lineCount).arg(wanted);
-    setError(true);
+    tellProblem(missing == 1 ? u"1 of %1 files is not in the list"_s.arg(wanted)
+                             : u"%1 of %2 files are not in the list"_s.arg(missing).arg(wanted));
 }
 
 } // namespace nurv

@@ -17,7 +17,13 @@ using checksumList::Entry;
 
 namespace {
 
-/// The lines that are neither empty nor comments, without the blanks at their ends.
+/// Whether a line that is no entry is none by intention.
+bool isComment(const QString &line)
+{
+    return line.startsWith(u'#') || line.startsWith(u';') || line.startsWith(u"//"_s);
+}
+
+/// The lines that are not empty, without the blanks at their ends.
 QStringList linesOf(const QString &text)
 {
     QStringList lines;
@@ -25,7 +31,7 @@ QStringList linesOf(const QString &text)
     static const QRegularExpression kLineEnd(u"\\r\\n|\\n|\\r"_s);
     for (const QString &line : text.split(kLineEnd)) {
         const QString trimmed = line.trimmed();
-        if (!trimmed.isEmpty() && !trimmed.startsWith(u'#') && !trimmed.startsWith(u';') && !trimmed.startsWith(u"//"_s))
+        if (!trimmed.isEmpty())
             lines.append(trimmed);
     }
     return lines;
@@ -74,7 +80,8 @@ std::vector<Entry> md5Entries(const QString &text)
             entry = entryOf(line, plain.captured(2), plain.captured(1).isEmpty() ? plain.captured(3) : unescaped(plain.captured(3)));
         else if (const auto bsd = kBsd.match(line); bsd.hasMatch())
             entry = entryOf(line, bsd.captured(3), bsd.captured(1).isEmpty() ? bsd.captured(2) : unescaped(bsd.captured(2)));
-        entries.push_back(entry);
+        if (entry.isEntry() || !isComment(line))
+            entries.push_back(entry);
     }
     return entries;
 }
@@ -85,7 +92,10 @@ std::vector<Entry> st5Entries(const QString &text)
     std::vector<Entry> entries;
     for (const QString &line : linesOf(text)) {
         const auto match = kLine.match(line);
-        entries.push_back(match.hasMatch() ? entryOf(line, match.captured(1), match.captured(2)) : Entry{.line = line});
+        if (match.hasMatch())
+            entries.push_back(entryOf(line, match.captured(1), match.captured(2)));
+        else if (!isComment(line))
+            entries.push_back({.line = line});
     }
     return entries;
 }
@@ -96,7 +106,10 @@ std::vector<Entry> ffpEntries(const QString &text)
     std::vector<Entry> entries;
     for (const QString &line : linesOf(text)) {
         const auto match = kLine.match(line);
-        entries.push_back(match.hasMatch() ? entryOf(line, match.captured(2), match.captured(1)) : Entry{.line = line});
+        if (match.hasMatch())
+            entries.push_back(entryOf(line, match.captured(2), match.captured(1)));
+        else if (!isComment(line))
+            entries.push_back({.line = line});
     }
     return entries;
 }
@@ -107,11 +120,12 @@ QString Files::find(const QString &name)
     if (isThere(asItStands))
         return asItStands;
     const QString slashed = QString(name).replace(u'\\', u'/');
-    for (const QString &meant : {slashed, lastPathComponent(slashed)}) {
-        if (const QString found = walk(meant); !found.isEmpty())
-            return found;
-    }
-    return asItStands;
+    if (const QString found = walk(slashed); !found.isEmpty())
+        return found;
+    // A file that is missing from its own folder is not another one of its name.
+    const QString folder = slashed.contains(u'/') ? walk(folderOf(slashed)) : QString();
+    const QString beside = folder.isEmpty() && slashed.contains(u'/') ? walk(lastPathComponent(slashed)) : QString();
+    return beside.isEmpty() ? asItStands : beside;
 }
 
 QString Files::walk(const QString &name)

@@ -18,12 +18,6 @@ namespace {
 
 constexpr qint64 kLargestList = 256 * 1024 * 1024;
 
-bool endsLine(QChar character)
-{
-    return (character >= u'\n' && character <= u'\r') || character == u'\u0085' || character == u'\u2028'
-           || character == u'\u2029';
-}
-
 /// The first two pieces at the marker; no name without a second one.
 Entry splitAt(const QString &line, QStringView marker)
 {
@@ -33,12 +27,19 @@ Entry splitAt(const QString &line, QStringView marker)
         return entry;
     const qsizetype behind = first + marker.size();
     const qsizetype next = line.indexOf(marker, behind);
+    entry.hasMark = true;
     entry.expected = line.first(first).trimmed();
     entry.name = line.sliced(behind, (next < 0 ? line.size() : next) - behind);
     return entry;
 }
 
 } // namespace
+
+bool endsLine(QChar character)
+{
+    return (character >= u'\n' && character <= u'\r') || character == u'\u0085' || character == u'\u2028'
+           || character == u'\u2029';
+}
 
 QByteArray readListBytes(const QString &path)
 {
@@ -111,7 +112,8 @@ std::vector<Entry> ffpEntries(const QStringList &lines)
             continue;
         // The name stands first here.
         const Entry split = splitAt(trimmed, u":");
-        entries.push_back({.line = trimmed, .name = split.expected, .expected = split.name.trimmed()});
+        entries.push_back(
+            {.line = trimmed, .name = split.expected, .expected = split.name.trimmed(), .hasMark = split.hasMark});
     }
     return entries;
 }

@@ -22,6 +22,8 @@ inline constexpr QStringView kSt5Marker = u"  [shntool]  ";
 /// The bytes of a list of any encoding. Throws likewise.
 [[nodiscard]] QByteArray readListBytes(const QString &path);
 
+/// Whether a reader of lists takes the character for the end of a line.
+[[nodiscard]] bool endsLine(QChar character);
 /// The pieces of the text between its line ends. Each of LF, CR, vertical tabulator, form feed, NEL and the two separators
 /// of Unicode ends a line: CR and LF together give an empty line, and a line end at the end an empty one behind it.
 [[nodiscard]] QStringList linesOf(QStringView text);
@@ -32,7 +34,9 @@ struct Entry {
     QString name = {};     ///< of an MD5 list not trimmed; empty when the line is no entry
     QString expected = {}; ///< the digest, trimmed; of an ST5 list the whole line counts
 
-    [[nodiscard]] bool isEntry() const { return !name.isEmpty(); }
+    bool hasMark = false;  ///< also before nothing
+
+    [[nodiscard]] bool isEntry() const { return hasMark || !name.isEmpty(); }
 };
 
 /// Comments begin with "#" or ";" in the first column; "digest *name".

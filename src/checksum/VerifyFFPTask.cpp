@@ -15,6 +15,8 @@
 #include "programs/TestOutput.h"
 #include "text/TextNumbers.h"
 
+#include <QFileInfo>
+
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -77,7 +79,10 @@ QStringList VerifyFFPTask::doVerifyFPP()
         setProgressIndicatorValue(static_cast<double>(done) * 100.0 / static_cast<double>(lines.size()));
         updateStatus();
         const QString path = understandsOthers() ? files.find(entry.name) : checksumList::listedPath(folder, entry.name);
-        const QString computed = fingerprint(path).trimmed();
+        // A list may name a pipe, which would keep the program waiting.
+        const QFileInfo named(path);
+        const bool isOdd = named.exists() && !named.isFile();
+        const QString computed = isOdd ? QString() : fingerprint(path).trimmed();
         const QString wanted = understandsOthers() ? lastPathComponent(path) + u':' + entry.expected
                                                    : entry.name + u':' + entry.expected;
         ListedFile file{.name = entry.name, .state = State::Different};
@@ -87,17 +92,23 @@ QStringList VerifyFFPTask::doVerifyFPP()
             file.detail = computed.section(u'\n', 0, 0);
         } else if (computed == wanted) {
             gathered += entry.name + u" : OK\n"_s;
-            file.state = State::Ok;
+            const std::optional<QString> fault = faultOfFingerprint(computed);
+            file.state = fault ? State::Unreadable : State::Ok;
+            file.detail = fault.value_or(QString());
             m_filesOfPath.emplace(path, fileCount());
             kept.append(path);
         } else {
             gathered += entry.name + u" : did not match fingerprint file\n"_s;
             if (!isThere(path))
                 file.state = State::Missing;
+            else if (isOdd)
+                file.state = State::Unreadable;
         }
         addFile(file);
         ++done;
     }
+    setProgressIndicatorValue(static_cast<double>(done) * 100.0 / static_cast<double>(lines.size()));
+    updateStatus();
     addLines(gathered);
     kept.sort();
     return kept;

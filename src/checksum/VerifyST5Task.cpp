@@ -85,7 +85,7 @@ void VerifyST5Task::doCreateST5()
             gathered += u"%1 : %2\n"_s.arg(name, answer);
         else
             gathered += name + (isSame ? u" : OK\n"_s : u" : did not match shntool md5 file\n"_s);
-        addFile({.name = entry.name, .state = stateOf(path, isSame), .detail = isWarning ? answer : QString()});
+        addFile({.name = entry.name, .state = stateOf(path, isSame || answer == entry.line), .detail = isWarning ? answer : QString()});
     }
     addLines(gathered);
 }

@@ -33,6 +33,8 @@ int CliApplication::main(int argc, char **argv, const CommandTree &commands)
 {
     // A reader that has gone away shows as an error of the write, not as a death.
     ::signal(SIGPIPE, SIG_IGN);
+    // A file that may not grow is an error of the write.
+    ::signal(SIGXFSZ, SIG_IGN);
     CliApplication application(argc, argv, commands);
     const ExitStatus status = application.run();
     const bool lostOutput = status == ExitStatus::Ok && application.m_console.outputFailed();

@@ -10,6 +10,7 @@
 #include "base/SystemError.h"
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskResults.h"
+#include "files/FileDescriptor.h"
 #include "files/FileStatus.h"
 #include "files/FolderEntry.h"
 #include "files/NewFolders.h"
@@ -23,6 +24,8 @@
 #include <cerrno>
 #include <exception>
 #include <utility>
+
+#include <fcntl.h>
 
 using namespace Qt::StringLiterals;
 
@@ -167,6 +170,17 @@ void Conversion::beginOutput(bool replaces)
     }
     if (!outputExisted() && m_batch && m_batch->journal)
         m_batch->journal->markBegun(outputFile());
+}
+
+void Conversion::reserveOutput() const
+{
+    if (outputExisted())
+        return;
+    const FileDescriptor file(
+        ::open(QFile::encodeName(outputFile()).constData(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC | O_NOFOLLOW, 0666));
+    // Where nothing can be made the program says why.
+    if (!file.isOpen() && errno == EEXIST)
+        throw NurvFailure(u"its output %1 exists already"_s.arg(lastPathComponent(outputFile())));
 }
 
 void Conversion::disownOutput()

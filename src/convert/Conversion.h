@@ -79,6 +79,9 @@ protected:
     /// replaced (`replaces`: by what makes the output, in a batch that leaves it to that),
     /// and notes the output in the journal. Throws NurvFailure when the file stays in the way.
     void beginOutput(bool replaces);
+    /// Behind `beginOutput`, for a program that writes over whatever has the output's name: makes that an empty file, so that
+    /// no two programs write to one. Throws NurvFailure when somebody was faster.
+    void reserveOutput() const;
     /// Whether a job of the same batch makes a file of that name.
     [[nodiscard]] bool isOutputOfBatch(const QString &path) const;
     /// Around the making of the intermediate file.

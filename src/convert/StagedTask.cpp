@@ -82,6 +82,8 @@ bool StagedTask::runForOutput(const ProgramStage &stage)
     if (cancelled())
         return false;
     beginOutput(stage.replacesOutput);
+    if (stage.replacesOutput)
+        reserveOutput();
     m_programHasBegun = true;
     return run(stage);
 }

@@ -32,6 +32,7 @@ void NURVAsyncNSTaskFileOutputRedirection::completeStop()
         NURVAsyncNSTask::completeStop();
         return;
     }
+    outputEnded();
     const QString text = results() ? results()->results() : QString();
     setResults(nullptr);
     if (hasRun())

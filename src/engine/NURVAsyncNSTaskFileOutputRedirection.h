@@ -25,6 +25,8 @@ public:
 
 protected:
     void completeStop() override;
+    /// The program has written all: before its text is taken for the file.
+    virtual void outputEnded() {}
     /// The file could not be written. This one tells the log.
     virtual void couldNotWrite(const QString &problem);
 

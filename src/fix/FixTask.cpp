@@ -308,11 +308,13 @@ void FixTask::doMd5Call(const QString &listName, const QList<qsizetype> &places)
         const QString path = m_files.path(place);
         showMainLine(lastPathComponent(path));
         if (canList(path)) {
-            const QString digest = MD5Helper::getMD5FromFile(path, [this] { return cancelled(); });
+            const FileDigest digest =
+                MD5Helper::digestOf(path, MD5Helper::Kind::Regular, [this] { return cancelled(); });
             if (cancelled())
                 return;
-            list += checksumList::md5Entry(digest, lastPathComponent(path));
-            if (const QString fault = fixedFileLists::faultOfFile(path); !fault.isEmpty())
+            list += checksumList::md5Entry(digest.hexadecimal, lastPathComponent(path));
+            const QString fault = digest.failure.isEmpty() ? fixedFileLists::faultOfFile(path) : digest.failure;
+            if (!fault.isEmpty())
                 noteUnlisted(path, fault);
         }
         ++done;

@@ -60,9 +60,9 @@ void EncodeMP3Task::encode(const QString &input)
         encodeUnderName(road.stage, road.made);
         return;
     }
-    qCDebug(convertLog).noquote() << "before wait until exit" << title();
+    qCDebug(waitLog).noquote() << "before wait until exit" << title();
     runForOutput(road.stage);
-    qCDebug(convertLog).noquote() << "after wait until exit" << title();
+    qCDebug(waitLog).noquote() << "after wait until exit" << title();
 }
 
 QString EncodeMP3Task::intermediateFile() const

@@ -141,7 +141,7 @@ public:
         ::sigemptyset(&none);
         sigset_t defaults;
         ::sigemptyset(&defaults);
-        for (const int signal : {SIGPIPE, SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGCHLD})
+        for (const int signal : {SIGPIPE, SIGXFSZ, SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGCHLD})
             ::sigaddset(&defaults, signal);
         ::posix_spawnattr_setsigmask(&attributes, &none);
         ::posix_spawnattr_setsigdefault(&attributes, &defaults);

@@ -9,9 +9,12 @@
 #include "shorten/ShortenDecoder.h"
 #include "support/InputFile.h"
 
+#include <QtEndian>
+
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -81,6 +84,48 @@ private:
     bool m_isInterrupted = false; ///< samples follow bytes that were stored behind samples
     std::int64_t m_framesRead = 0;
 };
+
+namespace {
+
+/// Where a table for seeking ends that begins there and counts itself in its trailer; nothing without one.
+std::optional<std::int64_t> endOfSeekTable(const RegularFile &file, std::int64_t begin)
+{
+    constexpr std::size_t kMostSearched = 64 * 1024;
+    constexpr std::size_t kCountSize = 4;
+    constexpr std::string_view kEndMark = "SHNAMPSK";
+    std::array<char, kCountSize> mark = {};
+    if (!file.readAll(begin, mark.data(), mark.size()) || std::memcmp(mark.data(), "SEEK", mark.size()) != 0)
+        return std::nullopt;
+    // Tags may follow it.
+    const std::int64_t from = std::max(begin, file.size() - static_cast<std::int64_t>(kMostSearched));
+    std::vector<char> last(static_cast<std::size_t>(file.size() - from));
+    if (!file.readAll(from, last.data(), last.size()))
+        return std::nullopt;
+    const std::size_t place = std::string_view(last.data(), last.size()).rfind(kEndMark);
+    if (place == std::string_view::npos || place < kCountSize)
+        return std::nullopt;
+    const std::int64_t end = from + static_cast<std::int64_t>(place + kEndMark.size());
+    const bool isWhole = qFromLittleEndian<std::uint32_t>(last.data() + place - kCountSize) == end - begin;
+    return isWhole ? std::optional(end) : std::nullopt;
+}
+
+/// Whether nothing stands behind the stream's end but what programs put there: zeros, a table for seeking, tags; or less
+/// than a sound takes.
+bool endsKnown(const RegularFile &file, std::int64_t end)
+{
+    // Its last word is filled up with zeros.
+    constexpr int kMostFilling = 8;
+    constexpr std::int64_t kLeastSound = 512;
+    if (file.size() - end < kLeastSound)
+        return true;
+    std::uint8_t filling = 0;
+    for (int i = 0; i < kMostFilling && file.readAll(end, &filling, 1) && filling == 0; ++i)
+        ++end;
+    end = endOfSeekTable(file, end).value_or(end);
+    return holdsOnlyPadding(file, end) || holdsOnlyTags(file, end);
+}
+
+} // namespace
 
 void ShortenSampleStream::Decoder::take(std::span<const std::uint8_t> bytes)
 {
@@ -153,6 +198,8 @@ void ShortenSampleStream::Decoder::checkEnd() const
     if (m_isInterrupted || (!isWholeHeader && !isChunk)
         || lookBehindSound(MemoryBytes(m_behind), 0, isOdd, m_front.front() == 'F') != BehindSound::Chunks)
         throw NurvFailure(u"it stores bytes beside its samples that may be samples, too"_s);
+    if (!endsKnown(*m_file, static_cast<std::int64_t>(m_decoder.position())))
+        throw NurvFailure(u"bytes stand behind its end that may be another sound"_s);
 }
 
 ShortenSampleStream::ShortenSampleStream(std::unique_ptr<RegularFile> file)

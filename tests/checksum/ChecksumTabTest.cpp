@@ -133,6 +133,29 @@ TEST_F(ChecksumTabTest, SaysWhichFilesAreMissingFromAnSt5List)
     EXPECT_EQ(entriesOf(u"l.st5"_s, u";shntool st5 checksums"_s).count(u'\n'), 1);
 }
 
+TEST_F(ChecksumTabTest, SaysThatFilesOfOtherFoldersAreNotInAnSt5ListAlsoWhereTheirNamesAre)
+{
+    const QStringList files{test::writeWav(folder.path(u"cd1/t01.wav"_s), {.seconds = 0.3}),
+                            test::writeWav(folder.path(u"cd2/t01.wav"_s), {.seconds = 0.3, .seed = 2})};
+    std::shared_ptr<NURVTask> job;
+    QObject::connect(&controller.taskQueue(), &NURVTaskQueue::taskEnded, &controller,
+                     [&](const std::shared_ptr<NURVTask> &task) { job = task; });
+    expectSave(u"checksum.st5"_s, u"Save st5 as..."_s, folder.path(u"l.st5"_s));
+    create(u"ST5"_s, files);
+    ASSERT_TRUE(job);
+    EXPECT_TRUE(job->error());
+    EXPECT_EQ(job->outcome().problem, u"1 of 2 files is not in the list");
+}
+
+TEST_F(ChecksumTabTest, KeepsTheLastLineOfAnSt5ListThatHasNoEnd)
+{
+    tools.remove(u"shntool"_s);
+    tools.addFake(u"shntool"_s, "out=01  [shntool]  a;until-read;out=.wav\\n02  [shntool]  b.wav");
+    tab.sourceSaveButton.setOn(true);
+    create(u"ST5"_s, {folder.write(u"a.wav"_s, "x"), folder.write(u"b.wav"_s, "x")});
+    EXPECT_EQ(entriesOf(u"checksum.st5"_s, u";shntool st5 checksums"_s), u"01  [shntool]  a.wav\n02  [shntool]  b.wav\n");
+}
+
 TEST_F(ChecksumTabTest, WritesFingerprintsAtOnce)
 {
     QStringList work;
@@ -150,6 +173,25 @@ TEST_F(ChecksumTabTest, WritesFingerprintsAtOnce)
                     + QString::fromUtf8(test::runProgram(u"metaflac"_s, {u"--show-md5sum"_s, file}).output);
     EXPECT_EQ(entriesOf(u"cd1/fingerprint.ffp.txt"_s, u";flac fingerprints"_s), expected);
     EXPECT_EQ(work, (QStringList{u"Creating FFP checksum file"_s, u"ended"_s}));
+}
+
+TEST_F(ChecksumTabTest, PutsNoListInThePlaceOfASound)
+{
+    const QString wav = folder.write(u"a.wav"_s, "precious");
+    const QString flac = folder.write(u"b.flac"_s, "precious");
+    expectSave(u"md5sum.md5"_s, u"Save md5 as..."_s, wav);
+    prompts.expectAsk(Alert{.title = u"a.wav cannot be the list"_s,
+                            .message = u"It is one of the files that are to be listed."_s,
+                            .buttons = {u"OK"_s}},
+                      u"OK"_s);
+    create(u"MD5"_s, {wav});
+    expectSave(u"md5sum.md5"_s, u"Save md5 as..."_s, flac);
+    prompts.expectAsk(
+        Alert{.title = u"b.flac cannot be the list"_s, .message = u"Its name is that of a sound file."_s, .buttons = {u"OK"_s}},
+        u"OK"_s);
+    create(u"MD5"_s, {wav});
+    EXPECT_EQ(folder.read(u"a.wav"_s), "precious");
+    EXPECT_EQ(folder.read(u"b.flac"_s), "precious");
 }
 
 TEST_F(ChecksumTabTest, KeepsTheFilesWhenTheChoiceOfAFingerprintListIsGivenUp)

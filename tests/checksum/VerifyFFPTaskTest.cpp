@@ -8,6 +8,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <sys/stat.h>
+
 using namespace Qt::StringLiterals;
 
 namespace nurv {
@@ -90,6 +92,26 @@ TEST_F(VerifyFFPTaskTest, NeverFindsANameWithAFolderTheSame)
     EXPECT_EQ(statesOf(*task), (std::vector{State::Different, State::Missing}));
 }
 
+TEST_F(VerifyFFPTaskTest, DoesNotWaitForAPipe)
+{
+    ASSERT_EQ(::mkfifo(QFile::encodeName(folder.path(u"a.flac"_s)).constData(), 0600), 0);
+    const auto task = verify<VerifyFFPTask>(folder.write(u"l.ffp"_s, "a.flac:0123456789abcdef0123456789abcdef\n"));
+    EXPECT_EQ(statesOf(*task), std::vector{State::Unreadable}) << qPrintable(report);
+    EXPECT_TRUE(task->error());
+}
+
+TEST_F(VerifyFFPTaskTest, VouchesForNoFileWithoutAFingerprint)
+{
+    test::writeFlac(folder.path(u"a.flac"_s), {.seconds = 0.3});
+    QByteArray bytes = folder.read(u"a.flac"_s);
+    folder.write(u"a.flac"_s, bytes.replace(26, 16, QByteArray(16, '\0')));
+    const auto task = verify<VerifyFFPTask>(folder.write(u"l.ffp"_s, "a.flac:" + QByteArray(32, '0') + '\n'));
+    EXPECT_TRUE(report.contains(u"a.flac : OK\n"_s)) << qPrintable(report);
+    EXPECT_TRUE(task->error());
+    ASSERT_EQ(task->outcome().listedFiles.size(), 1U);
+    EXPECT_EQ(task->outcome().listedFiles[0].detail, u"its encoder stored none");
+}
+
 TEST_F(VerifyFFPTaskTest, CountsAllLinesForItsProgress)
 {
     for (const QString &name : {u"a.flac"_s, u"b.flac"_s, u"c.flac"_s})
@@ -99,13 +121,15 @@ TEST_F(VerifyFFPTaskTest, CountsAllLinesForItsProgress)
     QList<double> shown;
     QObject::connect(&queue, &NURVTaskQueue::rowChanged, &queue, [&](int row) {
         const auto &job = queue.panelArray()[static_cast<std::size_t>(row)];
-        if (job->topTextField().text.startsWith(u"Verifying c"_s))
+        if (job->topTextField().text.startsWith(u"Verifying c"_s) && (shown.isEmpty() || shown.last() != job->progressIndicator().value))
             shown.append(job->progressIndicator().value);
     });
     verify<VerifyFFPTask>(folder.write(u"l.ffp"_s, ";h\n\n" + entryOf(u"a.flac"_s) + entryOf(u"b.flac"_s) + entryOf(u"c.flac"_s)));
-    // Two of six lines, the empty one behind the last line end included, were done when the third began.
-    ASSERT_FALSE(shown.isEmpty());
-    EXPECT_NEAR(shown.last(), 200.0 / 6.0, 0.001);
+    // Two of six lines, the empty one behind the last line end included, were done when the third began, and three when it
+    // ended.
+    ASSERT_EQ(shown.size(), 2);
+    EXPECT_NEAR(shown[0], 200.0 / 6.0, 0.001);
+    EXPECT_EQ(shown[1], 50.0);
 }
 
 TEST_F(VerifyFFPTaskTest, FailsForAListThatIsEmptyOrCannotBeRead)

@@ -71,6 +71,13 @@ TEST_F(VerifyMD5TaskTest, NamesLinesThatAreNoEntries)
     EXPECT_EQ(statesOf(*task), std::vector{State::NotAnEntry});
 }
 
+TEST_F(VerifyMD5TaskTest, FindsNoFileForAnEntryWithoutAName)
+{
+    const auto task = verify<VerifyMD5Task>(folder.write(u"l.md5"_s, kDigestOfAbc + " * \n" + kDigestOfAbc + " * *x\n"));
+    EXPECT_EQ(report.count(u" : FAILED\n"_s), 2) << qPrintable(report);
+    EXPECT_TRUE(task->error());
+}
+
 TEST_F(VerifyMD5TaskTest, FindsFilesInFoldersBelowTheList)
 {
     folder.write(u"cd2/t01.wav"_s, "abc");

@@ -136,6 +136,21 @@ TEST(ChecksumCommand, SeesDamageWhileItWritesAllLists)
     EXPECT_FALSE(result.errors.contains("t01.flac is not whole"));
 }
 
+TEST(ChecksumCommand, SaysWhatHasNoPlaceInAList)
+{
+    const TestFolder folder;
+    const QString show = makeShow(folder);
+    folder.write(u"show/notes.txt"_s, "notes");
+    for (const auto &[kind, note] :
+         {std::pair{u"ffp"_s, "nurv: 1 of 4 files have no place in an FFP list, which holds FLAC files\n"},
+          std::pair{u"st5"_s, "nurv: 1 of 4 files have no place in an ST5 list, which holds what shntool reads\n"}}) {
+        const ProgramResult result = checksum({u"create"_s, u"--kind"_s, kind, u"--output"_s, folder.path(kind), show});
+        EXPECT_EQ(result.exitStatus, 0) << result.errors.constData();
+        EXPECT_TRUE(result.errors.contains(note)) << result.errors.constData();
+    }
+    EXPECT_EQ(checksum({u"create"_s, u"--kind=md5"_s, u"--output"_s, folder.path(u"md5"_s), show}).errors.count("no place"), 0);
+}
+
 TEST(ChecksumCommand, TestsLosslessFiles)
 {
     const TestFolder folder;

@@ -164,7 +164,8 @@ TEST_F(GuardedStagesTest, TheRowTellsThatAnotherJobConvertsTheSource)
     const auto task = makeEncoder(wav, u"TTA"_s);
     task->setDeleteOriginal(true);
     queue().addTask(task);
-    EXPECT_TRUE(test::waitUntil([&] { return task->isDone(); }));
+    // The row is painted once the job is done.
+    EXPECT_TRUE(test::waitUntil([&] { return task->topTextField().text.startsWith(u"Complete"_s); }));
     EXPECT_EQ(task->topTextField().text, u"Complete; original kept: another job converts it, too");
     folder.write(u"go-on"_s, "");
     ASSERT_TRUE(finish());

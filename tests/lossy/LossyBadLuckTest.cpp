@@ -140,6 +140,44 @@ TEST_F(LossyBadLuckTest, KeepsAnOutputThatWasThereBefore)
         EXPECT_EQ(out.read(name), "somebody's");
 }
 
+TEST_F(LossyBadLuckTest, HasTheNameOfItsOutputBeforeTheProgramBegins)
+{
+    // A second run of the application, which takes no notice of this one, finds it taken.
+    const QString wav = test::writeWav(folder.path(u"a.wav"_s));
+    setFake(u"lame"_s, waits() + ";append=@-1:made;exit=1");
+    setFake(u"opusenc"_s, waits() + ";append=@-1:made;exit=1");
+    for (const auto &[encoder, name] : {std::pair{Encoder::Mp3, u"a.mp3"_s}, std::pair{Encoder::Opus, u"a.opus"_s}}) {
+        const auto task = make(encoder, wav);
+        queue().addTask(task);
+        ASSERT_TRUE(test::waitUntil([&] { return folder.exists(u"waits"_s); }));
+        EXPECT_EQ(out.list(), QStringList{name});
+        EXPECT_EQ(out.read(name), "");
+        folder.write(u"go-on"_s, "");
+        ASSERT_TRUE(finish());
+        EXPECT_TRUE(task->error());
+        EXPECT_EQ(out.list(), QStringList()) << "what a failed program made of it goes";
+        folder.remove(u"waits"_s);
+        folder.remove(u"go-on"_s);
+    }
+}
+
+TEST_F(LossyBadLuckTest, KeepsAShortenFileWithAnotherSoundBehindItsEnd)
+{
+    const QString shn = makeSource(u"SHN"_s, {.seconds = 1.0});
+    const QByteArray bytes = folder.read(u"a.shn"_s);
+    for (const QByteArray &tail : {bytes, QByteArray(5'000, 'x')}) {
+        folder.write(u"a.shn"_s, bytes + tail);
+        for (const Encoder encoder : kEncoders) {
+            const auto task = make(encoder, shn);
+            task->setDeleteOriginal(true);
+            runJob(task);
+            EXPECT_TRUE(QFile::exists(shn)) << qPrintable(task->outputFile());
+            for (const QString &name : out.list())
+                ASSERT_TRUE(QFile::remove(out.path(name)));
+        }
+    }
+}
+
 TEST_F(LossyBadLuckTest, KeepsADamagedSource)
 {
     const test::SoundShape shape{.seconds = 2.0};

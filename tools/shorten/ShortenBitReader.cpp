@@ -39,6 +39,11 @@ constexpr int32_t unfold(uint32_t code)
 
 ShortenBitReader::ShortenBitReader(InputFile &input) : m_input(input), m_buffer(kBufferBytes) {}
 
+uint64_t ShortenBitReader::position() const
+{
+    return m_input.position() - (m_end - m_next) - m_cachedBits / 8;
+}
+
 uint32_t ShortenBitReader::readUnsigned(unsigned lowBits)
 {
     uint64_t zeros = 0;

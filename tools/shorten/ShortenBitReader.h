@@ -33,6 +33,9 @@ public:
     /// `codeBits` low-order bits, the one for the sign included: 0 to kMaxEnergy + 1.
     void readResiduals(unsigned codeBits, std::span<int32_t> values);
 
+    /// Bytes of the input that have been read, one that was begun included.
+    [[nodiscard]] uint64_t position() const;
+
 private:
     void fillCache();
     bool fillBuffer();

@@ -48,6 +48,10 @@ public:
     /// Valid after `decodeHead`.
     [[nodiscard]] const StreamHeader &header() const { return m_header; }
 
+    /// Bytes of the input that belong to what was decoded. Behind the last function its stream is filled up with zeros to
+    /// a word.
+    [[nodiscard]] uint64_t position() const { return m_reader.position(); }
+
 private:
     struct Channel {
         explicit Channel(const StreamHeader &header);

@@ -4,7 +4,10 @@
 
 #include "app/PathNames.h"
 #include "checksum/ChecksumTab.h"
+#include "cli/ArgumentParser.h"
 #include "cli/BatchOptions.h"
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -74,6 +77,21 @@ const CommandSpec &ChecksumCreateCommand::spec() const
 std::unique_ptr<BaseTab> ChecksumCreateCommand::makeTab(NURVController &controller) const
 {
     return makeChecksumTab(controller, ChecksumTab::CreateList);
+}
+
+QStringList ChecksumCreateCommand::optionsWithoutEffect(const ParsedArguments &arguments, const QStringList &files) const
+{
+    static const QStringList sounds{u"FLAC"_s, u"WAV"_s, u"AIFF"_s, u"AIF"_s, u"SHN"_s, u"APE"_s, u"WV"_s, u"TTA"_s};
+    const QString kind = arguments.value(u"kind"_s);
+    if (kind != u"st5" && kind != u"ffp")
+        return {};
+    const auto leftOut = std::count_if(files.begin(), files.end(), [&](const QString &path) {
+        return kind == u"ffp" ? formatWord(path) != u"FLAC" : !sounds.contains(formatWord(path));
+    });
+    if (leftOut == 0)
+        return {};
+    return {u"%1 of %2 files have no place in %3"_s.arg(leftOut).arg(files.size()).arg(
+        kind == u"ffp" ? u"an FFP list, which holds FLAC files"_s : u"an ST5 list, which holds what shntool reads"_s)};
 }
 
 const CommandSpec &ChecksumVerifyCommand::spec() const

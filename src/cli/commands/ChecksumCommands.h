@@ -14,6 +14,7 @@ public:
 protected:
     [[nodiscard]] bool takes(const QString &) const override { return true; }
     [[nodiscard]] std::unique_ptr<BaseTab> makeTab(NURVController &controller) const override;
+    [[nodiscard]] QStringList optionsWithoutEffect(const ParsedArguments &arguments, const QStringList &files) const override;
 };
 
 /// "nurv checksum verify": checks lists.
