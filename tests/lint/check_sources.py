@@ -35,9 +35,10 @@ ALLOWED = {
     "fix": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum"},
     "convert": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum"},
     "lossy": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "convert"},
-    "toolbox": {"app", "checksum", "fix", "convert", "lossy"},
-    "cli": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum", "fix", "convert", "lossy", "toolbox"},
-    "ui": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum", "fix", "convert", "lossy", "toolbox"},
+    "shntool": BASICS | {"programs", "engine", "app", "samples", "journal", "originals"},
+    "toolbox": {"app", "checksum", "fix", "convert", "lossy", "shntool"},
+    "cli": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum", "fix", "convert", "lossy", "shntool", "toolbox"},
+    "ui": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum", "fix", "convert", "lossy", "shntool", "toolbox"},
 }
 
 # The same of the folders under tools, whose programs use no Qt.
