@@ -24,6 +24,10 @@ public:
     /// The lines that are not empty.
     [[nodiscard]] QStringList lines() const;
 
+    /// For a text that is only read. Off at first; before it is shown.
+    void setReadOnly(bool readOnly) { m_isReadOnly = readOnly; }
+    [[nodiscard]] bool isReadOnly() const { return m_isReadOnly; }
+
     /// In characters of the text; the length is 0 when nothing is selected.
     [[nodiscard]] qsizetype selectionStart() const { return m_selectionStart; }
     [[nodiscard]] qsizetype selectionLength() const { return m_selectionLength; }
@@ -34,6 +38,7 @@ private:
     QString m_text;
     qsizetype m_selectionStart = 0;
     qsizetype m_selectionLength = 0;
+    bool m_isReadOnly = false;
 };
 
 } // namespace nurv

@@ -79,4 +79,9 @@ QString outputPath(const QString &folder, const QString &source, const QString &
     return joinPath(folder, nameWithoutExtension(source) + u'.' + extension);
 }
 
+QString discNumber(const QString &path)
+{
+    return path.section(u'd', -1).section(u't', 0, 0);
+}
+
 } // namespace nurv

@@ -27,4 +27,8 @@ namespace nurv {
 /// `folder` joined with the source's name less its extension plus the new one.
 [[nodiscard]] QString outputPath(const QString &folder, const QString &source, const QString &extension);
 
+/// The number of the disc that a file belongs to, by its path: "1" of "/shows/show-d1t01.shn". The path is split at every
+/// "d", and the last piece at "t", of which the first piece counts: whatever that is.
+[[nodiscard]] QString discNumber(const QString &path);
+
 } // namespace nurv

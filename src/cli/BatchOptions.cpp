@@ -46,6 +46,14 @@ std::vector<OptionSpec> joined(std::vector<OptionSpec> list, const std::vector<O
     return list;
 }
 
+std::vector<OptionSpec> optionsNamed(std::vector<OptionSpec> options, const QStringList &names)
+{
+    std::erase_if(options, [&names](const OptionSpec &option) { return !names.contains(option.name); });
+    for (OptionSpec &option : options)
+        option.excluded.removeIf([&names](const QString &other) { return !names.contains(other); });
+    return options;
+}
+
 std::vector<OptionSpec> outputOptions(const OutputSetters &setters)
 {
     return {

@@ -47,6 +47,8 @@ struct OutputSetters {
 
 /// Where outputs go, and what becomes of originals and of outputs that exist.
 [[nodiscard]] std::vector<OptionSpec> outputOptions(const OutputSetters &setters);
+/// Those of the options that have one of the names; they exclude none of the others.
+[[nodiscard]] std::vector<OptionSpec> optionsNamed(std::vector<OptionSpec> options, const QStringList &names);
 
 /// Of every batch: jobs, answers, what is printed.
 [[nodiscard]] std::vector<OptionSpec> batchOptions();

@@ -9,6 +9,7 @@
 #include "cli/commands/FixCommand.h"
 #include "cli/commands/LossyCommand.h"
 #include "cli/commands/RecoverCommand.h"
+#include "cli/commands/SHNtoolCommands.h"
 
 namespace nurv {
 
@@ -23,8 +24,14 @@ const CommandTree &commands()
     static const FixCommand fix;
     static const DoctorCommand doctor;
     static const RecoverCommand recover;
-    static const CommandTree tree(
-        {&encode, &decode, &lossy, &checksumCreate, &checksumVerify, &checksumTest, &fix, &doctor, &recover});
+    static const std::vector<std::unique_ptr<Command>> shntool = makeSHNtoolCommands();
+    static const CommandTree tree([] {
+        std::vector<const Command *> all{&encode, &decode, &lossy, &checksumCreate, &checksumVerify, &checksumTest, &fix};
+        for (const std::unique_ptr<Command> &command : shntool)
+            all.push_back(command.get());
+        all.insert(all.end(), {&doctor, &recover});
+        return all;
+    }());
     return tree;
 }
 

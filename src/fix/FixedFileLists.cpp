@@ -2,16 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "fix/FixedFileLists.h"
 
+#include "app/PathNames.h"
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
 
 namespace nurv::fixedFileLists {
-
-QString discNumber(const QString &path)
-{
-    return path.section(u'd', -1).section(u't', 0, 0);
-}
 
 QList<DiscList> listsByDisc(const QStringList &paths)
 {

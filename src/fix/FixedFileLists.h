@@ -10,10 +10,6 @@ namespace nurv::fixedFileLists {
 
 // Which checksum lists a fix job writes. Nothing here writes a file.
 
-/// The number of the disc that a file belongs to, by its path: "1" of "/shows/show-d1t01.shn". The path is split at every
-/// "d", and the last piece at "t", of which the first piece counts: whatever that is.
-[[nodiscard]] QString discNumber(const QString &path);
-
 /// A list and the places of the files in it.
 struct DiscList {
     QString fileName;

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <mutex>
+#include <utility>
 
 #include <linux/magic.h>
 #include <sys/vfs.h>
@@ -97,6 +98,20 @@ std::optional<QString> OutputClaim::take(const QString &output, const QString &s
     ++active.readersOfPlace[sourcePlace];
     m_place = place;
     m_sourcePlace = sourcePlace;
+    m_isHeld = true;
+    return std::nullopt;
+}
+
+std::optional<QString> OutputClaim::takeSource(const QString &source)
+{
+    const QString sourcePlace = placeOf(source);
+    ActiveFiles &active = ActiveFiles::instance();
+    const std::scoped_lock lock(active.lock);
+    if (const auto origin = active.sourceOfPlace.constFind(sourcePlace); origin != active.sourceOfPlace.cend())
+        return u"it is still being made from %1"_s.arg(*origin);
+    ++active.readersOfPlace[sourcePlace];
+    m_sourcePlace = sourcePlace;
+    m_isHeld = true;
     return std::nullopt;
 }
 
@@ -104,16 +119,17 @@ bool OutputClaim::isSourceReadByOthers() const
 {
     ActiveFiles &active = ActiveFiles::instance();
     const std::scoped_lock lock(active.lock);
-    return active.readersOfPlace.value(m_sourcePlace) > (m_place.isEmpty() ? 0 : 1);
+    return active.readersOfPlace.value(m_sourcePlace) > (m_isHeld ? 1 : 0);
 }
 
 void OutputClaim::release()
 {
-    if (m_place.isEmpty())
+    if (!std::exchange(m_isHeld, false))
         return;
     ActiveFiles &active = ActiveFiles::instance();
     const std::scoped_lock lock(active.lock);
-    active.sourceOfPlace.remove(m_place);
+    if (!m_place.isEmpty())
+        active.sourceOfPlace.remove(m_place);
     if (--active.readersOfPlace[m_sourcePlace] == 0)
         active.readersOfPlace.remove(m_sourcePlace);
     m_place.clear();

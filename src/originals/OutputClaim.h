@@ -28,14 +28,18 @@ public:
     /// still one folder, and where a disk takes two spellings for one name, so does
     /// this. At most once.
     [[nodiscard]] std::optional<QString> take(const QString &output, const QString &source, OutputBatch *batch);
+    /// Takes part in reading the source, and makes nothing of it alone: one of several sources of one output. At most
+    /// once, instead of `take`. Returns why it is not granted.
+    [[nodiscard]] std::optional<QString> takeSource(const QString &source);
     /// Whether another job converts the source as well. Also after `release`.
     [[nodiscard]] bool isSourceReadByOthers() const;
     /// Gives the output back to other batches; in its own batch it stays taken.
     void release();
 
 private:
-    QString m_place; ///< of the output; empty: nothing is held
+    QString m_place; ///< of the output; empty: none is held
     QString m_sourcePlace;
+    bool m_isHeld = false;
 };
 
 } // namespace nurv

@@ -88,22 +88,24 @@ const ExternalProgram &program()
 
 QStringList startedBy(const QStringList &arguments)
 {
+    const QString mode = arguments.value(0);
     const qsizetype format = arguments.indexOf(u"-o"_s);
-    if (arguments.value(0) == u"hash") {
-        QStringList names;
-        for (const QString &file : arguments.sliced(1))
-            names.append(decoderOf(file));
-        names.removeAll(QString());
-        names.removeDuplicates();
-        return names;
-    }
-    const bool fixes = arguments.value(0) == u"fix";
-    if ((arguments.value(0) != u"conv" && !fixes) || format < 0)
-        return {};
+    const bool writes = format >= 0;
+    static const QStringList readers{u"hash"_s, u"len"_s, u"info"_s, u"cmp"_s, u"cue"_s};
+    static const QStringList editors{u"trim"_s, u"pad"_s, u"strip"_s, u"split"_s, u"join"_s};
     QStringList names;
-    for (qsizetype source = fixes ? format + 2 : arguments.size() - 1; source < arguments.size(); ++source)
-        names << decoderOf(arguments.at(source));
-    names << encoderOf(arguments.value(format + 1));
+    if (readers.contains(mode) || (writes && editors.contains(mode))) {
+        // What is no file of sound, such as a word or a list of points, needs no decoder.
+        for (const QString &word : arguments.sliced(1))
+            names << decoderOf(word);
+    } else if (writes && (mode == u"conv" || mode == u"fix")) {
+        for (qsizetype source = mode == u"fix" ? format + 2 : arguments.size() - 1; source < arguments.size(); ++source)
+            names << decoderOf(arguments.at(source));
+    } else {
+        return {};
+    }
+    if (writes)
+        names << encoderOf(arguments.value(format + 1));
     names.removeAll(QString());
     names.removeDuplicates();
     return names;

@@ -19,7 +19,7 @@ namespace nurv::shntool {
 
 [[nodiscard]] const ExternalProgram &program();
 
-/// What it starts when it gets these arguments of `conv` or `fix`, for each source and the format:
+/// What it starts when it gets these arguments of one of the modes used here, for each source and the format:
 ///
 ///     source   what it reads in its own process: nothing;
 ///              WavPack: wvunpack; Monkey's Audio before 3.99: mac

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "programs/Shntool.h"
 
+#include "programs/ShntoolModes.h"
+
 #include "text/TextNumbers.h"
 
 #include <QFileInfo>
@@ -56,12 +58,7 @@ QStringList fixArguments(const QString &format, int level, const QString &output
 
 QStringList fixedNames(const QString &source, const QString &format)
 {
-    const QFileInfo file(source);
-    const QString ending = u"-fixed."_s + format.toLower();
-    QStringList names{file.fileName() + ending};
-    if (replacesExtension(file.suffix()))
-        names.prepend(file.completeBaseName() + ending);
-    return names;
+    return editedNames(source, u"-fixed"_s, format.toLower());
 }
 
 FixReport parseFixing(QStringView chunk)

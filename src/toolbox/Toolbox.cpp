@@ -7,6 +7,7 @@
 #include "convert/EncodeTab.h"
 #include "fix/FixTab.h"
 #include "lossy/LossyTab.h"
+#include "shntool/SHNtoolTab.h"
 
 #include <QtGlobal>
 
@@ -62,7 +63,9 @@ const std::vector<Tool> &toolbox()
          .defaults = {{u"shntoolNamesFormat"_s, u"%number. %name %time"_s},
                       {u"shntoolCommandOption"_s, 0},
                       {u"shntoolLenOption"_s, 0},
-                      {u"shntoolOutputFormat"_s, 1}}},
+                      {u"shntoolOutputFormat"_s, 1},
+                      {u"shntoolPreview"_s, 1}},
+         .makeTab = make<SHNtoolTab>},
         {.label = u"fix SBE"_s,
          .title = QT_TRANSLATE_NOOP("Tool", "Fix SBE"),
          .extensions = words(u"FLAC SHN WAV AIF AIFF WV TTA"_s),

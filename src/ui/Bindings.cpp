@@ -186,6 +186,7 @@ void bind(QLineEdit *field, TextControl &control)
 
 void bind(QPlainTextEdit *editor, LinesControl &control)
 {
+    editor->setReadOnly(control.isReadOnly());
     showAlways(editor, control, [editor, &control] {
         if (textOf(*editor) == control.text())
             return;

@@ -7,11 +7,13 @@
 #include "convert/EncodeTab.h"
 #include "fix/FixTab.h"
 #include "lossy/LossyTab.h"
+#include "shntool/SHNtoolTab.h"
 #include "ui/pages/ChecksumPage.h"
 #include "ui/pages/DecodePage.h"
 #include "ui/pages/EncodePage.h"
 #include "ui/pages/FixPage.h"
 #include "ui/pages/LossyPage.h"
+#include "ui/pages/SHNtoolPage.h"
 
 namespace nurv {
 
@@ -29,7 +31,8 @@ TabPage *makeFor(BaseTab *tab)
 TabPage *makePage(BaseTab *tab)
 {
     for (const auto make : {makeFor<DecodeTab, DecodePage>, makeFor<EncodeTab, EncodePage>, makeFor<ChecksumTab, ChecksumPage>,
-                            makeFor<LossyTab, LossyPage>, makeFor<FixTab, FixPage>}) {
+                            makeFor<LossyTab, LossyPage>, makeFor<FixTab, FixPage>,
+                            makeFor<SHNtoolTab, SHNtoolPage>}) {
         if (TabPage *const page = make(tab))
             return page;
     }

@@ -44,15 +44,8 @@ std::vector<OptionSpec> outputOptionsOfSets()
     setters.deleteOriginals = setsCheck(&FixTab::deleteOriginalsButton);
     setters.noProof = setsOriginals(&OriginalsControls::proveButton, false);
     setters.dropMetadata = setsOriginals(&OriginalsControls::dropMetadataButton, true);
-    const QStringList names{u"output-dir"_s, u"delete-originals"_s, u"no-proof"_s, u"drop-metadata"_s};
-    std::vector<OptionSpec> options;
-    for (OptionSpec option : outputOptions(setters)) {
-        if (!names.contains(option.name))
-            continue;
-        option.excluded.removeIf([&names](const QString &other) { return !names.contains(other); });
-        options.push_back(std::move(option));
-    }
-    return options;
+    return optionsNamed(outputOptions(setters),
+                        {u"output-dir"_s, u"delete-originals"_s, u"no-proof"_s, u"drop-metadata"_s});
 }
 
 std::vector<OptionSpec> ownOptions()

@@ -1,0 +1,26 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shntool/PreviewTask.h"
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+PreviewTask::PreviewTask(NURVTaskQueue *queue, EditPreview preview) : NURVInProcessTask(queue), m_preview(std::move(preview))
+{
+    nameRow(u"Preview"_s);
+}
+
+void PreviewTask::doStartTask()
+{
+    showStarted();
+    appendResultsForSelf(m_preview.text());
+    if (m_preview.obstacles().isEmpty())
+        return;
+    ownOutcome().problem = m_preview.obstacles().first();
+    setError(true);
+}
+
+} // namespace nurv

@@ -1,0 +1,273 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shntool/SHNToolEditTask.h"
+
+#include "app/PathNames.h"
+#include "base/GuiThread.h"
+#include "base/Log.h"
+#include "base/WorkerThreads.h"
+#include "files/FileStatus.h"
+#include "programs/ShntoolModes.h"
+#include "text/TextNumbers.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+/// Of a longer output only the end is kept: that is where programs say what failed.
+constexpr qsizetype kLongestOutput = 65'536;
+
+/// The first of the names that is there; empty: none is.
+QString foundOf(const QStringList &names)
+{
+    const auto found = std::find_if(names.begin(), names.end(), [](const QString &path) { return isThere(path); });
+    return found == names.end() ? QString() : *found;
+}
+
+} // namespace
+
+SHNToolEditTask::SHNToolEditTask(NURVTaskQueue *queue, const QString &launchPath, const QStringList &arguments,
+                                 std::vector<Work> works)
+    : NURVAsyncNSTask(queue, launchPath, arguments), m_works(std::move(works))
+{
+    if (m_works.size() == 1 && m_works.front().sources.size() == 1)
+        setSourcePath(m_works.front().sources.first());
+}
+
+SHNToolEditTask::~SHNToolEditTask() = default;
+
+void SHNToolEditTask::setDeletionNeeds(bool proof, bool metadata)
+{
+    m_wishes.proves = proof;
+    m_wishes.dropsMetadata = !metadata;
+}
+
+int SHNToolEditTask::sourceCount() const
+{
+    int count = 0;
+    for (const Work &work : m_works)
+        count += static_cast<int>(work.sources.size());
+    return count;
+}
+
+void SHNToolEditTask::startTask()
+{
+    if (const std::optional<QString> obstacle = takeAll()) {
+        m_claims.clear();
+        becomeActive();
+        ownOutcome().problem = *obstacle;
+        if (deleteOriginal())
+            ownOutcome().original = TaskOutcome::Original::Kept;
+        failToStart(*obstacle + u'\n');
+        return;
+    }
+    willStart();
+    NURVAsyncNSTask::startTask();
+}
+
+std::optional<QString> SHNToolEditTask::takeAll()
+{
+    for (const Work &work : m_works) {
+        for (const QStringList &names : work.outputs) {
+            for (const QString &path : names) {
+                if (isLink(path))
+                    return u"%1: its output name is a link"_s.arg(lastPathComponent(path));
+                if (work.sources.contains(path))
+                    return u"%1: its output would replace it"_s.arg(lastPathComponent(path));
+            }
+        }
+        qsizetype place = 0;
+        for (const QString &source : work.sources) {
+            auto &claim = m_claims.emplace_back(std::make_unique<OutputClaim>());
+            const auto output = static_cast<std::size_t>(place++);
+            const std::optional<QString> refusal = output < work.outputs.size()
+                                                       ? claim->take(work.outputs[output].first(), source, nullptr)
+                                                       : claim->takeSource(source);
+            if (refusal)
+                return lastPathComponent(source) + u": "_s + *refusal;
+            ownOutcome().sourceBytes += QFileInfo(source).size();
+        }
+        SourceRetirement::Wishes wishes = m_wishes;
+        wishes.relation = work.relation;
+        wishes.deletesSources = wishes.deletesSources && work.whyItStays.isEmpty();
+        auto &retirement = m_retirements.emplace_back(std::make_unique<SourceRetirement>(work.sources));
+        retirement->setWishes(wishes);
+        retirement->rememberSources();
+    }
+    return std::nullopt;
+}
+
+void SHNToolEditTask::processTaskOutput(const QString &chunk)
+{
+    m_output = (m_output + chunk).last(std::min(m_output.size() + chunk.size(), kLongestOutput));
+    showOutput(chunk);
+}
+
+std::vector<SHNToolEditTask::Work> SHNToolEditTask::editsOfEach(const QStringList &arguments, const QString &ending,
+                                                                SoundComparison::Relation relation)
+{
+    std::vector<Work> works;
+    for (const QString &source : arguments.sliced(shntool::kEditSourcePlace)) {
+        QStringList paths;
+        for (const QString &name : shntool::editedNames(source, ending, arguments.at(shntool::kEditFormatPlace)))
+            paths.append(joinPath(arguments.at(shntool::kEditFolderPlace), name));
+        works.push_back({.sources = {source}, .outputs = {paths}, .relation = relation});
+    }
+    return works;
+}
+
+void SHNToolEditTask::showSingleEdit(const QString &chunk, const QString &operation)
+{
+    const shntool::EditReport report = shntool::parseEdit(chunk);
+    if (report.progress)
+        showProgress(u"%1: %2%"_s.arg(operation, sixDecimals(*report.progress)), *report.progress);
+    appendResultsForSelf(report.text);
+    showMainLine(title());
+}
+
+void SHNToolEditTask::showProgress(const QString &status, double percent)
+{
+    setTopTextFieldString(status);
+    setProgressIndicatorValue(percent);
+    updateStatus();
+}
+
+void SHNToolEditTask::completeStop()
+{
+    const std::optional<ChildExit> exit = exitState();
+    if (!exit || !exit->succeeded() || cancelled()) {
+        NURVAsyncNSTask::completeStop();
+        return;
+    }
+    // Disks take their time, and so does a proof. When the application ends meanwhile, the sources simply stay.
+    try {
+        workerThreads::start([task = std::static_pointer_cast<SHNToolEditTask>(shared_from_this())]() mutable {
+            task->runHook([&task] { task->examineAll(); });
+            // The job must not end on this thread.
+            SHNToolEditTask *const examined = task.get();
+            postToGuiThread([task = std::move(task), examined] { examined->NURVAsyncNSTask::completeStop(); });
+        });
+    } catch (const std::exception &failure) {
+        qCWarning(originalsLog, "The outputs were not examined: %s", failure.what());
+        ownOutcome().proof = TaskOutcome::Proof::NotProven;
+        for (const Work &work : m_works)
+            noteKept(work, u"its output could not be examined"_s);
+        NURVAsyncNSTask::completeStop();
+    }
+}
+
+void SHNToolEditTask::examineAll()
+{
+    for (std::size_t place = 0; place < m_works.size() && !cancelled() && !error(); ++place) {
+        findOutputs(m_works[place]);
+        noteVerdict(m_works[place], examine(place));
+    }
+}
+
+SourceRetirement::Verdict SHNToolEditTask::examine(std::size_t place)
+{
+    const Work &work = m_works[place];
+    SourceRetirement &retirement = *m_retirements[place];
+    SourceRetirement::Verdict verdict;
+    QStringList outputs;
+    for (const QStringList &names : work.outputs) {
+        const QString found = foundOf(names);
+        if (found.isEmpty()) {
+            verdict.failure = u"its program made no %1"_s.arg(lastPathComponent(names.first()));
+            return verdict;
+        }
+        outputs.append(found);
+        ownOutcome().outputBytes += QFileInfo(found).size();
+    }
+    if (outputs.isEmpty()) {
+        verdict.failure = u"its program made no output"_s;
+        return verdict;
+    }
+    ownOutcome().output = m_works.size() == 1 && outputs.size() == 1 ? outputs.first() : folderOf(outputs.first());
+    const bool isShared =
+        std::any_of(m_claims.begin(), m_claims.end(), [](const auto &claim) { return claim->isSourceReadByOthers(); });
+    if (isShared)
+        retirement.doubt(u"another job works on it, too"_s);
+    const auto share = static_cast<double>(m_works.size());
+    return retirement.examine(
+        outputs,
+        [&](double percent) {
+            const double all = (100.0 * static_cast<double>(place) + percent) / share;
+            showProgress(u"Proving: %1%"_s.arg(all, 0, 'f', 0), all);
+        },
+        [this] { return cancelled(); });
+}
+
+void SHNToolEditTask::noteVerdict(const Work &work, const SourceRetirement::Verdict &verdict)
+{
+    // What was not shown of one of them was not shown of all.
+    if (verdict.proof == TaskOutcome::Proof::NotProven || &work == &m_works.front())
+        ownOutcome().proof = verdict.proof;
+    if (verdict.failure) {
+        noteFailure(lastPathComponent(work.sources.first()) + u": "_s + *verdict.failure);
+        if (deleteOriginal())
+            ownOutcome().original = TaskOutcome::Original::Kept;
+    } else if (deleteOriginal() && !work.whyItStays.isEmpty()) {
+        noteKept(work, work.whyItStays);
+    } else if (verdict.keeping) {
+        noteKept(work, *verdict.keeping);
+    }
+}
+
+void SHNToolEditTask::noteFailure(const QString &reason)
+{
+    if (ownOutcome().problem.isEmpty())
+        ownOutcome().problem = reason;
+    failWith(reason + u'\n');
+}
+
+void SHNToolEditTask::noteKept(const Work &work, const QString &reason)
+{
+    if (!deleteOriginal())
+        return;
+    m_hasToTell = true;
+    ownOutcome().original = TaskOutcome::Original::Kept;
+    const QString told = u"%1: %2"_s.arg(lastPathComponent(work.sources.first()), reason);
+    if (ownOutcome().problem.isEmpty())
+        ownOutcome().problem = told;
+    qCWarning(keptSourceLog).noquote() << "Kept, since" << reason + u':' << work.sources.join(u", "_s);
+    appendResultsForSelf(u"%1; original kept\n"_s.arg(told));
+}
+
+void SHNToolEditTask::retireAll()
+{
+    for (std::size_t place = 0; place < m_works.size(); ++place) {
+        const Work &work = m_works[place];
+        if (!work.whyItStays.isEmpty())
+            continue;
+        const SourceRetirement::Ending ending = m_retirements[place]->retire();
+        if (ending.original == TaskOutcome::Original::Kept)
+            noteKept(work, ending.problem);
+        else if (ending.original != TaskOutcome::Original::Untouched && outcome().original != TaskOutcome::Original::Kept)
+            ownOutcome().original = ending.original;
+    }
+}
+
+void SHNToolEditTask::cleanup()
+{
+    if (deleteOriginal() && hasRun() && !error() && !cancelled())
+        retireAll();
+    if (error() && !cancelled()) {
+        if (ownOutcome().problem.isEmpty())
+            ownOutcome().problem = shntool::problemLines(m_output).section(u'\n', -1);
+        if (deleteOriginal())
+            ownOutcome().original = TaskOutcome::Original::Kept;
+    } else if (!m_hasToTell) {
+        dropResults();
+    }
+}
+
+} // namespace nurv

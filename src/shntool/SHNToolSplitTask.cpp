@@ -1,0 +1,94 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shntool/SHNToolSplitTask.h"
+
+#include "app/PathNames.h"
+#include "base/Log.h"
+#include "files/FileRename.h"
+#include "files/FileStatus.h"
+#include "programs/ShntoolModes.h"
+#include "shntool/SplitTitles.h"
+#include "text/TextNumbers.h"
+
+#include <QDir>
+#include <QFile>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+constexpr qsizetype kFormatPlace = 4;
+constexpr qsizetype kFolderPlace = 6;
+constexpr qsizetype kSourcePlace = 7;
+
+std::vector<QStringList> firstPieceOf(const QStringList &arguments)
+{
+    return {{joinPath(arguments.at(kFolderPlace), shntool::pieceName(1, arguments.at(kFormatPlace)))}};
+}
+
+} // namespace
+
+SHNToolSplitTask::SHNToolSplitTask(NURVTaskQueue *queue, const QString &launchPath, const QStringList &arguments)
+    : SHNToolEditTask(queue, launchPath, arguments,
+                      {{.sources = {arguments.at(kSourcePlace)},
+                        .outputs = firstPieceOf(arguments),
+                        .relation = SoundComparison::Relation::Equal}}),
+      m_outputPath(arguments.at(kFolderPlace))
+{
+}
+
+QString SHNToolSplitTask::pathOf(const QString &name) const
+{
+    return joinPath(m_outputPath, name);
+}
+
+void SHNToolSplitTask::willStart()
+{
+    const QStringList there = QDir(m_outputPath).entryList({u"split-track*"_s}, QDir::AllEntries | QDir::Hidden | QDir::System);
+    m_foreign = QSet<QString>(there.begin(), there.end());
+}
+
+void SHNToolSplitTask::findOutputs(Work &work)
+{
+    work.outputs.clear();
+    for (int number = 1;; ++number) {
+        const QString name = shntool::pieceName(number, arguments().at(kFormatPlace));
+        if (m_foreign.contains(name) || !isThere(pathOf(name)))
+            return;
+        work.outputs.push_back({pathOf(name)});
+    }
+}
+
+void SHNToolSplitTask::showOutput(const QString &chunk)
+{
+    const shntool::EditReport report = shntool::parseEdit(chunk);
+    if (report.progress)
+        showProgress(u"Splitting: %1%"_s.arg(sixDecimals(*report.progress)), *report.progress);
+    appendResultsForSelf(report.text);
+    showMainLine(title());
+}
+
+void SHNToolSplitTask::cleanup()
+{
+    renamePieces();
+    SHNToolEditTask::cleanup();
+}
+
+void SHNToolSplitTask::renamePieces()
+{
+    for (auto entry = m_trackTitleMap.cbegin(); entry != m_trackTitleMap.cend(); ++entry) {
+        const QString &piece = entry.key();
+        const QString &name = entry.value();
+        if (piece == name || m_foreign.contains(piece) || !isThere(pathOf(piece)))
+            continue;
+        // A title may hold anything: the piece then keeps the name that it has.
+        const bool isRenamed = splitTitles::canBeName(name)
+                               && renameToFreeName(QFile::encodeName(pathOf(piece)), QFile::encodeName(pathOf(name)));
+        if (!isRenamed)
+            qCWarning(shntoolLog).noquote() << piece << "keeps its name instead of" << name;
+    }
+}
+
+} // namespace nurv
