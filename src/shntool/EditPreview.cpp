@@ -144,7 +144,8 @@ EditPreview EditPreview::ofSplit(const QString &source, const QString &points, c
                 preview.m_obstacles.append(u"the point %1 lies behind the end of the file, %2"_s.arg(written, sound->timeOf(sound->bytes)));
             ends.push_back(end);
         } catch (const LengthValue::Fault &) {
-            preview.m_obstacles.append(u"\"%1\" is no point in time: m:ss, m:ss.ff, m:ss.nnn or a number of bytes"_s.arg(written));
+            const QString subject = written.isEmpty() ? u"a line"_s : u"\"%1\""_s.arg(written);
+            preview.m_obstacles.append(u"%1 is no point in time: m:ss, m:ss.ff, m:ss.nnn or a number of bytes"_s.arg(subject));
         }
         if (ends.size() >= kMostPieces) {
             preview.m_obstacles.append(u"there are more than %1 pieces"_s.arg(kMostPieces));

@@ -209,7 +209,7 @@ SourceRetirement::Verdict SHNToolEditTask::examine(std::size_t place)
 void SHNToolEditTask::noteVerdict(const Work &work, const SourceRetirement::Verdict &verdict)
 {
     // What was not shown of one of them was not shown of all.
-    if (verdict.proof == TaskOutcome::Proof::NotProven || &work == &m_works.front())
+    if (verdict.proof == TaskOutcome::Proof::NotProven || outcome().proof == TaskOutcome::Proof::NotNeeded)
         ownOutcome().proof = verdict.proof;
     if (verdict.failure) {
         noteFailure(lastPathComponent(work.sources.first()) + u": "_s + *verdict.failure);

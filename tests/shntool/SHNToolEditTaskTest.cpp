@@ -1,0 +1,241 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shntool/SHNToolEditTask.h"
+
+#include "shntool/SHNtoolFixture.h"
+#include "programs/ShntoolModes.h"
+#include "shntool/SHNToolJoinTask.h"
+
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+namespace {
+
+using Original = TaskOutcome::Original;
+using Proof = TaskOutcome::Proof;
+
+class SHNToolEditTaskTest : public test::SHNtoolFixture {
+protected:
+    static void deletes(SHNtoolTab &tab) { tab.deleteOriginalsButton.setOn(true); }
+    QString writeStereo(const QString &name, std::int64_t frames, std::uint32_t seed = 1)
+    {
+        return test::writeWav(folder.path(name), {.frames = frames, .seed = seed});
+    }
+    /// The frames between the first and the last that are not silent.
+    [[nodiscard]] static QByteArray withoutSilence(const QByteArray &samples, int frameBytes)
+    {
+        qsizetype begin = 0;
+        qsizetype end = samples.size();
+        const QByteArray silence(frameBytes, '\0');
+        while (begin < end && samples.sliced(begin, frameBytes) == silence)
+            begin += frameBytes;
+        while (end > begin && samples.sliced(end - frameBytes, frameBytes) == silence)
+            end -= frameBytes;
+        return samples.sliced(begin, end - begin);
+    }
+};
+
+TEST_F(SHNToolEditTaskTest, TrimsSilenceOfBothEnds)
+{
+    const QStringList files{writeSilentEnds(u"a.wav"_s), writeSilentEnds(u"b.wav"_s, {.frames = 50'000, .seed = 5})};
+    const auto jobs = execute(u"trim"_s, files);
+    ASSERT_EQ(jobs.size(), 1U);
+    EXPECT_TRUE(isDone(jobs[0]));
+    EXPECT_EQ(jobs[0]->sourceCount(), 2);
+    for (const QString &name : {u"a"_s, u"b"_s})
+        EXPECT_TRUE(sound({out.path(name + u"-trimmed.flac"_s)}) == withoutSilence(sound({folder.path(name + u".wav"_s)}), 4));
+    EXPECT_TRUE(areThere(files));
+    EXPECT_TRUE(windows.isEmpty());
+    EXPECT_TRUE(mainLines.contains(u"a.wav"_s));
+    EXPECT_TRUE(mainLines.contains(u"b.wav"_s));
+    EXPECT_TRUE(std::any_of(statuses.begin(), statuses.end(), [](const QString &line) { return line.startsWith(u"Trimming Files: "_s); }));
+    EXPECT_TRUE(std::any_of(statuses.begin(), statuses.end(), [](const QString &line) { return line.startsWith(u"Scanning Files: "_s); }));
+}
+
+TEST_F(SHNToolEditTaskTest, TrimsSoundOf24Bits)
+{
+    const test::SoundShape shape{.rate = 96'000, .bits = 24, .channels = 1, .frames = 40'000};
+    const QString file = writeSilentEnds(u"a.wav"_s, shape);
+    EXPECT_TRUE(isDone(execute(u"trim"_s, {file}, u"wav"_s).front()));
+    EXPECT_TRUE(sound({out.path(u"a-trimmed.wav"_s)}, u"s24le"_s) == withoutSilence(sound({file}, u"s24le"_s), 3));
+}
+
+TEST_F(SHNToolEditTaskTest, TrimDeletesAllButTheFirstFile)
+{
+    const QStringList files{writeSilentEnds(u"a.wav"_s), writeSilentEnds(u"b.wav"_s), writeSilentEnds(u"c.wav"_s)};
+    const auto jobs = execute(u"trim"_s, files, u"flac"_s, deletes);
+    EXPECT_TRUE(isDone(jobs.front()));
+    EXPECT_EQ(folder.list(), (QStringList{u"a.wav"_s, u"raw/samples"_s}));
+    EXPECT_EQ(jobs.front()->outcome().original, Original::Kept);
+    EXPECT_EQ(jobs.front()->outcome().problem, u"a.wav: trimming never deletes the first file of its list");
+    EXPECT_EQ(jobs.front()->outcome().proof, Proof::Proven);
+}
+
+TEST_F(SHNToolEditTaskTest, TrimKeepsAllFilesWhereOneHasNothingToTrim)
+{
+    const QStringList files{writeSilentEnds(u"a.wav"_s), writeSilentEnds(u"b.wav"_s), writeStereo(u"c.wav"_s, 30'000)};
+    const auto jobs = execute(u"trim"_s, files, u"flac"_s, deletes);
+    EXPECT_TRUE(jobs.front()->error());
+    EXPECT_TRUE(areThere(files));
+    EXPECT_TRUE(jobs.front()->outcome().problem.contains(u"no silence to trim"_s)) << qPrintable(jobs.front()->outcome().problem);
+    ASSERT_EQ(windows.size(), 1);
+    EXPECT_TRUE(windows[0].contains(u"ERROR"_s));
+}
+
+TEST_F(SHNToolEditTaskTest, JoinsAndDeletesAllSources)
+{
+    const QStringList files{writeStereo(u"a.wav"_s, 30'000, 1), writeStereo(u"b.wav"_s, 20'001, 2), writeStereo(u"c.wav"_s, 77, 3)};
+    const QByteArray before = sound(files);
+    const auto jobs = execute(u"join"_s, files, u"flac"_s, deletes);
+    ASSERT_EQ(jobs.size(), 1U);
+    EXPECT_TRUE(isDone(jobs[0]));
+    EXPECT_TRUE(sound({out.path(u"joined.flac"_s)}) == before);
+    EXPECT_EQ(folder.list(), QStringList());
+    EXPECT_EQ(jobs[0]->outcome().original, Original::Deleted);
+    EXPECT_EQ(jobs[0]->outcome().proof, Proof::Proven);
+    EXPECT_EQ(jobs[0]->outcome().output, out.path(u"joined.flac"_s));
+    EXPECT_TRUE(windows.isEmpty());
+    EXPECT_TRUE(statuses.contains(u"Proving: 100%"_s));
+}
+
+TEST_F(SHNToolEditTaskTest, JoinsInEveryFormat)
+{
+    const QStringList files{writeStereo(u"a.wav"_s, 30'000, 1), writeStereo(u"b.wav"_s, 20'001, 2)};
+    const QByteArray before = sound(files);
+    for (const QString &format : {u"shn"_s, u"aiff"_s, u"wav"_s}) {
+        SCOPED_TRACE(qPrintable(format));
+        EXPECT_TRUE(isDone(execute(u"join"_s, files, format).front()));
+        EXPECT_TRUE(sound({out.path(u"joined."_s + format)}) == before);
+    }
+}
+
+TEST_F(SHNToolEditTaskTest, JoinRefusesSoundOfTwoKindsAndKeepsIt)
+{
+    const QStringList files{writeStereo(u"a.wav"_s, 30'000), test::writeWav(folder.path(u"b.wav"_s), {.rate = 48'000, .frames = 1000})};
+    const auto jobs = execute(u"join"_s, files, u"flac"_s, deletes);
+    EXPECT_TRUE(jobs.front()->error());
+    EXPECT_TRUE(areThere(files));
+    EXPECT_EQ(out.list(), QStringList());
+    EXPECT_EQ(jobs.front()->outcome().original, Original::Kept);
+    EXPECT_FALSE(jobs.front()->outcome().problem.isEmpty());
+}
+
+TEST_F(SHNToolEditTaskTest, PadsToTheEndOfASectorAndDeletesItsOwnSourceOnly)
+{
+    const QStringList files{writeStereo(u"a.wav"_s, 588 * 3 + 5, 1), writeStereo(u"b.wav"_s, 588 * 4, 2)};
+    const QByteArray before = sound({files[0]});
+    const auto jobs = execute(u"pad"_s, files, u"flac"_s, deletes);
+    ASSERT_EQ(jobs.size(), 2U);
+    EXPECT_TRUE(isDone(jobs[0]));
+    EXPECT_EQ(jobs[0]->outcome().original, Original::Deleted);
+    EXPECT_TRUE(sound({out.path(u"a-padded.flac"_s)}) == before + QByteArray(4 * (588 - 5), '\0'));
+    EXPECT_TRUE(jobs[1]->error());
+    EXPECT_TRUE(jobs[1]->outcome().problem.contains(u"already sector-aligned"_s)) << qPrintable(jobs[1]->outcome().problem);
+    EXPECT_EQ(folder.list(), QStringList{u"b.wav"_s});
+    EXPECT_TRUE(std::any_of(statuses.begin(), statuses.end(), [](const QString &line) { return line.startsWith(u"Padding: "_s); }));
+}
+
+TEST_F(SHNToolEditTaskTest, StripsChunksAndKeepsTheSourceThatHasThem)
+{
+    const QString source = folder.write(
+        u"a.wav"_s, test::wavBytes({.frames = 3000}, {}, test::riffChunk("LIST", QByteArray("INFOINAM\x04\0\0\0abc\0", 16))));
+    const auto kept = execute(u"strip"_s, {source}, u"wav"_s, deletes);
+    EXPECT_TRUE(isDone(kept.front()));
+    EXPECT_EQ(out.read(u"a-stripped.wav"_s).size(), 44 + 3000 * 4);
+    EXPECT_EQ(kept.front()->outcome().original, Original::Kept);
+    EXPECT_TRUE(QFile::exists(source));
+    out.remove(u"a-stripped.wav"_s);
+    const auto deleted = execute(u"strip"_s, {source}, u"wav"_s, [](SHNtoolTab &tab) {
+        tab.deleteOriginalsButton.setOn(true);
+        tab.originals.dropMetadataButton.setOn(true);
+    });
+    EXPECT_EQ(deleted.front()->outcome().original, Original::Deleted) << qPrintable(deleted.front()->report());
+    EXPECT_FALSE(QFile::exists(source));
+}
+
+TEST_F(SHNToolEditTaskTest, FailsAndKeepsTheSourceWhenASampleIsAnotherOne)
+{
+    const QStringList files{writeStereo(u"a.wav"_s, 30'000, 1), writeStereo(u"b.wav"_s, 20'000, 2)};
+    const QString wrong = test::writeFlac(folder.path(u"made/wrong.flac"_s), {.frames = 50'000, .seed = 9});
+    tools.remove(u"shntool"_s);
+    tools.addFake(u"shntool"_s, "out=Joining [a.wav] (0:01.00) --> [joined.flac] : 100% OK\\n;copy=" + wrong.toUtf8() + ':'
+                                    + out.path(u"joined.flac"_s).toUtf8());
+    const auto jobs = execute(u"join"_s, files, u"flac"_s, deletes);
+    EXPECT_TRUE(jobs.front()->error());
+    EXPECT_TRUE(areThere(files));
+    EXPECT_EQ(jobs.front()->outcome().original, Original::Kept);
+}
+
+TEST_F(SHNToolEditTaskTest, FailsWhenTheProgramMakesNothing)
+{
+    const QStringList files{writeStereo(u"a.wav"_s, 3000)};
+    tools.remove(u"shntool"_s);
+    tools.addFake(u"shntool"_s, "exit=0");
+    for (const QString &command : {u"trim"_s, u"pad"_s, u"strip"_s, u"join"_s}) {
+        SCOPED_TRACE(qPrintable(command));
+        const auto jobs = execute(command, files, u"flac"_s, deletes);
+        EXPECT_TRUE(jobs.front()->error());
+        EXPECT_TRUE(jobs.front()->outcome().problem.contains(u"its program made no "_s)) << qPrintable(jobs.front()->outcome().problem);
+        EXPECT_TRUE(areThere(files));
+    }
+}
+
+TEST_F(SHNToolEditTaskTest, RefusesOutputNamesThatAreLinks)
+{
+    const QString victim = folder.write(u"victim"_s, "mine");
+    ASSERT_EQ(::symlink(victim.toLocal8Bit().constData(), out.path(u"joined.flac"_s).toLocal8Bit().constData()), 0);
+    const QStringList files{writeStereo(u"a.wav"_s, 3000), writeStereo(u"b.wav"_s, 3000)};
+    const auto jobs = execute(u"join"_s, files);
+    EXPECT_TRUE(jobs.front()->error());
+    EXPECT_EQ(jobs.front()->outcome().problem, u"joined.flac: its output name is a link");
+    EXPECT_EQ(folder.read(u"victim"_s), "mine");
+}
+
+TEST_F(SHNToolEditTaskTest, ReplacesNoOutputThatIsThere)
+{
+    out.write(u"joined.flac"_s, "mine");
+    const QStringList files{writeStereo(u"a.wav"_s, 3000), writeStereo(u"b.wav"_s, 3000)};
+    const auto jobs = execute(u"join"_s, files, u"flac"_s, deletes);
+    EXPECT_TRUE(jobs.front()->error());
+    EXPECT_EQ(out.read(u"joined.flac"_s), "mine");
+    EXPECT_TRUE(areThere(files));
+}
+
+TEST_F(SHNToolEditTaskTest, DeletesNothingOfACancelledJob)
+{
+    const QStringList files{writeStereo(u"a.wav"_s, 3000), writeStereo(u"b.wav"_s, 3000)};
+    tools.remove(u"shntool"_s);
+    tools.addFake(u"shntool"_s, "create=" + folder.path(u"started"_s).toUtf8() + ";wait-file=" + folder.path(u"go"_s).toUtf8());
+    const auto job = std::make_shared<SHNToolJoinTask>(&queue(), tools.path() + u"/shntool"_s,
+                                                       shntool::joinArguments(out.path(), u"flac"_s, files));
+    job->setDeleteOriginal(true);
+    queue().addTask(job);
+    ASSERT_TRUE(test::waitUntil([this] { return folder.exists(u"started"_s); }));
+    job->cancelTask();
+    folder.write(u"go"_s, "");
+    settle();
+    EXPECT_EQ(job->textField().text, u"Canceled");
+    EXPECT_TRUE(areThere(files));
+}
+
+TEST_F(SHNToolEditTaskTest, LetsNoTwoJobsMakeOneFile)
+{
+    const QStringList files{writeStereo(u"a.wav"_s, 3000), writeStereo(u"b.wav"_s, 3000)};
+    tools.remove(u"shntool"_s);
+    tools.addFake(u"shntool"_s, "create=" + folder.path(u"started"_s).toUtf8() + ";wait-file=" + folder.path(u"go"_s).toUtf8());
+    const QStringList arguments = shntool::joinArguments(out.path(), u"flac"_s, files);
+    const auto first = std::make_shared<SHNToolJoinTask>(&queue(), tools.path() + u"/shntool"_s, arguments);
+    const auto second = std::make_shared<SHNToolJoinTask>(&queue(), tools.path() + u"/shntool"_s, arguments);
+    queue().addTask(first);
+    ASSERT_TRUE(test::waitUntil([this] { return folder.exists(u"started"_s); }));
+    queue().addTask(second);
+    ASSERT_TRUE(test::waitUntil([&] { return second->isDone(); }));
+    EXPECT_EQ(second->outcome().problem, u"a.wav: its output joined.flac is made from %1"_s.arg(files.first()));
+    folder.write(u"go"_s, "");
+    settle();
+}
+
+} // namespace
+} // namespace nurv
