@@ -11,7 +11,9 @@ namespace nurv {
 QString withLineFeeds(QString text)
 {
     text.replace(u"\r\n"_s, u"\n"_s);
-    for (const QChar lineEnd : {QChar(u'\r'), QChar(QChar::LineSeparator), QChar(QChar::ParagraphSeparator)})
+    // The last two are no characters: documents of Qt keep their own ends of lines apart by them.
+    for (const QChar lineEnd : {QChar(u'\r'), QChar(QChar::LineSeparator), QChar(QChar::ParagraphSeparator),
+                                QChar(0xFDD0), QChar(0xFDD1)})
         text.replace(lineEnd, u'\n');
     return text;
 }

@@ -5,6 +5,7 @@
 #include "app/BaseTab.h"
 #include "app/FileArrivals.h"
 #include "app/PathNames.h"
+#include "app/TrackNameInputController.h"
 #include "app/UserPrompts.h"
 #include "audio/CoreAudioHelper.h"
 #include "base/Log.h"
@@ -41,7 +42,7 @@ void NURVController::registerDefaults(const std::vector<Tool> &tools)
 }
 
 NURVController::NURVController(UserPrompts &prompts, DesktopServices &services, const std::vector<Tool> &tools)
-    : m_prompts(prompts), m_tools(tools), m_arrivals(std::make_unique<FileArrivals>(*this)),
+    : m_prompts(prompts), m_trackNameInputController(std::make_unique<TrackNameInputController>(prompts)), m_tools(tools), m_arrivals(std::make_unique<FileArrivals>(*this)),
       m_selectedLabel(pageLabels().first())
 {
     registerDefaults(tools);

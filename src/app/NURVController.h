@@ -22,6 +22,7 @@ class BaseTab;
 class DesktopServices;
 class FileArrivals;
 class NURVTaskQueue;
+class TrackNameInputController;
 class UserPrompts;
 
 /// How a page tells its files.
@@ -51,6 +52,8 @@ public:
 
     [[nodiscard]] NURVTaskQueue &taskQueue() const { return *m_taskQueue; }
     [[nodiscard]] UserPrompts &prompts() const { return m_prompts; }
+    /// The track-names window, which the tools share.
+    [[nodiscard]] TrackNameInputController &trackNameInputController() const { return *m_trackNameInputController; }
 
     [[nodiscard]] const std::vector<Tool> &tools() const { return m_tools; }
     /// All page labels in the order of the pages, also of tools that are not there.
@@ -118,6 +121,7 @@ private:
     [[nodiscard]] bool runAndTell(const std::function<void()> &action);
 
     UserPrompts &m_prompts;
+    std::unique_ptr<TrackNameInputController> m_trackNameInputController;
     std::unique_ptr<NURVTaskQueue> m_taskQueue;
     QMap<QString, BaseTab *> m_tabMap;
     const std::vector<Tool> &m_tools; ///< read on any thread

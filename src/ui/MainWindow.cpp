@@ -17,6 +17,7 @@
 #include "ui/pages/AboutPage.h"
 #include "ui/pages/TabPage.h"
 #include "ui/StatusWindow.h"
+#include "ui/TrackNameWindow.h"
 #include "ui/WindowPlace.h"
 
 #include <QCloseEvent>
@@ -45,7 +46,8 @@ const QString kPageKey = u"window/page"_s;
 
 MainWindow::MainWindow(NURVController &controller, QWidget *parent)
     : QMainWindow(parent), m_controller(controller), m_tabView(new QTabWidget(this)),
-      m_statusWindow(new StatusWindow(controller.taskQueue(), this))
+      m_statusWindow(new StatusWindow(controller.taskQueue(), this)),
+      m_trackNameWindow(new TrackNameWindow(controller.trackNameInputController(), this))
 {
     setObjectName(u"mainWindow"_s);
     setWindowTitle(u"Nurv Audio Workbench"_s);
@@ -301,6 +303,7 @@ void MainWindow::prepareToQuit()
     for (OutputWindow *const output : outputWindows())
         output->hide();
     m_statusWindow->hide();
+    m_trackNameWindow->hide();
     hide();
 }
 
@@ -328,6 +331,7 @@ void MainWindow::saveState() const
     windowPlace::keep(*this, kGeometryKey);
     settings.setValue(kPageKey, m_labels.value(m_tabView->currentIndex()));
     m_statusWindow->saveState();
+    m_trackNameWindow->saveState();
     if (const QList<OutputWindow *> outputs = outputWindows(); !outputs.isEmpty())
         outputs.last()->saveState();
     // A tab stores its options when it shows those that matter.

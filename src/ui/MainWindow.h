@@ -23,6 +23,7 @@ class NURVController;
 class OutputWindow;
 class StatusWindow;
 class TabPage;
+class TrackNameWindow;
 
 /// The main window: one page per tool that is there and the about page, the
 /// menus, and the windows that the queue asks for.
@@ -40,6 +41,7 @@ public:
     [[nodiscard]] TabPage *page(const QString &label) const { return m_pages.value(label); }
     [[nodiscard]] QTabWidget *tabView() const { return m_tabView; }
     [[nodiscard]] StatusWindow *statusWindow() const { return m_statusWindow; }
+    [[nodiscard]] TrackNameWindow *trackNameWindow() const { return m_trackNameWindow; }
     /// The output windows that are open, in the order in which they opened.
     [[nodiscard]] QList<OutputWindow *> outputWindows() const;
 
@@ -87,6 +89,7 @@ private:
     NURVController &m_controller;
     QTabWidget *m_tabView = nullptr;
     StatusWindow *m_statusWindow = nullptr;
+    TrackNameWindow *m_trackNameWindow = nullptr;
     QHash<QString, TabPage *> m_pages;
     QStringList m_labels; ///< of the pages shown, in their order
     QAction *m_addFilesAction = nullptr;
