@@ -5,6 +5,7 @@
 #include "app/NURVController.h"
 #include "app/Panel.h"
 #include "app/PathNames.h"
+#include "app/TrackNameInputController.h"
 #include "base/Log.h"
 #include "base/NotificationCenter.h"
 #include "engine/NURVTaskQueue.h"
@@ -76,6 +77,11 @@ SHNtoolTab::SHNtoolTab(NURVController &controller)
 void SHNtoolTab::trackNamesEntered(const QStringList &names)
 {
     m_names = names.isEmpty() ? std::nullopt : std::optional(names);
+}
+
+void SHNtoolTab::showNamesWindow()
+{
+    nurvController().trackNameInputController().show(static_cast<int>(fileNames().size()));
 }
 
 int SHNtoolTab::getMaxTrackNamesLength(const QStringList &names)

@@ -52,14 +52,10 @@ public:
     /// The length of the longest name, in characters.
     [[nodiscard]] static int getMaxTrackNamesLength(const QStringList &names);
 
-    void showNamesWindow() { Q_EMIT namesWindowWanted(); }
+    void showNamesWindow();
     void displayRelevantOptions() override;
     void executeCommand() override;
     [[nodiscard]] NeededPrograms neededPrograms() const override;
-
-Q_SIGNALS:
-    /// The track-names window is to be shown.
-    void namesWindowWanted();
 
 private:
     using Edit = std::shared_ptr<SHNToolEditTask>;

@@ -2,9 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/commands/SHNtoolCommands.h"
 
+#include "app/TrackNames.h"
+#include "app/TrackNamesFile.h"
 #include "cli/BatchCommand.h"
 #include "cli/BatchOptions.h"
 #include "shntool/SHNtoolTab.h"
+
+#include <QFileInfo>
 
 #include <utility>
 
@@ -24,6 +28,16 @@ ControlSetter setsOriginals(CheckControl OriginalsControls::*control, bool isOnW
     return [control, isOnWhenGiven](BaseTab &tab, const std::optional<QString> &value) {
         (shntoolTab(tab).originals.*control).setOn(value.has_value() == isOnWhenGiven);
     };
+}
+
+void setTrackNames(BaseTab &tab, const std::optional<QString> &path)
+{
+    if (!path)
+        return;
+    const TrackNamesFile file = readTrackNamesFile(QFileInfo(*path).absoluteFilePath());
+    if (!file.names)
+        throw UsageError(file.problem);
+    shntoolTab(tab).trackNamesEntered(trackNamesIn(*file.names));
 }
 
 /// One of shntool's modes, on all files that the paths name.
@@ -105,6 +119,13 @@ std::vector<OptionSpec> lengthOptions()
              [](BaseTab &tab, const std::optional<QString> &value) {
                  shntoolTab(tab).shnLenMatrix.setSelectedIndex(value == u"fileset" ? 1 : value == u"disc" ? 2 : 0);
              }},
+        {.name = u"names"_s,
+         .valueName = u"FILE"_s,
+         .summary = u"fileset, disc: take the tracks' names from a text file"_s,
+         .manual = u"A text file with a set list. Of its lines from the one numbered 1 on, those that begin with a number are the tracks; "
+                   "numbers and times are taken off, dates are passed over."_s,
+         .formats = {u"fileset"_s, u"disc"_s},
+         .set = setTrackNames},
     };
 }
 
