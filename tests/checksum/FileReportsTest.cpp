@@ -39,28 +39,17 @@ protected:
         return withoutTime(windows.value(0));
     }
 
-    /// Where the text of a program is cut is the pipe's doing, and shows in a report. Here it comes whole.
     void makeProgramsWriteAtOnce()
     {
-        for (const auto &call : calls()) {
-            const QString real = QFile(tools.path(call.first)).symLinkTarget();
-            tools.remove(call.first);
-            const QString text = real + u" \"$@\" > \"$0.text\" 2>&1; status=$?; cat \"$0.text\"; exit $status\n"_s;
-            QFile script(tools.path(call.first));
-            ASSERT_TRUE(script.open(QIODevice::WriteOnly));
-            script.write("#!/bin/sh\n" + text.toUtf8());
-            ASSERT_TRUE(script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
-        }
+        for (const auto &call : calls())
+            test::makeWriteAtOnce(tools, call.first);
     }
 
     /// What the program itself says of the file, run by hand.
     [[nodiscard]] QString saidOf(const QString &format, const QString &path) const
     {
         const auto [program, arguments] = calls().value(format);
-        QStringList words{u"-c"_s, u"\"$@\" 2>&1"_s, u"sh"_s, tools.path(program)};
-        for (const QString &argument : arguments)
-            words.append(argument == u"@" ? path : argument);
-        return withoutTime(QString::fromUtf8(test::runProgram(u"sh"_s, words).output));
+        return withoutTime(test::saidByHand(tools, program, QStringList(arguments).replaceInStrings(u"@"_s, path)));
     }
 
     /// Program and arguments of the test of each format; "@" is the file.

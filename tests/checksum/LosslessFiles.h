@@ -54,4 +54,22 @@ inline void truncate(const TestFolder &folder, const QString &name)
     folder.write(name, bytes.first(bytes.size() * 2 / 3));
 }
 
+/// Where the text of a program is cut is the pipe's doing, and shows in a report. From now on that of this one comes whole.
+inline void makeWriteAtOnce(const ProgramFolder &tools, const QString &program)
+{
+    const QByteArray real = QFile::encodeName(QFile::symLinkTarget(tools.path(program)));
+    tools.remove(program);
+    QFile script(tools.path(program));
+    EXPECT_TRUE(script.open(QIODevice::WriteOnly));
+    script.write("#!/bin/sh\n'" + real + "' \"$@\" > \"$0.text\" 2>&1; status=$?; cat \"$0.text\"; exit $status\n");
+    EXPECT_TRUE(script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+}
+
+/// What the program says, its errors included, when it is run by hand.
+[[nodiscard]] inline QString saidByHand(const ProgramFolder &tools, const QString &program, const QStringList &arguments)
+{
+    const QStringList words{QStringLiteral("-c"), QStringLiteral("\"$@\" 2>&1"), QStringLiteral("sh"), tools.path(program)};
+    return QString::fromUtf8(runProgram(QStringLiteral("sh"), words + arguments).output);
+}
+
 } // namespace nurv::test
