@@ -66,7 +66,9 @@ QString folded(const QString &name)
 
 QString read(const QString &path)
 {
-    return decodeText(checksumList::readListBytes(path));
+    QString text = decodeText(checksumList::readListBytes(path));
+    checksumList::requireUsualLines(text);
+    return text;
 }
 
 std::vector<Entry> md5Entries(const QString &text)
