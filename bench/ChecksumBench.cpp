@@ -9,17 +9,15 @@
 //     ffp      the check of the fingerprints of 100 FLAC files, against `xargs -P2 flac -t`
 //
 //     ChecksumBench NURV create|verify|small|all|ffp
+#include "BenchFiles.h"
 #include "Measure.h"
 #include "support/AudioFixtures.h"
 #include "support/TestFolder.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QFile>
 
 #include <cstdio>
-
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using namespace nurv::bench;
@@ -43,15 +41,9 @@ void makeFiles(const nurv::test::TestFolder &folder, int count, qsizetype size)
     }
 }
 
-/// FLAC files; names of one file, which the disk holds once.
 void makeFlacFiles(const nurv::test::TestFolder &folder, int count, double seconds)
 {
-    const QString first = nurv::test::writeFlac(folder.path(u"in/00000.flac"_s), {.seconds = seconds});
-    for (int i = 1; i < count; ++i) {
-        const QString name = folder.path(u"in/%1.flac"_s.arg(i, 5, 10, QChar(u'0')));
-        if (::link(first.toLocal8Bit().constData(), name.toLocal8Bit().constData()) != 0)
-            qFatal("no link can be made");
-    }
+    addNames(nurv::test::writeFlac(folder.path(u"in/0000.flac"_s), {.seconds = seconds}), count);
 }
 
 } // namespace

@@ -3,40 +3,17 @@
 // Encoding to FLAC by `nurv encode` against `xargs -P2` with the same command lines.
 //
 //     EncodeBench NURV short|long
+#include "BenchFiles.h"
 #include "Measure.h"
 #include "support/AudioFixtures.h"
 #include "support/TestFolder.h"
 
 #include <QCoreApplication>
-#include <QDir>
 
 #include <cstdio>
 
-#include <unistd.h>
-
 using namespace Qt::StringLiterals;
 using namespace nurv::bench;
-
-namespace {
-
-void makeSources(const nurv::test::TestFolder &folder, int count, double seconds)
-{
-    const QString first = nurv::test::writeWav(folder.path(u"in/0000.wav"_s), {.seconds = seconds});
-    for (int i = 1; i < count; ++i) {
-        const QString name = folder.path(u"in/%1.wav"_s.arg(i, 4, 10, QChar(u'0')));
-        // Names of one file: the encoders do the same work, the disk holds it once.
-        if (::link(first.toLocal8Bit().constData(), name.toLocal8Bit().constData()) != 0)
-            qFatal("no link can be made");
-    }
-}
-
-QString emptyFolder(const nurv::test::TestFolder &folder, const QString &name)
-{
-    QDir(folder.path(name)).removeRecursively();
-    return folder.makeFolder(name);
-}
-
-} // namespace
 
 int main(int argc, char **argv)
 {
@@ -49,7 +26,7 @@ int main(int argc, char **argv)
     }
     const nurv::test::TestFolder folder;
     const int count = isLong ? 8 : 200;
-    makeSources(folder, count, isLong ? 600.0 : 1.0);
+    addNames(nurv::test::writeWav(folder.path(u"in/0000.wav"_s), {.seconds = isLong ? 600.0 : 1.0}), count);
     const QString flac = qEnvironmentVariable("NURV_TOOLS") + u"/flac"_s;
 
     const auto ours = [&] {

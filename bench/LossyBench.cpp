@@ -4,6 +4,7 @@
 // with `flac | lame`, AAC against `xargs -P2` with the ffmpeg program and the same settings of its encoder.
 //
 //     LossyBench NURV mp3|aac [COUNT]
+#include "BenchFiles.h"
 #include "Measure.h"
 #include "support/AudioFixtures.h"
 #include "support/TestFolder.h"
@@ -12,8 +13,6 @@
 #include <QDir>
 
 #include <cstdio>
-
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using namespace nurv::bench;
@@ -25,23 +24,6 @@ constexpr int kDefaultCount = 20;
 constexpr int kRounds = 3;
 constexpr double kMp3Goal = 1.03;
 constexpr double kAacGoal = 1.0;
-
-void makeSources(const nurv::test::TestFolder &folder, int count)
-{
-    const QString first = nurv::test::writeFlac(folder.path(u"in/0000.flac"_s), {.seconds = kSeconds});
-    for (int i = 1; i < count; ++i) {
-        const QString name = folder.path(u"in/%1.flac"_s.arg(i, 4, 10, QChar(u'0')));
-        // Names of one file: the encoders do the same work, the disk holds it once.
-        if (::link(first.toLocal8Bit().constData(), name.toLocal8Bit().constData()) != 0)
-            qFatal("no link can be made");
-    }
-}
-
-QString emptyFolder(const nurv::test::TestFolder &folder, const QString &name)
-{
-    QDir(folder.path(name)).removeRecursively();
-    return folder.makeFolder(name);
-}
 
 } // namespace
 
@@ -56,7 +38,7 @@ int main(int argc, char **argv)
         return 2;
     }
     const nurv::test::TestFolder folder;
-    makeSources(folder, count);
+    addNames(nurv::test::writeFlac(folder.path(u"in/0000.flac"_s), {.seconds = kSeconds}), count);
 
     // The fast search at the wanted rate is what the constant mode stands for.
     const QStringList ownOptions = isAac ? QStringList{u"--encoder=aac"_s, u"--mode=cbr"_s, u"--bitrate=192"_s}

@@ -361,31 +361,28 @@ std::uint32_t AudioEncoder::mostBitRate() const
     return static_cast<std::uint32_t>(kMostAacBitsPerSample * file.sampleRate * file.channelsPerFrame);
 }
 
-AudioFileStatus AudioEncoder::setBitRate(std::uint32_t bitsPerSecond)
+AudioFileStatus AudioEncoder::setForAac(std::uint32_t &setting, std::uint32_t value, std::uint32_t most)
 {
-    if (m_engine->m_file.formatId != kFormatAAC || bitsPerSecond > mostBitRate())
+    if (m_engine->m_file.formatId != kFormatAAC || value > most)
         return AudioFileStatus::InvalidValue;
-    m_engine->m_settings.bitRate = bitsPerSecond;
+    setting = value;
     m_engine->m_codec.reset();
     return AudioFileStatus::Ok;
+}
+
+AudioFileStatus AudioEncoder::setBitRate(std::uint32_t bitsPerSecond)
+{
+    return setForAac(m_engine->m_settings.bitRate, bitsPerSecond, mostBitRate());
 }
 
 AudioFileStatus AudioEncoder::setQuality(std::uint32_t quality)
 {
-    if (m_engine->m_file.formatId != kFormatAAC || quality > kMostQuality)
-        return AudioFileStatus::InvalidValue;
-    m_engine->m_settings.quality = quality;
-    m_engine->m_codec.reset();
-    return AudioFileStatus::Ok;
+    return setForAac(m_engine->m_settings.quality, quality, kMostQuality);
 }
 
 AudioFileStatus AudioEncoder::setBitRateMode(std::uint32_t mode)
 {
-    if (m_engine->m_file.formatId != kFormatAAC || mode > kMostBitRateMode)
-        return AudioFileStatus::InvalidValue;
-    m_engine->m_settings.bitRateMode = mode;
-    m_engine->m_codec.reset();
-    return AudioFileStatus::Ok;
+    return setForAac(m_engine->m_settings.bitRateMode, mode, kMostBitRateMode);
 }
 
 AudioFileStatus AudioEncoder::setInputChannelLayout(std::uint32_t bitmap)

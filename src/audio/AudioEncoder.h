@@ -67,6 +67,7 @@ public:
 
 private:
     class Engine;
+    [[nodiscard]] AudioFileStatus setForAac(std::uint32_t &setting, std::uint32_t value, std::uint32_t most);
     std::unique_ptr<Engine> m_engine;
 };
 

@@ -59,6 +59,17 @@ bool canName(const QString &name)
     return std::none_of(name.begin(), name.end(), [](QChar character) { return checksumList::endsLine(character); });
 }
 
+bool takesSt5(const QString &path)
+{
+    static const QStringList words{u"FLAC"_s, u"WAV"_s, u"AIFF"_s, u"AIF"_s, u"SHN"_s, u"APE"_s, u"WV"_s, u"TTA"_s};
+    return words.contains(formatWord(path));
+}
+
+bool takesFfp(const QString &path)
+{
+    return formatWord(path) == u"FLAC";
+}
+
 QString md5EntryName(const QString &path, const QString &listFolder, bool allInOneFolder)
 {
     const bool isBelow = path.startsWith(listFolder) && folderOf(path) != listFolder;

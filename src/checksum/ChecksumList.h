@@ -29,6 +29,11 @@ namespace nurv::checksumList {
 /// its own.
 [[nodiscard]] bool canName(const QString &name);
 
+/// Whether an ST5 list holds the file: by its extension, one of those that shntool reads.
+[[nodiscard]] bool takesSt5(const QString &path);
+/// Whether a fingerprint list holds the file: FLAC, by its extension.
+[[nodiscard]] bool takesFfp(const QString &path);
+
 /// How an MD5 list in `listFolder` names `path`: by its base name. When the listed
 /// files lie in several folders, a file whose path begins with the text of
 /// `listFolder`, but whose own folder is another one, is named by the rest of its

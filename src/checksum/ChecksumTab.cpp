@@ -16,6 +16,7 @@
 #include "checksum/VerifyST5Task.h"
 #include "engine/NURVTaskQueue.h"
 #include "engine/NURVTaskResults.h"
+#include "files/FileStatus.h"
 #include "files/TextFile.h"
 #include "process/ResourceFolder.h"
 #include "programs/Flac.h"
@@ -30,6 +31,7 @@
 #include <QScopeGuard>
 
 #include <algorithm>
+#include <iterator>
 
 using namespace Qt::StringLiterals;
 
@@ -84,7 +86,7 @@ NeededPrograms ChecksumTab::neededPrograms() const
     const QString title = createChecksumOptions.selectedTitle();
     if (title == u"All" && !fileNames().isEmpty())
         return CreateAllListsTask(&nurvController().taskQueue(), fileNames(), {}).neededPrograms();
-    if (title == u"FFP" && !filesOf({u"FLAC"_s}).isEmpty())
+    if (title == u"FFP" && !filesThat(&checksumList::takesFfp).isEmpty())
         programs.add({{metaflac::program().name}, {}});
     if (title == u"ST5" && !fileNames().isEmpty())
         programs.add(NeededPrograms::ofRun(shntool::program().name, shntool::hashListArguments(fileNames())));
@@ -173,13 +175,10 @@ std::shared_ptr<NURVAsyncNSTask> ChecksumTab::verifyTTA(const QString &path, con
     return std::make_shared<VerifyTTATask>(results, queue, programPath(ttaenc::program().name), ttaenc::testArguments(path));
 }
 
-QStringList ChecksumTab::filesOf(const QStringList &formats) const
+QStringList ChecksumTab::filesThat(bool (*isTaken)(const QString &path)) const
 {
     QStringList files;
-    for (const QString &path : fileNames()) {
-        if (formats.contains(formatWord(path)))
-            files.append(path);
-    }
+    std::copy_if(fileNames().begin(), fileNames().end(), std::back_inserter(files), isTaken);
     return files;
 }
 
@@ -195,12 +194,11 @@ void ChecksumTab::createSelected()
     if (title == u"MD5") {
         add(createMD5(fileNames(), &queue, sourceSave));
     } else if (title == u"ST5") {
-        const QStringList files = filesOf(
-            {u"FLAC"_s, u"WAV"_s, u"AIFF"_s, u"AIF"_s, u"SHN"_s, u"APE"_s, u"WV"_s, u"TTA"_s});
+        const QStringList files = filesThat(&checksumList::takesSt5);
         if (!files.isEmpty())
             add(createST5(files, &queue, sourceSave));
     } else if (title == u"FFP") {
-        const QStringList files = filesOf({u"FLAC"_s});
+        const QStringList files = filesThat(&checksumList::takesFfp);
         // Who gives up the choice of a place keeps the list here, and only here.
         if (!files.isEmpty() && !createFFP(files))
             return;
@@ -235,16 +233,17 @@ std::optional<QString> ChecksumTab::listPath(const QStringList &files, bool sour
 
 std::optional<QString> ChecksumTab::savePath(const QString &suggestedName, const QString &title)
 {
-    static const QStringList sounds{u"FLAC"_s, u"WAV"_s, u"AIFF"_s, u"AIF"_s,  u"SHN"_s, u"APE"_s,
-                                    u"WV"_s,   u"TTA"_s, u"M4A"_s,  u"MP3"_s,  u"OPUS"_s, u"OGG"_s};
+    static const QStringList otherSounds{u"M4A"_s, u"MP3"_s, u"OPUS"_s, u"OGG"_s};
     const std::optional<QString> path = openSavePanel(suggestedName, title);
     if (!path)
         return std::nullopt;
-    const QString meant = QFileInfo(*path).canonicalFilePath();
-    const bool isListed = !meant.isEmpty() && std::any_of(fileNames().begin(), fileNames().end(), [&](const QString &file) {
-        return QFileInfo(file).canonicalFilePath() == meant;
+    const std::optional<struct stat> target = statusOf(*path);
+    const bool isListed = target && std::any_of(fileNames().begin(), fileNames().end(), [&](const QString &file) {
+        const std::optional<struct stat> facts = statusOf(file);
+        // Another name of the file keeps it when the list takes the place of this one.
+        return facts && isSameFile(*facts, *target) && QFileInfo(file).canonicalFilePath() == QFileInfo(*path).canonicalFilePath();
     });
-    if (!isListed && !sounds.contains(formatWord(*path)))
+    if (!isListed && !checksumList::takesSt5(*path) && !otherSounds.contains(formatWord(*path)))
         return path;
     nurvController().prompts().ask({.title = u"%1 cannot be the list"_s.arg(lastPathComponent(*path)),
                                     .message = isListed ? u"It is one of the files that are to be listed."_s

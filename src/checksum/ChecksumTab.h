@@ -71,7 +71,7 @@ private:
     [[nodiscard]] Jobs verifyingJobs(const std::shared_ptr<NURVTaskResults> &results) const;
     [[nodiscard]] std::shared_ptr<NURVTask> jobForList(const QString &path, const std::shared_ptr<NURVTaskResults> &results) const;
     [[nodiscard]] std::shared_ptr<NURVTask> jobForFile(const QString &path, const std::shared_ptr<NURVTaskResults> &results) const;
-    [[nodiscard]] QStringList filesOf(const QStringList &formats) const;
+    [[nodiscard]] QStringList filesThat(bool (*isTaken)(const QString &path)) const;
     void queueVerifying();
     void createSelected();
     /// False: the user chose no place.

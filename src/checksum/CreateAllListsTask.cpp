@@ -4,11 +4,13 @@
 
 #include "app/PathNames.h"
 #include "base/NurvFailure.h"
+#include "base/ParallelLoop.h"
 #include "base/Version.h"
 #include "checksum/ChecksumList.h"
 #include "checksum/Fingerprint.h"
 #include "checksum/ListEntries.h"
 #include "engine/ProgramRunSync.h"
+#include "engine/RowOfFiles.h"
 #include "files/TextFile.h"
 #include "process/ResourceFolder.h"
 #include "programs/Metaflac.h"
@@ -24,19 +26,6 @@ using namespace Qt::StringLiterals;
 
 namespace nurv {
 
-namespace {
-
-/// Files that are read at a time.
-constexpr unsigned kReaders = 2;
-
-bool hasSamples(const QString &path)
-{
-    static const QStringList words{u"FLAC"_s, u"WAV"_s, u"AIFF"_s, u"AIF"_s, u"SHN"_s, u"APE"_s, u"WV"_s, u"TTA"_s};
-    return words.contains(formatWord(path));
-}
-
-} // namespace
-
 CreateAllListsTask::CreateAllListsTask(NURVTaskQueue *queue, const QStringList &files, Lists lists)
     : NURVInProcessTask(queue), m_files(files), m_lists(std::move(lists)), m_findings(static_cast<std::size_t>(files.size()))
 {
@@ -47,9 +36,9 @@ NeededPrograms CreateAllListsTask::neededPrograms() const
 {
     NeededPrograms programs;
     for (const QString &path : m_files) {
-        if (hasSamples(path))
+        if (checksumList::takesSt5(path))
             programs.add(NeededPrograms::ofRun(shntool::program().name, shntool::hashArguments(path)));
-        if (formatWord(path) == u"FLAC")
+        if (checksumList::takesFfp(path))
             programs.add({{metaflac::program().name}, {}});
     }
     return programs;
@@ -59,34 +48,22 @@ void CreateAllListsTask::doStartTask()
 {
     showStarted();
     showStatus(u"Creating checksum files"_s);
-    std::vector<std::future<void>> readers;
-    for (unsigned i = 1; i < kReaders; ++i)
-        readers.push_back(std::async(std::launch::async, [this] { readFiles(); }));
     readFiles();
-    // What one of them throws fails the job.
-    for (std::future<void> &reader : readers)
-        reader.get();
     if (!cancelled())
         writeLists();
 }
 
 void CreateAllListsTask::readFiles()
 {
-    for (;;) {
-        const qsizetype index = m_next++;
-        if (index >= m_files.size() || cancelled())
-            return;
+    const qsizetype count = m_files.size();
+    RowOfFiles row(*this, count, [this, count](qsizetype done) {
+        setProgressIndicatorValue(static_cast<double>(done) * 100.0 / static_cast<double>(count));
+        updateStatus();
+    });
+    runInParallel(count, MD5Helper::kReaders, [this] { return cancelled(); }, [&](qsizetype index) {
         m_findings[static_cast<std::size_t>(index)] = read(m_files.at(index));
-        showDone();
-    }
-}
-
-void CreateAllListsTask::showDone()
-{
-    const std::lock_guard lock(m_showing);
-    ++m_done;
-    setProgressIndicatorValue(static_cast<double>(m_done) * 100.0 / static_cast<double>(m_files.size()));
-    updateStatus();
+        row.markDone(index);
+    });
 }
 
 CreateAllListsTask::Finding CreateAllListsTask::read(const QString &path) const
@@ -97,9 +74,9 @@ CreateAllListsTask::Finding CreateAllListsTask::read(const QString &path) const
     std::future<FileDigest> digest = std::async(std::launch::async, [&path, &isStopped] {
         return MD5Helper::digestOf(path, MD5Helper::Kind::Regular, isStopped);
     });
-    if (hasSamples(path))
+    if (checksumList::takesSt5(path))
         hash(path, finding);
-    if (formatWord(path) == u"FLAC")
+    if (checksumList::takesFfp(path))
         finding.fingerprint = nurv::fingerprint(path);
     finding.digest = digest.get();
     return finding;
@@ -158,7 +135,7 @@ void CreateAllListsTask::writeLists()
             warn(u"%1 was not read for the list: %2"_s.arg(path, finding.digest.failure));
         if (!finding.st5Problem.isEmpty())
             warn(u"%1 is not whole: %2"_s.arg(path, finding.st5Problem));
-        if (const std::optional<QString> fault = faultOfFingerprint(finding.fingerprint); fault && formatWord(path) == u"FLAC")
+        if (const std::optional<QString> fault = faultOfFingerprint(finding.fingerprint); fault && checksumList::takesFfp(path))
             warn(u"%1 has no fingerprint: %2"_s.arg(path, *fault));
     }
     writeList(m_lists.md5, checksumList::md5Header(version, now), md5);

@@ -7,8 +7,6 @@
 
 #include <QStringList>
 
-#include <atomic>
-#include <mutex>
 #include <vector>
 
 namespace nurv {
@@ -51,14 +49,10 @@ private:
     void hash(const QString &path, Finding &finding) const;
     void writeLists();
     void writeList(const QString &path, const QString &header, const QString &entries);
-    void showDone();
 
     QStringList m_files;
     Lists m_lists;
     std::vector<Finding> m_findings; ///< of each file
-    std::atomic<qsizetype> m_next = 0;
-    std::mutex m_showing;
-    qsizetype m_done = 0; ///< behind that lock
 };
 
 } // namespace nurv

@@ -3,38 +3,17 @@
 #include "checksum/CreateFFPTask.h"
 
 #include "app/PathNames.h"
-#include "base/NurvFailure.h"
-#include "base/SystemError.h"
 #include "base/Version.h"
 #include "checksum/ChecksumList.h"
 #include "checksum/Fingerprint.h"
 #include "files/TextFile.h"
-#include "process/ResourceFolder.h"
 #include "programs/ExternalPrograms.h"
 #include "programs/Metaflac.h"
 #include "settings/SettingsStore.h"
 
-#include <QFile>
-
-#include <cerrno>
-
-#include <unistd.h>
-
 using namespace Qt::StringLiterals;
 
 namespace nurv {
-
-namespace {
-
-/// A list made without the program would hold nothing but its absence.
-void requireMetaflac()
-{
-    const QString program = programPath(metaflac::program().name);
-    if (::access(QFile::encodeName(program).constData(), X_OK) != 0)
-        throw NurvFailure(missingProgramText(program, systemErrorText(errno)));
-}
-
-} // namespace
 
 CreateFFPTask::CreateFFPTask(NURVTaskQueue *queue, const QMap<QString, QStringList> &files, const QString &ffpName)
     : NURVInProcessTask(queue), m_dictByOutputDir(files), m_ffpName(ffpName)
@@ -51,7 +30,8 @@ void CreateFFPTask::doStartTask()
 {
     showStarted();
     showStatus(u"Creating FFP checksum file"_s);
-    requireMetaflac();
+    // A list made without it would hold nothing but its absence.
+    requireProgram(metaflac::program().name);
     for (auto folder = m_dictByOutputDir.cbegin(); folder != m_dictByOutputDir.cend() && !cancelled(); ++folder)
         doCreateFFP(folder.value(), folder.key());
 }

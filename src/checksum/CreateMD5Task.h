@@ -2,9 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "checksum/MD5Helper.h"
 #include "engine/NURVInProcessTask.h"
 
 #include <QStringList>
+
+#include <vector>
 
 namespace nurv {
 
@@ -25,6 +28,8 @@ protected:
 
 private:
     void doCreateMd5();
+    /// The digest of each file; of some only once the job is cancelled.
+    [[nodiscard]] std::vector<FileDigest> readFiles();
 
     QStringList m_fileNames;
     QString m_outputPath;

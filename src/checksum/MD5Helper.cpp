@@ -35,6 +35,7 @@ void require(int answer)
 
 struct Reading {
     bool wasStopped = false;
+    qint64 bytes = 0;
     bool isMissing = false;
     QString failure = {};
 
@@ -63,6 +64,7 @@ Reading feedFile(EVP_MD_CTX *context, const QString &path, MD5Helper::Kind kind,
     // The kernel then reads further ahead; whether it listens does not matter.
     static_cast<void>(::posix_fadvise(file.get(), 0, 0, POSIX_FADV_SEQUENTIAL));
     QByteArray block(kBlockSize, Qt::Uninitialized);
+    qint64 bytes = 0;
     for (;;) {
         if (isStopped && isStopped())
             return {.wasStopped = true};
@@ -74,11 +76,12 @@ Reading feedFile(EVP_MD_CTX *context, const QString &path, MD5Helper::Kind kind,
         if (count == 0)
             break;
         require(EVP_DigestUpdate(context, block.constData(), static_cast<size_t>(count)));
+        bytes += count;
     }
     struct stat after = {};
     if (S_ISREG(before.st_mode) && (::fstat(file.get(), &after) != 0 || !isSameState(before, after)))
-        return {.failure = u"it changed while it was read"_s};
-    return {};
+        return {.bytes = bytes, .failure = u"it changed while it was read"_s};
+    return {.bytes = bytes};
 }
 
 } // namespace
@@ -94,7 +97,7 @@ FileDigest MD5Helper::digestOf(const QString &path, Kind kind, const std::functi
     unsigned int length = 0;
     require(EVP_DigestFinal_ex(context.get(), digest.data(), &length));
     const QByteArray bytes = QByteArray::fromRawData(reinterpret_cast<const char *>(digest.data()), length);
-    return {.hexadecimal = QString::fromLatin1(bytes.toHex()), .isMissing = reading.isMissing, .failure = reading.failure};
+    return {.hexadecimal = QString::fromLatin1(bytes.toHex()), .bytes = reading.bytes, .isMissing = reading.isMissing, .failure = reading.failure};
 }
 
 QString MD5Helper::getMD5FromFile(const QString &path, const std::function<bool()> &isStopped)

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QString>
+#include <QtGlobal>
 
 #include <functional>
 
@@ -11,6 +12,7 @@ namespace nurv {
 /// What was digested of a file.
 struct FileDigest {
     QString hexadecimal;      ///< 32 lower-case digits; of zero bytes where nothing could be read; empty when it was stopped
+    qint64 bytes = 0;         ///< how many were read
     bool isMissing = false;   ///< there is no file of that name
     QString failure = {};     ///< why not all of it was read; empty: all was
 };
@@ -23,6 +25,10 @@ public:
         Any,
         Regular, ///< a name from a list may lead to anything: a pipe or a device is read as empty
     };
+
+    /// How many files to read at a time: one is digested while another one waits for the disk, and a disk with heads
+    /// does not go to and fro between more.
+    static constexpr unsigned kReaders = 2;
 
     /// The digest of the file's bytes. Throws NurvFailure when the machine refuses MD5. Any thread; blocks for the
     /// reading of the file. `isStopped` is asked before every block of 1 MiB. A file that changes while it is read has

@@ -10,6 +10,7 @@
 #include "engine/ProgramRunSync.h"
 #include "files/FileStatus.h"
 #include "process/ResourceFolder.h"
+#include "programs/ExternalPrograms.h"
 #include "programs/Flac.h"
 #include "programs/Metaflac.h"
 #include "programs/TestOutput.h"

@@ -4,19 +4,11 @@
 
 #include "app/PathNames.h"
 #include "base/NurvFailure.h"
-#include "base/SystemError.h"
 #include "engine/NURVTaskResults.h"
-#include "process/ResourceFolder.h"
-#include "programs/ExternalPrograms.h"
-
-#include <QFile>
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <utility>
-
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -60,13 +52,6 @@ VerifyListTask::VerifyListTask(NURVTaskQueue *queue, const QString &fileName, st
     setResults(std::move(results));
     setSourcePath(fileName);
     nameRow(lastPathComponent(fileName));
-}
-
-void VerifyListTask::requireProgram(const QString &name)
-{
-    const QString program = programPath(name);
-    if (::access(QFile::encodeName(program).constData(), X_OK) != 0)
-        throw NurvFailure(missingProgramText(program, systemErrorText(errno)));
 }
 
 void VerifyListTask::doStartTask()

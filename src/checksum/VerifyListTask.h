@@ -45,8 +45,6 @@ protected:
     /// A file that was good so far.
     void markDamaged(std::size_t index, const QString &detail);
     [[nodiscard]] std::size_t fileCount() const { return m_files.size(); }
-    /// Throws NurvFailure when the program is not there: nothing would fit then.
-    static void requireProgram(const QString &name);
 
 private:
     void conclude();

@@ -3,9 +3,9 @@
 #include "checksum/VerifyMD5Task.h"
 
 #include "app/PathNames.h"
+#include "base/ParallelLoop.h"
 #include "checksum/ForeignList.h"
-#include "checksum/ListEntries.h"
-#include "checksum/MD5Helper.h"
+#include "engine/RowOfFiles.h"
 
 #include <utility>
 
@@ -52,37 +52,59 @@ void VerifyMD5Task::doCreateMD5()
     const std::vector<checksumList::Entry> entries =
         understandsOthers() ? foreignList::md5Entries(foreignList::read(fileName()))
                             : checksumList::md5Entries(checksumList::linesOf(checksumList::readList(fileName())));
-    const QString folder = folderOf(fileName());
-    foreignList::Files files(folder);
+    const std::vector<FileDigest> digests = readFiles(entries);
     QString gathered;
-    std::size_t done = 0;
-    for (const checksumList::Entry &entry : entries) {
-        const auto isStopped = [this] { return cancelled(); };
-        if (isStopped()) {
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        const checksumList::Entry &entry = entries[i];
+        if (!entry.isEntry()) {
+            gathered += entry.line + u" : Invalid checksum format\n"_s;
+            addFile({.name = entry.line, .state = State::NotAnEntry});
+            continue;
+        }
+        if (digests[i].hexadecimal.isEmpty()) {
             addLines(u"Canceled\n"_s);
             return;
         }
-        if (entry.isEntry()) {
-            setTopTextFieldString(u"Verifying "_s + entry.name);
-            const QString name = understandsOthers() ? entry.name : entry.name.trimmed();
-            const QString path = understandsOthers() ? files.find(name) : checksumList::listedPath(folder, name);
-            const FileDigest digest = MD5Helper::digestOf(path, MD5Helper::Kind::Regular, isStopped);
-            if (digest.hexadecimal.isEmpty()) {
-                addLines(u"Canceled\n"_s);
-                return;
-            }
-            const bool isSame = digest.hexadecimal == entry.expected;
-            gathered += lastPathComponent(name) + (isSame ? u" : OK\n"_s : u" : FAILED\n"_s);
-            addFile(foundFor(entry, digest));
-        } else {
-            gathered += entry.line + u" : Invalid checksum format\n"_s;
-            addFile({.name = entry.line, .state = State::NotAnEntry});
-        }
-        ++done;
-        setProgressIndicatorValue(static_cast<double>(done) * 100.0 / static_cast<double>(entries.size()));
-        updateStatus();
+        const bool isSame = digests[i].hexadecimal == entry.expected;
+        gathered += lastPathComponent(nameIn(entry)) + (isSame ? u" : OK\n"_s : u" : FAILED\n"_s);
+        addFile(foundFor(entry, digests[i]));
     }
     addLines(gathered);
+}
+
+QString VerifyMD5Task::nameIn(const checksumList::Entry &entry) const
+{
+    return understandsOthers() ? entry.name : entry.name.trimmed();
+}
+
+std::vector<FileDigest> VerifyMD5Task::readFiles(const std::vector<checksumList::Entry> &entries)
+{
+    const QString folder = folderOf(fileName());
+    foreignList::Files files(folder);
+    QStringList paths;
+    for (const checksumList::Entry &entry : entries) {
+        if (!entry.isEntry())
+            paths.append(QString());
+        else if (understandsOthers())
+            paths.append(files.find(nameIn(entry)));
+        else
+            paths.append(checksumList::listedPath(folder, nameIn(entry)));
+    }
+    std::vector<FileDigest> digests(entries.size());
+    RowOfFiles row(*this, paths.size(), [&](qsizetype done) {
+        if (done < paths.size() && entries[static_cast<std::size_t>(done)].isEntry())
+            setTopTextFieldString(u"Verifying "_s + entries[static_cast<std::size_t>(done)].name);
+        setProgressIndicatorValue(static_cast<double>(done) * 100.0 / static_cast<double>(paths.size()));
+        updateStatus();
+    });
+    const auto isStopped = [this] { return cancelled(); };
+    runInParallel(paths.size(), MD5Helper::kReaders, isStopped, [&](qsizetype index) {
+        const auto place = static_cast<std::size_t>(index);
+        if (entries[place].isEntry())
+            digests[place] = MD5Helper::digestOf(paths.at(index), MD5Helper::Kind::Regular, isStopped);
+        row.markDone(index);
+    });
+    return digests;
 }
 
 } // namespace nurv

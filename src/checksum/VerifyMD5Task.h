@@ -2,7 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "checksum/ListEntries.h"
+#include "checksum/MD5Helper.h"
 #include "checksum/VerifyListTask.h"
+
+#include <vector>
 
 namespace nurv {
 
@@ -18,6 +22,10 @@ protected:
 
 private:
     void doCreateMD5();
+    /// The name of the entry's file, as the list means it.
+    [[nodiscard]] QString nameIn(const checksumList::Entry &entry) const;
+    /// The digest of each entry's file: none for a line that is no entry, nor where the job was cancelled before.
+    [[nodiscard]] std::vector<FileDigest> readFiles(const std::vector<checksumList::Entry> &entries);
 };
 
 } // namespace nurv

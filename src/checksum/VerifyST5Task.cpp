@@ -9,6 +9,7 @@
 #include "engine/ProgramRunSync.h"
 #include "files/FileStatus.h"
 #include "process/ResourceFolder.h"
+#include "programs/ExternalPrograms.h"
 #include "programs/Shntool.h"
 #include "text/TextNumbers.h"
 

@@ -313,9 +313,8 @@ void FixTask::doMd5Call(const QString &listName, const QList<qsizetype> &places)
             if (cancelled())
                 return;
             list += checksumList::md5Entry(digest.hexadecimal, lastPathComponent(path));
-            const QString fault = digest.failure.isEmpty() ? fixedFileLists::faultOfFile(path) : digest.failure;
-            if (!fault.isEmpty())
-                noteUnlisted(path, fault);
+            if (!digest.failure.isEmpty() || digest.bytes == 0)
+                noteUnlisted(path, digest.failure.isEmpty() ? u"it is empty"_s : digest.failure);
         }
         ++done;
         showProgress(u"Creating MD5"_s, static_cast<double>(done) * 100.0 / static_cast<double>(places.size()));
@@ -333,8 +332,8 @@ void FixTask::doCreateFFP()
             continue;
         const QString entry = fingerprint(path);
         list += entry;
-        if (!fixedFileLists::holdsFingerprint(entry))
-            noteUnlisted(path, u"metaflac tells no fingerprint of it"_s);
+        if (const std::optional<QString> fault = faultOfFingerprint(entry))
+            noteUnlisted(path, *fault);
     }
     const SettingsStore &settings = SettingsStore::instance();
     writeList(checksumList::ffpFileName(m_outputPath, settings.string(u"ffpExtension"_s),

@@ -2,17 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "fix/FixedFileLists.h"
 
-#include "base/SystemError.h"
-#include "files/FileDescriptor.h"
-
-#include <QFile>
-
 #include <algorithm>
-#include <cerrno>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -41,33 +31,6 @@ QList<DiscList> listsByDisc(const QStringList &paths)
             list->places.append(place);
     }
     return lists;
-}
-
-QString faultOfFile(const QString &path)
-{
-    const FileDescriptor file(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
-    struct stat facts = {};
-    if (!file.isOpen() || ::fstat(file.get(), &facts) != 0)
-        return systemErrorText(errno);
-    if (!S_ISREG(facts.st_mode))
-        return u"it is no regular file"_s;
-    char byte = 0;
-    const ssize_t count = ::read(file.get(), &byte, 1);
-    if (count < 0)
-        return systemErrorText(errno);
-    return count == 0 ? u"it is empty"_s : QString();
-}
-
-bool holdsFingerprint(const QString &entry)
-{
-    constexpr qsizetype kDigits = 32;
-    if (!entry.endsWith(u'\n') || entry.size() < kDigits + 2 || entry[entry.size() - kDigits - 2] != u':')
-        return false;
-    const QStringView digest = QStringView(entry).sliced(entry.size() - kDigits - 1, kDigits);
-    const bool isNumber = std::all_of(digest.begin(), digest.end(), [](QChar digit) {
-        return (digit >= u'0' && digit <= u'9') || (digit >= u'a' && digit <= u'f');
-    });
-    return isNumber && !std::all_of(digest.begin(), digest.end(), [](QChar digit) { return digit == u'0'; });
 }
 
 } // namespace nurv::fixedFileLists

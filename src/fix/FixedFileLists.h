@@ -8,7 +8,7 @@
 
 namespace nurv::fixedFileLists {
 
-// Which checksum lists a fix job writes, and what of their entries tells nothing. Nothing here writes a file.
+// Which checksum lists a fix job writes. Nothing here writes a file.
 
 /// The number of the disc that a file belongs to, by its path: "1" of "/shows/show-d1t01.shn". The path is split at every
 /// "d", and the last piece at "t", of which the first piece counts: whatever that is.
@@ -21,10 +21,5 @@ struct DiscList {
 };
 /// One list per disc, in the order in which the paths name them first. A file name never holds a "/".
 [[nodiscard]] QList<DiscList> listsByDisc(const QStringList &paths);
-
-/// What is wrong with a file that an MD5 list is to hold: why it cannot be read. Empty when it can be.
-[[nodiscard]] QString faultOfFile(const QString &path);
-/// Whether the entry of a fingerprint list holds a fingerprint: not a complaint, and not that of a stream without one.
-[[nodiscard]] bool holdsFingerprint(const QString &entry);
 
 } // namespace nurv::fixedFileLists

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "programs/ExternalPrograms.h"
 
+#include "base/NurvFailure.h"
+#include "base/SystemError.h"
 #include "process/ChildProcess.h"
 #include "process/ProcessEnvironment.h"
 #include "process/ResourceFolder.h"
@@ -17,12 +19,15 @@
 #include "programs/Wavpack.h"
 #include "text/RegularExpression.h"
 
+#include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 
 #include <string.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -136,6 +141,13 @@ QString missingProgramText(const QString &launchPath, const QString &reason)
         file.fileName(), reason, file.path());
     const ExternalProgram *program = findExternalProgram(file.fileName());
     return program ? text + u'\n' + providerText(*program) : text;
+}
+
+void requireProgram(const QString &name)
+{
+    const QString path = programPath(name);
+    if (::access(QFile::encodeName(path).constData(), X_OK) != 0)
+        throw NurvFailure(missingProgramText(path, systemErrorText(errno)));
 }
 
 QString killedProgramText(const QString &name, int signal, const QString &title)

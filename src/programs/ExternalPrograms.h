@@ -38,6 +38,10 @@ struct ProgramStatus {
 /// in, `reason`, and what provides it. `launchPath` is the path that was tried.
 [[nodiscard]] QString missingProgramText(const QString &launchPath, const QString &reason);
 
+/// Throws NurvFailure with that text when the bundled or installed program of that name cannot be run: for jobs that start it
+/// for every file, of which none would be served.
+void requireProgram(const QString &name);
+
 /// The line for a program that died by a signal while it worked on `title`.
 [[nodiscard]] QString killedProgramText(const QString &name, int signal, const QString &title);
 

@@ -5,6 +5,7 @@
 #include "audio/AudioFileHeader.h"
 #include "audio/LibAv.h"
 #include "base/NurvFailure.h"
+#include "samples/ProgressTeller.h"
 #include "samples/SampleCount.h"
 #include "samples/SampleStream.h"
 
@@ -127,11 +128,9 @@ SoundComparison::Result LossyComparison::compare(const QString &source, const QS
                                                  const SoundComparison::IsUnwanted &isUnwanted)
 {
     SoundComparison::Result result;
-    const auto half = [&progress](double offset) {
-        return [&progress, offset](double percent) {
-            if (progress)
-                progress(offset + percent / 2.0);
-        };
+    ProgressTeller teller(progress);
+    const auto half = [&teller](double offset) {
+        return [&teller, offset](double percent) { teller.tell(offset + percent / 2.0); };
     };
     QString side = u"the source"_s;
     try {

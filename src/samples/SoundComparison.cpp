@@ -4,6 +4,7 @@
 
 #include "base/NurvFailure.h"
 #include "samples/FormatCheck.h"
+#include "samples/ProgressTeller.h"
 #include "samples/ReadAheadSound.h"
 #include "samples/SampleCount.h"
 #include "samples/StretchSearch.h"
@@ -20,24 +21,6 @@ namespace {
 
 using Side = JoinedSound::Side;
 using Samples = std::span<const std::int32_t>;
-
-/// Counts the percent of both sides.
-class ProgressTeller {
-public:
-    explicit ProgressTeller(const SoundComparison::Progress &progress) : m_progress(progress) {}
-
-    void tell(double percent)
-    {
-        if (!m_progress || percent < m_told + 1.0)
-            return;
-        m_told = std::min(percent, 100.0);
-        m_progress(m_told);
-    }
-
-private:
-    const SoundComparison::Progress &m_progress;
-    double m_told = -1.0;
-};
 
 /// Sources and outputs from their first sample on: equal, or with silence behind them.
 class AlignedComparison {

@@ -150,7 +150,9 @@ bool isSound(const QByteArray &line)
     if (hasControls || !line.isValidUtf8() || !endsWithinItself(line) || holdsStream(line))
         return false;
     const bool isSection = line.startsWith('[') && line.endsWith(']') && isNamed(line.mid(1, line.size() - 2));
-    return isSection || line.startsWith('#') || (!line.startsWith('[') && isNamed(line.left(line.indexOf('='))) && line.contains('='));
+    // QSettings takes a line that begins with "#" for a value like any other.
+    const bool isComment = line.startsWith('#') && !line.contains('=');
+    return isSection || isComment || (!line.startsWith('[') && isNamed(line.left(line.indexOf('='))) && line.contains('='));
 }
 
 struct SoundLines {

@@ -43,5 +43,18 @@ TEST(Fingerprint, AsksMetaflacForTheSignatureOfTheFile)
               u"x:y.flac:arg 1: --show-md5\narg 2: %1\n"_s.arg(folder.path(u"x:y.flac"_s)));
 }
 
+TEST(Fingerprint, IsAtFaultUnlessItHoldsTheDigestOfSomeSound)
+{
+    const QString digest = u"1d189d2441b303c8599e882577ea06e5"_s;
+    EXPECT_EQ(faultOfFingerprint(u"a.flac:"_s + digest + u'\n'), std::nullopt);
+    EXPECT_EQ(faultOfFingerprint(u"a: b.flac:"_s + digest + u'\n'), std::nullopt);
+    EXPECT_EQ(faultOfFingerprint(u"a.flac:"_s + digest.chopped(1) + u'\n'), u"metaflac told none");
+    EXPECT_EQ(faultOfFingerprint(u"a.flac:"_s + digest.toUpper() + u'\n'), u"metaflac told none");
+    EXPECT_EQ(faultOfFingerprint(QString()), u"metaflac told none");
+    EXPECT_EQ(faultOfFingerprint(u"a.flac:"_s + QString(32, u'0') + u'\n'), u"its encoder stored none");
+    const QString complaint = u"a.flac: ERROR: reading metadata, status = \"FLAC__METADATA_CHAIN_STATUS_READ_ERROR\""_s;
+    EXPECT_EQ(faultOfFingerprint(complaint + u"\nmore\n"_s), complaint);
+}
+
 } // namespace
 } // namespace nurv

@@ -2,13 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "fix/FixedFileLists.h"
 
-#include "support/TestFolder.h"
-
 #include <gtest/gtest.h>
-
-#include <sys/stat.h>
-
-#include <QFile>
 
 using namespace Qt::StringLiterals;
 
@@ -49,30 +43,6 @@ TEST(FixedFileLists, LeadIntoNoOtherFolder)
         names.append(list.fileName);
     EXPECT_EQ(names, (QStringList{u"Disc2_.md5"_s, u"Disc_music_b_a.shn.md5"_s, u"Disc.._.._.._.md5"_s, u"Disc.md5"_s}));
     EXPECT_EQ(lists[0].places, (QList<qsizetype>{0, 1}));
-}
-
-TEST(FixedFileLists, TellWhichFileCannotBeRead)
-{
-    const test::TestFolder folder;
-    EXPECT_EQ(faultOfFile(folder.write(u"a"_s, "x")), QString());
-    EXPECT_EQ(faultOfFile(folder.write(u"empty"_s, "")), u"it is empty");
-    EXPECT_EQ(faultOfFile(folder.makeFolder(u"b"_s)), u"it is no regular file");
-    EXPECT_EQ(faultOfFile(folder.path(u"missing"_s)), u"No such file or directory");
-    const QString pipe = folder.path(u"pipe"_s);
-    ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
-    EXPECT_EQ(faultOfFile(pipe), u"it is no regular file");
-}
-
-TEST(FixedFileLists, KnowAFingerprint)
-{
-    const QString digest = u"1d189d2441b303c8599e882577ea06e5"_s;
-    EXPECT_TRUE(holdsFingerprint(u"a.flac:"_s + digest + u'\n'));
-    EXPECT_TRUE(holdsFingerprint(u"a: b.flac:"_s + digest + u'\n'));
-    EXPECT_FALSE(holdsFingerprint(u"a.flac:"_s + digest));
-    EXPECT_FALSE(holdsFingerprint(u"a.flac:"_s + digest.chopped(1) + u'\n'));
-    EXPECT_FALSE(holdsFingerprint(u"a.flac:"_s + QString(32, u'0') + u'\n')) << "that of a stream without one";
-    EXPECT_FALSE(holdsFingerprint(u"a.flac: ERROR: reading metadata, status = \"FLAC__METADATA_CHAIN_STATUS_READ_ERROR\"\n"_s));
-    EXPECT_FALSE(holdsFingerprint(QString()));
 }
 
 } // namespace

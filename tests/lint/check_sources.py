@@ -24,7 +24,7 @@ ALLOWED = {
     "settings": {"base", "text", "files"},
     "desktop": set(),
     "audio": {"base", "files"},
-    "programs": {"text", "process"},
+    "programs": {"base", "text", "process"},
     "engine": BASICS | {"programs"},
     "app": BASICS | {"programs", "engine"},
     "samples": {"base", "files", "audio"},

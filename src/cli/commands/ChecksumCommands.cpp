@@ -3,6 +3,7 @@
 #include "cli/commands/ChecksumCommands.h"
 
 #include "app/PathNames.h"
+#include "checksum/ChecksumList.h"
 #include "checksum/ChecksumTab.h"
 #include "cli/ArgumentParser.h"
 #include "cli/BatchOptions.h"
@@ -81,12 +82,11 @@ std::unique_ptr<BaseTab> ChecksumCreateCommand::makeTab(NURVController &controll
 
 QStringList ChecksumCreateCommand::optionsWithoutEffect(const ParsedArguments &arguments, const QStringList &files) const
 {
-    static const QStringList sounds{u"FLAC"_s, u"WAV"_s, u"AIFF"_s, u"AIF"_s, u"SHN"_s, u"APE"_s, u"WV"_s, u"TTA"_s};
     const QString kind = arguments.value(u"kind"_s);
     if (kind != u"st5" && kind != u"ffp")
         return {};
     const auto leftOut = std::count_if(files.begin(), files.end(), [&](const QString &path) {
-        return kind == u"ffp" ? formatWord(path) != u"FLAC" : !sounds.contains(formatWord(path));
+        return kind == u"ffp" ? !checksumList::takesFfp(path) : !checksumList::takesSt5(path);
     });
     if (leftOut == 0)
         return {};
