@@ -5,6 +5,7 @@
 #include "app/NURVController.h"
 #include "app/PathNames.h"
 #include "base/Version.h"
+#include "checksum/CheckSummary.h"
 #include "checksum/ChecksumList.h"
 #include "checksum/CreateAllListsTask.h"
 #include "checksum/CreateMD5Task.h"
@@ -138,6 +139,8 @@ std::shared_ptr<NURVTask> ChecksumTab::jobForList(const QString &path, const std
 void ChecksumTab::queueVerifying()
 {
     const auto results = std::make_shared<NURVTaskResults>();
+    const bool checksLists = commandOptions.selectedRow() == VerifyLists;
+    results->setFrame(std::make_shared<CheckSummary>(checksLists ? CheckSummary::Kind::Lists : CheckSummary::Kind::Files));
     const Jobs jobs = verifyingJobs(results);
     for (const std::shared_ptr<NURVTask> &job : jobs)
         results->addTaskInSet(*job);

@@ -23,16 +23,18 @@ bool isComment(const QString &line)
     return line.startsWith(u'#') || line.startsWith(u';') || line.startsWith(u"//"_s);
 }
 
-/// The lines that are not empty, without the blanks at their ends.
+/// The lines that are not empty, without the blanks before them: those behind may belong to a name.
 QStringList linesOf(const QString &text)
 {
     QStringList lines;
     // A list of another program breaks lines where such programs do: a separator of Unicode may belong to a name.
     static const QRegularExpression kLineEnd(u"\\r\\n|\\n|\\r"_s);
     for (const QString &line : text.split(kLineEnd)) {
-        const QString trimmed = line.trimmed();
-        if (!trimmed.isEmpty())
-            lines.append(trimmed);
+        qsizetype begin = 0;
+        while (begin < line.size() && line[begin].isSpace())
+            ++begin;
+        if (begin < line.size())
+            lines.append(line.sliced(begin));
     }
     return lines;
 }
@@ -54,7 +56,7 @@ QString unescaped(const QString &name)
 
 Entry entryOf(const QString &line, const QString &digest, const QString &name)
 {
-    return {.line = line, .name = name, .expected = digest.toLower()};
+    return {.line = line.trimmed(), .name = name, .expected = digest.toLower()};
 }
 
 QString folded(const QString &name)
@@ -73,11 +75,11 @@ QString read(const QString &path)
 
 std::vector<Entry> md5Entries(const QString &text)
 {
-    static const QRegularExpression kPlain(u"^(\\\\?)([0-9A-Fa-f]{32}) [ *]?\\s*(.+)$"_s);
-    static const QRegularExpression kBsd(u"^(\\\\?)MD5 ?\\((.+)\\) ?= ?([0-9A-Fa-f]{32})$"_s, QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression kPlain(u"^(\\\\?)([0-9A-Fa-f]{32}) [ *]?(.*\\S.*)$"_s);
+    static const QRegularExpression kBsd(u"^(\\\\?)MD5 ?\\((.+)\\) ?= ?([0-9A-Fa-f]{32})\\s*$"_s, QRegularExpression::CaseInsensitiveOption);
     std::vector<Entry> entries;
     for (const QString &line : linesOf(text)) {
-        Entry entry{.line = line};
+        Entry entry{.line = line.trimmed()};
         if (const auto plain = kPlain.match(line); plain.hasMatch())
             entry = entryOf(line, plain.captured(2), plain.captured(1).isEmpty() ? plain.captured(3) : unescaped(plain.captured(3)));
         else if (const auto bsd = kBsd.match(line); bsd.hasMatch())
@@ -90,33 +92,42 @@ std::vector<Entry> md5Entries(const QString &text)
 
 std::vector<Entry> st5Entries(const QString &text)
 {
-    static const QRegularExpression kLine(u"^([0-9A-Fa-f]{32,40})\\s+\\[shntool[^\\]]*\\]\\s+(.+)$"_s);
+    static const QRegularExpression kLine(u"^([0-9A-Fa-f]{32,40})\\s+\\[shntool[^\\]]*\\]\\s{1,2}(.*\\S.*)$"_s);
     std::vector<Entry> entries;
     for (const QString &line : linesOf(text)) {
         const auto match = kLine.match(line);
         if (match.hasMatch())
             entries.push_back(entryOf(line, match.captured(1), match.captured(2)));
         else if (!isComment(line))
-            entries.push_back({.line = line});
+            entries.push_back({.line = line.trimmed()});
     }
     return entries;
 }
 
 std::vector<Entry> ffpEntries(const QString &text)
 {
-    static const QRegularExpression kLine(u"^(.+?)\\s*:\\s*([0-9A-Fa-f]{32})$"_s);
+    static const QRegularExpression kLine(u"^(.+):\\s*([0-9A-Fa-f]{32})\\s*$"_s);
     std::vector<Entry> entries;
     for (const QString &line : linesOf(text)) {
         const auto match = kLine.match(line);
         if (match.hasMatch())
             entries.push_back(entryOf(line, match.captured(2), match.captured(1)));
         else if (!isComment(line))
-            entries.push_back({.line = line});
+            entries.push_back({.line = line.trimmed()});
     }
     return entries;
 }
 
 QString Files::find(const QString &name)
+{
+    const QString exact = findExactly(name);
+    if (isThere(exact) || name == name.trimmed())
+        return exact;
+    // Blanks around a name are more often the list's than the name's.
+    return findExactly(name.trimmed());
+}
+
+QString Files::findExactly(const QString &name)
 {
     const QString asItStands = checksumList::listedPath(m_folder, name);
     if (isThere(asItStands))

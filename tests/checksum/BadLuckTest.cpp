@@ -104,7 +104,7 @@ TEST_F(ChecksumBadLuckTest, TellsAFileThatIsCutWhileItIsChecked)
                                                       std::make_shared<NURVTaskResults>());
     const auto results = join(*task);
     duringReadingOf(path, task, [&] { EXPECT_TRUE(QFile::resize(path, 3)); });
-    EXPECT_EQ(results->results(*task), u"Verify MD5: l.md5\na.wav : FAILED\n1 of 1 files could not be read\n");
+    EXPECT_EQ(results->results(*task), u"Verify MD5: l.md5\na.wav : FAILED\n1 of 1 file could not be read\n");
     ASSERT_EQ(statesOf(*task), std::vector{State::Unreadable});
     EXPECT_EQ(task->outcome().listedFiles[0].detail, u"it changed while it was read");
 }

@@ -1,9 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/PathNames.h"
 #include "app/ScriptedPrompts.h"
 #include "checksum/ChecksumFixture.h"
 #include "checksum/ChecksumTab.h"
 #include "checksum/LosslessFiles.h"
+#include "engine/NURVTaskResults.h"
 
 #include <QRegularExpression>
 
@@ -26,7 +28,7 @@ protected:
                          [this](const QString &text, const QString &) { windows.append(text); });
     }
 
-    /// Runs the tab over the file; returns what the window shows.
+    /// Runs the tab over the file; returns the reports.
     QString verify(const QString &path)
     {
         ended.clear();
@@ -36,7 +38,11 @@ protected:
         EXPECT_TRUE(tab.fileNames().isEmpty());
         EXPECT_TRUE(test::waitUntil([this] { return controller.taskQueue().taskCount() == 0; }));
         EXPECT_EQ(windows.size(), 1);
-        return withoutTime(windows.value(0));
+        const QString reports = ended.at(0)->results()->results();
+        const bool isGood = !ended.at(0)->error();
+        const QString head = isGood ? QString() : lastPathComponent(path) + u": not good\n\n"_s;
+        EXPECT_EQ(windows.value(0), head + reports + (isGood ? u"1 of 1 file good\n"_s : u"0 of 1 file good\n"_s));
+        return withoutTime(reports);
     }
 
     void makeProgramsWriteAtOnce()

@@ -67,7 +67,7 @@ TEST_F(VerifyFFPTaskTest, SeesDamageBehindAFingerprintThatFits)
     const auto task = verify<VerifyFFPTask>(folder.write(u"l.ffp"_s, entry));
     EXPECT_TRUE(report.contains(u"a.flac : OK\n"_s));
     EXPECT_TRUE(report.contains(u"ERROR"_s)) << qPrintable(report);
-    EXPECT_TRUE(report.endsWith(u"1 of 1 files is damaged\n"_s)) << qPrintable(report);
+    EXPECT_TRUE(report.endsWith(u"1 of 1 file is damaged\n"_s)) << qPrintable(report);
     EXPECT_TRUE(task->error());
     EXPECT_EQ(statesOf(*task), std::vector{State::Damaged});
 }

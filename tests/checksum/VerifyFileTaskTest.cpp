@@ -173,7 +173,7 @@ TEST_F(VerifyFileTaskTest, TellsThatAFlacTestWasCanceled)
     controller.taskQueue().panelArray()[0]->cancelTask();
     folder.write(u"go-on"_s, "");
     ASSERT_TRUE(test::waitUntil([this] { return controller.taskQueue().taskCount() == 0; }));
-    EXPECT_TRUE(windows.value(0).endsWith(u"a.flac: testing, 5.000000% complete\na.flac canceled\n\n"_s)) << qPrintable(windows.value(0));
+    EXPECT_TRUE(windows.value(0).endsWith(u"a.flac: testing, 5.000000% complete\na.flac canceled\n\n0 of 1 file good\n"_s)) << qPrintable(windows.value(0));
 }
 
 } // namespace

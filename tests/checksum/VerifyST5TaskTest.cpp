@@ -77,7 +77,7 @@ TEST_F(VerifyST5TaskTest, ReportsTheNameAndThenTheWarning)
                                     + ";out=\\b 45% \\b;until-read;out=shntool [hash]: warning: it is odd: ;until-read;out=[a]\\n"
                                       "0f  [shntool]  a.wav\\n");
     const auto task = verify<VerifyST5Task>(folder.write(u"l.st5"_s, "0f  [shntool]  a.wav\n"));
-    EXPECT_EQ(report, u"Verify ST5: l.st5\na.wav : warning: it is odd: [a]a.wav\n1 of 1 files is another one\n");
+    EXPECT_EQ(report, u"Verify ST5: l.st5\na.wav : warning: it is odd: [a]a.wav\n1 of 1 file is another one\n");
     EXPECT_TRUE(task->error());
     EXPECT_EQ(folder.read(u"log"_s), "hash\t" + folder.path(u"a.wav"_s).toUtf8() + '\n');
     EXPECT_TRUE(statuses.contains(u"Verifying: 45.000000%"_s)) << qPrintable(statuses.join(u'|'));
