@@ -94,7 +94,7 @@ void VerifyST5Task::check(const checksumList::Entry &entry, const QString &path)
     const Answer answer = st5(path);
     // Who ends the programs of a canceled check wants no others to begin.
     if (!answer.failure.isEmpty() && cancelled())
-        throw NurvFailure(u"canceled; "_s + answer.failure);
+        throw NurvFailure(answer.failure);
     const bool isWarning = answer.text.contains(u"warning"_s);
     const bool isSame =
         !isWarning && (understandsOthers() ? digestIn(answer.text) == entry.expected : answer.text == entry.line);

@@ -147,6 +147,8 @@ std::optional<QString> BatchReport::lineOf(const NURVTask &task, const Job &job)
         if (m_options.quiet || m_notBegun.count(&task) > 0)
             return std::nullopt;
         words.append(endingText(task));
+        if (!job.problem.isEmpty())
+            words.append(job.problem);
     } else if (task.error()) {
         words.append(job.problem);
         if (job.keptOriginal())
