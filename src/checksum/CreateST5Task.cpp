@@ -51,7 +51,8 @@ void CreateST5Task::takeEntries(const QString &chunk)
     m_unended = lines.takeLast();
     for (const QString &ended : lines) {
         const QString line = trimBackspaces(ended);
-        const qsizetype marker = line.indexOf(checksumList::kSt5Marker);
+        // The name of a file may hold the mark, too.
+        const qsizetype marker = line.startsWith(u"Hashing ["_s) ? -1 : line.indexOf(checksumList::kSt5Marker);
         if (marker >= 0) {
             appendResultsForSelf(u'\n' + line);
             m_listed.append(line.sliced(marker + checksumList::kSt5Marker.size()));

@@ -105,9 +105,9 @@ bool VerifyFFPTask::check(const checksumList::Entry &entry, const QString &path)
     const QFileInfo named(path);
     const bool isOdd = named.exists() && !named.isFile();
     const QString computed = isOdd ? QString() : fingerprint(path).trimmed();
-    const QString name = understandsOthers() ? lastPathComponent(path) : entry.name;
     ListedFile file{.name = entry.name, .state = State::Different};
-    const bool isSame = computed == name + u':' + entry.expected;
+    const bool isSame = understandsOthers() ? computed.section(u':', -1) == entry.expected
+                                            : computed == entry.name + u':' + entry.expected;
     if (metaflac::tellsOfError(computed)) {
         gather(u"%1 : %2\n"_s.arg(computed, entry.name.trimmed()));
         file.state = isThere(path) ? State::Unreadable : State::Missing;
