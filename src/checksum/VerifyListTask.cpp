@@ -40,6 +40,10 @@ constexpr std::array kWords = {
     FindingWords{State::NotAnEntry, u"is no entry", u"are no entries", true},
 };
 
+/// How much of a list is looked at for signs of another program.
+constexpr qsizetype kSampleCharacters = 65'536;
+constexpr std::ptrdiff_t kSampleFiles = 1000;
+
 QString hint()
 {
     return u"try 'Understand lists of other programs' (--any-list)"_s;
@@ -114,13 +118,12 @@ void VerifyListTask::reportGathered()
 /// Whether it begins with entries that are none, or other ones, for this program. The list is read once more for that.
 bool VerifyListTask::isOfAnotherProgram() const
 {
-    constexpr qsizetype kSample = 65'536;
     const auto keyOf = [](const checksumList::Entry &entry) { return std::pair(entry.name.trimmed(), entry.expected); };
     try {
-        const std::vector<checksumList::Entry> ofOthers = entriesOfOthers(foreignList::read(fileName()).left(kSample));
+        const std::vector<checksumList::Entry> ofOthers = entriesOfOthers(foreignList::read(fileName()).left(kSampleCharacters));
         QSet<std::pair<QString, QString>> own;
         if (const std::optional<QString> text = fromStrictUtf8(checksumList::readListBytes(fileName()))) {
-            for (const checksumList::Entry &entry : ownEntries(text->left(kSample)))
+            for (const checksumList::Entry &entry : ownEntries(text->left(kSampleCharacters)))
                 own.insert(keyOf(entry));
         }
         // A byte-order mark is no character of the other text, and so the end of the sample may lie elsewhere in its line.
@@ -139,7 +142,9 @@ bool VerifyListTask::hasNamesForOthers() const
 {
     const QString folder = folderOf(fileName());
     foreignList::Files files(folder);
-    return std::any_of(m_files.begin(), m_files.end(), [&](const ListedFile &file) {
+    // Of a long list the first files tell.
+    const auto end = m_files.begin() + std::min<std::ptrdiff_t>(std::ssize(m_files), kSampleFiles);
+    return std::any_of(m_files.begin(), end, [&](const ListedFile &file) {
         const bool hasFolder = needsBareNames() && file.state == State::Different && file.name.contains(u'/');
         if (!hasFolder && file.state != State::Missing)
             return false;

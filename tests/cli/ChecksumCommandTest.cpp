@@ -124,6 +124,36 @@ TEST(ChecksumCommand, WritesAllListsAsTheSingleKindsDo)
     }
 }
 
+TEST(ChecksumCommand, ReplacesThreeListsInOneGoOnlyWhenItIsTold)
+{
+    const TestFolder folder;
+    const QString show = makeShow(folder);
+    const QStringList create{u"create"_s, u"--kind=all"_s, show};
+    const QStringList beside{u"--beside-source"_s};
+    const QStringList elsewhere{u"--output-dir"_s, show};
+    ASSERT_EQ(checksum(create + beside).exitStatus, 0);
+    const QStringList names{u"show/md5sum.md5"_s, u"show/checksum.st5"_s, u"show/fingerprint.ffp.txt"_s};
+    QList<QByteArray> entries;
+    for (const QString &name : names) {
+        entries.append(folder.read(name).split('\n').mid(1).join('\n'));
+        folder.write(name, "old");
+    }
+    for (const QStringList &options : {beside, elsewhere}) {
+        const ProgramResult refused = checksum(create + options);
+        EXPECT_NE(refused.exitStatus, 0);
+        EXPECT_TRUE(refused.errors.contains("md5sum.md5, checksum.st5, fingerprint.ffp.txt exist already. Do you want to replace them?"))
+            << refused.errors.constData();
+        EXPECT_EQ(folder.read(names[0]), "old");
+    }
+    for (const QStringList &options : {beside + QStringList{u"--yes"_s}, elsewhere + QStringList{u"--overwrite"_s}}) {
+        for (const QString &name : names)
+            folder.write(name, "old");
+        ASSERT_EQ(checksum(create + options).exitStatus, 0);
+        for (qsizetype i = 0; i < names.size(); ++i)
+            EXPECT_EQ(folder.read(names[i]).split('\n').mid(1).join('\n'), entries[i]) << qPrintable(names[i]);
+    }
+}
+
 TEST(ChecksumCommand, SeesDamageWhileItWritesAllLists)
 {
     const TestFolder folder;
