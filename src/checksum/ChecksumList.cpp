@@ -59,20 +59,20 @@ bool canName(const QString &name)
     return std::none_of(name.begin(), name.end(), [](QChar character) { return checksumList::endsLine(character); });
 }
 
-bool isReadBack(Kind kind, const QString &name)
+bool isReadBack(ListKind kind, const QString &name)
 {
     const QString digest(32, u'0');
     std::vector<Entry> entries;
     switch (kind) {
-    case Kind::Md5: entries = md5Entries({md5Entry(digest, name).chopped(1)}); break;
-    case Kind::St5: entries = st5Entries({digest + kSt5Marker.toString() + name}); break;
-    case Kind::Ffp: entries = ffpEntries({name + u':' + digest}); break;
+    case ListKind::Md5: entries = md5Entries({md5Entry(digest, name).chopped(1)}); break;
+    case ListKind::St5: entries = st5Entries({digest + kSt5Marker.toString() + name}); break;
+    case ListKind::Ffp: entries = ffpEntries({name + u':' + digest}); break;
     }
     if (entries.size() != 1)
         return false;
     // Of an MD5 list the reader trims the name later.
-    const QString read = kind == Kind::Md5 ? entries.front().name.trimmed() : entries.front().name;
-    return read == name && (kind != Kind::Ffp || entries.front().expected == digest);
+    const QString read = kind == ListKind::Md5 ? entries.front().name.trimmed() : entries.front().name;
+    return read == name && (kind != ListKind::Ffp || entries.front().expected == digest);
 }
 
 QString misreadText(const QString &path)
@@ -80,15 +80,15 @@ QString misreadText(const QString &path)
     return u"%1 has a name that its list gives back only to 'Understand lists of other programs'"_s.arg(path);
 }
 
-std::optional<Kind> kindOfList(const QString &path)
+std::optional<ListKind> kindOfList(const QString &path)
 {
     const QString format = formatWord(path);
     if (format == u"MD5")
-        return Kind::Md5;
+        return ListKind::Md5;
     if (format == u"ST5")
-        return Kind::St5;
+        return ListKind::St5;
     if (format == u"FFP" || (format == u"TXT" && formatWord(nameWithoutExtension(path)) == u"FFP"))
-        return Kind::Ffp;
+        return ListKind::Ffp;
     return std::nullopt;
 }
 

@@ -32,15 +32,15 @@ namespace nurv::checksumList {
 [[nodiscard]] bool canName(const QString &name);
 
 /// The kinds of lists.
-enum class Kind { Md5, St5, Ffp };
+enum class ListKind { Md5, St5, Ffp };
 /// Whether who reads a list of that kind, written by this program, gets the name of an entry back as it was: without the
 /// blanks at its ends, say, it is that of another file.
-[[nodiscard]] bool isReadBack(Kind kind, const QString &name);
+[[nodiscard]] bool isReadBack(ListKind kind, const QString &name);
 /// What there is to say about a file whose name is not: a line without a full stop.
 [[nodiscard]] QString misreadText(const QString &path);
 
 /// Whether a file is a list, by its name.
-[[nodiscard]] std::optional<Kind> kindOfList(const QString &path);
+[[nodiscard]] std::optional<ListKind> kindOfList(const QString &path);
 
 /// Whether an ST5 list holds the file: by its extension, one of those that shntool reads.
 [[nodiscard]] bool takesSt5(const QString &path);

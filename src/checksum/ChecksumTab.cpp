@@ -143,13 +143,13 @@ std::shared_ptr<NURVTask> ChecksumTab::jobForFile(const QString &path, const std
 std::shared_ptr<NURVTask> ChecksumTab::jobForList(const QString &path, const std::shared_ptr<NURVTaskResults> &results) const
 {
     NURVTaskQueue *const queue = &nurvController().taskQueue();
-    const std::optional<checksumList::Kind> kind = checksumList::kindOfList(path);
+    const std::optional<checksumList::ListKind> kind = checksumList::kindOfList(path);
     std::shared_ptr<VerifyListTask> job;
-    if (kind == checksumList::Kind::Md5)
+    if (kind == checksumList::ListKind::Md5)
         job = std::make_shared<VerifyMD5Task>(queue, path, results);
-    else if (kind == checksumList::Kind::St5)
+    else if (kind == checksumList::ListKind::St5)
         job = std::make_shared<VerifyST5Task>(queue, path, results);
-    else if (kind == checksumList::Kind::Ffp)
+    else if (kind == checksumList::ListKind::Ffp)
         job = std::make_shared<VerifyFFPTask>(queue, path, results);
     if (job)
         job->setUnderstandsOthers(anyListButton.isOn());
@@ -353,7 +353,7 @@ void ChecksumTab::writeFFP(const QStringList &files, const QString &listPath)
             problems.append(u"%1 is not in the list: its name holds a line break"_s.arg(path));
             continue;
         }
-        if (!checksumList::isReadBack(checksumList::Kind::Ffp, lastPathComponent(path)))
+        if (!checksumList::isReadBack(checksumList::ListKind::Ffp, lastPathComponent(path)))
             problems.append(checksumList::misreadText(path));
         const QString entry = fingerprint(path);
         list += entry;

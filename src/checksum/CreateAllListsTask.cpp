@@ -31,11 +31,11 @@ namespace {
 /// In all of the lists that hold the file.
 bool isReadBack(const QString &path, const QString &md5Name)
 {
-    using checksumList::Kind;
+    using checksumList::ListKind;
     const QString name = lastPathComponent(path);
-    return checksumList::isReadBack(Kind::Md5, md5Name)
-           && (!checksumList::takesSt5(path) || checksumList::isReadBack(Kind::St5, name))
-           && (!checksumList::takesFfp(path) || checksumList::isReadBack(Kind::Ffp, name));
+    return checksumList::isReadBack(ListKind::Md5, md5Name)
+           && (!checksumList::takesSt5(path) || checksumList::isReadBack(ListKind::St5, name))
+           && (!checksumList::takesFfp(path) || checksumList::isReadBack(ListKind::Ffp, name));
 }
 
 } // namespace

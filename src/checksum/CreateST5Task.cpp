@@ -123,7 +123,7 @@ void CreateST5Task::cleanup()
         return;
     }
     for (const QString &name : std::as_const(m_listed)) {
-        if (checksumList::isReadBack(checksumList::Kind::St5, name))
+        if (checksumList::isReadBack(checksumList::ListKind::St5, name))
             continue;
         if (!results())
             openReport();

@@ -310,7 +310,7 @@ void FixTask::handleMD5()
 }
 
 /// Whether a list can name the file; what it cannot, or not so that it is read back, is told.
-bool FixTask::canList(checksumList::Kind kind, const QString &path)
+bool FixTask::canList(checksumList::ListKind kind, const QString &path)
 {
     const QString name = lastPathComponent(path);
     if (checksumList::canName(name)) {
@@ -335,7 +335,7 @@ void FixTask::doMd5Call(const QString &listName, const QList<qsizetype> &places)
     for (const qsizetype place : places) {
         const QString path = m_files.path(place);
         showMainLine(lastPathComponent(path));
-        if (canList(checksumList::Kind::Md5, path)) {
+        if (canList(checksumList::ListKind::Md5, path)) {
             const FileDigest digest =
                 MD5Helper::digestOf(path, MD5Helper::Kind::Regular, [this] { return cancelled(); });
             if (cancelled())
@@ -356,7 +356,7 @@ void FixTask::doCreateFFP()
     for (const QString &path : m_files.paths()) {
         if (cancelled())
             return;
-        if (!canList(checksumList::Kind::Ffp, path))
+        if (!canList(checksumList::ListKind::Ffp, path))
             continue;
         const QString entry = fingerprint(path);
         list += entry;

@@ -67,7 +67,7 @@ private:
     void doMd5Call(const QString &listName, const QList<qsizetype> &places);
     void doCreateFFP();
     void writeList(const QString &listName, const QString &text);
-    [[nodiscard]] bool canList(checksumList::Kind kind, const QString &path);
+    [[nodiscard]] bool canList(checksumList::ListKind kind, const QString &path);
     void noteUnlisted(const QString &path, const QString &fault);
     void examine();
     void takeVerdict(const SourceRetirement::Verdict &verdict);

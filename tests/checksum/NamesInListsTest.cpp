@@ -21,7 +21,7 @@ namespace nurv {
 namespace {
 
 using checksumList::isReadBack;
-using checksumList::Kind;
+using checksumList::ListKind;
 
 TEST(ListedNames, AreReadBackUnlessTheReaderTakesSomeOfThemForItsOwn)
 {
@@ -37,9 +37,9 @@ TEST(ListedNames, AreReadBackUnlessTheReaderTakesSomeOfThemForItsOwn)
                             Case{u"a.flac "_s, false, false, false}, Case{u"a *b.flac"_s, false, true, true},
                             Case{u"a: b.flac"_s, true, true, false}, Case{u";a.flac"_s, true, true, false},
                             Case{u"a  [shntool]  b.flac"_s, true, false, true}}) {
-        EXPECT_EQ(isReadBack(Kind::Md5, one.name), one.md5) << qPrintable(one.name);
-        EXPECT_EQ(isReadBack(Kind::St5, one.name), one.st5) << qPrintable(one.name);
-        EXPECT_EQ(isReadBack(Kind::Ffp, one.name), one.ffp) << qPrintable(one.name);
+        EXPECT_EQ(isReadBack(ListKind::Md5, one.name), one.md5) << qPrintable(one.name);
+        EXPECT_EQ(isReadBack(ListKind::St5, one.name), one.st5) << qPrintable(one.name);
+        EXPECT_EQ(isReadBack(ListKind::Ffp, one.name), one.ffp) << qPrintable(one.name);
     }
 }
 
