@@ -135,6 +135,8 @@ TEST_F(Interrupt, AJobThatHangsInTheFileSystemIsNotWaitedForLong)
     ASSERT_EQ(::mkfifo(QFile::encodeName(folder.path(u"a.shn"_s)).constData(), 0600), 0);
     RunningNurv nurv({u"encode"_s, u"--format=shn"_s, u"--md5"_s, u"--json"_s, u"--beside-source"_s, folder.path(u"a.wav"_s)});
     ASSERT_TRUE(nurv.waitForError("a.wav: its output a.shn exists already\n"));
+    // Cancelled before it begins to read it would end at once.
+    ASSERT_TRUE(nurv.waitForHeldOpen());
     nurv.sendSignal(SIGTERM);
     const ProgramResult result = nurv.finish();
     EXPECT_EQ(result.exitStatus, 130);

@@ -11,11 +11,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <vector>
 
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -131,6 +133,24 @@ RunningNurv::~RunningNurv()
 void RunningNurv::sendSignal(int number)
 {
     EXPECT_EQ(::kill(static_cast<pid_t>(m_process.processId()), number), 0);
+}
+
+bool RunningNurv::waitForHeldOpen()
+{
+    const QDir threads(u"/proc/%1/task"_s.arg(m_process.processId()));
+    // A file of this kind has no size to go by.
+    const auto textOf = [&threads](const QString &name) {
+        QFile file(threads.filePath(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    };
+    return waitUntil([&] {
+        const QStringList ids = threads.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+        return std::any_of(ids.begin(), ids.end(), [&](const QString &id) {
+            // Asleep until somebody wakes it: a disk is waited for in another state.
+            const bool isAsleep = textOf(id + u"/stat"_s).contains(") S ");
+            return isAsleep && textOf(id + u"/syscall"_s).startsWith(QByteArray::number(SYS_openat) + ' ');
+        });
+    });
 }
 
 bool RunningNurv::waitForError(const QByteArray &text)

@@ -57,6 +57,8 @@ public:
     ~RunningNurv();
 
     void sendSignal(int number);
+    /// Whether one of its threads comes to be held by the system in an open(), within the usual limit.
+    [[nodiscard]] bool waitForHeldOpen();
     /// Whether standard error comes to hold the text within the usual limit.
     [[nodiscard]] bool waitForError(const QByteArray &text);
     /// The result, once it has ended; fails the test when it does not end.
