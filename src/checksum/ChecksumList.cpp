@@ -59,6 +59,39 @@ bool canName(const QString &name)
     return std::none_of(name.begin(), name.end(), [](QChar character) { return checksumList::endsLine(character); });
 }
 
+bool isReadBack(ListKind kind, const QString &name)
+{
+    const QString digest(32, u'0');
+    std::vector<Entry> entries;
+    switch (kind) {
+    case ListKind::Md5: entries = md5Entries({md5Entry(digest, name).chopped(1)}); break;
+    case ListKind::St5: entries = st5Entries({digest + kSt5Marker.toString() + name}); break;
+    case ListKind::Ffp: entries = ffpEntries({name + u':' + digest}); break;
+    }
+    if (entries.size() != 1)
+        return false;
+    // Of an MD5 list the reader trims the name later.
+    const QString read = kind == ListKind::Md5 ? entries.front().name.trimmed() : entries.front().name;
+    return read == name && (kind != ListKind::Ffp || entries.front().expected == digest);
+}
+
+QString misreadText(const QString &path)
+{
+    return u"%1 has a name that its list gives back only to 'Understand lists of other programs'"_s.arg(path);
+}
+
+std::optional<ListKind> kindOfList(const QString &path)
+{
+    const QString format = formatWord(path);
+    if (format == u"MD5")
+        return ListKind::Md5;
+    if (format == u"ST5")
+        return ListKind::St5;
+    if (format == u"FFP" || (format == u"TXT" && formatWord(nameWithoutExtension(path)) == u"FFP"))
+        return ListKind::Ffp;
+    return std::nullopt;
+}
+
 bool takesSt5(const QString &path)
 {
     static const QStringList words{u"FLAC"_s, u"WAV"_s, u"AIFF"_s, u"AIF"_s, u"SHN"_s, u"APE"_s, u"WV"_s, u"TTA"_s};

@@ -6,6 +6,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
+
 namespace nurv::checksumList {
 
 // The texts of checksum lists: UTF-8, line feeds, a header that names the writer and
@@ -28,6 +30,17 @@ namespace nurv::checksumList {
 /// Whether a list, which has a line per file, can hold the name: a line break in it would begin an entry of
 /// its own.
 [[nodiscard]] bool canName(const QString &name);
+
+/// The kinds of lists.
+enum class ListKind { Md5, St5, Ffp };
+/// Whether who reads a list of that kind, written by this program, gets the name of an entry back as it was: without the
+/// blanks at its ends, say, it is that of another file.
+[[nodiscard]] bool isReadBack(ListKind kind, const QString &name);
+/// What there is to say about a file whose name is not: a line without a full stop.
+[[nodiscard]] QString misreadText(const QString &path);
+
+/// Whether a file is a list, by its name.
+[[nodiscard]] std::optional<ListKind> kindOfList(const QString &path);
 
 /// Whether an ST5 list holds the file: by its extension, one of those that shntool reads.
 [[nodiscard]] bool takesSt5(const QString &path);

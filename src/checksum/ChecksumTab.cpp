@@ -5,6 +5,7 @@
 #include "app/NURVController.h"
 #include "app/PathNames.h"
 #include "base/Version.h"
+#include "checksum/CheckSummary.h"
 #include "checksum/ChecksumList.h"
 #include "checksum/CreateAllListsTask.h"
 #include "checksum/CreateMD5Task.h"
@@ -42,6 +43,26 @@ namespace {
 bool isNamedAfterFolder()
 {
     return SettingsStore::instance().boolean(u"checksumFileUsesOutputDirName"_s);
+}
+
+/// Another name of a file keeps it when a list takes the place of this one.
+bool isSameEntry(const QString &left, const QString &right)
+{
+    const std::optional<struct stat> facts = statusOf(left);
+    const std::optional<struct stat> others = statusOf(right);
+    return facts && others && isSameFile(*facts, *others)
+           && QFileInfo(left).canonicalFilePath() == QFileInfo(right).canonicalFilePath();
+}
+
+/// A list of all files of a folder would have itself among them when it is made once more, as it was before.
+QStringList without(const QStringList &files, const QStringList &lists)
+{
+    QStringList others;
+    std::copy_if(files.begin(), files.end(), std::back_inserter(others), [&](const QString &file) {
+        return !checksumList::kindOfList(file)
+               || std::none_of(lists.begin(), lists.end(), [&](const QString &list) { return isSameEntry(file, list); });
+    });
+    return others;
 }
 
 } // namespace
@@ -122,13 +143,13 @@ std::shared_ptr<NURVTask> ChecksumTab::jobForFile(const QString &path, const std
 std::shared_ptr<NURVTask> ChecksumTab::jobForList(const QString &path, const std::shared_ptr<NURVTaskResults> &results) const
 {
     NURVTaskQueue *const queue = &nurvController().taskQueue();
-    const QString format = formatWord(path);
+    const std::optional<checksumList::ListKind> kind = checksumList::kindOfList(path);
     std::shared_ptr<VerifyListTask> job;
-    if (format == u"MD5")
+    if (kind == checksumList::ListKind::Md5)
         job = std::make_shared<VerifyMD5Task>(queue, path, results);
-    else if (format == u"ST5")
+    else if (kind == checksumList::ListKind::St5)
         job = std::make_shared<VerifyST5Task>(queue, path, results);
-    else if (format == u"FFP" || (format == u"TXT" && formatWord(nameWithoutExtension(path)) == u"FFP"))
+    else if (kind == checksumList::ListKind::Ffp)
         job = std::make_shared<VerifyFFPTask>(queue, path, results);
     if (job)
         job->setUnderstandsOthers(anyListButton.isOn());
@@ -138,6 +159,8 @@ std::shared_ptr<NURVTask> ChecksumTab::jobForList(const QString &path, const std
 void ChecksumTab::queueVerifying()
 {
     const auto results = std::make_shared<NURVTaskResults>();
+    const bool checksLists = commandOptions.selectedRow() == VerifyLists;
+    results->setFrame(std::make_shared<CheckSummary>(checksLists ? CheckSummary::Kind::Lists : CheckSummary::Kind::Files));
     const Jobs jobs = verifyingJobs(results);
     for (const std::shared_ptr<NURVTask> &job : jobs)
         results->addTaskInSet(*job);
@@ -216,40 +239,59 @@ std::shared_ptr<NURVTask> ChecksumTab::createAll(const QStringList &files, NURVT
         return nullptr;
     const bool isNamed = isNamedAfterFolder();
     const QString extension = SettingsStore::instance().string(u"ffpExtension"_s);
-    return std::make_shared<CreateAllListsTask>(
-        queue, files,
-        CreateAllListsTask::Lists{.md5 = joinPath(*folder, checksumList::md5FileName(*folder, isNamed)),
-                                  .st5 = joinPath(*folder, checksumList::st5FileName(*folder, isNamed)),
-                                  .ffp = joinPath(*folder, checksumList::ffpFileName(*folder, extension, isNamed))});
+    const CreateAllListsTask::Lists lists{.md5 = joinPath(*folder, checksumList::md5FileName(*folder, isNamed)),
+                                          .st5 = joinPath(*folder, checksumList::st5FileName(*folder, isNamed)),
+                                          .ffp = joinPath(*folder, checksumList::ffpFileName(*folder, extension, isNamed))};
+    const QStringList paths{lists.md5, lists.st5, lists.ffp};
+    const QStringList listed = without(files, paths);
+    const bool canBe = std::all_of(paths.begin(), paths.end(), [&](const QString &path) { return canBeList(path, listed); });
+    if (!canBe || !mayReplace(paths))
+        return nullptr;
+    return std::make_shared<CreateAllListsTask>(queue, listed, lists);
 }
 
 std::optional<QString> ChecksumTab::listPath(const QStringList &files, bool sourceSave, const QString &nameInFolder,
                                              const QString &suggestedName, const QString &title)
 {
+    std::optional<QString> path;
     if (sourceSave && checksumList::areAllSameDirectory(files))
-        return joinPath(folderOf(files.first()), nameInFolder);
-    return savePath(suggestedName, title);
+        path = joinPath(folderOf(files.first()), nameInFolder);
+    else
+        path = openSavePanel(suggestedName, title);
+    return path && canBeList(*path, without(files, {*path})) ? path : std::nullopt;
 }
 
-std::optional<QString> ChecksumTab::savePath(const QString &suggestedName, const QString &title)
+bool ChecksumTab::canBeList(const QString &path, const QStringList &listed)
 {
     static const QStringList otherSounds{u"M4A"_s, u"MP3"_s, u"OPUS"_s, u"OGG"_s};
-    const std::optional<QString> path = openSavePanel(suggestedName, title);
-    if (!path)
-        return std::nullopt;
-    const std::optional<struct stat> target = statusOf(*path);
-    const bool isListed = target && std::any_of(fileNames().begin(), fileNames().end(), [&](const QString &file) {
-        const std::optional<struct stat> facts = statusOf(file);
-        // Another name of the file keeps it when the list takes the place of this one.
-        return facts && isSameFile(*facts, *target) && QFileInfo(file).canonicalFilePath() == QFileInfo(*path).canonicalFilePath();
+    const bool isSound = checksumList::takesSt5(path) || otherSounds.contains(formatWord(path));
+    const bool isListed = listed.isEmpty() || std::any_of(listed.begin(), listed.end(), [&](const QString &file) {
+        return isSameEntry(file, path);
     });
-    if (!isListed && !checksumList::takesSt5(*path) && !otherSounds.contains(formatWord(*path)))
-        return path;
-    nurvController().prompts().ask({.title = u"%1 cannot be the list"_s.arg(lastPathComponent(*path)),
+    if (!isListed && !isSound)
+        return true;
+    nurvController().prompts().ask({.title = u"%1 cannot be the list"_s.arg(lastPathComponent(path)),
                                     .message = isListed ? u"It is one of the files that are to be listed."_s
                                                         : u"Its name is that of a sound file."_s,
                                     .buttons = {u"OK"_s}});
-    return std::nullopt;
+    return false;
+}
+
+bool ChecksumTab::mayReplace(const QStringList &paths)
+{
+    QStringList existing;
+    for (const QString &path : paths) {
+        if (isThere(path))
+            existing.append(lastPathComponent(path));
+    }
+    if (existing.isEmpty() || replaceListsButton.isOn())
+        return true;
+    const Alert question{.title = u"%1 %2 already.  Do you want to replace %3?"_s.arg(
+                             existing.join(u", "_s), existing.size() == 1 ? u"exists"_s : u"exist"_s,
+                             existing.size() == 1 ? u"it"_s : u"them"_s),
+                         .message = {},
+                         .buttons = {u"No"_s, u"Yes"_s}};
+    return nurvController().prompts().ask(question) == u"Yes";
 }
 
 std::shared_ptr<NURVTask> ChecksumTab::createMD5(const QStringList &files, NURVTaskQueue *queue, bool sourceSave)
@@ -259,7 +301,7 @@ std::shared_ptr<NURVTask> ChecksumTab::createMD5(const QStringList &files, NURVT
                  checksumList::md5FileName({}, false), u"Save md5 as..."_s);
     if (!path)
         return nullptr;
-    auto job = std::make_shared<CreateMD5Task>(queue, files, *path);
+    auto job = std::make_shared<CreateMD5Task>(queue, without(files, {*path}), *path);
     job->setTitle(u"Creating MD5"_s);
     return job;
 }
@@ -272,10 +314,11 @@ std::shared_ptr<NURVTask> ChecksumTab::createST5(const QStringList &files, NURVT
     if (!path)
         return nullptr;
     QStringList names;
-    int strangers = 0;
+    QStringList strangers;
     for (const QString &file : files) {
         names.append(lastPathComponent(file));
-        strangers += folderOf(file) != folderOf(files.last()) || names.last().startsWith(u'-') || !checksumList::canName(names.last());
+        if (folderOf(file) != folderOf(files.last()) || names.last().startsWith(u'-') || !checksumList::canName(names.last()))
+            strangers.append(file);
     }
     auto job = std::make_shared<CreateST5Task>(*path, queue, programPath(shntool::program().name),
                                                shntool::hashListArguments(names));
@@ -292,8 +335,8 @@ bool ChecksumTab::createFFP(const QStringList &files)
     const std::optional<QString> path =
         sourceSaveButton.isOn()
             ? joinPath(folder, checksumList::ffpFileName(folder, extension, isNamedAfterFolder()))
-            : savePath(checksumList::ffpFileName({}, extension, false), u"Save fingerprint as..."_s);
-    if (!path)
+            : openSavePanel(checksumList::ffpFileName({}, extension, false), u"Save fingerprint as..."_s);
+    if (!path || !canBeList(*path, files))
         return false;
     Q_EMIT longWorkBegan(u"Creating FFP checksum file"_s);
     const auto end = qScopeGuard([this] { Q_EMIT longWorkEnded(); });
@@ -310,6 +353,8 @@ void ChecksumTab::writeFFP(const QStringList &files, const QString &listPath)
             problems.append(u"%1 is not in the list: its name holds a line break"_s.arg(path));
             continue;
         }
+        if (!checksumList::isReadBack(checksumList::ListKind::Ffp, lastPathComponent(path)))
+            problems.append(checksumList::misreadText(path));
         const QString entry = fingerprint(path);
         list += entry;
         if (const std::optional<QString> fault = faultOfFingerprint(entry))

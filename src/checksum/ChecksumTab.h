@@ -33,6 +33,8 @@ public:
     ChoiceControl createChecksumOptions;
     /// The list goes into the folder of the files.
     CheckControl sourceSaveButton;
+    /// All three lists in one go replace others without a question. No view has it: that asks.
+    CheckControl replaceListsButton;
     /// Lists of other programs are understood, too; kept.
     CheckControl anyListButton;
 
@@ -77,8 +79,11 @@ private:
     /// False: the user chose no place.
     [[nodiscard]] bool createFFP(const QStringList &files);
     void writeFFP(const QStringList &files, const QString &listPath);
-    /// Where the user wants the list; nothing when there is no place, or it is one that no list may take.
-    [[nodiscard]] std::optional<QString> savePath(const QString &suggestedName, const QString &title);
+    /// Whether a list of those files may take that place; why it may not is told.
+    [[nodiscard]] bool canBeList(const QString &path, const QStringList &listed);
+    /// Whether what stands there may go.
+    [[nodiscard]] bool mayReplace(const QStringList &paths);
+    /// Where the list is to be; nothing when there is no place, or it is one that no list may take.
     [[nodiscard]] std::optional<QString> listPath(const QStringList &files, bool sourceSave, const QString &nameInFolder,
                                                   const QString &suggestedName, const QString &title);
 

@@ -26,6 +26,20 @@ using namespace Qt::StringLiterals;
 
 namespace nurv {
 
+namespace {
+
+/// In all of the lists that hold the file.
+bool isReadBack(const QString &path, const QString &md5Name)
+{
+    using checksumList::ListKind;
+    const QString name = lastPathComponent(path);
+    return checksumList::isReadBack(ListKind::Md5, md5Name)
+           && (!checksumList::takesSt5(path) || checksumList::isReadBack(ListKind::St5, name))
+           && (!checksumList::takesFfp(path) || checksumList::isReadBack(ListKind::Ffp, name));
+}
+
+} // namespace
+
 CreateAllListsTask::CreateAllListsTask(NURVTaskQueue *queue, const QStringList &files, Lists lists)
     : NURVInProcessTask(queue), m_files(files), m_lists(std::move(lists)), m_findings(static_cast<std::size_t>(files.size()))
 {
@@ -128,6 +142,8 @@ void CreateAllListsTask::writeLists()
             warn(u"%1 is not in the lists: its name holds a line break"_s.arg(path));
             continue;
         }
+        if (!isReadBack(path, name))
+            warn(checksumList::misreadText(path));
         md5 += checksumList::md5Entry(finding.digest.hexadecimal, name);
         st5 += finding.st5Line;
         ffp += finding.fingerprint;

@@ -46,6 +46,8 @@ void CreateFFPTask::doCreateFFP(const QStringList &files, const QString &outputD
             warn(u"%1 is not in the list: its name holds a line break"_s.arg(path));
             continue;
         }
+        if (!checksumList::isReadBack(checksumList::ListKind::Ffp, lastPathComponent(path)))
+            warn(checksumList::misreadText(path));
         const QString entry = fingerprint(path);
         list += entry;
         if (const std::optional<QString> fault = faultOfFingerprint(entry))

@@ -42,6 +42,8 @@ void CreateMD5Task::doCreateMd5()
             warn(u"%1 is not in the list: its name holds a line break"_s.arg(path));
             continue;
         }
+        if (!checksumList::isReadBack(checksumList::ListKind::Md5, name))
+            warn(checksumList::misreadText(path));
         if (!digest.failure.isEmpty())
             warn(u"%1 was not read for the list: %2"_s.arg(path, digest.failure));
         list += checksumList::md5Entry(digest.hexadecimal, name);

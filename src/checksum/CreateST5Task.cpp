@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "checksum/CreateST5Task.h"
 
+#include "app/PathNames.h"
 #include "base/Version.h"
 #include "checksum/ChecksumList.h"
 #include "checksum/ListEntries.h"
@@ -9,7 +10,7 @@
 #include "programs/Shntool.h"
 #include "text/TextNumbers.h"
 
-#include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -50,10 +51,14 @@ void CreateST5Task::takeEntries(const QString &chunk)
     m_unended = lines.takeLast();
     for (const QString &ended : lines) {
         const QString line = trimBackspaces(ended);
-        if (!line.contains(checksumList::kSt5Marker))
-            continue;
-        appendResultsForSelf(u'\n' + line);
-        ++m_lineCount;
+        // The name of a file may hold the mark, too.
+        const qsizetype marker = line.startsWith(u"Hashing ["_s) ? -1 : line.indexOf(checksumList::kSt5Marker);
+        if (marker >= 0) {
+            appendResultsForSelf(u'\n' + line);
+            m_listed.append(line.sliced(marker + checksumList::kSt5Marker.size()));
+        } else if (line.contains(u" warning: "_s) || line.contains(u" error: "_s)) {
+            m_complaints += line + u'\n';
+        }
     }
 }
 
@@ -63,14 +68,19 @@ void CreateST5Task::couldNotWrite(const QString &problem)
     tellProblem(problem);
 }
 
-void CreateST5Task::tellProblem(const QString &problem)
+/// The text of the list was the job's result, until now.
+void CreateST5Task::openReport()
+{
+    const auto report = std::make_shared<NURVTaskResults>();
+    report->addTaskInSet(*this);
+    setResults(report);
+}
+
+void CreateST5Task::tellProblem(const QString &problem, const QString &details)
 {
     ownOutcome().problem = problem;
-    // The text of the list was the job's result.
-    const auto told = std::make_shared<NURVTaskResults>();
-    told->addTaskInSet(*this);
-    setResults(told);
-    failWith(problem);
+    openReport();
+    failWith(problem + u'\n' + details);
 }
 
 void CreateST5Task::outputEnded()
@@ -79,14 +89,46 @@ void CreateST5Task::outputEnded()
     takeEntries(u"\n"_s);
 }
 
+/// The files without a line of their own.
+QStringList CreateST5Task::unlisted() const
+{
+    QStringList missing = m_strangers;
+    QStringList listed = m_listed;
+    QStringList strangers;
+    for (const QString &path : m_strangers)
+        strangers.append(lastPathComponent(path));
+    for (const QString &name : arguments().sliced(shntool::kHashListOptions)) {
+        // What stands in the list under the name of a stranger is another file.
+        if (strangers.removeOne(name) || listed.removeOne(name))
+            continue;
+        missing.append(name);
+    }
+    return missing;
+}
+
 void CreateST5Task::cleanup()
 {
-    const auto wanted = static_cast<int>(arguments().size()) - static_cast<int>(shntool::kHashListOptions);
-    const int missing = std::max(wanted - m_lineCount, m_strangers);
-    if (cancelled() || !hasRun() || missing <= 0 || !ownOutcome().problem.isEmpty())
+    if (cancelled() || !hasRun() || !ownOutcome().problem.isEmpty())
         return;
-    tellProblem(missing == 1 ? u"1 of %1 files is not in the list"_s.arg(wanted)
-                             : u"%1 of %2 files are not in the list"_s.arg(missing).arg(wanted));
+    const QStringList missing = unlisted();
+    if (!missing.isEmpty()) {
+        const qsizetype wanted = arguments().size() - shntool::kHashListOptions;
+        QString details;
+        for (const QString &name : missing)
+            details += name + u" is not in the list\n"_s;
+        tellProblem(u"%1 of %2 %3 not in the list"_s.arg(QString::number(missing.size()), QString::number(wanted),
+                                                        (wanted == 1 ? u"file"_s : u"files"_s)
+                                                            + (missing.size() == 1 ? u" is"_s : u" are"_s)),
+                    details + m_complaints);
+        return;
+    }
+    for (const QString &name : std::as_const(m_listed)) {
+        if (checksumList::isReadBack(checksumList::ListKind::St5, name))
+            continue;
+        if (!results())
+            openReport();
+        warn(checksumList::misreadText(name));
+    }
 }
 
 } // namespace nurv

@@ -9,6 +9,8 @@
 #include <QDir>
 #include <QRegularExpression>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace nurv::foreignList {
@@ -18,21 +20,21 @@ using checksumList::Entry;
 namespace {
 
 /// Whether a line that is no entry is none by intention.
-bool isComment(const QString &line)
+bool isComment(QStringView text)
 {
+    const QStringView line = text.trimmed();
     return line.startsWith(u'#') || line.startsWith(u';') || line.startsWith(u"//"_s);
 }
 
-/// The lines that are not empty, without the blanks at their ends.
+/// The lines that are not blank, as they are: blanks at their ends may belong to a name.
 QStringList linesOf(const QString &text)
 {
     QStringList lines;
     // A list of another program breaks lines where such programs do: a separator of Unicode may belong to a name.
     static const QRegularExpression kLineEnd(u"\\r\\n|\\n|\\r"_s);
     for (const QString &line : text.split(kLineEnd)) {
-        const QString trimmed = line.trimmed();
-        if (!trimmed.isEmpty())
-            lines.append(trimmed);
+        if (!line.trimmed().isEmpty())
+            lines.append(line);
     }
     return lines;
 }
@@ -52,9 +54,12 @@ QString unescaped(const QString &name)
     return result;
 }
 
+/// A name of blanks is none, and the line no entry.
 Entry entryOf(const QString &line, const QString &digest, const QString &name)
 {
-    return {.line = line, .name = name, .expected = digest.toLower()};
+    if (name.trimmed().isEmpty())
+        return {.line = line.trimmed()};
+    return {.line = line.trimmed(), .name = name, .expected = digest.toLower()};
 }
 
 QString folded(const QString &name)
@@ -66,16 +71,18 @@ QString folded(const QString &name)
 
 QString read(const QString &path)
 {
-    return decodeText(checksumList::readListBytes(path));
+    QString text = decodeText(checksumList::readListBytes(path));
+    checksumList::requireUsualLines(text);
+    return text;
 }
 
 std::vector<Entry> md5Entries(const QString &text)
 {
-    static const QRegularExpression kPlain(u"^(\\\\?)([0-9A-Fa-f]{32}) [ *]?\\s*(.+)$"_s);
-    static const QRegularExpression kBsd(u"^(\\\\?)MD5 ?\\((.+)\\) ?= ?([0-9A-Fa-f]{32})$"_s, QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression kPlain(u"^\\s*(\\\\?)([0-9A-Fa-f]{32}) [ *]?(.+)$"_s);
+    static const QRegularExpression kBsd(u"^\\s*(\\\\?)MD5 ?\\((.+)\\) ?= ?([0-9A-Fa-f]{32})\\s*$"_s, QRegularExpression::CaseInsensitiveOption);
     std::vector<Entry> entries;
     for (const QString &line : linesOf(text)) {
-        Entry entry{.line = line};
+        Entry entry{.line = line.trimmed()};
         if (const auto plain = kPlain.match(line); plain.hasMatch())
             entry = entryOf(line, plain.captured(2), plain.captured(1).isEmpty() ? plain.captured(3) : unescaped(plain.captured(3)));
         else if (const auto bsd = kBsd.match(line); bsd.hasMatch())
@@ -88,33 +95,44 @@ std::vector<Entry> md5Entries(const QString &text)
 
 std::vector<Entry> st5Entries(const QString &text)
 {
-    static const QRegularExpression kLine(u"^([0-9A-Fa-f]{32,40})\\s+\\[shntool[^\\]]*\\]\\s+(.+)$"_s);
+    static const QRegularExpression kLine(u"^\\s*([0-9A-Fa-f]{32,40})\\s+\\[shntool[^\\]]*\\]\\s{1,2}(.+)$"_s);
     std::vector<Entry> entries;
     for (const QString &line : linesOf(text)) {
         const auto match = kLine.match(line);
         if (match.hasMatch())
             entries.push_back(entryOf(line, match.captured(1), match.captured(2)));
         else if (!isComment(line))
-            entries.push_back({.line = line});
+            entries.push_back({.line = line.trimmed()});
     }
     return entries;
 }
 
 std::vector<Entry> ffpEntries(const QString &text)
 {
-    static const QRegularExpression kLine(u"^(.+?)\\s*:\\s*([0-9A-Fa-f]{32})$"_s);
+    static const QRegularExpression kDigest(u"^[0-9A-Fa-f]{32}$"_s);
     std::vector<Entry> entries;
     for (const QString &line : linesOf(text)) {
-        const auto match = kLine.match(line);
-        if (match.hasMatch())
-            entries.push_back(entryOf(line, match.captured(2), match.captured(1)));
+        const qsizetype colon = line.lastIndexOf(u':');
+        const QString name = line.left(std::max<qsizetype>(colon, 0));
+        const QString digest = line.sliced(colon + 1).trimmed();
+        if (!name.trimmed().isEmpty() && kDigest.match(digest).hasMatch())
+            entries.push_back(entryOf(line, digest, name));
         else if (!isComment(line))
-            entries.push_back({.line = line});
+            entries.push_back({.line = line.trimmed()});
     }
     return entries;
 }
 
 QString Files::find(const QString &name)
+{
+    const QString exact = findExactly(name);
+    if (isThere(exact) || name == name.trimmed())
+        return exact;
+    // Blanks around a name are more often the list's than the name's.
+    return findExactly(name.trimmed());
+}
+
+QString Files::findExactly(const QString &name)
 {
     const QString asItStands = checksumList::listedPath(m_folder, name);
     if (isThere(asItStands))

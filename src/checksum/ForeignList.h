@@ -20,14 +20,14 @@ namespace nurv::foreignList {
 // The entries of a text. Comments begin with "#", ";" or "//" anywhere in the list. Digests are in lower case, names as
 // the list means them.
 
-/// "digest *name", "digest  name", the same behind a backslash with what `md5sum` escapes, and "MD5 (name) = digest".
+/// Of names all blanks but the first are kept. "digest *name", "digest  name", the same behind a backslash with what `md5sum` escapes, and "MD5 (name) = digest".
 [[nodiscard]] std::vector<checksumList::Entry> md5Entries(const QString &text);
 /// "digest  [shntool]  name" with any blanks, also "[shntool]" of versions that add to it.
 [[nodiscard]] std::vector<checksumList::Entry> st5Entries(const QString &text);
 /// "name:digest"; a name may hold colons and folders.
 [[nodiscard]] std::vector<checksumList::Entry> ffpEntries(const QString &text);
 
-/// The files that names of a list mean, in the list's folder: as they stand, with slashes for backslashes, in other
+/// The files that names of a list mean, in the list's folder: as they stand, without the blanks around them, with slashes for backslashes, in other
 /// capitals or the other form of Unicode, by their last part alone. Never by a guess among several.
 class Files {
 public:
@@ -38,6 +38,7 @@ public:
 private:
     /// A file or folder of that folder whose name differs in form alone; empty: there is none, or there are several.
     [[nodiscard]] QString sameName(const QString &folder, const QString &name);
+    [[nodiscard]] QString findExactly(const QString &name);
     [[nodiscard]] QString walk(const QString &name);
 
     QString m_folder;

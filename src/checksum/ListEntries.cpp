@@ -16,7 +16,9 @@ namespace nurv::checksumList {
 
 namespace {
 
-constexpr qint64 kLargestList = 256 * 1024 * 1024;
+constexpr qint64 kLargestList = 128 * 1024 * 1024;
+constexpr qsizetype kMostLines = 2'000'000;
+constexpr qsizetype kLongestLine = 64 * 1024;
 
 /// The first two pieces at the marker; no name without a second one.
 Entry splitAt(const QString &line, QStringView marker)
@@ -50,13 +52,28 @@ QByteArray readListBytes(const QString &path)
     if (!file.open(QIODevice::ReadOnly))
         throw NurvFailure(u"the list cannot be read: %1"_s.arg(file.errorString()));
     if (file.size() > kLargestList)
-        throw NurvFailure(u"the list has more than 256 MiB"_s);
+        throw NurvFailure(u"the list has more than 128 MiB"_s);
     const QByteArray bytes = file.read(kLargestList + 1);
     if (file.error() != QFileDevice::NoError)
         throw NurvFailure(u"the list cannot be read: %1"_s.arg(file.errorString()));
     if (bytes.size() > kLargestList)
-        throw NurvFailure(u"the list has more than 256 MiB"_s);
+        throw NurvFailure(u"the list has more than 128 MiB"_s);
     return bytes;
+}
+
+void requireUsualLines(QStringView text)
+{
+    qsizetype begin = 0;
+    qsizetype lines = 0;
+    for (qsizetype i = 0; i <= text.size(); ++i) {
+        if (i < text.size() && !endsLine(text[i]))
+            continue;
+        if (i - begin > kLongestLine)
+            throw NurvFailure(u"the list has a line of more than %1 characters"_s.arg(kLongestLine));
+        begin = i + 1;
+        if (++lines > kMostLines)
+            throw NurvFailure(u"the list has more than %1 lines"_s.arg(kMostLines));
+    }
 }
 
 QString readList(const QString &path)
@@ -64,6 +81,7 @@ QString readList(const QString &path)
     const std::optional<QString> text = fromStrictUtf8(readListBytes(path));
     if (!text)
         throw NurvFailure(u"the list is no UTF-8 text"_s);
+    requireUsualLines(*text);
     return *text;
 }
 

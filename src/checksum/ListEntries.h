@@ -17,10 +17,12 @@ namespace nurv::checksumList {
 inline constexpr QStringView kSt5Marker = u"  [shntool]  ";
 
 /// The text of a list in UTF-8. Throws NurvFailure, whose reason is one line, when it cannot be read, is no UTF-8, is no
-/// regular file, or larger than any list is: 256 MiB.
+/// regular file, or larger than any list is: 128 MiB, 2,000,000 lines, 65,536 characters in a line.
 [[nodiscard]] QString readList(const QString &path);
 /// The bytes of a list of any encoding. Throws likewise.
 [[nodiscard]] QByteArray readListBytes(const QString &path);
+/// Throws for a text of more or longer lines than a list has: what is kept of each line takes many times its room.
+void requireUsualLines(QStringView text);
 
 /// Whether a reader of lists takes the character for the end of a line.
 [[nodiscard]] bool endsLine(QChar character);

@@ -56,88 +56,114 @@ void VerifyFFPTask::verify()
     verifyFlacFilesSync(paths);
 }
 
+std::vector<checksumList::Entry> VerifyFFPTask::ownEntries(const QString &text) const
+{
+    return checksumList::ffpEntries(checksumList::linesOf(text));
+}
+
+std::vector<checksumList::Entry> VerifyFFPTask::entriesOfOthers(const QString &text) const
+{
+    return foreignList::ffpEntries(text);
+}
+
 QStringList VerifyFFPTask::doVerifyFPP()
 {
-    const QString text = understandsOthers() ? foreignList::read(fileName()) : checksumList::readList(fileName());
-    if (text.isEmpty())
+    const QString list = text();
+    if (list.isEmpty())
         throw NurvFailure(u"the list is empty"_s);
-    const QStringList lines = checksumList::linesOf(text);
+    const auto lineCount = static_cast<double>(checksumList::linesOf(list).size());
     const QString folder = folderOf(fileName());
-    const std::vector<checksumList::Entry> entries =
-        understandsOthers() ? foreignList::ffpEntries(text) : checksumList::ffpEntries(lines);
     foreignList::Files files(folder);
-    QString gathered;
     QStringList kept;
-    std::size_t done = 0;
-    for (const checksumList::Entry &entry : entries) {
-        if (!entry.isEntry()) {
-            gathered += entry.line + u" : Invalid checksum format\n"_s;
-            addFile({.name = entry.line, .state = State::NotAnEntry});
-            ++done;
-            continue;
-        }
-        setTopTextFieldString(u"Verifying "_s + entry.name);
-        setProgressIndicatorValue(static_cast<double>(done) * 100.0 / static_cast<double>(lines.size()));
-        updateStatus();
-        const QString path = understandsOthers() ? files.find(entry.name) : checksumList::listedPath(folder, entry.name);
-        // A list may name a pipe, which would keep the program waiting.
-        const QFileInfo named(path);
-        const bool isOdd = named.exists() && !named.isFile();
-        const QString computed = isOdd ? QString() : fingerprint(path).trimmed();
-        const QString wanted = understandsOthers() ? lastPathComponent(path) + u':' + entry.expected
-                                                   : entry.name + u':' + entry.expected;
-        ListedFile file{.name = entry.name, .state = State::Different};
-        if (metaflac::tellsOfError(computed)) {
-            gathered += u"%1 : %2\n"_s.arg(computed, entry.name);
-            file.state = isThere(path) ? State::Unreadable : State::Missing;
-            file.detail = computed.section(u'\n', 0, 0);
-        } else if (computed == wanted) {
-            gathered += entry.name + u" : OK\n"_s;
-            const std::optional<QString> fault = faultOfFingerprint(computed);
-            file.state = fault ? State::Unreadable : State::Ok;
-            file.detail = fault.value_or(QString());
-            m_filesOfPath.emplace(path, fileCount());
-            kept.append(path);
+    double done = 0;
+    for (const checksumList::Entry &entry : entriesOf(list)) {
+        if (entry.isEntry()) {
+            setTopTextFieldString(u"Verifying "_s + entry.name);
+            setProgressIndicatorValue(done * 100.0 / lineCount);
+            updateStatus();
+            const QString path =
+                understandsOthers() ? files.find(entry.name) : checksumList::listedPath(folder, entry.name);
+            if (check(entry, path))
+                kept.append(path);
         } else {
-            gathered += entry.name + u" : did not match fingerprint file\n"_s;
-            if (!isThere(path))
-                file.state = State::Missing;
-            else if (isOdd)
-                file.state = State::Unreadable;
+            gather(entry.line + u" : Invalid checksum format\n"_s);
+            addFile({.name = entry.line, .state = State::NotAnEntry});
         }
-        addFile(file);
         ++done;
     }
-    setProgressIndicatorValue(static_cast<double>(done) * 100.0 / static_cast<double>(lines.size()));
+    setProgressIndicatorValue(done * 100.0 / lineCount);
     updateStatus();
-    addLines(gathered);
+    reportGathered();
     kept.sort();
     return kept;
 }
 
+/// Returns whether the fingerprint fits.
+bool VerifyFFPTask::check(const checksumList::Entry &entry, const QString &path)
+{
+    // A list may name a pipe, which would keep the program waiting.
+    const QFileInfo named(path);
+    const bool isOdd = named.exists() && !named.isFile();
+    const QString computed = isOdd ? QString() : fingerprint(path).trimmed();
+    ListedFile file{.name = entry.name, .state = State::Different};
+    const bool isSame = understandsOthers() ? computed.section(u':', -1) == entry.expected
+                                            : computed == entry.name + u':' + entry.expected;
+    if (metaflac::tellsOfError(computed)) {
+        gather(u"%1 : %2\n"_s.arg(computed, entry.name.trimmed()));
+        file.state = isThere(path) ? State::Unreadable : State::Missing;
+        file.detail = computed.section(u'\n', 0, 0);
+    } else if (isSame) {
+        gather(entry.name.trimmed() + u" : OK\n"_s);
+        const std::optional<QString> fault = faultOfFingerprint(computed);
+        file.state = fault ? State::Unreadable : State::Ok;
+        file.detail = fault.value_or(QString());
+        m_filesOfPath.emplace(path, fileCount());
+    } else {
+        gather(entry.name.trimmed() + u" : did not match fingerprint file\n"_s);
+        if (!isThere(path))
+            file.state = State::Missing;
+        else if (isOdd)
+            file.state = State::Unreadable;
+    }
+    addFile(file);
+    return isSame;
+}
+
 void VerifyFFPTask::verifyFlacFilesSync(const QStringList &paths)
 {
-    for (const QString &path : paths) {
-        showStatus(u"Verifying FLAC File"_s);
-        const QString name = lastPathComponent(path);
-        QString log;
-        ProgramRunSync run(programPath(flac::program().name), flac::testArguments(path));
-        const ProgramRunSync::Ending ending = run.run([&](const QString &chunk) {
-            const QString text = processFlacFileOutput(chunk, path);
-            if (text == u"ok")
-                log += testOutput::wholeLine(name);
-            log += u"%1: %2\n"_s.arg(name, text);
-            return true;
-        });
-        if (!ending.exit)
-            throw NurvFailure(ending.startFailure);
-        addLines(testOutput::tailOf(log));
-        if (ending.succeeded())
-            continue;
-        const auto [begin, end] = m_filesOfPath.equal_range(path);
-        for (auto place = begin; place != end; ++place)
-            markDamaged(place->second, u"flac could not decode it to its end"_s);
+    for (qsizetype i = 0; i < paths.size(); ++i) {
+        if (cancelled()) {
+            addLines(u"canceled before %1 of %2 files were decoded\n"_s.arg(paths.size() - i).arg(paths.size()));
+            return;
+        }
+        verifyFlacFile(paths.at(i));
     }
+}
+
+void VerifyFFPTask::verifyFlacFile(const QString &path)
+{
+    showStatus(u"Verifying FLAC File"_s);
+    const QString name = lastPathComponent(path);
+    QString log;
+    ProgramRunSync run(programPath(flac::program().name), flac::testArguments(path));
+    const ProgramRunSync::Ending ending = run.run([&](const QString &chunk) {
+        const QString text = processFlacFileOutput(chunk, path);
+        if (text == u"ok")
+            log += testOutput::wholeLine(name);
+        log += u"%1: %2\n"_s.arg(name, text);
+        return true;
+    });
+    if (!ending.exit)
+        throw NurvFailure(ending.startFailure);
+    addLines(testOutput::tailOf(log));
+    if (ending.succeeded())
+        return;
+    const bool wasEnded = ending.exit->signal != 0;
+    const QString why = wasEnded ? killedProgramText(flac::program().name, ending.exit->signal, name).trimmed()
+                                 : u"flac could not decode it to its end"_s;
+    const auto [begin, end] = m_filesOfPath.equal_range(path);
+    for (auto place = begin; place != end; ++place)
+        mark(place->second, wasEnded ? State::Unreadable : State::Damaged, why);
 }
 
 QString VerifyFFPTask::processFlacFileOutput(QStringView chunk, const QString &path)

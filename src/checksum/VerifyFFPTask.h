@@ -11,7 +11,7 @@
 namespace nurv {
 
 /// Checks a list of FLAC fingerprints with `metaflac`, then decodes every file whose fingerprint is the list's with
-/// `flac -t`. It is not looked whether the job was cancelled.
+/// `flac -t`. The fingerprints are compared to the end of the list; of a cancelled job no further file is decoded.
 class VerifyFFPTask final : public VerifyListTask {
 public:
     VerifyFFPTask(NURVTaskQueue *queue, const QString &fileName, std::shared_ptr<NURVTaskResults> results);
@@ -24,11 +24,16 @@ protected:
     [[nodiscard]] QString openingStatus() const override { return QStringLiteral("Verifying FFP"); }
     [[nodiscard]] QString openingLine() const override;
     void verify() override;
+    [[nodiscard]] std::vector<checksumList::Entry> ownEntries(const QString &text) const override;
+    [[nodiscard]] std::vector<checksumList::Entry> entriesOfOthers(const QString &text) const override;
+    [[nodiscard]] bool needsBareNames() const override { return true; }
 
 private:
     /// Returns the files whose fingerprints fit, in the order of their paths.
     [[nodiscard]] QStringList doVerifyFPP();
+    [[nodiscard]] bool check(const checksumList::Entry &entry, const QString &path);
     void verifyFlacFilesSync(const QStringList &paths);
+    void verifyFlacFile(const QString &path);
     /// Shows a chunk of flac's output, and returns it trimmed.
     [[nodiscard]] QString processFlacFileOutput(QStringView chunk, const QString &path);
 

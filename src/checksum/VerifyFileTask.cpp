@@ -28,6 +28,24 @@ void VerifyFileTask::showProgress(double percent)
     updateStatus();
 }
 
+void VerifyFileTask::addLines(const QString &lines)
+{
+    m_report += lines;
+    appendResultsForSelf(lines);
+}
+
+void VerifyFileTask::addLinesToFirst(const QString &lines)
+{
+    m_report += lines;
+    appendResults(lines);
+}
+
+void VerifyFileTask::failWith(const QString &reason)
+{
+    m_report += reason;
+    NURVAsyncNSTask::failWith(reason);
+}
+
 VerifyFlacTask::VerifyFlacTask(std::shared_ptr<NURVTaskResults> results, NURVTaskQueue *queue, const QString &launchPath,
                                const QStringList &arguments)
     : VerifyFileTask(std::move(results), queue, launchPath, arguments, arguments.value(1))
@@ -53,7 +71,7 @@ void VerifyFlacTask::cleanup()
 {
     if (cancelled())
         m_singleResult += u"%1 canceled\n"_s.arg(fileName());
-    appendResultsForSelf(testOutput::tailOf(m_singleResult));
+    addLines(testOutput::tailOf(m_singleResult));
 }
 
 VerifyApeTask::VerifyApeTask(std::shared_ptr<NURVTaskResults> results, NURVTaskQueue *queue, const QString &launchPath,
@@ -72,7 +90,7 @@ void VerifyApeTask::processTaskOutput(const QString &chunk)
 
 void VerifyApeTask::cleanup()
 {
-    appendResults(testOutput::tailOfMac(m_singleResult, title()));
+    addLinesToFirst(testOutput::tailOfMac(m_singleResult, title()));
 }
 
 VerifyByPercentTask::VerifyByPercentTask(std::shared_ptr<NURVTaskResults> results, NURVTaskQueue *queue,
@@ -92,7 +110,7 @@ void VerifyByPercentTask::processTaskOutput(const QString &chunk)
     const QString text = trimBackspaces(chunk);
     if (text.contains(u'%'))
         showProgress(leadingNumber(text.section(u"% done"_s, 0, 0)));
-    appendResultsForSelf(text);
+    addLines(text);
     showMainLine(title());
 }
 

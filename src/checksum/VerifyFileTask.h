@@ -16,6 +16,8 @@ namespace nurv {
 class VerifyFileTask : public NURVAsyncNSTask {
 public:
     [[nodiscard]] const QString &fileName() const { return m_fileName; }
+    /// What its decoder said of this file, in whichever entry of the set that stands.
+    [[nodiscard]] QString report() const override { return m_report; }
 
 protected:
     /// Names the row after the file. `arguments` name it by `path`, which is absolute.
@@ -24,9 +26,15 @@ protected:
 
     /// Shows "Verifying: 45.000000%" and the file's name.
     void showProgress(double percent);
+    /// Adds to the report, and to the job's own entry of the set.
+    void addLines(const QString &lines);
+    /// Adds to the report, and to the first entry of the set.
+    void addLinesToFirst(const QString &lines);
+    void failWith(const QString &reason) override;
 
 private:
     QString m_fileName; ///< without its folder
+    QString m_report;
 };
 
 /// By `flac -t`.

@@ -47,34 +47,36 @@ void VerifyMD5Task::verify()
     doCreateMD5();
 }
 
+std::vector<checksumList::Entry> VerifyMD5Task::ownEntries(const QString &text) const
+{
+    return checksumList::md5Entries(checksumList::linesOf(text));
+}
+
+std::vector<checksumList::Entry> VerifyMD5Task::entriesOfOthers(const QString &text) const
+{
+    return foreignList::md5Entries(text);
+}
+
 void VerifyMD5Task::doCreateMD5()
 {
-    const std::vector<checksumList::Entry> entries =
-        understandsOthers() ? foreignList::md5Entries(foreignList::read(fileName()))
-                            : checksumList::md5Entries(checksumList::linesOf(checksumList::readList(fileName())));
+    const std::vector<checksumList::Entry> entries = entriesOf(text());
     const std::vector<FileDigest> digests = readFiles(entries);
-    QString gathered;
+    if (cancelled()) {
+        addLines(u"Canceled\n"_s);
+        return;
+    }
     for (std::size_t i = 0; i < entries.size(); ++i) {
         const checksumList::Entry &entry = entries[i];
         if (!entry.isEntry()) {
-            gathered += entry.line + u" : Invalid checksum format\n"_s;
+            gather(entry.line + u" : Invalid checksum format\n"_s);
             addFile({.name = entry.line, .state = State::NotAnEntry});
             continue;
         }
-        if (digests[i].hexadecimal.isEmpty()) {
-            addLines(u"Canceled\n"_s);
-            return;
-        }
         const bool isSame = digests[i].hexadecimal == entry.expected;
-        gathered += lastPathComponent(nameIn(entry)) + (isSame ? u" : OK\n"_s : u" : FAILED\n"_s);
+        gather(lastPathComponent(entry.name.trimmed()) + (isSame ? u" : OK\n"_s : u" : FAILED\n"_s));
         addFile(foundFor(entry, digests[i]));
     }
-    addLines(gathered);
-}
-
-QString VerifyMD5Task::nameIn(const checksumList::Entry &entry) const
-{
-    return understandsOthers() ? entry.name : entry.name.trimmed();
+    reportGathered();
 }
 
 std::vector<FileDigest> VerifyMD5Task::readFiles(const std::vector<checksumList::Entry> &entries)
@@ -86,9 +88,9 @@ std::vector<FileDigest> VerifyMD5Task::readFiles(const std::vector<checksumList:
         if (!entry.isEntry())
             paths.append(QString());
         else if (understandsOthers())
-            paths.append(files.find(nameIn(entry)));
+            paths.append(files.find(entry.name));
         else
-            paths.append(checksumList::listedPath(folder, nameIn(entry)));
+            paths.append(checksumList::listedPath(folder, entry.name.trimmed()));
     }
     std::vector<FileDigest> digests(entries.size());
     RowOfFiles row(*this, paths.size(), [&](qsizetype done) {

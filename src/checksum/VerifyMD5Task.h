@@ -19,11 +19,11 @@ protected:
     [[nodiscard]] QString openingStatus() const override { return QStringLiteral("Verifying MD5 file"); }
     [[nodiscard]] QString openingLine() const override;
     void verify() override;
+    [[nodiscard]] std::vector<checksumList::Entry> ownEntries(const QString &text) const override;
+    [[nodiscard]] std::vector<checksumList::Entry> entriesOfOthers(const QString &text) const override;
 
 private:
     void doCreateMD5();
-    /// The name of the entry's file, as the list means it.
-    [[nodiscard]] QString nameIn(const checksumList::Entry &entry) const;
     /// The digest of each entry's file: none for a line that is no entry, nor where the job was cancelled before.
     [[nodiscard]] std::vector<FileDigest> readFiles(const std::vector<checksumList::Entry> &entries);
 };

@@ -63,35 +63,54 @@ void VerifyST5Task::verify()
     doCreateST5();
 }
 
+std::vector<checksumList::Entry> VerifyST5Task::ownEntries(const QString &text) const
+{
+    return checksumList::st5Entries(checksumList::linesOf(text));
+}
+
+std::vector<checksumList::Entry> VerifyST5Task::entriesOfOthers(const QString &text) const
+{
+    return foreignList::st5Entries(text);
+}
+
 void VerifyST5Task::doCreateST5()
 {
     const QString folder = folderOf(fileName());
-    const std::vector<checksumList::Entry> entries =
-        understandsOthers() ? foreignList::st5Entries(foreignList::read(fileName()))
-                            : checksumList::st5Entries(checksumList::linesOf(checksumList::readList(fileName())));
     foreignList::Files files(folder);
-    QString gathered;
-    for (const checksumList::Entry &entry : entries) {
-        if (!entry.isEntry()) {
-            gathered += entry.line + u" : Invalid checksum format\n"_s;
+    for (const checksumList::Entry &entry : entriesOf(text())) {
+        if (entry.isEntry()) {
+            check(entry, understandsOthers() ? files.find(entry.name) : checksumList::listedPath(folder, entry.name));
+        } else {
+            gather(entry.line + u" : Invalid checksum format\n"_s);
             addFile({.name = entry.line, .state = State::NotAnEntry});
-            continue;
         }
-        const QString path = understandsOthers() ? files.find(entry.name) : checksumList::listedPath(folder, entry.name);
-        const QString name = lastPathComponent(entry.name);
-        const QString answer = st5(path);
-        const bool isWarning = answer.contains(u"warning"_s);
-        const bool isSame = !isWarning && (understandsOthers() ? digestIn(answer) == entry.expected : answer == entry.line);
-        if (isWarning)
-            gathered += u"%1 : %2\n"_s.arg(name, answer);
-        else
-            gathered += name + (isSame ? u" : OK\n"_s : u" : did not match shntool md5 file\n"_s);
-        addFile({.name = entry.name, .state = stateOf(path, isSame || answer == entry.line), .detail = isWarning ? answer : QString()});
     }
-    addLines(gathered);
+    reportGathered();
 }
 
-QString VerifyST5Task::st5(const QString &path)
+void VerifyST5Task::check(const checksumList::Entry &entry, const QString &path)
+{
+    const QString name = lastPathComponent(entry.name);
+    const Answer answer = st5(path);
+    // Who ends the programs of a canceled check wants no others to begin.
+    if (!answer.failure.isEmpty() && cancelled())
+        throw NurvFailure(answer.failure);
+    const bool isWarning = answer.text.contains(u"warning"_s);
+    const bool isSame =
+        !isWarning && (understandsOthers() ? digestIn(answer.text) == entry.expected : answer.text == entry.line);
+    if (isWarning)
+        gather(u"%1 : %2\n"_s.arg(name, answer.text));
+    else
+        gather(name + (isSame ? u" : OK\n"_s : u" : did not match shntool md5 file\n"_s));
+    ListedFile file{.name = entry.name,
+                    .state = stateOf(path, isSame || answer.text == entry.line),
+                    .detail = isWarning ? answer.text : QString()};
+    if (!answer.failure.isEmpty())
+        file = {.name = entry.name, .state = State::Unreadable, .detail = answer.failure};
+    addFile(file);
+}
+
+VerifyST5Task::Answer VerifyST5Task::st5(const QString &path)
 {
     showMainLine(lastPathComponent(path));
     ProgramRunSync run(programPath(shntool::program().name), shntool::hashArguments(path));
@@ -106,7 +125,10 @@ QString VerifyST5Task::st5(const QString &path)
     });
     if (!ending.exit)
         throw NurvFailure(ending.startFailure);
-    return processTaskOutput(written, path).trimmed();
+    Answer answer{.text = processTaskOutput(written, path).trimmed()};
+    if (ending.exit->signal != 0)
+        answer.failure = killedProgramText(shntool::program().name, ending.exit->signal, lastPathComponent(path)).trimmed();
+    return answer;
 }
 
 void VerifyST5Task::showProgress(QStringView chunk)

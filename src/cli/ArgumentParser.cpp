@@ -188,8 +188,10 @@ void checkArguments(const CommandSpec &command, const ParsedArguments &arguments
         }
     });
     given([&](const OptionSpec &option) {
-        if (!option.partner.isEmpty() && !arguments.has(option.partner))
-            throw UsageError(u"--%1 goes with --%2 only"_s.arg(option.name, option.partner));
+        const bool hasPartner = std::any_of(option.partners.begin(), option.partners.end(),
+                                            [&](const QString &partner) { return arguments.has(partner); });
+        if (!option.partners.isEmpty() && !hasPartner)
+            throw UsageError(u"--%1 goes with --%2 only"_s.arg(option.name, option.partners.join(u" or --"_s)));
     });
 }
 

@@ -102,13 +102,13 @@ std::vector<OptionSpec> outputOptions(const OutputSetters &setters)
          .summary = u"with --delete-originals: decode and compare nothing before that"_s,
          .manual = u"With --delete-originals: decodes and compares nothing before the deletion. What the headers, sizes and "
                    "programs tell still counts."_s,
-         .partner = u"delete-originals"_s,
+         .partners = {u"delete-originals"_s},
          .set = setters.noProof},
         {.name = u"drop-metadata"_s,
          .summary = u"with --delete-originals: also lose what the output has no place for"_s,
          .manual = u"With --delete-originals: also removes sources with tags, pictures or chunks for which their outputs "
                    "have no place."_s,
-         .partner = u"delete-originals"_s,
+         .partners = {u"delete-originals"_s},
          .set = setters.dropMetadata},
     };
 }

@@ -7,6 +7,7 @@
 #include "cli/RowDisplay.h"
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskResults.h"
+#include "engine/ReportFrame.h"
 
 #include <QJsonObject>
 
@@ -44,19 +45,6 @@ QString proofWord(Proof proof)
 }
 
 using FileState = ListedFile::State;
-
-QString stateWord(FileState state)
-{
-    switch (state) {
-    case FileState::Ok: return u"ok"_s;
-    case FileState::Different: return u"different"_s;
-    case FileState::Damaged: return u"damaged"_s;
-    case FileState::Missing: return u"missing"_s;
-    case FileState::Unreadable: return u"unreadable"_s;
-    case FileState::NotAnEntry: break;
-    }
-    return u"invalid"_s;
-}
 
 } // namespace
 
@@ -111,6 +99,8 @@ void BatchReport::add(const NURVTask &task, const Job &job)
     count(task, job);
     if ((task.error() || job.hasProblem()) && task.results())
         m_setsWithProblems.insert(task.results());
+    else if (task.results() && task.results()->frame() && !task.cancelled())
+        m_goodReports[task.results()].emplace(task.results()->placeOf(task), job.report);
     if (m_options.json)
         writeObject(task, job);
     if (!(m_options.json && m_options.quiet))
@@ -157,6 +147,8 @@ std::optional<QString> BatchReport::lineOf(const NURVTask &task, const Job &job)
         if (m_options.quiet || m_notBegun.count(&task) > 0)
             return std::nullopt;
         words.append(endingText(task));
+        if (!job.problem.isEmpty())
+            words.append(job.problem);
     } else if (task.error()) {
         words.append(job.problem);
         if (job.keptOriginal())
@@ -232,9 +224,22 @@ void BatchReport::writeWindows()
         return;
     for (const Window &window : m_windows) {
         // What went wrong was told job by job; a set without any report is nothing but line ends.
-        if (!m_setsWithProblems.count(window.results) && !window.text.trimmed().isEmpty())
+        if (m_setsWithProblems.count(window.results))
+            m_console.writeOutput(goodReportsOf(window.results));
+        else if (!window.text.trimmed().isEmpty())
             m_console.writeOutput(window.text);
     }
+}
+
+QString BatchReport::goodReportsOf(const std::shared_ptr<NURVTaskResults> &results) const
+{
+    const auto good = m_goodReports.find(results);
+    if (good == m_goodReports.end())
+        return {};
+    QString text;
+    for (const auto &[place, report] : good->second)
+        text += report + u'\n';
+    return text + results->frame()->foot();
 }
 
 void BatchReport::writeClosingLine(std::chrono::milliseconds duration)

@@ -10,6 +10,7 @@
 #include <QStringList>
 
 #include <chrono>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -50,7 +51,8 @@ public:
     void addWindow(const QString &text, const QString &title, const std::shared_ptr<NURVTaskResults> &results);
     void setSkippedExisting(int count) { m_counts.skippedExisting = count; }
 
-    /// Writes what the windows of sets without a problem would show to standard output.
+    /// Writes what the windows of sets without a problem would show to standard output, and of checks with one the reports of
+    /// what is good.
     void writeWindows();
     void writeClosingLine(std::chrono::milliseconds duration);
 
@@ -72,6 +74,7 @@ private:
     void writeObject(const NURVTask &task, const Job &job);
     [[nodiscard]] std::optional<QString> lineOf(const NURVTask &task, const Job &job) const;
     [[nodiscard]] QString nameOf(const NURVTask &task) const;
+    [[nodiscard]] QString goodReportsOf(const std::shared_ptr<NURVTaskResults> &results) const;
 
     Console &m_console;
     Options m_options;
@@ -80,6 +83,7 @@ private:
     QJsonArray m_windowObjects;
     std::vector<Window> m_windows;
     std::set<std::shared_ptr<NURVTaskResults>> m_setsWithProblems;
+    std::map<std::shared_ptr<NURVTaskResults>, std::map<int, QString>> m_goodReports; ///< of framed sets, by their places
     std::set<const NURVTask *> m_notBegun;
 };
 

@@ -44,7 +44,7 @@ struct OptionSpec {
     QString standard = {};              ///< the value that counts when the option is not given
     QStringList formats = {};           ///< it goes with one of these of the command's selector only
     QMap<QString, QStringList> choiceFormats = {}; ///< the same of some of its choices
-    QString partner = {};               ///< it goes with that option only
+    QStringList partners = {};          ///< it goes with one of those options only
     QStringList excluded = {};          ///< options that it cannot be given with
     ControlSetter set = {};             ///< empty: it sets no control
 

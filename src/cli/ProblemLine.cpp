@@ -41,12 +41,13 @@ bool isTalk(const QString &line)
 }
 
 /// The line without the progress that a program wrote before it on the same line.
-QString withoutProgress(const QString &line)
+QString withoutProgress(QString line)
 {
     static const Expression progress(
-        u"^\\s*(?:(?:creating|restoring) .*?\\.\\w+,\\s*|\\d+% done\\.\\.\\.\\s*|Percent Progress: \\d+\\s*"
+        u"^\\s*(?:(?:creating|restoring|verifying) .*?\\.\\w+,\\s*|\\d+% done\\.\\.\\.\\s*|Percent Progress: \\d+\\s*"
         "|Progress: [\\d.]+% \\(.*? total\\)\\s*|[^:]+: \\d+% complete(?:, ratio=[\\d.]+)?\\s*)+"_s);
-    return progress.replaceAll(line, QString()).simplified();
+    // Backspaces stand between the figures of a progress that no terminal has shown.
+    return progress.replaceAll(line.remove(u'\b'), QString()).simplified();
 }
 
 bool removeFront(QString &line, const QString &front)
@@ -132,7 +133,8 @@ QString problemLine(const QString &report, const QString &sourcePath, const QStr
         if (line.isEmpty() || line == sourcePath + u':' || isTalk(line))
             continue;
         const QString said = withoutFullStop(withoutAdvice(withoutSpeaker(line, sourcePath), switches));
-        if (said.isEmpty())
+        // A report may name the file before each piece of what a program wrote.
+        if (said.isEmpty() || isTalk(said))
             continue;
         bool isVague = false;
         for (const QString &words : vague)

@@ -35,7 +35,7 @@ void NURVAsyncNSTaskFileOutputRedirection::completeStop()
     outputEnded();
     const QString text = results() ? results()->results() : QString();
     setResults(nullptr);
-    if (hasRun())
+    if (hasRun() && isOutputWanted())
         writeOutput(text);
     NURVAsyncNSTask::completeStop();
 }

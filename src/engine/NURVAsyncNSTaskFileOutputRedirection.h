@@ -27,6 +27,8 @@ protected:
     void completeStop() override;
     /// The program has written all: before its text is taken for the file.
     virtual void outputEnded() {}
+    /// Asked then: whether the file is to be written.
+    [[nodiscard]] virtual bool isOutputWanted() const { return true; }
     /// The file could not be written. This one tells the log.
     virtual void couldNotWrite(const QString &problem);
 

@@ -132,6 +132,9 @@ void NURVTask::markStopped()
 
 void NURVTask::stopTask()
 {
+    // Before another member can find that all have stopped.
+    if (const std::shared_ptr<NURVTaskResults> set = m_results)
+        set->noteStop(*this);
     markStopped();
     if (const std::shared_ptr<NURVTaskResults> set = m_results) {
         const std::shared_ptr<NURVTask> next = set->finishIfAllDone();

@@ -162,7 +162,7 @@ void NURVTaskQueue::finishTask(const std::shared_ptr<NURVTask> &task)
     if (m_activeTask == 0 && !m_isCancellingAll && !(m_isHeld && !m_taskArray.empty()))
         sweep();
     if (results && results->takeReport()) {
-        showOutputWindow(results->results(),
+        showOutputWindow(results->windowText(),
                          task->title().isEmpty() ? std::nullopt : std::optional(task->title()));
     }
 }

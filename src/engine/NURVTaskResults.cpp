@@ -3,6 +3,7 @@
 #include "engine/NURVTaskResults.h"
 
 #include "engine/NURVTask.h"
+#include "engine/ReportFrame.h"
 
 #include <utility>
 
@@ -69,6 +70,37 @@ QString NURVTaskResults::results() const
         joined += QLatin1Char('\n');
     }
     return joined;
+}
+
+void NURVTaskResults::setFrame(std::shared_ptr<ReportFrame> frame)
+{
+    const std::scoped_lock lock(m_lock);
+    m_frame = std::move(frame);
+}
+
+std::shared_ptr<ReportFrame> NURVTaskResults::frame() const
+{
+    const std::scoped_lock lock(m_lock);
+    return m_frame;
+}
+
+void NURVTaskResults::noteStop(const NURVTask &task) const
+{
+    const std::shared_ptr<ReportFrame> around = frame();
+    if (const int place = placeOf(task); around && place >= 0)
+        around->addMember(place, task);
+}
+
+QString NURVTaskResults::windowText() const
+{
+    const std::shared_ptr<ReportFrame> around = frame();
+    return around ? around->head() + results() + around->foot() : results();
+}
+
+int NURVTaskResults::placeOf(const NURVTask &task) const
+{
+    const std::scoped_lock lock(m_lock);
+    return slotOf(task);
 }
 
 QString NURVTaskResults::results(const NURVTask &task) const

@@ -14,6 +14,7 @@
 namespace nurv {
 
 class NURVTask;
+class ReportFrame;
 struct TaskFlags;
 
 /// The report texts of one batch: one slot per member, joined in the order in
@@ -46,6 +47,16 @@ public:
     /// Every member's text in the order of the members, each followed by one
     /// line feed.
     [[nodiscard]] QString results() const;
+
+    /// What stands around the reports in a window; null at first. Set it before the jobs start.
+    void setFrame(std::shared_ptr<ReportFrame> frame);
+    [[nodiscard]] std::shared_ptr<ReportFrame> frame() const;
+    /// Tells the frame that the job has stopped.
+    void noteStop(const NURVTask &task) const;
+    /// `results` in its frame.
+    [[nodiscard]] QString windowText() const;
+    /// The place of the job among the members; -1 for a job that is no member.
+    [[nodiscard]] int placeOf(const NURVTask &task) const;
 
     /// The text of the job's own slot; empty for a job that is no member.
     [[nodiscard]] QString results(const NURVTask &task) const;
@@ -80,6 +91,7 @@ private:
     bool m_isReportTaken = false;
     bool m_followUpReleased = false;
     std::shared_ptr<NURVTask> m_taskAfterSetDone;
+    std::shared_ptr<ReportFrame> m_frame;
 };
 
 } // namespace nurv

@@ -25,6 +25,9 @@ struct ListedFile {
     QString detail = {}; ///< one line: why, where that is known
 };
 
+/// One word of small letters: "ok", "missing" and so on.
+[[nodiscard]] QString stateWord(ListedFile::State state);
+
 /// What a job made of its source, and what became of that source. Final when the queue
 /// says that the job is settled; read it on the GUI thread then.
 struct TaskOutcome {

@@ -157,7 +157,14 @@ bool FixTask::doFixCall()
         takeEnding(*ending.exit);
         return false;
     }
-    m_files.place();
+    try {
+        m_files.place();
+    } catch (const NurvFailure &) {
+        // Not all of them need be its own.
+        for (const QString &path : m_files.leftByProgram())
+            appendResultsForSelf(u"%1 is there: whose it is, this job does not know\n"_s.arg(path));
+        throw;
+    }
     const std::optional<QList<qsizetype>> order = m_order.order();
     if (order)
         m_retirement.reorderSources(filesAt(m_fileNames, *order));
@@ -168,8 +175,14 @@ bool FixTask::doFixCall()
 
 void FixTask::takeEnding(const ChildExit &exit)
 {
-    if (cancelled())
-        return;
+    if (!cancelled())
+        tellFailure(exit);
+    // It makes all or none, unless it is stopped right while it names them.
+    tellLeft();
+}
+
+void FixTask::tellFailure(const ChildExit &exit)
+{
     const QString reason = shntool::reasonOfFailedFixing(m_totalOutput);
     if (exit.signal != 0) {
         failFor(killedProgramText(shntool::program().name, exit.signal, title()).trimmed());
@@ -181,9 +194,19 @@ void FixTask::takeEnding(const ChildExit &exit)
         const bool namesFile = m_fileName.isEmpty() || reason.contains(u'[');
         ownOutcome().problem = namesFile ? reason : m_fileName + u": "_s + reason;
     }
-    // It makes all or none, unless it is stopped right while it names them.
-    for (const QString &left : m_files.leftByProgram())
-        appendResultsForSelf(u"%1 was left there; all that it may hold is in the sources, too\n"_s.arg(left));
+}
+
+/// The files that the program has made or begun, and nobody may take for this job's.
+void FixTask::tellLeft()
+{
+    const QStringList left = m_files.leftByProgram();
+    for (const QString &path : left)
+        appendResultsForSelf(u"%1 was left there; all that it may hold is in the sources, too\n"_s.arg(path));
+    if (left.isEmpty() || !cancelled())
+        return;
+    const QString name = lastPathComponent(left.first());
+    ownOutcome().problem = left.size() == 1 ? u"%1 was left"_s.arg(name)
+                                            : u"%1 and %2 more were left"_s.arg(name, QString::number(left.size() - 1));
 }
 
 void FixTask::processTaskOutput(const QString &chunk)
@@ -195,7 +218,8 @@ void FixTask::processTaskOutput(const QString &chunk)
     // A name that came in two pieces is none of them.
     if (report.fileName && m_fileNameDictionary.contains(*report.fileName)) {
         m_fileName = *report.fileName;
-        showMainLine(u"%1 (%2 of %3)"_s.arg(m_fileName, m_fileNameDictionary.value(m_fileName)).arg(m_fileNames.size()));
+        showMainLine(u"%1 (%2 of %3)"_s.arg(m_fileName, m_fileNameDictionary.value(m_fileName),
+                                            QString::number(m_fileNames.size())));
     }
     if (report.progress)
         showProgress(u"Fixing: %1%"_s.arg(sixDecimals(*report.progress)), *report.progress);
@@ -285,11 +309,15 @@ void FixTask::handleMD5()
     }
 }
 
-/// Whether a list can name the file; what it cannot is told.
-bool FixTask::canList(const QString &path)
+/// Whether a list can name the file; what it cannot, or not so that it is read back, is told.
+bool FixTask::canList(checksumList::ListKind kind, const QString &path)
 {
-    if (checksumList::canName(lastPathComponent(path)))
+    const QString name = lastPathComponent(path);
+    if (checksumList::canName(name)) {
+        if (!checksumList::isReadBack(kind, name))
+            warn(checksumList::misreadText(path));
         return true;
+    }
     warn(u"%1 is not in the list: its name holds a line break"_s.arg(path));
     return false;
 }
@@ -307,7 +335,7 @@ void FixTask::doMd5Call(const QString &listName, const QList<qsizetype> &places)
     for (const qsizetype place : places) {
         const QString path = m_files.path(place);
         showMainLine(lastPathComponent(path));
-        if (canList(path)) {
+        if (canList(checksumList::ListKind::Md5, path)) {
             const FileDigest digest =
                 MD5Helper::digestOf(path, MD5Helper::Kind::Regular, [this] { return cancelled(); });
             if (cancelled())
@@ -328,7 +356,7 @@ void FixTask::doCreateFFP()
     for (const QString &path : m_files.paths()) {
         if (cancelled())
             return;
-        if (!canList(path))
+        if (!canList(checksumList::ListKind::Ffp, path))
             continue;
         const QString entry = fingerprint(path);
         list += entry;

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "checksum/ChecksumList.h"
 #include "engine/NURVInProcessTask.h"
 #include "fix/FixedFiles.h"
 #include "originals/SourceRetirement.h"
@@ -54,6 +55,8 @@ private:
     void work();
     [[nodiscard]] bool doFixCall();
     void takeEnding(const ChildExit &exit);
+    void tellFailure(const ChildExit &exit);
+    void tellLeft();
     void processTaskOutput(const QString &chunk);
     void copyTags();
     void copyTagsOf(qsizetype place);
@@ -64,7 +67,7 @@ private:
     void doMd5Call(const QString &listName, const QList<qsizetype> &places);
     void doCreateFFP();
     void writeList(const QString &listName, const QString &text);
-    [[nodiscard]] bool canList(const QString &path);
+    [[nodiscard]] bool canList(checksumList::ListKind kind, const QString &path);
     void noteUnlisted(const QString &path, const QString &fault);
     void examine();
     void takeVerdict(const SourceRetirement::Verdict &verdict);

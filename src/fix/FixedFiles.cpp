@@ -154,20 +154,34 @@ void FixedFiles::markBegun(qsizetype place)
 
 void FixedFiles::place()
 {
+    for (File &file : m_files)
+        noteMade(file);
     try {
         for (File &file : m_files)
             placeOne(file);
     } catch (const NurvFailure &) {
         removeAll();
-        // The program made these for names that were free, and did not fail.
         for (const File &file : m_files) {
-            for (const QString &made : file.madeAs) {
-                if (!file.facts && isThere(made))
-                    removeFor(made);
+            for (const QString &path : file.madeAs) {
+                const std::optional<struct stat> now = FolderEntry(path).facts();
+                if (!file.facts && file.made && now && isSameFile(*file.made, *now))
+                    removeFor(path);
             }
         }
         throw;
     }
+}
+
+/// The program made it for a name that was free, and did not fail. Where there are two, somebody else has made one of them.
+void FixedFiles::noteMade(File &file)
+{
+    QList<struct stat> found;
+    for (const QString &path : file.madeAs) {
+        if (const std::optional<struct stat> facts = FolderEntry(path).facts())
+            found.append(*facts);
+    }
+    if (found.size() == 1)
+        file.made = found.first();
 }
 
 void FixedFiles::placeOne(File &file)
@@ -175,6 +189,8 @@ void FixedFiles::placeOne(File &file)
     const auto made = std::find_if(file.madeAs.begin(), file.madeAs.end(), [](const QString &path) { return isThere(path); });
     if (made == file.madeAs.end())
         throw NurvFailure(u"%1: its program made no output"_s.arg(lastPathComponent(file.source)));
+    if (!file.made)
+        throw NurvFailure(u"%1: another file has a name that its output may have"_s.arg(lastPathComponent(file.source)));
     if (!renameToFreeName(QFile::encodeName(*made), QFile::encodeName(file.path))) {
         throw NurvFailure(u"%1: its output could not get its name: %2"_s.arg(lastPathComponent(file.source),
                                                                             systemErrorText(errno)));

@@ -48,7 +48,8 @@ public:
     void begin();
     /// The program has begun with this one.
     void markBegun(qsizetype place);
-    /// The program has made them all: gives each its name. Throws NurvFailure; none of the files is left then.
+    /// The program has made them all: gives each its name. Throws NurvFailure; of what is this job's for sure nothing is left
+    /// then.
     void place();
     /// The file is another one now, by the job's own doing.
     void markWritten(qsizetype place);
@@ -69,11 +70,13 @@ private:
         QString path;
         QStringList madeAs; ///< the paths that the program may give it at first; the extension decides
         OutputClaim claim = {};
+        std::optional<struct stat> made = {};  ///< the only one of `madeAs` at the end of the program: it is this job's
         std::optional<struct stat> facts = {}; ///< once it was placed
     };
 
     [[nodiscard]] static QStringList obstaclesOf(const File &file);
     [[nodiscard]] QStringList clashes() const;
+    static void noteMade(File &file);
     void placeOne(File &file);
 
     std::vector<File> m_files;

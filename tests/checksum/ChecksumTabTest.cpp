@@ -233,9 +233,11 @@ TEST_F(ChecksumTabTest, MakesAJobForEveryListAndOneReport)
     EXPECT_TRUE(std::dynamic_pointer_cast<VerifyFFPTask>(rows[2]));
     EXPECT_TRUE(std::dynamic_pointer_cast<VerifyFFPTask>(rows[3]));
     ASSERT_TRUE(test::waitUntil([this] { return controller.taskQueue().taskCount() == 0; }));
-    EXPECT_EQ(windows, QStringList{u"Verify MD5: a.md5\nthe list has no entries\n\n"
+    EXPECT_EQ(windows, QStringList{u"a.md5: the list has no entries\nb.ST5: the list has no entries\nc.ffp: the list is empty\n"
+                                   "d.ffp.txt: the list is empty\n\nVerify MD5: a.md5\nthe list has no entries\n\n"
                                    "Verify ST5: b.ST5\nthe list has no entries\n\n"
-                                   "Verify FFP: c.ffp\nthe list is empty\n\nVerify FFP: d.ffp.txt\nthe list is empty\n\n"_s});
+                                   "Verify FFP: c.ffp\nthe list is empty\n\nVerify FFP: d.ffp.txt\nthe list is empty\n\n"
+                                   "0 of 4 lists good; 0 of 0 entries good\n"_s});
     EXPECT_TRUE(tab.fileNames().isEmpty());
 }
 

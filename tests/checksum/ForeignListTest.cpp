@@ -40,7 +40,7 @@ TEST(ForeignList, KnowsTheLinesOfShntoolAndMetaflac)
     EXPECT_EQ(shown(foreignList::st5Entries(kDigest + u" [shntool] a b.shn\n"_s + kDigest.toUpper() + u"\t[shntool 2.0]  cd1/b.shn\nx"_s)),
               (QStringList{u"a b.shn="_s + kDigest, u"cd1/b.shn="_s + kDigest, u"[x]"_s}));
     EXPECT_EQ(shown(foreignList::ffpEntries(u"cd1/a: b.flac : "_s + kDigest.toUpper() + u"\nb.flac:short\n#1 Hit.flac:"_s + kDigest + u"\n# comment"_s)),
-              (QStringList{u"cd1/a: b.flac="_s + kDigest, u"[b.flac:short]"_s, u"#1 Hit.flac="_s + kDigest}));
+              (QStringList{u"cd1/a: b.flac ="_s + kDigest, u"[b.flac:short]"_s, u"#1 Hit.flac="_s + kDigest}));
 }
 
 class ForeignListsTest : public test::VerifyListFixture {

@@ -67,7 +67,7 @@ TEST_F(VerifyFFPTaskTest, SeesDamageBehindAFingerprintThatFits)
     const auto task = verify<VerifyFFPTask>(folder.write(u"l.ffp"_s, entry));
     EXPECT_TRUE(report.contains(u"a.flac : OK\n"_s));
     EXPECT_TRUE(report.contains(u"ERROR"_s)) << qPrintable(report);
-    EXPECT_TRUE(report.endsWith(u"1 of 1 files is damaged\n"_s)) << qPrintable(report);
+    EXPECT_TRUE(report.endsWith(u"1 of 1 file is damaged\n"_s)) << qPrintable(report);
     EXPECT_TRUE(task->error());
     EXPECT_EQ(statesOf(*task), std::vector{State::Damaged});
 }
@@ -130,6 +130,61 @@ TEST_F(VerifyFFPTaskTest, CountsAllLinesForItsProgress)
     ASSERT_EQ(shown.size(), 2);
     EXPECT_NEAR(shown[0], 200.0 / 6.0, 0.001);
     EXPECT_EQ(shown[1], 50.0);
+}
+
+TEST_F(VerifyFFPTaskTest, DecodesNoFurtherFileWhenItIsCanceled)
+{
+    QByteArray list;
+    for (const QString &name : {u"a.flac"_s, u"b.flac"_s, u"c.flac"_s}) {
+        test::writeFlac(folder.path(name), {.seconds = 0.1});
+        list += entryOf(name);
+    }
+    tools.remove(u"flac"_s);
+    tools.addFake(u"flac"_s, "log=" + folder.path(u"runs"_s).toUtf8() + ";wait-file=" + folder.path(u"go-on"_s).toUtf8()
+                                 + ";out=ok\\n");
+    const auto results = std::make_shared<NURVTaskResults>();
+    const auto task = std::make_shared<VerifyFFPTask>(&queue, folder.write(u"l.ffp"_s, list), results);
+    results->addTaskInSet(*task);
+    queue.addTask(task);
+    ASSERT_TRUE(test::waitUntil([this] { return folder.exists(u"runs"_s); }));
+    task->cancelTask();
+    folder.write(u"go-on"_s, "");
+    ASSERT_TRUE(finish());
+    EXPECT_EQ(results->results(*task), u"Verify FFP: l.ffp\na.flac : OK\nb.flac : OK\nc.flac : OK\n\nVerify Flac Files in l.ffp\n"
+                                       "a.flac: testing, 100% complete\na.flac: ok\ncanceled before 2 of 3 files were decoded\n");
+    EXPECT_EQ(folder.read(u"runs"_s).count('\n'), 1);
+    EXPECT_EQ(task->textField().text, u"Canceled");
+}
+
+TEST_F(VerifyFFPTaskTest, ComparesItsListToTheEndAndDecodesNothingWhenItIsCanceledBefore)
+{
+    const QByteArray entry = "a.flac:0123456789abcdef0123456789abcdef\n";
+    folder.write(u"a.flac"_s, "abc");
+    tools.remove(u"metaflac"_s);
+    tools.addFake(u"metaflac"_s, "log=" + folder.path(u"runs"_s).toUtf8() + ";wait-file=" + folder.path(u"go-on"_s).toUtf8()
+                                     + ";out=0123456789abcdef0123456789abcdef\\n");
+    const auto results = std::make_shared<NURVTaskResults>();
+    const auto task = std::make_shared<VerifyFFPTask>(&queue, folder.write(u"l.ffp"_s, entry.repeated(3)), results);
+    results->addTaskInSet(*task);
+    queue.addTask(task);
+    ASSERT_TRUE(test::waitUntil([this] { return folder.exists(u"runs"_s); }));
+    task->cancelTask();
+    folder.write(u"go-on"_s, "");
+    ASSERT_TRUE(finish());
+    EXPECT_EQ(results->results(*task), u"Verify FFP: l.ffp\na.flac : OK\na.flac : OK\na.flac : OK\n\nVerify Flac Files in l.ffp\n"
+                                       "canceled before 3 of 3 files were decoded\n");
+    EXPECT_EQ(folder.read(u"runs"_s).count('\n'), 3);
+}
+
+TEST_F(VerifyFFPTaskTest, FindsAFileUnreadableWhoseDecoderWasEnded)
+{
+    test::writeFlac(folder.path(u"a.flac"_s), {.seconds = 0.1});
+    const QByteArray entry = entryOf(u"a.flac"_s);
+    tools.remove(u"flac"_s);
+    tools.addFake(u"flac"_s, "signal=9");
+    const auto task = verify<VerifyFFPTask>(folder.write(u"l.ffp"_s, entry));
+    EXPECT_EQ(statesOf(*task), std::vector{State::Unreadable});
+    EXPECT_EQ(task->outcome().listedFiles[0].detail, u"flac was ended by signal 9 (Killed) while working on a.flac");
 }
 
 TEST_F(VerifyFFPTaskTest, FailsForAListThatIsEmptyOrCannotBeRead)

@@ -2,14 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "checksum/VerifyFileTask.h"
 
+#include "app/ScriptedPrompts.h"
 #include "checksum/ChecksumFixture.h"
 #include "checksum/ChecksumTab.h"
-#include "app/ScriptedPrompts.h"
+#include "checksum/LosslessFiles.h"
 #include "engine/NURVTaskResults.h"
 #include "programs/TestOutput.h"
-#include "support/AudioFixtures.h"
-#include "support/ProgramFolder.h"
-#include "support/TestProgram.h"
 
 using namespace Qt::StringLiterals;
 
@@ -84,18 +82,7 @@ protected:
     }
     [[nodiscard]] QString make(const QString &format)
     {
-        if (format == u"flac")
-            return test::writeFlac(folder.path(u"a.flac"_s), {.seconds = 3.0});
-        const QString wav = test::writeWav(folder.path(u"plain.wav"_s), {.seconds = 3.0});
-        const QString made = folder.path(u"a."_s + format);
-        const QHash<QString, std::pair<QString, QStringList>> encoders{
-            {u"wv"_s, {u"wavpack"_s, {u"-q"_s, wav, u"-o"_s, made}}},
-            {u"ape"_s, {u"mac"_s, {wav, made, u"-c2000"_s}}},
-            {u"tta"_s, {u"ttaenc"_s, {u"-e"_s, wav, u"-o"_s, made}}},
-        };
-        const auto &[program, arguments] = encoders[format];
-        EXPECT_EQ(test::runProgram(tools.path(program), arguments).exitStatus, 0) << qPrintable(format);
-        return made;
+        return test::writeLossless(folder, tools, u"a"_s, format, {.seconds = 3.0});
     }
 
     test::TestFolder folder;
@@ -125,12 +112,10 @@ TEST_F(VerifyFileTaskTest, FailsFilesWithOneChangedBitInTheirMiddle)
 {
     for (const QString &format : {u"flac"_s, u"ape"_s, u"wv"_s, u"tta"_s}) {
         const QString path = make(format);
-        QByteArray bytes = folder.read(u"a."_s + format);
-        bytes[bytes.size() / 2] = static_cast<char>(bytes[bytes.size() / 2] ^ 1);
-        folder.write(u"a."_s + format, bytes);
+        test::flipABit(folder, u"a."_s + format);
         const QString report = verify({path});
         EXPECT_TRUE(ended.at(0)->error()) << qPrintable(format) << qPrintable(report);
-        folder.write(u"a."_s + format, bytes.first(bytes.size() * 2 / 3));
+        test::truncate(folder, u"a."_s + format);
         const QString ofCut = verify({path});
         EXPECT_TRUE(ended.at(0)->error()) << qPrintable(format) << qPrintable(ofCut);
     }
@@ -153,6 +138,22 @@ TEST_F(VerifyFileTaskTest, PutsTheReportOfAnApeIntoTheFirstFilesEntry)
     EXPECT_TRUE(results->results(ofFlac).contains(u"a.flac: ok"_s));
 }
 
+TEST_F(VerifyFileTaskTest, TellsOfEachFileItsOwnReasonAlsoWhereTheReportOfAnotherStandsInItsEntry)
+{
+    const QString flac = make(u"flac"_s);
+    test::flipABit(folder, u"a.flac"_s);
+    const QString ape = folder.path(u"b.ape"_s);
+    ASSERT_TRUE(QFile::rename(make(u"ape"_s), ape));
+    test::flipABit(folder, u"b.ape"_s);
+    verify({flac, ape});
+    ASSERT_EQ(ended.size(), 2U);
+    for (const auto &task : ended) {
+        const bool isApe = task->sourcePath() == ape;
+        EXPECT_EQ(task->report().contains(u"mac: "_s), isApe) << qPrintable(task->report());
+        EXPECT_EQ(task->report().contains(u"ERROR while decoding data"_s), !isApe) << qPrintable(task->report());
+    }
+}
+
 TEST_F(VerifyFileTaskTest, SkipsWhatItHasNoDecoderFor)
 {
     tab.addMatchedFiles({folder.write(u"a.wav"_s, "x"), folder.write(u"b.txt"_s, "x")});
@@ -172,7 +173,7 @@ TEST_F(VerifyFileTaskTest, TellsThatAFlacTestWasCanceled)
     controller.taskQueue().panelArray()[0]->cancelTask();
     folder.write(u"go-on"_s, "");
     ASSERT_TRUE(test::waitUntil([this] { return controller.taskQueue().taskCount() == 0; }));
-    EXPECT_TRUE(windows.value(0).endsWith(u"a.flac: testing, 5.000000% complete\na.flac canceled\n\n"_s)) << qPrintable(windows.value(0));
+    EXPECT_TRUE(windows.value(0).endsWith(u"a.flac: testing, 5.000000% complete\na.flac canceled\n\n0 of 1 file good\n"_s)) << qPrintable(windows.value(0));
 }
 
 } // namespace

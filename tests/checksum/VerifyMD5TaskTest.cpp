@@ -59,7 +59,8 @@ TEST_F(VerifyMD5TaskTest, ComparesDigestsCharacterForCharacter)
 {
     folder.write(u"a.wav"_s, "abc");
     verify<VerifyMD5Task>(folder.write(u"l.md5"_s, kDigestOfAbc.toUpper() + " *a.wav\n"));
-    EXPECT_EQ(report, u"Verify MD5: l.md5\na.wav : FAILED\n1 of 1 files is another one\n");
+    EXPECT_EQ(report, u"Verify MD5: l.md5\na.wav : FAILED\n1 of 1 file is another one\n"
+                      "try 'Understand lists of other programs' (--any-list)\n");
 }
 
 TEST_F(VerifyMD5TaskTest, NamesLinesThatAreNoEntries)
@@ -67,7 +68,8 @@ TEST_F(VerifyMD5TaskTest, NamesLinesThatAreNoEntries)
     folder.write(u"a.wav"_s, "abc");
     const auto task = verify<VerifyMD5Task>(folder.write(u"l.md5"_s, " " + kDigestOfAbc + "  a.wav \n"));
     EXPECT_EQ(report, u"Verify MD5: l.md5\n"_s + QString::fromLatin1(kDigestOfAbc)
-                          + u"  a.wav : Invalid checksum format\n1 of 1 lines is no entry\n"_s);
+                          + u"  a.wav : Invalid checksum format\n1 of 1 line is no entry\n"
+                            "try 'Understand lists of other programs' (--any-list)\n"_s);
     EXPECT_EQ(statesOf(*task), std::vector{State::NotAnEntry});
 }
 
@@ -106,7 +108,7 @@ TEST_F(VerifyMD5TaskTest, FailsForAListThatIsEmptyOrCannotBeRead)
     for (const auto &[name, bytes, line] :
          {std::tuple{u"empty.md5"_s, QByteArray(""), u"the list has no entries\n"_s},
           std::tuple{u"comments.md5"_s, QByteArray("#only\n;this\n\n"), u"the list has no entries\n"_s},
-          std::tuple{u"latin1.md5"_s, kDigestOfAbc + " *\xe4.wav\n", u"the list is no UTF-8 text\n"_s}}) {
+          std::tuple{u"latin1.md5"_s, kDigestOfAbc + " *\xe4.wav\n", u"the list is no UTF-8 text, try 'Understand lists of other programs' (--any-list)\n"_s}}) {
         const auto task = verify<VerifyMD5Task>(folder.write(name, bytes));
         EXPECT_TRUE(task->error()) << qPrintable(name);
         EXPECT_EQ(report, u"Verify MD5: %1\n%2"_s.arg(name, line));

@@ -77,7 +77,7 @@ TEST_F(VerifyST5TaskTest, ReportsTheNameAndThenTheWarning)
                                     + ";out=\\b 45% \\b;until-read;out=shntool [hash]: warning: it is odd: ;until-read;out=[a]\\n"
                                       "0f  [shntool]  a.wav\\n");
     const auto task = verify<VerifyST5Task>(folder.write(u"l.st5"_s, "0f  [shntool]  a.wav\n"));
-    EXPECT_EQ(report, u"Verify ST5: l.st5\na.wav : warning: it is odd: [a]a.wav\n1 of 1 files is another one\n");
+    EXPECT_EQ(report, u"Verify ST5: l.st5\na.wav : warning: it is odd: [a]a.wav\n1 of 1 file is another one\n");
     EXPECT_TRUE(task->error());
     EXPECT_EQ(folder.read(u"log"_s), "hash\t" + folder.path(u"a.wav"_s).toUtf8() + '\n');
     EXPECT_TRUE(statuses.contains(u"Verifying: 45.000000%"_s)) << qPrintable(statuses.join(u'|'));
@@ -100,6 +100,70 @@ TEST_F(VerifyST5TaskTest, NamesAProgramThatIsMissing)
     EXPECT_TRUE(task->error());
     EXPECT_TRUE(task->outcome().problem.contains(u"shntool"_s)) << qPrintable(task->outcome().problem);
     EXPECT_TRUE(task->outcome().listedFiles.empty());
+}
+
+TEST_F(VerifyST5TaskTest, KeepsWhatItSawBeforeItsProgramWasGone)
+{
+    folder.write(u"a.wav"_s, "abc");
+    tools.remove(u"shntool"_s);
+    tools.addFake(u"shntool"_s, "out=0f  [shntool]  a.wav\\n;delete=" + QFile::encodeName(tools.path(u"shntool"_s)));
+    const auto task = verify<VerifyST5Task>(folder.write(u"l.st5"_s, "0f  [shntool]  a.wav\n0f  [shntool]  b.wav\n"));
+    EXPECT_TRUE(report.startsWith(u"Verify ST5: l.st5\na.wav : OK\n\"shntool\" could not be started: "_s)) << qPrintable(report);
+    EXPECT_EQ(statesOf(*task), std::vector{State::Ok});
+    EXPECT_TRUE(task->error());
+}
+
+TEST_F(VerifyST5TaskTest, FindsAFileUnreadableWhoseProgramWasEnded)
+{
+    folder.write(u"a.wav"_s, "abc");
+    tools.remove(u"shntool"_s);
+    tools.addFake(u"shntool"_s, "out=0f  [shntool]  a.wav\\n;signal=9");
+    const auto task = verify<VerifyST5Task>(folder.write(u"l.st5"_s, "0f  [shntool]  a.wav\n"));
+    EXPECT_EQ(report, u"Verify ST5: l.st5\na.wav : OK\n1 of 1 file could not be read\n");
+    EXPECT_EQ(statesOf(*task), std::vector{State::Unreadable});
+    EXPECT_EQ(task->outcome().listedFiles[0].detail, u"shntool was ended by signal 9 (Killed) while working on a.wav");
+}
+
+TEST_F(VerifyST5TaskTest, ChecksItsListToTheEndAlsoWhenItIsCanceled)
+{
+    const QByteArray entry = "0f  [shntool]  a.wav\n";
+    folder.write(u"a.wav"_s, "abc");
+    tools.remove(u"shntool"_s);
+    tools.addFake(u"shntool"_s, "log=" + folder.path(u"runs"_s).toUtf8() + ";wait-file=" + folder.path(u"go-on"_s).toUtf8()
+                                    + ";out=0f  [shntool]  a.wav\\n");
+    const auto results = std::make_shared<NURVTaskResults>();
+    const auto task = std::make_shared<VerifyST5Task>(&queue, folder.write(u"l.st5"_s, entry.repeated(3)), results);
+    results->addTaskInSet(*task);
+    queue.addTask(task);
+    ASSERT_TRUE(test::waitUntil([this] { return folder.exists(u"runs"_s); }));
+    task->cancelTask();
+    folder.write(u"go-on"_s, "");
+    ASSERT_TRUE(finish());
+    EXPECT_EQ(results->results(*task), u"Verify ST5: l.st5\na.wav : OK\na.wav : OK\na.wav : OK\n");
+    EXPECT_EQ(folder.read(u"runs"_s).count('\n'), 3);
+    EXPECT_EQ(task->textField().text, u"Canceled");
+    EXPECT_NE(task->topTextField().text, u"Complete");
+}
+
+TEST_F(VerifyST5TaskTest, BeginsNoFurtherProgramWhenThoseOfACanceledCheckAreEnded)
+{
+    const QByteArray entry = "0f  [shntool]  a.wav\n";
+    folder.write(u"a.wav"_s, "abc");
+    tools.remove(u"shntool"_s);
+    tools.addFake(u"shntool"_s, "log=" + folder.path(u"runs"_s).toUtf8() + ";wait-file=" + folder.path(u"go-on"_s).toUtf8()
+                                    + ";signal=15");
+    const auto results = std::make_shared<NURVTaskResults>();
+    const auto task = std::make_shared<VerifyST5Task>(&queue, folder.write(u"l.st5"_s, entry.repeated(3)), results);
+    results->addTaskInSet(*task);
+    queue.addTask(task);
+    ASSERT_TRUE(test::waitUntil([this] { return folder.exists(u"runs"_s); }));
+    task->cancelTask();
+    folder.write(u"go-on"_s, "");
+    ASSERT_TRUE(finish());
+    EXPECT_EQ(folder.read(u"runs"_s).count('\n'), 1);
+    EXPECT_TRUE(results->results(*task).startsWith(u"Verify ST5: l.st5\nshntool was ended by signal 15"_s))
+        << qPrintable(results->results(*task));
+    EXPECT_EQ(task->textField().text, u"Canceled");
 }
 
 TEST_F(VerifyST5TaskTest, FailsForAListWithoutLines)

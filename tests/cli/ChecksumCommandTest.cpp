@@ -124,6 +124,36 @@ TEST(ChecksumCommand, WritesAllListsAsTheSingleKindsDo)
     }
 }
 
+TEST(ChecksumCommand, ReplacesThreeListsInOneGoOnlyWhenItIsTold)
+{
+    const TestFolder folder;
+    const QString show = makeShow(folder);
+    const QStringList create{u"create"_s, u"--kind=all"_s, show};
+    const QStringList beside{u"--beside-source"_s};
+    const QStringList elsewhere{u"--output-dir"_s, show};
+    ASSERT_EQ(checksum(create + beside).exitStatus, 0);
+    const QStringList names{u"show/md5sum.md5"_s, u"show/checksum.st5"_s, u"show/fingerprint.ffp.txt"_s};
+    QList<QByteArray> entries;
+    for (const QString &name : names) {
+        entries.append(folder.read(name).split('\n').mid(1).join('\n'));
+        folder.write(name, "old");
+    }
+    for (const QStringList &options : {beside, elsewhere}) {
+        const ProgramResult refused = checksum(create + options);
+        EXPECT_NE(refused.exitStatus, 0);
+        EXPECT_TRUE(refused.errors.contains("md5sum.md5, checksum.st5, fingerprint.ffp.txt exist already. Do you want to replace them?"))
+            << refused.errors.constData();
+        EXPECT_EQ(folder.read(names[0]), "old");
+    }
+    for (const QStringList &options : {beside + QStringList{u"--yes"_s}, elsewhere + QStringList{u"--overwrite"_s}}) {
+        for (const QString &name : names)
+            folder.write(name, "old");
+        ASSERT_EQ(checksum(create + options).exitStatus, 0);
+        for (qsizetype i = 0; i < names.size(); ++i)
+            EXPECT_EQ(folder.read(names[i]).split('\n').mid(1).join('\n'), entries[i]) << qPrintable(names[i]);
+    }
+}
+
 TEST(ChecksumCommand, SeesDamageWhileItWritesAllLists)
 {
     const TestFolder folder;
@@ -151,6 +181,29 @@ TEST(ChecksumCommand, SaysWhatHasNoPlaceInAList)
     EXPECT_EQ(checksum({u"create"_s, u"--kind=md5"_s, u"--output"_s, folder.path(u"md5"_s), show}).errors.count("no place"), 0);
 }
 
+TEST(ChecksumCommand, ShowsTheReportsOfGoodListsBesideABadOne)
+{
+    const TestFolder folder;
+    const QString show = makeShow(folder);
+    for (const QString &name : {u"a"_s, u"b"_s, u"c"_s})
+        ASSERT_EQ(checksum({u"create"_s, u"--output"_s, folder.path(name + u".md5"_s), show + u"/t01.flac"_s}).exitStatus, 0);
+    for (const QString &name : {u"a"_s, u"b"_s, u"c"_s})
+        folder.write(name + u".md5"_s, folder.read(name + u".md5"_s).replace("*", "*show/"));
+    folder.write(u"b.md5"_s, folder.read(u"b.md5"_s).replace("t01", "t09"));
+    const QStringList lists{folder.path(u"a.md5"_s), folder.path(u"b.md5"_s), folder.path(u"c.md5"_s)};
+    const ProgramResult result = checksum(QStringList{u"verify"_s} + lists);
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_EQ(result.output, "Verify MD5: a.md5\nt01.flac : OK\n\nVerify MD5: c.md5\nt01.flac : OK\n\n"
+                             "2 of 3 lists good; 2 of 3 entries good\n");
+    EXPECT_TRUE(result.errors.contains("b.md5: 1 of 1 file is missing\n    show/t09.flac: missing")) << result.errors.constData();
+    // The window, as JSON has it, holds the reports of all in their order.
+    const ProgramResult asJson = checksum(QStringList{u"verify"_s, u"--json"_s} + lists);
+    const QString window = jsonLines(asJson.output).last()[u"outputs"_s][0][u"text"_s].toString();
+    EXPECT_TRUE(window.startsWith(u"b.md5: 1 of 1 file is missing\n    show/t09.flac: missing"_s)) << qPrintable(window);
+    EXPECT_TRUE(window.contains(u"\n\nVerify MD5: a.md5\nt01.flac : OK\n\nVerify MD5: b.md5\nt09.flac : FAILED\n"_s)) << qPrintable(window);
+    EXPECT_TRUE(window.endsWith(u"\n\n2 of 3 lists good; 2 of 3 entries good\n"_s)) << qPrintable(window);
+}
+
 TEST(ChecksumCommand, TestsLosslessFiles)
 {
     const TestFolder folder;
@@ -175,7 +228,7 @@ TEST(ChecksumCommand, RefusesWhatDoesNotGoTogether)
         {{u"create"_s, u"--kind=sha"_s, wav}, "nurv checksum create: --kind takes one of md5, st5, ffp, all, not \"sha\"."},
         {{u"create"_s, u"--beside-source"_s, u"--output=x"_s, wav},
          "nurv checksum create: --output and --beside-source cannot both be given."},
-        {{u"create"_s, u"--overwrite"_s, u"--beside-source"_s, wav}, "nurv checksum create: --overwrite goes with --output only."},
+        {{u"create"_s, u"--overwrite"_s, u"--beside-source"_s, wav}, "nurv checksum create: --overwrite goes with --output or --output-dir only."},
         {{u"verify"_s}, "nurv checksum verify: no files are given."},
     };
     for (const auto &[arguments, sentence] : cases) {

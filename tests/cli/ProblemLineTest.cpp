@@ -97,6 +97,21 @@ TEST(ProblemLine, OfWavpack)
         u"file is missing 11025 samples"_s);
 }
 
+TEST(ProblemLine, OfTestsOfFiles)
+{
+    EXPECT_EQ(lineOf(u"/m/a.wv"_s, kWvunpackBanner
+                                       + u"verifying /m/a.wv,   3% done...\b\b\b\b\b\b\b\b\b\b\b\b  6% done... 50% done..."
+                                         "\b\b\b\b\b\b\b\b\b\b\b\b100% done...\rmissing data or crc errors detected in 1 block(s)!"
+                                         "                                \n"_s),
+              u"missing data or crc errors detected in 1 block(s)"_s);
+    // The job has put the name before each piece of what flac wrote.
+    EXPECT_EQ(lineOf(u"/m/a.flac"_s, u"\na.flac: \na.flac: flac 1.4.2\nCopyright (C) 2000-2009  Josh Coalson\na.flac: a.flac:\n"
+                                     "a.flac: *** Got error code 2:FLAC__STREAM_DECODER_ERROR_STATUS_FRAME_CRC_MISMATCH\n"
+                                     "a.flac: \na.flac: a.flac: ERROR while decoding data\n"
+                                     "a.flac: state = FLAC__STREAM_DECODER_ABORTED\n"_s),
+              u"ERROR while decoding data"_s);
+}
+
 TEST(ProblemLine, OfTheBundledPrograms)
 {
     EXPECT_EQ(lineOf(u"/m/bad.wav"_s, u"mac: bad.wav: this is no WAV file\nError: 1002\n"_s), u"this is no WAV file"_s);

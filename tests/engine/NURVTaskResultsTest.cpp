@@ -3,6 +3,7 @@
 #include "engine/NURVTaskResults.h"
 
 #include "engine/NURVTask.h"
+#include "engine/ReportFrame.h"
 
 #include <gtest/gtest.h>
 
@@ -52,6 +53,29 @@ TEST_F(NURVTaskResultsTest, WritesToTheFirstSlotWhenNoJobIsNamed)
     EXPECT_EQ(set.results(), u"xy\n\n\n");
     set.setResults(u"z"_s);
     EXPECT_EQ(set.results(), u"z\n\n\n");
+}
+
+TEST_F(NURVTaskResultsTest, TellsItsFrameOfMembersThatStopAndStandsInIt)
+{
+    struct Frame final : ReportFrame {
+        void addMember(int place, const NURVTask &task) override { stopped += QString::number(place) + task.title(); }
+        [[nodiscard]] QString head() const override { return u"head\n"_s + stopped + u'\n'; }
+        [[nodiscard]] QString foot() const override { return u"foot\n"_s; }
+        QString stopped;
+    };
+    EXPECT_EQ(set.windowText(), set.results());
+    set.setFrame(std::make_shared<Frame>());
+    NURVTask stranger(nullptr);
+    third->setTitle(u"c"_s);
+    first->setTitle(u"a"_s);
+    set.noteStop(*third);
+    set.noteStop(stranger);
+    set.noteStop(*first);
+    set.appendResults(u"text"_s, *first);
+    EXPECT_EQ(set.results(), u"text\n\n\n");
+    EXPECT_EQ(set.windowText(), u"head\n2c0a\ntext\n\n\nfoot\n");
+    EXPECT_EQ(set.placeOf(*third), 2);
+    EXPECT_EQ(set.placeOf(stranger), -1);
 }
 
 TEST_F(NURVTaskResultsTest, LosesWhatANonMemberWrites)

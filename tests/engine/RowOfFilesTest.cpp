@@ -6,9 +6,12 @@
 #include "engine/TestTasks.h"
 #include "support/WaitUntil.h"
 
+#include <QScopeGuard>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <thread>
 #include <vector>
 
@@ -76,7 +79,10 @@ TEST_F(RowOfFilesTest, ShowsAtItsEndWhatWasDoneAndNothingLater)
 TEST_F(RowOfFilesTest, TakesFilesFromSeveralThreads)
 {
     constexpr qsizetype kFiles = 2000;
-    std::thread job([this] {
+    // The end of the row waits for this thread.
+    std::atomic<bool> isOver = false;
+    std::thread job([this, &isOver] {
+        const auto end = qScopeGuard([&isOver] { isOver = true; });
         RowOfFiles row(*task, kFiles, paint());
         std::thread odd([&] {
             for (qsizetype i = 1; i < kFiles; i += 2)
@@ -86,8 +92,9 @@ TEST_F(RowOfFilesTest, TakesFilesFromSeveralThreads)
             row.markDone(i);
         odd.join();
     });
-    EXPECT_TRUE(test::waitUntil([this] { return !shown.empty() && shown.back() == kFiles; }));
+    EXPECT_TRUE(test::waitUntil([&isOver] { return isOver.load(); }));
     job.join();
+    EXPECT_EQ(shown.back(), kFiles);
     EXPECT_TRUE(std::is_sorted(shown.begin(), shown.end()));
 }
 

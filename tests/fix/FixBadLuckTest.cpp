@@ -168,6 +168,75 @@ TEST_F(FixBadLuckTest, TellsWhatAKilledShntoolLeft)
     EXPECT_TRUE(areThere(wavs));
 }
 
+TEST_F(FixBadLuckTest, TellsWhatShntoolLeftWhenItIsEndedByACancellation)
+{
+    const QStringList wavs = makeWavs(3);
+    setFake(u"shntool"_s, makes(wavs.at(0), wavs.at(0), u"wav"_s) + makes(wavs.at(1), wavs.at(0), u"wav"_s)
+                              + "create=" + folder.path(u"waits"_s).toUtf8() + ";hang");
+    const auto task = make(wavs, u"wav"_s);
+    cancelWhileItWaits(task, u"waits"_s);
+    EXPECT_EQ(task->outcome().problem, u"show-d1t01-fixed.wav and 1 more were left");
+    for (const QString &name : {u"show-d1t01-fixed.wav"_s, u"show-d1t02-fixed.wav"_s}) {
+        EXPECT_TRUE(task->report().contains(out.path(name) + u" was left there; "_s)) << qPrintable(task->report());
+        EXPECT_TRUE(out.exists(name));
+    }
+    EXPECT_TRUE(outputWindows.join(QString()).contains(u"was left there"_s)) << "and a window shows it";
+    EXPECT_TRUE(areThere(wavs));
+}
+
+TEST_F(FixBadLuckTest, RemovesNoFileOfOthersWithANameThatItsProgramMayGive)
+{
+    const QStringList wavs = makeWavs(2);
+    // The second name that an output may have, taken while the program works.
+    const QString second = u"show-d1t01.wav-fixed.wav"_s;
+    setFake(u"shntool"_s, makes(wavs.at(0), wavs.at(0), u"wav"_s) + "append=" + out.path(second).toUtf8() + ":mine");
+    const auto task = make(wavs, u"wav"_s);
+    task->setDeleteOriginal(true);
+    runJob(task);
+    EXPECT_TRUE(task->error());
+    EXPECT_EQ(out.read(second), "mine");
+    EXPECT_EQ(task->outcome().problem, u"show-d1t01.wav: another file has a name that its output may have");
+    for (const QString &name : {second, u"show-d1t01-fixed.wav"_s})
+        EXPECT_TRUE(task->report().contains(out.path(name) + u" is there: whose it is, this job does not know\n"_s))
+            << qPrintable(task->report());
+    EXPECT_TRUE(areThere(wavs));
+}
+
+TEST_F(FixBadLuckTest, RemovesNoFileThatWasPutInThePlaceOfItsOwn)
+{
+    const QStringList wavs = makeWavs(2);
+    // The first output gets its name, the second has none; meanwhile nothing may be removed but what this job has made.
+    setFake(u"shntool"_s, makes(wavs.at(0), wavs.at(0), u"wav"_s) + "append=" + out.path(u"show-d1t02.wav"_s).toUtf8() + ":mine;"
+                              + makes(wavs.at(1), wavs.at(1), u"wav"_s));
+    const auto task = make(wavs, u"wav"_s);
+    runJob(task);
+    EXPECT_EQ(task->outcome().problem, u"show-d1t02.wav: its output could not get its name: File exists");
+    EXPECT_EQ(out.list(), QStringList{u"show-d1t02.wav"_s});
+    EXPECT_EQ(out.read(u"show-d1t02.wav"_s), "mine");
+}
+
+TEST_F(FixBadLuckTest, ShowsNamesWithPlaceholdersAsTheyAre)
+{
+    QStringList wavs;
+    for (int i = 1; i <= 2; ++i)
+        wavs.append(test::writeWav(folder.path(u"t%1 100%2 %1.wav"_s.arg(i)), shapeOf(i)));
+    runJob(make(wavs, u"wav"_s));
+    EXPECT_TRUE(mainLines.contains(u"t1 100%2 1 (1 of 2)"_s)) << qPrintable(mainLines.join(u'|'));
+    QStringList odd;
+    for (int i = 1; i <= 2; ++i)
+        odd.append(test::writeWav(folder.path(u"%3 %1 %"_s + QString::number(i) + u".wav"_s), shapeOf(i)));
+    runJob(make(odd, u"wav"_s));
+    EXPECT_TRUE(mainLines.contains(u"%3 %1 %1 (1 of 2)"_s)) << qPrintable(mainLines.join(u'|'));
+}
+
+TEST_F(FixBadLuckTest, TellsOfANameThatItsListDoesNotGiveBack)
+{
+    const QString wav = test::writeWav(folder.path(u"a: b.wav"_s), shapeOf(1));
+    const auto task = runJob(make({wav}, u"flac"_s, u"FFP"_s));
+    EXPECT_EQ(task->warnings(), QStringList{out.path(u"a: b.flac"_s)
+                                            + u" has a name that its list gives back only to 'Understand lists of other programs'"_s});
+}
+
 TEST_F(FixBadLuckTest, TellsThatShntoolIsMissing)
 {
     tools.remove(u"shntool"_s);

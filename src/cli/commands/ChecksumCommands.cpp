@@ -44,19 +44,22 @@ std::vector<OptionSpec> creatingOptions()
         {.name = u"output-dir"_s,
          .valueName = u"DIR"_s,
          .summary = u"with --kind all: write the lists into that folder"_s,
-         .manual = u"With --kind all: the folder of the lists, which replace others of their names."_s,
+         .manual = u"With --kind all: the folder of the lists, which replace others of their names after a question unless "
+                   "--overwrite is given. Lists that are there already are not listed themselves."_s,
          .isFolder = true,
          .formats = {u"all"_s},
          .excluded = {u"beside-source"_s}},
         {.name = u"beside-source"_s,
          .summary = u"write the list into the folder of the files"_s,
-         .manual = u"Writes the list into the folder of the files, under the name that the preferences give it. Files of "
-                   "several folders need --output, but for FFP: that list goes into the folder of the first one."_s,
+         .manual = u"Writes the list into the folder of the files, under the name that the preferences give it, and in the place "
+                   "of an older one; with --kind all after a question. Files of several folders need --output, but for FFP: that "
+                   "list goes into the folder of the first one."_s,
          .set = setsCheck(&ChecksumTab::sourceSaveButton)},
         {.name = u"overwrite"_s,
          .summary = u"replace a list that exists"_s,
          .manual = u"Replaces a list that exists without a question."_s,
-         .partner = u"output"_s},
+         .partners = {u"output"_s, u"output-dir"_s},
+         .set = setsCheck(&ChecksumTab::replaceListsButton)},
     };
 }
 
@@ -115,9 +118,7 @@ const CommandSpec &ChecksumVerifyCommand::spec() const
 
 bool ChecksumVerifyCommand::takes(const QString &path) const
 {
-    static const QStringList words{u"MD5"_s, u"ST5"_s, u"FFP"_s};
-    const QString format = formatWord(path);
-    return words.contains(format) || (format == u"TXT" && formatWord(nameWithoutExtension(path)) == u"FFP");
+    return checksumList::kindOfList(path).has_value();
 }
 
 std::unique_ptr<BaseTab> ChecksumVerifyCommand::makeTab(NURVController &controller) const
