@@ -104,7 +104,7 @@ QStringList startedBy(const QStringList &arguments)
     } else {
         return {};
     }
-    if (writes)
+    if (writes && !readers.contains(mode))
         names << encoderOf(arguments.value(format + 1));
     names.removeAll(QString());
     names.removeDuplicates();

@@ -67,4 +67,16 @@ TEST(PathNames, OutputPathTakesTheSourceNameAndTheNewExtension)
     EXPECT_EQ(outputPath(u"/out"_s, u"/in/a.b.shn"_s, u"wav"_s), u"/out/a.b.wav"_s);
 }
 
+TEST(PathNames, TellTheDiscBetweenTheLastDAndTheNextT)
+{
+    EXPECT_EQ(discNumber(u"/shows/show-d1t01.shn"_s), u"1");
+    EXPECT_EQ(discNumber(u"/dead/2001-d2/show-d12t01.shn"_s), u"12");
+    EXPECT_EQ(discNumber(u"/shows/disc3 track.shn"_s), u"isc3 ");
+    EXPECT_EQ(discNumber(u"/shows/d2/t01.shn"_s), u"2/");
+    EXPECT_EQ(discNumber(u"/music/best/a.shn"_s), u"/music/bes") << "without a d, the whole path counts";
+    EXPECT_EQ(discNumber(u"/music/dt.shn"_s), QString());
+    EXPECT_EQ(discNumber(u"/music/a.shnd"_s), QString());
+    EXPECT_EQ(discNumber(u"/music/d9.shn"_s), u"9.shn") << "without a t behind it, all of the rest does";
+}
+
 } // namespace nurv

@@ -23,7 +23,7 @@ expect() {
 }
 
 expect 'encode' nurv e
-expect 'encode decode lossy checksum fix doctor recover --version --help' nurv ''
+expect 'encode decode lossy checksum fix shntool doctor recover --version --help' nurv ''
 expect 'flac' nurv encode --format f
 expect 'wav aiff' nurv decode --format ''
 expect 'flac' nurv encode --format = fl

@@ -48,10 +48,38 @@ TEST_F(SHNToolEditTaskTest, TrimsSilenceOfBothEnds)
         EXPECT_TRUE(sound({out.path(name + u"-trimmed.flac"_s)}) == withoutSilence(sound({folder.path(name + u".wav"_s)}), 4));
     EXPECT_TRUE(areThere(files));
     EXPECT_TRUE(windows.isEmpty());
-    EXPECT_TRUE(mainLines.contains(u"a.wav"_s));
-    EXPECT_TRUE(mainLines.contains(u"b.wav"_s));
-    EXPECT_TRUE(std::any_of(statuses.begin(), statuses.end(), [](const QString &line) { return line.startsWith(u"Trimming Files: "_s); }));
-    EXPECT_TRUE(std::any_of(statuses.begin(), statuses.end(), [](const QString &line) { return line.startsWith(u"Scanning Files: "_s); }));
+}
+
+TEST_F(SHNToolEditTaskTest, ShowsTheFileInWorkAndWhatIsDoneWithIt)
+{
+    const QStringList files{writeStereo(u"a.wav"_s, 3000)};
+    const struct {
+        QString command;
+        QByteArray chunk;
+        QString status;
+        QString mainLine;
+        QString report;
+    } cases[] = {
+        {u"trim"_s, "\\b\\bScanning [/x/c d.wav] (0:01.00) :  45% \\b", u"Scanning Files: Scanning [/x/c d.wav] (0:01.00) :  45%"_s, u"c d.wav"_s,
+         u"Scanning [/x/c d.wav] (0:01.00) Scanning [/x/c d.wav] (0:01.00) :  45% "_s},
+        {u"trim"_s, " 45% ERROR", u"Trimming Files:  45%"_s, u"Running SHNTool Trim"_s, u" 45% ERROR 45% ERROR"_s},
+        {u"join"_s, "Joining [/x/c.wav] (0:01.00) :  7% ", u"Joining Files: 0.000000%"_s, u"c.wav"_s, u"Joining [/x/c.wav] (0:01.00) "_s},
+        {u"pad"_s, " 45% ", u"Padding: 45.000000%"_s, u"Running SHNTool Pad"_s, u" 45% "_s},
+        {u"strip"_s, " 45% ", u"Stripping: 45.000000%"_s, u"Running SHNTool Strip"_s, u" 45% "_s},
+    };
+    for (const auto &[command, chunk, status, mainLine, report] : cases) {
+        SCOPED_TRACE(qPrintable(command));
+        statuses.clear();
+        windows.clear();
+        tools.remove(u"shntool"_s);
+        tools.addFake(u"shntool"_s, "out=" + chunk + ";exit=1");
+        const auto jobs = execute(command, files);
+        EXPECT_TRUE(jobs.front()->error());
+        EXPECT_TRUE(statuses.contains(status)) << qPrintable(statuses.join(u'|'));
+        EXPECT_EQ(jobs.front()->textField().text, mainLine);
+        ASSERT_EQ(windows.size(), 1);
+        EXPECT_TRUE(windows.front().startsWith(report)) << qPrintable(windows.front());
+    }
 }
 
 TEST_F(SHNToolEditTaskTest, TrimsSoundOf24Bits)

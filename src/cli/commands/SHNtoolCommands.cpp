@@ -35,8 +35,10 @@ void setTrackNames(BaseTab &tab, const std::optional<QString> &path)
     if (!path)
         return;
     const TrackNamesFile file = readTrackNamesFile(QFileInfo(*path).absoluteFilePath());
-    if (!file.names)
-        throw UsageError(file.problem);
+    if (!file.names) {
+        const bool isSentence = file.problem.endsWith(u'.');
+        throw UsageError(u"--names %1: %2"_s.arg(*path, isSentence ? file.problem.chopped(1) : file.problem));
+    }
     shntoolTab(tab).trackNamesEntered(trackNamesIn(*file.names));
 }
 
@@ -169,7 +171,7 @@ std::unique_ptr<Command> makeCueSheet()
         {.name = u"overwrite"_s,
          .summary = u"replace a cue sheet that exists"_s,
          .manual = u"Replaces a cue sheet that exists without a question."_s,
-         .partner = u"output"_s}};
+         .partners = {u"output"_s}}};
     return make(u"cue"_s, u"write the cue sheet of files that will be joined"_s, u"[OPTION]... --output FILE PATH..."_s,
                 u"Writes a cue sheet that tells where each file begins once all are joined in their order."_s, options);
 }
