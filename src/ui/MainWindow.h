@@ -10,6 +10,7 @@
 
 #include <deque>
 #include <functional>
+#include <memory>
 #include <utility>
 
 class QAction;
@@ -21,6 +22,8 @@ namespace nurv {
 struct GivenFiles;
 class NURVController;
 class OutputWindow;
+class PreferencesController;
+class PreferencesWindow;
 class StatusWindow;
 class TabPage;
 
@@ -39,6 +42,8 @@ public:
 
     [[nodiscard]] TabPage *page(const QString &label) const { return m_pages.value(label); }
     [[nodiscard]] QTabWidget *tabView() const { return m_tabView; }
+    /// Null until it was asked for.
+    [[nodiscard]] PreferencesWindow *preferencesWindow() const { return m_preferencesWindow; }
     [[nodiscard]] StatusWindow *statusWindow() const { return m_statusWindow; }
     /// The output windows that are open, in the order in which they opened.
     [[nodiscard]] QList<OutputWindow *> outputWindows() const;
@@ -69,6 +74,7 @@ private:
     void createPages();
     void createMenus();
     void createFileMenu();
+    void createEditMenu();
     void createJobsMenu();
     void createGoMenu();
     void createHelpMenu();
@@ -77,6 +83,7 @@ private:
     void restoreState();
     void showPage(const QString &label);
     void pageChosen(int index);
+    void showPreferences();
     void showReadiness();
     void showReport(const QString &text, const QString &title);
     void showWaitingReport();
@@ -85,6 +92,8 @@ private:
     [[nodiscard]] TabPage *currentPage() const;
 
     NURVController &m_controller;
+    std::unique_ptr<PreferencesController> m_preferences; ///< before its window
+    PreferencesWindow *m_preferencesWindow = nullptr;
     QTabWidget *m_tabView = nullptr;
     StatusWindow *m_statusWindow = nullptr;
     QHash<QString, TabPage *> m_pages;
