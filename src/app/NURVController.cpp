@@ -5,6 +5,7 @@
 #include "app/BaseTab.h"
 #include "app/FileArrivals.h"
 #include "app/PathNames.h"
+#include "app/SettingsTable.h"
 #include "app/TrackNameInputController.h"
 #include "app/UserPrompts.h"
 #include "audio/CoreAudioHelper.h"
@@ -26,19 +27,10 @@ const QString NURVController::kAboutLabel = u"about"_s;
 
 void NURVController::registerDefaults(const std::vector<Tool> &tools)
 {
-    SettingsStore &settings = SettingsStore::instance();
-    settings.registerDefaults({
-        {u"maxThreads"_s, 2},
-        {u"SUScheduledCheckInterval"_s, 604800},
-        {u"trashOrDelete"_s, 0},
-        {u"warnOnDelete"_s, true},
-        {u"warnOnFilesSkipped"_s, true},
-        {u"proveBeforeDeleting"_s, 1},
-        {u"dropMetadata"_s, 0},
-        {u"keepFolders"_s, 0},
-    });
-    for (const Tool &tool : tools)
-        settings.registerDefaults(tool.defaults);
+    QVariantMap defaults;
+    for (const Setting &setting : settingsTable(tools))
+        defaults.insert(setting.key, setting.standard);
+    SettingsStore::instance().registerDefaults(defaults);
 }
 
 NURVController::NURVController(UserPrompts &prompts, DesktopServices &services, const std::vector<Tool> &tools)

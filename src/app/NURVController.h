@@ -75,6 +75,9 @@ public:
     /// Selects the page with that index in `pageLabels`.
     void selectTab(int index);
 
+    /// Whoever has the preferences window shows it.
+    void showPreferencePanel() { Q_EMIT preferencePanelRequested(); }
+
     /// The upper-case extensions that the page takes; empty: it takes any file.
     [[nodiscard]] QStringList extensions(const QString &label) const;
     /// Whether the page can handle the file. Any thread; may read the file's header.
@@ -111,6 +114,7 @@ public:
 
 Q_SIGNALS:
     void pageSelected(const QString &label);
+    void preferencePanelRequested();
 
 private:
     /// Null for a page that is no tool.

@@ -2,12 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "settings/Setting.h"
+
 #include <QString>
 #include <QStringList>
-#include <QVariantMap>
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 namespace nurv {
 
@@ -29,7 +31,7 @@ struct Tool {
     bool takesAppleLossless = false;
     bool takesAppleLosslessFromFolders = false;
 
-    QVariantMap defaults = {}; ///< of the settings that are its own
+    std::vector<Setting> settings = {}; ///< those that are its own
     /// Makes its tab, which enters itself with the controller; empty for a tool that is not there.
     std::function<std::unique_ptr<BaseTab>(NURVController &controller)> makeTab = {};
 };

@@ -9,6 +9,7 @@
 #include "base/GuiThread.h"
 #include "base/WorkerThreads.h"
 #include "engine/NURVTaskQueue.h"
+#include "preferences/PreferencesController.h"
 #include "settings/SettingsStore.h"
 #include "ui/ApplicationIcon.h"
 #include "ui/GivenFiles.h"
@@ -16,6 +17,7 @@
 #include "ui/Pages.h"
 #include "ui/pages/AboutPage.h"
 #include "ui/pages/TabPage.h"
+#include "ui/PreferencesWindow.h"
 #include "ui/StatusWindow.h"
 #include "ui/TrackNameWindow.h"
 #include "ui/WindowPlace.h"
@@ -45,8 +47,8 @@ const QString kPageKey = u"window/page"_s;
 } // namespace
 
 MainWindow::MainWindow(NURVController &controller, QWidget *parent)
-    : QMainWindow(parent), m_controller(controller), m_tabView(new QTabWidget(this)),
-      m_statusWindow(new StatusWindow(controller.taskQueue(), this)),
+    : QMainWindow(parent), m_controller(controller), m_preferences(std::make_unique<PreferencesController>()),
+      m_tabView(new QTabWidget(this)), m_statusWindow(new StatusWindow(controller.taskQueue(), this)),
       m_trackNameWindow(new TrackNameWindow(controller.trackNameInputController(), this))
 {
     setObjectName(u"mainWindow"_s);
@@ -63,6 +65,7 @@ MainWindow::MainWindow(NURVController &controller, QWidget *parent)
     createMenus();
     connect(m_tabView, &QTabWidget::currentChanged, this, &MainWindow::pageChosen);
     connect(&controller, &NURVController::pageSelected, this, &MainWindow::showPage);
+    connect(&controller, &NURVController::preferencePanelRequested, this, &MainWindow::showPreferences);
     connect(&controller.taskQueue(), &NURVTaskQueue::outputWindowRequested, this, &MainWindow::showReport);
     connect(&m_reportTimer, &QTimer::timeout, this, &MainWindow::showWaitingReport);
     restoreState();
@@ -72,6 +75,8 @@ MainWindow::~MainWindow()
 {
     for (const QPointer<OutputWindow> &window : std::as_const(m_outputWindows))
         delete window.data();
+    // Its controller goes before the children of this window do.
+    delete m_preferencesWindow;
 }
 
 void MainWindow::createPages()
@@ -103,6 +108,7 @@ QAction *MainWindow::addAction(QMenu *menu, const QString &title, const QString 
 void MainWindow::createMenus()
 {
     createFileMenu();
+    createEditMenu();
     createJobsMenu();
     createGoMenu();
     createHelpMenu();
@@ -121,6 +127,17 @@ void MainWindow::createFileMenu()
     QAction *const quit =
         addAction(menu, tr("&Quit"), u"quitAction"_s, QKeySequence(Qt::CTRL | Qt::Key_Q), [this] { requestQuit(); });
     quit->setMenuRole(QAction::QuitRole);
+}
+
+void MainWindow::createEditMenu()
+{
+    QMenu *const menu = menuBar()->addMenu(tr("&Edit"));
+    // Not every desktop has one.
+    const QList<QKeySequence> usual = QKeySequence::keyBindings(QKeySequence::Preferences);
+    const QKeySequence shortcut = usual.isEmpty() ? QKeySequence(Qt::CTRL | Qt::Key_Comma) : usual.first();
+    QAction *const preferences = addAction(menu, tr("&Preferences…"), u"preferencesAction"_s, shortcut,
+                                           [this] { m_controller.showPreferencePanel(); });
+    preferences->setMenuRole(QAction::PreferencesRole);
 }
 
 void MainWindow::createJobsMenu()
@@ -181,6 +198,13 @@ void MainWindow::showPage(const QString &label)
 {
     if (const qsizetype index = m_labels.indexOf(label); index >= 0)
         m_tabView->setCurrentIndex(static_cast<int>(index));
+}
+
+void MainWindow::showPreferences()
+{
+    if (m_preferencesWindow == nullptr)
+        m_preferencesWindow = new PreferencesWindow(*m_preferences, this);
+    m_preferencesWindow->bringToFront();
 }
 
 void MainWindow::showReadiness()
@@ -304,6 +328,8 @@ void MainWindow::prepareToQuit()
         output->hide();
     m_statusWindow->hide();
     m_trackNameWindow->hide();
+    if (m_preferencesWindow != nullptr)
+        m_preferencesWindow->hide();
     hide();
 }
 
@@ -332,6 +358,8 @@ void MainWindow::saveState() const
     settings.setValue(kPageKey, m_labels.value(m_tabView->currentIndex()));
     m_statusWindow->saveState();
     m_trackNameWindow->saveState();
+    if (m_preferencesWindow != nullptr)
+        m_preferencesWindow->saveState();
     if (const QList<OutputWindow *> outputs = outputWindows(); !outputs.isEmpty())
         outputs.last()->saveState();
     // A tab stores its options when it shows those that matter.

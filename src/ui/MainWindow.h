@@ -10,6 +10,7 @@
 
 #include <deque>
 #include <functional>
+#include <memory>
 #include <utility>
 
 class QAction;
@@ -21,6 +22,8 @@ namespace nurv {
 struct GivenFiles;
 class NURVController;
 class OutputWindow;
+class PreferencesController;
+class PreferencesWindow;
 class StatusWindow;
 class TabPage;
 class TrackNameWindow;
@@ -40,6 +43,8 @@ public:
 
     [[nodiscard]] TabPage *page(const QString &label) const { return m_pages.value(label); }
     [[nodiscard]] QTabWidget *tabView() const { return m_tabView; }
+    /// Null until it was asked for.
+    [[nodiscard]] PreferencesWindow *preferencesWindow() const { return m_preferencesWindow; }
     [[nodiscard]] StatusWindow *statusWindow() const { return m_statusWindow; }
     [[nodiscard]] TrackNameWindow *trackNameWindow() const { return m_trackNameWindow; }
     /// The output windows that are open, in the order in which they opened.
@@ -71,6 +76,7 @@ private:
     void createPages();
     void createMenus();
     void createFileMenu();
+    void createEditMenu();
     void createJobsMenu();
     void createGoMenu();
     void createHelpMenu();
@@ -79,6 +85,7 @@ private:
     void restoreState();
     void showPage(const QString &label);
     void pageChosen(int index);
+    void showPreferences();
     void showReadiness();
     void showReport(const QString &text, const QString &title);
     void showWaitingReport();
@@ -87,6 +94,8 @@ private:
     [[nodiscard]] TabPage *currentPage() const;
 
     NURVController &m_controller;
+    std::unique_ptr<PreferencesController> m_preferences; ///< before its window
+    PreferencesWindow *m_preferencesWindow = nullptr;
     QTabWidget *m_tabView = nullptr;
     StatusWindow *m_statusWindow = nullptr;
     TrackNameWindow *m_trackNameWindow = nullptr;

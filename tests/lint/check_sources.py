@@ -36,9 +36,10 @@ ALLOWED = {
     "convert": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum"},
     "lossy": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "convert"},
     "shntool": BASICS | {"programs", "engine", "app", "samples", "journal", "originals"},
-    "toolbox": {"app", "checksum", "fix", "convert", "lossy", "shntool"},
+    "toolbox": {"settings", "app", "checksum", "fix", "convert", "lossy", "shntool"},
+    "preferences": {"base", "settings", "app", "shntool", "toolbox"},
     "cli": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum", "fix", "convert", "lossy", "shntool", "toolbox"},
-    "ui": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum", "fix", "convert", "lossy", "shntool", "toolbox"},
+    "ui": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum", "fix", "convert", "lossy", "shntool", "toolbox", "preferences"},
 }
 
 # The same of the folders under tools, whose programs use no Qt.

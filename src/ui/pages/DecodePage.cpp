@@ -31,7 +31,7 @@ void DecodePage::addFlacOptions()
     nameGroup();
     connect(&m_decodeTab.flacOptionsLabel, &Control::valueChanged, box, nameGroup);
     follow(box, m_decodeTab.flacOptionsLabel);
-    addCheckBox(group, m_decodeTab.decodeFlacThroughErrors, tr("Decode through &errors"), u"decodeFlacThroughErrors"_s,
+    addCheckBox(group, m_decodeTab.decodeFlacThroughErrors, tr("&Decode through errors"), u"decodeFlacThroughErrors"_s,
                 tr("Goes on after damaged places instead of stopping there"), box);
     addCheckBox(group, m_decodeTab.flacKeepForeignMetadataButton, tr("&Keep foreign metadata"),
                 u"flacKeepForeignMetadataButton"_s,

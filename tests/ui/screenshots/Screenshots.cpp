@@ -25,13 +25,17 @@
 #include "ui/pages/AboutPage.h"
 #include "ui/pages/TabPage.h"
 #include "ui/PanelDialog.h"
+#include "ui/PreferencesWindow.h"
 #include "ui/StatusWindow.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QDir>
 #include <QLineEdit>
 #include <QListView>
 #include <QSignalSpy>
+#include <QTabWidget>
+#include <QVariantAnimation>
 
 #include <cstdio>
 
@@ -206,6 +210,31 @@ void showOutput(UserPrompts &prompts, const QDir &folder, const QString &suffix)
     save(output, folder.filePath(u"output-%1.png"_s.arg(suffix)));
 }
 
+/// Both pages, and what is said of endings and lines that cannot be taken.
+void showPreferences(MainWindow &main, const QDir &folder, const QString &suffix)
+{
+    main.findChild<QAction *>(u"preferencesAction"_s)->trigger();
+    PreferencesWindow &window = *main.preferencesWindow();
+    if (!waitUntil([&] { return window.isActiveWindow(); }))
+        std::fprintf(stderr, "the preferences have no keyboard\n");
+    save(window, folder.filePath(u"preferences-general-%1.png"_s.arg(suffix)));
+    const auto showPage = [&window](int index) {
+        window.preferencesTab()->setCurrentIndex(index);
+        const int wanted = window.findChild<QVariantAnimation *>() ? window.findChild<QVariantAnimation *>()->endValue().toInt() : 0;
+        if (wanted > 0 && !waitUntil([&] { return window.height() == wanted; }))
+            std::fprintf(stderr, "the preferences have no height\n");
+    };
+    showPage(1);
+    save(window, folder.filePath(u"preferences-metadata-%1.png"_s.arg(suffix)));
+    auto *const ending = window.findChild<QLineEdit *>(u"ffpExtension"_s);
+    ending->setFocus();
+    ending->selectAll();
+    ending->insert(u"lists/ffp"_s);
+    Q_EMIT ending->textEdited(ending->text());
+    save(window, folder.filePath(u"preferences-refused-%1.png"_s.arg(suffix)));
+    window.close();
+}
+
 /// The panels that the tests ask with, as a user has begun to fill them.
 void showPanels(UserPrompts &prompts, const QDir &folder, const QString &suffix)
 {
@@ -262,6 +291,7 @@ int render(const QDir &folder, const QString &suffix)
     showModes(lossyTab, checksumTab, window, folder, suffix);
     showRows(controller.taskQueue(), *window.statusWindow(), folder, suffix);
     showOutput(prompts, folder, suffix);
+    showPreferences(window, folder, suffix);
     window.hide();
     showPanels(prompts, folder, suffix);
     return 0;
