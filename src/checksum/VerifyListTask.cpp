@@ -44,6 +44,12 @@ constexpr std::array kWords = {
 constexpr qsizetype kSampleCharacters = 65'536;
 constexpr std::ptrdiff_t kSampleFiles = 1000;
 
+/// The first lines of a text.
+QString sampleOf(const QString &text)
+{
+    return text.size() <= kSampleCharacters ? text : text.left(text.lastIndexOf(u'\n', kSampleCharacters) + 1);
+}
+
 QString hint()
 {
     return u"try 'Understand lists of other programs' (--any-list)"_s;
@@ -120,15 +126,13 @@ bool VerifyListTask::isOfAnotherProgram() const
 {
     const auto keyOf = [](const checksumList::Entry &entry) { return std::pair(entry.name.trimmed(), entry.expected); };
     try {
-        const std::vector<checksumList::Entry> ofOthers = entriesOfOthers(foreignList::read(fileName()).left(kSampleCharacters));
+        const std::vector<checksumList::Entry> ofOthers = entriesOfOthers(sampleOf(foreignList::read(fileName())));
         QSet<std::pair<QString, QString>> own;
         if (const std::optional<QString> text = fromStrictUtf8(checksumList::readListBytes(fileName()))) {
-            for (const checksumList::Entry &entry : ownEntries(text->left(kSampleCharacters)))
+            for (const checksumList::Entry &entry : ownEntries(sampleOf(*text)))
                 own.insert(keyOf(entry));
         }
-        // A byte-order mark is no character of the other text, and so the end of the sample may lie elsewhere in its line.
-        const auto last = ofOthers.empty() || ofOthers.size() == 1 ? ofOthers.end() : std::prev(ofOthers.end());
-        return std::any_of(ofOthers.begin(), last, [&](const checksumList::Entry &entry) {
+        return std::any_of(ofOthers.begin(), ofOthers.end(), [&](const checksumList::Entry &entry) {
             return entry.isEntry() && !own.contains(keyOf(entry));
         });
     } catch (const NurvFailure &) {

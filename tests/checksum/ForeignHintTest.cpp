@@ -36,6 +36,7 @@ TEST_F(ForeignHintTest, StandsUnderMd5ListsOfOtherPrograms)
     folder.write(u"a.wav"_s, "abc");
     folder.write(u"cd1/b.wav"_s, "abc");
     EXPECT_TRUE(hints<VerifyMD5Task>(kDigestOfAbc + "  a.wav\n"));
+    EXPECT_TRUE(hints<VerifyMD5Task>(kDigestOfAbc + " *a.wav\n" + kDigestOfAbc + "  gone.wav\n"));
     EXPECT_TRUE(hints<VerifyMD5Task>("MD5 (a.wav) = " + kDigestOfAbc + '\n'));
     EXPECT_TRUE(hints<VerifyMD5Task>(kDigestOfAbc.toUpper() + " *a.wav\n"));
     EXPECT_TRUE(hints<VerifyMD5Task>("\xef\xbb\xbf" + kDigestOfAbc + " *a.wav\n"));
