@@ -17,10 +17,6 @@ void PreviewTask::doStartTask()
 {
     showStarted();
     appendResultsForSelf(m_preview.text());
-    if (m_preview.obstacles().isEmpty())
-        return;
-    ownOutcome().problem = m_preview.obstacles().first();
-    setError(true);
 }
 
 } // namespace nurv

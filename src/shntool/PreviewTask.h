@@ -7,7 +7,7 @@
 
 namespace nurv {
 
-/// Reports what an edit would make, and makes nothing. Ends in error when the edit would.
+/// Reports what an edit would make, also why it would fail, and makes nothing.
 class PreviewTask final : public NURVInProcessTask {
 public:
     PreviewTask(NURVTaskQueue *queue, EditPreview preview);

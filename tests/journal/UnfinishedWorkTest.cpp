@@ -287,7 +287,8 @@ TEST_F(UnfinishedWorkTest, EndsTheProgramsThatOutlivedTheirProcess)
     const QString script = u"while :; do echo more >> '%1'; sleep 0.01; done"_s.arg(folder.path(u"a.flac"_s));
     test::runAndKill(planned() << step("begun", u"a.flac"_s) << write(u"a.flac"_s, u"half"_s)
                                << u"start=/bin/sh|-c|"_s + script);
-    EXPECT_GE(UnfinishedWork::find().runningPrograms(), 1);
+    // It is one of its own only once it runs.
+    EXPECT_TRUE(test::waitUntil([] { return UnfinishedWork::find().runningPrograms() >= 1; }));
     EXPECT_TRUE(folder.exists(u"a.flac"_s));
     const UnfinishedWork done = UnfinishedWork::find().cleanUp();
     EXPECT_THAT(told(done), ElementsAre(u"removed a.flac"_s));

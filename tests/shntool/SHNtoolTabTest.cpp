@@ -258,6 +258,11 @@ TEST_F(SHNtoolTabTest, MakesNothingButAPreviewWhereOnlyThatIsWanted)
     tab->executeCommand();
     ASSERT_EQ(jobCount(), 1U);
     EXPECT_NE(job<PreviewTask>(), nullptr);
+    queue().release();
+    settle();
+    ASSERT_EQ(windows.size(), 1);
+    EXPECT_EQ(windows.front(), u"a-stripped.flac\n\nThis would fail:\n  a.wav: its header does not tell how long it is\n\n");
+    EXPECT_EQ(out.list(), QStringList());
 }
 
 TEST_F(SHNtoolTabTest, TakesTrackNamesByNotification)

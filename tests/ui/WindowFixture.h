@@ -10,6 +10,7 @@
 #include "desktop/NullDesktopServices.h"
 #include "fix/FixTab.h"
 #include "lossy/LossyTab.h"
+#include "shntool/SHNtoolTab.h"
 #include "support/TestFolder.h"
 #include "toolbox/Toolbox.h"
 #include "ui/MainWindow.h"
@@ -29,6 +30,7 @@ struct WindowFixture {
     ChecksumTab checksumTab{controller};
     LossyTab lossyTab{controller};
     FixTab fixTab{controller};
+    SHNtoolTab shntoolTab{controller};
     MainWindow window{controller};
 
     WindowFixture() = default;

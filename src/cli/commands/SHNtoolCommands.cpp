@@ -87,8 +87,7 @@ OptionSpec previewOption()
     return {.name = u"preview"_s,
             .summary = u"tell what would be made, and make nothing"_s,
             .manual = u"Tells the name and the length of each output, which names are taken, points that do not fit and outputs that "
-                      "do not end on a sector boundary, and makes nothing. Status 1 means that the same without this option "
-                      "would fail."_s,
+                      "do not end on a sector boundary, and makes nothing."_s,
             .set = setsCheck(&SHNtoolTab::previewOnlyButton)};
 }
 
