@@ -19,7 +19,6 @@
 #include <QVBoxLayout>
 
 #include <optional>
-#include <utility>
 
 #include <sys/stat.h>
 
@@ -183,17 +182,13 @@ void TrackNameWindow::layOut()
     column->addLayout(facts);
     column->addLayout(buttons);
 
-    QWidget *before = m_editor;
-    QList<QWidget *> stops{m_loadButton, m_trimButton, m_clearButton};
+    QList<QWidget *> stops{m_undoButton, m_redoButton, m_editor, m_loadButton, m_trimButton, m_clearButton};
     for (int index = 0; index < ending->layout()->count(); ++index) {
         if (QWidget *const button = ending->layout()->itemAt(index)->widget())
             stops.append(button);
     }
-    stops << m_undoButton << m_redoButton;
-    for (QWidget *const stop : std::as_const(stops)) {
-        setTabOrder(before, stop);
-        before = stop;
-    }
+    for (qsizetype index = 1; index < stops.size(); ++index)
+        setTabOrder(stops.at(index - 1), stops.at(index));
 }
 
 void TrackNameWindow::bringToFront()
