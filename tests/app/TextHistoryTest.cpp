@@ -54,7 +54,7 @@ TEST(TextChange, IsTheStretchByWhichTwoTextsDiffer)
 
 TEST(TextChange, LeadsFromOneTextToTheOtherAndBack)
 {
-    const std::array texts = {QString(),   u"a"_s,    u"aa"_s,   u"aaa"_s,           u"ab"_s,  u"ba"_s,
+    const std::array texts = {QString(),   u"a"_s,    u"aa"_s,   u"aaa"_s,          u"ab"_s,           u"ba"_s,
                               u"a\nb\n"_s, u"b\na"_s, u"\n\n"_s, u"a\U0001F3B8b"_s, u"a\U0001F3B9b"_s, u"\U0001F3B8"_s};
     for (const QString &before : texts) {
         for (const QString &after : texts) {

@@ -9,7 +9,8 @@ namespace nurv::test {
 
 inline const PanelQuestion kTrimQuestion{
     .title = QStringLiteral("Remove Characters"),
-    .message = QStringLiteral("Remove characters from each selected line. Lines that are shorter are removed as a whole."),
+    .message =
+        QStringLiteral("Remove characters from each selected line. Lines that are shorter are removed as a whole."),
     .fields = {QStringLiteral("number"), QStringLiteral("position")}};
 
 inline const FileChooser kNamesFileQuestion{.title = QStringLiteral("Choose file with track names")};

@@ -61,7 +61,9 @@ QByteArray utf16(const QByteArray &text, bool isLittleEndian)
 TEST_F(TrackNamesFileTest, ReadsUtf8WithAndWithoutAMark)
 {
     EXPECT_EQ(namesOf("1. R\xC3\xA9 mineur 2:10\r\n2. \xE6\x9D\xB1\xE4\xBA\xAC\r\n"), u"Ré mineur \n東京\n"_s);
-    EXPECT_EQ(namesOf("\xEF\xBB\xBF" "1. R\xC3\xA9 mineur 2:10\n"), u"Ré mineur \n"_s)
+    EXPECT_EQ(namesOf("\xEF\xBB\xBF"
+                      "1. R\xC3\xA9 mineur 2:10\n"),
+              u"Ré mineur \n"_s)
         << "the mark stands before the number";
 }
 
@@ -77,8 +79,11 @@ TEST_F(TrackNamesFileTest, ReadsUtf16OfBothOrdersWithAndWithoutAMark)
 
 TEST_F(TrackNamesFileTest, ReadsLatin1AndWindows1252)
 {
-    EXPECT_EQ(namesOf("1. R\xE9 mineur 2:10\n2. Stra\xDF" "e\n"), u"Ré mineur \nStraße\n"_s);
-    EXPECT_EQ(namesOf("1. \x93Waltz\x94 \x96 Sleepwalker\x92s (3:00)\n2. 5 \x80\n"), u"“Waltz” – Sleepwalker’s \n5 €\n"_s);
+    EXPECT_EQ(namesOf("1. R\xE9 mineur 2:10\n2. Stra\xDF"
+                      "e\n"),
+              u"Ré mineur \nStraße\n"_s);
+    EXPECT_EQ(namesOf("1. \x93Waltz\x94 \x96 Sleepwalker\x92s (3:00)\n2. 5 \x80\n"),
+              u"“Waltz” – Sleepwalker’s \n5 €\n"_s);
 }
 
 TEST_F(TrackNamesFileTest, ReadsShiftJis)

@@ -2,10 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/TrackNames.h"
 
+#include "text/RegularExpressionFinder.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cmath>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -246,6 +249,27 @@ TEST(TrackNamesOfSetList, ComesToAnEndWithRowsOfDigits)
     }
     // The pattern goes on trying where both of its kinds of digits are the same.
     EXPECT_EQ(trackNamesOfSetList(u"1. Song "_s + digits + u":"_s + digits), u"Song \n"_s);
+}
+
+/// What the pattern of a time says of a whole name; only a part of it is searched.
+TEST(TrackNamesOfSetList, CutsWhatThePatternMatchesInEveryTextOfSixCharacters)
+{
+    constexpr int kLongest = 6;
+    const QString alphabet = u"1:.()[]x"_s;
+    RegularExpressionFinder time(u"\\(?\\[?[0-9]+[\\:\\.][0-9]*([\\:\\.]?[0-9]*)?\\)?\\]?$"_s);
+    QString setList;
+    QString expected;
+    for (int length = 1; length <= kLongest; ++length) {
+        const auto count = static_cast<int>(std::pow(alphabet.size(), length));
+        for (int number = 0; number < count; ++number) {
+            QString name = u"n"_s;
+            for (int place = 0, rest = number; place < length; ++place, rest /= static_cast<int>(alphabet.size()))
+                name += alphabet.at(rest % alphabet.size());
+            setList += u"1 "_s + name + u'\n';
+            expected += (time.findFirst(name) ? name.first(name.indexOf(name.sliced(time.start()))) : name) + u'\n';
+        }
+    }
+    EXPECT_TRUE(trackNamesOfSetList(setList) == expected);
 }
 
 TEST(TrackNamesIn, AreTheLinesThatAreNotEmpty)
