@@ -19,7 +19,6 @@
 #include <QVBoxLayout>
 
 #include <optional>
-#include <utility>
 
 #include <sys/stat.h>
 
@@ -130,7 +129,8 @@ void TrackNameWindow::createButtons()
 {
     m_undoButton = makeButton(tr("&Undo"), u"undoButton"_s, {});
     m_redoButton = makeButton(tr("&Redo"), u"redoButton"_s, {});
-    m_loadButton = makeButton(tr("&Load…"), u"loadButton"_s, tr("Take the track names from a text file with a set list"));
+    m_loadButton =
+        makeButton(tr("&Load…"), u"loadButton"_s, tr("Take the track names from a text file with a set list"));
     m_trimButton = makeButton(tr("&Trim…"), u"trimButton"_s,
                               tr("Remove characters from the start or the end of the selected lines"));
     m_clearButton = makeButton(tr("Cl&ear"), u"clearButton"_s, tr("Remove all names"));
@@ -145,7 +145,8 @@ void TrackNameWindow::createButtons()
     connect(m_clearButton, &QPushButton::clicked, &m_controller, &TrackNameInputController::clear);
     connect(new QShortcut(QKeySequence::Open, this), &QShortcut::activated, m_loadButton, &QPushButton::click);
     for (const int key : {Qt::Key_Return, Qt::Key_Enter})
-        connect(new QShortcut(QKeySequence(Qt::CTRL | key), this), &QShortcut::activated, this, &TrackNameWindow::accept);
+        connect(new QShortcut(QKeySequence(Qt::CTRL | key), this), &QShortcut::activated, this,
+                &TrackNameWindow::accept);
 }
 
 void TrackNameWindow::layOut()
@@ -183,17 +184,13 @@ void TrackNameWindow::layOut()
     column->addLayout(facts);
     column->addLayout(buttons);
 
-    QWidget *before = m_editor;
-    QList<QWidget *> stops{m_loadButton, m_trimButton, m_clearButton};
+    QList<QWidget *> stops{m_undoButton, m_redoButton, m_editor, m_loadButton, m_trimButton, m_clearButton};
     for (int index = 0; index < ending->layout()->count(); ++index) {
         if (QWidget *const button = ending->layout()->itemAt(index)->widget())
             stops.append(button);
     }
-    stops << m_undoButton << m_redoButton;
-    for (QWidget *const stop : std::as_const(stops)) {
-        setTabOrder(before, stop);
-        before = stop;
-    }
+    for (qsizetype index = 1; index < stops.size(); ++index)
+        setTabOrder(stops.at(index - 1), stops.at(index));
 }
 
 void TrackNameWindow::bringToFront()
@@ -215,7 +212,8 @@ void TrackNameWindow::showState()
 
 void TrackNameWindow::showHistory()
 {
-    const auto show = [](QAction *action, QPushButton *button, const QString &verb, const std::optional<QString> &step) {
+    const auto show = [](QAction *action, QPushButton *button, const QString &verb,
+                         const std::optional<QString> &step) {
         const QString text = worded(verb, step);
         action->setText(text);
         action->setEnabled(step.has_value());

@@ -7,6 +7,9 @@
 
 #include "app/ExamplePanels.h"
 #include "app/NURVController.h"
+#include "app/NURVStringGetterPanel.h"
+#include "app/NURVTrimCharsPanel.h"
+#include "app/TrackNameInputController.h"
 #include "checksum/ChecksumTab.h"
 #include "convert/DecodeTab.h"
 #include "convert/EncodeTab.h"
@@ -14,6 +17,7 @@
 #include "desktop/NullDesktopServices.h"
 #include "fix/FixTab.h"
 #include "settings/SettingsStore.h"
+#include "support/TestFolder.h"
 #include "support/WaitUntil.h"
 #include "toolbox/Toolbox.h"
 #include "ui/DesktopPrompts.h"
@@ -27,6 +31,8 @@
 #include "ui/PanelDialog.h"
 #include "ui/PreferencesWindow.h"
 #include "ui/StatusWindow.h"
+#include "ui/TrackNameEditor.h"
+#include "ui/TrackNameWindow.h"
 
 #include <QAction>
 #include <QApplication>
@@ -268,6 +274,54 @@ void showPanels(UserPrompts &prompts, const QDir &folder, const QString &suffix)
     shoot(options.panel(), u"options"_s);
 }
 
+/// The track-names window: empty, with a loaded set list, and with trimmed lines.
+void showTrackNames(UserPrompts &prompts, const QDir &folder, const QString &suffix)
+{
+    TrackNameInputController names(prompts);
+    TrackNameWindow window(names);
+    names.show(11);
+    if (!waitUntil([&] { return window.isActiveWindow(); }))
+        std::fprintf(stderr, "the track names have no keyboard\n");
+    save(window, folder.filePath(u"names-empty-%1.png"_s.arg(suffix)));
+    QByteArray setList("The Lamplighters, Aula Magna\n08/16/1997\n\n");
+    for (const QString &path : concert(u"flac"_s).mid(0, 9))
+        setList += path.section(u'/', -1).chopped(5).toUtf8() + " (4:31)\n";
+    const TestFolder files;
+    names.loadTrackNames(files.write(u"lamplighters1997-08-16.txt"_s, setList));
+    save(window, folder.filePath(u"names-loaded-%1.png"_s.arg(suffix)));
+    window.editor()->selectAll();
+    save(window, folder.filePath(u"names-selected-%1.png"_s.arg(suffix)));
+}
+
+/// The small panels that tools share.
+void showSmallPanels(const QDir &folder, const QString &suffix)
+{
+    class Camera final : public UserPrompts {
+    public:
+        explicit Camera(QString path) : m_path(std::move(path)) {}
+        QString ask(const Alert &) override { return {}; }
+        QStringList choose(const FileChooser &) override { return {}; }
+        bool runPanel(const Panel &panel) override
+        {
+            PanelDialog dialog(panel, nullptr);
+            dialog.show();
+            dialog.activateWindow();
+            if (!waitUntil([&] { return dialog.isActiveWindow(); }))
+                std::fprintf(stderr, "the panel has no keyboard\n");
+            save(dialog, m_path);
+            return false;
+        }
+
+    private:
+        QString m_path;
+    };
+    Camera trim(folder.filePath(u"trim-%1.png"_s.arg(suffix)));
+    (void)NURVTrimCharsPanel(trim).runPanel();
+    Camera string(folder.filePath(u"string-%1.png"_s.arg(suffix)));
+    (void)NURVStringGetterPanel(string).runPanel(
+        {}, u"Enter the Prefix that you want the files to start with:"_s, u"gd1977-05-08d1t"_s);
+}
+
 int render(const QDir &folder, const QString &suffix)
 {
     QApplication::setStyle(new LegibleStyle);
@@ -294,6 +348,8 @@ int render(const QDir &folder, const QString &suffix)
     showPreferences(window, folder, suffix);
     window.hide();
     showPanels(prompts, folder, suffix);
+    showTrackNames(prompts, folder, suffix);
+    showSmallPanels(folder, suffix);
     return 0;
 }
 
