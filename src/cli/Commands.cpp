@@ -9,6 +9,7 @@
 #include "cli/commands/FixCommand.h"
 #include "cli/commands/LossyCommand.h"
 #include "cli/commands/RecoverCommand.h"
+#include "cli/commands/SettingsCommand.h"
 
 namespace nurv {
 
@@ -21,10 +22,11 @@ const CommandTree &commands()
     static const ChecksumVerifyCommand checksumVerify;
     static const ChecksumTestCommand checksumTest;
     static const FixCommand fix;
+    static const SettingsCommand settings;
     static const DoctorCommand doctor;
     static const RecoverCommand recover;
     static const CommandTree tree(
-        {&encode, &decode, &lossy, &checksumCreate, &checksumVerify, &checksumTest, &fix, &doctor, &recover});
+        {&encode, &decode, &lossy, &checksumCreate, &checksumVerify, &checksumTest, &fix, &settings, &doctor, &recover});
     return tree;
 }
 
