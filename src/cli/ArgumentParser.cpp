@@ -2,11 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/ArgumentParser.h"
 
+#include "cli/SimilarWord.h"
 #include "files/FileNames.h"
-
-#include <algorithm>
-#include <numeric>
-#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -20,34 +17,13 @@ bool looksLikeOption(const QByteArray &word)
     return word.size() > 1 && word.startsWith('-');
 }
 
-/// The number of letters to insert, remove or replace that make one word of the other.
-qsizetype distance(const QString &from, const QString &to)
-{
-    std::vector<qsizetype> row(static_cast<std::size_t>(to.size()) + 1);
-    std::iota(row.begin(), row.end(), 0);
-    for (const QChar letter : from) {
-        qsizetype diagonal = row[0]++;
-        for (std::size_t i = 1; i < row.size(); ++i) {
-            const qsizetype replaced = diagonal + (letter == to[static_cast<qsizetype>(i) - 1] ? 0 : 1);
-            diagonal = row[i];
-            row[i] = std::min({replaced, row[i] + 1, row[i - 1] + 1});
-        }
-    }
-    return row.back();
-}
-
 /// The known option that may have been meant, or nothing.
 std::optional<QString> similarOption(const CommandSpec &command, const QString &written)
 {
-    constexpr qsizetype kLikelySlips = 2;
-    constexpr qsizetype kShortestName = 3;
-    if (written.size() < kShortestName)
-        return std::nullopt;
-    for (const OptionSpec &option : command.options) {
-        if (option.name.startsWith(written) || distance(written, option.name) <= kLikelySlips)
-            return option.name;
-    }
-    return std::nullopt;
+    QStringList names;
+    for (const OptionSpec &option : command.options)
+        names.append(option.name);
+    return similarWord(written, names);
 }
 
 QString optionValue(const OptionSpec &option, const QByteArray &bytes)
@@ -179,7 +155,7 @@ void checkArguments(const CommandSpec &command, const ParsedArguments &arguments
     given([&](const OptionSpec &option) { checkValue(command, option, arguments); });
     if (command.takesPaths && arguments.operands.isEmpty())
         throw UsageError(u"no files are given"_s);
-    if (!command.takesPaths && !arguments.operands.isEmpty())
+    if (!command.takesPaths && command.words.empty() && !arguments.operands.isEmpty())
         throw UsageError(u"%1 takes no files"_s.arg(command.name));
     given([&](const OptionSpec &option) {
         for (const QString &other : option.excluded) {

@@ -55,11 +55,20 @@ struct OptionSpec {
 
 /// A command: its name and what may follow it.
 struct CommandSpec {
+    /// A word that may follow, and the words that may follow that one.
+    struct Word {
+        QString word;
+        QString summary = {};    ///< one line
+        QString manual = {};     ///< for the manual page, as of options
+        QStringList values = {}; ///< empty: any
+    };
+
     QString name;             ///< one word, or two: "checksum verify"
     QString summary = {};     ///< one line, for the list of commands
     QString synopsis = {};    ///< what follows "nurv <name>"
     QString details = {};     ///< paragraphs for the command's own help
     bool takesPaths = true;   ///< files and folders may follow
+    std::vector<Word> words = {}; ///< may follow where no paths do
     /// The option on whose value others depend: see OptionSpec::formats.
     QString selector = QStringLiteral("format");
     std::vector<OptionSpec> options = {};

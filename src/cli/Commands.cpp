@@ -10,6 +10,7 @@
 #include "cli/commands/LossyCommand.h"
 #include "cli/commands/RecoverCommand.h"
 #include "cli/commands/SHNtoolCommands.h"
+#include "cli/commands/SettingsCommand.h"
 
 namespace nurv {
 
@@ -22,6 +23,7 @@ const CommandTree &commands()
     static const ChecksumVerifyCommand checksumVerify;
     static const ChecksumTestCommand checksumTest;
     static const FixCommand fix;
+    static const SettingsCommand settings;
     static const DoctorCommand doctor;
     static const RecoverCommand recover;
     static const std::vector<std::unique_ptr<Command>> shntool = makeSHNtoolCommands();
@@ -29,7 +31,7 @@ const CommandTree &commands()
         std::vector<const Command *> all{&encode, &decode, &lossy, &checksumCreate, &checksumVerify, &checksumTest, &fix};
         for (const std::unique_ptr<Command> &command : shntool)
             all.push_back(command.get());
-        all.insert(all.end(), {&doctor, &recover});
+        all.insert(all.end(), {&settings, &doctor, &recover});
         return all;
     }());
     return tree;

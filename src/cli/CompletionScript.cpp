@@ -32,6 +32,14 @@ QString quoted(QString text)
     return u'\'' + text.replace(u"'"_s, u"'\\''"_s) + u'\'';
 }
 
+QStringList wordsOf(const CommandSpec &command)
+{
+    QStringList words;
+    for (const CommandSpec::Word &word : command.words)
+        words.append(word.word);
+    return words;
+}
+
 QStringList namesOf(const CommandSpec &command)
 {
     QStringList names;
@@ -82,6 +90,9 @@ QString bashValues(const CommandSpec &command)
             text += u"        _nurv_words "_s + quoted(values.join(u' ')) + u" \"$word\"\n"_s;
         text += u"        return\n        ;;\n"_s;
     }
+    for (const CommandSpec::Word &word : command.words)
+        text += u"    "_s + quoted(command.name + u' ' + word.word) + u")\n        _nurv_words "_s
+                + quoted(word.values.join(u' ')) + u" \"$word\"\n        return\n        ;;\n"_s;
     return text;
 }
 
@@ -97,7 +108,11 @@ QString zshText(QString text)
 
 QString zshArguments(const CommandSpec &command, const QString &indent)
 {
-    QString text = indent + u"_arguments -S :"_s;
+    QString text;
+    for (const CommandSpec::Word &word : command.words)
+        text += indent + u"if [[ $words[CURRENT-1] == "_s + word.word + u" ]]; then compadd -- "_s + word.values.join(u' ')
+                + u"; return; fi\n"_s;
+    text += indent + u"_arguments -S :"_s;
     const auto add = [&](const QString &word) { text += u" \\\n    "_s + indent + quoted(word); };
     for (const OptionSpec &option : command.options) {
         QString word = u"--"_s + option.name + (option.takesValue() ? u"=["_s : u"["_s) + zshText(option.summary) + u']';
@@ -109,6 +124,8 @@ QString zshArguments(const CommandSpec &command, const QString &indent)
     }
     if (command.takesPaths)
         add(u"*:PATH:_files"_s);
+    if (!command.words.empty())
+        add(u"1:WORD:("_s + wordsOf(command).join(u' ') + u')');
     return text + u'\n';
 }
 
@@ -160,6 +177,14 @@ QString fishLines(const CommandSpec &command)
     QString text;
     if (command.takesPaths)
         text += start + u" -F\n"_s;
+    for (const CommandSpec::Word &word : command.words) {
+        const QString chosen = fishCondition(command).chopped(1) + u"; and "_s;
+        text += u"complete -c nurv -n "_s + chosen + u"not __fish_seen_subcommand_from "_s + wordsOf(command).join(u' ')
+                + u"' -a "_s + word.word + u" -d "_s + quoted(word.summary) + u'\n';
+        if (!word.values.isEmpty())
+            text += u"complete -c nurv -n "_s + chosen + u"__fish_seen_subcommand_from "_s + word.word + u"' -a "_s
+                    + quoted(word.values.join(u' ')) + u'\n';
+    }
     for (const OptionSpec &option : command.options) {
         text += start + u" -l "_s + option.name;
         if (option.isFolder)
@@ -191,18 +216,24 @@ QString bashCompletion(const CommandTree &commands)
         text += u"    case $command in\n"_s + groups + u"    esac\n"_s;
     QString values;
     QString takers;
+    QString wordTakers;
     QString options;
     for (const Command *command : commands.commands()) {
         const CommandSpec &spec = command->spec();
         values += bashValues(spec);
         if (spec.takesPaths)
             takers += (takers.isEmpty() ? u""_s : u" | "_s) + quoted(spec.name);
+        if (!spec.words.empty())
+            wordTakers += u"        "_s + quoted(spec.name) + u") _nurv_words "_s + quoted(wordsOf(spec).join(u' '))
+                          + u" \"$word\" ;;\n"_s;
         options += u"    "_s + quoted(spec.name) + u") _nurv_words "_s + quoted(namesOf(spec).join(u' ')) + u" \"$word\" ;;\n"_s;
     }
     text += u"    case \"$command $previous\" in\n"_s + values + u"    esac\n"_s;
     if (!takers.isEmpty())
-        text += u"    if [[ $word != -* ]]; then\n        case $command in\n        "_s + takers
-                + u") _nurv_paths -f \"$word\" ;;\n        esac\n        return\n    fi\n"_s;
+        takers = u"        "_s + takers + u") _nurv_paths -f \"$word\" ;;\n"_s;
+    if (!takers.isEmpty() || !wordTakers.isEmpty())
+        text += u"    if [[ $word != -* ]]; then\n        case $command in\n"_s + takers + wordTakers
+                + u"        esac\n        return\n    fi\n"_s;
     return text + u"    case $command in\n"_s + options + u"    esac\n}\n\ncomplete -F _nurv nurv\n"_s;
 }
 

@@ -64,6 +64,26 @@ QString entryOf(const OptionSpec &option)
     return u".TP\n"_s + head + folded(roffText(option.manual.isEmpty() ? option.summary : option.manual));
 }
 
+QString entryOf(const CommandSpec::Word &word)
+{
+    return u".TP\n.B "_s + word.word + u'\n' + folded(roffText(word.manual));
+}
+
+/// The words that may follow the command.
+QString wordsOf(const QString &name, const CommandTree &commands)
+{
+    QString text;
+    for (const Command *command : commands.commands()) {
+        if (command->spec().name != name)
+            continue;
+        for (const CommandSpec::Word &word : command->spec().words)
+            text += entryOf(word);
+    }
+    if (text.isEmpty())
+        throw NurvFailure(u"there are no words of \"%1\""_s.arg(name));
+    return text;
+}
+
 /// Whether the command has it, and says the same of it.
 bool has(const CommandSpec &command, const OptionSpec &option)
 {
@@ -152,11 +172,14 @@ private:
 QString manualPage(const QString &page, const CommandTree &commands)
 {
     constexpr QLatin1StringView kMark("@options ");
+    constexpr QLatin1StringView kWordsMark("@words ");
     Sections sections(commands);
     QString text;
     for (const QString &line : page.split(u'\n')) {
         if (line.startsWith(kMark) && line.endsWith(u'@'))
             text += sections.take(line.sliced(kMark.size(), line.size() - kMark.size() - 1));
+        else if (line.startsWith(kWordsMark) && line.endsWith(u'@'))
+            text += wordsOf(line.sliced(kWordsMark.size(), line.size() - kWordsMark.size() - 1), commands);
         else
             text += line + u'\n';
     }

@@ -61,7 +61,8 @@ Setting Setting::choice(const QString &key, int standard, const QStringList &wor
 
 SettingInput Setting::read(const QString &text) const
 {
-    const SettingInput refused{.objection = u"takes %1, not \"%2\""_s.arg(range(), text)};
+    const SettingInput refused{.objection = u"takes %1, not \"%2\""_s.arg(
+                                   kind == Kind::Number ? u"a whole number from "_s + range() : range(), text)};
     switch (kind) {
     case Kind::Switch:
         if (const std::optional<bool> isOn = switchOf(text))
@@ -129,7 +130,7 @@ QStringList Setting::words() const
 QString Setting::range() const
 {
     if (kind == Kind::Number)
-        return u"a whole number from %1 to %2"_s.arg(least).arg(most);
+        return u"%1 to %2"_s.arg(least).arg(most);
     return kind == Kind::Text ? u"a text"_s : alternatives(words());
 }
 

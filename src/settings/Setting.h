@@ -59,7 +59,7 @@ struct Setting {
     [[nodiscard]] QString textOf(const QVariant &value) const;
     /// The words that it takes, as far as they can be counted off: for lists and for the completion of shells.
     [[nodiscard]] QStringList words() const;
-    /// What it takes, in words: "on or off", "a whole number from 1 to 256".
+    /// What it takes, in words: "on or off", "1 to 256", "flac or wav".
     [[nodiscard]] QString range() const;
 };
 

@@ -36,14 +36,21 @@ RunningInstance::Role RunningInstance::claim()
     return Role::Second;
 }
 
-bool RunningInstance::handOver(const QStringList &uris)
+bool RunningInstance::call(const QString &method, const QVariantList &arguments)
 {
-    QDBusMessage call =
-        QDBusMessage::createMethodCall(kService, kPath, kInterface, uris.isEmpty() ? u"Activate"_s : u"Open"_s);
+    QDBusMessage message = QDBusMessage::createMethodCall(kService, kPath, kInterface, method);
+    message.setArguments(arguments);
+    return m_bus.call(message, QDBus::Block, kAnswerLimitMs).type() == QDBusMessage::ReplyMessage;
+}
+
+bool RunningInstance::handOver(const QStringList &uris, const QString &page)
+{
+    // First the page: the files are for it.
+    if (!page.isEmpty() && !call(u"ActivateAction"_s, {page, QVariantList(), QVariantMap()}))
+        return false;
     if (!uris.isEmpty())
-        call << uris;
-    call << QVariantMap();
-    return m_bus.call(call, QDBus::Block, kAnswerLimitMs).type() == QDBusMessage::ReplyMessage;
+        return call(u"Open"_s, {uris, QVariantMap()});
+    return !page.isEmpty() || call(u"Activate"_s, {QVariantMap()});
 }
 
 void RunningInstance::Activate(const QVariantMap &)
@@ -56,9 +63,10 @@ void RunningInstance::Open(const QStringList &uris, const QVariantMap &)
     Q_EMIT openRequested(filesOfUris(uris));
 }
 
-void RunningInstance::ActivateAction(const QString &, const QVariantList &, const QVariantMap &)
+void RunningInstance::ActivateAction(const QString &action, const QVariantList &, const QVariantMap &)
 {
     Q_EMIT activationRequested();
+    Q_EMIT pageRequested(action);
 }
 
 } // namespace nurv

@@ -29,12 +29,14 @@ public:
 
     /// Takes the name, unless another one has it.
     [[nodiscard]] Role claim();
-    /// Hands the files to the running application and brings it to the front.
+    /// Hands the files to the running application and brings it to the front, with that page if it is not empty.
     /// False when it does not answer. Blocks until it has, for a few seconds at most.
-    [[nodiscard]] bool handOver(const QStringList &uris);
+    [[nodiscard]] bool handOver(const QStringList &uris, const QString &page = {});
 
 Q_SIGNALS:
     void activationRequested();
+    /// The page of an action of the desktop file is wanted.
+    void pageRequested(const QString &action);
     void openRequested(const GivenFiles &files);
 
 public Q_SLOTS: // called over the bus
@@ -44,6 +46,8 @@ public Q_SLOTS: // called over the bus
                                      const QVariantMap &platformData);
 
 private:
+    [[nodiscard]] bool call(const QString &method, const QVariantList &arguments);
+
     QDBusConnection m_bus;
 };
 

@@ -4,7 +4,9 @@
 
 #include "app/ApplicationShutdown.h"
 #include "app/BaseTab.h"
+#include "app/DockMenuController.h"
 #include "app/NURVController.h"
+#include "base/Log.h"
 #include "base/Version.h"
 #include "files/FileNames.h"
 #include "process/TerminationSignals.h"
@@ -19,6 +21,7 @@
 #include "ui/StartupRecovery.h"
 
 #include <QApplication>
+#include <QCommandLineOption>
 #include <QCommandLineParser>
 #include <QFile>
 
@@ -32,7 +35,12 @@ namespace nurv {
 
 namespace {
 
-QStringList urisOfCommandLine(int argc, char **argv)
+struct GivenArguments {
+    QStringList uris;
+    QString page; ///< the action that goes to it; empty: the one of the last time
+};
+
+GivenArguments givenArguments(int argc, char **argv)
 {
     QStringList arguments;
     QStringList uris;
@@ -47,11 +55,14 @@ QStringList urisOfCommandLine(int argc, char **argv)
     parser.setApplicationDescription(Workbench::tr("Batch work on lossless audio files"));
     parser.addHelpOption();
     parser.addVersionOption();
+    const QCommandLineOption page(u"page"_s, Workbench::tr("Show the page of a tool: decode, encode, fix-sbe and so on"),
+                                  Workbench::tr("name"));
+    parser.addOption(page);
     parser.addPositionalArgument(u"files"_s, Workbench::tr("Files and folders to open"), u"[files...]"_s);
     parser.process(arguments);
     for (const QString &argument : parser.positionalArguments())
         uris.append(uriOfArgument(QFile::encodeName(argument)));
-    return uris;
+    return {.uris = uris, .page = parser.value(page)};
 }
 
 } // namespace
@@ -68,9 +79,9 @@ int Workbench::run(int &argc, char **argv)
     QApplication::setQuitOnLastWindowClosed(false);
     LegibleStyle::install();
 
-    const QStringList uris = urisOfCommandLine(argc, argv);
+    const GivenArguments given = givenArguments(argc, argv);
     RunningInstance instance;
-    if (instance.claim() == RunningInstance::Role::Second && instance.handOver(uris))
+    if (instance.claim() == RunningInstance::Role::Second && instance.handOver(given.uris, given.page))
         return 0;
 
     Workbench workbench;
@@ -80,8 +91,12 @@ int Workbench::run(int &argc, char **argv)
         window.bringToFront();
         window.openFiles(files);
     });
+    DockMenuController dock(*workbench.m_controller);
+    connect(&instance, &RunningInstance::pageRequested, &window, [&dock](const QString &action) { dock.selectTab(action); });
+    if (!given.page.isEmpty() && !dock.selectTab(given.page))
+        qCWarning(appLog).noquote() << "There is no page" << given.page << "- there are" << dock.actions().join(u", "_s);
     window.show();
-    window.openFiles(filesOfUris(uris));
+    window.openFiles(filesOfUris(given.uris));
     StartupRecovery recovery(*workbench.m_controller);
     recovery.start();
     return QApplication::exec();

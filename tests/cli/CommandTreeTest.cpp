@@ -108,6 +108,36 @@ TEST_F(CommandTreeTest, ListsAGroupInItsHelp)
     EXPECT_TRUE(generalHelp(tree).contains(u"  list              tell what there is\n"_s)) << qPrintable(generalHelp(tree));
 }
 
+TEST_F(CommandTreeTest, WordsOfACommandAreCompletedAndStandInTheManualPage)
+{
+    const ExampleCommand keys{{.name = u"settings"_s,
+                               .summary = u"tell and keep"_s,
+                               .takesPaths = false,
+                               .words = {{.word = u"colour"_s,
+                                          .summary = u"of the ink"_s,
+                                          .manual = u"The _colour_ of the ink."_s,
+                                          .values = {u"red"_s, u"blue"_s}},
+                                         {.word = u"title"_s, .summary = u"any text"_s, .manual = u"Any text."_s}},
+                               .options = {{.name = u"help"_s, .summary = u"this text"_s, .manual = u"Tells --help."_s}}}};
+    const CommandTree own{{&keys}};
+    const QString script = folder.write(u"words.bash"_s, bashCompletion(own).toUtf8());
+    const auto offeredFor = [&](const QStringList &words) {
+        return offered(u"bash"_s, QStringList{u"--norc"_s, u"-c"_s,
+                                              u"source \"$1\"; shift; COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1)); "
+                                              "_nurv; printf '%s\\n' \"${COMPREPLY[@]}\""_s,
+                                              u"bash"_s, script}
+                                      + words);
+    };
+    EXPECT_EQ(offeredFor({u"nurv"_s, u"settings"_s, u""_s}), (QStringList{u"colour"_s, u"title"_s}));
+    EXPECT_EQ(offeredFor({u"nurv"_s, u"settings"_s, u"colour"_s, u""_s}), (QStringList{u"blue"_s, u"red"_s}));
+    EXPECT_EQ(offeredFor({u"nurv"_s, u"settings"_s, u"title"_s, u"r"_s}), QStringList());
+    EXPECT_EQ(offeredFor({u"nurv"_s, u"settings"_s, u"--h"_s}), QStringList{u"--help"_s});
+    EXPECT_EQ(manualPage(u"@words settings@\n@options settings@"_s, own),
+              u".TP\n.B colour\nThe \\fIcolour\\fR of the ink.\n.TP\n.B title\nAny text.\n"
+              ".TP\n.B \\-\\-help\nTells \\fB\\-\\-help\\fR.\n"_s.chopped(1));
+    EXPECT_THROW(static_cast<void>(manualPage(u"@words list@"_s, own)), NurvFailure);
+}
+
 TEST_F(CommandTreeTest, IsCompletedByBash)
 {
     EXPECT_EQ(offeredByBash({u"nurv"_s, u""_s}),

@@ -45,19 +45,19 @@ QStringList optionsInHelp(const QString &command)
 
 TEST(Completion, OffersTheCommands)
 {
-    EXPECT_EQ(completionsOf({u"nurv"_s, u""_s}), (QStringList{u"--help"_s, u"--version"_s, u"checksum"_s, u"decode"_s, u"doctor"_s, u"encode"_s, u"fix"_s, u"lossy"_s, u"recover"_s, u"shntool"_s}));
+    EXPECT_EQ(completionsOf({u"nurv"_s, u""_s}), (QStringList{u"--help"_s, u"--version"_s, u"checksum"_s, u"decode"_s, u"doctor"_s, u"encode"_s, u"fix"_s, u"lossy"_s, u"recover"_s, u"settings"_s, u"shntool"_s}));
     EXPECT_EQ(completionsOf({u"nurv"_s, u"en"_s}), QStringList{u"encode"_s});
 }
 
 TEST(Completion, OffersExactlyTheOptionsThatTheHelpLists)
 {
-    for (const QString &command : {u"encode"_s, u"decode"_s, u"fix"_s, u"doctor"_s, u"recover"_s})
+    for (const QString &command : {u"encode"_s, u"decode"_s, u"fix"_s, u"doctor"_s, u"recover"_s, u"settings"_s})
         EXPECT_EQ(completionsOf({u"nurv"_s, command, u"--"_s}), optionsInHelp(command)) << qPrintable(command);
 }
 
 TEST(Completion, OffersTheSameInFish)
 {
-    for (const QString &command : {u"encode"_s, u"decode"_s, u"fix"_s, u"doctor"_s, u"recover"_s}) {
+    for (const QString &command : {u"encode"_s, u"decode"_s, u"fix"_s, u"doctor"_s, u"recover"_s, u"settings"_s}) {
         const ProgramResult result = runProgram(
             u"fish"_s, {u"--no-config"_s, u"-c"_s, u"source $argv[1]; complete -C $argv[2]"_s,
                         QString::fromLocal8Bit(NURV_FISH_COMPLETION), u"nurv "_s + command + u" --"_s});
@@ -79,7 +79,7 @@ TEST(Completion, IsAScriptThatZshReadsWithEveryOption)
     QFile file(script);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QString text = QString::fromUtf8(file.readAll());
-    for (const QString &command : {u"encode"_s, u"decode"_s, u"fix"_s, u"doctor"_s, u"recover"_s}) {
+    for (const QString &command : {u"encode"_s, u"decode"_s, u"fix"_s, u"doctor"_s, u"recover"_s, u"settings"_s}) {
         const QString branch = text.section(u"    "_s + command + u")\n"_s, 1).section(u";;"_s, 0, 0);
         for (const QString &option : optionsInHelp(command))
             EXPECT_TRUE(branch.contains(u'\'' + option + u'=') || branch.contains(u'\'' + option + u'['))
@@ -94,6 +94,35 @@ TEST(Completion, OffersTheValuesOfAnOption)
     EXPECT_EQ(completionsOf({u"nurv"_s, u"decode"_s, u"--format"_s, u"a"_s}), QStringList{u"aiff"_s});
     EXPECT_EQ(completionsOf({u"nurv"_s, u"encode"_s, u"--mode"_s, u""_s}), (QStringList{u"fast"_s, u"high"_s}));
     EXPECT_EQ(completionsOf({u"nurv"_s, u"fix"_s, u"--md5"_s, u""_s}), (QStringList{u"disc"_s, u"none"_s, u"one"_s}));
+}
+
+TEST(Completion, OffersTheKeysOfSettingsAndTheirWords)
+{
+    const QList<QJsonObject> objects = jsonLines(runNurv({u"settings"_s, u"--json"_s}).output);
+    QStringList keys;
+    for (const QJsonObject &object : objects) {
+        if (object[u"type"_s].toString() == u"setting")
+            keys.append(object[u"key"_s].toString());
+    }
+    keys.sort();
+    EXPECT_GT(keys.size(), 25);
+    EXPECT_EQ(completionsOf({u"nurv"_s, u"settings"_s, u""_s}), keys);
+    EXPECT_EQ(completionsOf({u"nurv"_s, u"settings"_s, u"encodeO"_s}), QStringList{u"encodeOutputFormat"_s});
+    EXPECT_EQ(completionsOf({u"nurv"_s, u"settings"_s, u"warnOnDelete"_s, u""_s}), (QStringList{u"off"_s, u"on"_s}));
+    const auto fish = [](const QString &line) {
+        const ProgramResult result = runProgram(u"fish"_s, {u"--no-config"_s, u"-c"_s, u"source $argv[1]; complete -C $argv[2]"_s,
+                                                            QString::fromLocal8Bit(NURV_FISH_COMPLETION), line});
+        QStringList offered;
+        for (const QByteArray &offer : result.output.split('\n')) {
+            if (!offer.isEmpty())
+                offered.append(QString::fromUtf8(offer.split('\t').first()));
+        }
+        offered.sort();
+        return offered;
+    };
+    EXPECT_EQ(fish(u"nurv settings "_s), keys);
+    EXPECT_EQ(fish(u"nurv settings trashOrDelete "_s), (QStringList{u"delete"_s, u"trash"_s}));
+    EXPECT_EQ(fish(u"nurv settings ffpExtension "_s), QStringList());
 }
 
 TEST(Completion, CompletesAValueBehindAnEqualsSignWhereTheUserTypesIt)

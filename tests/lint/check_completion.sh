@@ -23,7 +23,7 @@ expect() {
 }
 
 expect 'encode' nurv e
-expect 'encode decode lossy checksum fix shntool doctor recover --version --help' nurv ''
+expect 'encode decode lossy checksum fix shntool settings doctor recover --version --help' nurv ''
 expect 'flac' nurv encode --format f
 expect 'wav aiff' nurv decode --format ''
 expect 'flac' nurv encode --format = fl
@@ -39,6 +39,12 @@ expect '--beside-source' nurv decode --b
 expect '--json' nurv doctor --js
 expect '--dry-run' nurv recover --dr
 expect '' nurv recover ''
+expect 'maxThreads' nurv settings maxT
+expect 'on off' nurv settings warnOnDelete ''
+expect 'delete trash' nurv settings trashOrDelete ''
+expect '' nurv settings ffpExtension f
+expect '--reset' nurv settings --re
+expect 'maxThreads' nurv settings --reset maxT
 expect '' nurv decode --verif
 expect 'scripts' nurv decode --output-dir scr
 expect 'LICENSE' nurv encode --format flac LICE

@@ -43,12 +43,12 @@ private:
 };
 
 /// Runs a blocking call while this thread answers it.
-bool handOverFromElsewhere(RunningInstance &instance, const QStringList &uris)
+bool handOverFromElsewhere(RunningInstance &instance, const QStringList &uris, const QString &page = {})
 {
     std::atomic<bool> isDone = false;
     bool accepted = false;
     std::thread caller([&] {
-        accepted = instance.handOver(uris);
+        accepted = instance.handOver(uris, page);
         isDone = true;
     });
     EXPECT_TRUE(waitUntil([&] { return isDone.load(); }));
@@ -71,6 +71,23 @@ TEST_F(RunningInstanceTest, ASecondOneHandsItsFilesToTheFirst)
     const auto files = opened.at(0).at(0).value<GivenFiles>();
     EXPECT_EQ(files.paths, QStringList{odd});
     EXPECT_EQ(files.refused, QStringList{u"/music/R\\xE9"_s});
+}
+
+TEST_F(RunningInstanceTest, ASecondOneHandsItsPageOverBeforeItsFiles)
+{
+    RunningInstance first(connection(u"first"_s));
+    RunningInstance second(connection(u"second"_s));
+    ASSERT_EQ(first.claim(), RunningInstance::Role::First);
+    ASSERT_EQ(second.claim(), RunningInstance::Role::Second);
+    QStringList events;
+    QObject::connect(&first, &RunningInstance::pageRequested, [&events](const QString &page) { events.append(page); });
+    QObject::connect(&first, &RunningInstance::openRequested, [&events](const GivenFiles &files) { events.append(files.paths); });
+    QSignalSpy activated(&first, &RunningInstance::activationRequested);
+    ASSERT_TRUE(handOverFromElsewhere(second, {u"file:///music/a.flac"_s}, u"fix-sbe"_s));
+    EXPECT_EQ(events, (QStringList{u"fix-sbe"_s, u"/music/a.flac"_s}));
+    ASSERT_TRUE(handOverFromElsewhere(second, {}, u"lossy"_s));
+    EXPECT_EQ(events.last(), u"lossy"_s);
+    EXPECT_EQ(activated.size(), 2);
 }
 
 TEST_F(RunningInstanceTest, ASecondOneWithoutFilesBringsTheFirstToTheFront)
