@@ -18,17 +18,17 @@ namespace nurv::foreignList {
 [[nodiscard]] QString read(const QString &path);
 
 // The entries of a text. Comments begin with "#", ";" or "//" anywhere in the list. Digests are in lower case, names as
-// the list means them.
+// the list means them, with the blanks at their ends.
 
-/// Of names all blanks but the first are kept. "digest *name", "digest  name", the same behind a backslash with what `md5sum` escapes, and "MD5 (name) = digest".
+/// "digest *name", "digest  name", the same behind a backslash with what `md5sum` escapes, and "MD5 (name) = digest".
 [[nodiscard]] std::vector<checksumList::Entry> md5Entries(const QString &text);
 /// "digest  [shntool]  name" with any blanks, also "[shntool]" of versions that add to it.
 [[nodiscard]] std::vector<checksumList::Entry> st5Entries(const QString &text);
 /// "name:digest"; a name may hold colons and folders.
 [[nodiscard]] std::vector<checksumList::Entry> ffpEntries(const QString &text);
 
-/// The files that names of a list mean, in the list's folder: as they stand, without the blanks around them, with slashes for backslashes, in other
-/// capitals or the other form of Unicode, by their last part alone. Never by a guess among several.
+/// The files that names of a list mean, in the list's folder: as they stand, without the blanks around them, with slashes
+/// for backslashes, in other capitals or the other form of Unicode, by their last part alone. Never by a guess among several.
 class Files {
 public:
     explicit Files(QString folder) : m_folder(std::move(folder)) {}
