@@ -95,7 +95,7 @@ void expectNames(const QWidget &root)
 
 TEST_F(MainWindowTest, ShowsAPageForEveryToolThatIsThereAndTheAboutPageLast)
 {
-    EXPECT_EQ(pageTitles(), (QStringList{u"Decode"_s, u"Encode"_s, u"Checksum"_s, u"Fix SBE"_s, u"Lossy"_s, u"About"_s}));
+    EXPECT_EQ(pageTitles(), (QStringList{u"Decode"_s, u"Encode"_s, u"Checksum"_s, u"SHNtool"_s, u"Fix SBE"_s, u"Lossy"_s, u"About"_s}));
 }
 
 TEST_F(MainWindowTest, GoesFromPageToPageByShortcutsAndTellsTheController)
@@ -107,10 +107,12 @@ TEST_F(MainWindowTest, GoesFromPageToPageByShortcutsAndTellsTheController)
     QTest::keyClick(&window, Qt::Key_3, Qt::ControlModifier);
     EXPECT_EQ(controller.selectedTabViewItem(), u"checksum"_s);
     QTest::keyClick(&window, Qt::Key_4, Qt::ControlModifier);
-    EXPECT_EQ(controller.selectedTabViewItem(), u"fix SBE"_s);
+    EXPECT_EQ(controller.selectedTabViewItem(), u"shntool"_s);
     QTest::keyClick(&window, Qt::Key_5, Qt::ControlModifier);
-    EXPECT_EQ(controller.selectedTabViewItem(), u"lossy"_s);
+    EXPECT_EQ(controller.selectedTabViewItem(), u"fix SBE"_s);
     QTest::keyClick(&window, Qt::Key_6, Qt::ControlModifier);
+    EXPECT_EQ(controller.selectedTabViewItem(), u"lossy"_s);
+    QTest::keyClick(&window, Qt::Key_7, Qt::ControlModifier);
     EXPECT_EQ(controller.selectedTabViewItem(), u"about"_s);
     EXPECT_FALSE(action(u"addFilesAction"_s)->isEnabled());
     QTest::keyClick(&window, Qt::Key_1, Qt::ControlModifier);

@@ -57,6 +57,7 @@ void SHNtoolPage::addLengths()
     bind(matrix, m_shntoolTab.shnLenMatrix, {tr("As shntool &writes it"), tr("Set list of all files"), tr("Set lists by &disc*")});
     auto *const names = new QPushButton(tr("Trac&k names…"), parent);
     names->setObjectName(u"namesButton"_s);
+    names->setAccessibleName(tr("Track names"));
     names->setToolTip(tr("Names for the tracks of a set list, instead of those of their files"));
     group->addWidget(names, 0, Qt::AlignLeft);
     follow(names, m_shntoolTab.namesButton);

@@ -17,6 +17,7 @@
 #include "desktop/NullDesktopServices.h"
 #include "fix/FixTab.h"
 #include "settings/SettingsStore.h"
+#include "shntool/SHNtoolTab.h"
 #include "support/TestFolder.h"
 #include "support/WaitUntil.h"
 #include "toolbox/Toolbox.h"
@@ -156,6 +157,18 @@ void showModes(LossyTab &lossyTab, ChecksumTab &checksumTab, MainWindow &window,
     for (const int command : {ChecksumTab::VerifyLossless, ChecksumTab::CreateList, ChecksumTab::VerifyLists}) {
         checksumTab.commandOptions.setSelectedIndex(command);
         save(window, folder.filePath(u"checksum-%1-%2.png"_s.arg(command).arg(suffix)));
+    }
+}
+
+/// Every command of the tool, and what a preview looks like.
+void showShntool(SHNtoolTab &tab, MainWindow &window, const QDir &folder, const QString &suffix)
+{
+    tab.nurvController().selectTab(u"shntool"_s);
+    tab.addMatchedFiles(concert(u"flac"_s));
+    tab.shnLenMatrix.setSelectedIndex(2);
+    for (const QString &command : tab.shntoolCommandMatrix.titles()) {
+        tab.shntoolCommandMatrix.selectTitle(command);
+        save(window, folder.filePath(u"shntool-%1-%2.png"_s.arg(command, suffix)));
     }
 }
 
@@ -337,11 +350,13 @@ int render(const QDir &folder, const QString &suffix)
     EncodeTab encodeTab(controller);
     ChecksumTab checksumTab(controller);
     FixTab fixTab(controller);
+    SHNtoolTab shntoolTab(controller);
     LossyTab lossyTab(controller);
     MainWindow window(controller);
     showPages(controller, window, folder, suffix);
     showFormats(encodeTab, decodeTab, window, folder, suffix);
     showFix(fixTab, window, folder, suffix);
+    showShntool(shntoolTab, window, folder, suffix);
     showModes(lossyTab, checksumTab, window, folder, suffix);
     showRows(controller.taskQueue(), *window.statusWindow(), folder, suffix);
     showOutput(prompts, folder, suffix);
