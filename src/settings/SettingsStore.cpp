@@ -7,6 +7,8 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFileInfo>
+#include <QFileSystemWatcher>
 #include <QStandardPaths>
 #include <QTimer>
 
@@ -28,6 +30,12 @@ QString textOf(const QVariant &value)
 {
     return value.typeId() == QMetaType::QStringList ? value.toStringList().join(u", "_s)
                                                     : value.toString();
+}
+
+/// By their texts: the file knows no types, and 5 read from it is "5".
+bool isSame(const QVariant &one, const QVariant &other)
+{
+    return one.isValid() == other.isValid() && textOf(one) == textOf(other) && one.toByteArray() == other.toByteArray();
 }
 
 bool isText(const QVariant &value)
@@ -211,10 +219,7 @@ void SettingsStore::store(const QString &key, const std::optional<QVariant> &val
             m_pending.insert(key);
             scheduleSync();
         }
-        // By their texts: the file knows no types, and 5 read from it is "5".
-        const QVariant after = m_values.value(key, m_defaults.value(key));
-        if (before.isValid() == after.isValid() && textOf(before) == textOf(after)
-            && before.toByteArray() == after.toByteArray())
+        if (isSame(before, m_values.value(key, m_defaults.value(key))))
             return;
     }
     Q_EMIT changed(key);
@@ -244,6 +249,55 @@ void SettingsStore::reload()
     take(m_file.read());
 }
 
+void SettingsStore::followFile()
+{
+    if (m_watcher)
+        return;
+    m_watcher = new QFileSystemWatcher(this);
+    connect(m_watcher, &QFileSystemWatcher::directoryChanged, this, &SettingsStore::takeFromOthers);
+    watchFolder();
+}
+
+/// The first value that is stored may have made the folder.
+void SettingsStore::watchFolder()
+{
+    const QString folder = QFileInfo(filePath()).path();
+    if (m_watcher && m_watcher->directories().isEmpty() && QFileInfo::exists(folder))
+        m_watcher->addPath(folder);
+}
+
+void SettingsStore::takeFromOthers()
+{
+    QStringList changedKeys;
+    {
+        const std::lock_guard fileLock(m_fileMutex);
+        const SettingsFile::Contents present = m_file.read();
+        if (present.state != SettingsFile::State::Healthy)
+            return;
+        const std::lock_guard lock(m_mutex);
+        QSet<QString> keys(present.values.keyBegin(), present.values.keyEnd());
+        keys.unite(QSet<QString>(m_stored.keyBegin(), m_stored.keyEnd()));
+        for (const QString &key : std::as_const(keys)) {
+            const QVariant value = present.values.value(key);
+            // What is in memory only stays, and what is newer here is about to be written.
+            if (m_pending.contains(key) || isSame(m_stored.value(key), value) || !isSame(m_stored.value(key), m_values.value(key)))
+                continue;
+            const QVariant before = m_values.value(key, m_defaults.value(key));
+            if (value.isValid()) {
+                m_stored.insert(key, value);
+                m_values.insert(key, value);
+            } else {
+                m_stored.remove(key);
+                m_values.remove(key);
+            }
+            if (!isSame(before, m_values.value(key, m_defaults.value(key))))
+                changedKeys.append(key);
+        }
+    }
+    for (const QString &key : std::as_const(changedKeys))
+        Q_EMIT changed(key);
+}
+
 void SettingsStore::scheduleSync()
 {
     if (m_syncScheduled || !QCoreApplication::instance())
@@ -257,6 +311,7 @@ void SettingsStore::scheduleSync()
                 m_syncScheduled = false;
             }
             writePending();
+            watchFolder();
         }); },
         Qt::QueuedConnection);
 }

@@ -14,6 +14,8 @@
 #include <mutex>
 #include <optional>
 
+class QFileSystemWatcher;
+
 namespace nurv {
 
 /// The user's settings: one INI file under registered defaults.
@@ -83,6 +85,9 @@ public:
     /// Writes what is not written yet. Returns false, with a line in the log, when
     /// that is not possible; it is tried again with the next value stored.
     bool sync();
+    /// From now on values that other processes store in the file count here at once, too, except under keys
+    /// that wait to be written. On the store's thread, which needs an event loop.
+    void followFile();
     /// Forgets everything not written and reads the file again; emits nothing.
     void reload();
 
@@ -92,6 +97,8 @@ Q_SIGNALS:
 
 private:
     void take(const SettingsFile::Contents &contents);
+    void takeFromOthers();
+    void watchFolder();
     void store(const QString &key, const std::optional<QVariant> &value);
     [[nodiscard]] QVariant valueOrDefault(const QString &key,
                                           std::optional<QVariant> (*convert)(const QVariant &)) const;
@@ -114,6 +121,7 @@ private:
     bool m_fileWasRead = false;
     bool m_writeFailureReported = false; ///< under m_fileMutex
     bool m_syncScheduled = false;
+    QFileSystemWatcher *m_watcher = nullptr; ///< of the folder: the file is replaced as a whole
 };
 
 } // namespace nurv

@@ -85,6 +85,7 @@ int Workbench::run(int &argc, char **argv)
         return 0;
 
     Workbench workbench;
+    SettingsStore::instance().followFile();
     MainWindow &window = workbench.window();
     connect(&instance, &RunningInstance::activationRequested, &window, &MainWindow::bringToFront);
     connect(&instance, &RunningInstance::openRequested, &window, [&window](const GivenFiles &files) {
