@@ -5,6 +5,7 @@
 
 #include "support/SystemCallRecorder.h"
 #include "support/TestFolder.h"
+#include "support/WaitUntil.h"
 
 #include <QFile>
 
@@ -13,6 +14,7 @@
 #include <array>
 #include <cerrno>
 #include <string>
+#include <vector>
 
 #include <sys/stat.h>
 
@@ -62,6 +64,25 @@ TEST_F(WaveOutputTest, IsIncompleteWhenItCannotBeFlushed)
     EXPECT_FALSE(fill(made));
     EXPECT_NE(made.complaint(), "");
     EXPECT_EQ(folder.read(u"a.wav"_s), "former");
+}
+
+TEST_F(WaveOutputTest, MayLoseTheByteBehindTheSoundToAnEncoderThatIsThrough)
+{
+    constexpr std::size_t kSound = 5000;
+    const std::vector<uint8_t> sound(kSound, 's');
+    const std::string marker = folder.path(u"through"_s).toStdString();
+    for (const std::size_t behind : {std::size_t{1}, std::size_t{2}}) {
+        QFile::remove(folder.path(u"through"_s));
+        // It closes its input once it has the sound, and says so.
+        ProgramWaveOutput made(name(), [&marker](const std::string &file) {
+            return std::vector<std::string>{"/bin/sh", "-c", "head -c 5000 >\"$0\"; exec <&-; : >\"$1\"", file, marker};
+        });
+        ASSERT_TRUE(made.write(sound));
+        ASSERT_TRUE(waitUntil([this] { return folder.exists(u"through"_s); }));
+        const std::vector<uint8_t> rest(behind, 0);
+        EXPECT_TRUE(made.write(rest)) << "it waits for more";
+        EXPECT_EQ(made.complete(), behind == 1);
+    }
 }
 
 TEST_F(WaveOutputTest, LeavesAFileThatCameWhileItWasMade)
