@@ -67,10 +67,12 @@ protected:
                 {u"tta"_s, {u"ttaenc"_s, {u"-t"_s, u"@"_s}}}};
     }
 
+    /// How long a program took, and how often it told how far it was, depends on the machine.
     [[nodiscard]] static QString withoutTime(QString text)
     {
         static const QRegularExpression kSeconds(u" in \\d+\\.\\d+ secs"_s);
-        return text.replace(kSeconds, u" in N secs"_s);
+        static const QRegularExpression kProgress(u"(Progress: [\\d.]+% \\([^)]*\\) +\\r)+"_s);
+        return text.replace(kSeconds, u" in N secs"_s).replace(kProgress, u"Progress: N%\r"_s);
     }
 
     test::TestFolder folder;
@@ -88,8 +90,7 @@ TEST_F(FileReportsTest, AreThoseOfGoodFiles)
     makeProgramsWriteAtOnce();
     const QHash<QString, QString> reports{
         {u"flac"_s, u"a.flac: testing, 100% complete\na.flac: ok\n"_s},
-        {u"ape"_s, u"a.ape\nProgress: 0.0% (0.0 seconds remaining, 0.0 seconds total)          \r"
-                   "Progress: 100.0% (0.0 seconds remaining, 0.0 seconds total)          \r\nSuccess...\n\n"_s},
+        {u"ape"_s, u"a.ape\nProgress: N%\r\nSuccess...\n\n"_s},
         {u"tta"_s, u" 100% done...\n%1: OK\n"_s.arg(folder.path(u"a.tta"_s))},
     };
     for (const QString &format : {u"flac"_s, u"ape"_s, u"wv"_s, u"tta"_s}) {
@@ -98,7 +99,7 @@ TEST_F(FileReportsTest, AreThoseOfGoodFiles)
         EXPECT_EQ(report, (format == u"wv" ? saidOf(format, path) : reports[format]) + u'\n') << qPrintable(format);
         EXPECT_FALSE(ended.at(0)->error()) << qPrintable(format);
     }
-    // The time that WavPack took is all that may vary.
+    // But for the version of the program and the time that it took.
     EXPECT_TRUE(verify(folder.path(u"a.wv"_s)).contains(u"a.wv in N secs (lossless, "_s)) << qPrintable(windows.value(0));
 }
 
@@ -116,7 +117,7 @@ TEST_F(FileReportsTest, OfDamagedCutMissingAndMisnamedFilesAreTheWordsOfTheirPro
     const std::vector<Case> cases{
         {u"damaged"_s, u"flac"_s, flacReport, u"a.flac: ERROR while decoding data\n"_s},
         {u"damaged"_s, u"ape"_s,
-         u"a.ape\nProgress: 0.0% (0.0 seconds remaining, 0.0 seconds total)          \r\n"
+         u"a.ape\nProgress: N%\r\n"
          "mac: @: frame 1 of 1: its coded samples are damaged\nError: 1010\n\n"_s, {}},
         {u"damaged"_s, u"wv"_s, u"{said}"_s, u"missing data or crc errors detected in 1 block(s)!"_s},
         {u"damaged"_s, u"tta"_s, u" 100% done...\n@: frame 1 of 1 (at 0.00 s) is damaged: its CRC does not match\n"_s, {}},

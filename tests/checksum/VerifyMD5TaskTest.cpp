@@ -140,11 +140,11 @@ TEST_F(VerifyMD5TaskTest, ChecksALongList)
 {
     folder.write(u"a.wav"_s, "abc");
     QByteArray list;
-    for (int i = 0; i < 20'000; ++i)
+    for (int i = 0; i < 4000; ++i)
         list += kDigestOfAbc + (i % 2 == 0 ? " *a.wav\n" : "  a.wav\n");
     const auto task = verify<VerifyMD5Task>(folder.write(u"l.md5"_s, list));
-    EXPECT_EQ(task->outcome().problem, u"10000 of 20000 lines are no entries");
-    EXPECT_EQ(report.count(u" : OK\n"_s), 10'000);
+    EXPECT_EQ(task->outcome().problem, u"2000 of 4000 lines are no entries");
+    EXPECT_EQ(report.count(u" : OK\n"_s), 2000);
 }
 
 } // namespace
