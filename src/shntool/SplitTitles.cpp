@@ -51,7 +51,8 @@ QMap<QString, QString> read(const QString &text, const QString &format)
         qCDebug(shntoolLog).noquote() << "set title:" << current << "for key:" << key;
         names.insert(key, current);
     };
-    for (const QStringView piece : QStringView(withLineFeeds(text)).split(u'\n')) {
+    const QString lines = withLineFeeds(text);
+    for (const QStringView piece : QStringView(lines).split(u'\n')) {
         const QString line = trimWhitespaceAndNewlines(piece);
         if (line.startsWith(u"TRACK"_s)) {
             if (track > 0)
