@@ -6,6 +6,7 @@
 #include "app/NURVController.h"
 #include "app/PathNames.h"
 #include "base/Log.h"
+#include "files/FileStatus.h"
 #include "process/ResourceFolder.h"
 #include "settings/SettingsStore.h"
 #include "text/FileNameCollator.h"
@@ -64,8 +65,8 @@ void BaseTab::takeCollected(const FileIntake &intake)
     const bool tellsSkipped = SettingsStore::instance().boolean(u"warnOnFilesSkipped"_s);
     if (tellsSkipped && !intake.refused.isEmpty()) {
         const QString title = m_fileNames.isEmpty()
-            ? u"File types not supported by this tab"_s
-            : u"Some files types were not recognized by this tab and were skipped"_s;
+                                  ? u"File types not supported by this tab"_s
+                                  : u"Some files types were not recognized by this tab and were skipped"_s;
         messages.append({.title = title, .message = {}, .buttons = {u"OK"_s}});
     }
     if (const std::optional<Alert> skipped = skippedAlert(intake, tellsSkipped))
@@ -200,8 +201,7 @@ void BaseTab::deleteSelectedRows(const QList<int> &rows)
 std::optional<QString> BaseTab::chooseOutputFolder()
 {
     try {
-        return m_controller.prompts().chooseFolder(
-            {.title = u"Choose output directory"_s, .option = u"output-dir"_s});
+        return m_controller.prompts().chooseFolder({.title = u"Choose output directory"_s, .option = u"output-dir"_s});
     } catch (const std::exception &failure) {
         qCWarning(appLog) << "The output folder could not be chosen:" << failure.what();
         return std::nullopt;
@@ -214,14 +214,27 @@ std::optional<QString> BaseTab::openSavePanel(const QString &suggestedName, cons
         {.title = title.value_or(QString()), .suggestedName = suggestedName, .option = u"output"_s});
 }
 
+bool BaseTab::canBeText(const QString &path, const QStringList &sources, const QString &what, const QString &reason)
+{
+    const bool isSource = sources.isEmpty() || std::any_of(sources.begin(), sources.end(), [&](const QString &source) {
+                              return isSameEntry(source, path);
+                          });
+    if (!isSource && !isSoundName(path))
+        return true;
+    m_controller.prompts().ask({.title = u"%1 cannot be %2"_s.arg(lastPathComponent(path), what),
+                                .message = isSource ? reason : u"Its name is that of a sound file."_s,
+                                .buttons = {u"OK"_s}});
+    return false;
+}
+
 bool BaseTab::confirmDeletingOriginals(bool deleteOriginals)
 {
     if (!deleteOriginals || !SettingsStore::instance().boolean(u"warnOnDelete"_s))
         return true;
-    const Alert question{
-        .title = u"You have chosen to delete the original files.  Are you sure you want to continue?"_s,
-        .message = {},
-        .buttons = {u"Yes"_s, u"No"_s}};
+    const Alert question{.title =
+                             u"You have chosen to delete the original files.  Are you sure you want to continue?"_s,
+                         .message = {},
+                         .buttons = {u"Yes"_s, u"No"_s}};
     return m_controller.prompts().ask(question) == u"Yes";
 }
 

@@ -118,6 +118,10 @@ protected:
     /// The path that the user chose; nothing when cancelled.
     [[nodiscard]] std::optional<QString> openSavePanel(const QString &suggestedName,
                                                        const std::optional<QString> &title);
+    /// Whether a text may get that path: neither that of one of the sources nor the name of a sound. Otherwise a
+    /// message says so; `what`: what the text is, "the list"; `reason`: why no source may make way.
+    [[nodiscard]] bool canBeText(const QString &path, const QStringList &sources, const QString &what,
+                                 const QString &reason);
     void setPassedOver(const QStringList &sources) { m_passedOver = sources; }
     /// Asks, when originals are to be deleted and "warnOnDelete" is on. False:
     /// the user does not want to go on.

@@ -2,7 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/PathNames.h"
 
+#include <QStringList>
+
 #include <QStringView>
+
+using namespace Qt::StringLiterals;
 
 namespace nurv {
 
@@ -60,6 +64,13 @@ QString formatWord(const QString &path)
 bool isAiff(const QString &format)
 {
     return format == u"AIFF" || format == u"AIF";
+}
+
+bool isSoundName(const QString &path)
+{
+    static const QStringList words{u"FLAC"_s, u"WAV"_s, u"AIFF"_s, u"AIF"_s, u"SHN"_s,  u"APE"_s,
+                                   u"WV"_s,   u"TTA"_s, u"M4A"_s,  u"MP3"_s, u"OPUS"_s, u"OGG"_s};
+    return words.contains(formatWord(path));
 }
 
 QString nameWithoutExtension(const QString &path)

@@ -20,6 +20,8 @@ namespace nurv {
 [[nodiscard]] QString formatWord(const QString &path);
 /// Whether a format word is one of the two that AIFF has.
 [[nodiscard]] bool isAiff(const QString &format);
+/// Whether a file of that extension is one of sound.
+[[nodiscard]] bool isSoundName(const QString &path);
 /// The last component without its extension.
 [[nodiscard]] QString nameWithoutExtension(const QString &path);
 /// folder + "/" + name, with one slash between; only the name without a folder.
@@ -27,8 +29,8 @@ namespace nurv {
 /// `folder` joined with the source's name less its extension plus the new one.
 [[nodiscard]] QString outputPath(const QString &folder, const QString &source, const QString &extension);
 
-/// The number of the disc that a file belongs to, by its path: "1" of "/shows/show-d1t01.shn". The path is split at every
-/// "d", and the last piece at "t", of which the first piece counts: whatever that is.
+/// The number of the disc that a file belongs to, by its path: "1" of "/shows/show-d1t01.shn". The path is split at
+/// every "d", and the last piece at "t", of which the first piece counts: whatever that is.
 [[nodiscard]] QString discNumber(const QString &path);
 
 } // namespace nurv

@@ -5,8 +5,8 @@
 #include "app/NURVController.h"
 #include "app/PathNames.h"
 #include "base/Version.h"
-#include "checksum/CheckSummary.h"
 #include "checksum/ChecksumList.h"
+#include "checksum/CheckSummary.h"
 #include "checksum/CreateAllListsTask.h"
 #include "checksum/CreateMD5Task.h"
 #include "checksum/CreateST5Task.h"
@@ -28,7 +28,6 @@
 #include "programs/Wavpack.h"
 #include "settings/SettingsStore.h"
 
-#include <QFileInfo>
 #include <QScopeGuard>
 
 #include <algorithm>
@@ -45,22 +44,14 @@ bool isNamedAfterFolder()
     return SettingsStore::instance().boolean(u"checksumFileUsesOutputDirName"_s);
 }
 
-/// Another name of a file keeps it when a list takes the place of this one.
-bool isSameEntry(const QString &left, const QString &right)
-{
-    const std::optional<struct stat> facts = statusOf(left);
-    const std::optional<struct stat> others = statusOf(right);
-    return facts && others && isSameFile(*facts, *others)
-           && QFileInfo(left).canonicalFilePath() == QFileInfo(right).canonicalFilePath();
-}
-
 /// A list of all files of a folder would have itself among them when it is made once more, as it was before.
 QStringList without(const QStringList &files, const QStringList &lists)
 {
     QStringList others;
     std::copy_if(files.begin(), files.end(), std::back_inserter(others), [&](const QString &file) {
-        return !checksumList::kindOfList(file)
-               || std::none_of(lists.begin(), lists.end(), [&](const QString &list) { return isSameEntry(file, list); });
+        return !checksumList::kindOfList(file) || std::none_of(lists.begin(), lists.end(), [&](const QString &list) {
+            return isSameEntry(file, list);
+        });
     });
     return others;
 }
@@ -125,7 +116,8 @@ ChecksumTab::Jobs ChecksumTab::verifyingJobs(const std::shared_ptr<NURVTaskResul
     return jobs;
 }
 
-std::shared_ptr<NURVTask> ChecksumTab::jobForFile(const QString &path, const std::shared_ptr<NURVTaskResults> &results) const
+std::shared_ptr<NURVTask> ChecksumTab::jobForFile(const QString &path,
+                                                  const std::shared_ptr<NURVTaskResults> &results) const
 {
     NURVTaskQueue *const queue = &nurvController().taskQueue();
     const QString format = formatWord(path);
@@ -140,7 +132,8 @@ std::shared_ptr<NURVTask> ChecksumTab::jobForFile(const QString &path, const std
     return nullptr;
 }
 
-std::shared_ptr<NURVTask> ChecksumTab::jobForList(const QString &path, const std::shared_ptr<NURVTaskResults> &results) const
+std::shared_ptr<NURVTask> ChecksumTab::jobForList(const QString &path,
+                                                  const std::shared_ptr<NURVTaskResults> &results) const
 {
     NURVTaskQueue *const queue = &nurvController().taskQueue();
     const std::optional<checksumList::ListKind> kind = checksumList::kindOfList(path);
@@ -160,7 +153,8 @@ void ChecksumTab::queueVerifying()
 {
     const auto results = std::make_shared<NURVTaskResults>();
     const bool checksLists = commandOptions.selectedRow() == VerifyLists;
-    results->setFrame(std::make_shared<CheckSummary>(checksLists ? CheckSummary::Kind::Lists : CheckSummary::Kind::Files));
+    results->setFrame(
+        std::make_shared<CheckSummary>(checksLists ? CheckSummary::Kind::Lists : CheckSummary::Kind::Files));
     const Jobs jobs = verifyingJobs(results);
     for (const std::shared_ptr<NURVTask> &job : jobs)
         results->addTaskInSet(*job);
@@ -169,15 +163,18 @@ void ChecksumTab::queueVerifying()
     clearFiles();
 }
 
-std::shared_ptr<NURVAsyncNSTask> ChecksumTab::verifyFlac(const QString &path, const std::shared_ptr<NURVTaskResults> &results,
+std::shared_ptr<NURVAsyncNSTask> ChecksumTab::verifyFlac(const QString &path,
+                                                         const std::shared_ptr<NURVTaskResults> &results,
                                                          NURVTaskQueue *queue) const
 {
-    auto job = std::make_shared<VerifyFlacTask>(results, queue, programPath(flac::program().name), flac::testArguments(path));
+    auto job =
+        std::make_shared<VerifyFlacTask>(results, queue, programPath(flac::program().name), flac::testArguments(path));
     job->setTitle(u"Verify FLAC"_s);
     return job;
 }
 
-std::shared_ptr<NURVAsyncNSTask> ChecksumTab::verifyAPE(const QString &path, const std::shared_ptr<NURVTaskResults> &results,
+std::shared_ptr<NURVAsyncNSTask> ChecksumTab::verifyAPE(const QString &path,
+                                                        const std::shared_ptr<NURVTaskResults> &results,
                                                         NURVTaskQueue *queue) const
 {
     return std::make_shared<VerifyApeTask>(results, queue, programPath(monkeysAudio::program().name),
@@ -192,10 +189,12 @@ std::shared_ptr<NURVAsyncNSTask> ChecksumTab::verifyWavepack(const QString &path
                                                 wavpack::testArguments(path));
 }
 
-std::shared_ptr<NURVAsyncNSTask> ChecksumTab::verifyTTA(const QString &path, const std::shared_ptr<NURVTaskResults> &results,
+std::shared_ptr<NURVAsyncNSTask> ChecksumTab::verifyTTA(const QString &path,
+                                                        const std::shared_ptr<NURVTaskResults> &results,
                                                         NURVTaskQueue *queue) const
 {
-    return std::make_shared<VerifyTTATask>(results, queue, programPath(ttaenc::program().name), ttaenc::testArguments(path));
+    return std::make_shared<VerifyTTATask>(results, queue, programPath(ttaenc::program().name),
+                                           ttaenc::testArguments(path));
 }
 
 QStringList ChecksumTab::filesThat(bool (*isTaken)(const QString &path)) const
@@ -239,12 +238,14 @@ std::shared_ptr<NURVTask> ChecksumTab::createAll(const QStringList &files, NURVT
         return nullptr;
     const bool isNamed = isNamedAfterFolder();
     const QString extension = SettingsStore::instance().string(u"ffpExtension"_s);
-    const CreateAllListsTask::Lists lists{.md5 = joinPath(*folder, checksumList::md5FileName(*folder, isNamed)),
-                                          .st5 = joinPath(*folder, checksumList::st5FileName(*folder, isNamed)),
-                                          .ffp = joinPath(*folder, checksumList::ffpFileName(*folder, extension, isNamed))};
+    const CreateAllListsTask::Lists lists{
+        .md5 = joinPath(*folder, checksumList::md5FileName(*folder, isNamed)),
+        .st5 = joinPath(*folder, checksumList::st5FileName(*folder, isNamed)),
+        .ffp = joinPath(*folder, checksumList::ffpFileName(*folder, extension, isNamed))};
     const QStringList paths{lists.md5, lists.st5, lists.ffp};
     const QStringList listed = without(files, paths);
-    const bool canBe = std::all_of(paths.begin(), paths.end(), [&](const QString &path) { return canBeList(path, listed); });
+    const bool canBe =
+        std::all_of(paths.begin(), paths.end(), [&](const QString &path) { return canBeList(path, listed); });
     if (!canBe || !mayReplace(paths))
         return nullptr;
     return std::make_shared<CreateAllListsTask>(queue, listed, lists);
@@ -263,18 +264,7 @@ std::optional<QString> ChecksumTab::listPath(const QStringList &files, bool sour
 
 bool ChecksumTab::canBeList(const QString &path, const QStringList &listed)
 {
-    static const QStringList otherSounds{u"M4A"_s, u"MP3"_s, u"OPUS"_s, u"OGG"_s};
-    const bool isSound = checksumList::takesSt5(path) || otherSounds.contains(formatWord(path));
-    const bool isListed = listed.isEmpty() || std::any_of(listed.begin(), listed.end(), [&](const QString &file) {
-        return isSameEntry(file, path);
-    });
-    if (!isListed && !isSound)
-        return true;
-    nurvController().prompts().ask({.title = u"%1 cannot be the list"_s.arg(lastPathComponent(path)),
-                                    .message = isListed ? u"It is one of the files that are to be listed."_s
-                                                        : u"Its name is that of a sound file."_s,
-                                    .buttons = {u"OK"_s}});
-    return false;
+    return canBeText(path, listed, u"the list"_s, u"It is one of the files that are to be listed."_s);
 }
 
 bool ChecksumTab::mayReplace(const QStringList &paths)
@@ -317,7 +307,8 @@ std::shared_ptr<NURVTask> ChecksumTab::createST5(const QStringList &files, NURVT
     QStringList strangers;
     for (const QString &file : files) {
         names.append(lastPathComponent(file));
-        if (folderOf(file) != folderOf(files.last()) || names.last().startsWith(u'-') || !checksumList::canName(names.last()))
+        if (folderOf(file) != folderOf(files.last()) || names.last().startsWith(u'-')
+            || !checksumList::canName(names.last()))
             strangers.append(file);
     }
     auto job = std::make_shared<CreateST5Task>(*path, queue, programPath(shntool::program().name),

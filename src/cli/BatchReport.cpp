@@ -8,6 +8,8 @@
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskResults.h"
 #include "engine/ReportFrame.h"
+#include "programs/ProgramOutput.h"
+#include "text/RegularExpression.h"
 
 #include <QJsonObject>
 
@@ -59,6 +61,13 @@ struct BatchReport::Job {
 
 namespace {
 
+/// The report as a terminal would have ended up with it: of figures that follow each other only the last is left.
+QString withLastFigures(const QString &report)
+{
+    static const RegularExpression earlier(u"\\s*\\b\\d{1,3}%(?=[ \\x08]*\\d{1,3}%)"_s);
+    return programOutput::asOnATerminal(earlier.replaceAll(report, QString()));
+}
+
 /// The text with the path that it ends with, if it does, as the user knows it.
 QString withKnownName(const QString &text, const SourceNames &names)
 {
@@ -75,7 +84,7 @@ BatchReport::BatchReport(Console &console, Options options) : m_console(console)
 
 void BatchReport::addSettled(const NURVTask &task)
 {
-    Job job{.outcome = task.outcome(), .report = task.report(), .problem = task.outcome().problem};
+    Job job{.outcome = task.outcome(), .report = withLastFigures(task.report()), .problem = task.outcome().problem};
     const bool hasFailed = task.error() && !task.cancelled();
     if (hasFailed && job.problem.isEmpty())
         job.problem = problemLine(job.report, task.sourcePath(), m_options.switches);
@@ -245,7 +254,8 @@ QString BatchReport::goodReportsOf(const std::shared_ptr<NURVTaskResults> &resul
 void BatchReport::writeClosingLine(std::chrono::milliseconds duration)
 {
     // A list that was written is no file of the batch.
-    const bool hasFiles = m_counts.files > 0 || m_counts.refused > 0 || m_counts.skippedExisting > 0 || m_counts.canceled > 0;
+    const bool hasFiles =
+        m_counts.files > 0 || m_counts.refused > 0 || m_counts.skippedExisting > 0 || m_counts.canceled > 0;
     if (!m_options.quiet && hasFiles)
         m_console.writeLine(closingLine(m_counts, duration));
 }

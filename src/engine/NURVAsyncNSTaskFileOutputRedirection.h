@@ -14,8 +14,8 @@ namespace nurv {
 class NURVAsyncNSTaskFileOutputRedirection : public NURVAsyncNSTask {
 public:
     /// `fileName`: the file that receives the output, UTF-8, replaced as a whole.
-    NURVAsyncNSTaskFileOutputRedirection(const QString &fileName, NURVTaskQueue *queue,
-                                         const QString &launchPath, const QStringList &arguments);
+    NURVAsyncNSTaskFileOutputRedirection(const QString &fileName, NURVTaskQueue *queue, const QString &launchPath,
+                                         const QStringList &arguments);
 
     void startTask() override;
 
@@ -24,6 +24,7 @@ public:
     void setSubTitle(std::optional<QString> subTitle) { m_subTitle = std::move(subTitle); }
 
 protected:
+    [[nodiscard]] const QString &fileName() const { return m_fileName; }
     void completeStop() override;
     /// The program has written all: before its text is taken for the file.
     virtual void outputEnded() {}

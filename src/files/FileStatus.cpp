@@ -3,6 +3,7 @@
 #include "files/FileStatus.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 namespace nurv {
 
@@ -11,6 +12,15 @@ namespace {
 bool isSameMoment(const timespec &left, const timespec &right)
 {
     return left.tv_sec == right.tv_sec && left.tv_nsec == right.tv_nsec;
+}
+
+/// What the system tells of what has that name, a link itself included.
+std::optional<struct stat> ownStatusOf(const QString &path)
+{
+    struct stat facts = {};
+    if (::lstat(QFile::encodeName(path).constData(), &facts) != 0)
+        return std::nullopt;
+    return facts;
 }
 
 } // namespace
@@ -28,6 +38,14 @@ bool isSameFile(const struct stat &left, const struct stat &right)
     return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
 }
 
+bool isSameEntry(const QString &left, const QString &right)
+{
+    const std::optional<struct stat> facts = statusOf(left);
+    const std::optional<struct stat> others = statusOf(right);
+    return facts && others && isSameFile(*facts, *others)
+           && QFileInfo(left).canonicalFilePath() == QFileInfo(right).canonicalFilePath();
+}
+
 bool isUntouched(const struct stat &before, const struct stat &now)
 {
     return isSameFile(before, now) && before.st_size == now.st_size && isSameMoment(before.st_mtim, now.st_mtim)
@@ -36,14 +54,19 @@ bool isUntouched(const struct stat &before, const struct stat &now)
 
 bool isThere(const QString &path)
 {
-    struct stat facts = {};
-    return ::lstat(QFile::encodeName(path).constData(), &facts) == 0;
+    return ownStatusOf(path).has_value();
+}
+
+bool isPlainFile(const QString &path)
+{
+    const std::optional<struct stat> facts = ownStatusOf(path);
+    return facts && S_ISREG(facts->st_mode);
 }
 
 bool isLink(const QString &path)
 {
-    struct stat facts = {};
-    return ::lstat(QFile::encodeName(path).constData(), &facts) == 0 && S_ISLNK(facts.st_mode);
+    const std::optional<struct stat> facts = ownStatusOf(path);
+    return facts && S_ISLNK(facts->st_mode);
 }
 
 } // namespace nurv

@@ -13,10 +13,15 @@ namespace nurv {
 /// What the system tells of the file, that of its target for a link; nothing without one.
 [[nodiscard]] std::optional<struct stat> statusOf(const QString &path);
 [[nodiscard]] bool isSameFile(const struct stat &left, const struct stat &right);
+/// Whether both paths name one entry of one folder: what takes the place of one takes that of the other. Another name
+/// of the same file is another entry.
+[[nodiscard]] bool isSameEntry(const QString &left, const QString &right);
 /// The same file, not written to in between.
 [[nodiscard]] bool isUntouched(const struct stat &before, const struct stat &now);
 /// Whether something has that name: also true for a link that leads nowhere.
 [[nodiscard]] bool isThere(const QString &path);
+/// Whether the name itself is that of a regular file.
+[[nodiscard]] bool isPlainFile(const QString &path);
 /// Whether the name itself is a symbolic link, wherever it leads.
 [[nodiscard]] bool isLink(const QString &path);
 

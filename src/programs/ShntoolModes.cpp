@@ -61,7 +61,8 @@ QStringList joinArguments(const QString &outputFolder, const QString &format, co
     return QStringList{u"join"_s, u"-o"_s, format, u"-n"_s, u"-d"_s, outputFolder, u"-O"_s, u"never"_s} + sources;
 }
 
-QStringList splitArguments(const QString &points, const QString &format, const QString &outputFolder, const QString &source)
+QStringList splitArguments(const QString &points, const QString &format, const QString &outputFolder,
+                           const QString &source)
 {
     return {u"split"_s, u"-f"_s, points, u"-o"_s, format, u"-d"_s, outputFolder, source};
 }
@@ -95,6 +96,11 @@ EditReport parseEdit(QStringView chunk)
     return report;
 }
 
+bool isMessage(QStringView line)
+{
+    return line.startsWith(u"shntool ["_s);
+}
+
 QString problemLines(QStringView output)
 {
     QStringList problems;
@@ -106,6 +112,15 @@ QString problemLines(QStringView output)
             problems.append(words.trimmed().toString());
     }
     return problems.join(u'\n');
+}
+
+QString lastProblem(QStringView output)
+{
+    const QString line = problemLines(output).section(u'\n', -1);
+    // It advises options that are not the user's to give.
+    if (line.contains(u"cannot prompt for overwrite"_s))
+        return u"a file of the name of its output exists already"_s;
+    return line.section(u"]: "_s, 1).section(u": "_s, 1);
 }
 
 } // namespace nurv::shntool

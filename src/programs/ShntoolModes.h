@@ -10,8 +10,8 @@
 
 namespace nurv::shntool {
 
-// The modes of `shntool` that look at files and edit them: its command lines and what it writes. `format` is "shn", "flac",
-// "aiff" or "wav". Nothing here runs it.
+// The modes of `shntool` that look at files and edit them: its command lines and what it writes. `format` is "shn",
+// "flac", "aiff" or "wav". Nothing here runs it.
 
 [[nodiscard]] QStringList lengthArguments(const QStringList &sources);
 [[nodiscard]] QStringList informationArguments(const QStringList &sources);
@@ -52,7 +52,11 @@ struct EditReport {
 };
 [[nodiscard]] EditReport parseEdit(QStringView chunk);
 
+/// Whether a line is no result, but what it says of itself or of a file.
+[[nodiscard]] bool isMessage(QStringView line);
 /// The lines with which it tells of problems, joined by line feeds.
 [[nodiscard]] QString problemLines(QStringView output);
+/// What the last of them says; empty without one.
+[[nodiscard]] QString lastProblem(QStringView output);
 
 } // namespace nurv::shntool

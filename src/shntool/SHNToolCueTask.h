@@ -6,15 +6,28 @@
 
 namespace nurv {
 
-/// Writes the cue sheet of files that are joined in their order, as shntool gives it. Ends in error when it cannot be written.
+/// Writes the cue sheet of files that are joined in their order, as shntool gives it. Ends in error, with what shntool
+/// said as its report, when that fails or the sheet cannot be written; what has the sheet's name then stays as it is.
 class SHNToolCueTask final : public NURVAsyncNSTaskFileOutputRedirection {
 public:
     using NURVAsyncNSTaskFileOutputRedirection::NURVAsyncNSTaskFileOutputRedirection;
 
     [[nodiscard]] int sourceCount() const override;
+    /// Fails when something has the sheet's name that is no file.
+    void startTask() override;
 
 protected:
+    void outputEnded() override;
+    [[nodiscard]] bool isOutputWanted() const override;
     void couldNotWrite(const QString &problem) override;
+    void cleanup() override;
+
+private:
+    void warnOfCutSources();
+    void fail(const QString &problem, const QString &report);
+    void openReport();
+
+    QString m_complaint; ///< what a run said that failed
 };
 
 } // namespace nurv

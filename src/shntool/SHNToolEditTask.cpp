@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <set>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -25,11 +26,14 @@ namespace {
 /// Of a longer output only the end is kept: that is where programs say what failed.
 constexpr qsizetype kLongestOutput = 65'536;
 
-/// The first of the names that is there; empty: none is.
-QString foundOf(const QStringList &names)
+/// Whether one of the files stands among them under two names.
+bool isOneFileTwice(const QStringList &paths)
 {
-    const auto found = std::find_if(names.begin(), names.end(), [](const QString &path) { return isThere(path); });
-    return found == names.end() ? QString() : *found;
+    std::set<std::pair<dev_t, ino_t>> files;
+    return std::any_of(paths.begin(), paths.end(), [&](const QString &path) {
+        const std::optional<struct stat> facts = statusOf(path);
+        return facts && !files.emplace(facts->st_dev, facts->st_ino).second;
+    });
 }
 
 } // namespace
@@ -75,13 +79,15 @@ void SHNToolEditTask::startTask()
 
 std::optional<QString> SHNToolEditTask::takeAll()
 {
-    for (const Work &work : m_works) {
+    for (Work &work : m_works) {
         for (const QStringList &names : work.outputs) {
             for (const QString &path : names) {
                 if (isLink(path))
                     return u"%1: its output name is a link"_s.arg(lastPathComponent(path));
                 if (work.sources.contains(path))
                     return u"%1: its output would replace it"_s.arg(lastPathComponent(path));
+                if (isThere(path))
+                    m_thereBefore.insert(path);
             }
         }
         qsizetype place = 0;
@@ -95,6 +101,8 @@ std::optional<QString> SHNToolEditTask::takeAll()
                 return lastPathComponent(source) + u": "_s + *refusal;
             ownOutcome().sourceBytes += QFileInfo(source).size();
         }
+        if (work.whyItStays.isEmpty() && isOneFileTwice(work.sources))
+            work.whyItStays = u"two of the sources are one file"_s;
         SourceRetirement::Wishes wishes = m_wishes;
         wishes.relation = work.relation;
         wishes.deletesSources = wishes.deletesSources && work.whyItStays.isEmpty();
@@ -144,6 +152,8 @@ void SHNToolEditTask::completeStop()
 {
     const std::optional<ChildExit> exit = exitState();
     if (!exit || !exit->succeeded() || cancelled()) {
+        if (exit)
+            findAllOutputs();
         NURVAsyncNSTask::completeStop();
         return;
     }
@@ -164,12 +174,25 @@ void SHNToolEditTask::completeStop()
     }
 }
 
+QString SHNToolEditTask::madeOf(const QStringList &names) const
+{
+    const auto made = std::find_if(names.begin(), names.end(), [this](const QString &path) {
+        return isThere(path) && !m_thereBefore.contains(path);
+    });
+    return made == names.end() ? QString() : *made;
+}
+
+void SHNToolEditTask::findAllOutputs()
+{
+    for (Work &work : m_works)
+        findOutputs(work);
+}
+
 void SHNToolEditTask::examineAll()
 {
-    for (std::size_t place = 0; place < m_works.size() && !cancelled() && !error(); ++place) {
-        findOutputs(m_works[place]);
+    findAllOutputs();
+    for (std::size_t place = 0; place < m_works.size() && !cancelled() && !error(); ++place)
         noteVerdict(m_works[place], examine(place));
-    }
 }
 
 SourceRetirement::Verdict SHNToolEditTask::examine(std::size_t place)
@@ -179,7 +202,7 @@ SourceRetirement::Verdict SHNToolEditTask::examine(std::size_t place)
     SourceRetirement::Verdict verdict;
     QStringList outputs;
     for (const QStringList &names : work.outputs) {
-        const QString found = foundOf(names);
+        const QString found = madeOf(names);
         if (found.isEmpty()) {
             verdict.failure = u"its program made no %1"_s.arg(lastPathComponent(names.first()));
             return verdict;
@@ -224,8 +247,8 @@ void SHNToolEditTask::noteVerdict(const Work &work, const SourceRetirement::Verd
 
 void SHNToolEditTask::noteFailure(const QString &reason)
 {
-    if (ownOutcome().problem.isEmpty())
-        ownOutcome().problem = reason;
+    // It says more than why another source stays.
+    ownOutcome().problem = reason;
     failWith(reason + u'\n');
 }
 
@@ -233,12 +256,14 @@ void SHNToolEditTask::noteKept(const Work &work, const QString &reason)
 {
     if (!deleteOriginal())
         return;
-    m_hasToTell = true;
     ownOutcome().original = TaskOutcome::Original::Kept;
     const QString told = u"%1: %2"_s.arg(lastPathComponent(work.sources.first()), reason);
     if (ownOutcome().problem.isEmpty())
         ownOutcome().problem = told;
     qCWarning(keptSourceLog).noquote() << "Kept, since" << reason + u':' << work.sources.join(u", "_s);
+    if (work.staysAlways)
+        return;
+    m_hasToTell = true;
     appendResultsForSelf(u"%1; original kept\n"_s.arg(told));
 }
 
@@ -251,9 +276,27 @@ void SHNToolEditTask::retireAll()
         const SourceRetirement::Ending ending = m_retirements[place]->retire();
         if (ending.original == TaskOutcome::Original::Kept)
             noteKept(work, ending.problem);
-        else if (ending.original != TaskOutcome::Original::Untouched && outcome().original != TaskOutcome::Original::Kept)
+        else if (ending.original != TaskOutcome::Original::Untouched
+                 && outcome().original != TaskOutcome::Original::Kept)
             ownOutcome().original = ending.original;
     }
+}
+
+/// What one run made before it failed at something else stays.
+void SHNToolEditTask::tellWhatWasMade()
+{
+    QStringList made;
+    for (const Work &work : m_works) {
+        for (const QStringList &names : work.outputs) {
+            if (const QString found = madeOf(names); !found.isEmpty())
+                made.append(found);
+        }
+    }
+    if (made.isEmpty())
+        return;
+    ownOutcome().output = made.size() == 1 ? made.first() : folderOf(made.first());
+    for (const QString &path : std::as_const(made))
+        appendResultsForSelf(u"%1 was made, and stays\n"_s.arg(lastPathComponent(path)));
 }
 
 void SHNToolEditTask::cleanup()
@@ -262,9 +305,11 @@ void SHNToolEditTask::cleanup()
         retireAll();
     if (error() && !cancelled()) {
         if (ownOutcome().problem.isEmpty())
-            ownOutcome().problem = shntool::problemLines(m_output).section(u'\n', -1);
+            ownOutcome().problem = shntool::lastProblem(m_output);
         if (deleteOriginal())
             ownOutcome().original = TaskOutcome::Original::Kept;
+        if (hasRun())
+            tellWhatWasMade();
     } else if (!m_hasToTell) {
         dropResults();
     }

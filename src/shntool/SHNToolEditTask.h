@@ -6,6 +6,7 @@
 #include "originals/OutputClaim.h"
 #include "originals/SourceRetirement.h"
 
+#include <QSet>
 #include <QStringList>
 
 #include <memory>
@@ -16,7 +17,8 @@ namespace nurv {
 /// Files that one run of shntool edits: what trimming, padding, stripping, joining and splitting have in common.
 ///
 ///     child ──> processTaskOutput(chunk) ──> status line, progress, report
-///       └─ end ──> a worker examines the outputs ──> cleanup: sources are deleted if that was asked for; a report stays
+///       └─ end ──> a worker examines the outputs ──> cleanup: sources are deleted if that was asked for; a report
+///       stays
 ///                                                    only when there is something to tell
 ///
 /// Lives on the GUI thread like every command job; between the end of the program and the stop the outcome is the
@@ -44,9 +46,12 @@ protected:
         SoundComparison::Relation relation = SoundComparison::Relation::Equal;
         /// Why the sources stay whatever was asked for; empty: they may go.
         QString whyItStays = {};
+        /// They do so in every job of the kind: no news for the report.
+        bool staysAlways = false;
     };
 
-    SHNToolEditTask(NURVTaskQueue *queue, const QString &launchPath, const QStringList &arguments, std::vector<Work> works);
+    SHNToolEditTask(NURVTaskQueue *queue, const QString &launchPath, const QStringList &arguments,
+                    std::vector<Work> works);
 
     /// Of trim, pad or strip: one output of each source. `ending`: see shntool::editedNames.
     [[nodiscard]] static std::vector<Work> editsOfEach(const QStringList &arguments, const QString &ending,
@@ -57,7 +62,7 @@ protected:
     virtual void showOutput(const QString &chunk) = 0;
     /// Right before the program starts; GUI thread.
     virtual void willStart() {}
-    /// The outputs of a work that only the run told. Worker.
+    /// The outputs of a work that only the run told. Worker, or the GUI thread after a run that failed.
     virtual void findOutputs(Work & /*work*/) {}
     void completeStop() final;
     void cleanup() override;
@@ -73,17 +78,22 @@ private:
     [[nodiscard]] std::optional<QString> takeAll();
     /// Looks at one work's outputs.
     [[nodiscard]] SourceRetirement::Verdict examine(std::size_t place);
+    void findAllOutputs();
+    /// The first of the names that this job has made; empty: none.
+    [[nodiscard]] QString madeOf(const QStringList &names) const;
     void examineAll();
     void noteVerdict(const Work &work, const SourceRetirement::Verdict &verdict);
     void noteKept(const Work &work, const QString &reason);
     void noteFailure(const QString &reason);
     void retireAll();
+    void tellWhatWasMade();
 
     std::vector<Work> m_works;
     SourceRetirement::Wishes m_wishes;
     std::vector<std::unique_ptr<SourceRetirement>> m_retirements; ///< of each work, once the job runs
     std::vector<std::unique_ptr<OutputClaim>> m_claims;
-    QString m_output; ///< the end of what the program wrote
+    QSet<QString> m_thereBefore; ///< what had the name of an output when the job began
+    QString m_output;            ///< the end of what the program wrote
     bool m_hasToTell = false;
 };
 

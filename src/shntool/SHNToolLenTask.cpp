@@ -48,8 +48,8 @@ SHNToolLenTask::SHNToolLenTask(NURVTaskQueue *queue, const QString &launchPath, 
     nameRow(u"Running shntool LEN"_s);
 }
 
-SHNToolLenTask::SHNToolLenTask(std::shared_ptr<NURVTaskResults> results, NURVTaskQueue *queue, const QString &launchPath,
-                               const QStringList &arguments, const QString &lenType)
+SHNToolLenTask::SHNToolLenTask(std::shared_ptr<NURVTaskResults> results, NURVTaskQueue *queue,
+                               const QString &launchPath, const QStringList &arguments, const QString &lenType)
     : SHNToolLenTask(queue, launchPath, arguments, lenType)
 {
     setResults(std::move(results));
@@ -106,12 +106,18 @@ QString SHNToolLenTask::lenByFileSetOutput() const
     };
     std::vector<Track> tracks;
     QString total;
+    qsizetype place = 0;
     const QStringList lines = m_output.split(u'\n');
-    for (qsizetype place = 1; place < lines.size(); ++place) {
-        const QString &line = lines.at(place);
+    for (const QString &line : lines.sliced(1)) {
+        if (shntool::isMessage(line))
+            continue;
         if (const qsizetype slash = line.indexOf(u'/'); slash >= 0) {
+            const QString path = line.sliced(slash);
+            // A file that cannot be read has no line, and its name is nobody else's.
+            const qsizetype argument = arguments().indexOf(path, place + 1);
+            place = argument < 0 ? place + 1 : argument;
             const bool isNamed = m_names && place <= m_names->size();
-            tracks.push_back({isNamed ? m_names->at(place - 1) : lastPathComponent(line.sliced(slash)), timeOf(line)});
+            tracks.push_back({isNamed ? m_names->at(place - 1) : lastPathComponent(path), timeOf(line)});
         } else if (!line.trimmed().isEmpty()) {
             total = timeOf(line);
         }
@@ -124,12 +130,15 @@ QString SHNToolLenTask::lenByFileSetOutput() const
     for (const Track &track : tracks) {
         ++number;
         if (m_names)
-            report += parser.getFormattedLineWithName(track.name.leftJustified(width, u' ', true), track.time, numberOf(number));
+            report += parser.getFormattedLineWithName(track.name.leftJustified(width, u' ', true), track.time,
+                                                      numberOf(number));
         else
             report += numberOf(number) + u' ' + track.name + u' ' + track.time + u'\n';
     }
     const QString totalLine = parser.getFormattedTotalLine(total);
-    return report + (m_discNumber ? u"\nDisc %1 Total: %2 \n\n"_s.arg(*m_discNumber, totalLine) : u"\nTotal: %1 \n\n"_s.arg(totalLine));
+    return report
+           + (m_discNumber ? u"\nDisc %1 Total: %2 \n\n"_s.arg(*m_discNumber, totalLine)
+                           : u"\nTotal: %1 \n\n"_s.arg(totalLine));
 }
 
 } // namespace nurv

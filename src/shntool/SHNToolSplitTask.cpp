@@ -46,7 +46,8 @@ QString SHNToolSplitTask::pathOf(const QString &name) const
 
 void SHNToolSplitTask::willStart()
 {
-    const QStringList there = QDir(m_outputPath).entryList({u"split-track*"_s}, QDir::AllEntries | QDir::Hidden | QDir::System);
+    const QStringList there =
+        QDir(m_outputPath).entryList({u"split-track*"_s}, QDir::AllEntries | QDir::Hidden | QDir::System);
     m_foreign = QSet<QString>(there.begin(), there.end());
 }
 
@@ -57,7 +58,11 @@ void SHNToolSplitTask::findOutputs(Work &work)
         const QString name = shntool::pieceName(number, arguments().at(kFormatPlace));
         if (m_foreign.contains(name) || !isThere(pathOf(name)))
             return;
-        work.outputs.push_back({pathOf(name)});
+        // It may have got the name of its title by now.
+        QStringList names{pathOf(name)};
+        if (const QString title = m_trackTitleMap.value(name); splitTitles::canBeName(title))
+            names.append(pathOf(title));
+        work.outputs.push_back(names);
     }
 }
 
@@ -72,7 +77,9 @@ void SHNToolSplitTask::showOutput(const QString &chunk)
 
 void SHNToolSplitTask::cleanup()
 {
-    renamePieces();
+    // Before that there was no piece of this split.
+    if (hasRun())
+        renamePieces();
     SHNToolEditTask::cleanup();
 }
 

@@ -21,8 +21,10 @@ SHNToolTrimTask::SHNToolTrimTask(NURVTaskQueue *queue, const QString &launchPath
                       editsOfEach(arguments, u"-trimmed"_s, SoundComparison::Relation::Contained)),
       m_operation(kTrimming)
 {
-    if (!works().empty())
+    if (!works().empty()) {
         works().front().whyItStays = u"trimming never deletes the first file of its list"_s;
+        works().front().staysAlways = true;
+    }
     setTextFieldString(u"Running SHNTool Trim"_s);
     setTextFieldValue();
 }

@@ -55,7 +55,8 @@ QStringList baseNames(const QStringList &paths)
 
 SHNtoolTab::SHNtoolTab(NURVController &controller)
     : BaseTab(controller, u"shntool"_s),
-      shntoolCommandMatrix({u"len"_s, u"info"_s, u"cmp"_s, u"trim"_s, u"pad"_s, u"strip"_s, u"split"_s, u"join"_s, u"cue"_s}, 3),
+      shntoolCommandMatrix(
+          {u"len"_s, u"info"_s, u"cmp"_s, u"trim"_s, u"pad"_s, u"strip"_s, u"split"_s, u"join"_s, u"cue"_s}, 3),
       shnLenMatrix({SHNToolLenTask::kNormal, SHNToolLenTask::kFileset, SHNToolLenTask::kByDisc}),
       outputFormatText(u"Output format"_s), outputFormatMatrix({u"SHN"_s, u"FLAC"_s, u"AIFF"_s, u"WAV"_s}, 2),
       namesButton(u"Track names..."_s)
@@ -67,10 +68,9 @@ SHNtoolTab::SHNtoolTab(NURVController &controller)
     originals.follow(deleteOriginalsButton, sourceEncodeButton);
     for (ChoiceControl *const choice : {&shntoolCommandMatrix, &shnLenMatrix})
         connect(choice, &Control::valueChanged, this, &SHNtoolTab::displayRelevantOptions);
-    NotificationCenter::instance().subscribe(QString::fromUtf16(NURVTrackNamesEnteredNotification), this,
-                                             [this](const QVariant &names, const QVariantMap &) {
-                                                 trackNamesEntered(names.toStringList());
-                                             });
+    NotificationCenter::instance().subscribe(
+        QString::fromUtf16(NURVTrackNamesEnteredNotification), this,
+        [this](const QVariant &names, const QVariantMap &) { trackNamesEntered(names.toStringList()); });
     displayRelevantOptions();
 }
 
@@ -111,7 +111,8 @@ void SHNtoolTab::executeCommand()
 {
     if (fileNames().isEmpty())
         return;
-    if (!confirmDeletingOriginals(deleteOriginalsButton.isOn() && !deleteOriginalsButton.isHidden()))
+    const bool deletes = deleteOriginalsButton.isOn() && !deleteOriginalsButton.isHidden() && !previewOnlyButton.isOn();
+    if (!confirmDeletingOriginals(deletes))
         return;
     execute(shntoolCommandMatrix.selectedTitle());
     clearFiles();
@@ -169,7 +170,8 @@ void SHNtoolTab::handleSHNtoolLen()
         handleSHNtoolLenByDisc(names, longest);
         return;
     }
-    auto job = std::make_shared<SHNToolLenTask>(&nurvController().taskQueue(), program(), shntool::lengthArguments(fileNames()), kind);
+    auto job = std::make_shared<SHNToolLenTask>(&nurvController().taskQueue(), program(),
+                                                shntool::lengthArguments(fileNames()), kind);
     if (kind == SHNToolLenTask::kFileset) {
         job->setTrackNames(names);
         job->setMaxTrackNameLength(longest);
@@ -247,7 +249,8 @@ std::vector<SHNtoolTab::Edit> SHNtoolTab::editsFor(const QString &command, const
         add(std::make_shared<SHNToolTrimTask>(tasks, program(), shntool::trimArguments(folder, format(), fileNames())),
             u"Running SHNTool Trim"_s);
     else if (command == u"join")
-        add(std::make_shared<SHNToolJoinTask>(tasks, program(), shntool::joinArguments(folder, format(), fileNames())), {});
+        add(std::make_shared<SHNToolJoinTask>(tasks, program(), shntool::joinArguments(folder, format(), fileNames())),
+            {});
     for (const QString &path : command == u"pad" ? fileNames() : QStringList())
         add(std::make_shared<SHNToolPadTask>(tasks, program(), shntool::padArguments(folder, format(), path)),
             u"Running SHNTool Pad"_s);
@@ -329,7 +332,7 @@ void SHNtoolTab::handleSHNtoolSplit()
 void SHNtoolTab::handleSHNtoolCue()
 {
     const std::optional<QString> path = openSavePanel(u"cuesheet.cue"_s, u"Save CUE sheet as"_s);
-    if (!path)
+    if (!path || !canBeText(*path, fileNames(), u"the cue sheet"_s, u"It is one of the files that it is to tell of."_s))
         return;
     auto job = std::make_shared<SHNToolCueTask>(*path, &nurvController().taskQueue(), program(),
                                                 shntool::cueSheetArguments(fileNames()));

@@ -69,7 +69,8 @@ QMap<QString, QString> read(const QString &text, const QString &format)
 
 bool canBeName(const QString &name)
 {
-    return !name.contains(u'/') && !name.contains(QChar(u'\0')) && QFile::encodeName(name).size() <= NAME_MAX;
+    return !name.isEmpty() && !name.contains(u'/') && !name.contains(QChar(u'\0'))
+           && QFile::encodeName(name).size() <= NAME_MAX;
 }
 
 } // namespace nurv::splitTitles

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shntool/SHNToolEditTask.h"
 
-#include "shntool/SHNtoolFixture.h"
 #include "programs/ShntoolModes.h"
+#include "shntool/SHNtoolFixture.h"
 #include "shntool/SHNToolJoinTask.h"
 
 #include <unistd.h>
@@ -45,7 +45,8 @@ TEST_F(SHNToolEditTaskTest, TrimsSilenceOfBothEnds)
     EXPECT_TRUE(isDone(jobs[0]));
     EXPECT_EQ(jobs[0]->sourceCount(), 2);
     for (const QString &name : {u"a"_s, u"b"_s})
-        EXPECT_TRUE(sound({out.path(name + u"-trimmed.flac"_s)}) == withoutSilence(sound({folder.path(name + u".wav"_s)}), 4));
+        EXPECT_TRUE(sound({out.path(name + u"-trimmed.flac"_s)})
+                    == withoutSilence(sound({folder.path(name + u".wav"_s)}), 4));
     EXPECT_TRUE(areThere(files));
     EXPECT_TRUE(windows.isEmpty());
 }
@@ -60,10 +61,12 @@ TEST_F(SHNToolEditTaskTest, ShowsTheFileInWorkAndWhatIsDoneWithIt)
         QString mainLine;
         QString report;
     } cases[] = {
-        {u"trim"_s, "\\b\\bScanning [/x/c d.wav] (0:01.00) :  45% \\b", u"Scanning Files: Scanning [/x/c d.wav] (0:01.00) :  45%"_s, u"c d.wav"_s,
+        {u"trim"_s, "\\b\\bScanning [/x/c d.wav] (0:01.00) :  45% \\b",
+         u"Scanning Files: Scanning [/x/c d.wav] (0:01.00) :  45%"_s, u"c d.wav"_s,
          u"Scanning [/x/c d.wav] (0:01.00) Scanning [/x/c d.wav] (0:01.00) :  45% "_s},
         {u"trim"_s, " 45% ERROR", u"Trimming Files:  45%"_s, u"Running SHNTool Trim"_s, u" 45% ERROR 45% ERROR"_s},
-        {u"join"_s, "Joining [/x/c.wav] (0:01.00) :  7% ", u"Joining Files: 0.000000%"_s, u"c.wav"_s, u"Joining [/x/c.wav] (0:01.00) "_s},
+        {u"join"_s, "Joining [/x/c.wav] (0:01.00) :  7% ", u"Joining Files: 0.000000%"_s, u"c.wav"_s,
+         u"Joining [/x/c.wav] (0:01.00) "_s},
         {u"pad"_s, " 45% ", u"Padding: 45.000000%"_s, u"Running SHNTool Pad"_s, u" 45% "_s},
         {u"strip"_s, " 45% ", u"Stripping: 45.000000%"_s, u"Running SHNTool Strip"_s, u" 45% "_s},
     };
@@ -99,6 +102,7 @@ TEST_F(SHNToolEditTaskTest, TrimDeletesAllButTheFirstFile)
     EXPECT_EQ(jobs.front()->outcome().original, Original::Kept);
     EXPECT_EQ(jobs.front()->outcome().problem, u"a.wav: trimming never deletes the first file of its list");
     EXPECT_EQ(jobs.front()->outcome().proof, Proof::Proven);
+    EXPECT_TRUE(windows.isEmpty());
 }
 
 TEST_F(SHNToolEditTaskTest, TrimKeepsAllFilesWhereOneHasNothingToTrim)
@@ -107,14 +111,39 @@ TEST_F(SHNToolEditTaskTest, TrimKeepsAllFilesWhereOneHasNothingToTrim)
     const auto jobs = execute(u"trim"_s, files, u"flac"_s, deletes);
     EXPECT_TRUE(jobs.front()->error());
     EXPECT_TRUE(areThere(files));
-    EXPECT_TRUE(jobs.front()->outcome().problem.contains(u"no silence to trim"_s)) << qPrintable(jobs.front()->outcome().problem);
+    EXPECT_TRUE(jobs.front()->outcome().problem.contains(u"no silence to trim"_s))
+        << qPrintable(jobs.front()->outcome().problem);
     ASSERT_EQ(windows.size(), 1);
     EXPECT_TRUE(windows[0].contains(u"ERROR"_s));
 }
 
+TEST_F(SHNToolEditTaskTest, TellsWhatWasMadeBeforeAFileFailed)
+{
+    out.write(u"b-trimmed.flac"_s, "mine");
+    const QStringList files{writeSilentEnds(u"a.wav"_s), writeSilentEnds(u"b.wav"_s)};
+    const auto jobs = execute(u"trim"_s, files);
+    EXPECT_TRUE(jobs.front()->error());
+    EXPECT_EQ(out.read(u"b-trimmed.flac"_s), "mine");
+    EXPECT_EQ(jobs.front()->outcome().output, out.path(u"a-trimmed.flac"_s));
+    EXPECT_TRUE(jobs.front()->report().endsWith(u"\na-trimmed.flac was made, and stays\n"_s))
+        << qPrintable(jobs.front()->report());
+}
+
+TEST_F(SHNToolEditTaskTest, JoinKeepsOneFileThatStandsThereUnderTwoNames)
+{
+    const QStringList files{writeStereo(u"a.wav"_s, 3000), folder.path(u"b.wav"_s)};
+    ASSERT_EQ(::link(QFile::encodeName(files[0]).constData(), QFile::encodeName(files[1]).constData()), 0);
+    const auto jobs = execute(u"join"_s, files, u"flac"_s, deletes);
+    EXPECT_TRUE(isDone(jobs.front()));
+    EXPECT_TRUE(areThere(files));
+    EXPECT_EQ(jobs.front()->outcome().original, Original::Kept);
+    EXPECT_EQ(jobs.front()->outcome().problem, u"a.wav: two of the sources are one file");
+}
+
 TEST_F(SHNToolEditTaskTest, JoinsAndDeletesAllSources)
 {
-    const QStringList files{writeStereo(u"a.wav"_s, 30'000, 1), writeStereo(u"b.wav"_s, 20'001, 2), writeStereo(u"c.wav"_s, 77, 3)};
+    const QStringList files{writeStereo(u"a.wav"_s, 30'000, 1), writeStereo(u"b.wav"_s, 20'001, 2),
+                            writeStereo(u"c.wav"_s, 77, 3)};
     const QByteArray before = sound(files);
     const auto jobs = execute(u"join"_s, files, u"flac"_s, deletes);
     ASSERT_EQ(jobs.size(), 1U);
@@ -141,13 +170,53 @@ TEST_F(SHNToolEditTaskTest, JoinsInEveryFormat)
 
 TEST_F(SHNToolEditTaskTest, JoinRefusesSoundOfTwoKindsAndKeepsIt)
 {
-    const QStringList files{writeStereo(u"a.wav"_s, 30'000), test::writeWav(folder.path(u"b.wav"_s), {.rate = 48'000, .frames = 1000})};
+    const QStringList files{writeStereo(u"a.wav"_s, 30'000),
+                            test::writeWav(folder.path(u"b.wav"_s), {.rate = 48'000, .frames = 1000})};
     const auto jobs = execute(u"join"_s, files, u"flac"_s, deletes);
     EXPECT_TRUE(jobs.front()->error());
     EXPECT_TRUE(areThere(files));
     EXPECT_EQ(out.list(), QStringList());
     EXPECT_EQ(jobs.front()->outcome().original, Original::Kept);
     EXPECT_FALSE(jobs.front()->outcome().problem.isEmpty());
+}
+
+TEST_F(SHNToolEditTaskTest, TellsNothingOfAPadOrAStripThatWentWell)
+{
+    EXPECT_TRUE(isDone(execute(u"pad"_s, {writeStereo(u"a.wav"_s, 1000)}).front()));
+    const QString source = folder.write(u"b.wav"_s, test::wavBytes({.frames = 588}, {}, test::riffChunk("junk", "1234")));
+    EXPECT_TRUE(isDone(execute(u"strip"_s, {source}).front()));
+    EXPECT_TRUE(windows.isEmpty());
+}
+
+TEST_F(SHNToolEditTaskTest, TellsWhyAProofFailedBeforeWhyAnotherFileStays)
+{
+    const QStringList files{writeSilentEnds(u"a.wav"_s), writeSilentEnds(u"b.wav"_s)};
+    const QString wrong = test::writeFlac(folder.path(u"made/wrong.flac"_s), {.frames = 30'000, .seed = 9});
+    const QString right = test::writeFlac(folder.path(u"made/right.flac"_s), {.frames = 30'000});
+    tools.remove(u"shntool"_s);
+    tools.addFake(u"shntool"_s, "copy=" + right.toUtf8() + ':' + out.path(u"a-trimmed.flac"_s).toUtf8() + ";copy=" + wrong.toUtf8()
+                                    + ':' + out.path(u"b-trimmed.flac"_s).toUtf8());
+    const auto jobs = execute(u"trim"_s, files, u"flac"_s, deletes);
+    EXPECT_TRUE(jobs.front()->error());
+    EXPECT_TRUE(jobs.front()->outcome().problem.startsWith(u"b.wav: "_s)) << qPrintable(jobs.front()->outcome().problem);
+    EXPECT_TRUE(areThere(files));
+}
+
+TEST_F(SHNToolEditTaskTest, TakesNoFileForItsOutputThatWasThereBefore)
+{
+    const QString flac = test::writeFlac(folder.path(u"made/show.flac"_s), {.frames = 1000, .seed = 7});
+    const QString source = folder.path(u"show.wav"_s);
+    ASSERT_TRUE(QFile::copy(flac, source));
+    test::writeFlac(out.path(u"show-padded.flac"_s), {.frames = 1176, .seed = 8});
+    const QByteArray foreign = out.read(u"show-padded.flac"_s);
+    const auto jobs = execute(u"pad"_s, {source}, u"flac"_s, [](SHNtoolTab &tab) {
+        tab.deleteOriginalsButton.setOn(true);
+        tab.originals.proveButton.setOn(false);
+    });
+    EXPECT_EQ(out.read(u"show-padded.flac"_s), foreign);
+    const bool isPadded = out.exists(u"show.wav-padded.flac"_s);
+    EXPECT_EQ(isPadded, isDone(jobs.front()));
+    EXPECT_EQ(QFile::exists(source), !isPadded);
 }
 
 TEST_F(SHNToolEditTaskTest, PadsToTheEndOfASectorAndDeletesItsOwnSourceOnly)
@@ -160,15 +229,18 @@ TEST_F(SHNToolEditTaskTest, PadsToTheEndOfASectorAndDeletesItsOwnSourceOnly)
     EXPECT_EQ(jobs[0]->outcome().original, Original::Deleted);
     EXPECT_TRUE(sound({out.path(u"a-padded.flac"_s)}) == before + QByteArray(4 * (588 - 5), '\0'));
     EXPECT_TRUE(jobs[1]->error());
-    EXPECT_TRUE(jobs[1]->outcome().problem.contains(u"already sector-aligned"_s)) << qPrintable(jobs[1]->outcome().problem);
+    EXPECT_TRUE(jobs[1]->outcome().problem.contains(u"already sector-aligned"_s))
+        << qPrintable(jobs[1]->outcome().problem);
     EXPECT_EQ(folder.list(), QStringList{u"b.wav"_s});
-    EXPECT_TRUE(std::any_of(statuses.begin(), statuses.end(), [](const QString &line) { return line.startsWith(u"Padding: "_s); }));
+    EXPECT_TRUE(std::any_of(statuses.begin(), statuses.end(),
+                            [](const QString &line) { return line.startsWith(u"Padding: "_s); }));
 }
 
 TEST_F(SHNToolEditTaskTest, StripsChunksAndKeepsTheSourceThatHasThem)
 {
-    const QString source = folder.write(
-        u"a.wav"_s, test::wavBytes({.frames = 3000}, {}, test::riffChunk("LIST", QByteArray("INFOINAM\x04\0\0\0abc\0", 16))));
+    const QString source =
+        folder.write(u"a.wav"_s, test::wavBytes({.frames = 3000}, {},
+                                                test::riffChunk("LIST", QByteArray("INFOINAM\x04\0\0\0abc\0", 16))));
     const auto kept = execute(u"strip"_s, {source}, u"wav"_s, deletes);
     EXPECT_TRUE(isDone(kept.front()));
     EXPECT_EQ(out.read(u"a-stripped.wav"_s).size(), 44 + 3000 * 4);
@@ -188,8 +260,8 @@ TEST_F(SHNToolEditTaskTest, FailsAndKeepsTheSourceWhenASampleIsAnotherOne)
     const QStringList files{writeStereo(u"a.wav"_s, 30'000, 1), writeStereo(u"b.wav"_s, 20'000, 2)};
     const QString wrong = test::writeFlac(folder.path(u"made/wrong.flac"_s), {.frames = 50'000, .seed = 9});
     tools.remove(u"shntool"_s);
-    tools.addFake(u"shntool"_s, "out=Joining [a.wav] (0:01.00) --> [joined.flac] : 100% OK\\n;copy=" + wrong.toUtf8() + ':'
-                                    + out.path(u"joined.flac"_s).toUtf8());
+    tools.addFake(u"shntool"_s, "out=Joining [a.wav] (0:01.00) --> [joined.flac] : 100% OK\\n;copy=" + wrong.toUtf8()
+                                    + ':' + out.path(u"joined.flac"_s).toUtf8());
     const auto jobs = execute(u"join"_s, files, u"flac"_s, deletes);
     EXPECT_TRUE(jobs.front()->error());
     EXPECT_TRUE(areThere(files));
@@ -205,7 +277,8 @@ TEST_F(SHNToolEditTaskTest, FailsWhenTheProgramMakesNothing)
         SCOPED_TRACE(qPrintable(command));
         const auto jobs = execute(command, files, u"flac"_s, deletes);
         EXPECT_TRUE(jobs.front()->error());
-        EXPECT_TRUE(jobs.front()->outcome().problem.contains(u"its program made no "_s)) << qPrintable(jobs.front()->outcome().problem);
+        EXPECT_TRUE(jobs.front()->outcome().problem.contains(u"its program made no "_s))
+            << qPrintable(jobs.front()->outcome().problem);
         EXPECT_TRUE(areThere(files));
     }
 }
@@ -228,6 +301,7 @@ TEST_F(SHNToolEditTaskTest, ReplacesNoOutputThatIsThere)
     const auto jobs = execute(u"join"_s, files, u"flac"_s, deletes);
     EXPECT_TRUE(jobs.front()->error());
     EXPECT_EQ(out.read(u"joined.flac"_s), "mine");
+    EXPECT_EQ(jobs.front()->outcome().output, QString());
     EXPECT_TRUE(areThere(files));
 }
 
@@ -235,7 +309,8 @@ TEST_F(SHNToolEditTaskTest, DeletesNothingOfACancelledJob)
 {
     const QStringList files{writeStereo(u"a.wav"_s, 3000), writeStereo(u"b.wav"_s, 3000)};
     tools.remove(u"shntool"_s);
-    tools.addFake(u"shntool"_s, "create=" + folder.path(u"started"_s).toUtf8() + ";wait-file=" + folder.path(u"go"_s).toUtf8());
+    tools.addFake(u"shntool"_s,
+                  "create=" + folder.path(u"started"_s).toUtf8() + ";wait-file=" + folder.path(u"go"_s).toUtf8());
     const auto job = std::make_shared<SHNToolJoinTask>(&queue(), tools.path() + u"/shntool"_s,
                                                        shntool::joinArguments(out.path(), u"flac"_s, files));
     job->setDeleteOriginal(true);
@@ -252,7 +327,8 @@ TEST_F(SHNToolEditTaskTest, LetsNoTwoJobsMakeOneFile)
 {
     const QStringList files{writeStereo(u"a.wav"_s, 3000), writeStereo(u"b.wav"_s, 3000)};
     tools.remove(u"shntool"_s);
-    tools.addFake(u"shntool"_s, "create=" + folder.path(u"started"_s).toUtf8() + ";wait-file=" + folder.path(u"go"_s).toUtf8());
+    tools.addFake(u"shntool"_s,
+                  "create=" + folder.path(u"started"_s).toUtf8() + ";wait-file=" + folder.path(u"go"_s).toUtf8());
     const QStringList arguments = shntool::joinArguments(out.path(), u"flac"_s, files);
     const auto first = std::make_shared<SHNToolJoinTask>(&queue(), tools.path() + u"/shntool"_s, arguments);
     const auto second = std::make_shared<SHNToolJoinTask>(&queue(), tools.path() + u"/shntool"_s, arguments);

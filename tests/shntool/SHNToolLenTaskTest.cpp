@@ -146,5 +146,43 @@ TEST_F(SHNToolLenTaskTest, TellsOfAFileThatIsNoSound)
     EXPECT_TRUE(windows[0].contains(u"none of the builtin format modules handle input file"_s)) << qPrintable(windows[0]);
 }
 
+TEST_F(SHNToolLenTaskTest, GivesNoFileTheNameOfOneThatCannotBeRead)
+{
+    for (qsizetype bad = 0; bad < 3; ++bad) {
+        SCOPED_TRACE(bad);
+        QStringList files;
+        for (const QString &name : {u"a.wav"_s, u"b.wav"_s, u"c.wav"_s})
+            files.append(test::writeWav(folder.path(name)));
+        folder.write(QStringList{u"a.wav"_s, u"b.wav"_s, u"c.wav"_s}.at(bad), "no sound");
+        windows.clear();
+        execute(u"len"_s, files, u"flac"_s, [](SHNtoolTab &tab) {
+            tab.shnLenMatrix.setSelectedIndex(1);
+            tab.trackNamesEntered({u"One"_s, u"Two"_s, u"Three"_s});
+        });
+        QStringList names{u"One"_s, u"Two"_s, u"Three"_s};
+        names.removeAt(bad);
+        ASSERT_EQ(windows.size(), 1);
+        const QStringList lines = windows[0].split(u'\n');
+        ASSERT_GE(lines.size(), 3);
+        EXPECT_TRUE(lines[0].startsWith(u"01. "_s + names[0])) << qPrintable(windows[0]);
+        EXPECT_TRUE(lines[1].startsWith(u"02. "_s + names[1])) << qPrintable(windows[0]);
+        EXPECT_EQ(lines[2], QString());
+    }
+}
+
+TEST_F(SHNToolLenTaskTest, KeepsTheOrderOfALongTableWithFilesThatCannotBeRead)
+{
+    QStringList files;
+    for (int i = 0; i < 60; ++i)
+        files.append(i % 7 == 3 ? folder.write(u"t%1.wav"_s.arg(i), "no sound") : test::writeWav(folder.path(u"t%1.wav"_s.arg(i))));
+    execute(u"len"_s, files);
+    ASSERT_EQ(windows.size(), 1);
+    const QStringList lines = windows[0].split(u'\n');
+    ASSERT_GE(lines.size(), 61);
+    EXPECT_TRUE(lines[0].contains(u"expanded size"_s));
+    for (int i = 0; i < 60; ++i)
+        EXPECT_TRUE(lines[i + 1].contains(u"t%1.wav"_s.arg(i))) << qPrintable(lines[i + 1]);
+}
+
 } // namespace
 } // namespace nurv

@@ -2,10 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shntool/SHNToolSplitTask.h"
 
+#include "programs/ShntoolModes.h"
 #include "shntool/SHNtoolFixture.h"
 #include "support/LogLines.h"
 
 #include <QStringEncoder>
+
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -18,7 +21,9 @@ protected:
     {
         const QString path = folder.write(u"points.cue"_s, points);
         const auto jobs = execute(u"split"_s, {source}, format, [&](SHNtoolTab &) {
-            prompts.expectFile({.title = u"Choose file with split point data"_s, .extensions = {u"cue"_s, u"txt"_s}, .option = u"points"_s},
+            prompts.expectFile({.title = u"Choose file with split point data"_s,
+                                .extensions = {u"cue"_s, u"txt"_s},
+                                .option = u"points"_s},
                                path);
         });
         EXPECT_EQ(jobs.size(), 1U);
@@ -29,7 +34,8 @@ protected:
         QString text = u"FILE \"a.wav\" WAVE\n"_s;
         for (qsizetype i = 0; i < titles.size(); ++i)
             text += u"  TRACK %1 AUDIO\n    TITLE \"%2\"\n    INDEX 01 00:%3:00\n"_s.arg(
-                QString::number(i + 1).rightJustified(2, u'0'), titles.at(i), QString::number(i * seconds).rightJustified(2, u'0'));
+                QString::number(i + 1).rightJustified(2, u'0'), titles.at(i),
+                QString::number(i * seconds).rightJustified(2, u'0'));
         return text.toUtf8();
     }
     [[nodiscard]] QStringList outputs() const
@@ -50,7 +56,8 @@ TEST_F(SHNToolSplitTaskTest, GivesPiecesTheirTitlesAndLosesNoSample)
     EXPECT_TRUE(sound(outputs()) == sound({source}));
     EXPECT_TRUE(windows.isEmpty());
     EXPECT_TRUE(QFile::exists(source));
-    EXPECT_TRUE(std::any_of(statuses.begin(), statuses.end(), [](const QString &line) { return line.startsWith(u"Splitting: "_s); }));
+    EXPECT_TRUE(std::any_of(statuses.begin(), statuses.end(),
+                            [](const QString &line) { return line.startsWith(u"Splitting: "_s); }));
 }
 
 TEST_F(SHNToolSplitTaskTest, SplitsAndJoinsSoundOf24Bits)
@@ -66,11 +73,76 @@ TEST_F(SHNToolSplitTaskTest, SplitsAndJoinsSoundOf24Bits)
     EXPECT_TRUE(test::sameSound(out.path(u"joined.flac"_s), source));
 }
 
+TEST_F(SHNToolSplitTaskTest, RenamesNoPieceOfAnotherSplitWhenItDoesNotStart)
+{
+    const QString source = test::writeWav(folder.path(u"a.wav"_s), {.frames = 2 * 44'100});
+    out.write(u"split-track02.flac"_s, "mine");
+    ASSERT_EQ(::symlink("/nowhere", QFile::encodeName(out.path(u"split-track01.flac"_s)).constData()), 0);
+    const auto job = split(source, sheet({u"One"_s, u"Two"_s}));
+    EXPECT_TRUE(job->error());
+    EXPECT_EQ(job->outcome().problem, u"split-track01.flac: its output name is a link");
+    EXPECT_EQ(out.read(u"split-track02.flac"_s), "mine");
+}
+
+TEST_F(SHNToolSplitTaskTest, SaysInItsOwnWordsThatAPieceIsThereAlready)
+{
+    const QString source = test::writeWav(folder.path(u"a.wav"_s), {.frames = 2 * 44'100});
+    out.write(u"split-track02.flac"_s, "mine");
+    const auto job = split(source, sheet({u"One"_s, u"Two"_s}));
+    EXPECT_TRUE(job->error());
+    EXPECT_EQ(job->outcome().problem, u"a file of the name of its output exists already");
+    EXPECT_EQ(out.read(u"split-track02.flac"_s), "mine");
+    EXPECT_EQ(job->outcome().output, QString());
+    EXPECT_EQ(out.list(), QStringList{u"split-track02.flac"_s});
+}
+
 TEST_F(SHNToolSplitTaskTest, KeepsTheNamesOfPiecesWithoutTitles)
 {
     const QString source = test::writeWav(folder.path(u"a.wav"_s), {.frames = 2 * 44'100});
     EXPECT_TRUE(isDone(split(source, "0:01\n", u"wav"_s)));
     EXPECT_EQ(out.list(), (QStringList{u"split-track01.wav"_s, u"split-track02.wav"_s}));
+}
+
+TEST_F(SHNToolSplitTaskTest, LeavesPiecesTheirNamesWhoseTracksHaveNoTitles)
+{
+    const QString source = test::writeWav(folder.path(u"a.wav"_s), {.frames = 2 * 44'100});
+    const test::LogLines log;
+    EXPECT_TRUE(isDone(split(source, "FILE \"a.wav\" WAVE\n TRACK 01 AUDIO\n INDEX 01 00:00:00\n TRACK 02 AUDIO\n INDEX 01 00:01:00\n")));
+    EXPECT_EQ(out.list(), (QStringList{u"split-track01.flac"_s, u"split-track02.flac"_s}));
+    EXPECT_TRUE(log.with(u"keeps its name"_s).isEmpty());
+}
+
+TEST_F(SHNToolSplitTaskTest, PassesOverTitlesWithoutAPoint)
+{
+    const QString source = test::writeWav(folder.path(u"a.wav"_s), {.frames = 2 * 44'100});
+    EXPECT_TRUE(isDone(split(source, sheet({u"One"_s, u"Two"_s}) + "  TRACK 03 AUDIO\n    TITLE \"Three\"\n")));
+    EXPECT_EQ(out.list(), (QStringList{u"01 One.flac"_s, u"02 Two.flac"_s}));
+    EXPECT_TRUE(windows.isEmpty());
+}
+
+TEST_F(SHNToolSplitTaskTest, ReadsLinesThatEndInCarriageReturnsAlone)
+{
+    const QString source = test::writeWav(folder.path(u"a.wav"_s), {.frames = 2 * 44'100});
+    EXPECT_TRUE(isDone(split(source, sheet({u"One"_s, u"Two"_s}).replace('\n', '\r'))));
+    EXPECT_EQ(out.list(), (QStringList{u"01 One.flac"_s, u"02 Two.flac"_s}));
+    EXPECT_TRUE(sound(outputs()) == sound({source}));
+}
+
+TEST_F(SHNToolSplitTaskTest, RenamesNothingOfAJobThatWasCancelledWhileItWaited)
+{
+    const QString source = test::writeWav(folder.path(u"a.wav"_s), {.frames = 2 * 44'100});
+    out.write(u"split-track01.flac"_s, "mine");
+    const auto job = std::make_shared<SHNToolSplitTask>(
+        &queue(), tools.path() + u"/shntool"_s,
+        shntool::splitArguments(folder.write(u"points.txt"_s, "0:01\n"), u"flac"_s, out.path(), source));
+    job->setTrackTitleMap({{u"split-track01.flac"_s, u"01 One.flac"_s}});
+    queue().hold();
+    queue().addTask(job);
+    job->cancelTask();
+    queue().release();
+    settle();
+    EXPECT_TRUE(job->cancelled());
+    EXPECT_EQ(out.list(), QStringList{u"split-track01.flac"_s});
 }
 
 TEST_F(SHNToolSplitTaskTest, LeavesPiecesTheirNamesWhoseTitlesCannotBeNames)
@@ -79,7 +151,8 @@ TEST_F(SHNToolSplitTaskTest, LeavesPiecesTheirNamesWhoseTitlesCannotBeNames)
     out.makeFolder(u"02 .."_s);
     const test::LogLines log;
     EXPECT_TRUE(isDone(split(source, sheet({u"AC/DC"_s, u"../../x"_s, QString(300, u'x'), u"Song"_s}))));
-    EXPECT_EQ(out.list(), (QStringList{u"04 Song.flac"_s, u"split-track01.flac"_s, u"split-track02.flac"_s, u"split-track03.flac"_s}));
+    EXPECT_EQ(out.list(), (QStringList{u"04 Song.flac"_s, u"split-track01.flac"_s, u"split-track02.flac"_s,
+                                       u"split-track03.flac"_s}));
     EXPECT_EQ(log.with(u"keeps its name"_s).size(), 3);
     EXPECT_FALSE(QFile::exists(folder.path(u"x.flac"_s)));
 }
@@ -121,10 +194,12 @@ TEST_F(SHNToolSplitTaskTest, ReadsCueSheetsInEveryEncoding)
     const QString text = QString::fromUtf8(sheet({u"Größe"_s, u"Zwei"_s}));
     QByteArray utf16 = QByteArray("\xFF\xFE") + QStringEncoder(QStringEncoder::Utf16LE).encode(text);
     QByteArray utf16BigEndian = QByteArray("\xFE\xFF") + QStringEncoder(QStringEncoder::Utf16BE).encode(text);
-    for (const QByteArray &bytes : {text.toUtf8(), QByteArray("\xEF\xBB\xBF") + text.toUtf8(), text.toLatin1(), utf16, utf16BigEndian}) {
+    for (const QByteArray &bytes :
+         {text.toUtf8(), QByteArray("\xEF\xBB\xBF") + text.toUtf8(), text.toLatin1(), utf16, utf16BigEndian}) {
         const QString source = test::writeWav(folder.path(u"a.wav"_s), {.frames = 2 * 44'100});
         EXPECT_TRUE(isDone(split(source, bytes)));
-        EXPECT_EQ(out.list(), (QStringList{u"01 Größe.flac"_s, u"02 Zwei.flac"_s})) << bytes.left(4).toHex().constData();
+        EXPECT_EQ(out.list(), (QStringList{u"01 Größe.flac"_s, u"02 Zwei.flac"_s}))
+            << bytes.left(4).toHex().constData();
         for (const QString &path : outputs())
             QFile::remove(path);
     }
@@ -134,7 +209,8 @@ TEST_F(SHNToolSplitTaskTest, ReadsACueSheetOfWindows)
 {
     const QString source = test::writeWav(folder.path(u"a.wav"_s), {.frames = 2 * 44'100});
     // With a dash of Windows-1252.
-    EXPECT_TRUE(isDone(split(source, "FILE \"a.wav\" WAVE\r\nTRACK 01 AUDIO\r\nTITLE \"A \x96 B\"\r\nINDEX 01 00:00:00\r\nTRACK 02 AUDIO\r\nTITLE \"C\"\r\nINDEX 01 00:01:00\r\n")));
+    EXPECT_TRUE(isDone(split(source, "FILE \"a.wav\" WAVE\r\nTRACK 01 AUDIO\r\nTITLE \"A \x96 B\"\r\nINDEX 01 "
+                                     "00:00:00\r\nTRACK 02 AUDIO\r\nTITLE \"C\"\r\nINDEX 01 00:01:00\r\n")));
     EXPECT_EQ(out.list(), (QStringList{u"01 A \u2013 B.flac"_s, u"02 C.flac"_s}));
 }
 
@@ -156,8 +232,9 @@ TEST_F(SHNToolSplitTaskTest, TakesCueSheetsOfTheTabBack)
                              test::writeWav(folder.path(u"t2.wav"_s), {.frames = 588 * 120, .seed = 2}),
                              test::writeWav(folder.path(u"t3.wav"_s), {.frames = 588 * 90, .seed = 3})};
     const QString cue = folder.path(u"made.cue"_s);
-    const auto sheets = execute(u"cue"_s, tracks, u"flac"_s,
-                                [&](SHNtoolTab &) { prompts.expectSavePath(u"cuesheet.cue"_s, u"Save CUE sheet as"_s, cue); });
+    const auto sheets = execute(u"cue"_s, tracks, u"flac"_s, [&](SHNtoolTab &) {
+        prompts.expectSavePath(u"cuesheet.cue"_s, u"Save CUE sheet as"_s, cue);
+    });
     ASSERT_EQ(sheets.size(), 1U);
     EXPECT_TRUE(isDone(sheets.front()));
     EXPECT_TRUE(isDone(execute(u"join"_s, tracks, u"wav"_s).front()));

@@ -31,13 +31,18 @@ std::string forTerminal(const std::string &text)
 
 void write(std::FILE *stream, const std::string &text)
 {
+    // Where both go to one place, what is wrong with a file stands where the file does.
+    if (stream == stderr)
+        std::fflush(stdout);
     const std::string &shown = ::isatty(::fileno(stream)) != 0 ? forTerminal(text) : text;
     std::fwrite(shown.data(), 1, shown.size(), stream);
 }
 
 } // namespace
 
-RunMessages::RunMessages(std::string program, std::string mode) : m_program(std::move(program)), m_mode(std::move(mode)) {}
+RunMessages::RunMessages(std::string program, std::string mode) : m_program(std::move(program)), m_mode(std::move(mode))
+{
+}
 
 std::string RunMessages::command() const
 {

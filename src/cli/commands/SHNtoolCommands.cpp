@@ -86,7 +86,8 @@ OptionSpec previewOption()
 {
     return {.name = u"preview"_s,
             .summary = u"tell what would be made, and make nothing"_s,
-            .manual = u"Tells the name and the length of each output, which names are taken, points that do not fit and outputs that "
+            .manual = u"Tells the name and the length of each output, which names are taken, points that do not fit "
+                      u"and outputs that "
                       "do not end on a sector boundary, and makes nothing."_s,
             .set = setsCheck(&SHNtoolTab::previewOnlyButton)};
 }
@@ -111,9 +112,11 @@ std::vector<OptionSpec> lengthOptions()
         {.name = u"kind"_s,
          .valueName = u"KIND"_s,
          .summary = u"normal (default), fileset or disc"_s,
-         .manual = u"What is reported: *normal* shntool's own table; *fileset* a set list of all files, numbered, with the total; "
-                   "*disc* a set list per disc, whose number is what stands between the last \"d\" of the path and the \"t\" "
-                   "behind it, as in _show-d1t01.shn_. How a line looks is a setting, *shntoolNamesFormat*."_s,
+         .manual =
+             u"What is reported: *normal* shntool's own table; *fileset* a set list of all files, numbered, with the "
+             u"total; "
+             "*disc* a set list per disc, whose number is what stands between the last \"d\" of the path and the \"t\" "
+             "behind it, as in _show-d1t01.shn_. How a line looks is a setting, *shntoolNamesFormat*."_s,
          .choices = {u"normal"_s, u"fileset"_s, u"disc"_s},
          .standard = u"normal"_s,
          .set =
@@ -123,15 +126,17 @@ std::vector<OptionSpec> lengthOptions()
         {.name = u"names"_s,
          .valueName = u"FILE"_s,
          .summary = u"fileset, disc: take the tracks' names from a text file"_s,
-         .manual = u"A text file with a set list. Of its lines from the one numbered 1 on, those that begin with a number are the tracks; "
+         .manual = u"A text file with a set list. Of its lines from the one numbered 1 on, those that begin with a "
+                   u"number are the tracks; "
                    "numbers and times are taken off, dates are passed over."_s,
          .formats = {u"fileset"_s, u"disc"_s},
          .set = setTrackNames},
     };
 }
 
-std::unique_ptr<Command> make(const QString &mode, const QString &summary, const QString &synopsis, const QString &details,
-                              const std::vector<OptionSpec> &options, const QString &selector = u"format"_s)
+std::unique_ptr<Command> make(const QString &mode, const QString &summary, const QString &synopsis,
+                              const QString &details, const std::vector<OptionSpec> &options,
+                              const QString &selector = u"format"_s)
 {
     return std::make_unique<SHNtoolCommand>(mode, CommandSpec{.name = u"shntool "_s + mode,
                                                               .summary = summary,
@@ -143,16 +148,18 @@ std::unique_ptr<Command> make(const QString &mode, const QString &summary, const
 
 std::unique_ptr<Command> makeEdit(const QString &mode, const QString &summary, const QString &details)
 {
-    return make(mode, summary, u"[OPTION]... (--output-dir DIR | --beside-source) PATH..."_s, details, editOptions(true));
+    return make(mode, summary, u"[OPTION]... (--output-dir DIR | --beside-source) PATH..."_s, details,
+                editOptions(true));
 }
 
 std::unique_ptr<Command> makeSplit()
 {
-    const OptionSpec points{.name = u"points"_s,
-                            .valueName = u"FILE"_s,
-                            .summary = u"the cue sheet or the list of points to split at"_s,
-                            .manual = u"A cue sheet, whose titles become the names of the pieces, or a text file with a point on each "
-                                      "line: m:ss, m:ss.ff with 75 frames a second, m:ss.nnn or a number of bytes. Any encoding."_s};
+    const OptionSpec points{
+        .name = u"points"_s,
+        .valueName = u"FILE"_s,
+        .summary = u"the cue sheet or the list of points to split at"_s,
+        .manual = u"A cue sheet, whose titles become the names of the pieces, or a text file with a point on each "
+                  "line: m:ss, m:ss.ff with 75 frames a second, m:ss.nnn or a number of bytes. Any encoding."_s};
     return make(u"split"_s, u"split a file at the points of a cue sheet or a list"_s,
                 u"[OPTION]... --points FILE (--output-dir DIR | --beside-source) FILE"_s,
                 u"Makes a file of each piece: split-track01.flac and so on, or \"01 Title.flac\" where the\n"
@@ -166,7 +173,8 @@ std::unique_ptr<Command> makeCueSheet()
         {.name = u"output"_s,
          .valueName = u"FILE"_s,
          .summary = u"write the cue sheet there"_s,
-         .manual = u"The cue sheet to write. A file of that name is replaced, after a question unless --overwrite is given."_s},
+         .manual =
+             u"The cue sheet to write. A file of that name is replaced, after a question unless --overwrite is given."_s},
         {.name = u"overwrite"_s,
          .summary = u"replace a cue sheet that exists"_s,
          .manual = u"Replaces a cue sheet that exists without a question."_s,
@@ -181,23 +189,27 @@ std::vector<std::unique_ptr<Command>> makeSHNtoolCommands()
 {
     const QString paths = u"[OPTION]... PATH..."_s;
     std::vector<std::unique_ptr<Command>> commands;
-    commands.push_back(make(u"len"_s, u"tell how long files are"_s, paths,
-                            u"Tells the length, the size and the faults of every file that the paths name, or makes a set\n"
-                            "list of them."_s,
-                            lengthOptions(), u"kind"_s));
+    commands.push_back(
+        make(u"len"_s, u"tell how long files are"_s, paths,
+             u"Tells the length, the size and the faults of every file that the paths name, or makes a set\n"
+             "list of them."_s,
+             lengthOptions(), u"kind"_s));
     commands.push_back(make(u"info"_s, u"tell all that shntool knows of files"_s, paths,
                             u"Tells format, length, sizes and faults of every file that the paths name."_s, {}));
-    commands.push_back(make(u"cmp"_s, u"compare the sound of two files"_s, u"[OPTION]... FILE FILE"_s,
-                            u"Compares the samples of two files, whatever their formats. Status 0 means that they are the\n"
-                            "same."_s,
-                            {}));
-    commands.push_back(makeEdit(u"trim"_s, u"cut silence off both ends of files"_s,
-                                u"Makes NAME-trimmed.flac and so on of every file that begins or ends with silence. With\n"
-                                "--delete-originals the first file stays all the same."_s));
+    commands.push_back(
+        make(u"cmp"_s, u"compare the sound of two files"_s, u"[OPTION]... FILE FILE"_s,
+             u"Compares the samples of two files, whatever their formats. Status 0 means that they are the\n"
+             "same."_s,
+             {}));
+    commands.push_back(
+        makeEdit(u"trim"_s, u"cut silence off both ends of files"_s,
+                 u"Makes NAME-trimmed.flac and so on of every file that begins or ends with silence. With\n"
+                 "--delete-originals the first file stays all the same."_s));
     commands.push_back(makeEdit(u"pad"_s, u"fill files up to the end of a sector"_s,
                                 u"Makes NAME-padded.flac and so on of every file that does not end on a CD sector."_s));
-    commands.push_back(makeEdit(u"strip"_s, u"take everything but the sound out of files"_s,
-                                u"Makes NAME-stripped.wav and so on of every file whose header holds more than it has to."_s));
+    commands.push_back(
+        makeEdit(u"strip"_s, u"take everything but the sound out of files"_s,
+                 u"Makes NAME-stripped.flac and so on of every file whose header holds more than it has to."_s));
     commands.push_back(makeSplit());
     commands.push_back(makeEdit(u"join"_s, u"make one file of several"_s,
                                 u"Makes joined.flac of all files that the paths name, in the order of their names."_s));
