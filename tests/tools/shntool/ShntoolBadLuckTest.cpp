@@ -93,7 +93,7 @@ TEST_F(ShntoolBadLuck, FailsWithAnEncoderThatDoesNotWantTheSound)
     // The end of the sound comes when the encoder has closed its input; it makes a file, and ends well.
     QStringList call = encodeWith("exec 0<&-; echo x > \"$1\"; : > " + closed);
     call.last() = writeFlac(m_folder.path(u"in.flac"_s), {.frames = 588});
-    call += {u"-i"_s, u"flac %1 %f"_s.arg(script("head -c 100 " + sound + "; while [ ! -e " + closed
+    call += {u"-i"_s, u"flac %1 %f"_s.arg(script("head -c 100 " + sound + "; while [ -e \"$0\" ] && [ ! -e " + closed
                                                      + " ]; do sleep 0.01; done; tail -c +101 " + sound,
                                                  u"decoder"_s))};
     const ProgramResult result = runProgram(program(), call);
@@ -238,7 +238,7 @@ TEST_P(ShntoolSignal, EndsEverythingAndLeavesNothing)
 {
     const QString started = m_folder.path(u"started"_s);
     QProcess process;
-    process.start(program(), encodeWith("(trap '' TERM; while :; do echo x >> \"$1\"; sleep 0.01; done) &\n"
+    process.start(program(), encodeWith("(trap '' TERM; while [ -e \"$0\" ]; do echo x >> \"$1\"; sleep 0.01; done) &\n"
                                         "while [ ! -s \"$1\" ]; do :; done; echo $! > "
                                         + QFile::encodeName(started) + ".new; mv " + QFile::encodeName(started)
                                         + ".new " + QFile::encodeName(started) + "; sleep 60"));
@@ -262,7 +262,7 @@ TEST_F(ShntoolBadLuck, SweepsWhatAKilledRunLeft)
     QProcess process;
     process.start(program(), encodeWith("echo x > \"$1\"; echo > " + QFile::encodeName(started)
                                         + "; cat > /dev/null; "
-                                          "while [ ! -e "
+                                          "while [ -e \"$0\" ] && [ ! -e "
                                         + QFile::encodeName(goOn) + " ]; do sleep 0.02; done"));
     process.closeReadChannel(QProcess::StandardOutput);
     ASSERT_TRUE(waitUntil([&] { return QFile::exists(started); }));
