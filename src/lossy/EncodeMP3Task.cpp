@@ -10,9 +10,34 @@
 #include "tags/AACTagsHelper.h"
 #include "tags/TagLibTagsHelper.h"
 
+#include <QFile>
+#include <QHash>
+
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace nurv {
+
+namespace {
+
+/// Whether the file begins as its extension does not say: shntool would leave that extension in the name of what it
+/// makes.
+bool isNamedAsAnotherFormat(const QString &path)
+{
+    static const QHash<QString, QList<QByteArray>> kBeginnings{
+        {u"wav"_s, {"RIFF", "RF64"}}, {u"aiff"_s, {"FORM"}},       {u"shn"_s, {"ajkg"}}, {u"flac"_s, {"fLaC", "ID3"}},
+        {u"ape"_s, {"MAC ", "ID3"}},  {u"tta"_s, {"TTA1", "ID3"}}, {u"wv"_s, {"wvpk"}}};
+    const QList<QByteArray> beginnings = kBeginnings.value(pathExtension(path));
+    QFile file(path);
+    if (beginnings.isEmpty() || !file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray beginning = file.read(4);
+    return std::none_of(beginnings.begin(), beginnings.end(),
+                        [&](const QByteArray &known) { return beginning.startsWith(known); });
+}
+
+} // namespace
 
 EncodeMP3Task::EncodeMP3Task(NURVTaskQueue *queue, const QString &fileName, const QString &type,
                              const QString &outputPath, int level)
@@ -35,11 +60,12 @@ EncodeMP3Task::Road EncodeMP3Task::roadFrom(const QString &input) const
     const QString format = formatWord(input);
     if (input == fileName() && format == u"WAV")
         return {lame::encoding(m_encoding, input, outputFile()), outputFile()};
-    if (format == u"FLAC" && pathExtension(input) != u"flac")
+    if ((format == u"FLAC" && pathExtension(input) != u"flac") || isNamedAsAnotherFormat(input))
         return roadWithName(input);
     return {lame::encodingByShntool(m_encoding, input, outputPath()),
-            shntool::replacesExtension(pathExtension(input)) ? namedAfter(input)
-                                                             : joinPath(outputPath(), lastPathComponent(input) + u".mp3"_s)};
+            shntool::replacesExtension(pathExtension(input))
+                ? namedAfter(input)
+                : joinPath(outputPath(), lastPathComponent(input) + u".mp3"_s)};
 }
 
 EncodeMP3Task::Road EncodeMP3Task::roadWithName(const QString &input) const

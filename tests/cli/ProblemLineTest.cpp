@@ -82,6 +82,13 @@ TEST(ProblemLine, OfShntool)
               u"its output exists already"_s);
 }
 
+TEST(ProblemLine, OfShntoolThatWasCalledWrongly)
+{
+    EXPECT_EQ(lineOf(u"/m/a.wav"_s, u"shntool [cmp]: error: need exactly two files to process\nshntool [cmp]: \n"
+                                    "shntool [cmp]: type 'shntool cmp -h' for help\n"_s),
+              u"need exactly two files to process"_s);
+}
+
 TEST(ProblemLine, OfWavpack)
 {
     EXPECT_EQ(

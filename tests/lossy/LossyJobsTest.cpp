@@ -71,6 +71,15 @@ TEST_F(LossyJobsTest, NamesTheMp3OfASourceWhoseExtensionShntoolDoesNotKnow)
     EXPECT_EQ(out.list(), QStringList{u"a.mp3"_s});
 }
 
+TEST_F(LossyJobsTest, NamesTheMp3OfASourceThatIsNamedAsAnotherFormat)
+{
+    const QString source = folder.path(u"a.flac"_s);
+    ASSERT_TRUE(QFile::rename(test::writeWav(folder.path(u"a.wav"_s)), source));
+    const auto task = runJob(makeMp3(source));
+    EXPECT_EQ(out.list(), QStringList{u"a.mp3"_s}) << qPrintable(task->report());
+    EXPECT_TRUE(QFile::exists(source));
+}
+
 TEST_F(LossyJobsTest, GivesOpusencTitleAndArtistOfAFlacFile)
 {
     logCalls(u"opusenc"_s);
