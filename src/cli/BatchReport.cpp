@@ -8,7 +8,6 @@
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskResults.h"
 #include "engine/ReportFrame.h"
-#include "programs/ProgramOutput.h"
 #include "text/RegularExpression.h"
 
 #include <QJsonObject>
@@ -61,11 +60,11 @@ struct BatchReport::Job {
 
 namespace {
 
-/// The report as a terminal would have ended up with it: of figures that follow each other only the last is left.
+/// The report without backspaces, and of figures that follow each other only with the last.
 QString withLastFigures(const QString &report)
 {
     static const RegularExpression earlier(u"\\s*\\b\\d{1,3}%(?=[ \\x08]*\\d{1,3}%)"_s);
-    return programOutput::asOnATerminal(earlier.replaceAll(report, QString()));
+    return earlier.replaceAll(report, QString()).remove(u'\b');
 }
 
 /// The text with the path that it ends with, if it does, as the user knows it.
@@ -87,7 +86,7 @@ void BatchReport::addSettled(const NURVTask &task)
     Job job{.outcome = task.outcome(), .report = withLastFigures(task.report()), .problem = task.outcome().problem};
     const bool hasFailed = task.error() && !task.cancelled();
     if (hasFailed && job.problem.isEmpty())
-        job.problem = problemLine(job.report, task.sourcePath(), m_options.switches);
+        job.problem = problemLine(task.report(), task.sourcePath(), m_options.switches);
     job.problem = withKnownName(job.problem, m_options.names);
     for (const QString &warning : task.warnings()) {
         if (!job.problem.contains(warning))
@@ -223,7 +222,7 @@ void BatchReport::writeObject(const NURVTask &task, const Job &job)
 
 void BatchReport::addWindow(const QString &text, const QString &title, const std::shared_ptr<NURVTaskResults> &results)
 {
-    m_windowObjects.append(QJsonObject{{u"title"_s, title}, {u"text"_s, text}});
+    m_windowObjects.append(QJsonObject{{u"title"_s, title}, {u"text"_s, withLastFigures(text)}});
     m_windows.push_back({text, results});
 }
 

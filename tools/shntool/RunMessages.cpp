@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <string_view>
 #include <utility>
 
 #include <unistd.h>
@@ -29,10 +30,17 @@ std::string forTerminal(const std::string &text)
     return shown;
 }
 
+/// Whether who started the program wants its output without delay.
+bool isUnbuffered()
+{
+    const char *const wish = std::getenv("NSUnbufferedIO");
+    return wish != nullptr && std::string_view(wish) == "YES";
+}
+
 void write(std::FILE *stream, const std::string &text)
 {
-    // Where both go to one place, what is wrong with a file stands where the file does.
-    if (stream == stderr)
+    // What is wrong with a file then stands where the file does.
+    if (stream == stderr && isUnbuffered())
         std::fflush(stdout);
     const std::string &shown = ::isatty(::fileno(stream)) != 0 ? forTerminal(text) : text;
     std::fwrite(shown.data(), 1, shown.size(), stream);
