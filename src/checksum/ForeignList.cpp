@@ -62,6 +62,9 @@ Entry entryOf(const QString &line, const QString &digest, const QString &name)
     return {.line = line.trimmed(), .name = name, .expected = digest.toLower()};
 }
 
+/// No system finds a file by more.
+constexpr qsizetype kLongestPath = 4096;
+
 QString folded(const QString &name)
 {
     return name.normalized(QString::NormalizationForm_C).toCaseFolded();
@@ -79,14 +82,17 @@ QString read(const QString &path)
 std::vector<Entry> md5Entries(const QString &text)
 {
     static const QRegularExpression kPlain(u"^\\s*(\\\\?)([0-9A-Fa-f]{32}) [ *]?(.+)$"_s);
-    static const QRegularExpression kBsd(u"^\\s*(\\\\?)MD5 ?\\((.+)\\) ?= ?([0-9A-Fa-f]{32})\\s*$"_s, QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression kBsd(u"^\\s*(\\\\?)MD5 ?\\((.+)\\) ?= ?([0-9A-Fa-f]{32})\\s*$"_s,
+                                         QRegularExpression::CaseInsensitiveOption);
     std::vector<Entry> entries;
     for (const QString &line : linesOf(text)) {
         Entry entry{.line = line.trimmed()};
         if (const auto plain = kPlain.match(line); plain.hasMatch())
-            entry = entryOf(line, plain.captured(2), plain.captured(1).isEmpty() ? plain.captured(3) : unescaped(plain.captured(3)));
+            entry = entryOf(line, plain.captured(2),
+                            plain.captured(1).isEmpty() ? plain.captured(3) : unescaped(plain.captured(3)));
         else if (const auto bsd = kBsd.match(line); bsd.hasMatch())
-            entry = entryOf(line, bsd.captured(3), bsd.captured(1).isEmpty() ? bsd.captured(2) : unescaped(bsd.captured(2)));
+            entry = entryOf(line, bsd.captured(3),
+                            bsd.captured(1).isEmpty() ? bsd.captured(2) : unescaped(bsd.captured(2)));
         if (entry.isEntry() || !isComment(line))
             entries.push_back(entry);
     }
@@ -150,8 +156,12 @@ QString Files::walk(const QString &name)
 {
     QString path = m_folder;
     for (const QString &part : name.split(u'/', Qt::SkipEmptyParts)) {
+        if (part == u".")
+            continue;
+        if (path.size() > kLongestPath)
+            return {};
         const QString next = joinPath(path, part);
-        if (part == u"." || part == u".." || isThere(next)) {
+        if (part == u".." || isThere(next)) {
             path = next;
             continue;
         }

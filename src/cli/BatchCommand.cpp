@@ -37,7 +37,8 @@ PromptAnswers checkedAnswers(const CommandSpec &command, const ParsedArguments &
     const QString kOption = u"output-dir"_s;
     PromptAnswers answers = answersOf(command, arguments);
     const OptionSpec *const option = command.option(kOption);
-    const bool isMeant = option && (option->formats.isEmpty() || option->formats.contains(arguments.value(command.selector)));
+    const bool isMeant =
+        option && (option->formats.isEmpty() || option->formats.contains(arguments.value(command.selector)));
     if (!isMeant || arguments.has(u"beside-source"_s))
         return answers;
     if (!arguments.has(kOption)) {
@@ -123,11 +124,11 @@ ExitStatus BatchCommand::run(const ParsedArguments &arguments, Console &console)
         NotificationCenter::instance().post(QString::fromUtf16(NURVMaxThreadsChangedNotification), *jobs);
     const std::unique_ptr<BaseTab> tab = tabFor(controller, arguments);
 
-    const InputFiles input = collectInput(arguments.operands, controller.arrivals(),
-                                          {.label = tab->label(),
-                                           .door = Door::CommandLine,
-                                           .paths = {},
-                                           .makesJob = [this](const QString &path) { return takes(path); }});
+    const InputFiles input = collectInput(
+        arguments.operands, controller.arrivals(),
+        {.label = tab->label(), .door = Door::CommandLine, .paths = {}, .makesJob = [this](const QString &path) {
+             return takes(path);
+         }});
     for (const QString &line : input.refusals)
         console.writeNote(line);
     if (!arguments.has(u"quiet"_s)) {
@@ -135,6 +136,8 @@ ExitStatus BatchCommand::run(const ParsedArguments &arguments, Console &console)
             console.writeNote(line);
     }
     controller.arrivals().deliver(tab->label(), input.intake);
+    if (!tab->fileNames().isEmpty())
+        checkFiles(tab->fileNames());
     if (!arguments.has(u"quiet"_s)) {
         for (const QString &line : optionsWithoutEffect(arguments, tab->fileNames()))
             console.writeNote(line);
@@ -147,8 +150,7 @@ ExitStatus BatchCommand::run(const ParsedArguments &arguments, Console &console)
 
     ExitStatus status = ExitStatus::Failed;
     if (tab->fileNames().isEmpty()) {
-        console.writeNote(
-            u"there is nothing to do: no file was found that can be worked on"_s);
+        console.writeNote(u"there is nothing to do: no file was found that can be worked on"_s);
     } else if (const QStringList missing = programs.missing(); !missing.isEmpty()) {
         tellMissing(console, missing);
         status = ExitStatus::MissingProgram;

@@ -29,6 +29,8 @@ protected:
     [[nodiscard]] virtual std::unique_ptr<BaseTab> makeTab(NURVController &controller) const = 0;
     /// Whether the tab makes a job for a file of that name that its page accepts. Any thread.
     [[nodiscard]] virtual bool takes(const QString &path) const = 0;
+    /// Throws UsageError when the command can make nothing of that many files.
+    virtual void checkFiles(const QStringList &) const {}
     /// A line for each option that was given and has no effect on some of the files.
     [[nodiscard]] virtual QStringList optionsWithoutEffect(const ParsedArguments &, const QStringList &) const
     {

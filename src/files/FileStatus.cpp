@@ -14,21 +14,20 @@ bool isSameMoment(const timespec &left, const timespec &right)
     return left.tv_sec == right.tv_sec && left.tv_nsec == right.tv_nsec;
 }
 
-/// What the system tells of what has that name, a link itself included.
-std::optional<struct stat> ownStatusOf(const QString &path)
-{
-    struct stat facts = {};
-    if (::lstat(QFile::encodeName(path).constData(), &facts) != 0)
-        return std::nullopt;
-    return facts;
-}
-
 } // namespace
 
 std::optional<struct stat> statusOf(const QString &path)
 {
     struct stat facts = {};
     if (::stat(QFile::encodeName(path).constData(), &facts) != 0)
+        return std::nullopt;
+    return facts;
+}
+
+std::optional<struct stat> statusOfName(const QString &path)
+{
+    struct stat facts = {};
+    if (::lstat(QFile::encodeName(path).constData(), &facts) != 0)
         return std::nullopt;
     return facts;
 }
@@ -54,18 +53,18 @@ bool isUntouched(const struct stat &before, const struct stat &now)
 
 bool isThere(const QString &path)
 {
-    return ownStatusOf(path).has_value();
+    return statusOfName(path).has_value();
 }
 
 bool isPlainFile(const QString &path)
 {
-    const std::optional<struct stat> facts = ownStatusOf(path);
+    const std::optional<struct stat> facts = statusOfName(path);
     return facts && S_ISREG(facts->st_mode);
 }
 
 bool isLink(const QString &path)
 {
-    const std::optional<struct stat> facts = ownStatusOf(path);
+    const std::optional<struct stat> facts = statusOfName(path);
     return facts && S_ISLNK(facts->st_mode);
 }
 

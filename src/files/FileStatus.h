@@ -12,6 +12,8 @@ namespace nurv {
 
 /// What the system tells of the file, that of its target for a link; nothing without one.
 [[nodiscard]] std::optional<struct stat> statusOf(const QString &path);
+/// The same of what has that name itself, which may be a link.
+[[nodiscard]] std::optional<struct stat> statusOfName(const QString &path);
 [[nodiscard]] bool isSameFile(const struct stat &left, const struct stat &right);
 /// Whether both paths name one entry of one folder: what takes the place of one takes that of the other. Another name
 /// of the same file is another entry.

@@ -157,7 +157,8 @@ std::optional<QString> SourceRetirement::lossOfEncoding() const
 std::optional<QString> SourceRetirement::lossOfMetadata(const QStringList &outputs) const
 {
     if (m_wishes.areOutputsPaired && outputs.size() != m_sources.size())
-        return u"its tags cannot be compared: there are %1 outputs of %2 sources"_s.arg(outputs.size()).arg(m_sources.size());
+        return u"its tags cannot be compared: there are %1 outputs of %2 sources"_s.arg(outputs.size())
+            .arg(m_sources.size());
     try {
         for (qsizetype i = 0; i < m_sources.size(); ++i) {
             const MetadataInventory before = MetadataInventory::of(m_sources.at(i));
@@ -185,12 +186,19 @@ SourceRetirement::Ending SourceRetirement::retire()
     if (m_outputsExamined.empty() || firstTouched(m_outputsExamined))
         return {Original::Kept, u"its output has changed since it was examined"_s};
     Ending ending{Original::Deleted, {}};
+    std::size_t removed = 0;
     for (const Seen &source : std::as_const(m_sourcesBefore)) {
         switch (Util::removeFile(source.path, {}, source.facts)) {
         case Util::Removal::Deleted: break;
         case Util::Removal::Trashed: ending.original = Original::Trashed; break;
-        case Util::Removal::Stayed: return {Original::Kept, u"%1 could not be removed"_s.arg(nameOf(source.path))};
+        case Util::Removal::Stayed: {
+            const QString stays = u"%1 could not be removed"_s.arg(nameOf(source.path));
+            return {Original::Kept,
+                    removed == 0 ? stays
+                                 : u"%1, after %2 of %3 were"_s.arg(stays).arg(removed).arg(m_sourcesBefore.size())};
         }
+        }
+        ++removed;
     }
     return ending;
 }

@@ -41,6 +41,8 @@ inline constexpr qsizetype kJoinSourcePlace = 8;
 /// and it leaves an extension that is not the one of what it finds in the file.
 [[nodiscard]] QStringList editedNames(const QString &source, const QString &ending, const QString &format);
 [[nodiscard]] QString joinedName(const QString &format);
+/// The most pieces that it makes of a file.
+inline constexpr int kMostPieces = 256;
 /// The piece with that number, from 1 on.
 [[nodiscard]] QString pieceName(int number, const QString &format);
 

@@ -26,8 +26,8 @@ namespace nurv {
 
 namespace {
 
-/// The most pieces that shntool makes of a file.
-constexpr std::size_t kMostPieces = 256;
+/// Of more obstacles only their number is told.
+constexpr qsizetype kMostObstacles = 20;
 
 const QString kOffSector = u"does not end on a sector boundary"_s;
 
@@ -36,8 +36,14 @@ struct Sound {
     WaveHeader header;
     std::uint64_t bytes = 0;
 
-    [[nodiscard]] QString timeOf(std::uint64_t count) const { return QString::fromStdString(TimeText(false).of(header, count)); }
-    [[nodiscard]] bool isOffSector(std::uint64_t count) const { return header.isCdQuality() && count % kSectorBytes != 0; }
+    [[nodiscard]] QString timeOf(std::uint64_t count) const
+    {
+        return QString::fromStdString(TimeText(false).of(header, count));
+    }
+    [[nodiscard]] bool isOffSector(std::uint64_t count) const
+    {
+        return header.isCdQuality() && count % kSectorBytes != 0;
+    }
 };
 
 std::optional<Sound> soundOf(const QString &path)
@@ -48,8 +54,9 @@ std::optional<Sound> soundOf(const QString &path)
     const std::optional<std::int64_t> frames = length->heldFrames ? length->heldFrames : length->declaredFrames;
     if (!frames || *frames < 0)
         return std::nullopt;
-    Sound sound{.header = pcmHeader(static_cast<std::uint32_t>(length->sampleRateHz), static_cast<unsigned>(length->channels),
-                                    static_cast<unsigned>(length->bitsPerSample))};
+    Sound sound{.header =
+                    pcmHeader(static_cast<std::uint32_t>(length->sampleRateHz), static_cast<unsigned>(length->channels),
+                              static_cast<unsigned>(length->bitsPerSample))};
     sound.bytes = static_cast<std::uint64_t>(*frames) * sound.header.blockAlign;
     return sound;
 }
@@ -100,7 +107,8 @@ EditPreview EditPreview::ofFiles(const QString &edit, const QStringList &sources
         QString length;
         QStringList remarks;
         if (sound) {
-            const std::uint64_t bytes = edit == u"pad" && sound->header.isCdQuality() ? toSector(sound->bytes) : sound->bytes;
+            const std::uint64_t bytes =
+                edit == u"pad" && sound->header.isCdQuality() ? toSector(sound->bytes) : sound->bytes;
             length = sound->timeOf(bytes);
             if (edit == u"trim")
                 length.prepend(u"up to "_s);
@@ -114,7 +122,8 @@ EditPreview EditPreview::ofFiles(const QString &edit, const QStringList &sources
     if (edit == u"join" && !sources.isEmpty()) {
         const bool isKnown = isJoinKnown && joined;
         preview.add(shntool::joinedName(format), isKnown ? joined->timeOf(joined->bytes) : QString(),
-                    isKnown && joined->isOffSector(joined->bytes) ? QStringList{kOffSector} : QStringList(), outputFolder);
+                    isKnown && joined->isOffSector(joined->bytes) ? QStringList{kOffSector} : QStringList(),
+                    outputFolder);
     }
     return preview;
 }
@@ -141,14 +150,20 @@ EditPreview EditPreview::ofSplit(const QString &source, const QString &points, c
             if (!ends.empty() && end <= ends.back())
                 preview.m_obstacles.append(u"the point %1 does not come after the one before it"_s.arg(written));
             if (end > sound->bytes)
-                preview.m_obstacles.append(u"the point %1 lies behind the end of the file, %2"_s.arg(written, sound->timeOf(sound->bytes)));
+                preview.m_obstacles.append(
+                    u"the point %1 lies behind the end of the file, %2"_s.arg(written, sound->timeOf(sound->bytes)));
             ends.push_back(end);
         } catch (const LengthValue::Fault &) {
             const QString subject = written.isEmpty() ? u"a line"_s : u"\"%1\""_s.arg(written);
-            preview.m_obstacles.append(u"%1 is no point in time: m:ss, m:ss.ff, m:ss.nnn or a number of bytes"_s.arg(subject));
+            preview.m_obstacles.append(
+                u"%1 is no point in time: m:ss, m:ss.ff, m:ss.nnn or a number of bytes"_s.arg(subject));
         }
-        if (ends.size() >= kMostPieces) {
-            preview.m_obstacles.append(u"there are more than %1 pieces"_s.arg(kMostPieces));
+        if (ends.size() >= shntool::kMostPieces) {
+            preview.m_obstacles.append(u"there are more than %1 pieces"_s.arg(shntool::kMostPieces));
+            break;
+        }
+        if (preview.m_obstacles.size() >= kMostObstacles) {
+            preview.m_obstacles.append(u"and more"_s);
             break;
         }
     }
@@ -169,9 +184,14 @@ EditPreview EditPreview::ofSplit(const QString &source, const QString &points, c
         if (sound->isOffSector(bytes))
             remarks.append(kOffSector);
         // The program makes it under its own name, which has to be free, too.
-        if (piece != title && isThere(joinPath(outputFolder, piece)))
+        if (piece != title && splitTitles::canBeName(title) && !isThere(joinPath(outputFolder, title))
+            && isThere(joinPath(outputFolder, piece)))
             preview.m_obstacles.append(u"%1 exists already"_s.arg(piece));
-        preview.add(splitTitles::canBeName(title) ? title : piece, sound->timeOf(bytes), remarks, outputFolder);
+        const bool isTaken = piece != title && splitTitles::canBeName(title) && isThere(joinPath(outputFolder, title));
+        if (isTaken)
+            remarks.append(u"%1 exists already"_s.arg(title));
+        const bool hasTitle = splitTitles::canBeName(title) && !isTaken;
+        preview.add(hasTitle ? title : piece, sound->timeOf(bytes), remarks, outputFolder);
     }
     return preview;
 }

@@ -14,6 +14,12 @@ using namespace Qt::StringLiterals;
 
 namespace nurv {
 
+SHNToolCueTask::SHNToolCueTask(const QString &sheet, NURVTaskQueue *queue, const QString &launchPath,
+                               const QStringList &arguments)
+    : NURVAsyncNSTaskFileOutputRedirection(sheet, queue, launchPath, arguments), m_before(statusOfName(sheet))
+{
+}
+
 int SHNToolCueTask::sourceCount() const
 {
     return static_cast<int>(arguments().size() - shntool::cueSheetArguments({}).size());
@@ -21,20 +27,35 @@ int SHNToolCueTask::sourceCount() const
 
 void SHNToolCueTask::startTask()
 {
-    if (!isThere(fileName()) || isPlainFile(fileName())) {
+    const QString name = lastPathComponent(fileName());
+    std::optional<QString> obstacle;
+    if (isLink(fileName()))
+        obstacle = u"its output name %1 is a link"_s.arg(name);
+    else if (isThere(fileName()) && !isPlainFile(fileName()))
+        obstacle = u"its output name %1 is no file"_s.arg(name);
+    else
+        obstacle = m_claim.take(fileName(), arguments().last(), nullptr);
+    if (!obstacle) {
         NURVAsyncNSTaskFileOutputRedirection::startTask();
         return;
     }
     becomeActive();
     showMainLine(title());
-    ownOutcome().problem = (isLink(fileName()) ? u"its output name %1 is a link"_s : u"its output name %1 is no file"_s)
-                               .arg(lastPathComponent(fileName()));
-    failToStart(outcome().problem + u'\n');
+    ownOutcome().problem = *obstacle;
+    failToStart(*obstacle + u'\n');
+}
+
+/// Another job, or somebody else, may have written a file of that name since the user agreed to its loss.
+bool SHNToolCueTask::isSheetAsItWas() const
+{
+    const std::optional<struct stat> now = statusOfName(fileName());
+    return now.has_value() == m_before.has_value() && (!now || isUntouched(*m_before, *now));
 }
 
 void SHNToolCueTask::outputEnded()
 {
-    if (!isOutputWanted() && results())
+    const std::optional<ChildExit> exit = exitState();
+    if (exit && !exit->succeeded() && results())
         m_complaint = results()->results();
 }
 
@@ -42,7 +63,7 @@ void SHNToolCueTask::outputEnded()
 bool SHNToolCueTask::isOutputWanted() const
 {
     const std::optional<ChildExit> exit = exitState();
-    return exit && exit->succeeded();
+    return exit && exit->succeeded() && !cancelled() && isSheetAsItWas();
 }
 
 void SHNToolCueTask::couldNotWrite(const QString &problem)
@@ -61,6 +82,10 @@ void SHNToolCueTask::cleanup()
         fail(killed.trimmed().section(u'\n', 0, 0), m_complaint + killed);
     } else if (error()) {
         fail(shntool::lastProblem(m_complaint), m_complaint);
+    } else if (outcome().output.isEmpty()) {
+        const QString taken =
+            u"%1 has changed since it was chosen, and stays as it is"_s.arg(lastPathComponent(fileName()));
+        fail(taken, taken + u'\n');
     } else {
         warnOfCutSources();
     }

@@ -3,6 +3,11 @@
 #pragma once
 
 #include "engine/NURVAsyncNSTaskFileOutputRedirection.h"
+#include "originals/OutputClaim.h"
+
+#include <optional>
+
+#include <sys/stat.h>
 
 namespace nurv {
 
@@ -10,7 +15,8 @@ namespace nurv {
 /// said as its report, when that fails or the sheet cannot be written; what has the sheet's name then stays as it is.
 class SHNToolCueTask final : public NURVAsyncNSTaskFileOutputRedirection {
 public:
-    using NURVAsyncNSTaskFileOutputRedirection::NURVAsyncNSTaskFileOutputRedirection;
+    /// `sheet`: the file that the user has chosen, and has seen as it is now.
+    SHNToolCueTask(const QString &sheet, NURVTaskQueue *queue, const QString &launchPath, const QStringList &arguments);
 
     [[nodiscard]] int sourceCount() const override;
     /// Fails when something has the sheet's name that is no file.
@@ -21,12 +27,17 @@ protected:
     [[nodiscard]] bool isOutputWanted() const override;
     void couldNotWrite(const QString &problem) override;
     void cleanup() override;
+    void finalCleanup() override { m_claim.release(); }
 
 private:
     void warnOfCutSources();
     void fail(const QString &problem, const QString &report);
     void openReport();
 
+    [[nodiscard]] bool isSheetAsItWas() const;
+
+    std::optional<struct stat> m_before; ///< what had the sheet's name; nothing: it was free
+    OutputClaim m_claim;
     QString m_complaint; ///< what a run said that failed
 };
 

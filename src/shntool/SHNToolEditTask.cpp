@@ -26,6 +26,13 @@ namespace {
 /// Of a longer output only the end is kept: that is where programs say what failed.
 constexpr qsizetype kLongestOutput = 65'536;
 
+/// Whether less was shown by the first.
+bool isLess(TaskOutcome::Proof left, TaskOutcome::Proof right)
+{
+    using Proof = TaskOutcome::Proof;
+    return left != right && (left == Proof::NotProven || right == Proof::Proven);
+}
+
 /// Whether one of the files stands among them under two names.
 bool isOneFileTwice(const QStringList &paths)
 {
@@ -80,6 +87,7 @@ void SHNToolEditTask::startTask()
 std::optional<QString> SHNToolEditTask::takeAll()
 {
     for (Work &work : m_works) {
+        std::vector<std::unique_ptr<OutputClaim>> &claims = m_claims.emplace_back();
         for (const QStringList &names : work.outputs) {
             for (const QString &path : names) {
                 if (isLink(path))
@@ -92,7 +100,7 @@ std::optional<QString> SHNToolEditTask::takeAll()
         }
         qsizetype place = 0;
         for (const QString &source : work.sources) {
-            auto &claim = m_claims.emplace_back(std::make_unique<OutputClaim>());
+            auto &claim = claims.emplace_back(std::make_unique<OutputClaim>());
             const auto output = static_cast<std::size_t>(place++);
             const std::optional<QString> refusal = output < work.outputs.size()
                                                        ? claim->take(work.outputs[output].first(), source, nullptr)
@@ -215,8 +223,9 @@ SourceRetirement::Verdict SHNToolEditTask::examine(std::size_t place)
         return verdict;
     }
     ownOutcome().output = m_works.size() == 1 && outputs.size() == 1 ? outputs.first() : folderOf(outputs.first());
+    const std::vector<std::unique_ptr<OutputClaim>> &claims = m_claims[place];
     const bool isShared =
-        std::any_of(m_claims.begin(), m_claims.end(), [](const auto &claim) { return claim->isSourceReadByOthers(); });
+        std::any_of(claims.begin(), claims.end(), [](const auto &claim) { return claim->isSourceReadByOthers(); });
     if (isShared)
         retirement.doubt(u"another job works on it, too"_s);
     const auto share = static_cast<double>(m_works.size());
@@ -231,9 +240,10 @@ SourceRetirement::Verdict SHNToolEditTask::examine(std::size_t place)
 
 void SHNToolEditTask::noteVerdict(const Work &work, const SourceRetirement::Verdict &verdict)
 {
-    // What was not shown of one of them was not shown of all.
-    if (verdict.proof == TaskOutcome::Proof::NotProven || outcome().proof == TaskOutcome::Proof::NotNeeded)
-        ownOutcome().proof = verdict.proof;
+    // What was not shown of one of them was not shown of all. What stays anyway needs no proof.
+    if (work.whyItStays.isEmpty() && (!m_leastProof || isLess(verdict.proof, *m_leastProof)))
+        m_leastProof = verdict.proof;
+    ownOutcome().proof = m_leastProof.value_or(verdict.proof);
     if (verdict.failure) {
         noteFailure(lastPathComponent(work.sources.first()) + u": "_s + *verdict.failure);
         if (deleteOriginal())
@@ -257,7 +267,9 @@ void SHNToolEditTask::noteKept(const Work &work, const QString &reason)
     if (!deleteOriginal())
         return;
     ownOutcome().original = TaskOutcome::Original::Kept;
-    const QString told = u"%1: %2"_s.arg(lastPathComponent(work.sources.first()), reason);
+    // Of several sources the reason names the one.
+    const QString told =
+        work.sources.size() > 1 ? reason : u"%1: %2"_s.arg(lastPathComponent(work.sources.first()), reason);
     if (ownOutcome().problem.isEmpty())
         ownOutcome().problem = told;
     qCWarning(keptSourceLog).noquote() << "Kept, since" << reason + u':' << work.sources.join(u", "_s);

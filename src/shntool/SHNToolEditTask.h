@@ -10,6 +10,7 @@
 #include <QStringList>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace nurv {
@@ -34,7 +35,7 @@ public:
     void setDeletionNeeds(bool proof, bool metadata);
 
     [[nodiscard]] int sourceCount() const override;
-    /// Fails when another running job makes one of the outputs, or something has the name that is no file of sound.
+    /// Fails when another running job makes one of the outputs, or a link or one of the sources has its name.
     void startTask() final;
 
 protected:
@@ -90,10 +91,11 @@ private:
 
     std::vector<Work> m_works;
     SourceRetirement::Wishes m_wishes;
-    std::vector<std::unique_ptr<SourceRetirement>> m_retirements; ///< of each work, once the job runs
-    std::vector<std::unique_ptr<OutputClaim>> m_claims;
-    QSet<QString> m_thereBefore; ///< what had the name of an output when the job began
-    QString m_output;            ///< the end of what the program wrote
+    std::vector<std::unique_ptr<SourceRetirement>> m_retirements;    ///< of each work, once the job runs
+    std::vector<std::vector<std::unique_ptr<OutputClaim>>> m_claims; ///< of each work
+    QSet<QString> m_thereBefore;                    ///< what had the name of an output when the job began
+    QString m_output;                               ///< the end of what the program wrote
+    std::optional<TaskOutcome::Proof> m_leastProof; ///< of the works so far
     bool m_hasToTell = false;
 };
 

@@ -10,7 +10,6 @@
 #include "shntool/SplitTitles.h"
 #include "text/TextNumbers.h"
 
-#include <QDir>
 #include <QFile>
 
 using namespace Qt::StringLiterals;
@@ -46,15 +45,18 @@ QString SHNToolSplitTask::pathOf(const QString &name) const
 
 void SHNToolSplitTask::willStart()
 {
-    const QStringList there =
-        QDir(m_outputPath).entryList({u"split-track*"_s}, QDir::AllEntries | QDir::Hidden | QDir::System);
-    m_foreign = QSet<QString>(there.begin(), there.end());
+    // The disk is asked: it may take several spellings for one name.
+    for (int number = 1; number <= shntool::kMostPieces; ++number) {
+        const QString name = shntool::pieceName(number, arguments().at(kFormatPlace));
+        if (isThere(pathOf(name)))
+            m_foreign.insert(name);
+    }
 }
 
 void SHNToolSplitTask::findOutputs(Work &work)
 {
     work.outputs.clear();
-    for (int number = 1;; ++number) {
+    for (int number = 1; number <= shntool::kMostPieces; ++number) {
         const QString name = shntool::pieceName(number, arguments().at(kFormatPlace));
         if (m_foreign.contains(name) || !isThere(pathOf(name)))
             return;

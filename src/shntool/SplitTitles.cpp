@@ -4,6 +4,7 @@
 
 #include "app/LinesControl.h"
 #include "base/Log.h"
+#include "programs/ShntoolModes.h"
 #include "text/TextNumbers.h"
 
 #include <QFile>
@@ -57,6 +58,9 @@ QMap<QString, QString> read(const QString &text, const QString &format)
         if (line.startsWith(u"TRACK"_s)) {
             if (track > 0)
                 keep();
+            // No piece has a later number.
+            if (track == shntool::kMostPieces)
+                return names;
             ++track;
             current = defaultName(track, format);
         } else if (line.startsWith(u"TITLE"_s)) {

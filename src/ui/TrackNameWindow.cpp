@@ -272,7 +272,7 @@ void TrackNameWindow::dropEvent(QDropEvent *event)
     event->accept();
     // A message would hold up the program that the file comes from.
     QMetaObject::invokeMethod(
-        &m_controller, [this, path] { m_controller.loadTrackNames(*path); }, Qt::QueuedConnection);
+        &m_controller, [controller = &m_controller, path] { controller->loadTrackNames(*path); }, Qt::QueuedConnection);
 }
 
 } // namespace nurv

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shntool/SHNToolCueTask.h"
 
+#include "programs/ShntoolModes.h"
 #include "shntool/SHNtoolFixture.h"
 
 #include <sys/stat.h>
@@ -84,8 +85,8 @@ TEST_F(SHNToolCueTaskTest, ReplacesNoSource)
 {
     const QByteArray sound = folder.read(u"b.wav"_s);
     refusal = Alert{.title = u"b.wav cannot be the cue sheet"_s,
-                       .message = u"It is one of the files that it is to tell of."_s,
-                       .buttons = {u"OK"_s}};
+                    .message = u"It is one of the files that it is to tell of."_s,
+                    .buttons = {u"OK"_s}};
     EXPECT_EQ(makeSheet(files[1]), nullptr);
     EXPECT_EQ(folder.read(u"b.wav"_s), sound);
 }
@@ -93,8 +94,8 @@ TEST_F(SHNToolCueTaskTest, ReplacesNoSource)
 TEST_F(SHNToolCueTaskTest, TakesNoNameOfASound)
 {
     refusal = Alert{.title = u"c.flac cannot be the cue sheet"_s,
-                       .message = u"Its name is that of a sound file."_s,
-                       .buttons = {u"OK"_s}};
+                    .message = u"Its name is that of a sound file."_s,
+                    .buttons = {u"OK"_s}};
     EXPECT_EQ(makeSheet(out.path(u"c.flac"_s)), nullptr);
 }
 
@@ -121,6 +122,50 @@ TEST_F(SHNToolCueTaskTest, WarnsOfASourceThatIsCut)
     EXPECT_EQ(job->warnings(), QStringList{u"a.wav holds less sound than its header tells"_s});
     EXPECT_EQ(windows, QStringList{u"a.wav holds less sound than its header tells\n\n"_s});
     EXPECT_TRUE(out.exists(u"x.cue"_s));
+}
+
+TEST_F(SHNToolCueTaskTest, ReplacesNothingThatCameAfterTheQuestion)
+{
+    for (const bool wasThere : {false, true}) {
+        if (wasThere)
+            out.write(u"x.cue"_s, "seen");
+        queue().hold();
+        const auto job = std::make_shared<SHNToolCueTask>(out.path(u"x.cue"_s), &queue(), tools.path() + u"/shntool"_s,
+                                                          shntool::cueSheetArguments(files));
+        queue().addTask(job);
+        if (wasThere)
+            out.remove(u"x.cue"_s);
+        out.write(u"x.cue"_s, "unseen");
+        queue().release();
+        settle();
+        EXPECT_TRUE(job->error());
+        EXPECT_EQ(job->outcome().problem, u"x.cue has changed since it was chosen, and stays as it is");
+        EXPECT_EQ(out.read(u"x.cue"_s), "unseen");
+        out.remove(u"x.cue"_s);
+    }
+}
+
+TEST_F(SHNToolCueTaskTest, ReplacesTheSheetThatWasChosen)
+{
+    out.write(u"x.cue"_s, "old");
+    EXPECT_TRUE(isDone(makeSheet(out.path(u"x.cue"_s))));
+    EXPECT_TRUE(out.read(u"x.cue"_s).startsWith("FILE "));
+}
+
+TEST_F(SHNToolCueTaskTest, WritesNoSheetWhenItWasCancelled)
+{
+    out.write(u"x.cue"_s, "old");
+    breakShntool("out=FILE;create=" + folder.path(u"started"_s).toUtf8()
+                 + ";wait-file=" + folder.path(u"go"_s).toUtf8());
+    const auto job = std::make_shared<SHNToolCueTask>(out.path(u"x.cue"_s), &queue(), tools.path() + u"/shntool"_s,
+                                                      shntool::cueSheetArguments(files));
+    queue().addTask(job);
+    ASSERT_TRUE(test::waitUntil([this] { return folder.exists(u"started"_s); }));
+    job->cancelTask();
+    folder.write(u"go"_s, "");
+    settle();
+    EXPECT_TRUE(job->cancelled());
+    EXPECT_EQ(out.read(u"x.cue"_s), "old");
 }
 
 } // namespace

@@ -137,7 +137,7 @@ TEST_F(SHNToolEditTaskTest, JoinKeepsOneFileThatStandsThereUnderTwoNames)
     EXPECT_TRUE(isDone(jobs.front()));
     EXPECT_TRUE(areThere(files));
     EXPECT_EQ(jobs.front()->outcome().original, Original::Kept);
-    EXPECT_EQ(jobs.front()->outcome().problem, u"a.wav: two of the sources are one file");
+    EXPECT_EQ(jobs.front()->outcome().problem, u"two of the sources are one file");
 }
 
 TEST_F(SHNToolEditTaskTest, JoinsAndDeletesAllSources)
@@ -183,7 +183,8 @@ TEST_F(SHNToolEditTaskTest, JoinRefusesSoundOfTwoKindsAndKeepsIt)
 TEST_F(SHNToolEditTaskTest, TellsNothingOfAPadOrAStripThatWentWell)
 {
     EXPECT_TRUE(isDone(execute(u"pad"_s, {writeStereo(u"a.wav"_s, 1000)}).front()));
-    const QString source = folder.write(u"b.wav"_s, test::wavBytes({.frames = 588}, {}, test::riffChunk("junk", "1234")));
+    const QString source =
+        folder.write(u"b.wav"_s, test::wavBytes({.frames = 588}, {}, test::riffChunk("junk", "1234")));
     EXPECT_TRUE(isDone(execute(u"strip"_s, {source}).front()));
     EXPECT_TRUE(windows.isEmpty());
 }
@@ -194,11 +195,12 @@ TEST_F(SHNToolEditTaskTest, TellsWhyAProofFailedBeforeWhyAnotherFileStays)
     const QString wrong = test::writeFlac(folder.path(u"made/wrong.flac"_s), {.frames = 30'000, .seed = 9});
     const QString right = test::writeFlac(folder.path(u"made/right.flac"_s), {.frames = 30'000});
     tools.remove(u"shntool"_s);
-    tools.addFake(u"shntool"_s, "copy=" + right.toUtf8() + ':' + out.path(u"a-trimmed.flac"_s).toUtf8() + ";copy=" + wrong.toUtf8()
-                                    + ':' + out.path(u"b-trimmed.flac"_s).toUtf8());
+    tools.addFake(u"shntool"_s, "copy=" + right.toUtf8() + ':' + out.path(u"a-trimmed.flac"_s).toUtf8()
+                                    + ";copy=" + wrong.toUtf8() + ':' + out.path(u"b-trimmed.flac"_s).toUtf8());
     const auto jobs = execute(u"trim"_s, files, u"flac"_s, deletes);
     EXPECT_TRUE(jobs.front()->error());
-    EXPECT_TRUE(jobs.front()->outcome().problem.startsWith(u"b.wav: "_s)) << qPrintable(jobs.front()->outcome().problem);
+    EXPECT_TRUE(jobs.front()->outcome().problem.startsWith(u"b.wav: "_s))
+        << qPrintable(jobs.front()->outcome().problem);
     EXPECT_TRUE(areThere(files));
 }
 
