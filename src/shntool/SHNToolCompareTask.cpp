@@ -1,0 +1,22 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shntool/SHNToolCompareTask.h"
+
+#include "programs/ProgramOutput.h"
+
+namespace nurv {
+
+void SHNToolCompareTask::processTaskOutput(const QString &chunk)
+{
+    m_output += chunk;
+}
+
+void SHNToolCompareTask::completeStop()
+{
+    // Before what is said of a run that was killed.
+    if (!m_output.isEmpty())
+        appendResultsForSelf(programOutput::asOnATerminal(m_output));
+    NURVAsyncNSTask::completeStop();
+}
+
+} // namespace nurv
