@@ -64,8 +64,9 @@ namespace {
 /// The report as a terminal would have ended up with it: of figures that follow each other only the last is left.
 QString withLastFigures(const QString &report)
 {
-    static const RegularExpression earlier(u"\\s*\\b\\d{1,3}%(?=[ \\x08]*\\d{1,3}%)"_s);
-    return programOutput::asOnATerminal(earlier.replaceAll(report, QString()));
+    // With the backspaces between them, which would take what stands before.
+    static const RegularExpression earlier(u"\\s*\\b(?:\\d{1,3}%[ \\x08]*+(?=\\d{1,3}%))++"_s);
+    return programOutput::asOnATerminal(earlier.replaceAll(report, u" "_s));
 }
 
 /// The text with the path that it ends with, if it does, as the user knows it.
