@@ -129,7 +129,7 @@ void BatchReport::count(const NURVTask &task, const Job &job)
     }
     ++(task.error() ? m_counts.failed : m_counts.complete);
     if (job.keptOriginal())
-        m_counts.originalsKept += affected;
+        countKept(task, job, affected);
     else if (task.error())
         m_counts.failedOtherwise += affected;
     else if (job.hasProblem())
@@ -147,6 +147,14 @@ void BatchReport::count(const NURVTask &task, const Job &job)
 QString BatchReport::nameOf(const NURVTask &task) const
 {
     return task.sourcePath().isEmpty() ? task.title() : m_options.names.nameOf(task.sourcePath());
+}
+
+/// Of a set some originals may be gone as they were meant to.
+void BatchReport::countKept(const NURVTask &task, const Job &job, int affected)
+{
+    const int kept = task.error() ? affected : std::min(job.outcome.keptSources.value_or(affected), affected);
+    m_counts.originalsKept += kept;
+    m_counts.done += std::max(task.sourceCount() - kept, 0);
 }
 
 /// "disc1/a.wav: Complete; not proven"; nothing for a job that gets no line.

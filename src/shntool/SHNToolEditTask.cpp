@@ -257,6 +257,8 @@ void SHNToolEditTask::noteKept(const Work &work, const QString &reason)
     if (!deleteOriginal())
         return;
     ownOutcome().original = TaskOutcome::Original::Kept;
+    m_kept.unite(QSet<QString>(work.sources.begin(), work.sources.end()));
+    ownOutcome().keptSources = static_cast<int>(m_kept.size());
     const QString told = u"%1: %2"_s.arg(lastPathComponent(work.sources.first()), reason);
     if (ownOutcome().problem.isEmpty())
         ownOutcome().problem = told;

@@ -92,6 +92,7 @@ private:
     SourceRetirement::Wishes m_wishes;
     std::vector<std::unique_ptr<SourceRetirement>> m_retirements; ///< of each work, once the job runs
     std::vector<std::unique_ptr<OutputClaim>> m_claims;
+    QSet<QString> m_kept;        ///< sources whose deletion was asked for, and that are there still
     QSet<QString> m_thereBefore; ///< what had the name of an output when the job began
     QString m_output;            ///< the end of what the program wrote
     bool m_hasToTell = false;
