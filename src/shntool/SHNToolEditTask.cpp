@@ -301,13 +301,22 @@ void SHNToolEditTask::tellWhatWasMade()
         appendResultsForSelf(u"%1 was made, and stays\n"_s.arg(lastPathComponent(path)));
 }
 
+QString SHNToolEditTask::whyItFailed() const
+{
+    const QString said = shntool::lastProblem(m_output);
+    // It tells that it cannot, and not why.
+    return said.startsWith(u"could not open output file"_s) && !m_thereBefore.isEmpty()
+               ? u"a file of the name of its output exists already"_s
+               : said;
+}
+
 void SHNToolEditTask::cleanup()
 {
     if (deleteOriginal() && hasRun() && !error() && !cancelled())
         retireAll();
     if (error() && !cancelled()) {
         if (ownOutcome().problem.isEmpty())
-            ownOutcome().problem = shntool::lastProblem(m_output);
+            ownOutcome().problem = whyItFailed();
         if (deleteOriginal())
             ownOutcome().original = TaskOutcome::Original::Kept;
         if (hasRun())

@@ -87,6 +87,7 @@ private:
     void noteFailure(const QString &reason);
     void retireAll();
     void tellWhatWasMade();
+    [[nodiscard]] QString whyItFailed() const;
 
     std::vector<Work> m_works;
     SourceRetirement::Wishes m_wishes;
