@@ -4,6 +4,8 @@
 
 #include "programs/ProgramOutput.h"
 
+using namespace Qt::StringLiterals;
+
 namespace nurv {
 
 void SHNToolCompareTask::processTaskOutput(const QString &chunk)
@@ -17,6 +19,12 @@ void SHNToolCompareTask::completeStop()
     if (!m_output.isEmpty())
         appendResultsForSelf(programOutput::asOnATerminal(m_output));
     NURVAsyncNSTask::completeStop();
+}
+
+void SHNToolCompareTask::cleanup()
+{
+    if (!error() && !cancelled() && m_output.contains(u"WAVE data size differs"_s))
+        warn(u"one of the files is longer than the other"_s);
 }
 
 } // namespace nurv

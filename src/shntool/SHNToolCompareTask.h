@@ -6,7 +6,8 @@
 
 namespace nurv {
 
-/// Compares the samples of two files. Its report is what a terminal would show in the end: shntool counts up in place.
+/// Compares the samples of two files. Warns when one of them is longer: shntool then looks at what both have. Its
+/// report is what a terminal would show in the end: shntool counts up in place.
 class SHNToolCompareTask final : public NURVAsyncNSTask {
 public:
     using NURVAsyncNSTask::NURVAsyncNSTask;
@@ -14,6 +15,7 @@ public:
 protected:
     void processTaskOutput(const QString &chunk) override;
     void completeStop() override;
+    void cleanup() override;
 
 private:
     QString m_output;
