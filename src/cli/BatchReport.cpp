@@ -63,8 +63,9 @@ namespace {
 /// The report without backspaces, and of figures that follow each other only with the last.
 QString withLastFigures(const QString &report)
 {
-    static const RegularExpression earlier(u"\\s*\\b\\d{1,3}%(?=[ \\x08]*\\d{1,3}%)"_s);
-    return earlier.replaceAll(report, QString()).remove(u'\b');
+    // With the backspaces between them, which would take what stands before.
+    static const RegularExpression earlier(u"\\s*\\b(?:\\d{1,3}%[ \\x08]*+(?=\\d{1,3}%))++"_s);
+    return earlier.replaceAll(report, u" "_s).remove(u'\b');
 }
 
 /// The text with the path that it ends with, if it does, as the user knows it.
@@ -127,7 +128,7 @@ void BatchReport::count(const NURVTask &task, const Job &job)
     }
     ++(task.error() ? m_counts.failed : m_counts.complete);
     if (job.keptOriginal())
-        m_counts.originalsKept += affected;
+        countKept(task, job, affected);
     else if (task.error())
         m_counts.failedOtherwise += affected;
     else if (job.hasProblem())
@@ -145,6 +146,14 @@ void BatchReport::count(const NURVTask &task, const Job &job)
 QString BatchReport::nameOf(const NURVTask &task) const
 {
     return task.sourcePath().isEmpty() ? task.title() : m_options.names.nameOf(task.sourcePath());
+}
+
+/// Of a set some originals may be gone as they were meant to.
+void BatchReport::countKept(const NURVTask &task, const Job &job, int affected)
+{
+    const int kept = task.error() ? affected : std::min(job.outcome.keptSources.value_or(affected), affected);
+    m_counts.originalsKept += kept;
+    m_counts.done += std::max(task.sourceCount() - kept, 0);
 }
 
 /// "disc1/a.wav: Complete; not proven"; nothing for a job that gets no line.

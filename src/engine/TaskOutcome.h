@@ -5,6 +5,7 @@
 #include <QString>
 #include <QtGlobal>
 
+#include <optional>
 #include <vector>
 
 namespace nurv {
@@ -53,6 +54,8 @@ struct TaskOutcome {
     qint64 outputBytes = 0; ///< at its end
     /// What a job that checks a list has found, in the order of the list.
     std::vector<ListedFile> listedFiles = {};
+    /// Of a job that did its work on several sources and kept originals: how many of them. Nothing: all.
+    std::optional<int> keptSources = {};
 };
 
 } // namespace nurv

@@ -79,6 +79,8 @@ void EditPreview::add(const QString &name, const QString &length, QStringList re
         std::any_of(m_outputs.begin(), m_outputs.end(), [&](const Output &other) { return other.name == name; });
     if (isTwice)
         m_obstacles.append(u"%1 would be made twice"_s.arg(name));
+    if (!splitTitles::canBeName(name))
+        m_obstacles.append(u"%1 is too long for the name of a file"_s.arg(name));
     if (isThere(joinPath(outputFolder, name))) {
         remarks.prepend(u"exists already"_s);
         m_obstacles.append(u"%1 exists already"_s.arg(name));

@@ -267,6 +267,8 @@ void SHNToolEditTask::noteKept(const Work &work, const QString &reason)
     if (!deleteOriginal())
         return;
     ownOutcome().original = TaskOutcome::Original::Kept;
+    m_kept.unite(QSet<QString>(work.sources.begin(), work.sources.end()));
+    ownOutcome().keptSources = static_cast<int>(m_kept.size());
     // Of several sources the reason names the one.
     const QString told =
         work.sources.size() > 1 ? reason : u"%1: %2"_s.arg(lastPathComponent(work.sources.first()), reason);
@@ -311,13 +313,22 @@ void SHNToolEditTask::tellWhatWasMade()
         appendResultsForSelf(u"%1 was made, and stays\n"_s.arg(lastPathComponent(path)));
 }
 
+QString SHNToolEditTask::whyItFailed() const
+{
+    const QString said = shntool::lastProblem(m_output);
+    // It tells that it cannot, and not why.
+    return said.startsWith(u"could not open output file"_s) && !m_thereBefore.isEmpty()
+               ? u"a file of the name of its output exists already"_s
+               : said;
+}
+
 void SHNToolEditTask::cleanup()
 {
     if (deleteOriginal() && hasRun() && !error() && !cancelled())
         retireAll();
     if (error() && !cancelled()) {
         if (ownOutcome().problem.isEmpty())
-            ownOutcome().problem = shntool::lastProblem(m_output);
+            ownOutcome().problem = whyItFailed();
         if (deleteOriginal())
             ownOutcome().original = TaskOutcome::Original::Kept;
         if (hasRun())

@@ -88,6 +88,7 @@ private:
     void noteFailure(const QString &reason);
     void retireAll();
     void tellWhatWasMade();
+    [[nodiscard]] QString whyItFailed() const;
 
     std::vector<Work> m_works;
     SourceRetirement::Wishes m_wishes;
@@ -96,6 +97,7 @@ private:
     QSet<QString> m_thereBefore;                    ///< what had the name of an output when the job began
     QString m_output;                               ///< the end of what the program wrote
     std::optional<TaskOutcome::Proof> m_leastProof; ///< of the works so far
+    QSet<QString> m_kept;                           ///< sources whose deletion was asked for, and that are there still
     bool m_hasToTell = false;
 };
 

@@ -82,7 +82,7 @@ void SHNToolLenTask::cleanup()
         return;
     // A set list has no place for what the program says of files that it cannot read.
     const QString problems = shntool::problemLines(m_output);
-    ownOutcome().problem = problems.section(u'\n', 0, 0);
+    ownOutcome().problem = shntool::lastProblem(problems.section(u'\n', 0, 0));
     if (m_type != kNormal && !problems.isEmpty())
         appendResultsForSelf(problems + u'\n');
 }

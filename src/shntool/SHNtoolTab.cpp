@@ -16,6 +16,7 @@
 #include "programs/ShntoolModes.h"
 #include "shntool/EditPreview.h"
 #include "shntool/PreviewTask.h"
+#include "shntool/SHNToolCompareTask.h"
 #include "shntool/SHNToolCueTask.h"
 #include "shntool/SHNToolJoinTask.h"
 #include "shntool/SHNToolLenTask.h"
@@ -220,8 +221,8 @@ void SHNtoolTab::handleSHNtoolInfo()
 
 void SHNtoolTab::handleSHNtoolCompare()
 {
-    auto job = std::make_shared<NURVAsyncNSTask>(&nurvController().taskQueue(), program(),
-                                                 shntool::comparisonArguments(fileNames()));
+    auto job = std::make_shared<SHNToolCompareTask>(&nurvController().taskQueue(), program(),
+                                                    shntool::comparisonArguments(fileNames()));
     job->setTitle(u"shntool compare"_s);
     job->showStatus(u"Comparing"_s);
     job->showMainLine(u"Comparing"_s);

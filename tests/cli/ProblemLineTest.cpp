@@ -65,6 +65,14 @@ TEST(ProblemLine, OfFlacThatDecodes)
         u"ERROR during decoding"_s);
 }
 
+TEST(ProblemLine, OfShntoolThatIsGivenWhatItDoesNotTake)
+{
+    EXPECT_EQ(problemLine(u"shntool [cmp]: error: need exactly two files to process\nshntool [cmp]: \n"
+                          "shntool [cmp]: type 'shntool cmp -h' for help\n"_s,
+                          QString(), {}),
+              u"need exactly two files to process"_s);
+}
+
 TEST(ProblemLine, OfShntool)
 {
     EXPECT_EQ(lineOf(u"/m/bad.wav"_s, u"shntool [conv]: warning: none of the builtin format modules handle input file: "

@@ -214,6 +214,49 @@ TEST_F(SHNToolSplitTaskTest, ReadsACueSheetOfWindows)
     EXPECT_EQ(out.list(), (QStringList{u"01 A \u2013 B.flac"_s, u"02 C.flac"_s}));
 }
 
+TEST_F(SHNToolSplitTaskTest, GivesNoFileTheTitleOfAnAlbum)
+{
+    const QString source = test::writeWav(folder.path(u"a.wav"_s), {.frames = 2 * 44'100});
+    out.write(u"split-track00.flac"_s, "mine");
+    EXPECT_TRUE(isDone(split(source, "TITLE \"Album\"\nINDEX 01 00:00:00\nINDEX 01 00:01:00\n")));
+    EXPECT_EQ(out.list(), (QStringList{u"split-track00.flac"_s, u"split-track01.flac"_s, u"split-track02.flac"_s}));
+    EXPECT_EQ(out.read(u"split-track00.flac"_s), "mine");
+}
+
+TEST_F(SHNToolSplitTaskTest, ReadsACueSheetInShiftJis)
+{
+    const QString source = test::writeWav(folder.path(u"a.wav"_s), {.frames = 2 * 44'100});
+    // "東京の夜は静かです" and "雨が降っています".
+    const QByteArray tokyo = QByteArray::fromHex("938c8b9e82cc96e982cd90c382a982c582b7");
+    const QByteArray rain = QByteArray::fromHex("894a82aa8d7e82c182c482a282dc82b7");
+    EXPECT_TRUE(isDone(split(source, "FILE \"a.wav\" WAVE\nTRACK 01 AUDIO\nTITLE \"" + tokyo
+                                         + "\"\nINDEX 01 00:00:00\nTRACK 02 AUDIO\nTITLE \"" + rain
+                                         + "\"\nINDEX 01 00:01:00\n")));
+    EXPECT_EQ(out.list(), (QStringList{u"01 東京の夜は静かです.flac"_s, u"02 雨が降っています.flac"_s}));
+    EXPECT_TRUE(sound(outputs()) == sound({source}));
+}
+
+TEST_F(SHNToolSplitTaskTest, LosesNoPieceWhateverTheBytesOfTitlesMean)
+{
+    const QString source = test::writeWav(folder.path(u"a.wav"_s), {.frames = 2 * 44'100});
+    // Bytes that are a backslash, a quotation mark or half a letter, by encoding; and such as no encoding has.
+    for (const QByteArray &title : {QByteArray("\x83\x5c"), QByteArray("\x81\x22"), QByteArray("\xff\xfe\xc0\x80"),
+                                    QByteArray("\x1b$B\x21\x21\x1b(B")}) {
+        SCOPED_TRACE(title.toHex().constData());
+        EXPECT_TRUE(
+            isDone(split(source, "FILE \"a.wav\" WAVE\nTRACK 01 AUDIO\nTITLE \"" + title
+                                     + "\"\nINDEX 01 00:00:00\nTRACK 02 AUDIO\nTITLE \"Two\"\nINDEX 01 00:01:00\n")));
+        ASSERT_EQ(out.list().size(), 2) << qPrintable(out.list().join(u'\n'));
+        EXPECT_TRUE(out.exists(u"02 Two.flac"_s)) << qPrintable(out.list().join(u'\n'));
+        QStringList pieces = outputs();
+        if (pieces.first().endsWith(u"02 Two.flac"))
+            pieces.swapItemsAt(0, 1);
+        EXPECT_TRUE(sound(pieces) == sound({source}));
+        for (const QString &path : outputs())
+            QFile::remove(path);
+    }
+}
+
 TEST_F(SHNToolSplitTaskTest, FailsWhenPiecesAreMissing)
 {
     const QString source = test::writeWav(folder.path(u"a.wav"_s), {.frames = 2 * 44'100});

@@ -4,15 +4,20 @@
 #include "base/NotificationCenter.h"
 #include "shntool/PreviewTask.h"
 #include "shntool/SHNToolCueTask.h"
+#include "shntool/SHNToolEditTask.h"
+#include "shntool/SHNtoolFixture.h"
 #include "shntool/SHNToolLenTask.h"
 #include "shntool/SHNToolSplitTask.h"
 #include "shntool/SHNToolTrimTask.h"
-#include "shntool/SHNtoolFixture.h"
 
 using namespace Qt::StringLiterals;
 
 namespace nurv {
 namespace {
+
+const Alert kDeletion{.title = u"You have chosen to delete the original files.  Are you sure you want to continue?"_s,
+                      .message = {},
+                      .buttons = {u"Yes"_s, u"No"_s}};
 
 class SHNtoolTabTest : public test::SHNtoolFixture {
 protected:
@@ -107,10 +112,7 @@ TEST_F(SHNtoolTabTest, AsksBeforeOriginalsGoAndKeepsTheListOnNo)
     set(u"warnOnDelete", true);
     const auto tab = makeTab(u"join"_s);
     tab->deleteOriginalsButton.setOn(true);
-    prompts.expectAsk({.title = u"You have chosen to delete the original files.  Are you sure you want to continue?"_s,
-                       .message = {},
-                       .buttons = {u"Yes"_s, u"No"_s}},
-                      u"No"_s);
+    prompts.expectAsk(kDeletion, u"No"_s);
     tab->executeCommand();
     EXPECT_EQ(jobCount(), 0U);
     EXPECT_EQ(tab->fileNames().size(), 2);
@@ -118,6 +120,75 @@ TEST_F(SHNtoolTabTest, AsksBeforeOriginalsGoAndKeepsTheListOnNo)
     tab->shntoolCommandMatrix.selectTitle(u"info"_s);
     tab->executeCommand();
     EXPECT_EQ(jobCount(), 1U);
+}
+
+TEST_F(SHNtoolTabTest, ShowsThatAReportIsInTheMaking)
+{
+    for (const QString &command : {u"info"_s, u"cmp"_s}) {
+        SCOPED_TRACE(qPrintable(command));
+        const std::size_t before = jobCount();
+        makeTab(command)->executeCommand();
+        ASSERT_EQ(jobCount(), before + 1);
+        const auto row = job(before);
+        ASSERT_NE(row, nullptr);
+        const bool compares = command == u"cmp";
+        EXPECT_EQ(row->title(), compares ? u"shntool compare"_s : u"Running SHNTool Info"_s);
+        EXPECT_EQ(row->textField().text, compares ? u"Comparing"_s : u"Running SHNTool Info"_s);
+        if (compares) {
+            EXPECT_EQ(row->topTextField().text, u"Comparing");
+        }
+        EXPECT_TRUE(row->progressIndicator().indeterminate);
+        EXPECT_TRUE(row->progressIndicator().animated);
+    }
+}
+
+TEST_F(SHNtoolTabTest, MakesNoCueSheetWithoutAPath)
+{
+    const auto tab = makeTab(u"cue"_s);
+    prompts.expectSavePath(u"cuesheet.cue"_s, u"Save CUE sheet as"_s, std::nullopt);
+    tab->executeCommand();
+    EXPECT_EQ(jobCount(), 0U);
+    EXPECT_TRUE(tab->fileNames().isEmpty());
+}
+
+TEST_F(SHNtoolTabTest, StartsWhatDeletesOnceThatIsAgreedTo)
+{
+    set(u"warnOnDelete", true);
+    for (const QString &command : {u"trim"_s, u"pad"_s, u"strip"_s, u"join"_s}) {
+        SCOPED_TRACE(qPrintable(command));
+        const std::size_t before = jobCount();
+        const auto tab = makeTab(command);
+        tab->deleteOriginalsButton.setOn(true);
+        prompts.expectAsk(kDeletion, u"Yes"_s);
+        prompts.expectOutputFolder(out.path());
+        tab->executeCommand();
+        EXPECT_TRUE(tab->fileNames().isEmpty());
+        ASSERT_EQ(jobCount(), before + (command == u"pad" || command == u"strip" ? 2 : 1));
+        for (std::size_t place = before; place < jobCount(); ++place) {
+            const auto edit = job<SHNToolEditTask>(place);
+            ASSERT_NE(edit, nullptr);
+            EXPECT_TRUE(edit->deleteOriginal());
+        }
+    }
+}
+
+TEST_F(SHNtoolTabTest, AsksAboutNoDeletionThatDoesNotCome)
+{
+    set(u"warnOnDelete", true);
+    // A split keeps its source, and so does a preview.
+    const auto split = makeTab(u"split"_s);
+    split->deleteOriginalsButton.setOn(true);
+    prompts.expectFile(
+        {.title = u"Choose file with split point data"_s, .extensions = {u"cue"_s, u"txt"_s}, .option = u"points"_s},
+        std::nullopt);
+    split->executeCommand();
+    const auto preview = makeTab(u"join"_s);
+    preview->deleteOriginalsButton.setOn(true);
+    preview->previewOnlyButton.setOn(true);
+    prompts.expectOutputFolder(out.path());
+    preview->executeCommand();
+    ASSERT_EQ(jobCount(), 1U);
+    EXPECT_NE(job<PreviewTask>(), nullptr);
 }
 
 TEST_F(SHNtoolTabTest, HandsEachCommandItsLine)

@@ -54,6 +54,33 @@ TEST(SplitTitles, HaveNoneForAListOfPoints)
     EXPECT_EQ(splitTitles::read(QString(), u"flac"_s), Names());
 }
 
+TEST(SplitTitles, GiveATitleWithoutATrackToNoPiece)
+{
+    // No program makes a piece with the number 0.
+    const Names albumOnly{{u"split-track00.flac"_s, u"00 Album.flac"_s}};
+    EXPECT_EQ(splitTitles::read(u"TITLE \"Album\"\n"_s, u"flac"_s), albumOnly);
+    EXPECT_EQ(splitTitles::read(u"TITLE \"First\"\nTITLE \"Album\"\n0:03\n0:05\n"_s, u"flac"_s), albumOnly);
+    // The first track takes the place of the album.
+    EXPECT_EQ(splitTitles::read(u"TITLE \"Album\"\nTRACK 01 AUDIO\n"_s, u"flac"_s),
+              (Names{{u"split-track01.flac"_s, u"split-track01.flac"_s}}));
+}
+
+TEST(SplitTitles, TakeTheLastOfSeveralTitlesOfATrack)
+{
+    EXPECT_EQ(splitTitles::read(u"TRACK 01\nTITLE \"a\"\nTITLE \"b\"\n"_s, u"wav"_s),
+              (Names{{u"split-track01.wav"_s, u"01 b.wav"_s}}));
+}
+
+TEST(SplitTitles, StandInLinesThatEndInAnyWay)
+{
+    const Names both{{u"split-track01.flac"_s, u"01 One.flac"_s}, {u"split-track02.flac"_s, u"02 Two.flac"_s}};
+    for (const QString &end : {u"\n"_s, u"\r\n"_s, u"\r"_s}) {
+        const QStringList lines{u"TRACK 01"_s, u"  TITLE \"One\"\t"_s, u"TRACK 02"_s, u"TITLE Two"_s};
+        EXPECT_EQ(splitTitles::read(lines.join(end), u"flac"_s), both);
+        EXPECT_EQ(splitTitles::read(lines.join(end) + end, u"flac"_s), both);
+    }
+}
+
 TEST(SplitTitles, CannotBeNamesOfFoldersOrTooLong)
 {
     EXPECT_TRUE(splitTitles::canBeName(u"03 Song.flac"_s));
