@@ -22,9 +22,12 @@ bool isChunkName(const std::uint8_t *name)
     return std::all_of(name, name + 4, [](std::uint8_t character) { return character >= ' ' && character <= '~'; });
 }
 
+/// Also a whole file that was put behind another one.
 bool holdsSamples(const std::uint8_t *name)
 {
-    return std::memcmp(name, "data", 4) == 0 || std::memcmp(name, "SSND", 4) == 0 || std::memcmp(name, "wavl", 4) == 0;
+    static constexpr std::array<const char *, 8> kNames{"data", "SSND", "wavl", "RIFF", "RIFX", "RF64", "BW64", "FORM"};
+    return std::any_of(kNames.begin(), kNames.end(),
+                       [name](const char *known) { return std::memcmp(name, known, 4) == 0; });
 }
 
 BehindSound follow(const ByteSource &source, std::int64_t position, bool isBigEndian)

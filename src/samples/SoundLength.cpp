@@ -35,7 +35,8 @@ SoundLength pcmLength(const PcmHeader &header)
     SoundLength length = lengthOf(header.format, header.declaredFrames);
     length.heldFrames = header.heldFrames();
     // Of a header that contradicts the file, every reader believes another part.
-    length.isBacked = !length.declaredFrames || length.declaredFrames == length.heldFrames;
+    const bool isOneLength = !length.declaredFrames || length.declaredFrames == length.heldFrames;
+    length.isBacked = isOneLength && !header.holdsFurtherSound;
     return length;
 }
 

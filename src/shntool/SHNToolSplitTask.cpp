@@ -45,8 +45,9 @@ QString SHNToolSplitTask::pathOf(const QString &name) const
 
 void SHNToolSplitTask::willStart()
 {
-    // The disk is asked: it may take several spellings for one name.
-    for (int number = 1; number <= shntool::kMostPieces; ++number) {
+    // The disk is asked: it may take several spellings for one name. A title before the first track names a piece 0, which
+    // no program makes.
+    for (int number = 0; number <= shntool::kMostPieces; ++number) {
         const QString name = shntool::pieceName(number, arguments().at(kFormatPlace));
         if (isThere(pathOf(name)))
             m_foreign.insert(name);

@@ -142,6 +142,12 @@ TEST_F(PcmLies, SamplesBehindTheSamplesAreNotForgotten)
                 u"it holds further samples behind its sound"_s);
 }
 
+TEST_F(PcmLies, AFileBehindAFileIsNotForgotten)
+{
+    expectWhole(wavBytes(kSound) + wavBytes(kSound), 22'050, u"it holds further samples behind its sound"_s);
+    expectWhole(aiffBytes(kSound) + aiffBytes(kSound), 22'050, u"it holds further samples behind its sound"_s);
+}
+
 TEST_F(PcmLies, AiffCountsThatAreWrongAreTold)
 {
     const QByteArray aiff = aiffBytes(kSound);

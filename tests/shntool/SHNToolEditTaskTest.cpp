@@ -257,6 +257,25 @@ TEST_F(SHNToolEditTaskTest, StripsChunksAndKeepsTheSourceThatHasThem)
     EXPECT_FALSE(QFile::exists(source));
 }
 
+TEST_F(SHNToolEditTaskTest, KeepsASourceWithFurtherSoundWhateverWasAskedFor)
+{
+    const test::SoundShape shape{.frames = 1000};
+    const QByteArray second = test::riffChunk("data", QByteArray(4000, 'x'));
+    for (const QByteArray &bytes : {test::wavBytes(shape) + test::wavBytes(shape), test::wavBytes(shape, {}, second)}) {
+        for (const bool proves : {false, true}) {
+            const QString source = folder.write(u"a.wav"_s, bytes);
+            const auto jobs = execute(u"pad"_s, {source}, u"wav"_s, [proves](SHNtoolTab &tab) {
+                tab.deleteOriginalsButton.setOn(true);
+                tab.originals.proveButton.setOn(proves);
+                tab.originals.dropMetadataButton.setOn(true);
+            });
+            EXPECT_EQ(folder.read(u"a.wav"_s), bytes);
+            EXPECT_EQ(jobs.front()->outcome().original, Original::Kept) << qPrintable(jobs.front()->report());
+            out.remove(u"a-padded.wav"_s);
+        }
+    }
+}
+
 TEST_F(SHNToolEditTaskTest, FailsAndKeepsTheSourceWhenASampleIsAnotherOne)
 {
     const QStringList files{writeStereo(u"a.wav"_s, 30'000, 1), writeStereo(u"b.wav"_s, 20'000, 2)};
