@@ -80,6 +80,11 @@ QString misreadText(const QString &path)
     return u"%1 has a name that its list gives back only to 'Understand lists of other programs'"_s.arg(path);
 }
 
+QString bareNamesText()
+{
+    return u"its names are without their folders, and the files lie in several: it cannot be checked from one place"_s;
+}
+
 std::optional<ListKind> kindOfList(const QString &path)
 {
     const QString format = formatWord(path);

@@ -38,6 +38,8 @@ enum class ListKind { Md5, St5, Ffp };
 [[nodiscard]] bool isReadBack(ListKind kind, const QString &name);
 /// What there is to say about a file whose name is not: a line without a full stop.
 [[nodiscard]] QString misreadText(const QString &path);
+/// What is said of an ST5 or FFP list of files of several folders.
+[[nodiscard]] QString bareNamesText();
 
 /// Whether a file is a list, by its name.
 [[nodiscard]] std::optional<ListKind> kindOfList(const QString &path);

@@ -306,9 +306,11 @@ std::shared_ptr<NURVTask> ChecksumTab::createST5(const QStringList &files, NURVT
     QStringList names;
     QStringList strangers;
     for (const QString &file : files) {
-        names.append(lastPathComponent(file));
-        if (folderOf(file) != folderOf(files.last()) || names.last().startsWith(u'-')
-            || !checksumList::canName(names.last()))
+        const QString name = lastPathComponent(file);
+        const bool canBeListed = checksumList::canName(name);
+        if (canBeListed)
+            names.append(name);
+        if (folderOf(file) != folderOf(files.last()) || !canBeListed)
             strangers.append(file);
     }
     auto job = std::make_shared<CreateST5Task>(*path, queue, programPath(shntool::program().name),
@@ -354,10 +356,15 @@ void ChecksumTab::writeFFP(const QStringList &files, const QString &listPath)
     QString reason;
     if (!writeTextFileAtomically(listPath, list, &reason, LinkAtName::Replaced))
         problems = {u"Unable to write %1: %2"_s.arg(listPath, reason)};
+    const bool isWhole = problems.isEmpty();
+    if (!checksumList::areAllSameDirectory(files))
+        problems.append(u"%1: %2"_s.arg(lastPathComponent(listPath), checksumList::bareNamesText()));
     m_hasWrittenList = problems.isEmpty();
     if (!problems.isEmpty())
         nurvController().prompts().ask(
-            {.title = u"The fingerprint list is not whole"_s, .message = problems.join(u'\n'), .buttons = {u"OK"_s}});
+            {.title = isWhole ? u"The fingerprint list does not tell folders"_s : u"The fingerprint list is not whole"_s,
+             .message = problems.join(u'\n'),
+             .buttons = {u"OK"_s}});
 }
 
 } // namespace nurv

@@ -117,10 +117,12 @@ void CreateAllListsTask::hash(const QString &path, Finding &finding) const
     QString complaint;
     for (const QString &ended : checksumList::linesOf(written)) {
         const QString line = trimBackspaces(ended);
-        if (line.contains(checksumList::kSt5Marker))
-            finding.st5Line = line + u'\n';
-        else if (line.contains(u": "_s) && !line.startsWith(u"Hashing ["_s))
+        if (const qsizetype marker = line.indexOf(checksumList::kSt5Marker); marker >= 0) {
+            const qsizetype name = marker + checksumList::kSt5Marker.size();
+            finding.st5Line = line.first(name) + shntool::hashedName(line.sliced(name)) + u'\n';
+        } else if (line.contains(u": "_s) && !line.startsWith(u"Hashing ["_s)) {
             complaint = line;
+        }
     }
     if (!ending.succeeded() || finding.st5Line.isEmpty())
         finding.st5Problem = complaint.isEmpty() ? u"shntool could not read it to its end"_s : complaint;
@@ -155,6 +157,10 @@ void CreateAllListsTask::writeLists()
             warn(u"%1 has no fingerprint: %2"_s.arg(path, *fault));
     }
     writeList(m_lists.md5, checksumList::md5Header(version, now), md5);
+    for (const auto &[list, entries] : {std::pair(m_lists.st5, st5), std::pair(m_lists.ffp, ffp)}) {
+        if (!allInOneFolder && !entries.isEmpty())
+            warn(u"%1: %2"_s.arg(lastPathComponent(list), checksumList::bareNamesText()));
+    }
     // A line end begins its entries.
     writeList(m_lists.st5, checksumList::st5Header(version, now) + u'\n', st5);
     writeList(m_lists.ffp, checksumList::ffpHeader(version, now), ffp);

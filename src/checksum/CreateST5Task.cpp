@@ -10,6 +10,7 @@
 #include "programs/Shntool.h"
 #include "text/TextNumbers.h"
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -54,8 +55,9 @@ void CreateST5Task::takeEntries(const QString &chunk)
         // The name of a file may hold the mark, too.
         const qsizetype marker = line.startsWith(u"Hashing ["_s) ? -1 : line.indexOf(checksumList::kSt5Marker);
         if (marker >= 0) {
-            appendResultsForSelf(u'\n' + line);
-            m_listed.append(line.sliced(marker + checksumList::kSt5Marker.size()));
+            const qsizetype name = marker + checksumList::kSt5Marker.size();
+            m_listed.append(shntool::hashedName(line.sliced(name)));
+            appendResultsForSelf(u'\n' + line.first(name) + m_listed.last());
         } else if (line.contains(u" warning: "_s) || line.contains(u" error: "_s)) {
             m_complaints += line + u'\n';
         }
@@ -97,7 +99,8 @@ QStringList CreateST5Task::unlisted() const
     QStringList strangers;
     for (const QString &path : m_strangers)
         strangers.append(lastPathComponent(path));
-    for (const QString &name : arguments().sliced(shntool::kHashListOptions)) {
+    for (const QString &argument : arguments().sliced(shntool::kHashListOptions)) {
+        const QString name = shntool::hashedName(argument);
         // What stands in the list under the name of a stranger is another file.
         if (strangers.removeOne(name) || listed.removeOne(name))
             continue;
@@ -112,7 +115,10 @@ void CreateST5Task::cleanup()
         return;
     const QStringList missing = unlisted();
     if (!missing.isEmpty()) {
-        const qsizetype wanted = arguments().size() - shntool::kHashListOptions;
+        const qsizetype unnameable =
+            std::count_if(m_strangers.cbegin(), m_strangers.cend(),
+                          [](const QString &path) { return !checksumList::canName(lastPathComponent(path)); });
+        const qsizetype wanted = arguments().size() - shntool::kHashListOptions + unnameable;
         QString details;
         for (const QString &name : missing)
             details += name + u" is not in the list\n"_s;

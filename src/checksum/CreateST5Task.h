@@ -14,8 +14,8 @@ public:
     /// `fileName`: the list, an absolute path. `arguments`: see shntool::hashListArguments.
     using NURVAsyncNSTaskFileOutputRedirection::NURVAsyncNSTaskFileOutputRedirection;
 
-    /// The files that are not those that shntool finds by their names: of other folders, or with names that it takes for
-    /// options or that no list can hold. Before the start.
+    /// The files that are not those that shntool finds by their names: of other folders, or with names that no list can
+    /// hold, which are not among the arguments. Before the start.
     void setStrangers(const QStringList &paths) { m_strangers = paths; }
     void startTask() override;
 

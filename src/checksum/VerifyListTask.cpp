@@ -108,7 +108,9 @@ void VerifyListTask::failFor(const QString &reason)
 
 QString VerifyListTask::text() const
 {
-    return understandsOthers() ? foreignList::read(fileName()) : checksumList::readList(fileName());
+    QString text = understandsOthers() ? foreignList::read(fileName()) : checksumList::readList(fileName());
+    // No file has it in its name, and the system takes it for the end of one.
+    return text.replace(QChar::Null, QChar::ReplacementCharacter);
 }
 
 std::vector<checksumList::Entry> VerifyListTask::entriesOf(const QString &text) const

@@ -106,7 +106,7 @@ void BatchReport::addUnsettled(const NURVTask &task)
 void BatchReport::add(const NURVTask &task, const Job &job)
 {
     count(task, job);
-    if ((task.error() || job.hasProblem()) && task.results())
+    if ((task.error() || job.hasProblem()) && task.results() && !job.outcome.isReport)
         m_setsWithProblems.insert(task.results());
     else if (task.results() && task.results()->frame() && !task.cancelled())
         m_goodReports[task.results()].emplace(task.results()->placeOf(task), job.report);
@@ -130,7 +130,7 @@ void BatchReport::count(const NURVTask &task, const Job &job)
     if (job.keptOriginal())
         countKept(task, job, affected);
     else if (task.error())
-        m_counts.failedOtherwise += affected;
+        countFailed(task, job, affected);
     else if (job.hasProblem())
         m_counts.notInFull += affected;
     else
@@ -141,6 +141,14 @@ void BatchReport::count(const NURVTask &task, const Job &job)
         m_counts.notProven += affected;
     m_counts.sourceBytes += job.outcome.sourceBytes;
     m_counts.outputBytes += job.outcome.outputBytes;
+}
+
+/// Of a set some may have been done.
+void BatchReport::countFailed(const NURVTask &task, const Job &job, int affected)
+{
+    const int failed = std::min(job.outcome.failedSources.value_or(affected), affected);
+    m_counts.failedOtherwise += failed;
+    m_counts.done += std::max(task.sourceCount() - failed, 0);
 }
 
 QString BatchReport::nameOf(const NURVTask &task) const

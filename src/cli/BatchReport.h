@@ -71,6 +71,7 @@ private:
     void add(const NURVTask &task, const Job &job);
     void count(const NURVTask &task, const Job &job);
     void countKept(const NURVTask &task, const Job &job, int affected);
+    void countFailed(const NURVTask &task, const Job &job, int affected);
     void writeLines(const NURVTask &task, const Job &job);
     void writeObject(const NURVTask &task, const Job &job);
     [[nodiscard]] std::optional<QString> lineOf(const NURVTask &task, const Job &job) const;

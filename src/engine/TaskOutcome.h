@@ -56,6 +56,10 @@ struct TaskOutcome {
     std::vector<ListedFile> listedFiles = {};
     /// Of a job that did its work on several sources and kept originals: how many of them. Nothing: all.
     std::optional<int> keptSources = {};
+    /// Of a job that failed at some of several sources: how many of them. Nothing: all.
+    std::optional<int> failedSources = {};
+    /// Its report is what it was for, and is told whatever it failed at.
+    bool isReport = false;
 };
 
 } // namespace nurv

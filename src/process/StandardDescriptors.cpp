@@ -15,8 +15,9 @@ bool openStandardDescriptors()
     for (const int wanted : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (::fcntl(wanted, F_GETFD) >= 0 || errno != EBADF)
             continue;
-        // The lowest free one is given, and those below are open. Children inherit it.
-        if (::open("/dev/null", O_RDWR) != wanted)
+        // The lowest free one is given, and those below are open. Children inherit it. A result that is written to
+        // standard output would be lost there: writing fails instead.
+        if (::open("/dev/null", wanted == STDOUT_FILENO ? O_RDONLY : O_RDWR) != wanted)
             return false;
     }
     return true;

@@ -6,7 +6,7 @@ namespace nurv {
 
 /// Opens those of the descriptors 0 to 2 that the program was started without on
 /// /dev/null, so that no file that is opened later becomes one of them and takes what is
-/// written for the user. First thing in main(). False: it cannot be done, and the program
+/// written for the user. Writing to such a standard output fails. First thing in main(). False: it cannot be done, and the program
 /// must not go on.
 [[nodiscard]] bool openStandardDescriptors();
 

@@ -23,6 +23,8 @@ constexpr int kOldestMonkeysAudio = 3990;
 
 constexpr int kId3HeadSize = 10;
 
+const QString kHere = u"./"_s;
+
 /// The program that decodes the source for it; empty for what it reads itself.
 QString decoderOf(const QString &source)
 {
@@ -147,7 +149,16 @@ QStringList hashArguments(const QString &path)
 
 QStringList hashListArguments(const QStringList &names)
 {
-    return QStringList{u"hash"_s, u"-m"_s} + names;
+    QStringList arguments{u"hash"_s, u"-m"_s};
+    // A name that begins with a dash would be taken for an option.
+    for (const QString &name : names)
+        arguments.append(name.startsWith(u'-') ? kHere + name : name);
+    return arguments;
+}
+
+QString hashedName(const QString &argument)
+{
+    return argument.startsWith(kHere) ? argument.sliced(kHere.size()) : argument;
 }
 
 ProgramStage shortenToWav(const QString &source, const QString &wav)

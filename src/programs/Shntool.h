@@ -51,6 +51,8 @@ inline constexpr qsizetype kFlacFolderPlace = 6;
 [[nodiscard]] QStringList hashArguments(const QString &path);
 /// The same of several files of the working folder, a line each; `names` as they stand there.
 [[nodiscard]] QStringList hashListArguments(const QStringList &names);
+/// The name that such an argument stands for.
+[[nodiscard]] QString hashedName(const QString &argument);
 /// How many words stand before the names.
 inline constexpr qsizetype kHashListOptions = 2;
 

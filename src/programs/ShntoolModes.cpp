@@ -3,6 +3,7 @@
 #include "programs/ShntoolModes.h"
 
 #include "programs/Shntool.h"
+#include "text/RegularExpression.h"
 #include "text/TextNumbers.h"
 
 #include <QFileInfo>
@@ -17,6 +18,47 @@ namespace {
 QStringList editArguments(const QString &mode, const QString &outputFolder, const QString &format)
 {
     return {mode, u"-d"_s, outputFolder, u"-o"_s, format, u"-O"_s, u"never"_s};
+}
+
+/// "in/a.flac" for "Trimming [in/a.flac] (0:03.00) ..."; empty for any other line.
+QString fileBegunWith(QStringView line)
+{
+    static const RegularExpression begin(
+        u"^(?:Scanning|Trimming|Joining|Padding|Stripping|Splitting|Fixing) \\[(.+?)\\] \\("_s);
+    const std::optional<RegularExpressionMatch> match = begin.findFirst(line);
+    return match ? match->text(1) : QString();
+}
+
+/// What follows from what was said before it.
+bool isVague(const QString &problem)
+{
+    static const RegularExpression vague(
+        u"^(?:failed to (?:fix|join|split) files?$|child (?:en|de)coder process|could not open (?:file|output file)"
+        "|none of the builtin format modules)"_s);
+    return vague.findFirst(problem).has_value();
+}
+
+QString inPlainWords(QString problem)
+{
+    // It advises options that are not the user's to give.
+    if (problem.contains(u"cannot prompt for overwrite"_s))
+        return u"a file of the name of its output exists already"_s;
+    if (problem.startsWith(u"none of the builtin format modules"_s))
+        return u"it is no sound file that shntool knows"_s + problem.sliced(problem.indexOf(u": ["_s));
+    static const RegularExpression child(u"^child (en|de)coder process \\d+ had non-zero exit status (\\d+)"_s);
+    problem = child.replaceAll(problem, u"its $1coder ended with exit status $2"_s);
+    static const RegularExpression ending(u"\\s*-- skipping\\.?$|\\.$"_s);
+    return ending.replaceAll(problem, QString());
+}
+
+/// The text apart from the file that it ends with: "... while processing file: [in/a.wav]".
+Problem withoutFile(const QString &text)
+{
+    static const RegularExpression named(u"(?: while processing(?: file)?| file)?: \\[(.+)\\]$"_s);
+    const std::optional<RegularExpressionMatch> match = named.findFirst(text);
+    if (!match)
+        return {.file = {}, .text = text};
+    return {.file = match->text(1), .text = text.first(match->start())};
 }
 
 } // namespace
@@ -114,13 +156,28 @@ QString problemLines(QStringView output)
     return problems.join(u'\n');
 }
 
-QString lastProblem(QStringView output)
+Problem lastProblem(QStringView output)
 {
-    const QString line = problemLines(output).section(u'\n', -1);
-    // It advises options that are not the user's to give.
-    if (line.contains(u"cannot prompt for overwrite"_s))
-        return u"a file of the name of its output exists already"_s;
-    return line.section(u"]: "_s, 1).section(u": "_s, 1);
+    Problem last;
+    bool isTelling = false;
+    QString file;
+    for (const QStringView line : output.split(u'\n')) {
+        if (const QString begun = fileBegunWith(line); !begun.isEmpty())
+            file = begun;
+        const QString said = problemLines(line).section(u"]: "_s, 1).section(u": "_s, 1);
+        if (said.isEmpty() || (isTelling && isVague(said)))
+            continue;
+        last = withoutFile(inPlainWords(said));
+        if (last.file.isEmpty())
+            last.file = file;
+        isTelling = !isVague(said);
+    }
+    return last;
+}
+
+QString Problem::withFile() const
+{
+    return file.isEmpty() || text.isEmpty() ? text : u"%1: %2"_s.arg(file.section(u'/', -1), text);
 }
 
 } // namespace nurv::shntool

@@ -58,7 +58,16 @@ struct EditReport {
 [[nodiscard]] bool isMessage(QStringView line);
 /// The lines with which it tells of problems, joined by line feeds.
 [[nodiscard]] QString problemLines(QStringView output);
-/// What the last of them says; empty without one.
-[[nodiscard]] QString lastProblem(QStringView output);
+
+/// Why a run failed.
+struct Problem {
+    QString file; ///< the path of the source that it was at, as the program shows it; empty when it named none
+    QString text; ///< one line without a full stop, mostly in the program's words; empty when it said nothing
+
+    /// The text, behind the name of the file.
+    [[nodiscard]] QString withFile() const;
+};
+/// The last problem that says more than that something failed, else the last one.
+[[nodiscard]] Problem lastProblem(QStringView output);
 
 } // namespace nurv::shntool

@@ -151,6 +151,10 @@ EditPreview EditPreview::ofSplit(const QString &source, const QString &points, c
                 continue;
             if (!ends.empty() && end <= ends.back())
                 preview.m_obstacles.append(u"the point %1 does not come after the one before it"_s.arg(written));
+            if (sound->header.blockAlign > 0 && end % sound->header.blockAlign != 0) {
+                preview.m_brokenPoints.append(u"the point %1 lies within a sample: what follows would be noise"_s.arg(written));
+                preview.m_obstacles.append(preview.m_brokenPoints.last());
+            }
             if (end > sound->bytes)
                 preview.m_obstacles.append(
                     u"the point %1 lies behind the end of the file, %2"_s.arg(written, sound->timeOf(sound->bytes)));

@@ -30,6 +30,8 @@ public:
     [[nodiscard]] const std::vector<Output> &outputs() const { return m_outputs; }
     /// Why the edit would fail, a line each; empty when nothing speaks against it.
     [[nodiscard]] const QStringList &obstacles() const { return m_obstacles; }
+    /// Of a split the points that no piece of sound can end at, with the reason; shntool would cut there all the same.
+    [[nodiscard]] const QStringList &brokenPoints() const { return m_brokenPoints; }
     /// A table of the outputs, the obstacles below it; ends with a line end.
     [[nodiscard]] QString text() const;
 
@@ -38,6 +40,7 @@ private:
 
     std::vector<Output> m_outputs;
     QStringList m_obstacles;
+    QStringList m_brokenPoints;
 };
 
 } // namespace nurv

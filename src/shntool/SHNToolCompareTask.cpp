@@ -8,6 +8,12 @@ using namespace Qt::StringLiterals;
 
 namespace nurv {
 
+SHNToolCompareTask::SHNToolCompareTask(NURVTaskQueue *queue, const QString &launchPath, const QStringList &arguments)
+    : NURVAsyncNSTask(queue, launchPath, arguments)
+{
+    ownOutcome().isReport = true;
+}
+
 void SHNToolCompareTask::processTaskOutput(const QString &chunk)
 {
     m_output += chunk;

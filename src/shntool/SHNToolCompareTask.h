@@ -10,7 +10,7 @@ namespace nurv {
 /// report is what a terminal would show in the end: shntool counts up in place.
 class SHNToolCompareTask final : public NURVAsyncNSTask {
 public:
-    using NURVAsyncNSTask::NURVAsyncNSTask;
+    SHNToolCompareTask(NURVTaskQueue *queue, const QString &launchPath, const QStringList &arguments);
 
 protected:
     void processTaskOutput(const QString &chunk) override;

@@ -81,7 +81,7 @@ void SHNToolCueTask::cleanup()
         const QString killed = killedProgramText(shntool::program().name, exit->signal, title());
         fail(killed.trimmed().section(u'\n', 0, 0), m_complaint + killed);
     } else if (error()) {
-        fail(shntool::lastProblem(m_complaint), m_complaint);
+        fail(shntool::lastProblem(m_complaint).withFile(), m_complaint);
     } else if (outcome().output.isEmpty()) {
         const QString taken =
             u"%1 has changed since it was chosen, and stays as it is"_s.arg(lastPathComponent(fileName()));

@@ -7,6 +7,7 @@
 #include "base/Log.h"
 #include "base/WorkerThreads.h"
 #include "files/FileStatus.h"
+#include "journal/OutputJournal.h"
 #include "programs/ShntoolModes.h"
 #include "text/TextNumbers.h"
 
@@ -80,8 +81,42 @@ void SHNToolEditTask::startTask()
         failToStart(*obstacle + u'\n');
         return;
     }
+    beginJournal();
     willStart();
     NURVAsyncNSTask::startTask();
+}
+
+void SHNToolEditTask::beginJournal()
+{
+    std::vector<OutputJournal::Planned> outputs;
+    for (const Work &work : m_works) {
+        for (const QStringList &names : work.outputs)
+            outputs.push_back({names.first(), work.sources.first()});
+    }
+    m_journal = OutputJournal::begin(outputs);
+    OutputJournal::prepareForTemporaries();
+    // Of several nobody sees when the program begins with each. What was made of those stays, and what it works on in
+    // their folder has names of its own.
+    if (m_works.size() == 1 && !m_works.front().hasMoreOutputs) {
+        for (const OutputJournal::Planned &planned : outputs)
+            m_journal->markBegun(planned.output);
+    }
+}
+
+void SHNToolEditTask::endJournal()
+{
+    if (m_journal == nullptr)
+        return;
+    for (const Work &work : m_works) {
+        for (const QStringList &names : work.outputs)
+            m_journal->markEnded(names.first());
+    }
+}
+
+void SHNToolEditTask::finalCleanup()
+{
+    m_claims.clear();
+    m_journal.reset();
 }
 
 std::optional<QString> SHNToolEditTask::takeAll()
@@ -159,6 +194,7 @@ void SHNToolEditTask::showProgress(const QString &status, double percent)
 void SHNToolEditTask::completeStop()
 {
     const std::optional<ChildExit> exit = exitState();
+    endJournal();
     if (!exit || !exit->succeeded() || cancelled()) {
         if (exit)
             findAllOutputs();
@@ -283,6 +319,7 @@ void SHNToolEditTask::noteKept(const Work &work, const QString &reason)
 
 void SHNToolEditTask::retireAll()
 {
+    m_journal->flush();
     for (std::size_t place = 0; place < m_works.size(); ++place) {
         const Work &work = m_works[place];
         if (!work.whyItStays.isEmpty())
@@ -315,11 +352,11 @@ void SHNToolEditTask::tellWhatWasMade()
 
 QString SHNToolEditTask::whyItFailed() const
 {
-    const QString said = shntool::lastProblem(m_output);
+    shntool::Problem problem = shntool::lastProblem(m_output);
     // It tells that it cannot, and not why.
-    return said.startsWith(u"could not open output file"_s) && !m_thereBefore.isEmpty()
-               ? u"a file of the name of its output exists already"_s
-               : said;
+    if (problem.text.startsWith(u"could not open output file"_s) && !m_thereBefore.isEmpty())
+        problem = {.file = {}, .text = u"a file of the name of its output exists already"_s};
+    return sourcePath().isEmpty() ? problem.withFile() : problem.text;
 }
 
 void SHNToolEditTask::cleanup()

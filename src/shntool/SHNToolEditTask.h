@@ -15,6 +15,8 @@
 
 namespace nurv {
 
+class OutputJournal;
+
 /// Files that one run of shntool edits: what trimming, padding, stripping, joining and splitting have in common.
 ///
 ///     child ──> processTaskOutput(chunk) ──> status line, progress, report
@@ -43,6 +45,8 @@ protected:
         QStringList sources;
         /// Of each output the names that it may get, absolute paths: the first that is there is the output.
         std::vector<QStringList> outputs;
+        /// The run makes more than these, and their number shows afterwards.
+        bool hasMoreOutputs = false;
         SoundComparison::Relation relation = SoundComparison::Relation::Equal;
         /// Why the sources stay whatever was asked for; empty: they may go.
         QString whyItStays = {};
@@ -66,7 +70,7 @@ protected:
     virtual void findOutputs(Work & /*work*/) {}
     void completeStop() final;
     void cleanup() override;
-    void finalCleanup() override { m_claims.clear(); }
+    void finalCleanup() override;
 
     [[nodiscard]] std::vector<Work> &works() { return m_works; }
     /// The output of an edit of one file: "Padding: 45.000000%", and all of it in the report.
@@ -76,6 +80,10 @@ protected:
 
 private:
     [[nodiscard]] std::optional<QString> takeAll();
+    /// Notes the outputs, for a process that is killed.
+    void beginJournal();
+    /// What the program made it has finished.
+    void endJournal();
     /// Looks at one work's outputs.
     [[nodiscard]] SourceRetirement::Verdict examine(std::size_t place);
     void findAllOutputs();
@@ -93,6 +101,7 @@ private:
     SourceRetirement::Wishes m_wishes;
     std::vector<std::unique_ptr<SourceRetirement>> m_retirements;    ///< of each work, once the job runs
     std::vector<std::vector<std::unique_ptr<OutputClaim>>> m_claims; ///< of each work
+    std::shared_ptr<OutputJournal> m_journal;       ///< while the job runs
     QSet<QString> m_thereBefore;                    ///< what had the name of an output when the job began
     QString m_output;                               ///< the end of what the program wrote
     std::optional<TaskOutcome::Proof> m_leastProof; ///< of the works so far

@@ -46,6 +46,7 @@ SHNToolLenTask::SHNToolLenTask(NURVTaskQueue *queue, const QString &launchPath, 
     : NURVAsyncNSTask(queue, launchPath, arguments), m_type(lenType)
 {
     nameRow(u"Running shntool LEN"_s);
+    ownOutcome().isReport = true;
 }
 
 SHNToolLenTask::SHNToolLenTask(std::shared_ptr<NURVTaskResults> results, NURVTaskQueue *queue,
@@ -72,6 +73,15 @@ void SHNToolLenTask::processTaskOutput(const QString &chunk)
     m_output += chunk;
 }
 
+/// How many files have a line of their own.
+int SHNToolLenTask::toldSources() const
+{
+    const QStringList lines = m_output.split(u'\n').sliced(1);
+    return static_cast<int>(std::count_if(lines.begin(), lines.end(), [](const QString &line) {
+        return !shntool::isMessage(line) && line.contains(u'/');
+    }));
+}
+
 void SHNToolLenTask::cleanup()
 {
     if (m_type == kNormal)
@@ -82,7 +92,8 @@ void SHNToolLenTask::cleanup()
         return;
     // A set list has no place for what the program says of files that it cannot read.
     const QString problems = shntool::problemLines(m_output);
-    ownOutcome().problem = shntool::lastProblem(problems.section(u'\n', 0, 0));
+    ownOutcome().problem = shntool::lastProblem(problems.section(u'\n', 0, 0)).withFile();
+    ownOutcome().failedSources = sourceCount() - toldSources();
     if (m_type != kNormal && !problems.isEmpty())
         appendResultsForSelf(problems + u'\n');
 }

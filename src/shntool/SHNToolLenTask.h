@@ -46,6 +46,8 @@ protected:
     void cleanup() override;
 
 private:
+    [[nodiscard]] int toldSources() const;
+
     QString m_type;
     QString m_output;
     std::optional<QStringList> m_names;

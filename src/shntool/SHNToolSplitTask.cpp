@@ -33,6 +33,7 @@ SHNToolSplitTask::SHNToolSplitTask(NURVTaskQueue *queue, const QString &launchPa
     : SHNToolEditTask(queue, launchPath, arguments,
                       {{.sources = {arguments.at(kSourcePlace)},
                         .outputs = firstPieceOf(arguments),
+                        .hasMoreOutputs = true,
                         .relation = SoundComparison::Relation::Equal}}),
       m_outputPath(arguments.at(kFolderPlace))
 {

@@ -18,6 +18,7 @@
 #include "shntool/PreviewTask.h"
 #include "shntool/SHNToolCompareTask.h"
 #include "shntool/SHNToolCueTask.h"
+#include "shntool/SHNToolInfoTask.h"
 #include "shntool/SHNToolJoinTask.h"
 #include "shntool/SHNToolLenTask.h"
 #include "shntool/SHNToolPadTask.h"
@@ -212,9 +213,8 @@ void SHNtoolTab::handleSHNtoolLenByDisc(const QStringList &names, int longestNam
 
 void SHNtoolTab::handleSHNtoolInfo()
 {
-    auto job = std::make_shared<NURVAsyncNSTask>(&nurvController().taskQueue(), program(),
+    auto job = std::make_shared<SHNToolInfoTask>(&nurvController().taskQueue(), program(),
                                                  shntool::informationArguments(fileNames()));
-    job->nameRow(u"Running SHNTool Info"_s);
     job->startIndeterminateProgressBar();
     queue(job);
 }
@@ -318,8 +318,15 @@ void SHNtoolTab::handleSHNtoolSplit()
     }
     const QString source = fileNames().first();
     const QMap<QString, QString> titles = splitTitles::read(points->text(), format());
+    const EditPreview preview = EditPreview::ofSplit(source, points->text(), titles, *folder, format());
+    if (!preview.brokenPoints().isEmpty() && !previewOnlyButton.isOn()) {
+        nurvController().prompts().ask({.title = u"The file cannot be split there"_s,
+                                        .message = preview.brokenPoints().join(u'\n'),
+                                        .buttons = {u"OK"_s}});
+        return;
+    }
     const bool wantsPreview = previewOnlyButton.isOn() || previewButton.isOn();
-    if (wantsPreview && !mayStart(EditPreview::ofSplit(source, points->text(), titles, *folder, format())))
+    if (wantsPreview && !mayStart(preview))
         return;
     auto job = std::make_shared<SHNToolSplitTask>(&nurvController().taskQueue(), program(),
                                                   shntool::splitArguments(points->path(), format(), *folder, source));

@@ -4,6 +4,7 @@
 
 #include "app/ScriptedPrompts.h"
 #include "checksum/ChecksumFixture.h"
+#include "checksum/ChecksumList.h"
 #include "checksum/CreateMD5Task.h"
 #include "checksum/VerifyFFPTask.h"
 #include "checksum/VerifyMD5Task.h"
@@ -147,6 +148,39 @@ TEST_F(ChecksumTabTest, SaysThatFilesOfOtherFoldersAreNotInAnSt5ListAlsoWhereThe
     EXPECT_EQ(job->outcome().problem, u"1 of 2 files is not in the list");
 }
 
+TEST_F(ChecksumTabTest, ListsNamesThatLookLikeOptionsAndNoneThatNoListCanHold)
+{
+    const QStringList files{test::writeWav(folder.path(u"-m.wav"_s), {.seconds = 0.3}),
+                            test::writeWav(folder.path(u"a\nb.wav"_s), {.seconds = 0.3}),
+                            test::writeWav(folder.path(u"c.wav"_s), {.seconds = 0.3, .seed = 2})};
+    std::shared_ptr<NURVTask> job;
+    QObject::connect(&controller.taskQueue(), &NURVTaskQueue::taskEnded, &controller,
+                     [&](const std::shared_ptr<NURVTask> &task) { job = task; });
+    tab.sourceSaveButton.setOn(true);
+    create(u"ST5"_s, files);
+    ASSERT_TRUE(job);
+    EXPECT_EQ(job->outcome().problem, u"1 of 3 files is not in the list");
+    const auto reference = test::runProgram(
+        u"bash"_s, {u"-c"_s, u"cd \"$1\" && exec /usr/bin/shntool hash -m ./-m.wav c.wav"_s, u"-"_s, folder.path()});
+    ASSERT_EQ(reference.exitStatus, 0) << reference.errors.constData();
+    EXPECT_EQ(entriesOf(u"checksum.st5"_s, u";shntool st5 checksums"_s),
+              QString::fromUtf8(reference.output).remove(u"./"_s));
+}
+
+TEST_F(ChecksumTabTest, SaysThatAFingerprintListDoesNotTellFolders)
+{
+    const QStringList files{test::writeFlac(folder.path(u"cd1/a.flac"_s), {.seconds = 0.2}),
+                            test::writeFlac(folder.path(u"cd2/b.flac"_s), {.seconds = 0.2, .seed = 2})};
+    tab.sourceSaveButton.setOn(true);
+    prompts.expectAsk({.title = u"The fingerprint list does not tell folders"_s,
+                       .message = u"fingerprint.ffp.txt: "_s + checksumList::bareNamesText(),
+                       .buttons = {u"OK"_s}},
+                      u"OK"_s);
+    create(u"FFP"_s, files);
+    EXPECT_FALSE(tab.hasWorkedItself());
+    EXPECT_EQ(entriesOf(u"cd1/fingerprint.ffp.txt"_s, u";flac fingerprints"_s).count(u'\n'), 2);
+}
+
 TEST_F(ChecksumTabTest, KeepsTheLastLineOfAnSt5ListThatHasNoEnd)
 {
     tools.remove(u"shntool"_s);
@@ -163,7 +197,7 @@ TEST_F(ChecksumTabTest, WritesFingerprintsAtOnce)
     QObject::connect(&tab, &ChecksumTab::longWorkEnded, &tab, [&] { work.append(u"ended"_s); });
     tab.sourceSaveButton.setOn(true);
     const QStringList files{test::writeFlac(folder.path(u"cd1/a.flac"_s), {.seconds = 0.2}),
-                            test::writeFlac(folder.path(u"cd2/b.FLAC"_s), {.bits = 24, .seconds = 0.2})};
+                            test::writeFlac(folder.path(u"cd1/b.FLAC"_s), {.bits = 24, .seconds = 0.2})};
     create(u"FFP"_s, files + QStringList{folder.write(u"cd1/c.wav"_s, "x")});
     EXPECT_TRUE(tab.hasWorkedItself());
     EXPECT_EQ(controller.taskQueue().panelArray().size(), 0U);

@@ -80,6 +80,15 @@ TEST_F(VerifyMD5TaskTest, FindsNoFileForAnEntryWithoutAName)
     EXPECT_TRUE(task->error());
 }
 
+TEST_F(VerifyMD5TaskTest, FindsNoFileForANameThatNoFileCanHave)
+{
+    folder.write(u"a.wav"_s, "abc");
+    const auto task =
+        verify<VerifyMD5Task>(folder.write(u"l.md5"_s, kDigestOfAbc + QByteArray(" *a.wav\0gone.wav\n", 17)));
+    EXPECT_EQ(statesOf(*task), std::vector{State::Missing});
+    EXPECT_TRUE(task->error());
+}
+
 TEST_F(VerifyMD5TaskTest, FindsFilesInFoldersBelowTheList)
 {
     folder.write(u"cd2/t01.wav"_s, "abc");

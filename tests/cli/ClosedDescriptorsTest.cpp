@@ -36,6 +36,19 @@ TEST(ClosedDescriptors, TakeNoTextIntoTheOutput)
     }
 }
 
+TEST(ClosedDescriptors, LoseNoResultWithoutAWord)
+{
+    const TestFolder folder;
+    const QString wav = writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1});
+    for (const QString &command : {u"shntool len \"$1\""_s, u"shntool info --json \"$1\""_s, u"settings"_s, u"--version"_s}) {
+        const ProgramResult result =
+            runProgram(u"bash"_s, {u"-c"_s, u"\"$0\" %1 >&-"_s.arg(command), nurvPath(), wav});
+        EXPECT_EQ(result.exitStatus, 1) << qPrintable(command);
+        EXPECT_TRUE(result.errors.contains("standard output cannot be written: Bad file descriptor"))
+            << qPrintable(command) << result.errors.constData();
+    }
+}
+
 TEST(ClosedDescriptors, AreOpenedAndTheOpenOnesStayAsTheyAre)
 {
     // In a child of its own: the test program needs its descriptors.

@@ -4,8 +4,12 @@
 
 #include "PseudoTerminal.h"
 #include "support/ProgramFolder.h"
+#include "support/WaitUntil.h"
 
+#include <QDir>
 #include <QFile>
+
+#include <csignal>
 
 #include <sys/stat.h>
 
@@ -249,19 +253,77 @@ TEST_F(SHNtoolCommandTest, SplitsAtACueSheetOrAList)
     EXPECT_EQ(folder.list().size(), 3 + 2 + 3) << qPrintable(folder.list().join(u'\n'));
 }
 
-TEST_F(SHNtoolCommandTest, SplitsTheFirstFileOnlyAndSaysSo)
+TEST_F(SHNtoolCommandTest, SplitsOneFileAtATime)
 {
     const QString a = writeWav(folder.path(u"in/a.wav"_s), {.frames = 2 * 44'100});
     const QString b = writeWav(folder.path(u"in/b.wav"_s), {.frames = 2 * 44'100, .seed = 2});
-    const QByteArray note = "nurv: split takes one file: only " + a.toUtf8() + " is split\n";
+    const ProgramResult result = edit(u"split"_s, {u"--points"_s, writeSheet(), a, b});
+    EXPECT_EQ(result.exitStatus, 2);
+    EXPECT_TRUE(result.errors.startsWith("nurv shntool split: split takes one file, and these are 2.\n"))
+        << result.errors.constData();
+    EXPECT_EQ(folder.list(), (QStringList{u"in/a.wav"_s, u"in/b.wav"_s, u"points.cue"_s}));
+}
+
+TEST_F(SHNtoolCommandTest, SplitsNothingWithinASample)
+{
+    const QString source = writeWav(folder.path(u"a.wav"_s), {.frames = 2 * 44'100});
+    for (const char *point : {"6\n", "1e3\n", "-5\n"}) {
+        SCOPED_TRACE(point);
+        const ProgramResult result =
+            edit(u"split"_s, {u"--format=wav"_s, u"--points"_s, folder.write(u"p.txt"_s, point), source});
+        EXPECT_NE(result.exitStatus, 0);
+        EXPECT_TRUE(result.errors.contains("lies within a sample")) << result.errors.constData();
+        EXPECT_EQ(folder.list(), (QStringList{u"a.wav"_s, u"p.txt"_s}));
+    }
+}
+
+TEST_F(SHNtoolCommandTest, NamesTheFileThatItFailedAt)
+{
+    const QString a = writeSilentEnds(u"in/a.wav"_s);
+    const QString b = writeSilentEnds(u"in/b.wav"_s, {.frames = 30'000, .seed = 2});
+    const QString cut = folder.write(u"in/c.wav"_s, folder.read(u"in/b.wav"_s).first(30));
+    const ProgramResult joined = edit(u"join"_s, {a, cut, b});
+    EXPECT_EQ(joined.exitStatus, 1);
+    EXPECT_TRUE(joined.errors.startsWith("Joining Files: c.wav: reached end of file")) << joined.errors.constData();
+    const QString flac = writeFlac(folder.path(u"in/d.flac"_s), {.seconds = 3});
+    folder.write(u"in/d.flac"_s, folder.read(u"in/d.flac"_s).first(100'000));
+    const ProgramResult trimmed = edit(u"trim"_s, {a, flac, b});
+    EXPECT_EQ(trimmed.exitStatus, 1);
+    EXPECT_TRUE(trimmed.errors.startsWith("Running SHNTool Trim: d.flac: error while reading"))
+        << trimmed.errors.constData();
+}
+
+TEST_F(SHNtoolCommandTest, IsClearedUpAfterWhenItWasKilled)
+{
     const QString sheet = writeSheet();
-    const ProgramResult result = edit(u"split"_s, {u"--points"_s, sheet, a, b});
-    EXPECT_EQ(result.exitStatus, 0) << result.errors.constData();
-    EXPECT_TRUE(result.errors.startsWith(note)) << result.errors.constData();
-    EXPECT_TRUE(sound({out + u"/01 Zwölf.flac"_s, out + u"/02 Two.flac"_s}) == sound({a}));
-    folder.remove(u"out/02 Two.flac"_s);
-    folder.remove(u"out/01 Zwölf.flac"_s);
-    EXPECT_EQ(edit(u"split"_s, {u"--quiet"_s, u"--points"_s, sheet, a, b}).errors, QByteArray());
+    for (const QString &command : {u"trim"_s, u"pad"_s, u"strip"_s, u"split"_s, u"join"_s}) {
+        SCOPED_TRACE(qPrintable(command));
+        QStringList sources{writeFor(command, u"in/a.wav"_s)};
+        if (command == u"join")
+            sources.append(writeFor(command, u"in/b.wav"_s, 2));
+        const QStringList before = folder.list();
+        const ProgramFolder tools;
+        tools.addAllReal();
+        tools.remove(u"shorten"_s);
+        // Its encoder never ends, so that it is at work when it is killed.
+        tools.addFake(u"shorten"_s, "create=" + folder.path(u"waits"_s).toUtf8() + ";hang");
+        {
+            QStringList arguments{u"shntool"_s, command, u"--format=shn"_s, u"--output-dir"_s, out};
+            if (command == u"split")
+                arguments << u"--points"_s << sheet;
+            RunningNurv run(arguments + sources);
+            ASSERT_TRUE(waitUntil([this] { return folder.exists(u"waits"_s); }));
+            EXPECT_FALSE(QDir(out).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
+            run.sendSignal(SIGKILL);
+            static_cast<void>(run.finish());
+        }
+        folder.remove(u"waits"_s);
+        const ProgramResult recovered = runNurv({u"recover"_s, u"--yes"_s});
+        EXPECT_EQ(recovered.exitStatus, 0) << recovered.errors.constData();
+        EXPECT_EQ(folder.list(), before) << recovered.output.constData() << recovered.errors.constData();
+        EXPECT_TRUE(QDir(out).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
+        EXPECT_TRUE(recovered.output.contains("in/a.wav")) << recovered.output.constData();
+    }
 }
 
 TEST_F(SHNtoolCommandTest, SplitsNothingWithoutPointsThatCanBeRead)

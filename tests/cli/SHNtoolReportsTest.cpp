@@ -71,6 +71,8 @@ TEST_F(SHNtoolLengthTest, TellsOfFilesThatAreNoSoundAndOfAllOthers)
         SCOPED_TRACE(qPrintable(kind));
         const ProgramResult result = lengths({u"--json"_s, u"--kind"_s, kind});
         EXPECT_EQ(result.exitStatus, 1);
+        EXPECT_TRUE(lengths({u"--kind"_s, kind}).errors.contains("\n3 of 4 done, 1 failed; "));
+        EXPECT_TRUE(lengths({u"--kind"_s, kind}).output.contains("s-d2t01.wav"));
         QString reports;
         QStringList reasons;
         for (const QJsonObject &object : jsonLines(result.output)) {
@@ -78,8 +80,7 @@ TEST_F(SHNtoolLengthTest, TellsOfFilesThatAreNoSoundAndOfAllOthers)
             if (object[u"status"_s] == u"error"_s)
                 reasons.append(object[u"reason"_s].toString());
         }
-        EXPECT_EQ(reasons, QStringList{u"none of the builtin format modules handle input file: [%1]"_s.arg(
-                               folder.path(u"in/s-d1t03.wav"_s))});
+        EXPECT_EQ(reasons, QStringList{u"s-d1t03.wav: it is no sound file that shntool knows"_s});
         for (const QString &name : {u"s-d1t01.flac"_s, u"s-d1t02.wav"_s, u"s-d1t03.wav"_s, u"s-d2t01.wav"_s})
             EXPECT_TRUE(reports.contains(name)) << qPrintable(reports);
     }
@@ -126,7 +127,12 @@ TEST_F(SHNtoolReportsTest, InfoTellsWhatIsWrongWithAFile)
     const QString text = folder.write(u"b.wav"_s, "no sound");
     const ProgramResult result = shntool({u"info"_s, u"--json"_s, text});
     EXPECT_EQ(result.exitStatus, 1);
-    EXPECT_EQ(jobOf(result)[u"reason"_s], u"none of the builtin format modules handle input file: [%1]"_s.arg(text));
+    EXPECT_EQ(jobOf(result)[u"reason"_s], u"b.wav: it is no sound file that shntool knows"_s);
+    // What there is to tell of the others is told.
+    const ProgramResult both = shntool({u"info"_s, text, wav});
+    EXPECT_EQ(both.exitStatus, 1);
+    EXPECT_TRUE(both.output.contains("File name:                    " + wav.toUtf8())) << both.output.constData();
+    EXPECT_TRUE(both.errors.contains("\n1 of 2 done, 1 failed; ")) << both.errors.constData();
 }
 
 TEST_F(SHNtoolReportsTest, CmpKnowsTheSameSoundInTwoFormats)

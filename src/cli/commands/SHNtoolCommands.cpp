@@ -64,12 +64,8 @@ protected:
         if (m_mode == u"cmp" && files.size() != 2)
             throw UsageError(u"cmp compares two files, and %1"_s.arg(
                 files.size() == 1 ? u"this is one"_s : u"these are %1"_s.arg(files.size())));
-    }
-    [[nodiscard]] QStringList optionsWithoutEffect(const ParsedArguments &, const QStringList &files) const override
-    {
         if (m_mode == u"split" && files.size() > 1)
-            return {u"split takes one file: only %1 is split"_s.arg(files.first())};
-        return {};
+            throw UsageError(u"split takes one file, and these are %1"_s.arg(files.size()));
     }
 
 private:
