@@ -42,13 +42,10 @@ QString captionOf(const StoredTag &tag)
         {u"TRACKTOTAL"_s, u"Track total"_s}, {u"DISCNUMBER"_s, u"Disc"_s},    {u"TPOS"_s, u"Disc"_s},
         {u"DISK"_s, u"Disc"_s},             {u"DISCTOTAL"_s, u"Disc total"_s}, {u"COMMENT"_s, u"Comment"_s},
         {u"COMM"_s, u"Comment"_s},          {u"\251CMT"_s, u"Comment"_s},    {u"DESCRIPTION"_s, u"Description"_s},
-        {u"ENCODER"_s, u"Encoder"_s},       {u"APIC"_s, u"Picture"_s},        {u"COVR"_s, u"Picture"_s},
+        {u"ENCODER"_s, u"Encoder"_s},       {u"APIC"_s, u"Picture"_s},        {u"COVR"_s, u"Picture"_s}, {u"PICTURE"_s, u"Picture"_s},
         {u"ID3V1"_s, u"Old tag for old players (ID3v1)"_s}};
     const QString caption = captions.value(tag.name.toUpper());
-    if (caption.isEmpty())
-        return tag.name;
-    // In an MP3 file two kinds of tags may say it.
-    return tag.holder == StoredTag::Holder::Ape && caption != u"Track" ? caption : caption;
+    return caption.isEmpty() ? tag.name : caption;
 }
 
 QString shown(const StoredTag &tag)

@@ -266,6 +266,10 @@ std::optional<std::vector<Mp4Movie::RawItem>> Mp4Movie::rawItems() const
             if (value.type == kUtf8Type || value.type == kUtf16Type)
                 texts.append(textOf(value));
         }
+        const bool isPair = box.type == fourCharacters("trkn") || box.type == fourCharacters("disk");
+        if (isPair && !item.values.empty() && item.values.front().bytes.size() >= 6)
+            texts.append(u"%1/%2"_s.arg(mp4Number<std::uint16_t>(item.values.front().bytes, 2))
+                             .arg(mp4Number<std::uint16_t>(item.values.front().bytes, 4)));
         if (!texts.isEmpty())
             raw.text = texts.join(u", "_s);
         items.push_back(raw);

@@ -13,6 +13,7 @@
 #include <textidentificationframe.h>
 
 #include <memory>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -91,7 +92,8 @@ StoredTags of(const TagLib::ID3v2::Tag &tag)
 
 void replace(TagLib::ID3v2::Tag &tag, const StoredTags &tags)
 {
-    const TagLib::ID3v2::FrameList frames = tag.frameList();
+    // A copy of the list would delete the frames once more.
+    const std::vector<TagLib::ID3v2::Frame *> frames(tag.frameList().begin(), tag.frameList().end());
     for (TagLib::ID3v2::Frame *const frame : frames)
         tag.removeFrame(frame);
     for (const StoredTag &stored : tags) {

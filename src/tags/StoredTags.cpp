@@ -65,7 +65,7 @@ void readVorbis(StoredTags &found, TagLib::FLAC::File &file)
     }
     for (const TagLib::FLAC::Picture *const picture : file.pictureList())
         found.append({.holder = Holder::FlacPicture,
-                      .name = u"picture of type %1"_s.arg(static_cast<int>(picture->type())),
+                      .name = u"PICTURE"_s,
                       .data = qtBytes(picture->render())});
 }
 

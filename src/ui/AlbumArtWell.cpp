@@ -117,14 +117,14 @@ void AlbumArtWell::choose()
 
 void AlbumArtWell::paste()
 {
-    const QMimeData *const data = QGuiApplication::clipboard()->mimeData();
-    if (data == nullptr)
+    const QMimeData *const pasted = QGuiApplication::clipboard()->mimeData();
+    if (pasted == nullptr)
         return;
-    const GivenFiles files = localFiles(data);
+    const GivenFiles files = localFiles(pasted);
     if (files.paths.size() == 1)
         m_tab.takePictureFile(files.paths.first());
     else
-        m_tab.takePicture(pastedBytes(*data), tr("of the clipboard"));
+        m_tab.takePicture(pastedBytes(*pasted), tr("of the clipboard"));
 }
 
 void AlbumArtWell::showPicture()
