@@ -289,7 +289,7 @@ TEST_F(MainWindowTest, EveryInteractiveWidgetHasAnObjectNameAndAnAccessibleName)
 
 TEST_F(MainWindowTest, MnemonicsOfAPageDoNotClash)
 {
-    for (const QString &label : {u"decode"_s, u"encode"_s, u"checksum"_s, u"shntool"_s, u"fix SBE"_s, u"lossy"_s}) {
+    for (const QString &label : {u"decode"_s, u"encode"_s, u"checksum"_s, u"shntool"_s, u"fix SBE"_s, u"Tags"_s, u"lossy"_s}) {
         QHash<QChar, QString> owners;
         QStringList texts;
         for (const QAction *const menu : window.menuBar()->actions())
