@@ -68,10 +68,9 @@ void readAs(ListKind kind, const QString &text)
     const QStringList lines = nurv::checksumList::linesOf(text);
     const std::vector<Entry> entries = entriesOf(kind, lines);
     require(entries.size() <= static_cast<std::size_t>(lines.size()));
-    for (const Entry &entry : entries) {
-        require(!entry.line.isEmpty());
+    // A line of blanks counts as one of a list of ours that is no entry.
+    for (const Entry &entry : entries)
         require(std::none_of(entry.line.begin(), entry.line.end(), &nurv::checksumList::endsLine));
-    }
     for (const Entry &entry : foreignEntriesOf(kind, text)) {
         require(!entry.line.isEmpty() && entry.line.size() <= text.size());
         require(!entry.isEntry() || (isDigest(entry.expected) && !entry.name.trimmed().isEmpty()));
