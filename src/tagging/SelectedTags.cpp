@@ -38,7 +38,8 @@ Reading readOne(const QString &path)
     } catch (const NurvFailure &failure) {
         return {.record = std::nullopt, .problem = lastPathComponent(path) + u": "_s + failure.reason()};
     } catch (const std::exception &failure) {
-        return {.record = std::nullopt, .problem = lastPathComponent(path) + u": "_s + QString::fromUtf8(failure.what())};
+        return {.record = std::nullopt,
+                .problem = lastPathComponent(path) + u": "_s + QString::fromUtf8(failure.what())};
     }
 }
 
@@ -50,9 +51,8 @@ SelectedTags readSelectedTags(const QStringList &paths, const std::function<bool
     SelectedTags selected;
     for (qsizetype begin = 0; begin < paths.size() && !isUnwanted(); begin += kAtATime) {
         std::vector<Reading> readings(static_cast<std::size_t>(std::min(kAtATime, paths.size() - begin)));
-        runInParallel(static_cast<qsizetype>(readings.size()), threadCount(), isUnwanted, [&](qsizetype i) {
-            readings[static_cast<std::size_t>(i)] = readOne(paths.at(begin + i));
-        });
+        runInParallel(static_cast<qsizetype>(readings.size()), threadCount(), isUnwanted,
+                      [&](qsizetype i) { readings[static_cast<std::size_t>(i)] = readOne(paths.at(begin + i)); });
         for (Reading &reading : readings) {
             if (!reading.problem.isEmpty())
                 selected.problems.append(reading.problem);
