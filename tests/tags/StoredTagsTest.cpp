@@ -64,9 +64,13 @@ TEST_F(StoredTagsTest, BringsBackFramesOfEveryKindOfMp3)
         writeMp3(folder, u"a.mp3"_s,
                  {u"--tt"_s, u"Title"_s, u"--ta"_s, u"Artist"_s, u"--ty"_s, u"1999"_s, u"--tc"_s, u"Comment"_s,
                   u"--tv"_s, u"TXXX=MOOD=blue"_s, u"--tv"_s, u"TPE2=Band"_s, u"--ti"_s, cover, u"--add-id3v2"_s});
-    const QMap<QString, QString> before = ffprobeTags(path);
+    QMap<QString, QString> before = ffprobeTags(path);
     expectRoundTrip(TagFormat::Mp3, path);
-    EXPECT_EQ(ffprobeTags(path), before);
+    QMap<QString, QString> after = ffprobeTags(path);
+    // ffprobe knows the comment in UTF-8 only.
+    EXPECT_EQ(after.take(u"comment"_s), u"Comment");
+    before.remove(u"comment"_s);
+    EXPECT_EQ(after, before);
 }
 
 TEST_F(StoredTagsTest, BringsBackItemsOfApeTags)

@@ -73,7 +73,8 @@ TEST_F(TagsPageTest, SaysVariousAndFollowsTheSelection)
     EXPECT_EQ(artist->placeholderText(), u"various");
     EXPECT_FALSE(onPage<QLineEdit>(u"titleText"_s)->isEnabled());
     auto *const list = onPage<FileListView>(u"fileList"_s);
-    list->setCurrentIndex(list->model()->index(1, 0));
+    list->selectionModel()->setCurrentIndex(list->model()->index(1, 0),
+                                            QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     EXPECT_EQ(tagsTab.selectedRows(), QList<int>{1});
     tagsTab.finishReading();
     EXPECT_EQ(artist->text(), u"b.flac");
