@@ -59,8 +59,9 @@ QJsonObject objectOf(const QString &file, const QString &path, const TagsObject 
     QJsonArray all;
     for (const StoredTag &tag : stored)
         all.append(objectOf(tag));
-    QJsonObject object{{u"type"_s, u"tags"_s}, {u"file"_s, file},     {u"path"_s, path}, {u"format"_s, formatWord(path)},
-                       {u"fields"_s, fields},  {u"custom"_s, custom}, {u"stored"_s, all}};
+    QJsonObject object{
+        {u"type"_s, u"tags"_s}, {u"file"_s, file},     {u"path"_s, path}, {u"format"_s, formatWord(path)},
+        {u"fields"_s, fields},  {u"custom"_s, custom}, {u"stored"_s, all}};
     if (const AlbumArt &picture = record.albumArt())
         object.insert(u"picture"_s, QJsonObject{{u"format"_s, pictureFormat(picture->bytes())},
                                                 {u"width"_s, picture->size().width()},

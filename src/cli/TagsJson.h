@@ -12,11 +12,12 @@
 
 namespace nurv::tagsJson {
 
-// The tags of a file as JSON: what the fields of the window show, for people and scripts, and every tag as it is stored, so
-// that a file can be given all of them back.
+// The tags of a file as JSON: what the fields of the window show, for people and scripts, and every tag as it is
+// stored, so that a file can be given all of them back.
 
 /// "file" is how the user knows it.
-[[nodiscard]] QJsonObject objectOf(const QString &file, const QString &path, const TagsObject &record, const StoredTags &stored);
+[[nodiscard]] QJsonObject objectOf(const QString &file, const QString &path, const TagsObject &record,
+                                   const StoredTags &stored);
 
 /// What an object says about a file.
 struct Restoration {

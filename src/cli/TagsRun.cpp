@@ -28,10 +28,11 @@ InputFiles findFiles(const QList<QByteArray> &operands, Console &console)
     ConsolePrompts prompts(console, {});
     NullDesktopServices services;
     const NURVController controller(prompts, services, toolbox());
-    return collectInput(operands, controller.arrivals(),
-                        {.label = u"Tags"_s, .door = Door::CommandLine, .paths = {}, .makesJob = [](const QString &path) {
-                             return tagFiles::formatOf(path).has_value();
-                         }});
+    return collectInput(
+        operands, controller.arrivals(),
+        {.label = u"Tags"_s, .door = Door::CommandLine, .paths = {}, .makesJob = [](const QString &path) {
+             return tagFiles::formatOf(path).has_value();
+         }});
 }
 
 } // namespace
@@ -55,7 +56,8 @@ void TagsRun::fail(const QString &path, const QString &reason)
     m_problems.append(u"%1: %2"_s.arg(nameOf(path), reason));
     m_console.writeNote(m_problems.last());
     if (m_isJson)
-        m_console.writeJson({{u"type"_s, u"problem"_s}, {u"file"_s, nameOf(path)}, {u"path"_s, path}, {u"problem"_s, reason}});
+        m_console.writeJson(
+            {{u"type"_s, u"problem"_s}, {u"file"_s, nameOf(path)}, {u"path"_s, path}, {u"problem"_s, reason}});
 }
 
 void TagsRun::forFile(const QString &path, const std::function<QJsonObject()> &work)

@@ -26,7 +26,8 @@ public:
     [[nodiscard]] const QStringList &files() const { return m_files; }
     [[nodiscard]] QString nameOf(const QString &path) const { return m_input.names.nameOf(path); }
 
-    /// Runs `work` for a file; what it throws is told and counts as a failure. JSON: what `work` returns, with what went wrong.
+    /// Runs `work` for a file; what it throws is told and counts as a failure. JSON: what `work` returns, with what
+    /// went wrong.
     void forFile(const QString &path, const std::function<QJsonObject()> &work);
     /// The file, or what should be one, cannot be worked on.
     void fail(const QString &path, const QString &reason);

@@ -67,7 +67,8 @@ void CommonTags::compare(const TagsObject &record)
     const bool hasSameCustomTags = m_reference->customTagsDictionary() == record.customTagsDictionary();
     if (m_common) {
         m_common->setAlbumArt(hasSamePicture ? m_reference->albumArt() : nullptr);
-        m_common->setCustomTagsDictionary(hasSameCustomTags ? m_reference->customTagsDictionary() : QMap<QString, QString>());
+        m_common->setCustomTagsDictionary(hasSameCustomTags ? m_reference->customTagsDictionary()
+                                                            : QMap<QString, QString>());
     }
     m_picturesDiffer = m_picturesDiffer || !hasSamePicture;
     m_customTagsDiffer = m_customTagsDiffer || !hasSameCustomTags;

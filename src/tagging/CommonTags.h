@@ -10,11 +10,11 @@
 
 namespace nurv {
 
-/// What the records of several files have in common. They are added one after the other, so that no more than two of them
-/// are kept at a time.
+/// What the records of several files have in common. They are added one after the other, so that no more than two of
+/// them are kept at a time.
 ///
-/// Each file after the first is compared with the first, and each comparison sets every field anew: what comes out is what
-/// the first file and the last one share. `differs` tells of all of them.
+/// Each file after the first is compared with the first, and each comparison sets every field anew: what comes out is
+/// what the first file and the last one share. `differs` tells of all of them.
 class CommonTags {
 public:
     void add(const TagsObject &record);

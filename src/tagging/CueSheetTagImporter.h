@@ -25,8 +25,8 @@ public:
 
     /// The path of one file; nothing when the user cancels.
     [[nodiscard]] std::optional<QString> chooseCueFile();
-    /// Asks for a cue sheet and posts NURVTrackNamesEnteredNotification with the titles. Returns album and artist; nothing
-    /// when the user cancels, or when the file cannot be read, which the user is told.
+    /// Asks for a cue sheet and posts NURVTrackNamesEnteredNotification with the titles. Returns album and artist;
+    /// nothing when the user cancels, or when the file cannot be read, which the user is told.
     [[nodiscard]] std::optional<TagsObject> loadTagsFromCueSheet();
 
     /// The names in a file of any encoding. Nothing, and `problem`, when it cannot be read. Logs what failed.

@@ -9,8 +9,8 @@
 
 namespace nurv {
 
-/// The one picture in the folder that all these files lie in, by its name: JPG, JPEG, GIF, TIFF or PNG. Nothing when they
-/// lie in several folders, and when there is none or more than one. Lists the folder.
+/// The one picture in the folder that all these files lie in, by its name: JPG, JPEG, GIF, TIFF or PNG. Nothing when
+/// they lie in several folders, and when there is none or more than one. Lists the folder.
 [[nodiscard]] std::optional<QString> onlyPictureBeside(const QStringList &paths);
 
 } // namespace nurv

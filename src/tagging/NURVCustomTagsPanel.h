@@ -13,7 +13,8 @@ namespace nurv {
 
 class UserPrompts;
 
-/// The modal panel with eight rows of a name and a value: fields of Vorbis comments, which only FLAC files take. GUI thread.
+/// The modal panel with eight rows of a name and a value: fields of Vorbis comments, which only FLAC files take. GUI
+/// thread.
 class NURVCustomTagsPanel {
 public:
     using Tags = QMap<QString, QString>;
@@ -25,8 +26,8 @@ public:
     void runPanel();
     /// Takes the tags over and shows them in the order of their names, as far as there are rows.
     void fillTags(const Tags &tags);
-    /// The tags become those of the rows, also of blank ones: those have an empty name. Of rows with equal names the last
-    /// counts.
+    /// The tags become those of the rows, also of blank ones: those have an empty name. Of rows with equal names the
+    /// last counts.
     void fillTagsDictionary();
     /// The text without white space at its ends.
     [[nodiscard]] static QString stringValue(const QString &text);

@@ -21,7 +21,7 @@ namespace {
 
 constexpr qsizetype kAtATime = 32;
 
-struct Reading {
+struct RecordReading {
     std::optional<TagsObject> record;
     QString problem;
 };
@@ -31,14 +31,15 @@ unsigned threadCount()
     return std::max(1U, std::thread::hardware_concurrency());
 }
 
-Reading readOne(const QString &path)
+RecordReading readOne(const QString &path)
 {
     try {
         return {.record = tagFiles::read(path), .problem = {}};
     } catch (const NurvFailure &failure) {
         return {.record = std::nullopt, .problem = lastPathComponent(path) + u": "_s + failure.reason()};
     } catch (const std::exception &failure) {
-        return {.record = std::nullopt, .problem = lastPathComponent(path) + u": "_s + QString::fromUtf8(failure.what())};
+        return {.record = std::nullopt,
+                .problem = lastPathComponent(path) + u": "_s + QString::fromUtf8(failure.what())};
     }
 }
 
@@ -49,11 +50,10 @@ SelectedTags readSelectedTags(const QStringList &paths, const std::function<bool
 {
     SelectedTags selected;
     for (qsizetype begin = 0; begin < paths.size() && !isUnwanted(); begin += kAtATime) {
-        std::vector<Reading> readings(static_cast<std::size_t>(std::min(kAtATime, paths.size() - begin)));
-        runInParallel(static_cast<qsizetype>(readings.size()), threadCount(), isUnwanted, [&](qsizetype i) {
-            readings[static_cast<std::size_t>(i)] = readOne(paths.at(begin + i));
-        });
-        for (Reading &reading : readings) {
+        std::vector<RecordReading> readings(static_cast<std::size_t>(std::min(kAtATime, paths.size() - begin)));
+        runInParallel(static_cast<qsizetype>(readings.size()), threadCount(), isUnwanted,
+                      [&](qsizetype i) { readings[static_cast<std::size_t>(i)] = readOne(paths.at(begin + i)); });
+        for (RecordReading &reading : readings) {
             if (!reading.problem.isEmpty())
                 selected.problems.append(reading.problem);
             if (!reading.record)
@@ -76,7 +76,7 @@ bool areWithoutPicture(const QStringList &paths)
     runInParallel(
         paths.size(), threadCount(), [&hasPicture] { return hasPicture.load(); },
         [&](qsizetype i) {
-            const Reading reading = readOne(paths.at(i));
+            const RecordReading reading = readOne(paths.at(i));
             if (reading.record && (reading.record->albumArt() || reading.record->albumArtFault()))
                 hasPicture = true;
         });

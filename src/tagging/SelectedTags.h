@@ -22,13 +22,14 @@ struct SelectedTags {
     QStringList problems; ///< "a.m4a: why", for each file that could not be read
 };
 
-/// Reads them on as many threads as the machine has processors, with the records of only a few files in memory at a time.
-/// `isUnwanted` ends it early, `noteProgress` gets the number of files that were read; both are called on any of the
-/// threads. Never throws; blocks.
+/// Reads them on as many threads as the machine has processors, with the records of only a few files in memory at a
+/// time. `isUnwanted` ends it early, `noteProgress` gets the number of files that were read; both are called on any of
+/// the threads. Never throws; blocks.
 [[nodiscard]] SelectedTags readSelectedTags(const QStringList &paths, const std::function<bool()> &isUnwanted,
                                             const std::function<void(qsizetype)> &noteProgress = {});
 
-/// Whether none of the files has a picture; one that cannot be read has none, one whose picture cannot be decoded has one.
+/// Whether none of the files has a picture; one that cannot be read has none, one whose picture cannot be decoded has
+/// one.
 [[nodiscard]] bool areWithoutPicture(const QStringList &paths);
 
 } // namespace nurv

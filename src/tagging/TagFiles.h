@@ -20,8 +20,8 @@ namespace nurv::tagFiles {
 [[nodiscard]] std::optional<TagsObject> read(const QString &path);
 
 /// Does nothing for a file that has no writer. Throws NurvFailure; files of all kinds but FLAC are then as they were.
-/// Returns why the picture is not in the file, as the end of a sentence, where that costs nothing else. Blocks; any thread,
-/// but not twice at a time for one file.
+/// Returns why the picture is not in the file, as the end of a sentence, where that costs nothing else. Blocks; any
+/// thread, but not twice at a time for one file.
 TagsObject::Text write(const QString &path, const TagsObject &tags, bool writeEmptyTags);
 
 } // namespace nurv::tagFiles

@@ -29,21 +29,47 @@ constexpr qsizetype kLongestValue = 200;
 /// What people call the tags of all kinds of files.
 QString captionOf(const StoredTag &tag)
 {
-    static const QHash<QString, QString> captions{
-        {u"TITLE"_s, u"Title"_s},           {u"TIT2"_s, u"Title"_s},          {u"\251NAM"_s, u"Title"_s},
-        {u"ARTIST"_s, u"Artist"_s},         {u"TPE1"_s, u"Artist"_s},         {u"\251ART"_s, u"Artist"_s},
-        {u"ALBUMARTIST"_s, u"Album artist"_s}, {u"TPE2"_s, u"Album artist"_s}, {u"AART"_s, u"Album artist"_s},
-        {u"ALBUM"_s, u"Album"_s},           {u"TALB"_s, u"Album"_s},          {u"\251ALB"_s, u"Album"_s},
-        {u"DATE"_s, u"Date"_s},             {u"TDRC"_s, u"Date"_s},           {u"\251DAY"_s, u"Date"_s},
-        {u"YEAR"_s, u"Date"_s},             {u"GENRE"_s, u"Genre"_s},         {u"TCON"_s, u"Genre"_s},
-        {u"\251GEN"_s, u"Genre"_s},        {u"GNRE"_s, u"Genre, as a number"_s}, {u"COMPOSER"_s, u"Composer"_s},
-        {u"TCOM"_s, u"Composer"_s},         {u"\251WRT"_s, u"Composer"_s},   {u"TRACKNUMBER"_s, u"Track"_s},
-        {u"TRCK"_s, u"Track"_s},            {u"TRKN"_s, u"Track"_s},          {u"TRACK"_s, u"Track"_s},
-        {u"TRACKTOTAL"_s, u"Track total"_s}, {u"DISCNUMBER"_s, u"Disc"_s},    {u"TPOS"_s, u"Disc"_s},
-        {u"DISK"_s, u"Disc"_s},             {u"DISCTOTAL"_s, u"Disc total"_s}, {u"COMMENT"_s, u"Comment"_s},
-        {u"COMM"_s, u"Comment"_s},          {u"\251CMT"_s, u"Comment"_s},    {u"DESCRIPTION"_s, u"Description"_s},
-        {u"ENCODER"_s, u"Encoder"_s},       {u"APIC"_s, u"Picture"_s},        {u"COVR"_s, u"Picture"_s}, {u"PICTURE"_s, u"Picture"_s},
-        {u"ID3V1"_s, u"Old tag for old players (ID3v1)"_s}};
+    static const QHash<QString, QString> captions{{u"TITLE"_s, u"Title"_s},
+                                                  {u"TIT2"_s, u"Title"_s},
+                                                  {u"\251NAM"_s, u"Title"_s},
+                                                  {u"ARTIST"_s, u"Artist"_s},
+                                                  {u"TPE1"_s, u"Artist"_s},
+                                                  {u"\251ART"_s, u"Artist"_s},
+                                                  {u"ALBUMARTIST"_s, u"Album artist"_s},
+                                                  {u"TPE2"_s, u"Album artist"_s},
+                                                  {u"AART"_s, u"Album artist"_s},
+                                                  {u"ALBUM"_s, u"Album"_s},
+                                                  {u"TALB"_s, u"Album"_s},
+                                                  {u"\251ALB"_s, u"Album"_s},
+                                                  {u"DATE"_s, u"Date"_s},
+                                                  {u"TDRC"_s, u"Date"_s},
+                                                  {u"\251DAY"_s, u"Date"_s},
+                                                  {u"YEAR"_s, u"Date"_s},
+                                                  {u"GENRE"_s, u"Genre"_s},
+                                                  {u"TCON"_s, u"Genre"_s},
+                                                  {u"\251GEN"_s, u"Genre"_s},
+                                                  {u"GNRE"_s, u"Genre, as a number"_s},
+                                                  {u"COMPOSER"_s, u"Composer"_s},
+                                                  {u"TCOM"_s, u"Composer"_s},
+                                                  {u"\251WRT"_s, u"Composer"_s},
+                                                  {u"TRACKNUMBER"_s, u"Track"_s},
+                                                  {u"TRCK"_s, u"Track"_s},
+                                                  {u"TRKN"_s, u"Track"_s},
+                                                  {u"TRACK"_s, u"Track"_s},
+                                                  {u"TRACKTOTAL"_s, u"Track total"_s},
+                                                  {u"DISCNUMBER"_s, u"Disc"_s},
+                                                  {u"TPOS"_s, u"Disc"_s},
+                                                  {u"DISK"_s, u"Disc"_s},
+                                                  {u"DISCTOTAL"_s, u"Disc total"_s},
+                                                  {u"COMMENT"_s, u"Comment"_s},
+                                                  {u"COMM"_s, u"Comment"_s},
+                                                  {u"\251CMT"_s, u"Comment"_s},
+                                                  {u"DESCRIPTION"_s, u"Description"_s},
+                                                  {u"ENCODER"_s, u"Encoder"_s},
+                                                  {u"APIC"_s, u"Picture"_s},
+                                                  {u"COVR"_s, u"Picture"_s},
+                                                  {u"PICTURE"_s, u"Picture"_s},
+                                                  {u"ID3V1"_s, u"Old tag for old players (ID3v1)"_s}};
     const QString caption = captions.value(tag.name.toUpper());
     return caption.isEmpty() ? tag.name : caption;
 }
@@ -75,7 +101,9 @@ struct Key {
         if (holder != other.holder)
             return holder < other.holder ? std::strong_ordering::less : std::strong_ordering::greater;
         const int order = name.compare(other.name);
-        return order < 0 ? std::strong_ordering::less : order > 0 ? std::strong_ordering::greater : std::strong_ordering::equal;
+        return order < 0   ? std::strong_ordering::less
+               : order > 0 ? std::strong_ordering::greater
+                           : std::strong_ordering::equal;
     }
     bool operator==(const Key &other) const = default;
 };

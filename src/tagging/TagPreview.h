@@ -18,9 +18,9 @@ struct TagWriting {
 
 namespace tagPreview {
 
-/// What a writing changes in a file: a line for each tag with its old and its new values, and what becomes of the picture.
-/// Empty when nothing changes. The writer itself says so, on a copy of the tags in memory (tryTags). A file that cannot be
-/// read or written has a line with the reason.
+/// What a writing changes in a file: a line for each tag with its old and its new values, and what becomes of the
+/// picture. Empty when nothing changes. The writer itself says so, on a copy of the tags in memory (tryTags). A file
+/// that cannot be read or written has a line with the reason.
 [[nodiscard]] QStringList changesOf(const TagWriting &writing, bool writeEmptyTags);
 
 /// The differences between two lists of tags, a line each.

@@ -66,7 +66,8 @@ QString counted(qsizetype count)
 } // namespace
 
 TagsTab::TagsTab(NURVController &controller)
-    : BaseTab(controller, u"Tags"_s), usePreviousTagsButton(u"Use Previous Tags"_s), m_customTagsPanel(controller.prompts())
+    : BaseTab(controller, u"Tags"_s), usePreviousTagsButton(u"Use Previous Tags"_s),
+      m_customTagsPanel(controller.prompts())
 {
     previewButton.bindToSetting(u"tagsPreview"_s);
     NotificationCenter::instance().subscribe(QString::fromUtf16(NURVTrackNamesEnteredNotification), this,
@@ -75,9 +76,8 @@ TagsTab::TagsTab(NURVController &controller)
                                                                    information.value(u"source"_s).toString());
                                              });
     // A file that was taken off the list is a new one when it comes again.
-    connect(this, &BaseTab::fileNamesChanged, this, [this] {
-        m_knownFiles.intersect(QSet<QString>(fileNames().begin(), fileNames().end()));
-    });
+    connect(this, &BaseTab::fileNamesChanged, this,
+            [this] { m_knownFiles.intersect(QSet<QString>(fileNames().begin(), fileNames().end())); });
     enableFields();
     displayRelevantOptions();
 }
@@ -210,7 +210,9 @@ void TagsTab::selectionChanged()
         };
         m_reading.begin(
             this,
-            [paths, report](const std::function<bool()> &isUnwanted) { return readSelectedTags(paths, isUnwanted, report); },
+            [paths, report](const std::function<bool()> &isUnwanted) {
+                return readSelectedTags(paths, isUnwanted, report);
+            },
             [this](const SelectedTags &selected) { takeSelectedTags(selected); });
         m_reading.waitFor(kUnnoticed);
     }
@@ -244,10 +246,12 @@ void TagsTab::takeSelectedTags(const SelectedTags &selected)
         showDifferences(selected);
     }
     if (!selected.problems.isEmpty()) {
-        const QString more = selected.problems.size() > 1 ? u" (and %1 more)"_s.arg(selected.problems.size() - 1) : QString();
+        const QString more =
+            selected.problems.size() > 1 ? u" (and %1 more)"_s.arg(selected.problems.size() - 1) : QString();
         note.setText(u"Tags that cannot be read: "_s + printableLine(selected.problems.first()) + more);
     } else if (selected.record && selected.record->albumArtFault()) {
-        albumArtImageView.setPlaceholder(u"Its picture cannot be shown: "_s + printableLine(*selected.record->albumArtFault()));
+        albumArtImageView.setPlaceholder(u"Its picture cannot be shown: "_s
+                                         + printableLine(*selected.record->albumArtFault()));
     }
     enableFields();
     Q_EMIT readingChanged();
@@ -338,7 +342,10 @@ void TagsTab::savePictureAs()
         return;
     const std::optional<QString> path =
         openSavePanel(u"cover."_s + pictureExtension(picture->bytes()), u"Save picture as"_s);
-    if (!path || !canBeText(*path, fileNames(), u"the picture"_s, u"It is one of the files of the list."_s))
+    // Without a list there is no file of it that would have to make way.
+    const bool hasFiles = !fileNames().isEmpty();
+    if (!path
+        || (hasFiles && !canBeText(*path, fileNames(), u"the picture"_s, u"It is one of the files of the list."_s)))
         return;
     QString reason;
     if (!writeFileAtomically(*path, picture->bytes(), &reason))
@@ -378,11 +385,11 @@ void TagsTab::detectAlbumArt()
     if (!path || !areWithoutPicture(paths))
         return;
     const PictureReading reading = examinePictureFile(*path);
-    const Alert question{.title =
-                             u"Nurv has detected an image file in the source directory. Would you like to use it for album art?"_s,
-                         .message = {},
-                         .buttons = {u"Yes"_s, u"No"_s},
-                         .picture = reading.picture ? reading.picture->bytes() : QByteArray()};
+    const Alert question{
+        .title = u"Nurv has detected an image file in the source directory. Would you like to use it for album art?"_s,
+        .message = {},
+        .buttons = {u"Yes"_s, u"No"_s},
+        .picture = reading.picture ? reading.picture->bytes() : QByteArray()};
     if (nurvController().prompts().ask(question) != u"Yes")
         return;
     qCInfo(taggingLog).noquote() << u"use album art: %1"_s.arg(*path);
@@ -476,9 +483,10 @@ bool TagsTab::write(const QList<TagWriting> &writings)
                                                 : u"%1 before it were written, and stay so."_s.arg(counted(written));
             note.setText({});
             displayRelevantOptions();
-            nurvController().prompts().ask({.title = u"The tags of %1 could not be written."_s.arg(quoted(writing.path)),
-                                            .message = failure.reason() + u'\n' + before,
-                                            .buttons = {u"OK"_s}});
+            nurvController().prompts().ask(
+                {.title = u"The tags of %1 could not be written."_s.arg(quoted(writing.path)),
+                 .message = failure.reason() + u'\n' + before,
+                 .buttons = {u"OK"_s}});
             return false;
         }
         m_previousTagsObject = writing.record;

@@ -22,8 +22,8 @@
 
 namespace nurv {
 
-/// The tab that shows and writes the tags of FLAC, MP3, Monkey's Audio, WavPack and M4A files, of one file or of many at a
-/// time. It queues no jobs: its button writes at once, file after file.
+/// The tab that shows and writes the tags of FLAC, MP3, Monkey's Audio, WavPack and M4A files, of one file or of many
+/// at a time. It queues no jobs: its button writes at once, file after file.
 ///
 ///     selection ──> worker reads ──> fields ──> the user ──> preview ──> files
 ///

@@ -39,8 +39,8 @@ std::optional<QString> putInPlace(TagEditStream &stream, const Mp4Layout &layout
             return reason;
     }
     const QByteArray box = movie.box();
-    stream.insert({box.constData(), static_cast<unsigned int>(box.size())}, static_cast<TagEditStream::Start>(oldBox.offset),
-                  static_cast<TagEditStream::Size>(oldBox.size));
+    stream.insert({box.constData(), static_cast<unsigned int>(box.size())},
+                  static_cast<TagEditStream::Start>(oldBox.offset), static_cast<TagEditStream::Size>(oldBox.size));
     return std::nullopt;
 }
 

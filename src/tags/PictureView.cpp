@@ -57,7 +57,8 @@ QImage pictureView(const QByteArray &bytes, QSize box)
             return *std::move(asked);
         const DecodedPicture decoded = decodePicture(bytes);
         const bool isLarger = decoded.image.width() > box.width() || decoded.image.height() > box.height();
-        const QImage small = isLarger ? decoded.image.scaled(box, Qt::KeepAspectRatio, Qt::SmoothTransformation) : decoded.image;
+        const QImage small =
+            isLarger ? decoded.image.scaled(box, Qt::KeepAspectRatio, Qt::SmoothTransformation) : decoded.image;
         return small.convertToFormat(QImage::Format_ARGB32);
     } catch (const std::exception &) {
         return {}; // why not was told when it was examined

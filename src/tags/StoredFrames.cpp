@@ -36,23 +36,6 @@ QString qtText(const TagLib::String &text)
     return QString::fromStdString(text.to8Bit(true));
 }
 
-StoredTag storedFrame(TagLib::ID3v2::Frame &frame)
-{
-    StoredTag stored{.holder = StoredTag::Holder::Id3v2, .name = QString::fromLatin1(qtBytes(frame.frameID()))};
-    if (const auto *const own = dynamic_cast<UserTextIdentificationFrame *>(&frame)) {
-        stored.text = qtText(own->toString());
-    } else if (const auto *const text = dynamic_cast<TextIdentificationFrame *>(&frame)) {
-        stored.text = qtText(text->toString());
-        // A text that is written anew must be the same one.
-        if (text->fieldList().size() == 1 && text->textEncoding() == TagLib::String::UTF8)
-            return stored;
-    } else if (const auto *const comment = dynamic_cast<TagLib::ID3v2::CommentsFrame *>(&frame)) {
-        stored.text = qtText(comment->text());
-    }
-    stored.data = qtBytes(frame.render());
-    return stored;
-}
-
 /// Lets the scan that stands between files and TagLib see the frame, as a tag of that frame alone.
 bool canBeParsed(const QByteArray &frame)
 {
@@ -66,18 +49,44 @@ bool canBeParsed(const QByteArray &frame)
     return !reasonToRefuseId3v2(head, TagLib::ByteVector(frame.constData(), size));
 }
 
+std::unique_ptr<TagLib::ID3v2::Frame> parsedFrame(const QByteArray &frame)
+{
+    if (!canBeParsed(frame))
+        return nullptr;
+    const TagLib::ID3v2::Header header;
+    const TagLib::ByteVector bytes(frame.constData(), static_cast<unsigned int>(frame.size()));
+    return std::unique_ptr<TagLib::ID3v2::Frame>(tagLibFile::frameFactory()->createFrame(bytes, &header));
+}
+
+StoredTag storedFrame(TagLib::ID3v2::Frame &frame)
+{
+    StoredTag stored{.holder = StoredTag::Holder::Id3v2, .name = QString::fromLatin1(qtBytes(frame.frameID()))};
+    if (const auto *const own = dynamic_cast<UserTextIdentificationFrame *>(&frame)) {
+        stored.text = qtText(own->toString());
+    } else if (const auto *const text = dynamic_cast<TextIdentificationFrame *>(&frame)) {
+        stored.text = qtText(text->toString());
+        // A text that is written anew must be the same one.
+        if (text->fieldList().size() == 1 && text->textEncoding() == TagLib::String::UTF8)
+            return stored;
+    } else if (const auto *const comment = dynamic_cast<TagLib::ID3v2::CommentsFrame *>(&frame)) {
+        stored.text = qtText(comment->text());
+    }
+    // In the encoding that it will have once it is written again.
+    const QByteArray rendered = qtBytes(frame.render());
+    const std::unique_ptr<TagLib::ID3v2::Frame> parsed = parsedFrame(rendered);
+    stored.data = parsed ? qtBytes(parsed->render()) : rendered;
+    return stored;
+}
+
 std::unique_ptr<TagLib::ID3v2::Frame> frameOf(const StoredTag &stored)
 {
     if (stored.data.isEmpty() && stored.text && stored.name.size() == kFrameIdSize && stored.name.startsWith(u'T')) {
-        auto frame = std::make_unique<TextIdentificationFrame>(stored.name.toLatin1().constData(), TagLib::String::UTF8);
+        auto frame =
+            std::make_unique<TextIdentificationFrame>(stored.name.toLatin1().constData(), TagLib::String::UTF8);
         frame->setText(TagLibTagsHelper::tagLibString(*stored.text));
         return frame;
     }
-    if (!canBeParsed(stored.data))
-        return nullptr;
-    const TagLib::ID3v2::Header header;
-    const TagLib::ByteVector bytes(stored.data.constData(), static_cast<unsigned int>(stored.data.size()));
-    return std::unique_ptr<TagLib::ID3v2::Frame>(tagLibFile::frameFactory()->createFrame(bytes, &header));
+    return parsedFrame(stored.data);
 }
 
 } // namespace

@@ -10,8 +10,8 @@ class Tag;
 
 namespace nurv::storedFrames {
 
-// The frames of ID3v2 tags as stored tags: those of one text each stand as that text, the others as they are rendered for
-// version 4.
+// The frames of ID3v2 tags as stored tags: those of one text each stand as that text, the others as they are rendered
+// for version 4.
 
 [[nodiscard]] StoredTags of(const TagLib::ID3v2::Tag &tag);
 

@@ -64,9 +64,7 @@ void readVorbis(StoredTags &found, TagLib::FLAC::File &file)
         }
     }
     for (const TagLib::FLAC::Picture *const picture : file.pictureList())
-        found.append({.holder = Holder::FlacPicture,
-                      .name = u"PICTURE"_s,
-                      .data = qtBytes(picture->render())});
+        found.append({.holder = Holder::FlacPicture, .name = u"PICTURE"_s, .data = qtBytes(picture->render())});
 }
 
 void writeVorbis(TagLib::FLAC::File &file, const StoredTags &tags)
@@ -198,10 +196,10 @@ void writeMp3(TagLib::MPEG::File &file, const StoredTags &tags)
         kinds |= TagLib::MPEG::File::APE;
     }
     // Strips those that are not among the kinds; the ID3v1 tag follows as it is.
-    const bool isSaved = kinds == TagLib::MPEG::File::NoTags
-                             ? file.strip(TagLib::MPEG::File::AllTags)
-                             : file.save(kinds, TagLib::MPEG::File::StripOthers, TagLib::ID3v2::v4,
-                                         TagLib::MPEG::File::DoNotDuplicate);
+    const bool isSaved =
+        kinds == TagLib::MPEG::File::NoTags
+            ? file.strip(TagLib::MPEG::File::AllTags)
+            : file.save(kinds, TagLib::MPEG::File::StripOthers, TagLib::ID3v2::v4, TagLib::MPEG::File::DoNotDuplicate);
     if (!isSaved)
         throw NurvFailure(u"Unable to save the tags."_s);
 }

@@ -36,11 +36,12 @@ using StoredTags = QList<StoredTag>;
 
 namespace storedTags {
 
-/// By a process of its own where TagsProcess is set up. Throws NurvFailure when the file cannot be read. Blocks; any thread.
+/// By a process of its own where TagsProcess is set up. Throws NurvFailure when the file cannot be read. Blocks; any
+/// thread.
 [[nodiscard]] StoredTags read(TagFormat format, const QString &path);
 
-/// Gives the file these tags and no others. Throws NurvFailure, and then leaves the file as it was. Blocks; any thread, but
-/// not twice at a time for one file.
+/// Gives the file these tags and no others. Throws NurvFailure, and then leaves the file as it was. Blocks; any thread,
+/// but not twice at a time for one file.
 void replace(TagFormat format, const QString &path, const StoredTags &tags);
 
 /// The word for a holder in JSON, and back; the first that has that word.

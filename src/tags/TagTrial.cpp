@@ -26,7 +26,8 @@ void replaceDate(StoredTags &tags, const TagsObject::Text &date)
     if (!date || date->isEmpty())
         return;
     tags.removeIf([](const StoredTag &tag) {
-        return tag.holder == StoredTag::Holder::Vorbis && tag.name.compare(FlacTagHelper::kDate, Qt::CaseInsensitive) == 0;
+        return tag.holder == StoredTag::Holder::Vorbis
+               && tag.name.compare(FlacTagHelper::kDate, Qt::CaseInsensitive) == 0;
     });
     tags.append({.holder = StoredTag::Holder::Vorbis, .name = FlacTagHelper::kDate.toString(), .text = date});
 }
@@ -49,7 +50,9 @@ TagsProcess::Written writeTagsByFormat(const TagsProcess::Writing &writing, cons
     case TagFormat::Mp3: TagLibTagsHelper::writeTagsForMP3File(path, tags, writing.writeEmptyTags); return {};
     case TagFormat::Aiff: TagLibTagsHelper::writeTagsForAIFFFile(path, tags); return {};
     case TagFormat::Flac:
-        return {.date = TagLibTagsHelper::writeTagsButDate(path, tags, writing.writeEmptyTags), .leftOut = {}, .disorder = {}};
+        return {.date = TagLibTagsHelper::writeTagsButDate(path, tags, writing.writeEmptyTags),
+                .leftOut = {},
+                .disorder = {}};
     case TagFormat::Ape: TagLibTagsHelper::writeTagsForAPEFile(path, tags, writing.writeEmptyTags); return {};
     case TagFormat::Wavpack: TagLibTagsHelper::writeTagsForWavpackFile(path, tags, writing.writeEmptyTags); return {};
     case TagFormat::Mp4: {

@@ -17,9 +17,9 @@ struct TagTrial {
     StoredTags after;
 };
 
-/// Lets the writer of the format loose on the file, without writing anything: what it would make of it is read again. The
-/// picture of the record takes no part. By a process of its own where TagsProcess is set up. Throws NurvFailure when the
-/// file cannot be read or the writer would fail. Blocks; any thread.
+/// Lets the writer of the format loose on the file, without writing anything: what it would make of it is read again.
+/// The picture of the record takes no part. By a process of its own where TagsProcess is set up. Throws NurvFailure
+/// when the file cannot be read or the writer would fail. Blocks; any thread.
 [[nodiscard]] TagTrial tryTags(TagFormat format, const QString &path, const TagsObject &tags, bool writeEmptyTags);
 
 /// The writer of each format, but for a FLAC file's date. Throws NurvFailure.

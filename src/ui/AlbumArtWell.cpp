@@ -49,7 +49,8 @@ QByteArray pastedBytes(const QMimeData &data)
 
 } // namespace
 
-AlbumArtWell::AlbumArtWell(TagsTab &tab, QWidget *parent) : QWidget(parent), m_tab(tab), m_view(new NURVDragAndDropImageView(this))
+AlbumArtWell::AlbumArtWell(TagsTab &tab, QWidget *parent)
+    : QWidget(parent), m_tab(tab), m_view(new NURVDragAndDropImageView(this))
 {
     m_view->setObjectName(u"albumArtImageView"_s);
     m_view->setAccessibleName(tr("Cover picture"));

@@ -15,8 +15,8 @@ namespace nurv {
 class NURVDragAndDropImageView;
 class TagsTab;
 
-/// The well with the cover picture, and its buttons: a file is dropped on it or chosen for it, a picture pasted into it,
-/// and the one in it saved or removed. The pixels come from a worker.
+/// The well with the cover picture, and its buttons: a file is dropped on it or chosen for it, a picture pasted into
+/// it, and the one in it saved or removed. The pixels come from a worker.
 class AlbumArtWell final : public QWidget {
     Q_OBJECT
 

@@ -38,7 +38,7 @@ expect '--skip-existing' nurv decode --s
 expect '--beside-source' nurv decode --b
 expect '--json' nurv doctor --js
 expect '--dry-run' nurv recover --dr
-expect 'show set import-cue' nurv tags ''
+expect 'show set import-cue --help' nurv tags ''
 expect '--title' nurv tags set --ti
 expect '--dry-run' nurv tags import-cue --dr
 expect '' nurv recover ''

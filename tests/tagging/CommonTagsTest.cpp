@@ -35,7 +35,8 @@ TEST(CommonTagsTest, HasNoneOfOneFile)
 
 TEST(CommonTagsTest, ComparesTheFirstWithTheLast)
 {
-    const std::optional<TagsObject> common = commonOf({record(u"A"_s, u"X"_s), record(u"B"_s, u"X"_s), record(u"A"_s, u"Y"_s)});
+    const std::optional<TagsObject> common =
+        commonOf({record(u"A"_s, u"X"_s), record(u"B"_s, u"X"_s), record(u"A"_s, u"Y"_s)});
     ASSERT_TRUE(common);
     EXPECT_EQ(common->albumText(), u"A"_s);
     EXPECT_EQ(common->artistText(), u""_s);
@@ -85,7 +86,8 @@ TEST(CommonTagsTest, TakesPicturesWithTheSamePixels)
     TagsObject one = record(u"A"_s, u"X"_s);
     TagsObject same = one;
     one.setAlbumArt(red);
-    same.setAlbumArt(std::make_shared<const CoverPicture>(encodedPicture(imageOf(red), "bmp"), red->size(), red->depth()));
+    same.setAlbumArt(
+        std::make_shared<const CoverPicture>(encodedPicture(imageOf(red), "bmp"), red->size(), red->depth()));
     TagsObject other = one;
     other.setAlbumArt(picture(20, 10, Qt::blue));
     EXPECT_EQ(commonOf({one, same})->albumArt(), red);

@@ -94,11 +94,12 @@ TEST_F(CueSheetTagImporterTest, TellsOfASheetThatCannotBeRead)
     QString reason;
     EXPECT_FALSE(CueSheetTagImporter::read(path, &reason));
     EXPECT_FALSE(reason.isEmpty());
-    prompts.expectAsk({.title = u"The cue sheet “x.cue” could not be read."_s, .message = reason, .buttons = {u"OK"_s}}, u"OK"_s);
+    prompts.expectAsk({.title = u"The cue sheet “x.cue” could not be read."_s, .message = reason, .buttons = {u"OK"_s}},
+                      u"OK"_s);
     EXPECT_FALSE(importer.loadTagsFromCueSheet());
-    const QStringList told{u"error "_s + reason, u"Trying to open as unicode..."_s, u"error "_s + reason,
-                           u"Last hope: opening using NSASCIIStringEncoding..."_s, u"error "_s + reason,
-                           u"Could not open file...%1 %2"_s.arg(path, reason)};
+    const QStringList told{u"error "_s + reason, u"Trying to open as unicode..."_s,
+                           u"error "_s + reason, u"Last hope: opening using NSASCIIStringEncoding..."_s,
+                           u"error "_s + reason, u"Could not open file...%1 %2"_s.arg(path, reason)};
     EXPECT_EQ(log.texts(u"nurv.tagging"_s), told + told);
     EXPECT_TRUE(posted.isEmpty());
 }

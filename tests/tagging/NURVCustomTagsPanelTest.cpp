@@ -56,15 +56,16 @@ TEST_F(NURVCustomTagsPanelTest, ClearingEmptiesTheRowsAlone)
 
 TEST_F(NURVCustomTagsPanelTest, CollectsTheRowsWhenItIsLeft)
 {
-    prompts.expectPanel({.title = u"Custom Tags"_s,
-                         .message = u"Further fields of FLAC files: a name and a value in each row. Fields without a row stay "
-                                    "as they are."_s,
-                         .fields = {u"custom"_s},
-                         .buttons = {u"OK"_s}},
-                        [](const Panel &shown) {
-                            fieldOf<PairsControl>(shown, u"custom"_s).setPair(7, {.name = u"KEY"_s, .value = u"C"_s});
-                        },
-                        u"OK"_s);
+    prompts.expectPanel(
+        {.title = u"Custom Tags"_s,
+         .message = u"Further fields of FLAC files: a name and a value in each row. Fields without a row stay "
+                    "as they are."_s,
+         .fields = {u"custom"_s},
+         .buttons = {u"OK"_s}},
+        [](const Panel &shown) {
+            fieldOf<PairsControl>(shown, u"custom"_s).setPair(7, {.name = u"KEY"_s, .value = u"C"_s});
+        },
+        u"OK"_s);
     panel.runPanel();
     EXPECT_EQ(panel.customTagDictionary()->value(u"KEY"_s), u"C");
 }

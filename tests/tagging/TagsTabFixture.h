@@ -12,9 +12,9 @@
 #include "support/TestFolder.h"
 #include "support/TestProgram.h"
 #include "support/WaitUntil.h"
+#include "TagFixtures.h"
 #include "tagging/TagFiles.h"
 #include "tagging/TagsTab.h"
-#include "TagFixtures.h"
 #include "tags/TagsProcess.h"
 #include "toolbox/Toolbox.h"
 

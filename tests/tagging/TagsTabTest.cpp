@@ -51,8 +51,8 @@ TEST_F(TagsTabTest, ShowsWhatOneFileHolds)
 
 TEST_F(TagsTabTest, ShowsTheFirstAgainstTheLastAndSaysVarious)
 {
-    add({flac(u"1.flac"_s, {u"ALBUM=A"_s, u"ARTIST=X"_s, u"TITLE=T"_s}), flac(u"2.flac"_s, {u"ALBUM=B"_s, u"ARTIST=X"_s}),
-         flac(u"3.flac"_s, {u"ALBUM=A"_s, u"ARTIST=Y"_s})});
+    add({flac(u"1.flac"_s, {u"ALBUM=A"_s, u"ARTIST=X"_s, u"TITLE=T"_s}),
+         flac(u"2.flac"_s, {u"ALBUM=B"_s, u"ARTIST=X"_s}), flac(u"3.flac"_s, {u"ALBUM=A"_s, u"ARTIST=Y"_s})});
     EXPECT_EQ(tab.multipleSelectionsLabel.text(), u"multiple selections");
     EXPECT_EQ(tab.albumText.text(), u"A");
     EXPECT_EQ(tab.artistText.text(), QString());
@@ -114,7 +114,8 @@ TEST_F(TagsTabTest, ShowsTheTrackNamesWhenAutomaticNamingIsSwitchedOn)
 
 TEST_F(TagsTabTest, ComparesAllFilesOfTheList)
 {
-    add({flac(u"1.flac"_s, {u"ALBUM=A"_s}), flac(u"2.flac"_s, {u"ALBUM=A"_s, u"MOOD=x"_s}), folder.write(u"3.wav"_s, "x")});
+    add({flac(u"1.flac"_s, {u"ALBUM=A"_s}), flac(u"2.flac"_s, {u"ALBUM=A"_s, u"MOOD=x"_s}),
+         folder.write(u"3.wav"_s, "x")});
     EXPECT_TRUE(tab.allTagsEqual());
     add({flac(u"4.flac"_s, {u"ALBUM=B"_s})});
     EXPECT_FALSE(tab.allTagsEqual());
@@ -131,7 +132,9 @@ TEST_F(TagsTabTest, TakesPicturesOfEveryKindAndRefusesOthers)
         EXPECT_EQ(tab.albumArtImageView.picture()->size(), QSize(32, 16));
     }
     const AlbumArt last = tab.albumArtImageView.picture();
-    prompts.expectAsk({.title = u"The picture “x.png” cannot be used."_s, .message = u"it is of no known kind"_s, .buttons = {u"OK"_s}},
+    prompts.expectAsk({.title = u"The picture “x.png” cannot be used."_s,
+                       .message = u"it is of no known kind"_s,
+                       .buttons = {u"OK"_s}},
                       u"OK"_s);
     tab.takePictureFile(folder.write(u"x.png"_s, "no picture"));
     tab.finishReading();

@@ -23,9 +23,9 @@ protected:
     /// The digest of the packets of the sound.
     static QByteArray soundOf(const QString &path)
     {
-        const ProgramResult result = runProgram(
-            u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-nostdin"_s, u"-i"_s, path, u"-map"_s, u"0:a"_s, u"-c"_s, u"copy"_s, u"-f"_s,
-                          u"hash"_s, u"-"_s});
+        const ProgramResult result =
+            runProgram(u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-nostdin"_s, u"-i"_s, path, u"-map"_s, u"0:a"_s, u"-c"_s,
+                                     u"copy"_s, u"-f"_s, u"hash"_s, u"-"_s});
         EXPECT_EQ(result.exitStatus, 0) << result.errors.constData();
         return result.output;
     }
@@ -33,7 +33,8 @@ protected:
 
 TEST_F(TagsTabWritingTest, WritesEveryKindOfFileForOtherReaders)
 {
-    const QStringList paths{flac(u"a.flac"_s), writeMp3(folder, u"b.mp3"_s), writeWavpack(folder, u"c.wv"_s), m4a(u"d.m4a"_s)};
+    const QStringList paths{flac(u"a.flac"_s), writeMp3(folder, u"b.mp3"_s), writeWavpack(folder, u"c.wv"_s),
+                            m4a(u"d.m4a"_s)};
     for (const QString &path : paths) {
         add({path});
         const QByteArray before = soundOf(path);
@@ -155,7 +156,8 @@ TEST_F(TagsTabWritingTest, AFailureEndsItWithTheWritersMessageAndKeepsWhatWasWri
     add(paths);
     tab.albumText.setText(u"A"_s);
     const Alert alert{.title = u"The tags of “1.flac” could not be written."_s,
-                      .message = u"Unable to open the output file for tagging.\n1 file before it were written, and stay so."_s,
+                      .message =
+                          u"Unable to open the output file for tagging.\n1 file before it were written, and stay so."_s,
                       .buttons = {u"OK"_s}};
     prompts.expectAsk(alert, u"OK"_s);
     tab.executeCommand();
@@ -264,8 +266,10 @@ TEST_F(TagsTabWritingTest, ThePreviewTellsOldAndNewAndWritesNothingWhenItIsDismi
 
 TEST_F(TagsTabWritingTest, ThePreviewIsWhatIsWritten)
 {
-    const QStringList paths{flac(u"a.flac"_s, {u"TITLE=Old"_s, u"MOOD=m"_s, u"DATE=1970"_s}), writeMp3(folder, u"b.mp3"_s, {u"--tt"_s, u"Old"_s, u"--tg"_s, u"Rock"_s}),
-                            writeWavpack(folder, u"c.wv"_s, {u"-w"_s, u"Title=Old"_s}), writeApe(folder, u"d.ape"_s), m4a(u"e.m4a"_s)};
+    const QStringList paths{flac(u"a.flac"_s, {u"TITLE=Old"_s, u"MOOD=m"_s, u"DATE=1970"_s}),
+                            writeMp3(folder, u"b.mp3"_s, {u"--tt"_s, u"Old"_s, u"--tg"_s, u"Rock"_s}),
+                            writeWavpack(folder, u"c.wv"_s, {u"-w"_s, u"Title=Old"_s}), writeApe(folder, u"d.ape"_s),
+                            m4a(u"e.m4a"_s)};
     for (const bool writesEmpty : {false, true}) {
         TagsObject record = fullRecord();
         record.setTitleText(writesEmpty ? u""_s : u"New"_s);
@@ -273,7 +277,8 @@ TEST_F(TagsTabWritingTest, ThePreviewIsWhatIsWritten)
             const TagTrial trial = tryTags(*tagFiles::formatOf(path), path, record, writesEmpty);
             EXPECT_EQ(storedTags::read(*tagFiles::formatOf(path), path), trial.before) << qPrintable(path);
             tagFiles::write(path, record, writesEmpty);
-            EXPECT_EQ(tagPreview::differences(trial.after, storedTags::read(*tagFiles::formatOf(path), path)), QStringList())
+            EXPECT_EQ(tagPreview::differences(trial.after, storedTags::read(*tagFiles::formatOf(path), path)),
+                      QStringList())
                 << qPrintable(path) << writesEmpty;
         }
     }

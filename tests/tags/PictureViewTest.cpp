@@ -22,7 +22,9 @@ TEST(PictureViewTest, ScalesWhatIsLargerThanItsBox)
 
 TEST(PictureViewTest, ExaminesALargePictureAndADamagedOne)
 {
-    const QByteArray large = encodedPicture(picture(8000, 5000, Qt::green), "png");
+    QImage image(8000, 5000, QImage::Format_RGB32);
+    image.fill(Qt::green);
+    const QByteArray large = encodedPicture(image, "png");
     const PictureReading reading = examinePicture(large);
     ASSERT_TRUE(reading.picture);
     EXPECT_EQ(reading.picture->size(), QSize(8000, 5000));

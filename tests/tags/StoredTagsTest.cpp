@@ -60,19 +60,25 @@ TEST_F(StoredTagsTest, BringsBackRepeatedFieldsAndPicturesOfFlac)
 TEST_F(StoredTagsTest, BringsBackFramesOfEveryKindOfMp3)
 {
     const QString cover = folder.write(u"c.png"_s, encodedPicture(picture(9, 9, Qt::blue), "png"));
-    const QString path = writeMp3(folder, u"a.mp3"_s,
-                                  {u"--tt"_s, u"Title"_s, u"--ta"_s, u"Artist"_s, u"--ty"_s, u"1999"_s, u"--tc"_s, u"Comment"_s,
-                                   u"--tv"_s, u"TXXX=MOOD=blue"_s, u"--tv"_s, u"TPE2=Band"_s, u"--ti"_s, cover, u"--add-id3v2"_s});
-    const QMap<QString, QString> before = ffprobeTags(path);
+    const QString path =
+        writeMp3(folder, u"a.mp3"_s,
+                 {u"--tt"_s, u"Title"_s, u"--ta"_s, u"Artist"_s, u"--ty"_s, u"1999"_s, u"--tc"_s, u"Comment"_s,
+                  u"--tv"_s, u"TXXX=MOOD=blue"_s, u"--tv"_s, u"TPE2=Band"_s, u"--ti"_s, cover, u"--add-id3v2"_s});
+    QMap<QString, QString> before = ffprobeTags(path);
     expectRoundTrip(TagFormat::Mp3, path);
-    EXPECT_EQ(ffprobeTags(path), before);
+    QMap<QString, QString> after = ffprobeTags(path);
+    // ffprobe knows the comment in UTF-8 only.
+    EXPECT_EQ(after.take(u"comment"_s), u"Comment");
+    before.remove(u"comment"_s);
+    EXPECT_EQ(after, before);
 }
 
 TEST_F(StoredTagsTest, BringsBackItemsOfApeTags)
 {
     const QString image = folder.write(u"c.png"_s, encodedPicture(picture(9, 9, Qt::blue), "png"));
-    const QString path = writeWavpack(folder, u"a.wv"_s, {u"-w"_s, u"Title=T"_s, u"-w"_s, u"Mood=a=b"_s, u"--write-binary-tag"_s,
-                                                          u"Cover Art (Front)=@"_s + image});
+    const QString path = writeWavpack(
+        folder, u"a.wv"_s,
+        {u"-w"_s, u"Title=T"_s, u"-w"_s, u"Mood=a=b"_s, u"--write-binary-tag"_s, u"Cover Art (Front)=@"_s + image});
     const QMap<QString, QString> before = ffprobeTags(path);
     expectRoundTrip(TagFormat::Wavpack, path);
     EXPECT_EQ(ffprobeTags(path), before);

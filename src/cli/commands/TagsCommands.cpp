@@ -31,10 +31,8 @@ namespace {
 
 std::vector<OptionSpec> reportOptions(const QString &json)
 {
-    return joined(joined({{.name = u"json"_s, .summary = json, .manual = json.left(1).toUpper() + json.sliced(1) + u". See *JSON*."_s},
-                          {.name = u"quiet"_s,
-                           .summary = u"problems only: no notes, no closing line"_s,
-                           .manual = u"No notes and no closing line. Problems still come."_s},
+    return joined(joined({{.name = u"json"_s, .summary = json},
+                          {.name = u"quiet"_s, .summary = u"problems only: no notes, no closing line"_s},
                           {.name = u"yes"_s, .summary = u"accepted as everywhere; there are no questions"_s},
                           {.name = u"no"_s, .summary = u"accepted as everywhere; there are no questions"_s}},
                          unusedOptions()),
@@ -45,7 +43,8 @@ OptionSpec dryRunOption()
 {
     return {.name = u"dry-run"_s,
             .summary = u"tell the old and new values of what would change, and write nothing"_s,
-            .manual = u"Tells the old and new values of every tag that would change, file by file, and writes nothing."_s};
+            .manual =
+                u"Tells the old and new values of every tag that would change, file by file, and writes nothing."_s};
 }
 
 // show
@@ -141,10 +140,12 @@ void tellOfNoEffect(TagsRun &run, const TagsObject &record)
     };
     const auto tell = [&run](const QString &option, auto number, const QString &kinds) {
         if (number > 0)
-            run.note(u"%1 has no effect on %2 of %3 files: %4"_s.arg(option).arg(number).arg(run.files().size()).arg(kinds));
+            run.note(
+                u"%1 has no effect on %2 of %3 files: %4"_s.arg(option).arg(number).arg(run.files().size()).arg(kinds));
     };
     if (!record.customTagsDictionary().isEmpty())
-        tell(u"--custom"_s, count([](TagFormat format) { return format != TagFormat::Flac; }), u"only FLAC files take it"_s);
+        tell(u"--custom"_s, count([](TagFormat format) { return format != TagFormat::Flac; }),
+             u"only FLAC files take it"_s);
     if (record.albumArt())
         tell(u"--picture"_s,
              count([](TagFormat format) { return format == TagFormat::Ape || format == TagFormat::Wavpack; }),
@@ -193,41 +194,47 @@ private:
         for (const TagField &field : tagFields()) {
             const QString caption = QString::fromLatin1(field.caption).toLower();
             const bool isOfOneFile = field.name == u"title" || field.name == u"track";
-            options.push_back({.name = field.name.toString(),
-                               .valueName = u"TEXT"_s,
-                               .summary = u"the %1%2"_s.arg(caption, isOfOneFile ? u", of one file"_s : QString()),
-                               .manual = u"The %1.%2"_s.arg(caption, isOfOneFile ? u" Goes with one file."_s : QString()),
-                               .excluded = {u"from-json"_s}});
+            options.push_back(
+                {.name = field.name.toString(),
+                 .valueName = u"TEXT"_s,
+                 .summary = u"the %1%2"_s.arg(caption, isOfOneFile ? u", of one file"_s : QString()),
+                 .manual = u"The %1.%2"_s.arg(caption, isOfOneFile ? u" Goes with one file."_s : QString()),
+                 .excluded = {u"from-json"_s}});
         }
         return options;
     }
     static std::vector<OptionSpec> otherOptions()
     {
-        return {{.name = u"picture"_s,
-                 .valueName = u"FILE"_s,
-                 .summary = u"add the picture of a PNG, JPEG, GIF, TIFF, WebP or BMP file"_s,
-                 .manual = u"Adds the picture of a PNG, JPEG, GIF, TIFF, WebP or BMP file, as PNG. FLAC and MP3 files keep the "
-                           "pictures that they have beside it; in an M4A file it takes the place of the first. Monkey's Audio and "
-                           "WavPack files take none."_s,
-                 .excluded = {u"from-json"_s}},
-                {.name = u"custom"_s,
-                 .valueName = u"NAME=VALUE"_s,
-                 .summary = u"a further field of FLAC files; may be given several times"_s,
-                 .manual = u"A further field of FLAC files. May be given several times."_s,
-                 .excluded = {u"from-json"_s}},
-                {.name = u"empty"_s,
-                 .summary = u"also empty every field that no option gives"_s,
-                 .manual = u"Also empties every field that no option gives. FLAC and MP3 files lose all other tags and "
-                           "pictures with that; --dry-run tells which."_s,
-                 .excluded = {u"from-json"_s}},
-                {.name = u"from-json"_s,
-                 .valueName = u"FILE"_s,
-                 .summary = u"give files back all tags that \"tags show --json\" has printed; - is standard input"_s,
-                 .manual = u"Gives every file in the output of *tags show --json* back all of its tags: those in the file now go. "
-                           "\"-\" is standard input. Where _FILE_s are named, too, only they are written, and one that lies "
-                           "elsewhere now is known by its name."_s,
-                 .namesFiles = true},
-                dryRunOption()};
+        return {
+            {.name = u"picture"_s,
+             .valueName = u"FILE"_s,
+             .summary = u"add the picture of a PNG, JPEG, GIF, TIFF, WebP or BMP file"_s,
+             .manual =
+                 u"Adds the picture of a PNG, JPEG, GIF, TIFF, WebP or BMP file, as PNG. FLAC and MP3 files keep the "
+                 "pictures that they have beside it; in an M4A file it takes the place of the first. Monkey's Audio "
+                 "and "
+                 "WavPack files take none."_s,
+             .excluded = {u"from-json"_s}},
+            {.name = u"custom"_s,
+             .valueName = u"NAME=VALUE"_s,
+             .summary = u"a further field of FLAC files; may be given several times"_s,
+             .manual = u"A further field of FLAC files. May be given several times."_s,
+             .excluded = {u"from-json"_s}},
+            {.name = u"empty"_s,
+             .summary = u"also empty every field that no option gives"_s,
+             .manual = u"Also empties every field that no option gives. FLAC and MP3 files lose all other tags and "
+                       "pictures with that; --dry-run tells which."_s,
+             .excluded = {u"from-json"_s}},
+            {.name = u"from-json"_s,
+             .valueName = u"FILE"_s,
+             .summary = u"give files back all tags that \"tags show --json\" has printed; - is standard input"_s,
+             .manual =
+                 u"Gives every file in the output of *tags show --json* back all of its tags: those in the file now "
+                 u"go. "
+                 "\"-\" is standard input. Where _FILE_s are named, too, only they are written, and one that lies "
+                 "elsewhere now is known by its name."_s,
+             .namesFiles = true},
+            dryRunOption()};
     }
     static TagsObject recordOf(const ParsedArguments &arguments)
     {
@@ -276,7 +283,8 @@ public:
             .synopsis = u"[OPTION]... CUE FILE..."_s,
             .details = u"Writes album, artist, titles and track numbers of a cue sheet, of any encoding, into files.\n"
                        "The first title goes to the first file in the order of a file browser, and so on."_s,
-            .options = joined({dryRunOption()}, reportOptions(u"print one JSON object per file and one for the whole"_s))};
+            .options =
+                joined({dryRunOption()}, reportOptions(u"print one JSON object per file and one for the whole"_s))};
         return spec;
     }
     [[nodiscard]] ExitStatus run(const ParsedArguments &arguments, Console &console) const override
@@ -305,12 +313,15 @@ private:
             return run.finish(u"written"_s);
         }
         if (titles == 0) {
-            run.note(u"%1: no titles, since no line begins with \"TRACK 01 AUDIO\": only album and artist are written"_s.arg(cue));
+            run.note(
+                u"%1: no titles, since no line begins with \"TRACK 01 AUDIO\": only album and artist are written"_s.arg(
+                    cue));
         } else if (titles < run.files().size()) {
             run.fail(cue, u"Number of selected files to tag is greater than number of track names entered"_s);
             return run.finish(u"written"_s);
         } else if (titles > run.files().size()) {
-            run.note(u"%1: %2 titles for %3 files; the last ones are not used"_s.arg(cue).arg(titles).arg(run.files().size()));
+            run.note(u"%1: %2 titles for %3 files; the last ones are not used"_s.arg(cue).arg(titles).arg(
+                run.files().size()));
         }
         for (qsizetype i = 0; i < run.files().size(); ++i) {
             TagWriting writing{.path = run.files().at(i), .record = names.album};

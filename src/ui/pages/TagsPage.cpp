@@ -53,8 +53,8 @@ bool TagsPage::canExecute() const
     return !m_tagsTab.selectedRows().isEmpty() && !m_tagsTab.isReading();
 }
 
-QLineEdit *TagsPage::addField(QGridLayout *grid, int row, int column, int span, const QString &caption, TextControl &control,
-                              const QString &objectName, const QString &accessibleName)
+QLineEdit *TagsPage::addField(QGridLayout *grid, int row, int column, int span, const QString &caption,
+                              TextControl &control, const QString &objectName, const QString &accessibleName)
 {
     QWidget *const parent = lastOptionGroup();
     auto *const label = new QLabel(caption, parent);
@@ -109,8 +109,8 @@ void TagsPage::addNames()
     auto *const buttons = new QHBoxLayout;
     auto *const names = makeButton(tr("Sho&w track names…"), u"namesButton"_s,
                                    tr("Type the names of the tracks, or load them"), parent);
-    auto *const custom =
-        makeButton(tr("C&ustom tags…"), u"customTagsButton"_s, tr("Further fields, which only FLAC files take"), parent);
+    auto *const custom = makeButton(tr("C&ustom tags…"), u"customTagsButton"_s,
+                                    tr("Further fields, which only FLAC files take"), parent);
     buttons->addWidget(names);
     buttons->addWidget(custom);
     buttons->addStretch(1);
