@@ -28,7 +28,6 @@ bool isTalk(const QString &line)
         Expression(u"^welcome to redistribute it"_s),
         Expression(u"^Type \"flac\""_s),
         Expression(u"^state = FLAC__"_s),
-        Expression(u"^shntool \\[\\w+\\]:$"_s),
         Expression(u"^Error: \\d+$"_s),
         Expression(u"^(Compressing|Decompressing|Success|Converting)\\b"_s),
         Expression(u"child (en|de)coder process \\d+ had non-zero exit status"_s),

@@ -4,9 +4,22 @@
 
 #include <QList>
 
+#include <chrono>
 #include <ctime>
+#include <thread>
 
 namespace nurv {
+
+namespace {
+
+std::int64_t clockNow(clockid_t clock)
+{
+    timespec now{};
+    ::clock_gettime(clock, &now);
+    return nanoseconds(now);
+}
+
+} // namespace
 
 bool FileIdentity::isSameAs(const FileIdentity &other, bool sameBoot) const
 {
@@ -59,9 +72,21 @@ std::int64_t nanoseconds(const struct timespec &time)
 
 std::int64_t fileClockNow()
 {
-    timespec now{};
-    ::clock_gettime(CLOCK_REALTIME_COARSE, &now);
-    return nanoseconds(now);
+    return clockNow(CLOCK_REALTIME_COARSE);
+}
+
+std::int64_t exactClockNow()
+{
+    return clockNow(CLOCK_REALTIME);
+}
+
+void waitForFileClock(std::int64_t timeNs)
+{
+    // Ticks are at most ten milliseconds apart; a clock that was set back is not waited for.
+    constexpr std::chrono::microseconds kStep{500};
+    constexpr int kMostSteps = 100;
+    for (int step = 0; step < kMostSteps && fileClockNow() < timeNs; ++step)
+        std::this_thread::sleep_for(kStep);
 }
 
 std::optional<std::int64_t> wholeNumber(const QByteArray &text)

@@ -28,8 +28,15 @@ struct FileIdentity {
 
 /// Nanoseconds since 1970.
 [[nodiscard]] std::int64_t nanoseconds(const struct timespec &time);
-/// Now, by the clock that stamps files.
+/// Now, by the slower of the clocks that stamp files: some milliseconds late, never ahead of
+/// a file that is changed from now on. Kernels before 6.13 know no other for files; later ones
+/// also stamp exactly (Documentation/filesystems/multigrain-ts.rst).
 [[nodiscard]] std::int64_t fileClockNow();
+/// Now, to the nanosecond: no file that was changed before has a later time.
+[[nodiscard]] std::int64_t exactClockNow();
+/// Waits until files that are changed from now on have this time or a later one: one tick of
+/// the kernel for an exact time that was taken just now, and never longer than a few.
+void waitForFileClock(std::int64_t timeNs);
 
 /// The whole decimal number; nothing for anything else, and out of range.
 [[nodiscard]] std::optional<std::int64_t> wholeNumber(const QByteArray &text);

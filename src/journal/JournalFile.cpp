@@ -31,11 +31,11 @@ namespace nurv {
 
 namespace {
 
-QByteArray headerLine()
+QByteArray headerLine(std::int64_t beganNs)
 {
     return journalLine({"nurv-journal", "1", shortVersionString().toUtf8(), bootIdentifier(),
                         QByteArray::number(::getpid()), processMark(),
-                        QByteArray::number(static_cast<qint64>(fileClockNow()))});
+                        QByteArray::number(static_cast<qint64>(beganNs))});
 }
 
 /// Keeps the lock of a file until the process ends.
@@ -58,7 +58,8 @@ JournalFile::JournalFile(const QByteArray &lines) : m_folder(openJournalFolder(t
 {
     if (!m_folder.isOpen())
         fail(u"the folder cannot be used"_s, errno);
-    const QByteArray header = headerLine();
+    const std::int64_t beganNs = exactClockNow();
+    const QByteArray header = headerLine(beganNs);
     const QByteArray bytes = header + stateLine(true) + lines;
     if (bytes.size() > kLargest)
         fail(u"there is too much to note"_s, EFBIG);
@@ -85,6 +86,8 @@ JournalFile::JournalFile(const QByteArray &lines) : m_folder(openJournalFolder(t
         ::unlinkat(m_folder.get(), m_name.constData(), 0);
         fail(u"the file cannot be written"_s, error);
     }
+    // From here on no file is stamped with an earlier time than the journal's.
+    waitForFileClock(beganNs);
     m_stateAt = header.size();
     m_firstSize = bytes.size();
     m_size = m_firstSize;

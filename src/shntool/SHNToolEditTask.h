@@ -18,9 +18,8 @@ namespace nurv {
 /// Files that one run of shntool edits: what trimming, padding, stripping, joining and splitting have in common.
 ///
 ///     child ──> processTaskOutput(chunk) ──> status line, progress, report
-///       └─ end ──> a worker examines the outputs ──> cleanup: sources are deleted if that was asked for; a report
-///       stays
-///                                                    only when there is something to tell
+///       └─ end ──> a worker examines the outputs ──> cleanup: sources are deleted if that was asked for;
+///                                                    a report stays only when there is something to tell
 ///
 /// Lives on the GUI thread like every command job; between the end of the program and the stop the outcome is the
 /// worker's.
