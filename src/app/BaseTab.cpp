@@ -100,6 +100,7 @@ void BaseTab::announceList()
 {
     m_selectedRows.clear();
     Q_EMIT fileNamesChanged();
+    Q_EMIT selectedRowsChanged();
     selectionChanged();
 }
 
@@ -117,6 +118,7 @@ void BaseTab::setSelectedRows(const QList<int> &rows)
     if (sorted == m_selectedRows)
         return;
     m_selectedRows = sorted;
+    Q_EMIT selectedRowsChanged();
     selectionChanged();
 }
 

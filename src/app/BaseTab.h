@@ -52,7 +52,7 @@ public:
     [[nodiscard]] virtual QString columnText(int /*row*/, int /*column*/) const { return {}; }
     /// The rows that are selected, in their order; none once the list is another one.
     [[nodiscard]] const QList<int> &selectedRows() const { return m_selectedRows; }
-    /// The user has selected these rows.
+    /// The user, or the tab itself, has selected these rows.
     void setSelectedRows(const QList<int> &rows);
 
     /// Adds a file that the controller has matched with this tab already.
@@ -103,6 +103,8 @@ public:
 Q_SIGNALS:
     /// The list is another one now; nothing in it is selected.
     void fileNamesChanged();
+    /// Other rows are selected now.
+    void selectedRowsChanged();
     /// Files were added; the view widens its column.
     void filesWereAdded();
     /// The texts of these columns are others now, while the list is the same.

@@ -12,4 +12,12 @@ void TextControl::setText(const QString &text)
     announceValue();
 }
 
+void TextControl::setPlaceholder(const QString &text)
+{
+    if (m_placeholder == text)
+        return;
+    m_placeholder = text;
+    Q_EMIT changed();
+}
+
 } // namespace nurv

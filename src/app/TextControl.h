@@ -14,9 +14,13 @@ public:
     explicit TextControl(QString text = {}) : m_text(std::move(text)) {}
     [[nodiscard]] const QString &text() const { return m_text; }
     void setText(const QString &text);
+    /// What stands in the empty field; no value.
+    [[nodiscard]] const QString &placeholder() const { return m_placeholder; }
+    void setPlaceholder(const QString &text);
 
 private:
     QString m_text;
+    QString m_placeholder;
 };
 
 } // namespace nurv

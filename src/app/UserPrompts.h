@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 
@@ -15,7 +16,8 @@ struct Panel;
 struct Alert {
     QString title;
     QString message;
-    QStringList buttons; ///< the first one is the default
+    QStringList buttons;     ///< the first one is the default
+    QByteArray picture = {}; ///< the bytes of one that is shown beside the text
 };
 
 /// The button that changes nothing: "No", "Cancel", "Keep" or "Not Now" when there is

@@ -16,6 +16,7 @@ Q_LOGGING_CATEGORY(originalsLog, "nurv.originals")
 Q_LOGGING_CATEGORY(processLog, "nurv.process")
 Q_LOGGING_CATEGORY(settingsLog, "nurv.settings")
 Q_LOGGING_CATEGORY(shntoolLog, "nurv.shntool", QtWarningMsg)
+Q_LOGGING_CATEGORY(taggingLog, "nurv.tagging", QtInfoMsg)
 Q_LOGGING_CATEGORY(tagsLog, "nurv.tags")
 Q_LOGGING_CATEGORY(textLog, "nurv.text")
 

@@ -153,7 +153,10 @@ void checkArguments(const CommandSpec &command, const ParsedArguments &arguments
         }
     };
     given([&](const OptionSpec &option) { checkValue(command, option, arguments); });
-    if (command.takesPaths && arguments.operands.isEmpty())
+    const bool areFilesNamed = std::any_of(command.options.begin(), command.options.end(), [&](const OptionSpec &option) {
+        return option.namesFiles && arguments.has(option.name);
+    });
+    if (command.takesPaths && arguments.operands.isEmpty() && !areFilesNamed)
         throw UsageError(u"no files are given"_s);
     if (!command.takesPaths && command.words.empty() && !arguments.operands.isEmpty())
         throw UsageError(u"%1 takes no files"_s.arg(command.name));

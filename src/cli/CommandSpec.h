@@ -41,6 +41,7 @@ struct OptionSpec {
     QStringList choices = {};           ///< the words that it takes, in lower case; empty: any
     std::vector<Numbers> numbers = {};  ///< empty: the value is no number
     bool isFolder = false;              ///< the value is the path of a folder
+    bool namesFiles = false;            ///< the value says which files are meant: none need follow
     QString standard = {};              ///< the value that counts when the option is not given
     QStringList formats = {};           ///< it goes with one of these of the command's selector only
     QMap<QString, QStringList> choiceFormats = {}; ///< the same of some of its choices

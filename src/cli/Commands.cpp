@@ -11,6 +11,7 @@
 #include "cli/commands/RecoverCommand.h"
 #include "cli/commands/SHNtoolCommands.h"
 #include "cli/commands/SettingsCommand.h"
+#include "cli/commands/TagsCommands.h"
 
 namespace nurv {
 
@@ -27,9 +28,12 @@ const CommandTree &commands()
     static const DoctorCommand doctor;
     static const RecoverCommand recover;
     static const std::vector<std::unique_ptr<Command>> shntool = makeSHNtoolCommands();
+    static const std::vector<std::unique_ptr<Command>> tags = makeTagsCommands();
     static const CommandTree tree([] {
         std::vector<const Command *> all{&encode, &decode, &lossy, &checksumCreate, &checksumVerify, &checksumTest, &fix};
         for (const std::unique_ptr<Command> &command : shntool)
+            all.push_back(command.get());
+        for (const std::unique_ptr<Command> &command : tags)
             all.push_back(command.get());
         all.insert(all.end(), {&settings, &doctor, &recover});
         return all;

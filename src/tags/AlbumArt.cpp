@@ -67,6 +67,11 @@ std::optional<std::int64_t> memoryFor(const QImageReader &reader)
 
 } // namespace
 
+QString pictureFormat(const QByteArray &bytes)
+{
+    return QString::fromLatin1(formatOf(bytes));
+}
+
 DecodedPicture decodePicture(const QByteArray &bytes)
 {
     static std::once_flag limitSet;

@@ -25,6 +25,9 @@ struct DecodedPicture {
 /// other threads' pictures take all of PictureMemory. Any thread.
 [[nodiscard]] DecodedPicture decodePicture(const QByteArray &bytes);
 
+/// "png", "jpeg", "gif", "bmp", "tiff" or "webp" by the first bytes; empty for anything else.
+[[nodiscard]] QString pictureFormat(const QByteArray &bytes);
+
 /// The picture in the bytes of a picture frame, or why there is none that could be used.
 struct PictureReading {
     AlbumArt picture;

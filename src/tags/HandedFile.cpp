@@ -39,6 +39,11 @@ FileDescriptor HandedFile::open(const QString &path)
     return FileDescriptor(::fcntl(current->m_file.get(), F_DUPFD_CLOEXEC, 3));
 }
 
+const TagEditStream::Edits *HandedFile::leftEdits()
+{
+    return current != nullptr && current->m_edits.isEdited ? &current->m_edits : nullptr;
+}
+
 void HandedFile::leaveEdits(TagEditStream::Edits edits)
 {
     if (current != nullptr)

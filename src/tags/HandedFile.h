@@ -28,6 +28,8 @@ public:
     /// The file once more when it has this name; else a descriptor that is not open.
     [[nodiscard]] static FileDescriptor open(const QString &path);
     static void leaveEdits(TagEditStream::Edits edits);
+    /// What was left, for whoever reads the file as it would be; null when nothing was.
+    [[nodiscard]] static const TagEditStream::Edits *leftEdits();
 
 private:
     FileDescriptor m_file;

@@ -3,6 +3,7 @@
 #include "tags/Mp4Movie.h"
 
 #include <QStringDecoder>
+#include <QStringList>
 #include <QtEndian>
 
 #include <algorithm>
@@ -27,6 +28,7 @@ constexpr FourCharacters kHandler = fourCharacters("hdlr");
 constexpr FourCharacters kItems = fourCharacters("ilst");
 constexpr FourCharacters kValue = fourCharacters("data");
 constexpr FourCharacters kPicture = fourCharacters("covr");
+constexpr FourCharacters kMeaning = fourCharacters("mean");
 constexpr FourCharacters kOwnName = fourCharacters("name");
 constexpr FourCharacters kTrack = fourCharacters("trak");
 constexpr FourCharacters kSound = fourCharacters("soun");
@@ -233,6 +235,63 @@ std::optional<std::vector<Mp4Movie::Item>> Mp4Movie::items() const
     for (const Mp4Box &box : *boxes)
         items.push_back(itemIn(box));
     return items;
+}
+
+QString Mp4Movie::fullNameOf(const Mp4Box &item) const
+{
+    char type[4];
+    qToBigEndian(item.type, type);
+    QString name = QString::fromLatin1(type, sizeof type);
+    for (const FourCharacters kind : {kMeaning, kOwnName}) {
+        const std::optional<Mp4Box> part = copyOfFirst(valueBoxes(item), kind);
+        if (part && part->size >= part->headerSize + kMp4VersionSize)
+            name += u':' + QString::fromUtf8(m_contents.mid(part->contents() + kMp4VersionSize,
+                                                            part->size - part->headerSize - kMp4VersionSize));
+    }
+    return name;
+}
+
+std::optional<std::vector<Mp4Movie::RawItem>> Mp4Movie::rawItems() const
+{
+    const std::optional<Mp4Boxes> boxes = itemBoxes();
+    if (!boxes)
+        return std::nullopt;
+    std::vector<RawItem> items;
+    items.reserve(boxes->size());
+    for (const Mp4Box &box : *boxes) {
+        RawItem raw{.name = fullNameOf(box), .box = m_contents.mid(box.offset, box.size)};
+        QStringList texts;
+        const Item item = itemIn(box);
+        for (const Value &value : item.values) {
+            if (value.type == kUtf8Type || value.type == kUtf16Type)
+                texts.append(textOf(value));
+        }
+        const bool isPair = box.type == fourCharacters("trkn") || box.type == fourCharacters("disk");
+        if (isPair && !item.values.empty() && item.values.front().bytes.size() >= 6)
+            texts.append(u"%1/%2"_s.arg(mp4Number<std::uint16_t>(item.values.front().bytes, 2))
+                             .arg(mp4Number<std::uint16_t>(item.values.front().bytes, 4)));
+        if (!texts.isEmpty())
+            raw.text = texts.join(u", "_s);
+        items.push_back(raw);
+    }
+    return items;
+}
+
+bool Mp4Movie::setRawItems(const QByteArray &boxes)
+{
+    const Path path = findItems();
+    if (!path.isUsable)
+        return false;
+    if (!boxes.isEmpty() || path.items)
+        replaceItems(path, boxes);
+    return true;
+}
+
+bool Mp4Movie::isItem(const QByteArray &box)
+{
+    const std::optional<Mp4Boxes> boxes = mp4BoxesIn(box, 0, box.size());
+    return boxes && boxes->size() == 1 && !boxes->front().reachesEndOfFile
+           && mp4BoxesIn(box, boxes->front().contents(), boxes->front().end());
 }
 
 bool Mp4Movie::setText(FourCharacters item, const QString &text)

@@ -41,6 +41,12 @@ public:
         QString ownName; ///< of a free-form item, whose four characters are "----"
         std::vector<Value> values;
     };
+    /// A metadata item as it stands in the file.
+    struct RawItem {
+        QString name;                           ///< "\251nam", "----:com.apple.iTunes:MOOD"
+        std::optional<QString> text = {};       ///< its values, when they are text
+        QByteArray box;
+    };
     /// A box that is neither sound nor metadata item.
     struct Part {
         FourCharacters type = 0; ///< of a track, what its handler says that it holds
@@ -61,6 +67,8 @@ public:
 
     /// All metadata items; nothing when the metadata is damaged or of another kind.
     [[nodiscard]] std::optional<std::vector<Item>> items() const;
+    /// The same with their bytes.
+    [[nodiscard]] std::optional<std::vector<RawItem>> rawItems() const;
     /// What else the movie holds besides its sound: other user data, other metadata, tracks of text and
     /// pictures. Fillers and what describes the sound are left out. Nothing when it is damaged.
     [[nodiscard]] std::optional<std::vector<Part>> otherParts() const;
@@ -73,6 +81,10 @@ public:
     /// Puts the picture in the place of the first one; others stay, also those in further items.
     [[nodiscard]] bool setFirstPicture(const QByteArray &png);
     [[nodiscard]] bool removeItem(FourCharacters item);
+    /// Puts these boxes in the place of all items.
+    [[nodiscard]] bool setRawItems(const QByteArray &boxes);
+    /// Whether the bytes are one box with boxes inside, as an item is.
+    [[nodiscard]] static bool isItem(const QByteArray &box);
 
     /// Why no byte of this file may move, as the end of a sentence; nothing when the chunk offsets are
     /// all places that its movie names.
@@ -107,6 +119,7 @@ private:
     /// The boxes inside the item; empty when there are none or they are damaged.
     [[nodiscard]] Mp4Boxes valueBoxes(const Mp4Box &item) const;
     [[nodiscard]] Item itemIn(const Mp4Box &box) const;
+    [[nodiscard]] QString fullNameOf(const Mp4Box &item) const;
     [[nodiscard]] std::optional<Value> valueIn(const Mp4Box &data) const;
     [[nodiscard]] Part partOf(const Mp4Box &box) const;
     /// What the track's handler says that it holds; 0 when it does not.

@@ -162,6 +162,8 @@ TagEditStream::TagEditStream(const QString &path, Access access) : m_readOnly(ac
     m_length = m_fileLength;
     if (m_length > 0)
         m_pieces.push_back({.isNew = false, .offset = 0, .length = m_length});
+    if (const Edits *const left = m_isHanded ? HandedFile::leftEdits() : nullptr)
+        apply(*left);
 }
 
 TagLib::FileName TagEditStream::name() const

@@ -60,7 +60,7 @@ public:
 
     /// Opens a regular file; links are followed. `isOpen` tells whether that worked;
     /// for Edit it must be writable. Of a file that another process has handed over (HandedFile)
-    /// nothing is written here: a commit leaves the edits with it.
+    /// nothing is written here: a commit leaves the edits with it, and who opens it again sees them.
     TagEditStream(const QString &path, Access access);
 
     /// From now on blocks are read for TagLib, within the limits of TagLibGuard.

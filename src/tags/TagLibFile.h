@@ -75,20 +75,20 @@ private:
     File m_file;
 };
 
-/// Runs `read(file)` on a valid file, which returns the record; nothing for any other
-/// file. Throws TagsUnavailable for a file whose tags may not or cannot be read: to take it for one
-/// without tags would lose them.
+/// Runs `read(file, stream)` on a valid file and gives what that gives; nothing for any other file. Throws
+/// TagsUnavailable for a file whose tags may not or cannot be read: to take it for one without tags would lose them.
 template<typename File, typename Read>
-[[nodiscard]] std::optional<TagsObject> read(const QString &path, const Read &read)
+[[nodiscard]] auto readWithStream(const QString &path, const Read &read)
 {
+    using Result = std::invoke_result_t<Read, File &, TagEditStream &>;
     try {
         OpenFile<File> opened(path, TagEditStream::Access::Read);
-        std::optional<TagsObject> tags;
+        std::optional<Result> result;
         if (opened.isValid())
-            tags = read(opened.file());
+            result = read(opened.file(), opened.stream());
         if (const std::optional<QString> reason = opened.stream().readingFailure())
             throw TagsUnavailable(*reason);
-        return tags;
+        return result;
     } catch (const NurvFailure &) {
         throw;
     } catch (const std::bad_alloc &) {
@@ -98,10 +98,17 @@ template<typename File, typename Read>
     }
 }
 
-/// Runs `edit(file)`, saves and commits. Throws NurvFailure for all that goes wrong;
+/// The same of `read(file)`, which returns the record.
+template<typename File, typename Read>
+[[nodiscard]] std::optional<TagsObject> read(const QString &path, const Read &read)
+{
+    return readWithStream<File>(path, [&read](File &file, TagEditStream &) { return read(file); });
+}
+
+/// Runs `edit(file, stream)`, which saves, and commits. Throws NurvFailure for all that goes wrong;
 /// then the file is as it was.
 template<typename File, typename Edit>
-void edit(const QString &path, const Edit &edit)
+void editWithStream(const QString &path, const Edit &edit)
 {
     try {
         OpenFile<File> opened(path, TagEditStream::Access::Edit);
@@ -109,9 +116,7 @@ void edit(const QString &path, const Edit &edit)
             throw NurvFailure(QStringLiteral("Unable to save the tags: %1.").arg(*reason));
         if (!opened.isWritable())
             throw NurvFailure(QStringLiteral("Unable to open the output file for tagging."));
-        edit(opened.file());
-        if (!opened.file().save())
-            throw NurvFailure(QStringLiteral("Unable to save the tags."));
+        edit(opened.file(), opened.stream());
         if (const std::optional<QString> reason = opened.stream().commit())
             throw NurvFailure(QStringLiteral("Unable to save the tags: %1.").arg(*reason));
     } catch (const NurvFailure &) {
@@ -121,6 +126,17 @@ void edit(const QString &path, const Edit &edit)
     } catch (const std::exception &failure) {
         throw NurvFailure(QStringLiteral("Unable to save the tags: %1.").arg(QString::fromUtf8(failure.what())));
     }
+}
+
+/// Runs `edit(file)`, saves and commits, in the same way.
+template<typename File, typename Edit>
+void edit(const QString &path, const Edit &edit)
+{
+    editWithStream<File>(path, [&edit](File &file, TagEditStream &) {
+        edit(file);
+        if (!file.save())
+            throw NurvFailure(QStringLiteral("Unable to save the tags."));
+    });
 }
 
 } // namespace nurv::tagLibFile

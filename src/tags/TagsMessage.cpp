@@ -109,6 +109,17 @@ void TagsMessageWriter::putInventory(const MetadataInventory &inventory)
     }
 }
 
+void TagsMessageWriter::putStoredTags(const StoredTags &tags)
+{
+    putNumber(static_cast<std::uint64_t>(tags.size()));
+    for (const StoredTag &tag : tags) {
+        putNumber(static_cast<std::uint64_t>(tag.holder));
+        putText(tag.name);
+        putOptional(tag.text);
+        putBytes(tag.data);
+    }
+}
+
 void TagsMessageWriter::putEdits(const TagEditStream::Edits &edits)
 {
     putNumber(edits.isEdited ? 1 : 0);
@@ -213,6 +224,20 @@ MetadataInventory TagsMessageReader::takeInventory()
             digests.append(takeBytes());
     }
     return inventory;
+}
+
+StoredTags TagsMessageReader::takeStoredTags()
+{
+    constexpr auto kLastHolder = static_cast<std::uint64_t>(StoredTag::Holder::Mp4);
+    StoredTags tags;
+    for (std::uint64_t left = takeCount(4 * kNumberSize); left > 0; --left) {
+        StoredTag tag{.holder = static_cast<StoredTag::Holder>(takeNumber(kLastHolder))};
+        tag.name = takeText();
+        tag.text = takeOptional();
+        tag.data = takeBytes();
+        tags.append(tag);
+    }
+    return tags;
 }
 
 TagEditStream::Edits TagsMessageReader::takeEdits(std::int64_t fileLength)

@@ -4,7 +4,9 @@
 
 #include "base/NurvFailure.h"
 #include "tags/MetadataInventory.h"
+#include "tags/StoredTags.h"
 #include "tags/TagEditStream.h"
+#include "tags/TagFormat.h"
 #include "tags/TagsObject.h"
 
 #include <QByteArray>
@@ -23,6 +25,11 @@ enum class TagsMessageKind : std::uint8_t {
     EditTags,      ///< format, what to write; with a file
     ReadInventory, ///< with a file
     DigestPixels,  ///< bytes of a picture
+    ExaminePicture, ///< bytes of a picture
+    ScalePicture,   ///< width, height, bytes of a picture
+    ReadStored,     ///< format; with a file
+    ReplaceStored,  ///< format, stored tags; with a file
+    TryTags,        ///< format, what would be written; with a file
     Done = 16,     ///< what was asked for
     Failed,        ///< whether that is a TagsUnavailable, the reason
     NeedMemory,    ///< in between: bytes for a picture
@@ -30,9 +37,6 @@ enum class TagsMessageKind : std::uint8_t {
     Logged,        ///< in between: kind and text of a line for the log
     Refused        ///< the reason why this process can do nothing at all
 };
-
-/// The kinds of files that have readers of their own.
-enum class TagFormat : std::uint8_t { Mp3, Aiff, Flac, Ape, Tta, Wavpack, Mp4 };
 
 /// Puts values behind each other.
 class TagsMessageWriter {
@@ -43,6 +47,7 @@ public:
     void putOptional(const TagsObject::Text &text);
     void putRecord(const TagsObject &record);
     void putInventory(const MetadataInventory &inventory);
+    void putStoredTags(const StoredTags &tags);
     void putEdits(const TagEditStream::Edits &edits);
 
     [[nodiscard]] const QByteArray &bytes() const { return m_bytes; }
@@ -72,6 +77,7 @@ public:
     [[nodiscard]] TagsObject::Text takeOptional();
     [[nodiscard]] TagsObject takeRecord();
     [[nodiscard]] MetadataInventory takeInventory();
+    [[nodiscard]] StoredTags takeStoredTags();
     /// Of a file of that length.
     [[nodiscard]] TagEditStream::Edits takeEdits(std::int64_t fileLength);
     /// Nothing may follow.

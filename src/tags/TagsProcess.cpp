@@ -10,7 +10,9 @@
 #include "tags/Mp4Optimizer.h"
 #include "tags/PictureMemory.h"
 #include "tags/TagsChannel.h"
+#include "tags/TagsMessage.h"
 #include "tags/TagsSandbox.h"
+#include "tags/TagTrial.h"
 #include "tags/TagsUnavailable.h"
 
 #include <QFile>
@@ -39,6 +41,8 @@ using Clock = std::chrono::steady_clock;
 constexpr int kMostInBetween = 20'000; // lines of the log and shares of memory
 constexpr qsizetype kMostReason = 500;
 constexpr qsizetype kMostLogged = 100'000;
+constexpr std::uint64_t kMostSide = 65'536;
+constexpr std::uint64_t kMostDepth = 256;
 
 /// The processes that live, and who uses them.
 struct Pool {
@@ -61,7 +65,10 @@ QString attemptOf(Kind kind)
 {
     switch (kind) {
     case Kind::EditTags: return u"its tags could not be written"_s;
+    case Kind::ReplaceStored: return u"its tags could not be written"_s;
     case Kind::DigestPixels: return u"a picture could not be compared"_s;
+    case Kind::ExaminePicture:
+    case Kind::ScalePicture: return u"it could not be decoded"_s;
     default: return u"its tags could not be read"_s;
     }
 }
@@ -268,6 +275,31 @@ auto taken(Answer &&answer, const Take &take)
     return taken(answer, take);
 }
 
+/// Has the file edited and writes what became of it.
+TagsProcess::Written editByProcess(const TagsProcess::Settings &settings, Kind kind, const TagsMessageWriter &request,
+                                   TagFormat format, const QString &path)
+{
+    TagEditStream stream(path, TagEditStream::Access::Edit);
+    const FileDescriptor file = stream.isOpen() ? stream.reopenedForReading() : FileDescriptor();
+    if (!file.isOpen())
+        throw NurvFailure(u"Unable to open the output file for tagging."_s);
+    TagsProcess::Written written;
+    Answer answer = ask(settings, kind, request, file.get());
+    stream.apply(taken(answer, [&](TagsMessageReader &edits) {
+        written.date = edits.takeOptional();
+        if (TagsObject::Text fault = edits.takeOptional())
+            written.leftOut = plainReason(*fault);
+        if (TagsObject::Text fault = edits.takeOptional())
+            written.disorder = plainReason(*fault);
+        return edits.takeEdits(stream.fileLength());
+    }));
+    // The sound of MPEG-4 files is not found while the bytes to be written are half written.
+    if (const std::optional<QString> reason =
+            format == TagFormat::Mp4 ? Mp4Optimizer::commit(stream) : stream.commit())
+        throw NurvFailure(u"Unable to save the tags: %1."_s.arg(*reason));
+    return written;
+}
+
 } // namespace
 
 QString TagsProcess::installedProgram()
@@ -342,37 +374,101 @@ std::optional<QByteArray> TagsProcess::pictureDigest(const QByteArray &picture)
                  [](TagsMessageReader &answer) { return answer.takeBytes(); });
 }
 
+std::optional<PictureReading> TagsProcess::examinePicture(const QByteArray &picture)
+{
+    const std::optional<Settings> settings = currentSettings();
+    if (!settings)
+        return std::nullopt;
+    TagsMessageWriter request;
+    request.putBytes(picture);
+    return taken(ask(*settings, Kind::ExaminePicture, request, -1), [&picture](TagsMessageReader &answer) {
+        PictureReading reading;
+        if (answer.takeNumber(1) == 1) {
+            const int width = static_cast<int>(answer.takeNumber(kMostSide));
+            const int height = static_cast<int>(answer.takeNumber(kMostSide));
+            const int depth = static_cast<int>(answer.takeNumber(kMostDepth));
+            reading.picture = std::make_shared<const CoverPicture>(picture, QSize(width, height), depth);
+        }
+        if (const TagsObject::Text fault = answer.takeOptional())
+            reading.fault = plainReason(*fault);
+        return reading;
+    });
+}
+
+std::optional<QImage> TagsProcess::scaledPicture(const QByteArray &picture, QSize box)
+{
+    const std::optional<Settings> settings = currentSettings();
+    if (!settings)
+        return std::nullopt;
+    TagsMessageWriter request;
+    request.putNumber(static_cast<std::uint64_t>(std::max(1, box.width())));
+    request.putNumber(static_cast<std::uint64_t>(std::max(1, box.height())));
+    request.putBytes(picture);
+    return taken(ask(*settings, Kind::ScalePicture, request, -1), [&box](TagsMessageReader &answer) {
+        const int width = static_cast<int>(answer.takeNumber(static_cast<std::uint64_t>(box.width())));
+        const int height = static_cast<int>(answer.takeNumber(static_cast<std::uint64_t>(box.height())));
+        const QByteArray pixels = answer.takeBytes();
+        if (pixels.size() != qsizetype{4} * width * height)
+            throw DamagedMessage(u"the answer about a picture is damaged"_s);
+        const auto *const bits = reinterpret_cast<const uchar *>(pixels.constData());
+        return QImage(bits, width, height, QImage::Format_ARGB32).copy();
+    });
+}
+
+std::optional<StoredTags> TagsProcess::readStoredTags(TagFormat format, const QString &path)
+{
+    const std::optional<Settings> settings = currentSettings();
+    if (!settings)
+        return std::nullopt;
+    const FileDescriptor file = openRegular(path);
+    TagsMessageWriter request;
+    request.putNumber(static_cast<std::uint64_t>(format));
+    return taken(ask(*settings, Kind::ReadStored, request, file.get()),
+                 [](TagsMessageReader &answer) { return answer.takeStoredTags(); });
+}
+
+std::optional<TagTrial> TagsProcess::tryTags(const Writing &writing, const QString &path, const TagsObject &tags)
+{
+    const std::optional<Settings> settings = currentSettings();
+    if (!settings)
+        return std::nullopt;
+    const FileDescriptor file = openRegular(path);
+    TagsMessageWriter request;
+    request.putNumber(static_cast<std::uint64_t>(writing.format));
+    request.putNumber(writing.writeEmptyTags ? 1 : 0);
+    request.putRecord(tags);
+    return taken(ask(*settings, Kind::TryTags, request, file.get()), [](TagsMessageReader &answer) {
+        TagTrial trial{.before = answer.takeStoredTags(), .after = {}};
+        trial.after = answer.takeStoredTags();
+        return trial;
+    });
+}
+
 std::optional<TagsProcess::Written> TagsProcess::writeTags(const Writing &writing, const QString &path,
                                                            const TagsObject &tags)
 {
     const std::optional<Settings> settings = currentSettings();
     if (!settings)
         return std::nullopt;
-    TagEditStream stream(path, TagEditStream::Access::Edit);
-    const FileDescriptor file = stream.isOpen() ? stream.reopenedForReading() : FileDescriptor();
-    if (!file.isOpen())
-        throw NurvFailure(u"Unable to open the output file for tagging."_s);
     TagsMessageWriter request;
     request.putNumber(static_cast<std::uint64_t>(writing.format));
     request.putNumber(writing.writeEmptyTags ? 1 : 0);
     request.putNumber(writing.encoding ? 1 : 0);
     request.putNumber(writing.quickTimeVersion ? std::uint64_t{*writing.quickTimeVersion} + 1 : 0);
     request.putRecord(tags);
-    Written written;
-    Answer answer = ask(*settings, Kind::EditTags, request, file.get());
-    stream.apply(taken(answer, [&](TagsMessageReader &edits) {
-        written.date = edits.takeOptional();
-        if (TagsObject::Text fault = edits.takeOptional())
-            written.leftOut = plainReason(*fault);
-        if (TagsObject::Text fault = edits.takeOptional())
-            written.disorder = plainReason(*fault);
-        return edits.takeEdits(stream.fileLength());
-    }));
-    // The sound of MPEG-4 files is not found while the bytes to be written are half written.
-    if (const std::optional<QString> reason =
-            writing.format == TagFormat::Mp4 ? Mp4Optimizer::commit(stream) : stream.commit())
-        throw NurvFailure(u"Unable to save the tags: %1."_s.arg(*reason));
-    return written;
+    return editByProcess(*settings, Kind::EditTags, request, writing.format, path);
+}
+
+bool TagsProcess::replaceStoredTags(TagFormat format, const QString &path, const StoredTags &tags)
+{
+    const std::optional<Settings> settings = currentSettings();
+    if (!settings)
+        return false;
+    TagsMessageWriter request;
+    request.putNumber(static_cast<std::uint64_t>(format));
+    request.putStoredTags(tags);
+    static_cast<void>(editByProcess(*settings, Kind::ReplaceStored, request, format, path));
+    return true;
 }
 
 } // namespace nurv

@@ -2,11 +2,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "tags/AlbumArt.h"
 #include "tags/MetadataInventory.h"
-#include "tags/TagsMessage.h"
+#include "tags/StoredTags.h"
+#include "tags/TagFormat.h"
 #include "tags/TagsObject.h"
 
 #include <QByteArray>
+#include <QImage>
+#include <QSize>
 #include <QString>
 
 #include <chrono>
@@ -14,6 +18,8 @@
 #include <optional>
 
 namespace nurv {
+
+struct TagTrial;
 
 /// Asks processes of their own to read and edit the tags of files, so that a file that overcomes a
 /// reader ends that process and no batch.
@@ -46,6 +52,9 @@ public:
     [[nodiscard]] static std::optional<TagsObject> readTags(TagFormat format, const QString &path);
     [[nodiscard]] static std::optional<MetadataInventory> readInventory(const QString &path);
     [[nodiscard]] static std::optional<QByteArray> pictureDigest(const QByteArray &picture);
+    [[nodiscard]] static std::optional<PictureReading> examinePicture(const QByteArray &picture);
+    [[nodiscard]] static std::optional<QImage> scaledPicture(const QByteArray &picture, QSize box);
+    [[nodiscard]] static std::optional<StoredTags> readStoredTags(TagFormat format, const QString &path);
 
     struct Writing {
         TagFormat format;
@@ -62,6 +71,10 @@ public:
     };
     [[nodiscard]] static std::optional<Written> writeTags(const Writing &writing, const QString &path,
                                                           const TagsObject &tags);
+    [[nodiscard]] static std::optional<TagTrial> tryTags(const Writing &writing, const QString &path,
+                                                         const TagsObject &tags);
+    /// False: the caller does the work.
+    [[nodiscard]] static bool replaceStoredTags(TagFormat format, const QString &path, const StoredTags &tags);
 };
 
 } // namespace nurv

@@ -7,11 +7,14 @@
 #include "tags/HandedFile.h"
 #include "tags/PictureDigest.h"
 #include "tags/PictureMemory.h"
+#include "tags/PictureView.h"
+#include "tags/StoredTags.h"
 #include "tags/TagLibTagsHelper.h"
 #include "tags/TagsChannel.h"
 #include "tags/TagsProcess.h"
 #include "tags/TagsSandbox.h"
 #include "tags/TagsUnavailable.h"
+#include "tags/TagTrial.h"
 
 #include <exception>
 #include <new>
@@ -48,37 +51,63 @@ TagsObject readTags(TagFormat format, const QString &path)
 
 TagsProcess::Written editTags(TagFormat format, const QString &path, TagsMessageReader &request)
 {
-    const bool writeEmptyTags = request.takeNumber(1) == 1;
-    const bool encoding = request.takeNumber(1) == 1;
+    TagsProcess::Writing writing{.format = format, .writeEmptyTags = request.takeNumber(1) == 1};
+    writing.encoding = request.takeNumber(1) == 1;
     const std::uint64_t version = request.takeNumber();
-    const TagsObject tags = request.takeRecord();
-    switch (format) {
-    case TagFormat::Mp3: TagLibTagsHelper::writeTagsForMP3File(path, tags, writeEmptyTags); break;
-    case TagFormat::Aiff: TagLibTagsHelper::writeTagsForAIFFFile(path, tags); break;
-    case TagFormat::Flac:
-        return {.date = TagLibTagsHelper::writeTagsButDate(path, tags, writeEmptyTags), .leftOut = {}, .disorder = {}};
-    case TagFormat::Ape: TagLibTagsHelper::writeTagsForAPEFile(path, tags, writeEmptyTags); break;
-    case TagFormat::Wavpack: TagLibTagsHelper::writeTagsForWavpackFile(path, tags, writeEmptyTags); break;
-    case TagFormat::Mp4: {
-        AACTagsHelper::setQuickTimeVersionProvider([version]() -> std::optional<std::uint32_t> {
-            return version == 0 ? std::nullopt : std::optional(static_cast<std::uint32_t>(version - 1));
-        });
-        AACTagsHelper::Shortfall shortfall = AACTagsHelper::writeInAnyOrder(path, tags, writeEmptyTags, encoding);
-        return {.date = {}, .leftOut = std::move(shortfall.picture), .disorder = std::move(shortfall.order)};
+    AACTagsHelper::setQuickTimeVersionProvider([version]() -> std::optional<std::uint32_t> {
+        return version == 0 ? std::nullopt : std::optional(static_cast<std::uint32_t>(version - 1));
+    });
+    return writeTagsByFormat(writing, path, request.takeRecord());
+}
+
+void answerEdits(TagsMessageWriter &answer, const TagsProcess::Written &written, HandedFile &file)
+{
+    answer.putOptional(written.date);
+    answer.putOptional(written.leftOut);
+    answer.putOptional(written.disorder);
+    answer.putEdits(file.takeEdits());
+}
+
+void examine(TagsMessageReader &request, TagsMessageWriter &answer)
+{
+    const PictureReading reading = readPicture(request.takeBytes());
+    answer.putNumber(reading.picture ? 1 : 0);
+    if (reading.picture) {
+        answer.putNumber(static_cast<std::uint64_t>(reading.picture->size().width()));
+        answer.putNumber(static_cast<std::uint64_t>(reading.picture->size().height()));
+        answer.putNumber(static_cast<std::uint64_t>(reading.picture->depth()));
     }
-    case TagFormat::Tta: throw NurvFailure(u"its format is not written"_s);
+    answer.putOptional(reading.fault);
+}
+
+void scale(TagsMessageReader &request, TagsMessageWriter &answer)
+{
+    constexpr std::uint64_t kMostShown = 8192;
+    const auto width = static_cast<int>(request.takeNumber(kMostShown));
+    const auto height = static_cast<int>(request.takeNumber(kMostShown));
+    const QImage view = pictureView(request.takeBytes(), {width, height});
+    answer.putNumber(static_cast<std::uint64_t>(view.width()));
+    answer.putNumber(static_cast<std::uint64_t>(view.height()));
+    answer.putBytes(QByteArray(reinterpret_cast<const char *>(view.constBits()), view.sizeInBytes()));
+}
+
+/// What needs no file. False: it is something else.
+bool answerWithoutFile(Kind kind, TagsMessageReader &request, TagsMessageWriter &answer)
+{
+    switch (kind) {
+    case Kind::DigestPixels: answer.putBytes(pictureDigest(request.takeBytes())); return true;
+    case Kind::ExaminePicture: examine(request, answer); return true;
+    case Kind::ScalePicture: scale(request, answer); return true;
+    default: return false;
     }
-    return {};
 }
 
 TagsMessageWriter answerTo(TagsChannel::Message message)
 {
     TagsMessageReader request(std::move(message.bytes));
     TagsMessageWriter answer;
-    if (message.kind == Kind::DigestPixels) {
-        answer.putBytes(pictureDigest(request.takeBytes()));
+    if (answerWithoutFile(message.kind, request, answer))
         return answer;
-    }
     HandedFile file(std::move(message.file));
     const QString path = HandedFile::name();
     constexpr auto kLastFormat = static_cast<std::uint64_t>(TagFormat::Mp4);
@@ -88,11 +117,24 @@ TagsMessageWriter answerTo(TagsChannel::Message message)
         break;
     case Kind::EditTags: {
         const auto format = static_cast<TagFormat>(request.takeNumber(kLastFormat));
-        const TagsProcess::Written written = editTags(format, path, request);
-        answer.putOptional(written.date);
-        answer.putOptional(written.leftOut);
-        answer.putOptional(written.disorder);
-        answer.putEdits(file.takeEdits());
+        answerEdits(answer, editTags(format, path, request), file);
+        break;
+    }
+    case Kind::ReadStored:
+        answer.putStoredTags(storedTags::read(static_cast<TagFormat>(request.takeNumber(kLastFormat)), path));
+        break;
+    case Kind::ReplaceStored: {
+        const auto format = static_cast<TagFormat>(request.takeNumber(kLastFormat));
+        storedTags::replace(format, path, request.takeStoredTags());
+        answerEdits(answer, {}, file);
+        break;
+    }
+    case Kind::TryTags: {
+        const auto format = static_cast<TagFormat>(request.takeNumber(kLastFormat));
+        const bool writeEmptyTags = request.takeNumber(1) == 1;
+        const TagTrial trial = tryTags(format, path, request.takeRecord(), writeEmptyTags);
+        answer.putStoredTags(trial.before);
+        answer.putStoredTags(trial.after);
         break;
     }
     case Kind::ReadInventory: answer.putInventory(MetadataInventory::of(path)); break;

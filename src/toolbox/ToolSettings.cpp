@@ -118,6 +118,11 @@ std::vector<Setting> fixSettings()
             Setting::number(u"fixFlacLevel"_s, 4, 0, kBestFlacLevel, u"Fix SBE: FLAC's compression level"_s)};
 }
 
+std::vector<Setting> tagsSettings()
+{
+    return {Setting::onOff(u"tagsPreview"_s, 1, u"Tags: show what will change before it is written"_s)};
+}
+
 std::vector<Setting> lossySettings()
 {
     return {Setting::number(u"lossySliderLevel"_s, 3, 0, 9, u"Lossy: MP3 quality with VBR; 0 is the best"_s),

@@ -8,6 +8,7 @@
 #include "fix/FixTab.h"
 #include "lossy/LossyTab.h"
 #include "shntool/SHNtoolTab.h"
+#include "tagging/TagsTab.h"
 #include "toolbox/ToolSettings.h"
 
 #include <QtGlobal>
@@ -66,7 +67,9 @@ const std::vector<Tool> &toolbox()
         {.label = u"Tags"_s,
          .title = QT_TRANSLATE_NOOP("Tool", "Tags"),
          .extensions = words(u"FLAC M4A MP3 WV APE"_s),
-         .takesFilesWithoutExtension = false},
+         .takesFilesWithoutExtension = false,
+         .settings = tagsSettings(),
+         .makeTab = make<TagsTab>},
         {.label = u"lossy"_s,
          .title = QT_TRANSLATE_NOOP("Tool", "Lossy"),
          .extensions = words(u"FLAC SHN WAV AIFF AIF WV TTA"_s),

@@ -180,6 +180,9 @@ void bind(QLabel *label, LabelControl &control)
 void bind(QLineEdit *field, TextControl &control)
 {
     showAlways(field, control, [field, &control] { showText(field, control.text()); });
+    const auto showPlaceholder = [field, &control] { field->setPlaceholderText(control.placeholder()); };
+    showPlaceholder();
+    QObject::connect(&control, &Control::changed, field, showPlaceholder);
     QObject::connect(field, &QLineEdit::textEdited, &control, [&control](const QString &text) { control.setText(text); });
     follow(field, control);
 }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/DesktopPrompts.h"
 
+#include "tags/PictureView.h"
 #include "text/PrintableText.h"
 #include "ui/PanelDialog.h"
 
@@ -10,6 +11,7 @@
 #include <QFileDialog>
 #include <QLabel>
 #include <QMessageBox>
+#include <QPixmap>
 #include <QPushButton>
 
 using namespace Qt::StringLiterals;
@@ -17,6 +19,8 @@ using namespace Qt::StringLiterals;
 namespace nurv {
 
 namespace {
+
+constexpr int kPictureSide = 64;
 
 QStringList localPaths(const QFileDialog &dialog)
 {
@@ -97,6 +101,13 @@ QString DesktopPrompts::ask(const Alert &alert)
         label->setTextFormat(Qt::PlainText);
     const bool isQuestion = alert.buttons.size() > 1;
     box.setIcon(isQuestion ? QMessageBox::Question : QMessageBox::Information);
+    if (!alert.picture.isEmpty()) {
+        const qreal ratio = box.devicePixelRatioF();
+        QPixmap pixmap = QPixmap::fromImage(pictureView(alert.picture, QSize(kPictureSide, kPictureSide) * ratio));
+        pixmap.setDevicePixelRatio(ratio);
+        if (!pixmap.isNull())
+            box.setIconPixmap(pixmap);
+    }
     const qsizetype dismissing = alert.buttons.indexOf(dismissingButton(alert));
     QList<QPushButton *> buttons;
     for (qsizetype index = 0; index < alert.buttons.size(); ++index) {

@@ -80,6 +80,7 @@ FileListView::FileListView(BaseTab &tab, QWidget *parent)
     connect(&tab, &BaseTab::filesWereAdded, this, &FileListView::widenColumn);
     connect(selectionModel(), &QItemSelectionModel::selectionChanged, this,
             [this] { m_tab.setSelectedRows(selectedRows()); });
+    connect(&tab, &BaseTab::selectedRowsChanged, this, &FileListView::showSelection);
     connect(&tab, &BaseTab::fileNamesChanged, viewport(), qOverload<>(&QWidget::update));
     if (tab.usesTableViewContextMenu())
         createContextMenu();
@@ -119,6 +120,27 @@ QList<int> FileListView::selectedRows() const
     for (const QModelIndex &index : selected)
         rows.append(index.row());
     return rows;
+}
+
+void FileListView::showSelection()
+{
+    const QList<int> &rows = m_tab.selectedRows();
+    QList<int> shown = selectedRows();
+    std::sort(shown.begin(), shown.end());
+    if (shown == rows)
+        return;
+    QItemSelection selection;
+    for (qsizetype first = 0; first < rows.size();) {
+        qsizetype last = first;
+        while (last + 1 < rows.size() && rows.at(last + 1) == rows.at(last) + 1)
+            ++last;
+        selection.select(m_model->index(rows.at(first), 0), m_model->index(rows.at(last), m_model->columnCount() - 1));
+        first = last + 1;
+    }
+    // The keyboard goes on from the first of them.
+    if (!rows.isEmpty())
+        selectionModel()->setCurrentIndex(m_model->index(rows.first(), 0), QItemSelectionModel::NoUpdate);
+    selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
 }
 
 void FileListView::deleteSelectedRows()

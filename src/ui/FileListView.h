@@ -48,6 +48,8 @@ private:
     void rebuildFilterMenu();
     void setDragHovers(bool hovers);
     void widenColumn();
+    /// Selects what the tab says is selected.
+    void showSelection();
     [[nodiscard]] QList<int> selectedRows() const;
 
     BaseTab &m_tab;

@@ -11,6 +11,7 @@
 #include "engine/NURVTaskQueue.h"
 #include "preferences/PreferencesController.h"
 #include "settings/SettingsStore.h"
+#include "tagging/TagsTab.h"
 #include "ui/ApplicationIcon.h"
 #include "ui/GivenFiles.h"
 #include "ui/OutputWindow.h"
@@ -123,6 +124,10 @@ void MainWindow::createFileMenu()
     });
     m_addFolderAction = addAction(menu, tr("Add &Folder…"), u"addFolderAction"_s,
                                   QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O), [this] { addFolder(); });
+    m_cueSheetAction = addAction(menu, tr("&Load Tags From CUE Sheet..."), u"loadCueSheetAction"_s, {}, [this] {
+        if (auto *const tab = qobject_cast<TagsTab *>(m_controller.tab(u"Tags"_s)))
+            tab->loadTagsFromCueSheet();
+    });
     menu->addSeparator();
     QAction *const quit =
         addAction(menu, tr("&Quit"), u"quitAction"_s, QKeySequence(Qt::CTRL | Qt::Key_Q), [this] { requestQuit(); });
@@ -212,6 +217,7 @@ void MainWindow::showReadiness()
     const TabPage *const page = currentPage();
     m_addFilesAction->setEnabled(page != nullptr);
     m_addFolderAction->setEnabled(page != nullptr);
+    m_cueSheetAction->setEnabled(m_controller.selectedTabViewItem() == u"Tags");
     m_executeAction->setEnabled(page != nullptr && page->isReady());
 }
 

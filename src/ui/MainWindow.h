@@ -103,6 +103,7 @@ private:
     QStringList m_labels; ///< of the pages shown, in their order
     QAction *m_addFilesAction = nullptr;
     QAction *m_addFolderAction = nullptr;
+    QAction *m_cueSheetAction = nullptr;
     QAction *m_executeAction = nullptr;
     QAction *m_cancelAllAction = nullptr;
     QAction *m_removeErrorsAction = nullptr;

@@ -8,12 +8,14 @@
 #include "fix/FixTab.h"
 #include "lossy/LossyTab.h"
 #include "shntool/SHNtoolTab.h"
+#include "tagging/TagsTab.h"
 #include "ui/pages/ChecksumPage.h"
 #include "ui/pages/DecodePage.h"
 #include "ui/pages/EncodePage.h"
 #include "ui/pages/FixPage.h"
 #include "ui/pages/LossyPage.h"
 #include "ui/pages/SHNtoolPage.h"
+#include "ui/pages/TagsPage.h"
 
 namespace nurv {
 
@@ -32,7 +34,7 @@ TabPage *makePage(BaseTab *tab)
 {
     for (const auto make : {makeFor<DecodeTab, DecodePage>, makeFor<EncodeTab, EncodePage>, makeFor<ChecksumTab, ChecksumPage>,
                             makeFor<LossyTab, LossyPage>, makeFor<FixTab, FixPage>,
-                            makeFor<SHNtoolTab, SHNtoolPage>}) {
+                            makeFor<SHNtoolTab, SHNtoolPage>, makeFor<TagsTab, TagsPage>}) {
         if (TabPage *const page = make(tab))
             return page;
     }

@@ -36,10 +36,11 @@ ALLOWED = {
     "convert": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum"},
     "lossy": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "convert"},
     "shntool": BASICS | {"programs", "engine", "app", "samples", "journal", "originals"},
-    "toolbox": {"settings", "app", "checksum", "fix", "convert", "lossy", "shntool"},
+    "tagging": BASICS | {"programs", "engine", "app", "tags"},
+    "toolbox": {"settings", "app", "checksum", "fix", "convert", "lossy", "shntool", "tagging"},
     "preferences": {"base", "settings", "app", "shntool", "toolbox"},
-    "cli": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum", "fix", "convert", "lossy", "shntool", "toolbox"},
-    "ui": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum", "fix", "convert", "lossy", "shntool", "toolbox", "preferences"},
+    "cli": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum", "fix", "convert", "lossy", "shntool", "tagging", "toolbox"},
+    "ui": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum", "fix", "convert", "lossy", "shntool", "tagging", "toolbox", "preferences"},
 }
 
 # The same of the folders under tools, whose programs use no Qt.

@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "tags/TagsMessage.h"
 #include "tags/TagsProcess.h"
 
 #include "process/ChildProcess.h"

@@ -12,6 +12,7 @@
 #include "lossy/LossyTab.h"
 #include "shntool/SHNtoolTab.h"
 #include "support/TestFolder.h"
+#include "tagging/TagsTab.h"
 #include "toolbox/Toolbox.h"
 #include "ui/MainWindow.h"
 
@@ -31,6 +32,7 @@ struct WindowFixture {
     LossyTab lossyTab{controller};
     FixTab fixTab{controller};
     SHNtoolTab shntoolTab{controller};
+    TagsTab tagsTab{controller};
     MainWindow window{controller};
 
     WindowFixture() = default;

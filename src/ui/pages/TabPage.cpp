@@ -199,7 +199,7 @@ void TabPage::countSearches(const QString &label, int change)
 
 bool TabPage::isReady() const
 {
-    return !isAddingFiles() && !m_tab.fileNames().isEmpty();
+    return !isAddingFiles() && !m_tab.fileNames().isEmpty() && canExecute();
 }
 
 void TabPage::execute()

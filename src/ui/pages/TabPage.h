@@ -60,6 +60,10 @@ protected:
     void finishOptions();
     /// Shows at once what the tab is doing on this thread; an empty text: nothing any more.
     void showWork(const QString &what);
+    /// Whether the tool has anything to do, and time for it.
+    [[nodiscard]] virtual bool canExecute() const { return true; }
+    /// Shows what can be pressed now.
+    void showState();
 
 private:
     void createWidgets();
@@ -67,7 +71,6 @@ private:
     void connectAll();
     /// While there are any, Execute is held back.
     void countSearches(const QString &label, int change);
-    void showState();
 
     BaseTab &m_tab;
     FileListView *m_fileList = nullptr;

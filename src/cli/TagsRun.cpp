@@ -1,0 +1,105 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/TagsRun.h"
+
+#include "app/FileArrivals.h"
+#include "app/NURVController.h"
+#include "base/NurvFailure.h"
+#include "cli/Console.h"
+#include "cli/ConsolePrompts.h"
+#include "desktop/NullDesktopServices.h"
+#include "settings/SettingsStore.h"
+#include "tagging/TagFiles.h"
+#include "text/FileNameCollator.h"
+#include "toolbox/Toolbox.h"
+
+#include <QJsonArray>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+InputFiles findFiles(const QList<QByteArray> &operands, Console &console)
+{
+    NURVController::registerDefaults(toolbox());
+    SettingsStore::instance().setPersistence(SettingsStore::Persistence::MemoryOnly);
+    ConsolePrompts prompts(console, {});
+    NullDesktopServices services;
+    const NURVController controller(prompts, services, toolbox());
+    return collectInput(
+        operands, controller.arrivals(),
+        {.label = u"Tags"_s, .door = Door::CommandLine, .paths = {}, .makesJob = [](const QString &path) {
+             return tagFiles::formatOf(path).has_value();
+         }});
+}
+
+} // namespace
+
+TagsRun::TagsRun(const ParsedArguments &arguments, const QList<QByteArray> &operands, Console &console)
+    : m_console(console), m_isJson(arguments.has(u"json"_s)), m_isQuiet(arguments.has(u"quiet"_s)),
+      m_input(findFiles(operands, console)), m_files(m_input.intake.accepted)
+{
+    FileNameCollator::sortPaths(m_files);
+    m_files.removeDuplicates();
+    for (const QString &line : std::as_const(m_input.refusals)) {
+        m_problems.append(line);
+        m_console.writeNote(line);
+    }
+    for (const QString &line : std::as_const(m_input.skipped))
+        note(line);
+}
+
+void TagsRun::fail(const QString &path, const QString &reason)
+{
+    m_problems.append(u"%1: %2"_s.arg(nameOf(path), reason));
+    m_console.writeNote(m_problems.last());
+    if (m_isJson)
+        m_console.writeJson(
+            {{u"type"_s, u"problem"_s}, {u"file"_s, nameOf(path)}, {u"path"_s, path}, {u"problem"_s, reason}});
+}
+
+void TagsRun::forFile(const QString &path, const std::function<QJsonObject()> &work)
+{
+    try {
+        const QJsonObject object = work();
+        ++m_doneCount;
+        if (m_isJson)
+            m_console.writeJson(object);
+    } catch (const NurvFailure &failure) {
+        const QString reason = failure.reason();
+        fail(path, reason.endsWith(u'.') ? reason.chopped(1) : reason);
+    }
+}
+
+void TagsRun::note(const QString &line)
+{
+    if (!m_isQuiet)
+        m_console.writeNote(line);
+}
+
+void TagsRun::print(const QString &text)
+{
+    if (!m_isJson)
+        m_console.writeOutput(text);
+}
+
+ExitStatus TagsRun::finish(const QString &done)
+{
+    if (m_doneCount == 0 && m_problems.isEmpty()) {
+        m_problems.append(u"there is nothing to do: no file was found that can be worked on"_s);
+        m_console.writeNote(m_problems.last());
+    } else if (!done.isEmpty()) {
+        note(u"%1 %2 %3"_s.arg(m_doneCount).arg(m_doneCount == 1 ? u"file"_s : u"files"_s, done));
+    }
+    const ExitStatus status = m_problems.isEmpty() ? ExitStatus::Ok : ExitStatus::Failed;
+    if (m_isJson)
+        m_console.writeJson({{u"type"_s, u"batch"_s},
+                             {u"files"_s, m_doneCount},
+                             {u"problems"_s, QJsonArray::fromStringList(m_problems)},
+                             {u"exitStatus"_s, static_cast<int>(status)}});
+    return status;
+}
+
+} // namespace nurv
