@@ -59,11 +59,7 @@ TrackNamesFile readTrackNamesFile(const QString &path)
     if (reason.isEmpty())
         text = readTextFile(path, &reason);
     if (!text) {
-        // One reading tries every encoding that there is to try.
-        qCWarning(appLog).noquote() << u"error "_s + reason;
-        qCWarning(appLog) << "Trying to open as unicode...";
-        qCWarning(appLog).noquote() << u"error "_s + reason;
-        qCWarning(appLog) << "Last hope: opening using NSASCIIStringEncoding...";
+        logUnreadText(reason);
     } else if (text->isEmpty()) {
         reason = u"It is empty."_s;
     } else {
@@ -72,7 +68,7 @@ TrackNamesFile readTrackNamesFile(const QString &path)
         if (reason.isEmpty())
             return {.names = std::move(names)};
     }
-    qCWarning(appLog).noquote() << u"Could not open file...%1 %2 %3"_s.arg(path, reason, reason);
+    qCWarning(unreadTextLog).noquote() << u"Could not open file...%1 %2 %3"_s.arg(path, reason, reason);
     return {.names = std::nullopt, .problem = reason};
 }
 

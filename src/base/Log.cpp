@@ -23,6 +23,7 @@ Q_LOGGING_CATEGORY(textLog, "nurv.text")
 Q_LOGGING_CATEGORY(failedJobLog, "nurv.engine.jobs")
 Q_LOGGING_CATEGORY(keptSourceLog, "nurv.convert.kept")
 Q_LOGGING_CATEGORY(waitLog, "nurv.convert.wait", QtWarningMsg)
+Q_LOGGING_CATEGORY(unreadTextLog, "nurv.files.unread")
 Q_LOGGING_CATEGORY(sandboxLog, "nurv.tags.sandbox", QtWarningMsg)
 
 } // namespace nurv

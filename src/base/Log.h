@@ -31,6 +31,8 @@ Q_DECLARE_LOGGING_CATEGORY(failedJobLog)
 Q_DECLARE_LOGGING_CATEGORY(keptSourceLog)
 /// When a job begins to wait for its program and has done so: `nurv.convert.wait`. Shown only to who asks for it.
 Q_DECLARE_LOGGING_CATEGORY(waitLog)
+/// Texts that could not be read, which whoever wanted them tells too: `nurv.files.unread`.
+Q_DECLARE_LOGGING_CATEGORY(unreadTextLog)
 /// What the process for tags has to do without: `nurv.tags.sandbox`. Shown only to who asks for it.
 Q_DECLARE_LOGGING_CATEGORY(sandboxLog)
 

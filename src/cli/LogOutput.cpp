@@ -45,7 +45,7 @@ LogOutput::LogOutput(Console &console)
 {
     g_console = &console;
     // The lines and reports of the jobs tell their failures; QT_LOGGING_RULES still wins.
-    QLoggingCategory::setFilterRules(u"nurv.engine.jobs=false\nnurv.convert.kept=false"_s);
+    QLoggingCategory::setFilterRules(u"nurv.engine.jobs=false\nnurv.convert.kept=false\nnurv.files.unread=false"_s);
     qInstallMessageHandler(writeMessage);
 }
 

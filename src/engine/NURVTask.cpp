@@ -184,7 +184,7 @@ void NURVTask::warn(const QString &text)
     appendResultsForSelf(text + u'\n');
     if (m_outcome.problem.isEmpty())
         m_outcome.problem = text;
-    qCWarning(engineLog).noquote() << text;
+    qCWarning(failedJobLog).noquote() << text;
 }
 
 void NURVTask::appendResults(const QString &text)

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/TextFile.h"
 
+#include "base/Log.h"
 #include "base/SystemError.h"
 #include "files/FileDescriptor.h"
 #include "files/FileStatus.h"
@@ -141,6 +142,15 @@ std::optional<QString> readTextFile(const QString &path, QString *reason)
         return std::nullopt;
     }
     return decodeText(bytes);
+}
+
+void logUnreadText(const QString &reason)
+{
+    // One reading tries every encoding that there is to try.
+    qCWarning(unreadTextLog).noquote() << QStringLiteral("error ") + reason;
+    qCWarning(unreadTextLog) << "Trying to open as unicode...";
+    qCWarning(unreadTextLog).noquote() << QStringLiteral("error ") + reason;
+    qCWarning(unreadTextLog) << "Last hope: opening using NSASCIIStringEncoding...";
 }
 
 bool writeTextFileAtomically(const QString &path, const QString &text, QString *reason, LinkAtName link)

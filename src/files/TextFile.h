@@ -14,6 +14,9 @@ namespace nurv {
 /// that the system reads comes near that). `reason`, when given, receives why.
 [[nodiscard]] std::optional<QString> readTextFile(const QString &path, QString *reason = nullptr);
 
+/// Logs that no encoding has made a text of a file, a line for each step in which they were tried.
+void logUnreadText(const QString &reason);
+
 /// What becomes of a symbolic link, pipe or device that has the name of a file to be written.
 enum class LinkAtName {
     Followed, ///< a file that the user has named: what it leads to, or is, is written

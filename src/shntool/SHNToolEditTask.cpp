@@ -370,7 +370,7 @@ void SHNToolEditTask::cleanup()
             ownOutcome().original = TaskOutcome::Original::Kept;
         if (hasRun())
             tellWhatWasMade();
-    } else if (!m_hasToTell) {
+    } else if (!m_hasToTell && warnings().isEmpty()) {
         dropResults();
     }
 }

@@ -3,7 +3,6 @@
 #include "shntool/SHNToolSplitTask.h"
 
 #include "app/PathNames.h"
-#include "base/Log.h"
 #include "files/FileRename.h"
 #include "files/FileStatus.h"
 #include "programs/ShntoolModes.h"
@@ -98,7 +97,7 @@ void SHNToolSplitTask::renamePieces()
         const bool isRenamed = splitTitles::canBeName(name)
                                && renameToFreeName(QFile::encodeName(pathOf(piece)), QFile::encodeName(pathOf(name)));
         if (!isRenamed)
-            qCWarning(shntoolLog).noquote() << piece << "keeps its name instead of" << name;
+            warn(u"%1 keeps its name instead of %2"_s.arg(piece, name));
     }
 }
 

@@ -27,7 +27,7 @@ bool needsCopy(const QString &path, const QString &text)
 /// The last thing to say of a file that cannot be used.
 std::nullopt_t fail(const QString &path, const QString &text, const QString &reason)
 {
-    qCWarning(shntoolLog).noquote() << u"Could not open file...%1 %2 %3"_s.arg(path, text, reason);
+    qCWarning(unreadTextLog).noquote() << u"Could not open file...%1 %2 %3"_s.arg(path, text, reason);
     return std::nullopt;
 }
 
@@ -41,11 +41,7 @@ std::optional<SplitPoints> SplitPoints::read(const QString &path, QString *reaso
         text.reset();
     }
     if (!text) {
-        // One reading tries all encodings that there are.
-        qCWarning(shntoolLog).noquote() << "error" << *reason;
-        qCWarning(shntoolLog) << "Trying to open as unicode...";
-        qCWarning(shntoolLog).noquote() << "error" << *reason;
-        qCWarning(shntoolLog) << "Last hope: opening using NSASCIIStringEncoding...";
+        logUnreadText(*reason);
         return fail(path, {}, *reason);
     }
     SplitPoints points;

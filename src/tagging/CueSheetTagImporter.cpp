@@ -64,16 +64,12 @@ std::optional<CueSheetTagImporter::Names> CueSheetTagImporter::read(const QStrin
     if (text && !text->isEmpty())
         return namesIn(*text);
     if (!text) {
-        // One reading tries every encoding that there is to try.
-        qCWarning(taggingLog).noquote() << u"error "_s + reason;
-        qCWarning(taggingLog) << "Trying to open as unicode...";
-        qCWarning(taggingLog).noquote() << u"error "_s + reason;
-        qCWarning(taggingLog) << "Last hope: opening using NSASCIIStringEncoding...";
+        logUnreadText(reason);
     } else {
         reason = u"It is empty."_s;
     }
-    qCWarning(taggingLog).noquote() << u"error "_s + reason;
-    qCWarning(taggingLog).noquote() << u"Could not open file...%1 %2"_s.arg(path, reason);
+    qCWarning(unreadTextLog).noquote() << u"error "_s + reason;
+    qCWarning(unreadTextLog).noquote() << u"Could not open file...%1 %2"_s.arg(path, reason);
     if (problem != nullptr)
         *problem = reason;
     return std::nullopt;

@@ -146,7 +146,7 @@ TEST_F(TrackNamesFileTest, LogsEveryAttemptToReadAFile)
     const QString path = folder.path(u"missing.txt"_s);
     const LogLines log;
     problemOf(path);
-    EXPECT_THAT(log.of(u"nurv.app"_s),
+    EXPECT_THAT(log.of(u"nurv.files.unread"_s),
                 ElementsAre(u"error There is no such file."_s, u"Trying to open as unicode..."_s,
                             u"error There is no such file."_s, u"Last hope: opening using NSASCIIStringEncoding..."_s,
                             u"Could not open file..."_s + path + u" There is no such file. There is no such file."_s));
@@ -156,7 +156,7 @@ TEST_F(TrackNamesFileTest, LogsNothingOfAFileThatIsRead)
 {
     const LogLines log;
     EXPECT_EQ(namesOf("no set list"), QString());
-    EXPECT_THAT(log.of(u"nurv.app"_s), IsEmpty());
+    EXPECT_THAT(log.of(u"nurv.files.unread"_s), IsEmpty());
 }
 
 } // namespace nurv::test

@@ -41,7 +41,7 @@ protected:
         const test::LogLines log;
         EXPECT_FALSE(SplitPoints::read(file, &reason));
         EXPECT_EQ(reason, why);
-        EXPECT_EQ(log.of(u"nurv.shntool"_s),
+        EXPECT_EQ(log.of(u"nurv.files.unread"_s),
                   (QStringList{u"error "_s + why, u"Trying to open as unicode..."_s, u"error "_s + why,
                                u"Last hope: opening using NSASCIIStringEncoding..."_s,
                                u"Could not open file...%1  %2"_s.arg(file, why)}));
@@ -66,7 +66,7 @@ TEST_F(SplitPointsTest, HandOnTheFileItselfWhereTheProgramCanReadIt)
     const std::optional<SplitPoints> windows = read(QString(kSheet).replace(u"\n"_s, u"\r\n"_s).toUtf8());
     ASSERT_TRUE(windows);
     EXPECT_EQ(windows->path(), path);
-    EXPECT_EQ(log.of(u"nurv.shntool"_s), QStringList());
+    EXPECT_EQ(log.of(u"nurv.files.unread"_s), QStringList());
     EXPECT_EQ(folder.list(), QStringList{u"points.cue"_s});
 }
 

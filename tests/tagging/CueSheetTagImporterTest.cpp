@@ -100,7 +100,7 @@ TEST_F(CueSheetTagImporterTest, TellsOfASheetThatCannotBeRead)
     const QStringList told{u"error "_s + reason, u"Trying to open as unicode..."_s,
                            u"error "_s + reason, u"Last hope: opening using NSASCIIStringEncoding..."_s,
                            u"error "_s + reason, u"Could not open file...%1 %2"_s.arg(path, reason)};
-    EXPECT_EQ(log.texts(u"nurv.tagging"_s), told + told);
+    EXPECT_EQ(log.texts(u"nurv.files.unread"_s), told + told);
     EXPECT_TRUE(posted.isEmpty());
 }
 
