@@ -25,6 +25,23 @@ QJsonObject objectOf(const StoredTag &tag)
     return object;
 }
 
+/// The text of that name, empty without one. Throws NurvFailure for anything else than a text.
+QString textIn(const QJsonObject &object, const QString &name)
+{
+    const QJsonValue value = object.value(name);
+    if (!value.isString() && !value.isUndefined())
+        throw NurvFailure(u"\"%1\" is no text"_s.arg(name));
+    return value.toString();
+}
+
+QJsonObject objectIn(const QJsonObject &object, const QString &name)
+{
+    const QJsonValue value = object.value(name);
+    if (!value.isObject() && !value.isUndefined())
+        throw NurvFailure(u"\"%1\" is no object"_s.arg(name));
+    return value.toObject();
+}
+
 StoredTag storedTagOf(const QJsonObject &object)
 {
     const std::optional<StoredTag::Holder> holder = storedTags::holderOf(object.value(u"holder"_s).toString());
@@ -34,9 +51,9 @@ StoredTag storedTagOf(const QJsonObject &object)
         throw NurvFailure(u"one of its stored tags has no holder or no name"_s);
     tag.holder = *holder;
     if (object.contains(u"text"_s))
-        tag.text = object.value(u"text"_s).toString();
-    const auto decoded = QByteArray::fromBase64Encoding(object.value(u"data"_s).toString().toLatin1(),
-                                                        QByteArray::AbortOnBase64DecodingErrors);
+        tag.text = textIn(object, u"text"_s);
+    const auto decoded =
+        QByteArray::fromBase64Encoding(textIn(object, u"data"_s).toLatin1(), QByteArray::AbortOnBase64DecodingErrors);
     if (!decoded)
         throw NurvFailure(u"the data of %1 is damaged"_s.arg(tag.name));
     tag.data = *decoded;
@@ -82,19 +99,29 @@ std::optional<Restoration> restorationOf(const QJsonObject &object)
     if (restoration.path.isEmpty())
         throw NurvFailure(u"an object names no path"_s);
     if (object.contains(u"stored"_s)) {
+        // What is no list would take every tag away.
+        if (!object.value(u"stored"_s).isArray())
+            throw NurvFailure(u"\"stored\" is no list"_s);
         restoration.stored.emplace();
         for (const QJsonValue &tag : object.value(u"stored"_s).toArray())
             restoration.stored->append(storedTagOf(tag.toObject()));
         return restoration;
     }
-    const QJsonObject fields = object.value(u"fields"_s).toObject();
+    const QJsonObject fields = objectIn(object, u"fields"_s);
+    qsizetype known = 0;
     for (const TagField &field : tagFields()) {
-        if (const QJsonValue text = fields.value(field.name); text.isString())
-            (restoration.record.*field.setText)(text.toString());
+        if (!fields.contains(field.name))
+            continue;
+        (restoration.record.*field.setText)(textIn(fields, field.name.toString()));
+        ++known;
     }
-    const QJsonObject custom = object.value(u"custom"_s).toObject();
+    const QJsonObject custom = objectIn(object, u"custom"_s);
     for (auto tag = custom.begin(); tag != custom.end(); ++tag)
-        restoration.record.customTagsDictionary().insert(tag.key(), tag.value().toString());
+        restoration.record.customTagsDictionary().insert(tag.key(), textIn(custom, tag.key()));
+    if (known < fields.size())
+        throw NurvFailure(u"one of its fields is none of those that \"nurv tags show\" tells"_s);
+    if (fields.isEmpty() && custom.isEmpty())
+        throw NurvFailure(u"it has no tags"_s);
     return restoration;
 }
 

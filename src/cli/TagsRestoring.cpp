@@ -9,12 +9,11 @@
 #include "cli/TagsRun.h"
 #include "tagging/TagFiles.h"
 #include "tagging/TagPreview.h"
-#include "text/PrintableText.h"
 
 #include <QFile>
 #include <QFileInfo>
-#include <QJsonArray>
 #include <QJsonDocument>
+#include <QSet>
 
 #include <cstdio>
 #include <vector>
@@ -59,20 +58,42 @@ std::vector<tagsJson::Restoration> readBackup(const QString &path)
     return restorations;
 }
 
-/// The file that is meant: among those that are named, if any are, the same one, else the only one of its name.
-std::optional<QString> targetOf(const tagsJson::Restoration &restoration, const TagsRun &run, bool areNamed)
+/// Which file each entry of a backup is for.
+struct Targets {
+    std::vector<std::optional<QString>> paths; ///< of each entry; nothing: no file that is named
+    QStringList problems;                      ///< of which nothing may be written
+};
+
+/// Of the files that are named the same ones, and for the other entries those of the same name; without any named files
+/// those of the entries themselves.
+Targets targetsOf(const std::vector<tagsJson::Restoration> &restorations, const QStringList &named, bool areNamed)
 {
-    if (!areNamed || run.files().contains(restoration.path))
-        return restoration.path;
-    std::optional<QString> found;
-    for (const QString &path : run.files()) {
-        if (lastPathComponent(path) != lastPathComponent(restoration.path))
-            continue;
-        if (found)
-            throw NurvFailure(u"several of the files have its name"_s);
-        found = path;
+    Targets targets{.paths = std::vector<std::optional<QString>>(restorations.size()), .problems = {}};
+    QSet<QString> taken;
+    const auto take = [&](std::size_t i, const QString &path) {
+        if (taken.contains(path))
+            targets.problems.append(u"%1: the backup has the tags of several files for it"_s.arg(path));
+        taken.insert(path);
+        targets.paths[i] = path;
+    };
+    for (std::size_t i = 0; i < restorations.size(); ++i) {
+        if (!areNamed || named.contains(restorations[i].path))
+            take(i, restorations[i].path);
     }
-    return found;
+    const QSet<QString> same = taken;
+    for (std::size_t i = 0; i < restorations.size(); ++i) {
+        QStringList found;
+        for (const QString &path : named) {
+            if (!targets.paths[i] && !same.contains(path)
+                && lastPathComponent(path) == lastPathComponent(restorations[i].path))
+                found.append(path);
+        }
+        if (found.size() > 1)
+            targets.problems.append(u"%1: several of the files have its name"_s.arg(restorations[i].path));
+        else if (!found.isEmpty())
+            take(i, found.first());
+    }
+    return targets;
 }
 
 QJsonObject restoreOne(TagsRun &run, const QString &path, const tagsJson::Restoration &restoration, bool isTrial)
@@ -87,19 +108,16 @@ QJsonObject restoreOne(TagsRun &run, const QString &path, const tagsJson::Restor
         const QStringList changes = restoration.stored
                                         ? tagPreview::differences(storedTags::read(*format, path), *restoration.stored)
                                         : tagPreview::changesOf(writing, false);
-        QString text = printableLine(run.nameOf(path)) + u'\n';
-        for (const QString &change : changes.isEmpty() ? QStringList(u"nothing changes"_s) : changes)
-            text += u"    "_s + change + u'\n';
-        run.print(text);
-        return {{u"type"_s, u"changes"_s},
-                {u"file"_s, run.nameOf(path)},
-                {u"path"_s, path},
-                {u"changes"_s, QJsonArray::fromStringList(changes)}};
+        return run.tellChanges(path, changes);
     }
-    if (restoration.stored)
+    if (restoration.stored) {
         storedTags::replace(*format, path, *restoration.stored);
-    else
-        tagFiles::write(path, restoration.record, false);
+        const QStringList differences = tagPreview::differences(*restoration.stored, storedTags::read(*format, path));
+        if (!differences.isEmpty())
+            throw NurvFailure(u"its tags were written, and are not all as in the backup: "_s + differences.first());
+    } else if (const TagsObject::Text leftOut = tagFiles::write(path, restoration.record, false)) {
+        throw NurvFailure(u"the picture was not written, all other tags were: %1"_s.arg(*leftOut));
+    }
     return {{u"type"_s, u"written"_s}, {u"file"_s, run.nameOf(path)}, {u"path"_s, path}};
 }
 
@@ -111,16 +129,27 @@ ExitStatus restoreTags(const ParsedArguments &arguments, Console &console)
     TagsRun run(arguments, arguments.operands, console);
     const bool areNamed = !arguments.operands.isEmpty();
     const bool isTrial = arguments.has(u"dry-run"_s);
-    QStringList restored;
-    for (const tagsJson::Restoration &restoration : restorations) {
-        run.forFile(restoration.path, [&]() -> QJsonObject {
-            const std::optional<QString> path = targetOf(restoration, run, areNamed);
-            if (!path)
-                throw NurvFailure(u"it is not among the files that are named"_s);
-            restored.append(*path);
-            return restoreOne(run, *path, restoration, isTrial);
-        });
+    const Targets targets = targetsOf(restorations, run.files(), areNamed);
+    if (!targets.problems.isEmpty()) {
+        for (const QString &problem : targets.problems)
+            run.fail(problem.section(u": "_s, 0, -2), problem.section(u": "_s, -1));
+        return run.finish(u"written"_s);
     }
+    QStringList restored;
+    for (const std::optional<QString> &path : targets.paths) {
+        if (path)
+            restored.append(*path);
+    }
+    if (!isTrial)
+        run.beginWriting(restored);
+    for (std::size_t i = 0; i < restorations.size(); ++i) {
+        const std::optional<QString> &path = targets.paths[i];
+        if (path)
+            run.forFile(*path, [&] { return restoreOne(run, *path, restorations[i], isTrial); });
+    }
+    if (const qsizetype others = static_cast<qsizetype>(restorations.size()) - restored.size(); others > 0)
+        run.note(u"the tags of %1 more %2 in the backup are of files that are not named"_s.arg(others).arg(
+            others == 1 ? u"file"_s : u"files"_s));
     for (const QString &path : run.files()) {
         if (!restored.contains(path))
             run.fail(path, u"there are no tags of it in the backup"_s);

@@ -8,12 +8,18 @@
 #include "cli/Console.h"
 #include "cli/ConsolePrompts.h"
 #include "desktop/NullDesktopServices.h"
+#include "journal/OutputJournal.h"
 #include "settings/SettingsStore.h"
 #include "tagging/TagFiles.h"
 #include "text/FileNameCollator.h"
+#include "text/PrintableText.h"
 #include "toolbox/Toolbox.h"
 
 #include <QJsonArray>
+
+#include <exception>
+
+#include <poll.h>
 
 using namespace Qt::StringLiterals;
 
@@ -46,6 +52,8 @@ TagsRun::TagsRun(const ParsedArguments &arguments, const QList<QByteArray> &oper
     for (const QString &line : std::as_const(m_input.refusals)) {
         m_problems.append(line);
         m_console.writeNote(line);
+        if (m_isJson)
+            m_console.writeJson({{u"type"_s, u"problem"_s}, {u"problem"_s, line}});
     }
     for (const QString &line : std::as_const(m_input.skipped))
         note(line);
@@ -60,17 +68,36 @@ void TagsRun::fail(const QString &path, const QString &reason)
             {{u"type"_s, u"problem"_s}, {u"file"_s, nameOf(path)}, {u"path"_s, path}, {u"problem"_s, reason}});
 }
 
+void TagsRun::beginWriting(const QStringList &paths)
+{
+    m_journal = tagFiles::beginJournal(paths);
+}
+
 void TagsRun::forFile(const QString &path, const std::function<QJsonObject()> &work)
 {
+    if (isToEnd()) {
+        ++m_leftCount;
+        return;
+    }
+    const auto failFor = [&](const QString &reason) { fail(path, reason.endsWith(u'.') ? reason.chopped(1) : reason); };
     try {
         const QJsonObject object = work();
         ++m_doneCount;
+        if (m_journal)
+            m_journal->markEnded(path);
         if (m_isJson)
             m_console.writeJson(object);
     } catch (const NurvFailure &failure) {
-        const QString reason = failure.reason();
-        fail(path, reason.endsWith(u'.') ? reason.chopped(1) : reason);
+        failFor(failure.reason());
+    } catch (const std::exception &failure) {
+        failFor(QString::fromUtf8(failure.what()));
     }
+}
+
+bool TagsRun::isToEnd() const
+{
+    pollfd signal{.fd = m_signals.descriptor(), .events = POLLIN, .revents = 0};
+    return ::poll(&signal, 1, 0) > 0;
 }
 
 void TagsRun::note(const QString &line)
@@ -85,15 +112,34 @@ void TagsRun::print(const QString &text)
         m_console.writeOutput(text);
 }
 
+QJsonObject TagsRun::tellChanges(const QString &path, const QStringList &changes)
+{
+    QString text = printableLine(nameOf(path)) + u'\n';
+    for (const QString &change : changes.isEmpty() ? QStringList(u"nothing changes"_s) : changes)
+        text += u"    "_s + change + u'\n';
+    print(text);
+    return {{u"type"_s, u"changes"_s},
+            {u"file"_s, nameOf(path)},
+            {u"path"_s, path},
+            {u"changes"_s, QJsonArray::fromStringList(changes)}};
+}
+
 ExitStatus TagsRun::finish(const QString &done)
 {
+    if (m_leftCount > 0) {
+        m_problems.append(u"interrupted: %1 %2 not looked at"_s.arg(m_leftCount)
+                              .arg(m_leftCount == 1 ? u"file was"_s : u"files were"_s));
+        m_console.writeNote(m_problems.last());
+    }
     if (m_doneCount == 0 && m_problems.isEmpty()) {
         m_problems.append(u"there is nothing to do: no file was found that can be worked on"_s);
         m_console.writeNote(m_problems.last());
     } else if (!done.isEmpty()) {
         note(u"%1 %2 %3"_s.arg(m_doneCount).arg(m_doneCount == 1 ? u"file"_s : u"files"_s, done));
     }
-    const ExitStatus status = m_problems.isEmpty() ? ExitStatus::Ok : ExitStatus::Failed;
+    const ExitStatus status = m_leftCount > 0        ? ExitStatus::Interrupted
+                              : m_problems.isEmpty() ? ExitStatus::Ok
+                                                     : ExitStatus::Failed;
     if (m_isJson)
         m_console.writeJson({{u"type"_s, u"batch"_s},
                              {u"files"_s, m_doneCount},

@@ -5,16 +5,19 @@
 #include "cli/ArgumentParser.h"
 #include "cli/ExitStatus.h"
 #include "cli/InputFiles.h"
+#include "process/TerminationSignals.h"
 
 #include <QJsonObject>
 #include <QString>
 #include <QStringList>
 
 #include <functional>
+#include <memory>
 
 namespace nurv {
 
 class Console;
+class OutputJournal;
 
 /// One run of a command about tags: its files, and what is told of each.
 class TagsRun {
@@ -26,25 +29,36 @@ public:
     [[nodiscard]] const QStringList &files() const { return m_files; }
     [[nodiscard]] QString nameOf(const QString &path) const { return m_input.names.nameOf(path); }
 
-    /// Runs `work` for a file; what it throws is told and counts as a failure. JSON: what `work` returns, with what
-    /// went wrong.
+    /// Before the first of the files is written: notes on the disk that they will be, for a run that is killed.
+    void beginWriting(const QStringList &paths);
+    /// Runs `work` for a file; what it throws is told and counts as a failure. JSON: what `work` returns, or what went
+    /// wrong. Does nothing more once the user or the system wants the program to end.
     void forFile(const QString &path, const std::function<QJsonObject()> &work);
+    /// Whether one of the files that were asked for cannot be worked on.
+    [[nodiscard]] bool hasRefusals() const { return !m_input.refusals.isEmpty(); }
     /// The file, or what should be one, cannot be worked on.
     void fail(const QString &path, const QString &reason);
     void note(const QString &line);
     /// Standard output, unless JSON is wanted.
     void print(const QString &text);
+    /// Tells, or prints as an object, what a writing would change in the file.
+    QJsonObject tellChanges(const QString &path, const QStringList &changes);
     /// Tells how it went: `done` is "written".
     [[nodiscard]] ExitStatus finish(const QString &done);
 
 private:
+    [[nodiscard]] bool isToEnd() const;
+
     Console &m_console;
     bool m_isJson;
     bool m_isQuiet;
     InputFiles m_input;
     QStringList m_files;
     QStringList m_problems;
+    std::shared_ptr<OutputJournal> m_journal;
+    TerminationSignals m_signals;
     int m_doneCount = 0;
+    int m_leftCount = 0; ///< not looked at, since the program is to end
 };
 
 } // namespace nurv

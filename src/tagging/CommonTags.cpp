@@ -2,8 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tagging/CommonTags.h"
 
-#include "base/NurvFailure.h"
 #include "tags/PictureDigest.h"
+
+#include <exception>
 
 using namespace Qt::StringLiterals;
 
@@ -40,7 +41,7 @@ bool isSamePicture(const AlbumArt &one, const AlbumArt &other)
     try {
         const QByteArray digest = pictureDigest(one->bytes());
         return !digest.isEmpty() && digest == pictureDigest(other->bytes());
-    } catch (const NurvFailure &) {
+    } catch (const std::exception &) {
         return false; // nobody has seen that they are the same
     }
 }

@@ -17,8 +17,9 @@ void NURVCustomTagsPanel::runPanel()
     // There is nothing to take back: however it is left, its rows count.
     static_cast<void>(m_prompts.runPanel(
         {.title = u"Custom Tags"_s,
-         .message =
-             u"Further fields of FLAC files: a name and a value in each row. Fields without a row stay as they are."_s,
+         .message = u"Further fields of FLAC files: a name and a value in each row. Fields without a row stay as they "
+                    u"are, unless "
+                    "empty fields are written."_s,
          .fields = {{.name = u"custom"_s, .control = &m_rows, .hint = u"Names and values of fields"_s}},
          .buttons = {{.title = u"OK"_s}}}));
     fillTagsDictionary();

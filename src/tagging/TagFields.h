@@ -16,6 +16,7 @@ struct TagField {
     const char *caption; ///< "Album"
     const TagsObject::Text &(TagsObject::*text)() const;
     void (TagsObject::*setText)(TagsObject::Text);
+    bool isInApeTags; ///< also written into Monkey's Audio and WavPack files
 };
 
 /// In the order in which people read them.

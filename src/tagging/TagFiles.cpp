@@ -4,8 +4,11 @@
 
 #include "app/PathNames.h"
 #include "base/NurvFailure.h"
+#include "journal/OutputJournal.h"
 #include "tags/AACTagsHelper.h"
 #include "tags/TagLibTagsHelper.h"
+
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -73,6 +76,16 @@ TagsObject::Text write(const QString &path, const TagsObject &tags, bool writeEm
     case TagFormat::Tta: break;
     }
     return std::nullopt;
+}
+
+std::shared_ptr<OutputJournal> beginJournal(const QStringList &paths)
+{
+    std::vector<OutputJournal::Planned> planned;
+    for (const QString &path : paths)
+        planned.push_back({path, path});
+    std::shared_ptr<OutputJournal> journal = OutputJournal::begin(planned);
+    OutputJournal::prepareForTemporaries();
+    return journal;
 }
 
 } // namespace nurv::tagFiles

@@ -6,8 +6,14 @@
 #include "tags/TagsObject.h"
 
 #include <QString>
+#include <QStringList>
 
+#include <memory>
 #include <optional>
+
+namespace nurv {
+class OutputJournal;
+}
 
 namespace nurv::tagFiles {
 
@@ -23,5 +29,9 @@ namespace nurv::tagFiles {
 /// Returns why the picture is not in the file, as the end of a sentence, where that costs nothing else. Blocks; any
 /// thread, but not twice at a time for one file.
 TagsObject::Text write(const QString &path, const TagsObject &tags, bool writeEmptyTags);
+
+/// Notes on the disk that these files will be written, for a process that is killed: what it was making beside them is
+/// known then. `markEnded` for each that has been. Blocks; any thread.
+[[nodiscard]] std::shared_ptr<OutputJournal> beginJournal(const QStringList &paths);
 
 } // namespace nurv::tagFiles

@@ -11,10 +11,11 @@
 #include "text/PrintableText.h"
 
 #include <QHash>
-#include <QMap>
 
 #include <algorithm>
+#include <compare>
 #include <exception>
+#include <map>
 #include <thread>
 #include <vector>
 
@@ -169,12 +170,19 @@ QStringList changesOf(const TagWriting &writing, bool writeEmptyTags)
     const std::optional<TagFormat> format = tagFiles::formatOf(writing.path);
     if (!format)
         return {};
+    const TagTrial trial = tryTags(*format, writing.path, writing.record, writeEmptyTags);
+    QStringList lines = differences(trial.before, trial.after);
+    if (writing.record.albumArt())
+        lines.append(pictureLine(*format, *writing.record.albumArt(), trial.after));
+    return lines;
+}
+
+namespace {
+
+QStringList changesOrReason(const TagWriting &writing, bool writeEmptyTags)
+{
     try {
-        const TagTrial trial = tryTags(*format, writing.path, writing.record, writeEmptyTags);
-        QStringList lines = differences(trial.before, trial.after);
-        if (writing.record.albumArt())
-            lines.append(pictureLine(*format, *writing.record.albumArt(), trial.after));
-        return lines;
+        return changesOf(writing, writeEmptyTags);
     } catch (const NurvFailure &failure) {
         return {u"cannot be written: %1"_s.arg(printableLine(failure.reason()))};
     } catch (const std::exception &failure) {
@@ -182,12 +190,14 @@ QStringList changesOf(const TagWriting &writing, bool writeEmptyTags)
     }
 }
 
+} // namespace
+
 QString textOf(const QList<TagWriting> &writings, bool writeEmptyTags, const QString &end)
 {
     std::vector<QStringList> changes(static_cast<std::size_t>(writings.size()));
     runInParallel(
         writings.size(), std::max(1U, std::thread::hardware_concurrency()), [] { return false; },
-        [&](qsizetype i) { changes[static_cast<std::size_t>(i)] = changesOf(writings.at(i), writeEmptyTags); });
+        [&](qsizetype i) { changes[static_cast<std::size_t>(i)] = changesOrReason(writings.at(i), writeEmptyTags); });
     QStringList lines;
     for (qsizetype i = 0; i < writings.size(); ++i) {
         lines.append(printableLine(lastPathComponent(writings.at(i).path)));

@@ -19,14 +19,14 @@ struct TagWriting {
 namespace tagPreview {
 
 /// What a writing changes in a file: a line for each tag with its old and its new values, and what becomes of the
-/// picture. Empty when nothing changes. The writer itself says so, on a copy of the tags in memory (tryTags). A file
-/// that cannot be read or written has a line with the reason.
+/// picture. Empty when nothing changes. The writer itself says so, on a copy of the tags in memory (tryTags). Throws
+/// NurvFailure for a file that cannot be read or written.
 [[nodiscard]] QStringList changesOf(const TagWriting &writing, bool writeEmptyTags);
 
 /// The differences between two lists of tags, a line each.
 [[nodiscard]] QStringList differences(const StoredTags &before, const StoredTags &after);
 
-/// The changes of all files, each under its name; `end` comes last.
+/// The changes of all files, each under its name, or why there will be none; `end` comes last.
 [[nodiscard]] QString textOf(const QList<TagWriting> &writings, bool writeEmptyTags, const QString &end = {});
 
 } // namespace tagPreview

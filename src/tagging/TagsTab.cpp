@@ -11,6 +11,7 @@
 #include "base/NotificationCenter.h"
 #include "base/NurvFailure.h"
 #include "files/TextFile.h"
+#include "journal/OutputJournal.h"
 #include "tagging/CueSheetTagImporter.h"
 #include "tagging/FolderArt.h"
 #include "tagging/TagFields.h"
@@ -200,11 +201,12 @@ void TagsTab::selectionChanged()
     clearFields();
     note.setText({});
     const QStringList paths = selectedFiles();
+    m_hasUnread = false;
     multipleSelectionsLabel.setText(paths.size() > 1 ? u"multiple selections"_s : QString());
     if (!paths.isEmpty()) {
-        const auto report = [tab = QPointer<TagsTab>(this)](qsizetype count) {
-            postToGuiThread([tab, count] {
-                if (tab)
+        const auto report = [tab = QPointer<TagsTab>(this), selection = ++m_selection](qsizetype count) {
+            postToGuiThread([tab, selection, count] {
+                if (tab && tab->m_selection == selection)
                     tab->noteProgress(count);
             });
         };
@@ -245,7 +247,8 @@ void TagsTab::takeSelectedTags(const SelectedTags &selected)
         trackText.setText({});
         showDifferences(selected);
     }
-    if (!selected.problems.isEmpty()) {
+    m_hasUnread = !selected.problems.isEmpty();
+    if (m_hasUnread) {
         const QString more =
             selected.problems.size() > 1 ? u" (and %1 more)"_s.arg(selected.problems.size() - 1) : QString();
         note.setText(u"Tags that cannot be read: "_s + printableLine(selected.problems.first()) + more);
@@ -314,9 +317,9 @@ void TagsTab::beginExamining(const QString &name, const std::function<PictureRea
         this, [examine](const std::function<bool()> &) { return examine(); },
         [this, name](const PictureReading &reading) {
             Q_EMIT readingChanged();
+            note.setText({});
             if (reading.picture) {
                 albumArtImageView.setPicture(reading.picture);
-                note.setText({});
                 return;
             }
             nurvController().prompts().ask({.title = u"The picture %1 cannot be used."_s.arg(quoted(name)),
@@ -330,6 +333,8 @@ void TagsTab::beginExamining(const QString &name, const std::function<PictureRea
 
 void TagsTab::removePicture()
 {
+    if (m_examining.isPending())
+        note.setText({});
     m_examining.giveUp();
     albumArtImageView.setPicture(nullptr);
     Q_EMIT readingChanged();
@@ -342,10 +347,9 @@ void TagsTab::savePictureAs()
         return;
     const std::optional<QString> path =
         openSavePanel(u"cover."_s + pictureExtension(picture->bytes()), u"Save picture as"_s);
-    // Without a list there is no file of it that would have to make way.
-    const bool hasFiles = !fileNames().isEmpty();
-    if (!path
-        || (hasFiles && !canBeText(*path, fileNames(), u"the picture"_s, u"It is one of the files of the list."_s)))
+    // Without a list there is no file of it that would have to make way, but no sound makes way in any case.
+    const QStringList files = fileNames().isEmpty() ? QStringList(QString()) : fileNames();
+    if (!path || !canBeText(*path, files, u"the picture"_s, u"It is one of the files of the list."_s))
         return;
     QString reason;
     if (!writeFileAtomically(*path, picture->bytes(), &reason))
@@ -366,7 +370,15 @@ void TagsTab::executeCommand()
     if (fileNames().isEmpty())
         return;
     finishReading();
-    detectAlbumArt();
+    if (m_hasUnread && writeEmptyTags()) {
+        nurvController().prompts().ask(
+            {.title = u"Empty fields cannot be written."_s,
+             .message = u"The tags of at least one of the files could not be read: nobody knows what would be lost."_s,
+             .buttons = {u"OK"_s}});
+        return;
+    }
+    if (!detectAlbumArt())
+        return;
     const Plan plan = makePlan();
     if (!mayWrite(plan) || !write(plan.writings))
         return;
@@ -378,12 +390,12 @@ void TagsTab::executeCommand()
     displayRelevantOptions();
 }
 
-void TagsTab::detectAlbumArt()
+bool TagsTab::detectAlbumArt()
 {
     const QStringList paths = selectedFiles();
     const std::optional<QString> path = onlyPictureBeside(paths);
     if (!path || !areWithoutPicture(paths))
-        return;
+        return true;
     const PictureReading reading = examinePictureFile(*path);
     const Alert question{
         .title = u"Nurv has detected an image file in the source directory. Would you like to use it for album art?"_s,
@@ -391,14 +403,16 @@ void TagsTab::detectAlbumArt()
         .buttons = {u"Yes"_s, u"No"_s},
         .picture = reading.picture ? reading.picture->bytes() : QByteArray()};
     if (nurvController().prompts().ask(question) != u"Yes")
-        return;
+        return true;
     qCInfo(taggingLog).noquote() << u"use album art: %1"_s.arg(*path);
-    if (reading.picture)
+    if (reading.picture) {
         albumArtImageView.setPicture(reading.picture);
-    else
-        nurvController().prompts().ask({.title = u"The picture %1 cannot be used."_s.arg(quoted(*path)),
-                                        .message = reading.fault.value_or(QString()),
-                                        .buttons = {u"OK"_s}});
+        return true;
+    }
+    nurvController().prompts().ask({.title = u"The picture %1 cannot be used."_s.arg(quoted(*path)),
+                                    .message = reading.fault.value_or(QString()),
+                                    .buttons = {u"OK"_s}});
+    return false;
 }
 
 TagsObject TagsTab::recordOfFields() const
@@ -431,7 +445,11 @@ TagsTab::Plan TagsTab::makePlan()
     TagsObject record = recordOfFields();
     if (m_customTagsPanel.customTagDictionary()) {
         m_customTagsPanel.fillTagsDictionary();
-        record.setCustomTagsDictionary(*m_customTagsPanel.customTagDictionary());
+        NURVCustomTagsPanel::Tags customTags = *m_customTagsPanel.customTagDictionary();
+        // It is among them, too, and would undo what was typed into its own field.
+        if (!discTotalText.text().isEmpty())
+            customTags.remove(u"DISCTOTAL"_s);
+        record.setCustomTagsDictionary(customTags);
         // The writer takes away what it is not given; nobody has seen these to want that.
         for (auto tag = m_hiddenCustomTags.cbegin(); writeEmptyTags() && tag != m_hiddenCustomTags.cend(); ++tag) {
             if (!record.customTagsDictionary().contains(tag.key()))
@@ -474,7 +492,13 @@ bool TagsTab::write(const QList<TagWriting> &writings)
 {
     QStringList withoutPicture;
     qsizetype written = 0;
+    QStringList paths;
+    for (const TagWriting &writing : writings)
+        paths.append(writing.path);
+    const std::shared_ptr<OutputJournal> journal = tagFiles::beginJournal(paths);
     for (const TagWriting &writing : writings) {
+        if (!tagFiles::formatOf(writing.path))
+            continue;
         try {
             if (const TagsObject::Text leftOut = tagFiles::write(writing.path, writing.record, writeEmptyTags()))
                 withoutPicture.append(u"%1: %2"_s.arg(printableLine(lastPathComponent(writing.path)), *leftOut));
@@ -489,6 +513,7 @@ bool TagsTab::write(const QList<TagWriting> &writings)
                  .buttons = {u"OK"_s}});
             return false;
         }
+        journal->markEnded(writing.path);
         m_previousTagsObject = writing.record;
         ++written;
     }

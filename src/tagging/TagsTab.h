@@ -17,6 +17,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 
@@ -120,7 +121,8 @@ private:
     void noteProgress(qsizetype count);
     void beginExamining(const QString &name, const std::function<PictureReading()> &examine);
     [[nodiscard]] QStringList selectedFiles() const;
-    void detectAlbumArt();
+    /// False when the user wants a picture that cannot be used, and was told.
+    [[nodiscard]] bool detectAlbumArt();
     [[nodiscard]] Plan makePlan();
     [[nodiscard]] TagsObject recordOfFields() const;
     [[nodiscard]] bool mayWrite(const Plan &plan);
@@ -134,6 +136,8 @@ private:
     QSet<QString> m_knownFiles;
     /// Of the selected files, those that the panel has no row for.
     NURVCustomTagsPanel::Tags m_hiddenCustomTags;
+    std::uint64_t m_selection = 0; ///< how many there have been
+    bool m_hasUnread = false;      ///< of the selected files
     PendingResult<SelectedTags> m_reading;
     PendingResult<PictureReading> m_examining;
 };

@@ -3,12 +3,17 @@
 #include "tags/PictureView.h"
 
 #include "base/NurvFailure.h"
+#include "base/SystemError.h"
+#include "files/FileDescriptor.h"
 #include "tags/TagsProcess.h"
 
 #include <QFile>
-#include <QFileInfo>
 
+#include <cerrno>
 #include <exception>
+
+#include <fcntl.h>
+#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
@@ -25,18 +30,25 @@ PictureReading examinePicture(const QByteArray &bytes)
     try {
         if (std::optional<PictureReading> asked = TagsProcess::examinePicture(bytes))
             return *std::move(asked);
+        return readPicture(bytes);
     } catch (const NurvFailure &failure) {
         return {.picture = nullptr, .fault = failure.reason()};
+    } catch (const std::exception &failure) {
+        return {.picture = nullptr, .fault = QString::fromUtf8(failure.what())};
     }
-    return readPicture(bytes);
 }
 
 PictureReading examinePictureFile(const QString &path)
 {
-    QFile file(path);
-    if (!QFileInfo(path).isFile())
+    // Whoever opens a pipe waits for who writes to it.
+    const FileDescriptor opened(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (!opened.isOpen())
+        return {.picture = nullptr, .fault = systemErrorText(errno)};
+    struct stat facts = {};
+    if (::fstat(opened.get(), &facts) != 0 || !S_ISREG(facts.st_mode))
         return {.picture = nullptr, .fault = u"it is no regular file"_s};
-    if (!file.open(QIODevice::ReadOnly))
+    QFile file;
+    if (!file.open(opened.get(), QIODevice::ReadOnly))
         return {.picture = nullptr, .fault = file.errorString()};
     if (file.size() > kLargestFile)
         return {.picture = nullptr, .fault = u"it is larger than 64 MiB"_s};

@@ -12,6 +12,7 @@
 #include <id3v2tag.h>
 #include <textidentificationframe.h>
 
+#include <algorithm>
 #include <memory>
 #include <vector>
 
@@ -78,9 +79,18 @@ StoredTag storedFrame(TagLib::ID3v2::Frame &frame)
     return stored;
 }
 
+/// Of capitals and digits (ID3v2.4.0, section 4.2); that of a user's own texts has a description besides.
+bool isTextFrame(const QString &name)
+{
+    const bool isIdentifier = std::all_of(name.begin(), name.end(), [](QChar letter) {
+        return (letter >= u'A' && letter <= u'Z') || (letter >= u'0' && letter <= u'9');
+    });
+    return isIdentifier && name.size() == kFrameIdSize && name.startsWith(u'T') && name != u"TXXX";
+}
+
 std::unique_ptr<TagLib::ID3v2::Frame> frameOf(const StoredTag &stored)
 {
-    if (stored.data.isEmpty() && stored.text && stored.name.size() == kFrameIdSize && stored.name.startsWith(u'T')) {
+    if (stored.data.isEmpty() && stored.text && isTextFrame(stored.name)) {
         auto frame =
             std::make_unique<TextIdentificationFrame>(stored.name.toLatin1().constData(), TagLib::String::UTF8);
         frame->setText(TagLibTagsHelper::tagLibString(*stored.text));

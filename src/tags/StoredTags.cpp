@@ -32,6 +32,8 @@ using Holder = StoredTag::Holder;
 constexpr int kId3v1Size = 128;
 // Sizes in the heads of FLAC metadata blocks have 24 bits.
 constexpr unsigned int kFlacBlockLimit = 0xffffff;
+/// Of a Vorbis comment: a FLAC picture in base64.
+constexpr QStringView kPictureField = u"METADATA_BLOCK_PICTURE";
 
 QString qtText(const TagLib::String &text)
 {
@@ -62,6 +64,11 @@ void readVorbis(StoredTags &found, TagLib::FLAC::File &file)
             for (const TagLib::String &value : values)
                 found.append({.holder = Holder::Vorbis, .name = qtText(name), .text = qtText(value)});
         }
+        // TagLib keeps them apart from the fields that they are.
+        for (TagLib::FLAC::Picture *const picture : const_cast<TagLib::Ogg::XiphComment *>(comment)->pictureList())
+            found.append({.holder = Holder::Vorbis,
+                          .name = kPictureField.toString(),
+                          .text = QString::fromLatin1(qtBytes(picture->render()).toBase64())});
     }
     for (const TagLib::FLAC::Picture *const picture : file.pictureList())
         found.append({.holder = Holder::FlacPicture, .name = u"PICTURE"_s, .data = qtBytes(picture->render())});
@@ -76,7 +83,12 @@ void writeVorbis(TagLib::FLAC::File &file, const StoredTags &tags)
     comment.removeAllPictures();
     file.removePictures();
     for (const StoredTag &tag : tags) {
-        if (tag.holder == Holder::Vorbis && tag.text) {
+        if (tag.holder == Holder::Vorbis && tag.text && tag.name.compare(kPictureField, Qt::CaseInsensitive) == 0) {
+            auto picture = std::make_unique<TagLib::FLAC::Picture>();
+            if (!picture->parse(byteVector(QByteArray::fromBase64(tag.text->toLatin1()))))
+                refuse(tag);
+            comment.addPicture(picture.release());
+        } else if (tag.holder == Holder::Vorbis && tag.text) {
             const TagLib::String name = TagLibTagsHelper::tagLibString(tag.name);
             comment.addField(name, TagLibTagsHelper::tagLibString(*tag.text), false);
             if (!comment.contains(name))
@@ -108,8 +120,13 @@ void readId3v1(StoredTags &found, File &file, TagLib::IOStream &stream)
 /// Once everything else is saved: the tag of 128 bytes at the end is the one that is given, or there is none.
 void replaceId3v1(TagLib::IOStream &stream, const StoredTags &tags)
 {
-    stream.seek(-kId3v1Size, TagLib::IOStream::End);
-    const bool isThere = stream.length() >= kId3v1Size && stream.readBlock(kId3v1Size).startsWith("TAG");
+    // An APE tag of 131 bytes has "TAG" there, too: its first eight are "APETAGEX".
+    constexpr int kApeLetters = 3;
+    const bool hasRoom = stream.length() >= kId3v1Size + kApeLetters;
+    stream.seek(hasRoom ? -(kId3v1Size + kApeLetters) : -kId3v1Size, TagLib::IOStream::End);
+    const TagLib::ByteVector end = stream.readBlock(kId3v1Size + kApeLetters);
+    const bool isThere = stream.length() >= kId3v1Size && end.mid(hasRoom ? kApeLetters : 0).startsWith("TAG")
+                         && !end.startsWith("APETAGEX");
     if (isThere)
         stream.truncate(stream.length() - kId3v1Size);
     for (const StoredTag &tag : tags) {
@@ -130,6 +147,9 @@ void readApe(StoredTags &found, const TagLib::APE::Tag *tag)
     if (tag == nullptr)
         return;
     for (const auto &[name, item] : tag->itemListMap()) {
+        // Nothing can be written that says so.
+        if (item.isEmpty())
+            continue;
         // Upper case is the key of TagLib's map; the item has the name as it stands in the file.
         StoredTag stored{.holder = Holder::Ape, .name = qtText(item.key())};
         if (item.type() == TagLib::APE::Item::Text && !item.isReadOnly()) {

@@ -488,7 +488,12 @@ void TagLibTagsHelper::writeTagsForFLACFile(const QString &path, const TagsObjec
     // The date never goes through TagLib: a new one, and one that the file had, is
     // written by the other path once the file is saved.
     const Text &date = hasText(tagObject.dateText()) ? tagObject.dateText() : fileDate;
-    if (hasText(date))
+    if (!hasText(date))
+        return;
+    // One that nobody has changed is not taken away first.
+    const bool isThere =
+        !hasText(tagObject.dateText()) && FlacTagHelper::tagForFile(path, FlacTagHelper::kDate) == *date;
+    if (!isThere)
         FlacTagHelper::writeTagForFile(path, FlacTagHelper::kDate, date, writeEmptyTags);
 }
 

@@ -7,7 +7,6 @@
 #include <QImage>
 #include <QWidget>
 
-class QMenu;
 class QPushButton;
 
 namespace nurv {

@@ -61,6 +61,13 @@ QString textOf(const QPlainTextEdit &editor)
     return withLineFeeds(editor.document()->toRawText());
 }
 
+/// A field cuts off what is longer than it takes, and at first it takes 32,767 letters.
+void allowLongTexts(QLineEdit *field)
+{
+    constexpr int kLongestText = 16 * 1024 * 1024;
+    field->setMaxLength(kLongestText);
+}
+
 } // namespace
 
 void follow(QWidget *widget, Control &control)
@@ -179,6 +186,7 @@ void bind(QLabel *label, LabelControl &control)
 
 void bind(QLineEdit *field, TextControl &control)
 {
+    allowLongTexts(field);
     showAlways(field, control, [field, &control] { showText(field, control.text()); });
     const auto showPlaceholder = [field, &control] { field->setPlaceholderText(control.placeholder()); };
     showPlaceholder();
@@ -210,6 +218,10 @@ void bind(QPlainTextEdit *editor, LinesControl &control)
 
 void bind(PairsEditor *editor, PairsControl &control)
 {
+    for (int row = 0; row < editor->rowCount(); ++row) {
+        allowLongTexts(editor->nameField(row));
+        allowLongTexts(editor->valueField(row));
+    }
     showAlways(editor, control, [editor, &control] {
         for (int row = 0; row < editor->rowCount(); ++row) {
             showText(editor->nameField(row), control.pairs().at(row).name);

@@ -102,6 +102,80 @@ TEST_F(TagsCommand, ABackupIsReadFromStandardInputAndFollowsFilesThatHaveMoved)
     EXPECT_TRUE(metaflacTags(folder.path(u"new/a.flac"_s)).contains(u"TITLE=T"_s));
 }
 
+TEST_F(TagsCommand, ABackupOfEqualNamesGivesNoFileTheTagsOfAnother)
+{
+    folder.makeFolder(u"d1"_s);
+    folder.makeFolder(u"d2"_s);
+    const QString one = flac(u"d1/t01.flac"_s, {u"TITLE=One"_s});
+    const QString two = flac(u"d2/t01.flac"_s, {u"TITLE=Two"_s});
+    const QString file = folder.write(u"b.json"_s, runNurv({u"tags"_s, u"show"_s, u"--json"_s, one, two}).output);
+    const ProgramResult named = runNurv({u"tags"_s, u"set"_s, u"--from-json"_s, file, one});
+    EXPECT_EQ(named.exitStatus, 0) << named.errors.constData();
+    EXPECT_TRUE(named.errors.contains("1 more file in the backup are of files that are not named"))
+        << named.errors.constData();
+    EXPECT_TRUE(metaflacTags(one).contains(u"TITLE=One"_s));
+    // Nobody can tell which of the two has moved there.
+    ASSERT_TRUE(QFile::rename(one, folder.path(u"t01.flac"_s)));
+    const QByteArray before = folder.read(u"t01.flac"_s);
+    const ProgramResult moved = runNurv({u"tags"_s, u"set"_s, u"--from-json"_s, file, folder.path(u"t01.flac"_s)});
+    EXPECT_EQ(moved.exitStatus, 1);
+    EXPECT_TRUE(moved.errors.contains("the backup has the tags of several files for it")) << moved.errors.constData();
+    EXPECT_EQ(folder.read(u"t01.flac"_s), before);
+}
+
+TEST_F(TagsCommand, ABackupThatMakesNoSenseWritesNothing)
+{
+    const QString path = flac(u"a.flac"_s, {u"TITLE=T"_s});
+    const QByteArray before = folder.read(u"a.flac"_s);
+    const QByteArray head = "{\"type\":\"tags\",\"path\":\"" + path.toUtf8() + "\"";
+    for (const char *rest : {",\"stored\":null}", ",\"stored\":{}}", ",\"stored\":[7]}", ",\"fields\":{\"track\":7}}",
+                             ",\"fields\":{\"titel\":\"x\"}}", ",\"custom\":{\"MOOD\":1}}", ",\"fields\":[]}", "}"}) {
+        const QString file = folder.write(u"b.json"_s, head + rest + '\n');
+        const ProgramResult result = runNurv({u"tags"_s, u"set"_s, u"--from-json"_s, file});
+        EXPECT_EQ(result.exitStatus, 2) << rest << result.errors.constData();
+        EXPECT_EQ(folder.read(u"a.flac"_s), before) << rest;
+    }
+}
+
+TEST_F(TagsCommand, KeepsTheOtherHalfOfNumberAndTotal)
+{
+    const QString mp3 = writeMp3(folder, u"b.mp3"_s, {u"--tn"_s, u"3/10"_s});
+    ASSERT_EQ(runNurv({u"tags"_s, u"set"_s, u"--track=4"_s, mp3}).exitStatus, 0);
+    EXPECT_EQ(ffprobeTags(mp3).value(u"track"_s), u"4/10");
+    ASSERT_EQ(runNurv({u"tags"_s, u"set"_s, u"--track-total=12"_s, mp3}).exitStatus, 0);
+    EXPECT_EQ(ffprobeTags(mp3).value(u"track"_s), u"4/12");
+    const QString m4a =
+        writeByFfmpeg(folder.path(u"d.m4a"_s), {.seconds = 0.5},
+                      {u"-c:a"_s, u"alac"_s, u"-metadata"_s, u"track=3/12"_s, u"-metadata"_s, u"disc=1/2"_s});
+    ASSERT_EQ(runNurv({u"tags"_s, u"set"_s, u"--track=4"_s, u"--disc-total=3"_s, m4a}).exitStatus, 0);
+    EXPECT_EQ(ffprobeTags(m4a).value(u"track"_s), u"4/12");
+    EXPECT_EQ(ffprobeTags(m4a).value(u"disc"_s), u"1/3");
+}
+
+TEST_F(TagsCommand, ACueSheetIsNotWrittenWhenAFileOfTheOrderIsMissing)
+{
+    const QString one = flac(u"1.flac"_s);
+    const QString three = flac(u"3.flac"_s);
+    const QString cue = folder.write(u"a.cue"_s, "TRACK 01 AUDIO\nTITLE \"One\"\nTRACK 02 AUDIO\nTITLE \"Two\"\n"
+                                                 "TRACK 03 AUDIO\nTITLE \"Three\"\n");
+    const ProgramResult result = runNurv({u"tags"_s, u"import-cue"_s, cue, one, folder.path(u"2.flac"_s), three});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_TRUE(result.errors.contains("nothing is written")) << result.errors.constData();
+    EXPECT_FALSE(metaflacTags(three).contains(u"TITLE=Two"_s));
+}
+
+TEST_F(TagsCommand, TellsOfFilesThatAreNone)
+{
+    const QString bad = folder.write(u"a.flac"_s, "no sound");
+    for (const QStringList &arguments :
+         {QStringList{u"show"_s, bad}, QStringList{u"set"_s, u"--dry-run"_s, u"--album=A"_s, bad}}) {
+        const ProgramResult result = runNurv(QStringList(u"tags"_s) + arguments);
+        EXPECT_EQ(result.exitStatus, 1);
+        EXPECT_TRUE(result.errors.contains("a.flac: Unable to open the file for reading\n"))
+            << result.errors.constData();
+    }
+}
+
 TEST_F(TagsCommand, ImportsACueSheet)
 {
     const QStringList paths{flac(u"1.flac"_s), flac(u"2.flac"_s)};
@@ -134,6 +208,28 @@ TEST_F(TagsCommand, TellsOfAFileThatFailsAndWritesTheOthers)
     EXPECT_EQ(folder.read(u"a.flac"_s), "no sound");
 }
 
+TEST_F(TagsCommand, TellsWhatAKindOfFileDoesNotTake)
+{
+    const QString wavpack = writeWavpack(folder, u"a.wv"_s, {u"-w"_s, u"Title=T"_s});
+    const QString good = flac(u"b.flac"_s);
+    const ProgramResult result =
+        runNurv({u"tags"_s, u"set"_s, u"--composer=C"_s, u"--album=Al"_s, u"--date=1977-05-08"_s, wavpack, good});
+    EXPECT_EQ(result.exitStatus, 0) << result.errors.constData();
+    EXPECT_TRUE(
+        result.errors.contains("nurv: --composer has no effect on 1 of 2 files: Monkey's Audio and WavPack files "
+                               "do not take it\n"))
+        << result.errors.constData();
+    EXPECT_TRUE(
+        result.errors.contains("nurv: --date: Monkey's Audio and WavPack files get the number that it begins with\n"))
+        << result.errors.constData();
+    EXPECT_TRUE(metaflacTags(good).contains(u"COMPOSER=C"_s));
+    const QByteArray before = folder.read(u"a.wv"_s);
+    const ProgramResult none = runNurv({u"tags"_s, u"set"_s, u"--composer=C"_s, wavpack});
+    EXPECT_EQ(none.exitStatus, 1);
+    EXPECT_TRUE(none.errors.contains("a.wv: files of its kind take none of these tags\n")) << none.errors.constData();
+    EXPECT_EQ(folder.read(u"a.wv"_s), before);
+}
+
 TEST_F(TagsCommand, RefusesWhatCannotBeMeant)
 {
     const QString a = flac(u"a.flac"_s);
@@ -141,16 +237,23 @@ TEST_F(TagsCommand, RefusesWhatCannotBeMeant)
     const QString text = folder.write(u"x.png"_s, "no picture");
     const QString broken = folder.write(u"x.json"_s, "{\"type\":\"tags\"}\n");
     const QList<std::pair<QStringList, QByteArray>> cases{
-        {{u"set"_s, a}, "nurv tags set: nothing is to be set: give a tag, --picture, --custom, --empty or --from-json."},
+        {{u"set"_s, a},
+         "nurv tags set: nothing is to be set: give a tag, --picture, --custom, --empty or --from-json."},
         {{u"set"_s, u"--album=A"_s}, "nurv tags set: no files are given."},
         {{u"set"_s, u"--tittle=A"_s, a}, "nurv tags set: unknown option \"--tittle\" (did you mean --title?)."},
         {{u"set"_s, u"--title=A"_s, a, b}, "nurv tags set: --title goes with one file, and there are 2."},
+        {{u"set"_s, u"--title="_s, a}, "nurv tags set: the value of --title is empty."},
+        {{u"set"_s, u"--custom=date=1999"_s, a}, "nurv tags set: --custom date: there is --date for it."},
+        {{u"set"_s, u"--custom=A=1"_s, u"--custom=a=2"_s, a}, "nurv tags set: --custom: a is given twice."},
         {{u"set"_s, u"--custom=MOOD"_s, a}, "nurv tags set: --custom takes NAME=VALUE, not \"MOOD\"."},
-        {{u"set"_s, u"--picture"_s, text, a}, "nurv tags set: --picture " + text.toUtf8() + ": it is of no known kind."},
-        {{u"set"_s, u"--from-json"_s, broken, u"--album=A"_s}, "nurv tags set: --album and --from-json cannot both be given."},
+        {{u"set"_s, u"--picture"_s, text, a},
+         "nurv tags set: --picture " + text.toUtf8() + ": it is of no known kind."},
+        {{u"set"_s, u"--from-json"_s, broken, u"--album=A"_s},
+         "nurv tags set: --album and --from-json cannot both be given."},
         {{u"set"_s, u"--from-json"_s, broken},
          "nurv tags set: --from-json " + broken.toUtf8() + ": line 1: an object names no path."},
-        {{u"import-cue"_s, text}, "nurv tags import-cue: the cue sheet must be followed by the files that its names are for."},
+        {{u"import-cue"_s, text},
+         "nurv tags import-cue: the cue sheet must be followed by the files that its names are for."},
         {{u"show"_s}, "nurv tags show: no files are given."},
         {{u"shwo"_s}, "nurv tags: unknown command \"shwo\"; there are show, set, import-cue."},
     };

@@ -36,7 +36,7 @@ ALLOWED = {
     "convert": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum"},
     "lossy": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "convert"},
     "shntool": BASICS | {"programs", "engine", "app", "samples", "journal", "originals"},
-    "tagging": BASICS | {"programs", "engine", "app", "tags"},
+    "tagging": BASICS | {"programs", "engine", "app", "journal", "tags"},
     "toolbox": {"settings", "app", "checksum", "fix", "convert", "lossy", "shntool", "tagging"},
     "preferences": {"base", "settings", "app", "shntool", "toolbox"},
     "cli": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum", "fix", "convert", "lossy", "shntool", "tagging", "toolbox"},

@@ -59,7 +59,7 @@ TEST_F(NURVCustomTagsPanelTest, CollectsTheRowsWhenItIsLeft)
     prompts.expectPanel(
         {.title = u"Custom Tags"_s,
          .message = u"Further fields of FLAC files: a name and a value in each row. Fields without a row stay "
-                    "as they are."_s,
+                    "as they are, unless empty fields are written."_s,
          .fields = {u"custom"_s},
          .buttons = {u"OK"_s}},
         [](const Panel &shown) {

@@ -4,6 +4,7 @@
 
 #include "app/Panel.h"
 #include "base/NotificationCenter.h"
+#include "support/ProgramFolder.h"
 #include "tags/TagTrial.h"
 
 #include <QFile>
@@ -56,6 +57,34 @@ TEST_F(TagsTabWritingTest, WritesEveryKindOfFileForOtherReaders)
         EXPECT_EQ(date, u"1977") << qPrintable(path);
         EXPECT_EQ(tab.note.text(), u"The tags of 1 file were written.");
     }
+}
+
+TEST_F(TagsTabWritingTest, WritesADiscTotalThatWasThereBefore)
+{
+    const QString path = flac(u"a.flac"_s);
+    ASSERT_EQ(runProgram(u"metaflac"_s, {u"--set-tag=DISCTOTAL=2"_s, u"--set-tag=MOOD=m"_s, path}).exitStatus, 0);
+    add({path});
+    EXPECT_EQ(tab.discTotalText.text(), u"2");
+    tab.discTotalText.setText(u"3"_s);
+    tab.executeCommand();
+    EXPECT_TRUE(metaflacTags(path).contains(u"DISCTOTAL=3"_s));
+    EXPECT_TRUE(metaflacTags(path).contains(u"MOOD=m"_s));
+}
+
+TEST_F(TagsTabWritingTest, LeavesADateAsItIsThatNobodyChanged)
+{
+    const QString path = flac(u"a.flac"_s);
+    ASSERT_EQ(runProgram(u"metaflac"_s, {u"--set-tag=DATE=1977-05-08"_s, path}).exitStatus, 0);
+    const ProgramFolder tools;
+    tools.addAllReal();
+    tools.remove(u"metaflac"_s);
+    static_cast<void>(tools.addLogged(u"metaflac"_s, folder.path(u"log"_s)));
+    TagsObject record;
+    record.setAlbumText(u"Album"_s);
+    tagFiles::write(path, record, false);
+    EXPECT_FALSE(folder.read(u"log"_s).contains("--remove-tag"));
+    EXPECT_TRUE(metaflacTags(path).contains(u"DATE=1977-05-08"_s));
+    EXPECT_TRUE(metaflacTags(path).contains(u"ALBUM=Album"_s));
 }
 
 TEST_F(TagsTabWritingTest, WritesAMonkeysAudioFile)

@@ -8,6 +8,10 @@
 #include "tags/AACTagsHelper.h"
 #include "tags/TagLibTagsHelper.h"
 
+#include <QFileInfo>
+
+#include <flacpicture.h>
+
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -55,6 +59,38 @@ TEST_F(StoredTagsTest, BringsBackRepeatedFieldsAndPicturesOfFlac)
     const QByteArray restored = runProgram(u"metaflac"_s, {u"--list"_s, u"--block-type=PICTURE"_s, path}).output;
     EXPECT_EQ(restored.count("Rücken"), pictures.count("Rücken"));
     EXPECT_EQ(restored.count("METADATA block"), 2);
+}
+
+TEST_F(StoredTagsTest, BringsBackThePictureWithinAComment)
+{
+    const QString path = writeTaggableFlac(folder, u"a.flac"_s);
+    TagLib::FLAC::Picture image;
+    const QByteArray png = encodedPicture(picture(3, 3, Qt::green), "png");
+    image.setMimeType("image/png");
+    image.setData({png.constData(), static_cast<unsigned int>(png.size())});
+    const TagLib::ByteVector block = image.render();
+    const QByteArray text = QByteArray(block.data(), static_cast<qsizetype>(block.size())).toBase64();
+    const QString field = folder.write(u"field"_s, text);
+    ASSERT_EQ(runProgram(u"metaflac"_s, {u"--set-tag-from-file=METADATA_BLOCK_PICTURE="_s + field, path}).exitStatus,
+              0);
+    expectRoundTrip(TagFormat::Flac, path);
+    EXPECT_TRUE(metaflacTags(path).contains(u"METADATA_BLOCK_PICTURE="_s + QString::fromLatin1(text)));
+}
+
+TEST_F(StoredTagsTest, TakesNoShortApeTagForAnOldOne)
+{
+    // With 53 letters the whole tag has 131 bytes, and "TAG" stands 128 bytes before the end.
+    const StoredTags tags{{.holder = StoredTag::Holder::Ape, .name = u"Title"_s, .text = QString(53, u'x')}};
+    for (const auto &[format, path] : {std::pair(TagFormat::Wavpack, writeWavpack(folder, u"a.wv"_s)),
+                                       std::pair(TagFormat::Mp3, writeMp3(folder, u"b.mp3"_s))}) {
+        storedTags::replace(format, path, {});
+        const qint64 size = QFileInfo(path).size();
+        storedTags::replace(format, path, tags);
+        ASSERT_EQ(QFileInfo(path).size(), size + 131) << "the case is another one";
+        EXPECT_EQ(storedTags::read(format, path), tags);
+        storedTags::replace(format, path, tags);
+        EXPECT_EQ(storedTags::read(format, path), tags);
+    }
 }
 
 TEST_F(StoredTagsTest, BringsBackFramesOfEveryKindOfMp3)

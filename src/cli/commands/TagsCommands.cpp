@@ -90,9 +90,10 @@ public:
         for (const QString &path : run.files()) {
             run.forFile(path, [&]() -> QJsonObject {
                 const TagsObject record = tagFiles::read(path).value_or(TagsObject());
+                // Throws for what is no such file; the other reading makes blank tags of it.
+                const StoredTags stored = storedTags::read(*tagFiles::formatOf(path), path);
                 if (isJson)
-                    return tagsJson::objectOf(run.nameOf(path), path, record,
-                                              storedTags::read(*tagFiles::formatOf(path), path));
+                    return tagsJson::objectOf(run.nameOf(path), path, record, stored);
                 run.print(readableTags(run.nameOf(path), record));
                 return {};
             });
@@ -103,33 +104,48 @@ public:
 
 // Writing
 
-QJsonObject changesObject(const TagsRun &run, const QString &path, const QStringList &changes)
+/// Number and total share one item of MP3 and M4A files: the one that is not given stays as it is.
+void addOtherHalves(TagWriting &writing)
 {
-    return {{u"type"_s, u"changes"_s},
-            {u"file"_s, run.nameOf(path)},
-            {u"path"_s, path},
-            {u"changes"_s, QJsonArray::fromStringList(changes)}};
-}
-
-void printChanges(TagsRun &run, const QString &path, const QStringList &changes)
-{
-    QString text = printableLine(run.nameOf(path)) + u'\n';
-    for (const QString &change : changes.isEmpty() ? QStringList(u"nothing changes"_s) : changes)
-        text += u"    "_s + change + u'\n';
-    run.print(text);
+    const TagFormat format = *tagFiles::formatOf(writing.path);
+    if (format != TagFormat::Mp3 && format != TagFormat::Mp4)
+        return;
+    TagsObject &record = writing.record;
+    const bool hasHalfTrack = record.trackText().has_value() != record.trackTotalText().has_value();
+    const bool hasHalfDisc = record.discText().has_value() != record.discTotalText().has_value();
+    if (!hasHalfTrack && !hasHalfDisc)
+        return;
+    const TagsObject stored = tagFiles::read(writing.path).value_or(TagsObject());
+    if (hasHalfTrack && !record.trackText())
+        record.setTrackText(stored.trackText());
+    else if (hasHalfTrack)
+        record.setTrackTotalText(stored.trackTotalText());
+    if (hasHalfDisc && !record.discText())
+        record.setDiscText(stored.discText());
+    else if (hasHalfDisc)
+        record.setDiscTotalText(stored.discTotalText());
 }
 
 /// Writes the record, or tells what that would change.
-QJsonObject writeOrTell(TagsRun &run, const TagWriting &writing, bool writeEmptyTags, bool isTrial)
+QJsonObject writeOrTell(TagsRun &run, TagWriting writing, bool writeEmptyTags, bool isTrial)
 {
-    if (isTrial) {
-        const QStringList changes = tagPreview::changesOf(writing, writeEmptyTags);
-        printChanges(run, writing.path, changes);
-        return changesObject(run, writing.path, changes);
-    }
+    if (!writeEmptyTags)
+        addOtherHalves(writing);
+    if (isTrial)
+        return run.tellChanges(writing.path, tagPreview::changesOf(writing, writeEmptyTags));
     if (const TagsObject::Text leftOut = tagFiles::write(writing.path, writing.record, writeEmptyTags))
         throw NurvFailure(u"the picture was not written, all other tags were: %1"_s.arg(*leftOut));
     return {{u"type"_s, u"written"_s}, {u"file"_s, run.nameOf(writing.path)}, {u"path"_s, writing.path}};
+}
+
+bool hasApeTags(TagFormat format)
+{
+    return format == TagFormat::Ape || format == TagFormat::Wavpack;
+}
+
+bool isNumberInApeTags(const TagField &field)
+{
+    return field.name == u"date" || field.name == u"track";
 }
 
 void tellOfNoEffect(TagsRun &run, const TagsObject &record)
@@ -143,13 +159,34 @@ void tellOfNoEffect(TagsRun &run, const TagsObject &record)
             run.note(
                 u"%1 has no effect on %2 of %3 files: %4"_s.arg(option).arg(number).arg(run.files().size()).arg(kinds));
     };
+    const auto apeFiles = count(hasApeTags);
+    for (const TagField &field : tagFields()) {
+        const TagsObject::Text &text = (record.*field.text)();
+        if (!text)
+            continue;
+        const QString option = u"--"_s + field.name.toString();
+        if (!field.isInApeTags)
+            tell(option, apeFiles, u"Monkey's Audio and WavPack files do not take it"_s);
+        else if (apeFiles > 0 && isNumberInApeTags(field) && QString::number(text->toInt()) != *text
+                 && !text->isEmpty())
+            run.note(u"%1: Monkey's Audio and WavPack files get the number that it begins with"_s.arg(option));
+    }
     if (!record.customTagsDictionary().isEmpty())
         tell(u"--custom"_s, count([](TagFormat format) { return format != TagFormat::Flac; }),
              u"only FLAC files take it"_s);
     if (record.albumArt())
-        tell(u"--picture"_s,
-             count([](TagFormat format) { return format == TagFormat::Ape || format == TagFormat::Wavpack; }),
-             u"Monkey's Audio and WavPack files take no picture"_s);
+        tell(u"--picture"_s, apeFiles, u"Monkey's Audio and WavPack files take no picture"_s);
+}
+
+/// Whether a file of the format gets any of the tags.
+bool takesAnyOf(const TagsObject &record, TagFormat format)
+{
+    const auto &fields = tagFields();
+    const bool takesText = std::any_of(fields.begin(), fields.end(), [&](const TagField &field) {
+        return (record.*field.text)() && (field.isInApeTags || !hasApeTags(format));
+    });
+    return takesText || (record.albumArt() && !hasApeTags(format))
+           || (!record.customTagsDictionary().isEmpty() && format == TagFormat::Flac);
 }
 
 class TagsSetCommand final : public Command {
@@ -179,8 +216,12 @@ public:
         }
         tellOfNoEffect(run, record);
         const bool isTrial = arguments.has(u"dry-run"_s);
+        if (!isTrial)
+            run.beginWriting(run.files());
         for (const QString &path : run.files()) {
             run.forFile(path, [&] {
+                if (!arguments.has(u"empty"_s) && !takesAnyOf(record, *tagFiles::formatOf(path)))
+                    throw NurvFailure(u"files of its kind take none of these tags"_s);
                 return writeOrTell(run, {.path = path, .record = record}, arguments.has(u"empty"_s), isTrial);
             });
         }
@@ -194,12 +235,13 @@ private:
         for (const TagField &field : tagFields()) {
             const QString caption = QString::fromLatin1(field.caption).toLower();
             const bool isOfOneFile = field.name == u"title" || field.name == u"track";
-            options.push_back(
-                {.name = field.name.toString(),
-                 .valueName = u"TEXT"_s,
-                 .summary = u"the %1%2"_s.arg(caption, isOfOneFile ? u", of one file"_s : QString()),
-                 .manual = u"The %1.%2"_s.arg(caption, isOfOneFile ? u" Goes with one file."_s : QString()),
-                 .excluded = {u"from-json"_s}});
+            options.push_back({.name = field.name.toString(),
+                               .valueName = u"TEXT"_s,
+                               .summary = u"the %1%2"_s.arg(caption, isOfOneFile ? u", of one file"_s : QString()),
+                               .manual = u"The %1.%2%3"_s.arg(
+                                   caption, isOfOneFile ? u" Goes with one file."_s : QString(),
+                                   field.name == u"artist" ? u" M4A files get it as album artist, too."_s : QString()),
+                               .excluded = {u"from-json"_s}});
         }
         return options;
     }
@@ -236,6 +278,22 @@ private:
              .namesFiles = true},
             dryRunOption()};
     }
+    /// Names that have options of their own would be written twice, and which one stays nobody could tell.
+    static void checkCustomName(const TagsObject &record, const QString &name)
+    {
+        static const QMap<QString, QString> options{
+            {u"TITLE"_s, u"title"_s},          {u"ARTIST"_s, u"artist"_s},
+            {u"ALBUM"_s, u"album"_s},          {u"DATE"_s, u"date"_s},
+            {u"GENRE"_s, u"genre"_s},          {u"COMPOSER"_s, u"composer"_s},
+            {u"TRACKNUMBER"_s, u"track"_s},    {u"DISCNUMBER"_s, u"disc"_s},
+            {u"COMMENT"_s, u"comment"_s},      {u"TRACKTOTAL"_s, u"track-total"_s},
+            {u"DISCTOTAL"_s, u"disc-total"_s}, {u"DESCRIPTION"_s, u"comment"_s}};
+        if (const QString option = options.value(name.toUpper()); !option.isEmpty())
+            throw UsageError(u"--custom %1: there is --%2 for it"_s.arg(name, option));
+        const QStringList given = record.customTagsDictionary().keys();
+        if (given.contains(name, Qt::CaseInsensitive))
+            throw UsageError(u"--custom: %1 is given twice"_s.arg(name));
+    }
     static TagsObject recordOf(const ParsedArguments &arguments)
     {
         TagsObject record;
@@ -254,6 +312,7 @@ private:
                 throw UsageError(u"--custom takes NAME=VALUE, not \"%1\""_s.arg(custom));
             if (std::any_of(name.begin(), name.end(), [](QChar letter) { return letter < u' ' || letter > u'}'; }))
                 throw UsageError(u"--custom: the name \"%1\" has other characters than those of ASCII"_s.arg(name));
+            checkCustomName(record, name);
             record.customTagsDictionary().insert(name, custom.sliced(equals + 1));
             isGiven = true;
         }
@@ -308,6 +367,11 @@ private:
     static ExitStatus write(TagsRun &run, const CueSheetTagImporter::Names &names, const QString &cue, bool isTrial)
     {
         const qsizetype titles = names.titles.size();
+        if (run.hasRefusals() && titles > 0) {
+            // The titles behind it would go to their neighbours.
+            run.note(u"nothing is written, since a file is missing from the order"_s);
+            return run.finish(u"written"_s);
+        }
         if (titles == 0 && !names.album.albumText() && !names.album.artistText()) {
             run.fail(cue, u"there are no names in it"_s);
             return run.finish(u"written"_s);
@@ -323,6 +387,8 @@ private:
             run.note(u"%1: %2 titles for %3 files; the last ones are not used"_s.arg(cue).arg(titles).arg(
                 run.files().size()));
         }
+        if (!isTrial)
+            run.beginWriting(run.files());
         for (qsizetype i = 0; i < run.files().size(); ++i) {
             TagWriting writing{.path = run.files().at(i), .record = names.album};
             if (titles > 0) {
