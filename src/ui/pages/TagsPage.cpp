@@ -76,6 +76,12 @@ void TagsPage::addFields()
     selection->setObjectName(u"multipleSelectionsLabel"_s);
     bind(selection, m_tagsTab.multipleSelectionsLabel);
     group->addWidget(selection);
+    auto *const note = new QLabel(lastOptionGroup());
+    note->setObjectName(u"note"_s);
+    note->setWordWrap(true);
+    note->setTextFormat(Qt::PlainText);
+    bind(note, m_tagsTab.note);
+    group->addWidget(note);
     auto *const grid = new QGridLayout;
     group->addLayout(grid);
     constexpr int kWhole = kColumns - 1;
@@ -133,12 +139,6 @@ void TagsPage::addWriting()
                 tr("An empty field removes what the files have; otherwise it changes nothing"), parent);
     addCheckBox(group, m_tagsTab.previewButton, tr("Pre&view before writing"), u"previewButton"_s,
                 tr("The old and new values of every tag that changes, file by file"), parent);
-    auto *const note = new QLabel(parent);
-    note->setObjectName(u"note"_s);
-    note->setWordWrap(true);
-    note->setTextFormat(Qt::PlainText);
-    bind(note, m_tagsTab.note);
-    group->addWidget(note);
 }
 
 } // namespace nurv

@@ -18,7 +18,11 @@
 #include "fix/FixTab.h"
 #include "settings/SettingsStore.h"
 #include "shntool/SHNtoolTab.h"
+#include "tagging/TagFiles.h"
+#include "tagging/TagsTab.h"
+#include "TagFixtures.h"
 #include "support/TestFolder.h"
+#include "support/WaitUntil.h"
 #include "support/WaitUntil.h"
 #include "toolbox/Toolbox.h"
 #include "ui/DesktopPrompts.h"
@@ -37,6 +41,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QLabel>
 #include <QDir>
 #include <QLineEdit>
 #include <QListView>
@@ -170,6 +175,35 @@ void showShntool(SHNtoolTab &tab, MainWindow &window, const QDir &folder, const 
         tab.shntoolCommandMatrix.selectTitle(command);
         save(window, folder.filePath(u"shntool-%1-%2.png"_s.arg(command, suffix)));
     }
+}
+
+/// One file, and several that differ.
+void showTags(TagsTab &tab, MainWindow &window, const QDir &folder, const QString &suffix)
+{
+    tab.nurvController().selectTab(u"Tags"_s);
+    const TestFolder files;
+    QStringList paths;
+    for (const QString &title : {u"Scarlet Begonias"_s, u"Fire on the Mountain"_s, u"Estimated Prophet"_s}) {
+        TagsObject record;
+        record.setTitleText(title);
+        record.setAlbumText(u"Barton Hall, Ithaca NY"_s);
+        record.setDateText(title.startsWith(u'E') ? u"1978"_s : u"1977"_s);
+        record.setTrackText(QString::number(paths.size() + 1));
+        if (!title.startsWith(u'F'))
+            record.setAlbumArt(picture(300, 300, QColor(170, 60, 40)));
+        paths.append(writeTaggableFlac(files, u"gd77-05-08 t%1 %2.flac"_s.arg(paths.size() + 1).arg(title)));
+        tagFiles::write(paths.last(), record, false);
+    }
+    tab.addMatchedFiles(paths);
+    tab.finishReading();
+    save(window, folder.filePath(u"tags-several-%1.png"_s.arg(suffix)));
+    tab.setSelectedRows({0});
+    tab.finishReading();
+    // The picture is scaled by a worker.
+    auto *const well = window.findChild<QLabel *>(u"albumArtImageView"_s);
+    static_cast<void>(waitUntil([well] { return !well->pixmap(Qt::ReturnByValue).isNull(); }));
+    save(window, folder.filePath(u"tags-one-%1.png"_s.arg(suffix)));
+    tab.clearFiles();
 }
 
 void showFix(FixTab &tab, MainWindow &window, const QDir &folder, const QString &suffix)
@@ -351,12 +385,14 @@ int render(const QDir &folder, const QString &suffix)
     ChecksumTab checksumTab(controller);
     FixTab fixTab(controller);
     SHNtoolTab shntoolTab(controller);
+    TagsTab tagsTab(controller);
     LossyTab lossyTab(controller);
     MainWindow window(controller);
     showPages(controller, window, folder, suffix);
     showFormats(encodeTab, decodeTab, window, folder, suffix);
     showFix(fixTab, window, folder, suffix);
     showShntool(shntoolTab, window, folder, suffix);
+    showTags(tagsTab, window, folder, suffix);
     showModes(lossyTab, checksumTab, window, folder, suffix);
     showRows(controller.taskQueue(), *window.statusWindow(), folder, suffix);
     showOutput(prompts, folder, suffix);
