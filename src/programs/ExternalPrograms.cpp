@@ -137,8 +137,11 @@ ProgramStatus checkProgram(const ExternalProgram &program, const QString &path)
 QString missingProgramText(const QString &launchPath, const QString &reason)
 {
     const QFileInfo file(launchPath);
-    const QString text = u"\"%1\" could not be started: %2\nIt was looked for in the folder %3."_s.arg(
-        file.fileName(), reason, file.path());
+    const QString failure = u"\"%1\" could not be started: %2"_s.arg(file.fileName(), reason);
+    // It is there: more files than a command line takes, or no memory.
+    if (::access(QFile::encodeName(launchPath).constData(), X_OK) == 0)
+        return failure;
+    const QString text = failure + u"\nIt was looked for in the folder %1."_s.arg(file.path());
     const ExternalProgram *program = findExternalProgram(file.fileName());
     return program ? text + u'\n' + providerText(*program) : text;
 }

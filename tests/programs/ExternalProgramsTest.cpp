@@ -112,6 +112,9 @@ TEST(ExternalPrograms, SaysWhatIsMissingWhereAndWhoProvidesIt)
     const QString packaged = missingProgramText(u"/opt/tools/opusenc"_s, u"No such file or directory"_s);
     for (const QString &part : {u"opusenc"_s, u"/opt/tools"_s, u"opus-tools"_s, u"No such file or directory"_s})
         EXPECT_TRUE(packaged.contains(part)) << packaged.toStdString();
+    // What is there needs no place to get it from.
+    EXPECT_EQ(missingProgramText(u"/bin/sh"_s, u"Argument list too long"_s),
+              u"\"sh\" could not be started: Argument list too long");
     const QString unknown = missingProgramText(u"/opt/tools/other"_s, u"x"_s);
     EXPECT_TRUE(unknown.contains(u"\"other\""_s) && unknown.contains(u"/opt/tools"_s));
 }

@@ -183,15 +183,15 @@ void showTags(TagsTab &tab, MainWindow &window, const QDir &folder, const QStrin
     tab.nurvController().selectTab(u"Tags"_s);
     const TestFolder files;
     QStringList paths;
-    for (const QString &title : {u"Scarlet Begonias"_s, u"Fire on the Mountain"_s, u"Estimated Prophet"_s}) {
+    for (const QString &title : {u"River of Glass"_s, u"Lantern Song"_s, u"Ninth Street"_s}) {
         TagsObject record;
         record.setTitleText(title);
-        record.setAlbumText(u"Barton Hall, Ithaca NY"_s);
-        record.setDateText(title.startsWith(u'E') ? u"1978"_s : u"1977"_s);
+        record.setAlbumText(u"Aula Magna, Lisbon"_s);
+        record.setDateText(title.startsWith(u'N') ? u"1978"_s : u"1977"_s);
         record.setTrackText(QString::number(paths.size() + 1));
-        if (!title.startsWith(u'F'))
+        if (!title.startsWith(u'L'))
             record.setAlbumArt(picture(300, 300, QColor(170, 60, 40)));
-        paths.append(writeTaggableFlac(files, u"gd77-05-08 t%1 %2.flac"_s.arg(paths.size() + 1).arg(title)));
+        paths.append(writeTaggableFlac(files, u"al1977-05-07 t%1 %2.flac"_s.arg(paths.size() + 1).arg(title)));
         tagFiles::write(paths.last(), record, false);
     }
     tab.addMatchedFiles(paths);
