@@ -20,6 +20,8 @@ namespace nurv {
 namespace {
 
 constexpr uint64_t kMaxHeaderBytes = uint64_t{64} << 20;
+/// Twice as many bytes as any file system of today can hold.
+constexpr uint64_t kMostBytes = uint64_t{1} << 62;
 constexpr uint32_t kNoSize = std::numeric_limits<uint32_t>::max();
 constexpr size_t kChunkHeadBytes = 8;
 constexpr size_t kSubformatOffset = 24;
@@ -185,6 +187,9 @@ void WaveChunkReader::readSizes64(uint32_t chunkBytes)
     const auto number64 = [&](size_t at) {
         return littleEndian32(sizes->data() + at) | uint64_t{littleEndian32(sizes->data() + at + 4)} << 32;
     };
+    // Sums of what is larger would start again at nothing.
+    if (number64(0) > kMostBytes || number64(8) > kMostBytes)
+        fail("WAVE header has a ds64 chunk with a size that no file has");
     if (m_header.chunkBytes == kNoSize)
         m_header.chunkBytes = number64(0);
     m_dataBytes64 = number64(8);
