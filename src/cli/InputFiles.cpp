@@ -65,10 +65,12 @@ InputFiles collectInput(const QList<QByteArray> &arguments, const FileArrivals &
         if (isSkippedName(file.path))
             continue;
         const QString shown = result.names.nameOf(file.path);
-        if (isSkipped(file))
+        if (isSkipped(file)) {
             result.skipped.append(u"%1: skipped, not of a kind that this command takes"_s.arg(shown));
-        else
+            result.hasSkippedSounds = result.hasSkippedSounds || isSoundName(file.path);
+        } else {
             result.refusals.append(u"%1: %2"_s.arg(shown, reasonFor(file)));
+        }
     }
     for (const QString &name : std::as_const(result.intake.unreadableNames))
         result.refusals.append(u"%1: the name is not valid UTF-8"_s.arg(result.names.nameOf(name)));

@@ -17,6 +17,7 @@ struct InputFiles {
     SourceNames names;    ///< how the files are called
     QStringList refusals; ///< one line for each file that was asked for and cannot be worked on
     QStringList skipped;  ///< one line for each file in a folder that is of another kind
+    bool hasSkippedSounds = false; ///< one of those has the name of a sound
 };
 
 /// Looks at every argument: files as they are, folders searched as folders

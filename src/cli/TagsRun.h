@@ -36,6 +36,8 @@ public:
     void forFile(const QString &path, const std::function<QJsonObject()> &work);
     /// Whether one of the files that were asked for cannot be worked on.
     [[nodiscard]] bool hasRefusals() const { return !m_input.refusals.isEmpty(); }
+    /// Whether sounds of kinds without tags were passed over in a folder.
+    [[nodiscard]] bool hasSkippedSounds() const { return m_input.hasSkippedSounds; }
     /// The file, or what should be one, cannot be worked on.
     void fail(const QString &path, const QString &reason);
     void note(const QString &line);

@@ -25,9 +25,9 @@ namespace nurv::tagFiles {
 /// Nothing for a file that has no reader. Throws NurvFailure when it cannot be read. Blocks; any thread.
 [[nodiscard]] std::optional<TagsObject> read(const QString &path);
 
-/// Does nothing for a file that has no writer. Throws NurvFailure; files of all kinds but FLAC are then as they were.
-/// Returns why the picture is not in the file, as the end of a sentence, where that costs nothing else. Blocks; any
-/// thread, but not twice at a time for one file.
+/// Does nothing for a file that has no writer. Throws NurvFailure; the file is then as it was, or has all of the tags
+/// (AACTagsHelper::Unoptimized). Returns why the picture is not in the file, as the end of a sentence, where that costs
+/// nothing else. Blocks; any thread, but not twice at a time for one file.
 TagsObject::Text write(const QString &path, const TagsObject &tags, bool writeEmptyTags);
 
 /// Notes on the disk that these files will be written, for a process that is killed: what it was making beside them is

@@ -151,7 +151,9 @@ QStringList differences(const StoredTags &before, const StoredTags &after)
     const std::map<Key, Values> fresh = grouped(after);
     QStringList lines;
     const auto addLine = [&](const Key &key, const QString &caption, const QString &newText) {
-        lines.append(u"%1: %2 → %3"_s.arg(printableLine(caption), joinedTexts(old, key), newText));
+        const QString oldText = joinedTexts(old, key);
+        const QString more = oldText == newText ? u", which differ further on"_s : QString();
+        lines.append(u"%1: %2 → %3%4"_s.arg(printableLine(caption), oldText, newText, more));
     };
     for (const auto &[key, values] : fresh) {
         const auto former = old.find(key);

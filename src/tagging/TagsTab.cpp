@@ -16,7 +16,9 @@
 #include "tagging/FolderArt.h"
 #include "tagging/TagFields.h"
 #include "tagging/TagFiles.h"
+#include "tags/AACTagsHelper.h"
 #include "tags/PictureView.h"
+#include "tags/TagLibTagsHelper.h"
 #include "text/PrintableText.h"
 
 #include <QLocale>
@@ -247,12 +249,13 @@ void TagsTab::takeSelectedTags(const SelectedTags &selected)
         trackText.setText({});
         showDifferences(selected);
     }
-    m_hasUnread = !selected.problems.isEmpty();
-    if (m_hasUnread) {
+    const bool hasFaultyPicture = selected.record && selected.record->albumArtFault().has_value();
+    m_hasUnread = !selected.problems.isEmpty() || hasFaultyPicture;
+    if (!selected.problems.isEmpty()) {
         const QString more =
             selected.problems.size() > 1 ? u" (and %1 more)"_s.arg(selected.problems.size() - 1) : QString();
         note.setText(u"Tags that cannot be read: "_s + printableLine(selected.problems.first()) + more);
-    } else if (selected.record && selected.record->albumArtFault()) {
+    } else if (hasFaultyPicture) {
         albumArtImageView.setPlaceholder(u"Its picture cannot be shown: "_s
                                          + printableLine(*selected.record->albumArtFault()));
     }
@@ -373,14 +376,15 @@ void TagsTab::executeCommand()
     if (m_hasUnread && writeEmptyTags()) {
         nurvController().prompts().ask(
             {.title = u"Empty fields cannot be written."_s,
-             .message = u"The tags of at least one of the files could not be read: nobody knows what would be lost."_s,
+             .message =
+                 u"The tags or the picture of at least one of the files could not be read: nobody knows what would be lost."_s,
              .buttons = {u"OK"_s}});
         return;
     }
     if (!detectAlbumArt())
         return;
     const Plan plan = makePlan();
-    if (!mayWrite(plan) || !write(plan.writings))
+    if (!canWriteCustomTags(plan) || !mayWrite(plan) || !write(plan.writings))
         return;
     if (plan.lacksNames) {
         tellLackOfNames();
@@ -452,7 +456,7 @@ TagsTab::Plan TagsTab::makePlan()
         record.setCustomTagsDictionary(customTags);
         // The writer takes away what it is not given; nobody has seen these to want that.
         for (auto tag = m_hiddenCustomTags.cbegin(); writeEmptyTags() && tag != m_hiddenCustomTags.cend(); ++tag) {
-            if (!record.customTagsDictionary().contains(tag.key()))
+            if (!customTags.contains(tag.key()) && (tag.key() != u"DISCTOTAL" || discTotalText.text().isEmpty()))
                 record.customTagsDictionary().insert(tag.key(), tag.value());
         }
     }
@@ -471,6 +475,26 @@ TagsTab::Plan TagsTab::makePlan()
         plan.writings.append({.path = fileNames().at(row), .record = record});
     }
     return plan;
+}
+
+bool TagsTab::canWriteCustomTags(const Plan &plan)
+{
+    for (const TagWriting &writing : plan.writings) {
+        if (tagFiles::formatOf(writing.path) != TagFormat::Flac)
+            continue;
+        const NURVCustomTagsPanel::Tags &tags = writing.record.customTagsDictionary();
+        for (auto tag = tags.cbegin(); tag != tags.cend(); ++tag) {
+            // Neither row nor value: nothing is written.
+            if (tag.value().isEmpty() || TagLibTagsHelper::isFlacFieldName(tag.key()))
+                continue;
+            nurvController().prompts().ask(
+                {.title = u"No custom tag can be called “%1”."_s.arg(printableLine(tag.key())),
+                 .message = u"FLAC files take names of the letters, digits and signs of ASCII, but for “=”."_s,
+                 .buttons = {u"OK"_s}});
+            return false;
+        }
+    }
+    return true;
 }
 
 bool TagsTab::mayWrite(const Plan &plan)
@@ -503,12 +527,15 @@ bool TagsTab::write(const QList<TagWriting> &writings)
             if (const TagsObject::Text leftOut = tagFiles::write(writing.path, writing.record, writeEmptyTags()))
                 withoutPicture.append(u"%1: %2"_s.arg(printableLine(lastPathComponent(writing.path)), *leftOut));
         } catch (const NurvFailure &failure) {
+            const bool isWritten = dynamic_cast<const AACTagsHelper::Unoptimized *>(&failure) != nullptr;
             const QString before = written == 0 ? u"No other file was written."_s
                                                 : u"%1 before it were written, and stay so."_s.arg(counted(written));
             note.setText({});
             displayRelevantOptions();
             nurvController().prompts().ask(
-                {.title = u"The tags of %1 could not be written."_s.arg(quoted(writing.path)),
+                {.title = (isWritten ? u"The tags of %1 were written, but its parts are in their old order."_s
+                                     : u"The tags of %1 could not be written."_s)
+                              .arg(quoted(writing.path)),
                  .message = failure.reason() + u'\n' + before,
                  .buttons = {u"OK"_s}});
             return false;

@@ -125,6 +125,8 @@ private:
     [[nodiscard]] bool detectAlbumArt();
     [[nodiscard]] Plan makePlan();
     [[nodiscard]] TagsObject recordOfFields() const;
+    /// False when a name of a custom tag cannot be written, and the user was told.
+    [[nodiscard]] bool canWriteCustomTags(const Plan &plan);
     [[nodiscard]] bool mayWrite(const Plan &plan);
     /// False when it failed, and the user was told.
     [[nodiscard]] bool write(const QList<TagWriting> &writings);

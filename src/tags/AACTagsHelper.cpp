@@ -258,7 +258,7 @@ TagsObject::Text AACTagsHelper::writeTagsForFile(const QString &path, const Tags
     Shortfall shortfall = writeInAnyOrder(path, tagObject, writeEmptyTags, encoding);
     if (shortfall.order) {
         qCWarning(tagsLog, "Not optimized: %s: %s", qUtf8Printable(path), qUtf8Printable(*shortfall.order));
-        throw NurvFailure(u"unable to optimize @% file"_s);
+        throw Unoptimized(u"unable to optimize @% file"_s);
     }
     return std::move(shortfall.picture);
 }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/NurvFailure.h"
 #include "tags/TagsObject.h"
 
 #include <QString>
@@ -21,6 +22,12 @@ namespace nurv {
 /// one file. Paths are absolute.
 class AACTagsHelper {
 public:
+    /// The new tags are in the file, but it could not be optimised.
+    class Unoptimized final : public NurvFailure {
+    public:
+        using NurvFailure::NurvFailure;
+    };
+
     /// A new record. Track, disc and their totals are always set, to "0" where the file has
     /// none. Throws for what is no MPEG-4 file or cannot be read; of a picture that cannot, the record tells.
     [[nodiscard]] static TagsObject tagsForFile(const QString &path);
@@ -32,8 +39,8 @@ public:
     /// The boxes of the new file are in the order of Mp4Optimizer; it is written in one pass, and not at all
     /// when it would be the file as it stands. Files whose sound lies in other files, or whose movie names
     /// places by means that are not known, are refused. The file is as it was when the tags cannot be
-    /// written; it holds the new tags in the old order when it cannot be optimised. Returns why the picture
-    /// is not in it, as the end of a sentence, when it cannot be rendered; that costs nothing else.
+    /// written; it holds the new tags in the old order when it cannot be optimised (Unoptimized). Returns why the
+    /// picture is not in it, as the end of a sentence, when it cannot be rendered; that costs nothing else.
     static TagsObject::Text writeTagsForFile(const QString &path, const TagsObject &tagObject, bool writeEmptyTags,
                                              bool encoding);
 

@@ -187,7 +187,10 @@ std::optional<QString> Mp4Optimizer::commit(TagEditStream &stream)
     const QFileInfo file(QFile::decodeName(stream.name()));
     const QString temporaryPath = Util::generateTempFileName(file.absolutePath(), file.suffix());
     const NotedTemporary note(temporaryPath);
-    if (std::optional<QString> reason = stream.writeTo(temporaryPath)) {
+    std::optional<QString> reason = stream.writeTo(temporaryPath);
+    if (!reason)
+        reason = stream.foreignChange();
+    if (reason) {
         ::unlink(QFile::encodeName(temporaryPath).constData());
         return reason;
     }

@@ -4,6 +4,7 @@
 
 #include "base/SystemError.h"
 #include "files/FileFlush.h"
+#include "files/FileStatus.h"
 #include "journal/NotedTemporary.h"
 #include "tags/HandedFile.h"
 
@@ -17,13 +18,20 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
+using namespace Qt::StringLiterals;
+
 namespace nurv {
 
 namespace {
+
+/// Of the file systems of today. A block goes to the disk as a whole, and a write within one ends before a signal does.
+constexpr std::int64_t kBlockBytes = 4096;
 
 /// Returns 0 or the value of errno.
 int writeFully(int descriptor, const char *data, std::size_t size, std::int64_t offset)
@@ -90,32 +98,6 @@ int copyRange(int source, std::int64_t offset, std::int64_t length, int target, 
     return 0;
 }
 
-/// New bytes in the place of old ones; either may be the longer.
-struct Overwrite {
-    std::int64_t start = 0;
-    std::string_view newBytes;
-    std::string oldBytes;
-};
-
-/// Leaves out what is the same at both ends: bytes that are not written cannot be
-/// lost, and blocks that TagLib only repeats stay untouched.
-Overwrite differingPart(Overwrite whole)
-{
-    const auto same = std::mismatch(whole.newBytes.begin(), whole.newBytes.end(), whole.oldBytes.begin(),
-                                    whole.oldBytes.end());
-    const auto head = static_cast<std::size_t>(same.first - whole.newBytes.begin());
-    whole.start += static_cast<std::int64_t>(head);
-    whole.newBytes.remove_prefix(head);
-    whole.oldBytes.erase(0, head);
-    if (whole.newBytes.size() != whole.oldBytes.size())
-        return whole;
-    const auto sameEnd = std::mismatch(whole.newBytes.rbegin(), whole.newBytes.rend(), whole.oldBytes.rbegin());
-    const auto tail = static_cast<std::size_t>(sameEnd.first - whole.newBytes.rbegin());
-    whole.newBytes.remove_suffix(tail);
-    whole.oldBytes.resize(whole.oldBytes.size() - tail);
-    return whole;
-}
-
 /// Gives the replacement what the file carries besides its bytes. What may not be
 /// carried over (another user's ownership) is left.
 void copyAttributes(int source, int target)
@@ -158,6 +140,7 @@ TagEditStream::TagEditStream(const QString &path, Access access) : m_readOnly(ac
     if (!file.isOpen() || ::fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode))
         return;
     m_file = std::move(file);
+    m_opened = info;
     m_fileLength = info.st_size;
     m_length = m_fileLength;
     if (m_length > 0)
@@ -250,6 +233,16 @@ std::optional<QString> TagEditStream::readingFailure() const
     return m_readError != 0 ? std::optional(systemErrorText(m_readError)) : std::nullopt;
 }
 
+std::optional<QString> TagEditStream::foreignChange() const
+{
+    if (m_isHanded)
+        return std::nullopt;
+    const std::optional<struct stat> now = statusOf(QFile::decodeName(m_path));
+    if (now && isUntouched(m_opened, *now))
+        return std::nullopt;
+    return u"another program has changed or replaced the file meanwhile"_s;
+}
+
 void TagEditStream::writeBlock(const TagLib::ByteVector &data)
 {
     if (m_position > m_length) {
@@ -326,13 +319,50 @@ bool TagEditStream::keepsBytesInPlace() const
     return true;
 }
 
+std::optional<TagEditStream::Overwrite> TagEditStream::onlyOverwrite() const
+{
+    if (m_length != m_fileLength || !keepsBytesInPlace())
+        return std::nullopt;
+    std::optional<Overwrite> found;
+    std::int64_t pieceStart = 0;
+    for (const Piece &piece : m_pieces) {
+        const std::int64_t start = std::exchange(pieceStart, pieceStart + piece.length);
+        if (!piece.isNew)
+            continue;
+        std::string oldBytes(static_cast<std::size_t>(piece.length), '\0');
+        int error = 0;
+        if (readFully(m_file.get(), oldBytes.data(), oldBytes.size(), start, error) < oldBytes.size())
+            return std::nullopt;
+        const auto newBytes =
+            std::string_view(m_newBytes).substr(static_cast<std::size_t>(piece.offset), oldBytes.size());
+        const auto head = std::mismatch(newBytes.begin(), newBytes.end(), oldBytes.begin()).first - newBytes.begin();
+        if (static_cast<std::size_t>(head) == newBytes.size())
+            continue;
+        if (found)
+            return std::nullopt;
+        const auto tail =
+            std::mismatch(newBytes.rbegin(), newBytes.rend(), oldBytes.rbegin()).first - newBytes.rbegin();
+        const auto count = newBytes.size() - static_cast<std::size_t>(head + tail);
+        found = {.start = start + head,
+                 .newBytes = std::string(newBytes.substr(static_cast<std::size_t>(head), count)),
+                 .oldBytes = oldBytes.substr(static_cast<std::size_t>(head), count)};
+    }
+    return found.value_or(Overwrite());
+}
+
 std::optional<QString> TagEditStream::commit()
 {
     if (std::optional<QString> reason = readingFailure())
         return reason;
     if (!m_isEdited || leaveEdits())
         return std::nullopt;
-    return keepsBytesInPlace() ? commitInPlace() : commitByReplacement();
+    const std::optional<Overwrite> overwrite = onlyOverwrite();
+    if (!overwrite)
+        return commitByReplacement();
+    if (overwrite->newBytes.empty())
+        return std::nullopt;
+    const auto last = overwrite->start + static_cast<std::int64_t>(overwrite->newBytes.size()) - 1;
+    return overwrite->start / kBlockBytes == last / kBlockBytes ? commitInPlace(*overwrite) : commitByReplacement();
 }
 
 FileDescriptor TagEditStream::reopenedForReading() const
@@ -359,53 +389,17 @@ bool TagEditStream::leaveEdits()
     return true;
 }
 
-std::optional<QString> TagEditStream::commitInPlace()
+std::optional<QString> TagEditStream::commitInPlace(const Overwrite &overwrite)
 {
+    if (std::optional<QString> reason = foreignChange())
+        return reason;
     const int file = m_file.get();
-    const std::int64_t growth = m_length - m_fileLength;
-    if (growth > 0) {
-        const int error = ::posix_fallocate(file, m_fileLength, growth);
-        if (error != 0) {
-            [[maybe_unused]] const int cut = ::ftruncate(file, m_fileLength);
-            return systemErrorText(error);
-        }
-    }
-    int error = 0;
-    // What is about to go, so that it can come back.
-    const auto oldBytesOf = [&](std::int64_t start, std::int64_t end) {
-        const std::int64_t length = std::max<std::int64_t>(0, std::min(end, m_fileLength) - start);
-        std::string bytes(static_cast<std::size_t>(length), '\0');
-        if (readFully(file, bytes.data(), bytes.size(), start, error) < bytes.size() && error == 0)
-            error = EIO;
-        return bytes;
-    };
-    std::vector<Overwrite> overwrites;
-    std::int64_t pieceStart = 0;
-    for (const Piece &piece : m_pieces) {
-        if (piece.isNew)
-            overwrites.push_back(differingPart({.start = pieceStart,
-                                                .newBytes = std::string_view(m_newBytes).substr(
-                                                    static_cast<std::size_t>(piece.offset),
-                                                    static_cast<std::size_t>(piece.length)),
-                                                .oldBytes = oldBytesOf(pieceStart, pieceStart + piece.length)}));
-        pieceStart += piece.length;
-    }
-    if (growth < 0)
-        overwrites.push_back({.start = m_length, .newBytes = {}, .oldBytes = oldBytesOf(m_length, m_fileLength)});
-
-    for (const Overwrite &overwrite : overwrites) {
-        if (error == 0)
-            error = writeFully(file, overwrite.newBytes.data(), overwrite.newBytes.size(), overwrite.start);
-    }
-    if (error == 0 && growth < 0 && ::ftruncate(file, m_length) != 0)
-        error = errno;
+    int error = writeFully(file, overwrite.newBytes.data(), overwrite.newBytes.size(), overwrite.start);
     if (error == 0 && ::fdatasync(file) != 0)
         error = errno;
     if (error == 0)
         return std::nullopt;
-    for (const Overwrite &overwrite : overwrites)
-        static_cast<void>(writeFully(file, overwrite.oldBytes.data(), overwrite.oldBytes.size(), overwrite.start));
-    [[maybe_unused]] const int cut = ::ftruncate(file, m_fileLength);
+    static_cast<void>(writeFully(file, overwrite.oldBytes.data(), overwrite.oldBytes.size(), overwrite.start));
     return systemErrorText(error);
 }
 
@@ -416,28 +410,42 @@ std::optional<QString> TagEditStream::writeTo(const QString &path)
     FileDescriptor target(::open(QFile::encodeName(path).constData(), O_WRONLY | O_TRUNC | O_CLOEXEC | O_NOFOLLOW));
     if (!target.isOpen())
         return systemErrorText(errno);
-    const int error = writeOut(target);
+    int error = writePieces(target.get());
+    if (error == 0)
+        error = finish(target);
     return error == 0 ? std::nullopt : std::optional(systemErrorText(error));
 }
 
-int TagEditStream::writeOut(FileDescriptor &target) const
+std::optional<QString> TagEditStream::replaceBy(const QString &path)
 {
-    if (const int error = writePieces(target.get()); error != 0)
-        return error;
+    const QByteArray name = QFile::encodeName(path);
+    FileDescriptor replacement(::open(name.constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    const int error = replacement.isOpen() ? finish(replacement) : errno;
+    return error == 0 ? rename(name) : systemErrorText(error);
+}
+
+int TagEditStream::finish(FileDescriptor &target) const
+{
     copyAttributes(m_file.get(), target.get());
     return ::fsync(target.get()) == 0 && target.close() ? 0 : errno;
 }
 
 int TagEditStream::writePieces(int target) const
 {
+    // Where the file system lets two files share blocks, what does not move costs nothing.
+    const bool isShared = keepsBytesInPlace() && ::ioctl(target, FICLONE, m_file.get()) == 0;
+    if (isShared && ::ftruncate(target, m_length) != 0)
+        return errno;
     std::int64_t pieceStart = 0;
     for (const Piece &piece : m_pieces) {
+        const std::int64_t start = std::exchange(pieceStart, pieceStart + piece.length);
+        if (isShared && !piece.isNew)
+            continue;
         const int error = piece.isNew ? writeFully(target, m_newBytes.data() + piece.offset,
-                                                   static_cast<std::size_t>(piece.length), pieceStart)
-                                      : copyRange(m_file.get(), piece.offset, piece.length, target, pieceStart);
+                                                   static_cast<std::size_t>(piece.length), start)
+                                      : copyRange(m_file.get(), piece.offset, piece.length, target, start);
         if (error != 0)
             return error;
-        pieceStart += piece.length;
     }
     return 0;
 }
@@ -451,15 +459,23 @@ std::optional<QString> TagEditStream::commitByReplacement()
         return systemErrorText(errno);
     const NotedTemporary note(QFile::decodeName(replacementPath));
 
-    int error = writeOut(replacement);
-    if (error == 0 && std::rename(replacementPath.constData(), m_path.constData()) != 0)
-        error = errno;
-    if (error != 0) {
+    int error = writePieces(replacement.get());
+    if (error == 0)
+        error = finish(replacement);
+    std::optional<QString> reason = error == 0 ? rename(replacementPath) : systemErrorText(error);
+    if (reason)
         ::unlink(replacementPath.constData());
-        return systemErrorText(error);
-    }
+    return reason;
+}
+
+std::optional<QString> TagEditStream::rename(const QByteArray &replacementPath)
+{
+    if (std::optional<QString> reason = foreignChange())
+        return reason;
+    if (std::rename(replacementPath.constData(), m_path.constData()) != 0)
+        return systemErrorText(errno);
     // Without that an old but whole file may come back.
-    static_cast<void>(flushFolderToDisk(QFile::decodeName(folder)));
+    static_cast<void>(flushFolderToDisk(QFileInfo(QFile::decodeName(m_path)).path()));
     return std::nullopt;
 }
 

@@ -17,17 +17,19 @@
 #include <string>
 #include <vector>
 
+#include <sys/stat.h>
+
 namespace nurv {
 
 /// A file for TagLib to edit that stays untouched until `commit`.
 ///
 ///     TagLib ──> pieces: [of the file] [new bytes] [of the file] ... ──commit──> file
 ///
-/// A commit either overwrites the bytes that differ and appends in place, when no byte of the file
-/// that is kept has to move and the room for growth could be reserved; or it writes
-/// the new file beside the old one, flushes it and renames it over, with mode, owner
-/// and extended attributes kept. So a full disk, a failing disk or a crash costs
-/// no audio.
+/// A commit writes the new file beside the old one, flushes it and renames it over, with mode, owner
+/// and extended attributes kept. Only where no byte moves, and what differs lies within one block of
+/// the file system, that is overwritten in place. So a full disk, a failing disk, a crash or a kill
+/// leaves the old file or the new one. A file that somebody else has written to since it was opened
+/// stays as it is.
 ///
 /// Belongs to one thread at a time. Positions are bytes.
 class TagEditStream final : public TagLib::IOStream {
@@ -68,6 +70,9 @@ public:
     /// Why what was read of the file is not what it holds, as the end of a sentence: a refusal of
     /// the guard, or the disk failed. Nothing when all was read.
     [[nodiscard]] std::optional<QString> readingFailure() const;
+    /// The same of what somebody else has done to the file since it was opened: it is another one of that name, or
+    /// was written to. Nothing for a handed file.
+    [[nodiscard]] std::optional<QString> foreignChange() const;
 
     /// The same file, for reading only; not open when that cannot be had.
     [[nodiscard]] FileDescriptor reopenedForReading() const;
@@ -81,13 +86,17 @@ public:
 
     /// Makes the edits the file's contents. Returns nothing on success, else why not;
     /// then the file is as it was. Refuses when any read before has failed, since the
-    /// edits may rest on it. Blocks until the data has reached the disk.
+    /// edits may rest on it, and after a foreign change. Blocks until the data has reached the disk.
     [[nodiscard]] std::optional<QString> commit();
     /// Writes the edited contents into another file, which must exist, with mode, owner and
     /// extended attributes of this one; this file stays as it is. For no handed file. Returns and refuses like
     /// `commit`; after a failure the other file holds anything. Blocks until the data has
     /// reached the disk.
     [[nodiscard]] std::optional<QString> writeTo(const QString &path);
+    /// Puts another file of the same folder in the place of this one, with mode, owner and extended attributes of
+    /// this one. Returns nothing on success, else why not; then both are where they were. Refuses after a foreign
+    /// change. For no handed file. Blocks until the data has reached the disk.
+    [[nodiscard]] std::optional<QString> replaceBy(const QString &path);
 
     [[nodiscard]] TagLib::FileName name() const override;
     TagLib::ByteVector readBlock(Size length) override;
@@ -102,22 +111,34 @@ public:
     void truncate(Offset length) override;
 
 private:
+    /// New bytes in the place of as many old ones.
+    struct Overwrite {
+        std::int64_t start = 0;
+        std::string newBytes;
+        std::string oldBytes;
+    };
+
     /// Leaves the edits of a handed file with it; false for any other file.
     [[nodiscard]] bool leaveEdits();
     void replaceRange(std::int64_t start, std::int64_t length, const char *data, std::size_t size);
     std::size_t splitAt(std::int64_t position);
     [[nodiscard]] bool keepsBytesInPlace() const;
-    [[nodiscard]] std::optional<QString> commitInPlace();
+    /// All that differs, when that is all the edits come to: no byte moves, and the file is as long as before. Bytes
+    /// that are only repeated are left out. Nothing otherwise, or when the old bytes cannot be read.
+    [[nodiscard]] std::optional<Overwrite> onlyOverwrite() const;
+    [[nodiscard]] std::optional<QString> commitInPlace(const Overwrite &overwrite);
     [[nodiscard]] std::optional<QString> commitByReplacement();
     /// Returns 0 or the value of errno.
     [[nodiscard]] int writePieces(int target) const;
-    /// The same with the attributes of the file, through to the disk, and closes it.
-    [[nodiscard]] int writeOut(FileDescriptor &target) const;
+    /// Gives it the attributes of the file, brings it to the disk and closes it; returns the same.
+    [[nodiscard]] int finish(FileDescriptor &target) const;
+    [[nodiscard]] std::optional<QString> rename(const QByteArray &replacementPath);
 
     QByteArray m_path; ///< free of links, as the system's bytes
     bool m_readOnly;
     bool m_isHanded = false;
     FileDescriptor m_file;
+    struct stat m_opened = {}; ///< when it was
     std::int64_t m_fileLength = 0;
     std::vector<Piece> m_pieces;
     std::string m_newBytes;

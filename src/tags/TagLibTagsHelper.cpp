@@ -312,6 +312,13 @@ void TagLibTagsHelper::setBlankTags(TagsObject &tagObject)
     tagObject.setAlbumArt(nullptr);
 }
 
+bool TagLibTagsHelper::isFlacFieldName(const QString &name)
+{
+    return !name.isEmpty() && std::all_of(name.begin(), name.end(), [](QChar letter) {
+        return letter >= u' ' && letter <= u'}' && letter != u'=';
+    });
+}
+
 TagLib::String TagLibTagsHelper::tagLibString(const QString &text)
 {
     return {text.toStdString(), TagLib::String::UTF8};

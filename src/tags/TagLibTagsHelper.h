@@ -57,6 +57,8 @@ public:
     /// Empties title, artist, date, album, disc, track, comment, genre, composer and
     /// the two totals, and clears the picture; leaves the other fields.
     static void setBlankTags(TagsObject &tagObject);
+    /// Whether a field of a FLAC file can be called so: characters of ASCII from " " to "}", but for "=".
+    [[nodiscard]] static bool isFlacFieldName(const QString &name);
     /// The text as TagLib's, by way of UTF-8.
     [[nodiscard]] static TagLib::String tagLibString(const QString &text);
 };

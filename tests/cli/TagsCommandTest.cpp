@@ -192,6 +192,26 @@ TEST_F(TagsCommand, ImportsACueSheet)
     EXPECT_FALSE(metaflacTags(folder.path(u"3.flac"_s)).contains(u"ALBUM=Al"_s));
 }
 
+TEST_F(TagsCommand, ACueSheetIsNotWrittenIntoAFolderWithASoundThatTakesNoTags)
+{
+    const QString one = flac(u"album/1.flac"_s);
+    const QString three = flac(u"album/3.flac"_s);
+    const QString cue = folder.write(u"album/a.cue"_s, "TRACK 01 AUDIO\nTITLE \"One\"\nTRACK 02 AUDIO\nTITLE \"Two\"\n"
+                                                       "TRACK 03 AUDIO\nTITLE \"Three\"\n");
+    folder.write(u"album/cover.jpg"_s, "a picture");
+    folder.write(u"album/2.wav"_s, "a sound");
+    const QStringList command{u"tags"_s, u"import-cue"_s, cue, folder.path(u"album"_s)};
+    const ProgramResult refused = runNurv(command);
+    EXPECT_EQ(refused.exitStatus, 1);
+    EXPECT_TRUE(refused.errors.contains("a sound that takes no tags has a place in the order"))
+        << refused.errors.constData();
+    EXPECT_FALSE(metaflacTags(three).contains(u"TITLE=Two"_s));
+    // Of pictures and texts nobody thinks that they count.
+    ASSERT_TRUE(QFile::remove(folder.path(u"album/2.wav"_s)));
+    EXPECT_EQ(runNurv(command).exitStatus, 0);
+    EXPECT_TRUE(metaflacTags(three).contains(u"TITLE=Two"_s));
+}
+
 TEST_F(TagsCommand, TellsOfAFileThatFailsAndWritesTheOthers)
 {
     const QString bad = folder.write(u"a.flac"_s, "no sound");

@@ -4,11 +4,13 @@
 
 #include "app/Panel.h"
 #include "base/NotificationCenter.h"
+#include "base/NurvFailure.h"
 #include "support/ProgramFolder.h"
 #include "tags/TagTrial.h"
 
 #include <QFile>
 #include <QFileInfo>
+#include <QStandardPaths>
 
 namespace nurv::test {
 namespace {
@@ -85,6 +87,86 @@ TEST_F(TagsTabWritingTest, LeavesADateAsItIsThatNobodyChanged)
     EXPECT_FALSE(folder.read(u"log"_s).contains("--remove-tag"));
     EXPECT_TRUE(metaflacTags(path).contains(u"DATE=1977-05-08"_s));
     EXPECT_TRUE(metaflacTags(path).contains(u"ALBUM=Album"_s));
+}
+
+TEST_F(TagsTabWritingTest, ADateThatCannotBeSetTakesNothingAway)
+{
+    const QString path = flac(u"a.flac"_s, {u"DATE=1977-05-08"_s, u"ALBUM=Old"_s});
+    const QByteArray before = folder.read(u"a.flac"_s);
+    const QString metaflac = QStandardPaths::findExecutable(u"metaflac"_s);
+    const ProgramFolder tools;
+    tools.addAllReal();
+    tools.remove(u"metaflac"_s);
+    QFile script(tools.path(u"metaflac"_s));
+    ASSERT_TRUE(script.open(QIODevice::WriteOnly | QIODevice::NewOnly));
+    script.write("#!/bin/sh\ncase \"$1\" in --set-tag=*) exit 1 ;; esac\nexec '" + metaflac.toUtf8() + "' \"$@\"\n");
+    script.close();
+    ASSERT_TRUE(script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    TagsObject record;
+    record.setAlbumText(u"New"_s);
+    record.setDateText(u"1978"_s);
+    for (const bool writesEmpty : {false, true}) {
+        EXPECT_THROW(tagFiles::write(path, record, writesEmpty), NurvFailure);
+        EXPECT_TRUE(folder.read(u"a.flac"_s) == before);
+        EXPECT_EQ(folder.list(), QStringList{u"a.flac"_s});
+    }
+}
+
+TEST_F(TagsTabWritingTest, ADiscTotalWinsOverOneThatThePanelHasNoRowFor)
+{
+    QStringList fields{u"DISCTOTAL=2"_s};
+    for (int i = 1; i <= 8; ++i)
+        fields.append(u"A%1=V"_s.arg(i));
+    const QString path = flac(u"a.flac"_s, fields);
+    add({path});
+    tab.discTotalText.setText(u"3"_s);
+    tab.setWriteEmptyTags(true);
+    tab.executeCommand();
+    EXPECT_TRUE(metaflacTags(path).contains(u"DISCTOTAL=3"_s));
+    EXPECT_FALSE(metaflacTags(path).contains(u"DISCTOTAL=2"_s));
+    EXPECT_TRUE(metaflacTags(path).contains(u"A8=V"_s));
+}
+
+TEST_F(TagsTabWritingTest, ACustomNameThatNoFlacFileTakesIsTold)
+{
+    const QString path = flac(u"a.flac"_s);
+    const QByteArray before = folder.read(u"a.flac"_s);
+    for (const QString &name : {u"Gênero"_s, u"A=B"_s}) {
+        add({path});
+        tab.customTagsPanel().fillTags({{name, u"value"_s}});
+        prompts.expectAsk(
+            {.title = u"No custom tag can be called “%1”."_s.arg(name),
+             .message = u"FLAC files take names of the letters, digits and signs of ASCII, but for “=”."_s,
+             .buttons = {u"OK"_s}},
+            u"OK"_s);
+        tab.executeCommand();
+        EXPECT_TRUE(folder.read(u"a.flac"_s) == before);
+        tab.clearFiles();
+    }
+    // Other kinds have no use for it.
+    const QString mp3 = writeMp3(folder, u"b.mp3"_s);
+    add({mp3});
+    tab.customTagsPanel().fillTags({{u"Gênero"_s, u"value"_s}});
+    tab.albumText.setText(u"Album"_s);
+    tab.executeCommand();
+    EXPECT_EQ(ffprobeTags(mp3).value(u"album"_s), u"Album");
+}
+
+TEST_F(TagsTabWritingTest, AnM4aFileThatCannotBePutInOrderIsToldToBeWritten)
+{
+    const QString path = m4a(u"a.m4a"_s);
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::Append));
+    file.write(QByteArray("\0\0\0\x0cmdatmor", 11));
+    file.close();
+    add({path});
+    tab.albumText.setText(u"Album"_s);
+    prompts.expectAsk({.title = u"The tags of “a.m4a” were written, but its parts are in their old order."_s,
+                       .message = u"unable to optimize @% file\nNo other file was written."_s,
+                       .buttons = {u"OK"_s}},
+                      u"OK"_s);
+    tab.executeCommand();
+    EXPECT_EQ(ffprobeTags(path).value(u"album"_s), u"Album");
 }
 
 TEST_F(TagsTabWritingTest, WritesAMonkeysAudioFile)

@@ -10,9 +10,14 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cerrno>
+#include <cstdio>
+#include <functional>
 #include <random>
+#include <vector>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 
@@ -155,26 +160,121 @@ TEST(TagEditStream, FillsAGapBehindTheEndWithZeroes)
     EXPECT_EQ(folder.read(u"a"_s), QByteArray("ab\0\0c", 5));
 }
 
-TEST(TagEditStream, EditsInPlaceWhenNoKeptByteMoves)
+TEST(TagEditStream, EditsInPlaceWhatDiffersWithinOneBlock)
 {
     const TestFolder folder;
-    const QString path = folder.write(u"a"_s, "0123456789");
+    const QString path = folder.write(u"a"_s, QByteArray(3 * 4096, 'o'));
     const ino_t inode = inodeOf(path);
-    {
+    const auto commitWith = [&path](const auto &edit) {
         TagEditStream stream(path, Access::Edit);
-        stream.seek(3);
-        stream.writeBlock(bytes("xy"));
-        stream.insert(bytes("tail"), 10, 0);
+        edit(stream);
         EXPECT_EQ(stream.commit(), std::nullopt);
-    }
-    EXPECT_EQ(folder.read(u"a"_s), QByteArray("012xy56789tail"));
-    {
-        TagEditStream stream(path, Access::Edit);
-        stream.truncate(5);
-        EXPECT_EQ(stream.commit(), std::nullopt);
-    }
-    EXPECT_EQ(folder.read(u"a"_s), QByteArray("012xy"));
+    };
+    commitWith([](TagEditStream &stream) {
+        stream.seek(4096);
+        stream.writeBlock(bytes("first"));
+    });
+    commitWith([](TagEditStream &stream) {
+        stream.seek(2 * 4096 - 4);
+        stream.writeBlock(bytes("last"));
+    });
     EXPECT_EQ(inodeOf(path), inode);
+    EXPECT_EQ(folder.read(u"a"_s),
+              QByteArray(4096, 'o') + "first" + QByteArray(4096 - 9, 'o') + "last" + QByteArray(4096, 'o'));
+}
+
+// Who is killed, or loses power, between two blocks or two calls would leave half of the edit.
+TEST(TagEditStream, ReplacesTheFileForAnEditThatCouldBeLeftHalfDone)
+{
+    const TestFolder folder;
+    const QByteArray before(3 * 4096, 'o');
+    const QString path = folder.path(u"a"_s);
+    const auto isReplacedBy = [&](const auto &edit) {
+        folder.write(u"a"_s, before);
+        const ino_t inode = inodeOf(path);
+        TagEditStream stream(path, Access::Edit);
+        edit(stream);
+        EXPECT_EQ(stream.commit(), std::nullopt);
+        EXPECT_EQ(folder.list(), QStringList{u"a"_s});
+        return inodeOf(path) != inode;
+    };
+    EXPECT_TRUE(isReplacedBy([](TagEditStream &stream) {
+        stream.seek(4096 - 2);
+        stream.writeBlock(bytes("four"));
+    })) << "of two blocks";
+    EXPECT_EQ(folder.read(u"a"_s).mid(4093, 6), "ofouro");
+    EXPECT_TRUE(isReplacedBy([](TagEditStream &stream) {
+        stream.writeBlock(bytes("a"));
+        stream.seek(10);
+        stream.writeBlock(bytes("b"));
+    })) << "in two places";
+    EXPECT_EQ(folder.read(u"a"_s).left(11), "aooooooooob");
+    EXPECT_TRUE(isReplacedBy([](TagEditStream &stream) { stream.insert(bytes("tail"), 3 * 4096, 0); })) << "longer";
+    EXPECT_EQ(folder.read(u"a"_s), before + "tail");
+    EXPECT_TRUE(isReplacedBy([](TagEditStream &stream) { stream.truncate(5); })) << "shorter";
+    EXPECT_EQ(folder.read(u"a"_s), "ooooo");
+}
+
+TEST(TagEditStream, LeavesAFileThatSomebodyElseHasWrittenTo)
+{
+    const TestFolder folder;
+    const QString foreign = u"another program has changed or replaced the file meanwhile"_s;
+    const QString path = folder.path(u"a"_s);
+    const QByteArray other = "9876543210";
+    const std::vector<std::function<void(TagEditStream &)>> edits{
+        [](TagEditStream &stream) { stream.writeBlock(bytes("in place")); },
+        [](TagEditStream &stream) { stream.insert(bytes("head"), 0, 0); }};
+    for (const auto &edit : edits) {
+        folder.write(u"a"_s, "0123456789");
+        {
+            // Of the same length, into the same file.
+            TagEditStream stream(path, Access::Edit);
+            edit(stream);
+            folder.write(u"a"_s, other);
+            // However coarse the clock of the file system is.
+            const std::array<timespec, 2> longAgo{};
+            ASSERT_EQ(::utimensat(AT_FDCWD, QFile::encodeName(path).constData(), longAgo.data(), 0), 0);
+            EXPECT_EQ(stream.commit(), foreign);
+            EXPECT_EQ(folder.read(u"a"_s), other);
+        }
+        {
+            // Another file of that name.
+            TagEditStream stream(path, Access::Edit);
+            edit(stream);
+            folder.write(u"b"_s, "saved");
+            ASSERT_EQ(std::rename(folder.path(u"b"_s).toUtf8().constData(), path.toUtf8().constData()), 0);
+            EXPECT_EQ(stream.commit(), foreign);
+            EXPECT_EQ(folder.read(u"a"_s), "saved");
+        }
+        {
+            TagEditStream stream(path, Access::Edit);
+            edit(stream);
+            ASSERT_TRUE(QFile::remove(path));
+            EXPECT_EQ(stream.commit(), foreign);
+        }
+        EXPECT_EQ(folder.list(), QStringList());
+    }
+}
+
+TEST(TagEditStream, GivesItsPlaceToAFileOfTheSameFolder)
+{
+    const TestFolder folder;
+    const QString path = folder.write(u"a"_s, "old");
+    ASSERT_EQ(::chmod(QFile::encodeName(path).constData(), 0640), 0);
+    TagEditStream stream(path, Access::Edit);
+    EXPECT_EQ(stream.replaceBy(folder.path(u"none"_s)), u"No such file or directory"_s);
+    const QString next = folder.write(u"next"_s, "new");
+    EXPECT_EQ(stream.replaceBy(folder.makeLink(u"link"_s, next)), u"Too many levels of symbolic links"_s);
+    EXPECT_EQ(folder.read(u"a"_s), "old");
+    EXPECT_EQ(stream.replaceBy(next), std::nullopt);
+    EXPECT_EQ(folder.read(u"a"_s), "new");
+    EXPECT_FALSE(QFileInfo::exists(next));
+    struct stat info = {};
+    ASSERT_EQ(::stat(QFile::encodeName(path).constData(), &info), 0);
+    EXPECT_EQ(info.st_mode & 07777U, 0640U);
+    // It is not the file any more that was opened.
+    EXPECT_NE(stream.replaceBy(folder.write(u"next"_s, "third")), std::nullopt);
+    EXPECT_EQ(folder.read(u"a"_s), "new");
 }
 
 TEST(TagEditStream, WritesInPlaceOnlyWhatDiffers)
@@ -373,41 +473,20 @@ TEST(TagEditStream, LeavesTheFileWhenItsReplacementMayNotBeOnTheDisk)
     }
 }
 
-TEST(TagEditStream, TakesWritesInPlaceBackWhenTheDiskTellsOfAnError)
+TEST(TagEditStream, TakesAWriteInPlaceBackWhenTheDiskTellsOfAnError)
 {
     const TestFolder folder;
     const QByteArray before(10'000, 'o');
     const QString path = folder.write(u"a"_s, before);
-    const auto edit = [](TagEditStream &stream) {
+    for (const QString &call : {u"pwrite "_s, u"fdatasync "_s}) {
+        TagEditStream stream(path, Access::Edit);
         stream.seek(10);
         stream.writeBlock(bytes("first"));
-        stream.insert(bytes(QByteArray(5000, 'n')), 10'000, 0);
-    };
-    {
-        // The write of what makes it longer.
-        TagEditStream stream(path, Access::Edit);
-        edit(stream);
         SystemCallRecorder calls;
-        calls.before(u"pwrite "_s + path, [&] { calls.fail(u"pwrite "_s + path, EIO, 1); });
-        EXPECT_EQ(stream.commit(), u"Input/output error"_s);
+        calls.fail(call + path, EIO, 1);
+        EXPECT_EQ(stream.commit(), u"Input/output error"_s) << qPrintable(call);
         EXPECT_TRUE(folder.read(u"a"_s) == before);
     }
-    {
-        TagEditStream stream(path, Access::Edit);
-        edit(stream);
-        SystemCallRecorder calls;
-        calls.fail(u"fdatasync "_s + path, EIO);
-        EXPECT_EQ(stream.commit(), u"Input/output error"_s);
-        EXPECT_TRUE(folder.read(u"a"_s) == before);
-    }
-    // A reservation of room that came halfway.
-    TagEditStream stream(path, Access::Edit);
-    edit(stream);
-    SystemCallRecorder calls;
-    calls.before(u"posix_fallocate "_s + path, [&] { ASSERT_TRUE(QFile::resize(path, 12'000)); });
-    calls.fail(u"posix_fallocate "_s + path, ENOSPC);
-    EXPECT_EQ(stream.commit(), u"No space left on device"_s);
-    EXPECT_TRUE(folder.read(u"a"_s) == before);
 }
 
 TEST(TagEditStream, ReplacesNoFileThatSomebodyCutsMeanwhile)

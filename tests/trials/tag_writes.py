@@ -71,10 +71,16 @@ def tags_of(path):
     tags = {}
     for part in [*held.get("streams", []), held.get("format", {})]:
         tags.update({name.lower(): value for name, value in part.get("tags", {}).items()})
+    if "year" in tags:
+        tags.setdefault("date", tags["year"])
     return tags
 
 
 def source_of(workshop, chance, kind):
+    if kind == "flac" and chance.random() < 0.5:
+        wav = workshop.maker.random(chance, ("wav",), (16,), adorned=0, most_channels=2).data
+        return subprocess.run(["flac", "--silent", "--stdout", "--tag=DATE=1969", "-"], input=wav, capture_output=True,
+                              check=True).stdout
     if kind != "mp3":
         return workshop.maker.random(chance, (kind,), (16,), adorned=0.6, most_channels=2).data
     wav = workshop.maker.random(chance, ("wav",), (16,), adorned=0, most_channels=2).data
@@ -103,7 +109,8 @@ def random_batch(workshop, chance, root):
         picture.write_bytes(png_picture(os.urandom(4).hex().encode()))
         batch.options.append(f"--picture={picture}")
     if chance.random() < 0.3:
-        batch.options.append("--date=1977-05-08")
+        new["date"] = "1977"
+        batch.options.append("--date=1977")
     return batch, new
 
 
@@ -119,7 +126,7 @@ def random_interference(workshop, chance, batch):
     return Interference()
 
 
-def faults_of(batch, before, sounds, new, run):
+def faults_of(batch, before, sounds, dates, new, run):
     told = {job["path"]: job for job in run.jobs if job.get("type") in ("written", "problem")}
     after = batch.look()
     for path in sorted(set(after) - set(before)):
@@ -133,7 +140,8 @@ def faults_of(batch, before, sounds, new, run):
         if not is_old and sound_of(path) != sounds[path]:
             yield f"DAMAGED: {path.name} has another sound"
         tags = tags_of(path)
-        has_new = all(tags.get(name) == value for name, value in new.items())
+        wanted = {"date": dates[path], **new}
+        has_new = all(tags.get(name) == value for name, value in wanted.items())
         if not is_old and not has_new:
             yield f"HALF WRITTEN: {path.name} has {str(tags)[:300]}"
         if (job.get("type") == "written" or run.status == 0) and not has_new:
@@ -152,10 +160,11 @@ def trial(workshop, chance, root):
     disk = SmallDisk(batch, interference.limit_bytes) if interference.kind == "small disk" else None
     before = batch.look()
     sounds = {path: sound_of(path) for path in batch.files}
+    dates = {path: tags_of(path).get("date") for path in batch.files}
     run = workshop.runner.run(batch, interference)
     recovery = workshop.runner.recover(batch)
     faults = list(run.faults) + workshop.runner.wait_for_children(run.mark, GRACE_SECONDS)
-    faults += list(faults_of(batch, before, sounds, new, run))
+    faults += list(faults_of(batch, before, sounds, dates, new, run))
     if recovery.status != 0:
         faults.append(f"UNTRUE: recovery ended with {recovery.status}: {recovery.errors.decode('utf-8', 'replace')[-300:]}")
     if disk:

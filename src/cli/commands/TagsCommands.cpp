@@ -16,6 +16,7 @@
 #include "tagging/TagPreview.h"
 #include "tags/PictureView.h"
 #include "tags/StoredTags.h"
+#include "tags/TagLibTagsHelper.h"
 #include "text/PrintableText.h"
 
 #include <QFileInfo>
@@ -310,7 +311,7 @@ private:
             const QString name = custom.left(std::max<qsizetype>(equals, 0)).trimmed();
             if (name.isEmpty() || equals + 1 == custom.size())
                 throw UsageError(u"--custom takes NAME=VALUE, not \"%1\""_s.arg(custom));
-            if (std::any_of(name.begin(), name.end(), [](QChar letter) { return letter < u' ' || letter > u'}'; }))
+            if (!TagLibTagsHelper::isFlacFieldName(name))
                 throw UsageError(u"--custom: the name \"%1\" has other characters than those of ASCII"_s.arg(name));
             checkCustomName(record, name);
             record.customTagsDictionary().insert(name, custom.sliced(equals + 1));
@@ -367,9 +368,13 @@ private:
     static ExitStatus write(TagsRun &run, const CueSheetTagImporter::Names &names, const QString &cue, bool isTrial)
     {
         const qsizetype titles = names.titles.size();
+        // The titles behind what is missing would go to its neighbours.
         if (run.hasRefusals() && titles > 0) {
-            // The titles behind it would go to their neighbours.
             run.note(u"nothing is written, since a file is missing from the order"_s);
+            return run.finish(u"written"_s);
+        }
+        if (run.hasSkippedSounds() && titles > 0) {
+            run.fail(cue, u"nothing is written: a sound that takes no tags has a place in the order; name the files"_s);
             return run.finish(u"written"_s);
         }
         if (titles == 0 && !names.album.albumText() && !names.album.artistText()) {

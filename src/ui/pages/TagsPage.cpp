@@ -53,6 +53,12 @@ bool TagsPage::canExecute() const
     return !m_tagsTab.selectedRows().isEmpty() && !m_tagsTab.isReading();
 }
 
+void TagsPage::disableWhileReading(QWidget *widget)
+{
+    connect(&m_tagsTab, &TagsTab::readingChanged, widget,
+            [this, widget] { widget->setEnabled(!m_tagsTab.isReading()); });
+}
+
 QLineEdit *TagsPage::addField(QGridLayout *grid, int row, int column, int span, const QString &caption,
                               TextControl &control, const QString &objectName, const QString &accessibleName)
 {
@@ -102,6 +108,7 @@ void TagsPage::addFields()
     group->addWidget(previous, 0, Qt::AlignLeft);
     follow(previous, m_tagsTab.usePreviousTagsButton);
     connect(previous, &QPushButton::clicked, &m_tagsTab, &TagsTab::usePreviousTags);
+    disableWhileReading(previous);
 }
 
 void TagsPage::addNames()
@@ -123,6 +130,7 @@ void TagsPage::addNames()
     group->addLayout(buttons);
     connect(names, &QPushButton::clicked, &m_tagsTab, &TagsTab::showNamesWindow);
     connect(custom, &QPushButton::clicked, &m_tagsTab, &TagsTab::openCustomTagsPanel);
+    disableWhileReading(custom);
     auto *const note = new QLabel(parent);
     note->setObjectName(u"customTagsNote"_s);
     note->setWordWrap(true);
@@ -135,8 +143,11 @@ void TagsPage::addWriting()
 {
     QVBoxLayout *const group = addOptionGroup(tr("Writing"), u"writingGroup"_s);
     QWidget *const parent = lastOptionGroup();
-    addCheckBox(group, m_tagsTab.writeEmptyTagsButton, tr("Write empt&y fields"), u"writeEmptyTagsButton"_s,
-                tr("An empty field removes what the files have; otherwise it changes nothing"), parent);
+    addCheckBox(
+        group, m_tagsTab.writeEmptyTagsButton, tr("Write empt&y fields"), u"writeEmptyTagsButton"_s,
+        tr("Removes what stands in no field: what is empty here, and what the page does not show; otherwise an empty "
+           "field changes nothing"),
+        parent);
     addCheckBox(group, m_tagsTab.previewButton, tr("Pre&view before writing"), u"previewButton"_s,
                 tr("The old and new values of every tag that changes, file by file"), parent);
 }

@@ -34,6 +34,7 @@ private:
     void addFields();
     void addNames();
     void addWriting();
+    void disableWhileReading(QWidget *widget);
     QLineEdit *addField(QGridLayout *grid, int row, int column, int span, const QString &caption, TextControl &control,
                         const QString &objectName, const QString &accessibleName);
 
