@@ -4,6 +4,7 @@
 
 #include "files/UnnamedFile.h"
 #include "support/EndingSignals.h"
+#include "support/SignalPause.h"
 #include "support/SystemCalls.h"
 
 #include <array>
@@ -35,25 +36,6 @@ void removeAndDie(int signal)
     // The action is the default one again, and the exit status shall tell the signal.
     ::raise(signal);
 }
-
-/// Holds the ending signals back while a file exists that `g_paths` does not know.
-class SignalPause {
-public:
-    SignalPause()
-    {
-        sigset_t ending;
-        sigemptyset(&ending);
-        for (const int signal : kEndingSignals)
-            sigaddset(&ending, signal);
-        ::pthread_sigmask(SIG_BLOCK, &ending, &m_former);
-    }
-    ~SignalPause() { ::pthread_sigmask(SIG_SETMASK, &m_former, nullptr); }
-    SignalPause(const SignalPause &) = delete;
-    SignalPause &operator=(const SignalPause &) = delete;
-
-private:
-    sigset_t m_former;
-};
 
 std::string randomName()
 {
@@ -103,6 +85,20 @@ void TemporaryFile::moveToDestination()
     if (!m_descriptor.close() || std::rename(m_path.c_str(), m_destination.c_str()) != 0)
         failWrite(m_destination, errno);
     forget();
+}
+
+void TemporaryFile::moveTo(const std::string &destination)
+{
+    // What has a hidden name keeps it in the memory of the signals until it has the other one.
+    m_destination = destination;
+    m_replaces = false;
+    moveToDestination();
+}
+
+void TemporaryFile::flush()
+{
+    if (::fsync(m_descriptor.get()) != 0)
+        failWrite(m_destination, errno);
 }
 
 std::string TemporaryFile::folder() const

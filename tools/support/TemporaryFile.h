@@ -36,6 +36,12 @@ public:
     /// Throws ToolError(Write), also when a file without a name finds its place taken.
     void moveToDestination();
 
+    /// The same with another name of that file system, which nothing has.
+    void moveTo(const std::string &destination);
+
+    /// Waits until it is on the disk. Throws ToolError(Write).
+    void flush();
+
 private:
     void takeName(const std::function<void()> &make);
     void nameUnnamed();
