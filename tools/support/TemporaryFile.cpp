@@ -139,7 +139,7 @@ void TemporaryFile::openNamed()
     do {
         m_path = folder() + randomName();
         // Not mkstemp, whose mode shuts everybody else out.
-        m_descriptor = FileDescriptor(::open(m_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+        m_descriptor = FileDescriptor(::open(m_path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
     } while (!m_descriptor.isOpen() && (errno == EEXIST || errno == EINTR));
     if (m_descriptor.isOpen())
         return;

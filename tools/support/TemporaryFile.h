@@ -19,7 +19,7 @@ namespace nurv {
 /// called. At most 512 of those live at a time.
 class TemporaryFile {
 public:
-    /// Open for writing, with the mode of the file that it shall replace, or else that of
+    /// Open for writing and reading, with the mode of the file that it shall replace, or else that of
     /// any new file. Throws ToolError(Write).
     explicit TemporaryFile(const std::string &destination);
     ~TemporaryFile();
