@@ -113,7 +113,8 @@ public:
         if (::getppid() != m_parent)
             ::_exit(kNotStarted);
         // No settings of a stranger's folder, and numbers with a point.
-        ::setenv("MKISOFSRC", "/dev/null", 1);
+        for (const char *settings : {"GENISOIMAGERC", "MKISOFSRC"})
+            ::setenv(settings, "/dev/null", 1);
         ::setenv("LC_ALL", "C", 1);
         if (::chdir(m_folder.c_str()) != 0)
             tellAndEnd(m_folder.c_str());

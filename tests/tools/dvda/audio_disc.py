@@ -15,6 +15,10 @@ BITS = {0: 16, 1: 20, 2: 24}
 # By channel assignment: the channels of group 1, then those of group 2, as places in the order L R C LFE Ls Rs.
 GROUPS = {0: ((0,), ()), 1: ((0, 1), ()), 20: ((0, 1, 4, 5), (2, 3))}
 
+# Bytes of audio and of the private header in a full pack: the first of a title, and any other.
+FULL_PACKS = {(16, 1): ((1984, 11), (2000, 16)), (16, 2): ((1984, 11), (2000, 16)), (16, 6): ((1968, 10), (1992, 10)),
+              (24, 1): ((1980, 15), (2004, 12)), (24, 2): ((1980, 15), (2004, 12)), (24, 6): ((1980, 15), (1980, 16))}
+
 
 class Fault(Exception):
     """The disc contradicts itself or the format."""
@@ -151,6 +155,17 @@ def check_times(packs, rate, frame_bytes):
         played.append(position)
 
 
+def check_division(pack, is_first, is_last, bits, channels):
+    """All packs of a track but the last are full; in a short one the private header takes what is no padding."""
+    audio, header = FULL_PACKS[bits, channels][0 if is_first else 1]
+    rest = (1995 if is_first else 2016) - 10 - len(pack.audio)
+    if len(pack.audio) == audio:
+        need(pack.header == header, "a full pack is divided otherwise")
+    else:
+        need(is_last and len(pack.audio) < audio, "a pack within a track is not full")
+        need(pack.header == (10 if rest >= 7 else 10 + rest), "a short pack is divided otherwise")
+
+
 def read_title_set(data, sectors):
     """The format and the tracks of the only title."""
     need(data[:12] == b"DVDAUDIO-ATS" and u16(data, 0x20) == 0x12, "no title set")
@@ -236,6 +251,8 @@ def read(files, image_start=None):
         need(track.first == position and track.last >= track.first, "tracks do not follow each other")
         own = packs[track.first:track.last + 1]
         need([pack.isrc for pack in own] == [i % 32 for i in range(len(own))], "ISRC bytes do not run")
+        for i, pack in enumerate(own):
+            check_division(pack, track.first + i == 0, i == len(own) - 1, bits, channels)
         need(track.start_pts == 585 + -(-frames // unit) * unit * 90000 // rate, "a track starts at another time")
         track.pcm = wav_order(b"".join(pack.audio for pack in own), places)
         frames += len(track.pcm) // (channels * bits // 8)

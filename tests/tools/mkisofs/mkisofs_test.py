@@ -153,11 +153,16 @@ class Images(ImageTest):
             shutil.rmtree(disc)
             (self.folder / name).unlink()
 
-    def test_take_no_settings_from_the_folder(self):
+    def test_take_no_settings_from_a_home_folder(self):
         self.author()
-        (self.folder / ".mkisofsrc").write_text("VOLI=STRANGER\n")
-        self.assertEqual(self.make(env=os.environ | {"HOME": str(self.folder)}).returncode, 0)
-        self.assertIn("Volume id: DVDAUDIO\n", output_of("isoinfo", "-d", "-i", self.folder / "image.iso"))
+        for name in (".mkisofsrc", ".genisoimagerc"):
+            (self.folder / name).write_text("PUBL=STRANGER\n")
+        settings = str(self.folder / ".mkisofsrc")
+        for variables in ({"HOME": str(self.folder)}, {"GENISOIMAGERC": settings}, {"MKISOFSRC": settings}):
+            self.assertEqual(self.make(env=os.environ | variables).returncode, 0)
+            facts = output_of("isoinfo", "-d", "-i", self.folder / "image.iso")
+            self.assertIn("Volume id: DVDAUDIO\n", facts)
+            self.assertNotIn("STRANGER", facts)
 
     def test_tell_the_progress_of_the_real_program(self):
         self.author(1, waves.Shape(192000, 24, 2), 192000 * 20)
