@@ -7,13 +7,13 @@
 #include <algorithm>
 #include <cstdlib>
 
-/// The three pieces of whatever is read are that, byte for byte.
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+namespace {
+
+void readAs(nurv::WaveReader::Kinds kinds, std::span<const uint8_t> bytes)
 {
-    const std::span<const uint8_t> bytes(data, size);
     nurv::InputFile input(bytes);
     try {
-        nurv::WaveReader reader(input);
+        nurv::WaveReader reader(input, kinds);
         std::vector<uint8_t> pieces(reader.header().begin(), reader.header().end());
         std::vector<uint8_t> frames(size_t{reader.format().blockAlign} * 3);
         while (const size_t count = reader.readPayload(frames))
@@ -23,7 +23,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         if (!std::ranges::equal(pieces, bytes))
             std::abort();
     } catch (const nurv::ToolError &) {
-        return 0;
+        return;
     }
+}
+
+} // namespace
+
+/// The three pieces of whatever is read are that, byte for byte.
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    readAs(nurv::WaveReader::Kinds::Riff, {data, size});
+    readAs(nurv::WaveReader::Kinds::RiffAndRf64, {data, size});
     return 0;
 }

@@ -24,9 +24,9 @@ readonly NURV_RUNTIME_PACKAGES=(
     qt6-image-formats-plugins qt6-qpa-plugins qt6-wayland
 )
 readonly NURV_TEST_PACKAGES=(
-    appstream default-jre-headless desktop-file-utils fish git imagemagick libgmock-dev libgtest-dev libjmac-java
+    7zip appstream default-jre-headless desktop-file-utils fish git imagemagick libgmock-dev libgtest-dev libjmac-java
     man-db mediainfo openbox
-    python3 python3-dbusmock python3-gi shellcheck shntool xauth xdotool xvfb zsh
+    python3 python3-dbusmock python3-gi shellcheck shntool udftools xauth xdotool xvfb zsh
 )
 # For those who change the sources: formatting, static checks, fuzzing.
 readonly NURV_DEVELOPMENT_PACKAGES=(clang clang-format clang-tidy)

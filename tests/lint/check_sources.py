@@ -49,7 +49,10 @@ ALLOWED_TOOLS = {
     "shorten": {"support"},
     "tta": {"support"},
     "ape": {"support"},
-    "shntool": {"support", "shorten", "tta", "ape"},
+    "sound": {"support"},
+    "shntool": {"support", "sound", "shorten", "tta", "ape"},
+    "dvda": {"support", "sound"},
+    "mkisofs": {"support", "dvda"},
 }
 # What of src the tools may include: headers that need neither Qt nor a library.
 SHARED_WITH_TOOLS = {

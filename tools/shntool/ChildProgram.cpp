@@ -2,21 +2,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shntool/ChildProgram.h"
 
-#include "process/SearchPath.h"
 #include "shntool/EndingCleanup.h"
+#include "support/FindProgram.h"
 #include "support/SystemCalls.h"
 #include "support/ToolError.h"
 
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
-#include <filesystem>
 #include <mutex>
 
 #include <fcntl.h>
 #include <spawn.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -25,24 +22,6 @@ namespace nurv {
 namespace {
 
 constexpr int kSignalOffset = 128;
-
-bool isProgram(const std::string &path)
-{
-    struct stat status {};
-    return ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && ::access(path.c_str(), X_OK) == 0;
-}
-
-std::string ownFolder()
-{
-    std::error_code error;
-    return std::filesystem::read_symlink("/proc/self/exe", error).parent_path().string();
-}
-
-std::string searchPath()
-{
-    const char *path = std::getenv("PATH");
-    return safeSearchPath(path ? path : "");
-}
 
 std::vector<char *> pointersTo(std::vector<std::string> &words)
 {
@@ -100,20 +79,6 @@ private:
 
 } // namespace
 
-std::optional<std::string> findCodec(const std::string &name)
-{
-    if (name.find('/') != std::string::npos)
-        return isProgram(name) ? std::optional(name) : std::nullopt;
-    std::vector<std::string> folders = searchedFolders(searchPath());
-    folders.push_back(ownFolder());
-    for (const std::string &folder : folders) {
-        std::string path = folder + '/' + name;
-        if (isProgram(path))
-            return path;
-    }
-    return std::nullopt;
-}
-
 ChildProgram::ChildProgram(const std::vector<std::string> &words, Pipe pipe) : m_name(words.front())
 {
     constexpr int kPipeBytes = 1 << 20;
@@ -127,7 +92,7 @@ ChildProgram::ChildProgram(const std::vector<std::string> &words, Pipe pipe) : m
     if (pipe == Pipe::FromChild)
         ::fcntl(writeEnd.get(), F_SETPIPE_SZ, kPipeBytes);
     const bool isReading = pipe == Pipe::FromChild;
-    if (const std::optional<std::string> path = findCodec(m_name)) {
+    if (const std::optional<std::string> path = findProgram(m_name)) {
         const std::unique_lock<std::mutex> lock = EndingCleanup::hold();
         m_isRunning = Start((isReading ? writeEnd : readEnd).get(), pipe).run(*path, words, m_process);
     }

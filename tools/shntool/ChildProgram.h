@@ -5,7 +5,6 @@
 #include "files/FileDescriptor.h"
 
 #include <cstdint>
-#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -46,8 +45,5 @@ private:
     bool m_isRunning = false;
     int m_status = 1;
 };
-
-/// Where a program of that name is: along PATH, or beside this one. Nothing where it is nowhere.
-[[nodiscard]] std::optional<std::string> findCodec(const std::string &name);
 
 } // namespace nurv

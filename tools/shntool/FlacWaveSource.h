@@ -4,13 +4,14 @@
 
 #include "shntool/WaveInfo.h"
 #include "shntool/WaveSource.h"
-#include "support/InputFile.h"
 
 #include <array>
 #include <memory>
 #include <optional>
 
 namespace nurv {
+
+class FlacDecoder;
 
 /// The sound of a FLAC file as a WAV file, with the header that `flac -d` gives it. Where the file does not tell
 /// its length, it is decoded once to count.
@@ -26,12 +27,10 @@ protected:
     bool makePiece() override;
 
 private:
-    class Decoder;
-
     void countSamples(const std::string &name);
     [[nodiscard]] uint64_t dataBytes() const;
 
-    std::unique_ptr<Decoder> m_decoder;
+    std::unique_ptr<FlacDecoder> m_decoder;
     WaveHeader m_header;
     uint64_t m_totalSamples = 0; ///< of every channel
     uint64_t m_samplesGiven = 0;

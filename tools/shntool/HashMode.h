@@ -3,7 +3,7 @@
 #pragma once
 
 #include "shntool/Mode.h"
-#include "shntool/SoundHash.h"
+#include "sound/SoundHash.h"
 
 #include <cstdint>
 #include <optional>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "shntool/SoundHash.h"
+#include "sound/SoundHash.h"
 #include "shntool/WaveInfo.h"
 
 #include <array>

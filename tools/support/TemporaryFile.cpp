@@ -4,6 +4,7 @@
 
 #include "files/UnnamedFile.h"
 #include "support/EndingSignals.h"
+#include "support/SignalPause.h"
 #include "support/SystemCalls.h"
 
 #include <array>
@@ -35,25 +36,6 @@ void removeAndDie(int signal)
     // The action is the default one again, and the exit status shall tell the signal.
     ::raise(signal);
 }
-
-/// Holds the ending signals back while a file exists that `g_paths` does not know.
-class SignalPause {
-public:
-    SignalPause()
-    {
-        sigset_t ending;
-        sigemptyset(&ending);
-        for (const int signal : kEndingSignals)
-            sigaddset(&ending, signal);
-        ::pthread_sigmask(SIG_BLOCK, &ending, &m_former);
-    }
-    ~SignalPause() { ::pthread_sigmask(SIG_SETMASK, &m_former, nullptr); }
-    SignalPause(const SignalPause &) = delete;
-    SignalPause &operator=(const SignalPause &) = delete;
-
-private:
-    sigset_t m_former;
-};
 
 std::string randomName()
 {
@@ -105,6 +87,20 @@ void TemporaryFile::moveToDestination()
     forget();
 }
 
+void TemporaryFile::moveTo(const std::string &destination)
+{
+    // What has a hidden name keeps it in the memory of the signals until it has the other one.
+    m_destination = destination;
+    m_replaces = false;
+    moveToDestination();
+}
+
+void TemporaryFile::flush()
+{
+    if (::fsync(m_descriptor.get()) != 0)
+        failWrite(m_destination, errno);
+}
+
 std::string TemporaryFile::folder() const
 {
     const size_t slash = m_destination.rfind('/');
@@ -143,7 +139,7 @@ void TemporaryFile::openNamed()
     do {
         m_path = folder() + randomName();
         // Not mkstemp, whose mode shuts everybody else out.
-        m_descriptor = FileDescriptor(::open(m_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+        m_descriptor = FileDescriptor(::open(m_path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
     } while (!m_descriptor.isOpen() && (errno == EEXIST || errno == EINTR));
     if (m_descriptor.isOpen())
         return;

@@ -19,7 +19,7 @@ namespace nurv {
 /// called. At most 512 of those live at a time.
 class TemporaryFile {
 public:
-    /// Open for writing, with the mode of the file that it shall replace, or else that of
+    /// Open for writing and reading, with the mode of the file that it shall replace, or else that of
     /// any new file. Throws ToolError(Write).
     explicit TemporaryFile(const std::string &destination);
     ~TemporaryFile();
@@ -35,6 +35,12 @@ public:
     /// this object was made; then it is on the disk before. Blocks.
     /// Throws ToolError(Write), also when a file without a name finds its place taken.
     void moveToDestination();
+
+    /// The same with another name of that file system, which nothing has.
+    void moveTo(const std::string &destination);
+
+    /// Waits until it is on the disk. Throws ToolError(Write).
+    void flush();
 
 private:
     void takeName(const std::function<void()> &make);

@@ -21,6 +21,7 @@ constexpr uint16_t kPcm = 1;
 constexpr uint16_t kExtensible = 0xFFFE;
 constexpr size_t kPlainFormatBytes = 16;
 constexpr size_t kExtensibleFormatBytes = 40;
+constexpr size_t kChannelMaskOffset = 20;
 constexpr size_t kSubformatOffset = 24;
 /// What follows the format tag in the subformat GUIDs that stand for one.
 constexpr uint8_t kSubformatTail[] = {0x00, 0x00, 0x00, 0x00, 0x10, 0x00, 0x80,
@@ -33,20 +34,22 @@ constexpr uint8_t kSubformatTail[] = {0x00, 0x00, 0x00, 0x00, 0x10, 0x00, 0x80,
 
 } // namespace
 
-WaveReader::WaveReader(InputFile &input) : m_input(input)
+WaveReader::WaveReader(InputFile &input, Kinds kinds) : m_input(input)
 {
-    readUpToPayload();
+    readUpToPayload(kinds);
 }
 
-void WaveReader::readUpToPayload()
+void WaveReader::readUpToPayload(Kinds kinds)
 {
     const std::span<const uint8_t> head = takeIntoHeader(12);
-    if (startsWith(head, "RF64") || startsWith(head, "RIFX")) {
-        throw ToolError(ToolError::Kind::UnsupportedFormat, m_input.name() + ": "
-                                                                + std::string(head.begin(), head.begin() + 4)
-                                                                + " files are not supported, only RIFF WAV files");
+    const bool isRf64 = startsWith(head, "RF64");
+    if ((isRf64 && kinds == Kinds::Riff) || startsWith(head, "RIFX")) {
+        throw ToolError(ToolError::Kind::UnsupportedFormat,
+                        m_input.name() + ": " + std::string(head.begin(), head.begin() + 4)
+                            + " files are not supported, only RIFF " + (kinds == Kinds::Riff ? "" : "and RF64 ")
+                            + "WAV files");
     }
-    if (head.size() < 12 || !startsWith(head, "RIFF") || !startsWith(head.subspan(8), "WAVE"))
+    if (head.size() < 12 || !(isRf64 || startsWith(head, "RIFF")) || !startsWith(head.subspan(8), "WAVE"))
         refuse(m_input, "this is no WAV file");
     for (;;) {
         const std::span<const uint8_t> chunk = takeIntoHeader(8);
@@ -54,16 +57,19 @@ void WaveReader::readUpToPayload()
             refuse(m_input, "the WAV file has no data chunk");
         const uint32_t size = littleEndian32(chunk.data() + 4);
         if (startsWith(chunk, "data")) {
-            m_declaredDataBytes = size;
+            m_declaredDataBytes = size == kUnknownSize && m_wideDataBytes != 0 ? m_wideDataBytes : size;
             break;
         }
         const bool isFormat = startsWith(chunk, "fmt ");
+        const bool isWideSizes = isRf64 && startsWith(chunk, "ds64");
         const uint64_t paddedSize = uint64_t{size} + (size & 1);
         const std::span<const uint8_t> contents = takeIntoHeader(paddedSize);
         if (contents.size() < paddedSize)
             refuse(m_input, "the WAV file has no data chunk");
         if (isFormat)
             readFormat(contents.first(size));
+        else if (isWideSizes)
+            readWideSizes(contents.first(size));
     }
     if (m_format.blockAlign == 0)
         refuse(m_input, "the WAV file has no fmt chunk before its data chunk");
@@ -71,6 +77,19 @@ void WaveReader::readUpToPayload()
                        || (m_declaredDataBytes == 0 && !isAccountedFor() && !m_input.peek(1).empty());
     m_payloadLimit = m_hasUnknownSize ? std::numeric_limits<uint64_t>::max()
                                       : m_declaredDataBytes - m_declaredDataBytes % m_format.blockAlign;
+}
+
+/// EBU Tech 3306: the sizes of the RIFF and the data chunk, of 64 bits each.
+void WaveReader::readWideSizes(std::span<const uint8_t> chunk)
+{
+    constexpr size_t kDataSizeOffset = 8;
+    constexpr uint64_t kMostBytes = uint64_t{1} << 62;
+    if (chunk.size() < kDataSizeOffset + 8)
+        refuse(m_input, "the ds64 chunk of the WAV file is too short");
+    const uint8_t *at = chunk.data() + kDataSizeOffset;
+    m_wideDataBytes = littleEndian32(at) | uint64_t{littleEndian32(at + 4)} << 32;
+    if (m_wideDataBytes > kMostBytes)
+        refuse(m_input, "the ds64 chunk of the WAV file tells of more than any file holds");
 }
 
 /// Whether the RIFF chunk goes to the end of the file, as it does once a recording is
@@ -116,6 +135,7 @@ void WaveReader::readFormat(std::span<const uint8_t> chunk)
     if (m_format.formatTag == kExtensible && chunk.size() >= kExtensibleFormatBytes
         && std::ranges::equal(chunk.subspan(kSubformatOffset + 2, sizeof kSubformatTail), kSubformatTail)) {
         m_format.formatTag = littleEndian16(chunk.data() + kSubformatOffset);
+        m_format.channelMask = littleEndian32(chunk.data() + kChannelMaskOffset);
     }
     if (m_format.channels == 0 || m_format.blockAlign == 0)
         refuse(m_input, "the WAV file has no channels");
@@ -134,7 +154,7 @@ std::span<const uint8_t> WaveReader::header() const
     return m_header;
 }
 
-uint32_t WaveReader::declaredDataBytes() const
+uint64_t WaveReader::declaredDataBytes() const
 {
     return m_declaredDataBytes;
 }

@@ -20,6 +20,7 @@ struct WaveFormat {
     uint32_t sampleRateHz = 0;
     uint16_t blockAlign = 0;
     uint16_t bitsPerSample = 0; ///< of the container
+    uint32_t channelMask = 0;   ///< the places of the speakers; 0: not told
 
     [[nodiscard]] bool isIntegerPcm() const { return formatTag == 1; }
 };
@@ -33,18 +34,23 @@ struct WaveFormat {
 /// together are the input, byte for byte.
 class WaveReader {
 public:
+    /// Which kinds of WAV files the caller can use.
+    enum class Kinds { Riff, RiffAndRf64 };
+
     /// Reads up to the first payload byte. Throws ToolError(InvalidInput) when no `fmt `
     /// and `data` chunk is found in the first 64 MiB, or the `fmt ` chunk contradicts
-    /// itself, and ToolError(UnsupportedFormat) for RF64 and big-endian files.
-    explicit WaveReader(InputFile &input);
+    /// itself, and ToolError(UnsupportedFormat) for big-endian files, and RF64 files that
+    /// were not asked for.
+    explicit WaveReader(InputFile &input, Kinds kinds = Kinds::Riff);
 
     [[nodiscard]] const WaveFormat &format() const;
 
     /// All bytes before the payload.
     [[nodiscard]] std::span<const uint8_t> header() const;
 
-    /// What the `data` chunk says of itself. Pipes say 0 or 0xFFFFFFFF when unknown.
-    [[nodiscard]] uint32_t declaredDataBytes() const;
+    /// What the `data` chunk says of itself, or the `ds64` chunk of it. Pipes say 0 or
+    /// 0xFFFFFFFF when unknown.
+    [[nodiscard]] uint64_t declaredDataBytes() const;
 
     /// Whether the declared size is one of those that mean "to the end of the input", up
     /// to which the payload is then read: 0xFFFFFFFF, or 0 with bytes following. But the
@@ -69,14 +75,16 @@ public:
 
 private:
     std::span<const uint8_t> takeIntoHeader(uint64_t count);
-    void readUpToPayload();
+    void readUpToPayload(Kinds kinds);
+    void readWideSizes(std::span<const uint8_t> chunk);
     void readFormat(std::span<const uint8_t> chunk);
     [[nodiscard]] bool isAccountedFor() const;
 
     InputFile &m_input;
     WaveFormat m_format;
     std::vector<uint8_t> m_header;
-    uint32_t m_declaredDataBytes = 0;
+    uint64_t m_declaredDataBytes = 0;
+    uint64_t m_wideDataBytes = 0; ///< of a `ds64` chunk
     bool m_hasUnknownSize = false;
     uint64_t m_payloadLimit = 0; ///< bytes, in whole sample frames
     uint64_t m_payloadBytesRead = 0;

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shntool/ChildProgram.h"
+#include "support/FindProgram.h"
 
 #include <gtest/gtest.h>
 
@@ -42,8 +43,8 @@ TEST(ChildProgram, StartsNothingFromTheCurrentFolder)
 {
     const std::string former = std::getenv("PATH");
     ::setenv("PATH", ".::relative:/bin", 1);
-    EXPECT_EQ(findCodec("sh"), "/bin/sh");
-    EXPECT_FALSE(findCodec("no such program"));
+    EXPECT_EQ(findProgram("sh"), "/bin/sh");
+    EXPECT_FALSE(findProgram("no such program"));
     ::setenv("PATH", former.c_str(), 1);
 }
 

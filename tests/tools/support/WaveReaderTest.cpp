@@ -109,6 +109,7 @@ TEST(WaveReader, ResolvesTheExtensibleFormat)
     InputFile input(bytesOf(wavBytes({.bits = 24, .frames = 10, .extensible = true})));
     const WaveReader reader(input);
     EXPECT_TRUE(reader.format().isIntegerPcm());
+    EXPECT_EQ(reader.format().channelMask, 3U);
 }
 
 TEST(WaveReader, TellsFloatFromInteger)
@@ -281,6 +282,35 @@ TEST(CanonicalWaveHeader, SaysUnknownForSizesThatNeedMoreThan32Bits)
     const QByteArray borderline = asByteArray(canonicalWaveHeader(format, 0xFFFF'FFF0));
     EXPECT_EQ(borderline.mid(4, 4), littleEndian(0xFFFF'FFFF));
     EXPECT_EQ(borderline.last(4), littleEndian(0xFFFF'FFF0));
+}
+
+/// An RF64 file of 16-bit stereo with those sizes in its chunks.
+QByteArray rf64Saying(quint64 wideBytes, quint32 dataBytes, const QByteArray &data)
+{
+    QByteArray sizes = littleEndian(0) + littleEndian(0);
+    sizes += littleEndian(static_cast<quint32>(wideBytes)) + littleEndian(static_cast<quint32>(wideBytes >> 32));
+    QByteArray bytes = wavBytes({.frames = 1}).first(40);
+    bytes.replace(0, 8, QByteArray("RF64") + littleEndian(0xFFFFFFFF));
+    bytes.insert(12, riffChunk("ds64", sizes + QByteArray(12, '\0')));
+    return bytes + littleEndian(dataBytes) + data;
+}
+
+TEST(WaveReader, ReadsRf64ForThoseWhoAskForIt)
+{
+    const QByteArray data(400, 'x');
+    const auto payloadOf = [](const QByteArray &bytes) {
+        InputFile input(bytesOf(bytes));
+        const WaveReader reader(input, WaveReader::Kinds::RiffAndRf64);
+        return std::pair(reader.hasUnknownSize(), reader.payloadBytesPresent());
+    };
+    EXPECT_EQ(payloadOf(rf64Saying(300, 0xFFFFFFFF, data)), std::pair(false, std::optional<uint64_t>(300)));
+    EXPECT_EQ(payloadOf(rf64Saying(0, 200, data)), std::pair(false, std::optional<uint64_t>(200)));
+    EXPECT_EQ(payloadOf(rf64Saying(0, 0xFFFFFFFF, data)), std::pair(true, std::optional<uint64_t>(400)));
+    InputFile large(bytesOf(rf64Saying(uint64_t{5} << 32, 0xFFFFFFFF, data)));
+    EXPECT_EQ(WaveReader(large, WaveReader::Kinds::RiffAndRf64).declaredDataBytes(), uint64_t{5} << 32);
+    InputFile lying(bytesOf(rf64Saying(~uint64_t{0}, 0xFFFFFFFF, data)));
+    EXPECT_THROW(WaveReader(lying, WaveReader::Kinds::RiffAndRf64), ToolError);
+    EXPECT_TRUE(failureOf(rf64Saying(300, 0xFFFFFFFF, data)));
 }
 
 } // namespace
