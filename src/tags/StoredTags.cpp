@@ -9,6 +9,7 @@
 #include "tags/TagLibFile.h"
 #include "tags/TagLibTagsHelper.h"
 #include "tags/TagsProcess.h"
+#include "tags/VorbisFields.h"
 
 #include <apetag.h>
 #include <flacpicture.h>
@@ -305,7 +306,8 @@ StoredTags read(TagFormat format, const QString &path)
         return *std::move(asked);
     switch (format) {
     case TagFormat::Flac:
-        return readFile<TagLib::FLAC::File>(path, [](TagLib::FLAC::File &file, TagEditStream &) {
+        return readFile<TagLib::FLAC::File>(path, [](TagLib::FLAC::File &file, TagEditStream &stream) {
+            refuseUnreadableFields(file, stream);
             StoredTags found;
             readVorbis(found, file);
             return found;

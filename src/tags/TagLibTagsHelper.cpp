@@ -8,6 +8,7 @@
 #include "tags/FlacTagHelper.h"
 #include "tags/TagLibFile.h"
 #include "tags/TagsProcess.h"
+#include "tags/VorbisFields.h"
 #include "text/TextNumbers.h"
 
 #include <attachedpictureframe.h>
@@ -475,7 +476,8 @@ TagsObject::Text TagLibTagsHelper::writeTagsButDate(const QString &path, const T
             TagsProcess::writeTags({.format = TagFormat::Flac, .writeEmptyTags = writeEmptyTags}, path, tagObject))
         return std::move(written->date);
     Text fileDate;
-    tagLibFile::edit<TagLib::FLAC::File>(path, [&](TagLib::FLAC::File &file) {
+    tagLibFile::editWithStream<TagLib::FLAC::File>(path, [&](TagLib::FLAC::File &file, TagEditStream &stream) {
+        refuseUnreadableFields(file, stream);
         TagLib::Ogg::XiphComment &comment = *file.xiphComment(true);
         fileDate = fieldText(comment.fieldListMap(), FlacTagHelper::kDate);
         if (writeEmptyTags) {
@@ -485,6 +487,8 @@ TagsObject::Text TagLibTagsHelper::writeTagsButDate(const QString &path, const T
         }
         writeFlacFields(file, comment, tagObject);
         refuseOversizedBlocks(file, comment);
+        if (!file.save())
+            throw NurvFailure(u"Unable to save the tags."_s);
     });
     return fileDate;
 }

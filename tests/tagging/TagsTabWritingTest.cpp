@@ -6,11 +6,16 @@
 #include "base/NotificationCenter.h"
 #include "base/NurvFailure.h"
 #include "support/ProgramFolder.h"
+#include "tags/StoredTags.h"
 #include "tags/TagTrial.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
+
+#include <functional>
+#include <utility>
+#include <vector>
 
 namespace nurv::test {
 namespace {
@@ -125,6 +130,38 @@ TEST_F(TagsTabWritingTest, ADiscTotalWinsOverOneThatThePanelHasNoRowFor)
     EXPECT_TRUE(metaflacTags(path).contains(u"DISCTOTAL=3"_s));
     EXPECT_FALSE(metaflacTags(path).contains(u"DISCTOTAL=2"_s));
     EXPECT_TRUE(metaflacTags(path).contains(u"A8=V"_s));
+}
+
+TEST_F(TagsTabWritingTest, AFlacFileWithAFieldOfAnotherEncodingStaysAsItIs)
+{
+    const QString path = flac(u"a.flac"_s, {u"ARTIST=CafXX"_s, u"TITLE=T"_s});
+    const QByteArray made = folder.read(u"a.flac"_s);
+    ASSERT_EQ(made.count("ARTIST=CafXX"), 1);
+    TagsObject record;
+    record.setAlbumText(u"Album"_s);
+    const std::vector<std::pair<QByteArray, QString>> fields{
+        {"ARTIST=Caf\xe9\xe9",
+         u"Its field ARTIST is not in UTF-8, as fields of FLAC files have to be, and would be lost."_s},
+        {"ARTIST:CafXX", u"Its tags hold a field without a name, which would be lost."_s}};
+    for (const auto &[field, reason] : fields) {
+        const QByteArray bytes = QByteArray(made).replace("ARTIST=CafXX", field);
+        folder.write(u"a.flac"_s, bytes);
+        for (const auto &work : std::vector<std::function<void()>>{
+                 [&] { tagFiles::write(path, record, false); }, [&] { tagFiles::write(path, record, true); },
+                 [&] { static_cast<void>(storedTags::read(TagFormat::Flac, path)); }}) {
+            try {
+                work();
+                ADD_FAILURE() << field.constData();
+            } catch (const NurvFailure &failure) {
+                EXPECT_EQ(failure.reason(), reason);
+            }
+            EXPECT_TRUE(folder.read(u"a.flac"_s) == bytes);
+        }
+    }
+    // As it should be.
+    folder.write(u"a.flac"_s, QByteArray(made).replace("ARTIST=CafXX", "ARTIST=Caf\xc3\xa9"));
+    tagFiles::write(path, record, false);
+    EXPECT_EQ(ffprobeTags(path).value(u"artist"_s), u"Café");
 }
 
 TEST_F(TagsTabWritingTest, ACustomNameThatNoFlacFileTakesIsTold)
