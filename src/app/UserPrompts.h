@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 
 namespace nurv {
@@ -53,6 +54,11 @@ public:
     /// Lets the user change the controls of the panel. Returns whether it was accepted, with
     /// nothing that its fields object to. What was typed stays in the controls either way.
     [[nodiscard]] virtual bool runPanel(const Panel &panel) = 0;
+
+    /// Lets `work` run, which asks nobody and must not throw, and returns when it has: where there is a window on another
+    /// thread, while that stays alive and shows `what`. `isUnwanted` is true once the user has given it up. Returns whether
+    /// nobody has.
+    virtual bool waitFor(const QString &what, const std::function<void(const std::function<bool()> &isUnwanted)> &work);
 
     // The kinds of `choose`.
 

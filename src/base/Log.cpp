@@ -19,6 +19,7 @@ Q_LOGGING_CATEGORY(shntoolLog, "nurv.shntool", QtWarningMsg)
 Q_LOGGING_CATEGORY(taggingLog, "nurv.tagging", QtInfoMsg)
 Q_LOGGING_CATEGORY(tagsLog, "nurv.tags")
 Q_LOGGING_CATEGORY(textLog, "nurv.text")
+Q_LOGGING_CATEGORY(utilLog, "nurv.util", QtInfoMsg)
 
 Q_LOGGING_CATEGORY(failedJobLog, "nurv.engine.jobs")
 Q_LOGGING_CATEGORY(keptSourceLog, "nurv.convert.kept")

@@ -23,6 +23,7 @@ Q_DECLARE_LOGGING_CATEGORY(shntoolLog)
 Q_DECLARE_LOGGING_CATEGORY(taggingLog)
 Q_DECLARE_LOGGING_CATEGORY(tagsLog)
 Q_DECLARE_LOGGING_CATEGORY(textLog)
+Q_DECLARE_LOGGING_CATEGORY(utilLog)
 
 /// The failures of jobs, which their rows and reports tell too: `nurv.engine.jobs`.
 Q_DECLARE_LOGGING_CATEGORY(failedJobLog)

@@ -2,17 +2,27 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/DesktopPrompts.h"
 
+#include "base/GuiThread.h"
+#include "base/WorkerThreads.h"
 #include "tags/PictureView.h"
 #include "text/PrintableText.h"
 #include "ui/PanelDialog.h"
 
 #include <QApplication>
 #include <QDir>
+#include <QEventLoop>
 #include <QFileDialog>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPixmap>
+#include <QProgressDialog>
 #include <QPushButton>
+#include <QTimer>
+
+#include <atomic>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
 
 using namespace Qt::StringLiterals;
 
@@ -21,6 +31,7 @@ namespace nurv {
 namespace {
 
 constexpr int kPictureSide = 64;
+constexpr int kMomentMs = 300;
 
 QStringList localPaths(const QFileDialog &dialog)
 {
@@ -141,6 +152,58 @@ bool DesktopPrompts::runPanel(const Panel &panel)
 {
     PanelDialog dialog(panel, owner());
     return dialog.exec() == QDialog::Accepted;
+}
+
+bool DesktopPrompts::waitFor(const QString &what,
+                             const std::function<void(const std::function<bool()> &isUnwanted)> &work)
+{
+    struct State {
+        std::mutex lock;
+        std::condition_variable ended;
+        bool isDone = false;
+        std::atomic<bool> isUnwanted = false;
+    };
+    const auto state = std::make_shared<State>();
+    QEventLoop loop;
+    workerThreads::startOrRun([state, work, guard = QPointer<QEventLoop>(&loop)] {
+        work([&state] { return state->isUnwanted.load(); });
+        {
+            const std::scoped_lock lock(state->lock);
+            state->isDone = true;
+        }
+        state->ended.notify_all();
+        postToGuiThread([guard] {
+            if (guard)
+                guard->quit();
+        });
+    });
+    const auto isDone = [&state] {
+        const std::scoped_lock lock(state->lock);
+        return state->isDone;
+    };
+    // What comes at once shows no dialog; until then nobody can press anything else.
+    QTimer::singleShot(kMomentMs, &loop, &QEventLoop::quit);
+    if (!isDone())
+        loop.exec(QEventLoop::ExcludeUserInputEvents);
+    QProgressDialog dialog(what, QCoreApplication::translate("DesktopPrompts", "Cancel"), 0, 0, owner());
+    dialog.setObjectName(u"waitDialog"_s);
+    dialog.setWindowModality(Qt::ApplicationModal);
+    dialog.setAutoReset(false);
+    QObject::connect(&dialog, &QProgressDialog::canceled, &loop, [&] {
+        state->isUnwanted = true;
+        dialog.setLabelText(QCoreApplication::translate("DesktopPrompts", "Ending…"));
+        dialog.show();
+    });
+    if (!isDone()) {
+        dialog.show();
+        loop.exec();
+    }
+    // The loop also ends with the application; what the work refers to has to stay until it has ended.
+    std::unique_lock lock(state->lock);
+    if (!state->isDone)
+        state->isUnwanted = true;
+    state->ended.wait(lock, [&state] { return state->isDone; });
+    return !state->isUnwanted;
 }
 
 } // namespace nurv

@@ -18,6 +18,8 @@ public:
     QString ask(const Alert &alert) override;
     QStringList choose(const FileChooser &chooser) override;
     bool runPanel(const Panel &panel) override;
+    /// Shows a dialog with "Cancel" when it takes longer than a moment.
+    bool waitFor(const QString &what, const std::function<void(const std::function<bool()> &isUnwanted)> &work) override;
 
 private:
     [[nodiscard]] QWidget *owner() const;

@@ -11,10 +11,15 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QProgressDialog>
 #include <QPushButton>
 #include <QTest>
+#include <QTimer>
 
 #include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
 
 using namespace Qt::StringLiterals;
 
@@ -171,6 +176,40 @@ TEST_F(DesktopPromptsTest, TheSaveChooserStartsWithTheSuggestedName)
         dialog.findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Save)->click();
     });
     EXPECT_EQ(prompts.chooseSavePath({.title = u"Save output"_s, .suggestedName = u"report.txt"_s}), folder.path(u"other.txt"_s));
+}
+
+TEST_F(DesktopPromptsTest, WaitsForWorkOnAnotherThreadWhileTheWindowLives)
+{
+    std::thread::id worker;
+    bool timerRan = false;
+    std::atomic<bool> mayEnd = false;
+    QTimer::singleShot(0, qApp, [&] {
+        timerRan = true;
+        mayEnd = true;
+    });
+    EXPECT_TRUE(prompts.waitFor(u"Working…"_s, [&](const std::function<bool()> &isUnwanted) {
+        worker = std::this_thread::get_id();
+        while (!mayEnd)
+            std::this_thread::yield();
+        EXPECT_FALSE(isUnwanted());
+    }));
+    EXPECT_NE(worker, std::this_thread::get_id());
+    EXPECT_TRUE(timerRan);
+}
+
+TEST_F(DesktopPromptsTest, WorkCanBeGivenUp)
+{
+    WhenOpen<QProgressDialog> user([](QProgressDialog &dialog) {
+        EXPECT_EQ(dialog.labelText(), u"Working…");
+        QTest::mouseClick(dialog.findChild<QPushButton *>(), Qt::LeftButton);
+    });
+    bool wasTold = false;
+    EXPECT_FALSE(prompts.waitFor(u"Working…"_s, [&](const std::function<bool()> &isUnwanted) {
+        while (!isUnwanted())
+            std::this_thread::yield();
+        wasTold = true;
+    }));
+    EXPECT_TRUE(wasTold) << "it has ended when the call returns";
 }
 
 } // namespace nurv::test
