@@ -3,6 +3,7 @@
 #include "tags/StoredTags.h"
 
 #include "base/NurvFailure.h"
+#include "tags/ApeItems.h"
 #include "tags/Mp4Edit.h"
 #include "tags/Mp4Movie.h"
 #include "tags/StoredFrames.h"
@@ -194,8 +195,9 @@ bool has(const StoredTags &tags, Holder holder)
 
 // MP3
 
-StoredTags readMp3(TagLib::MPEG::File &file, TagLib::IOStream &stream)
+StoredTags readMp3(TagLib::MPEG::File &file, TagEditStream &stream)
 {
+    refuseUnreadableItems(stream);
     StoredTags found;
     if (file.hasID3v2Tag())
         found = storedFrames::of(*file.ID3v2Tag());
@@ -228,8 +230,9 @@ void writeMp3(TagLib::MPEG::File &file, const StoredTags &tags)
 // Monkey's Audio and WavPack
 
 template<typename File>
-StoredTags readApeFile(File &file, TagLib::IOStream &stream)
+StoredTags readApeFile(File &file, TagEditStream &stream)
 {
+    refuseUnreadableItems(stream);
     StoredTags found;
     if (file.hasAPETag())
         readApe(found, file.APETag());

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "base/NurvFailure.h"
+#include "tags/ApeItems.h"
 #include "tags/TagEditStream.h"
 #include "tags/TagsObject.h"
 #include "tags/TagsUnavailable.h"
@@ -116,6 +117,12 @@ void editWithStream(const QString &path, const Edit &edit)
             throw NurvFailure(QStringLiteral("Unable to save the tags: %1.").arg(*reason));
         if (!opened.isWritable())
             throw NurvFailure(QStringLiteral("Unable to open the output file for tagging."));
+        // These save the APE tags that they have read.
+        if constexpr (
+            std::is_same_v<
+                File,
+                TagLib::MPEG::File> || std::is_same_v<File, TagLib::APE::File> || std::is_same_v<File, TagLib::WavPack::File>)
+            refuseUnreadableItems(opened.stream());
         edit(opened.file(), opened.stream());
         if (const std::optional<QString> reason = opened.stream().commit())
             throw NurvFailure(QStringLiteral("Unable to save the tags: %1.").arg(*reason));

@@ -12,6 +12,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
+#include <QtEndian>
 
 #include <functional>
 #include <utility>
@@ -162,6 +163,56 @@ TEST_F(TagsTabWritingTest, AFlacFileWithAFieldOfAnotherEncodingStaysAsItIs)
     folder.write(u"a.flac"_s, QByteArray(made).replace("ARTIST=CafXX", "ARTIST=Caf\xc3\xa9"));
     tagFiles::write(path, record, false);
     EXPECT_EQ(ffprobeTags(path).value(u"artist"_s), u"Café");
+}
+
+/// An APE tag of version 2 without a header.
+QByteArray apeTag(const QList<std::pair<QByteArray, QByteArray>> &items)
+{
+    const auto number = [](qsizetype value) {
+        QByteArray bytes(4, '\0');
+        qToLittleEndian<quint32>(static_cast<quint32>(value), bytes.data());
+        return bytes;
+    };
+    QByteArray tag;
+    for (const auto &[key, value] : items)
+        tag += number(value.size()) + number(0) + key + '\0' + value;
+    return tag + "APETAGEX" + number(2000) + number(tag.size() + 32) + number(items.size()) + QByteArray(12, '\0');
+}
+
+TEST_F(TagsTabWritingTest, AFileWithAnApeItemOfAnotherEncodingStaysAsItIs)
+{
+    const QByteArray foreign = apeTag({{"Title", "T"}, {"Venue", "Caf\xe9\xe9"}});
+    const QByteArray fine = apeTag({{"Title", "T"}, {"Venue", "Caf\xc3\xa9"}});
+    const QByteArray id3v1 = QByteArray("TAG").leftJustified(128, '\0');
+    TagsObject record;
+    record.setAlbumText(u"Album"_s);
+    const QString wav = test::writeWav(folder.path(u"sound.wav"_s));
+    const QString wavpack = folder.path(u"plain.wv"_s);
+    ASSERT_EQ(test::runProgram(u"wavpack"_s, {u"-q"_s, u"-y"_s, wav, u"-o"_s, wavpack}).exitStatus, 0);
+    const QString mp3 = folder.path(u"plain.mp3"_s);
+    ASSERT_EQ(test::runProgram(u"lame"_s, {u"--quiet"_s, wav, mp3}).exitStatus, 0);
+    const QString reason = u"Its item Venue is not in UTF-8, as items of APE tags have to be, and would be lost."_s;
+    for (const auto &[plain, format] : {std::pair(wavpack, TagFormat::Wavpack), std::pair(mp3, TagFormat::Mp3)}) {
+        const QString name = u"tagged."_s + QFileInfo(plain).suffix();
+        const QString path = folder.path(name);
+        for (const QByteArray &end : {QByteArray(), id3v1}) {
+            const QByteArray bytes = folder.read(QFileInfo(plain).fileName()) + foreign + end;
+            folder.write(name, bytes);
+            for (const auto &work : std::vector<std::function<void()>>{
+                     [&] { tagFiles::write(path, record, false); }, [&] { static_cast<void>(storedTags::read(format, path)); }}) {
+                try {
+                    work();
+                    ADD_FAILURE() << qPrintable(name);
+                } catch (const NurvFailure &failure) {
+                    EXPECT_EQ(failure.reason(), reason);
+                }
+                EXPECT_TRUE(folder.read(name) == bytes);
+            }
+            folder.write(name, folder.read(QFileInfo(plain).fileName()) + fine + end);
+            tagFiles::write(path, record, false);
+            EXPECT_TRUE(folder.read(name).contains("Caf\xc3\xa9"));
+        }
+    }
 }
 
 TEST_F(TagsTabWritingTest, ACustomNameThatNoFlacFileTakesIsTold)

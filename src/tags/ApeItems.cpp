@@ -1,0 +1,104 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tags/ApeItems.h"
+
+#include "base/NurvFailure.h"
+#include "tags/TagEditStream.h"
+#include "text/PrintableText.h"
+
+#include <QString>
+#include <QStringDecoder>
+
+#include <cstdint>
+#include <optional>
+
+using namespace Qt::StringLiterals;
+
+namespace nurv {
+
+namespace {
+
+constexpr std::int64_t kFooterBytes = 32;
+constexpr std::int64_t kId3v1Bytes = 128;
+constexpr unsigned int kItemHeadBytes = 8;
+
+[[noreturn]] void failAsDamaged()
+{
+    throw NurvFailure(u"its APE tag is damaged"_s);
+}
+
+unsigned int numberAt(const TagLib::ByteVector &bytes, unsigned int place)
+{
+    return bytes.mid(place, 4).toUInt(false);
+}
+
+TagLib::ByteVector readAt(TagEditStream &stream, std::int64_t position, std::int64_t size)
+{
+    stream.seek(static_cast<TagEditStream::Offset>(position));
+    return stream.readBlock(static_cast<TagEditStream::Size>(size));
+}
+
+/// The footer that ends there; nothing without one.
+std::optional<TagLib::ByteVector> footerBefore(TagEditStream &stream, std::int64_t end)
+{
+    if (end < kFooterBytes)
+        return std::nullopt;
+    const TagLib::ByteVector footer = readAt(stream, end - kFooterBytes, kFooterBytes);
+    return footer.startsWith("APETAGEX") ? std::optional(footer) : std::nullopt;
+}
+
+bool isUtf8(const TagLib::ByteVector &bytes)
+{
+    QStringDecoder decoder(QStringConverter::Utf8, QStringConverter::Flag::Stateless);
+    [[maybe_unused]] const QString text =
+        decoder.decode(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())));
+    return !decoder.hasError();
+}
+
+void refuseUnreadableItemsOf(const TagLib::ByteVector &items, unsigned int count)
+{
+    constexpr unsigned int kKindBits = 6; // 0: a text
+    unsigned int position = 0;
+    for (unsigned int i = 0; i < count; ++i) {
+        if (items.size() - position < kItemHeadBytes)
+            failAsDamaged();
+        const unsigned int size = numberAt(items, position);
+        const unsigned int flags = numberAt(items, position + 4);
+        const int keyEnd = items.find('\0', position + kItemHeadBytes);
+        if (keyEnd < 0)
+            failAsDamaged();
+        const unsigned int value = static_cast<unsigned int>(keyEnd) + 1;
+        if (size > items.size() - value)
+            failAsDamaged();
+        const TagLib::ByteVector key =
+            items.mid(position + kItemHeadBytes, static_cast<unsigned int>(keyEnd) - position - kItemHeadBytes);
+        if ((flags & kKindBits) == 0 && !isUtf8(items.mid(value, size)))
+            throw NurvFailure(u"Its item %1 is not in UTF-8, as items of APE tags have to be, and would be lost."_s.arg(
+                printableLine(QString::fromLatin1(key.data(), static_cast<qsizetype>(key.size())))));
+        position = value + size;
+    }
+}
+
+} // namespace
+
+void refuseUnreadableItems(TagEditStream &stream)
+{
+    std::int64_t end = stream.fileLength();
+    std::optional<TagLib::ByteVector> footer = footerBefore(stream, end);
+    if (!footer && end >= kId3v1Bytes && readAt(stream, end - kId3v1Bytes, 3) == "TAG") {
+        end -= kId3v1Bytes;
+        footer = footerBefore(stream, end);
+    }
+    if (!footer)
+        return;
+    // The items and the footer, without a header.
+    const std::int64_t size = numberAt(*footer, 12);
+    if (size < kFooterBytes || size > end)
+        failAsDamaged();
+    const TagLib::ByteVector items = readAt(stream, end - size, size - kFooterBytes);
+    if (static_cast<std::int64_t>(items.size()) != size - kFooterBytes)
+        failAsDamaged();
+    refuseUnreadableItemsOf(items, numberAt(*footer, 16));
+}
+
+} // namespace nurv
