@@ -125,7 +125,7 @@ TEST_F(FileReportsTest, OfDamagedCutMissingAndMisnamedFilesAreTheWordsOfTheirPro
         {u"cut"_s, u"ape"_s, u"mac: @: the file ends too early\nError: 1000\n\n"_s, {}},
         {u"cut"_s, u"wv"_s, u"{said}"_s, u"file is missing "_s},
         {u"cut"_s, u"tta"_s, u" 100% done...\n@: frame 1 of 1 (at 0.00 s) is missing: the file is truncated\n"_s, {}},
-        {u"missing"_s, u"flac"_s, flacReport, u"An error occurred opening the input file"_s},
+        {u"missing"_s, u"flac"_s, flacReport, u"input file"_s},
         {u"missing"_s, u"ape"_s, u"mac: cannot read @: No such file or directory\nError: 1000\n\n"_s, {}},
         {u"missing"_s, u"wv"_s, u"{said}"_s, u"can't open file"_s},
         {u"missing"_s, u"tta"_s, u"ttaenc: cannot read @: No such file or directory\n"_s, {}},

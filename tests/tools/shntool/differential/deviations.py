@@ -176,7 +176,7 @@ def roundings():
                         like=case(f"split {file}", typed="0:00.05\n23520\n0:00.15\n"))
     yield Deviation(("split -f at mixed",), "milliseconds of whole sectors count as none",
                     like=case("split -f points cd1.wav", "cd1.wav", more=[("points", b"0:00.05\n23520\n0:00.15\n")]))
-    yield Deviation(("gen -l 0:00.200",), "milliseconds of whole sectors count as none", like=case("gen -l 0:00.15"))
+    yield Deviation(("gen -l 0:00.200",), "milliseconds of whole sectors count as none", like=case("gen -l 35280"))
 
 
 def frames():
