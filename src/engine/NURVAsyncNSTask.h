@@ -31,6 +31,7 @@ public:
     void appendToPATH(const QString &folder);
     /// The program's working folder; inherited when never set. Before the start.
     void setDirectory(const QString &folder) { m_currentDirectoryPath = folder; }
+    [[nodiscard]] const QString &directory() const { return m_currentDirectoryPath; }
 
     [[nodiscard]] const QString &launchPath() const { return m_launchPath; }
     [[nodiscard]] const QStringList &arguments() const { return m_arguments; }

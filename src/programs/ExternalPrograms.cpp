@@ -8,13 +8,17 @@
 #include "process/ProcessEnvironment.h"
 #include "process/ResourceFolder.h"
 #include "programs/AtomicParsley.h"
+#include "programs/Cdda2wav.h"
+#include "programs/Dvda.h"
 #include "programs/Flac.h"
 #include "programs/Lame.h"
 #include "programs/Metaflac.h"
+#include "programs/Mkisofs.h"
 #include "programs/MonkeysAudio.h"
 #include "programs/Opusenc.h"
 #include "programs/Shntool.h"
 #include "programs/Shorten.h"
+#include "programs/Sox.h"
 #include "programs/Ttaenc.h"
 #include "programs/Wavpack.h"
 #include "text/RegularExpression.h"
@@ -74,21 +78,14 @@ const std::vector<ExternalProgram> &externalPrograms()
         wavpack::decoder(),
         lame::program(),
         opusenc::program(),
-        {.name = u"sox"_s, .package = u"sox"_s, .purpose = u"resamples and de-emphasises"_s},
-        {.name = u"cdda2wav"_s,
-         .package = u"icedax"_s,
-         .purpose = u"extracts audio CDs"_s,
-         .versionArguments = {u"-version"_s}},
+        sox::program(),
+        cdda2wav::program(),
         atomicParsley::program(),
-        {.name = u"mkisofs"_s,
-         .isBundled = true,
-         .package = u"genisoimage"_s,
-         .purpose = u"makes disc images"_s,
-         .versionArguments = {u"-version"_s}},
+        mkisofs::program(),
         shorten::program(),
         ttaenc::program(),
         monkeysAudio::program(),
-        {.name = u"dvda"_s, .isBundled = true, .package = {}, .purpose = u"authors DVD-Audio discs"_s},
+        dvda::program(),
     };
     return programs;
 }

@@ -51,6 +51,27 @@ QStringList showDigestArguments(const QString &path)
     return {u"--show-md5"_s, path};
 }
 
+QStringList addReplayGainArguments(const QStringList &paths)
+{
+    return QStringList(u"--add-replay-gain"_s) + paths;
+}
+
+QStringList removeReplayGainArguments(const QStringList &paths)
+{
+    return QStringList(u"--remove-replay-gain"_s) + paths;
+}
+
+QString reasonOfFailure(QStringView text)
+{
+    QString reason;
+    for (const QStringView line : text.split(u'\n')) {
+        const QString trimmed = trimWhitespaceAndNewlines(line);
+        if (trimmed.contains(u"ERROR"_s))
+            reason = trimmed;
+    }
+    return reason;
+}
+
 bool canBeStartedWith(const QStringList &arguments)
 {
     return std::all_of(arguments.begin(), arguments.end(),

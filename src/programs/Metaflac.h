@@ -21,6 +21,12 @@ namespace nurv::metaflac {
 [[nodiscard]] QStringList showFormatArguments(const QString &path, const QString &formatSwitch);
 [[nodiscard]] QStringList showDigestArguments(const QString &path);
 
+/// Adds the gains of the files, which count as one album, to each of them, or takes such tags out.
+[[nodiscard]] QStringList addReplayGainArguments(const QStringList &paths);
+[[nodiscard]] QStringList removeReplayGainArguments(const QStringList &paths);
+/// The reason in the text of a run that failed: the last line with one. Empty: none.
+[[nodiscard]] QString reasonOfFailure(QStringView text);
+
 /// Whether no argument is longer than the kernel takes: otherwise the run could not start.
 [[nodiscard]] bool canBeStartedWith(const QStringList &arguments);
 
