@@ -16,7 +16,7 @@ nurv_svg_plugins() {
 readonly NURV_BUILD_PACKAGES=(
     build-essential ccache cmake ninja-build pkg-config
     libavcodec-dev libavformat-dev libavutil-dev libflac-dev
-    libswresample-dev libgl-dev libicu-dev libssl-dev libtag1-dev qt6-base-dev qt6-svg-dev zlib1g-dev
+    libgl-dev libicu-dev libiso9660-dev libssl-dev libswresample-dev libtag1-dev qt6-base-dev qt6-svg-dev zlib1g-dev
 )
 readonly NURV_RUNTIME_PACKAGES=(
     atomicparsley ffmpeg flac genisoimage icedax lame opus-tools sox wavpack
@@ -24,7 +24,7 @@ readonly NURV_RUNTIME_PACKAGES=(
     qt6-image-formats-plugins qt6-qpa-plugins qt6-wayland
 )
 readonly NURV_TEST_PACKAGES=(
-    7zip appstream default-jre-headless desktop-file-utils fish git imagemagick libgmock-dev libgtest-dev libjmac-java
+    7zip appstream cd-paranoia default-jre-headless desktop-file-utils fish git imagemagick libgmock-dev libgtest-dev libjmac-java
     man-db mediainfo openbox
     python3 python3-dbusmock python3-gi shellcheck shntool udftools xauth xdotool xvfb zsh
 )

@@ -37,10 +37,11 @@ ALLOWED = {
     "lossy": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "convert"},
     "shntool": BASICS | {"programs", "engine", "app", "samples", "journal", "originals"},
     "tagging": BASICS | {"programs", "engine", "app", "journal", "tags"},
-    "toolbox": {"settings", "app", "checksum", "fix", "convert", "lossy", "shntool", "tagging"},
+    "util": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals"},
+    "toolbox": {"settings", "app", "checksum", "fix", "convert", "lossy", "shntool", "tagging", "util"},
     "preferences": {"base", "settings", "app", "shntool", "toolbox"},
-    "cli": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum", "fix", "convert", "lossy", "shntool", "tagging", "toolbox"},
-    "ui": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum", "fix", "convert", "lossy", "shntool", "tagging", "toolbox", "preferences"},
+    "cli": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum", "fix", "convert", "lossy", "shntool", "tagging", "util", "toolbox"},
+    "ui": BASICS | {"programs", "engine", "app", "samples", "journal", "tags", "originals", "checksum", "fix", "convert", "lossy", "shntool", "tagging", "util", "toolbox", "preferences"},
 }
 
 # The same of the folders under tools, whose programs use no Qt.

@@ -1,0 +1,43 @@
+// SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/NURVAsyncNSTask.h"
+#include "originals/OutputClaim.h"
+
+#include <QStringList>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace nurv {
+
+/// One run of metaflac that adds the replay gain of all files, as one album, or removes it.
+///
+/// Files are written where they are: it does not start while another job works on one of them, nor on a link, nor where
+/// the temporary file of metaflac would meet another one.
+class ReplayGainTask final : public NURVAsyncNSTask {
+public:
+    /// `isAdding`: else the tags are removed. Absolute paths of FLAC files.
+    ReplayGainTask(NURVTaskQueue *queue, const QString &launchPath, bool isAdding, const QStringList &paths);
+
+    [[nodiscard]] int sourceCount() const override { return static_cast<int>(m_paths.size()); }
+    [[nodiscard]] QString report() const override { return m_report; }
+    void startTask() override;
+
+protected:
+    void processTaskOutput(const QString &chunk) override;
+    void failWith(const QString &reason) override;
+    void cleanup() override;
+    void finalCleanup() override { m_claims.clear(); }
+
+private:
+    [[nodiscard]] std::optional<QString> takeAll();
+
+    QStringList m_paths;
+    QString m_report; ///< of a job that failed; nothing shows it on its own
+    std::vector<std::unique_ptr<OutputClaim>> m_claims;
+};
+
+} // namespace nurv
