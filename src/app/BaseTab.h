@@ -107,6 +107,8 @@ Q_SIGNALS:
     void selectedRowsChanged();
     /// Files were added; the view widens its column.
     void filesWereAdded();
+    /// The list has other columns now, while its rows are the same.
+    void columnsChanged();
     /// The texts of these columns are others now, while the list is the same.
     void columnTextsChanged();
 

@@ -118,6 +118,11 @@ std::vector<Setting> fixSettings()
             Setting::number(u"fixFlacLevel"_s, 4, 0, kBestFlacLevel, u"Fix SBE: FLAC's compression level"_s)};
 }
 
+std::vector<Setting> utilSettings()
+{
+    return {Setting::onOff(u"utilRenamePreview"_s, 1, u"Util: show old and new names before files are renamed"_s)};
+}
+
 std::vector<Setting> tagsSettings()
 {
     return {Setting::onOff(u"tagsPreview"_s, 1, u"Tags: show what will change before it is written"_s)};

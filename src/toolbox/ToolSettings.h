@@ -15,6 +15,7 @@ namespace nurv {
 [[nodiscard]] std::vector<Setting> checksumSettings();
 [[nodiscard]] std::vector<Setting> shntoolSettings();
 [[nodiscard]] std::vector<Setting> fixSettings();
+[[nodiscard]] std::vector<Setting> utilSettings();
 [[nodiscard]] std::vector<Setting> tagsSettings();
 [[nodiscard]] std::vector<Setting> lossySettings();
 

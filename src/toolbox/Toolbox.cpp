@@ -10,6 +10,7 @@
 #include "shntool/SHNtoolTab.h"
 #include "tagging/TagsTab.h"
 #include "toolbox/ToolSettings.h"
+#include "util/UtilTab.h"
 
 #include <QtGlobal>
 
@@ -63,7 +64,10 @@ const std::vector<Tool> &toolbox()
          .extensions = words(u"FLAC SHN WAV AIF AIFF WV TTA"_s),
          .settings = fixSettings(),
          .makeTab = make<FixTab>},
-        {.label = u"util"_s, .title = QT_TRANSLATE_NOOP("Tool", "Util")},
+        {.label = u"util"_s,
+         .title = QT_TRANSLATE_NOOP("Tool", "Util"),
+         .settings = utilSettings(),
+         .makeTab = make<UtilTab>},
         {.label = u"Tags"_s,
          .title = QT_TRANSLATE_NOOP("Tool", "Tags"),
          .extensions = words(u"FLAC M4A MP3 WV APE"_s),

@@ -15,6 +15,10 @@ FileListModel::FileListModel(const BaseTab &tab, QObject *parent) : QAbstractTab
         beginResetModel();
         endResetModel();
     });
+    connect(&tab, &BaseTab::columnsChanged, this, [this] {
+        beginResetModel();
+        endResetModel();
+    });
     connect(&tab, &BaseTab::columnTextsChanged, this, [this] {
         if (rowCount() > 0)
             Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1), {Qt::DisplayRole});

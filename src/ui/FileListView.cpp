@@ -81,6 +81,11 @@ FileListView::FileListView(BaseTab &tab, QWidget *parent)
     connect(selectionModel(), &QItemSelectionModel::selectionChanged, this,
             [this] { m_tab.setSelectedRows(selectedRows()); });
     connect(&tab, &BaseTab::selectedRowsChanged, this, &FileListView::showSelection);
+    connect(&tab, &BaseTab::columnsChanged, this, [this] {
+        setHeaderHidden(m_model->columnCount() == 1);
+        widenColumn();
+    });
+    connect(&tab, &BaseTab::columnTextsChanged, this, &FileListView::widenColumn);
     connect(&tab, &BaseTab::fileNamesChanged, viewport(), qOverload<>(&QWidget::update));
     if (tab.usesTableViewContextMenu())
         createContextMenu();

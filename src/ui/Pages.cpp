@@ -16,6 +16,8 @@
 #include "ui/pages/LossyPage.h"
 #include "ui/pages/SHNtoolPage.h"
 #include "ui/pages/TagsPage.h"
+#include "ui/pages/UtilPage.h"
+#include "util/UtilTab.h"
 
 namespace nurv {
 
@@ -34,7 +36,8 @@ TabPage *makePage(BaseTab *tab)
 {
     for (const auto make : {makeFor<DecodeTab, DecodePage>, makeFor<EncodeTab, EncodePage>, makeFor<ChecksumTab, ChecksumPage>,
                             makeFor<LossyTab, LossyPage>, makeFor<FixTab, FixPage>,
-                            makeFor<SHNtoolTab, SHNtoolPage>, makeFor<TagsTab, TagsPage>}) {
+                            makeFor<SHNtoolTab, SHNtoolPage>, makeFor<TagsTab, TagsPage>,
+                            makeFor<UtilTab, UtilPage>}) {
         if (TabPage *const page = make(tab))
             return page;
     }

@@ -5,6 +5,8 @@
 #include <QGridLayout>
 #include <QRadioButton>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace nurv {
@@ -21,8 +23,15 @@ QString withoutMnemonic(QString text)
 RadioMatrix::RadioMatrix(QWidget *parent) : QWidget(parent)
 {
     connect(&m_group, &QButtonGroup::idToggled, this, [this](int index, bool checked) {
-        if (checked)
-            Q_EMIT cellChosen(index);
+        if (!checked)
+            return;
+        m_lastChosen = index;
+        Q_EMIT cellChosen(index);
+    });
+    // A click on another cell has chosen it by now.
+    connect(&m_group, &QButtonGroup::idClicked, this, [this](int index) {
+        if (std::exchange(m_lastChosen, -1) != index)
+            Q_EMIT cellClickedAgain(index);
     });
 }
 

@@ -31,9 +31,12 @@ public:
 Q_SIGNALS:
     /// The user has chosen a cell.
     void cellChosen(int index);
+    /// The user has clicked the cell that was chosen already.
+    void cellClickedAgain(int index);
 
 private:
     QButtonGroup m_group;
+    int m_lastChosen = -1; ///< by the click that goes on
 };
 
 } // namespace nurv

@@ -95,7 +95,7 @@ void expectNames(const QWidget &root)
 
 TEST_F(MainWindowTest, ShowsAPageForEveryToolThatIsThereAndTheAboutPageLast)
 {
-    EXPECT_EQ(pageTitles(), (QStringList{u"Decode"_s, u"Encode"_s, u"Checksum"_s, u"SHNtool"_s, u"Fix SBE"_s, u"Tags"_s, u"Lossy"_s, u"About"_s}));
+    EXPECT_EQ(pageTitles(), (QStringList{u"Decode"_s, u"Encode"_s, u"Checksum"_s, u"SHNtool"_s, u"Fix SBE"_s, u"Util"_s, u"Tags"_s, u"Lossy"_s, u"About"_s}));
 }
 
 TEST_F(MainWindowTest, GoesFromPageToPageByShortcutsAndTellsTheController)
@@ -111,10 +111,12 @@ TEST_F(MainWindowTest, GoesFromPageToPageByShortcutsAndTellsTheController)
     QTest::keyClick(&window, Qt::Key_5, Qt::ControlModifier);
     EXPECT_EQ(controller.selectedTabViewItem(), u"fix SBE"_s);
     QTest::keyClick(&window, Qt::Key_6, Qt::ControlModifier);
-    EXPECT_EQ(controller.selectedTabViewItem(), u"Tags"_s);
+    EXPECT_EQ(controller.selectedTabViewItem(), u"util"_s);
     QTest::keyClick(&window, Qt::Key_7, Qt::ControlModifier);
-    EXPECT_EQ(controller.selectedTabViewItem(), u"lossy"_s);
+    EXPECT_EQ(controller.selectedTabViewItem(), u"Tags"_s);
     QTest::keyClick(&window, Qt::Key_8, Qt::ControlModifier);
+    EXPECT_EQ(controller.selectedTabViewItem(), u"lossy"_s);
+    QTest::keyClick(&window, Qt::Key_9, Qt::ControlModifier);
     EXPECT_EQ(controller.selectedTabViewItem(), u"about"_s);
     EXPECT_FALSE(action(u"addFilesAction"_s)->isEnabled());
     QTest::keyClick(&window, Qt::Key_1, Qt::ControlModifier);
@@ -291,7 +293,7 @@ TEST_F(MainWindowTest, EveryInteractiveWidgetHasAnObjectNameAndAnAccessibleName)
 
 TEST_F(MainWindowTest, MnemonicsOfAPageDoNotClash)
 {
-    for (const QString &label : {u"decode"_s, u"encode"_s, u"checksum"_s, u"shntool"_s, u"fix SBE"_s, u"Tags"_s, u"lossy"_s}) {
+    for (const QString &label : {u"decode"_s, u"encode"_s, u"checksum"_s, u"shntool"_s, u"fix SBE"_s, u"util"_s, u"Tags"_s, u"lossy"_s}) {
         QHash<QChar, QString> owners;
         QStringList texts;
         for (const QAction *const menu : window.menuBar()->actions())

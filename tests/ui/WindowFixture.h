@@ -15,6 +15,7 @@
 #include "tagging/TagsTab.h"
 #include "toolbox/Toolbox.h"
 #include "ui/MainWindow.h"
+#include "util/UtilTab.h"
 
 #include <QMimeData>
 
@@ -32,6 +33,7 @@ struct WindowFixture {
     LossyTab lossyTab{controller};
     FixTab fixTab{controller};
     SHNtoolTab shntoolTab{controller};
+    UtilTab utilTab{controller};
     TagsTab tagsTab{controller};
     MainWindow window{controller};
 

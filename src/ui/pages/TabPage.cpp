@@ -10,6 +10,7 @@
 #include "ui/FileListView.h"
 #include "ui/GivenFiles.h"
 
+#include <QEvent>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -20,6 +21,8 @@
 #include <QScrollBar>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace nurv {
@@ -29,18 +32,32 @@ namespace {
 constexpr int kPageMargin = 12;
 constexpr int kSpacing = 10;
 constexpr int kBusyBarWidth = 90;
+constexpr int kLeastOptionCharacters = 30;
 
-/// A scroll area exactly as wide as its contents, that scrolls up and down only.
+/// A scroll area that is wide enough for its contents, and scrolls up and down only. What is chosen later may make it wider,
+/// never narrower.
 class OptionArea final : public QScrollArea {
 public:
     using QScrollArea::QScrollArea;
 
     [[nodiscard]] QSize sizeHint() const override
     {
-        const int barWidth = verticalScrollBar()->sizeHint().width();
-        return {widget()->sizeHint().width() + barWidth, QScrollArea::sizeHint().height()};
+        const int least = fontMetrics().averageCharWidth() * kLeastOptionCharacters;
+        m_widest = std::max({m_widest, least, widget()->sizeHint().width()});
+        return {m_widest + verticalScrollBar()->sizeHint().width(), QScrollArea::sizeHint().height()};
     }
     [[nodiscard]] QSize minimumSizeHint() const override { return {sizeHint().width(), 0}; }
+
+protected:
+    bool eventFilter(QObject *object, QEvent *event) override
+    {
+        if (object == widget() && event->type() == QEvent::LayoutRequest)
+            updateGeometry();
+        return QScrollArea::eventFilter(object, event);
+    }
+
+private:
+    mutable int m_widest = 0;
 };
 
 } // namespace

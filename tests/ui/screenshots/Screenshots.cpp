@@ -21,8 +21,8 @@
 #include "tagging/TagFiles.h"
 #include "tagging/TagsTab.h"
 #include "TagFixtures.h"
+#include "support/AudioFixtures.h"
 #include "support/TestFolder.h"
-#include "support/WaitUntil.h"
 #include "support/WaitUntil.h"
 #include "toolbox/Toolbox.h"
 #include "ui/DesktopPrompts.h"
@@ -38,6 +38,7 @@
 #include "ui/StatusWindow.h"
 #include "ui/TrackNameEditor.h"
 #include "ui/TrackNameWindow.h"
+#include "util/UtilTab.h"
 
 #include <QAction>
 #include <QApplication>
@@ -175,6 +176,26 @@ void showShntool(SHNtoolTab &tab, MainWindow &window, const QDir &folder, const 
         tab.shntoolCommandMatrix.selectTitle(command);
         save(window, folder.filePath(u"shntool-%1-%2.png"_s.arg(command, suffix)));
     }
+}
+
+/// Every command, with the formats and totals of a disc.
+void showUtil(UtilTab &tab, MainWindow &window, const QDir &folder, const QString &suffix)
+{
+    tab.nurvController().selectTab(u"util"_s);
+    const TestFolder files;
+    QStringList paths;
+    for (const QString &title : {u"Lantern Song"_s, u"Ninth Street"_s, u"River of Glass"_s})
+        paths.append(writeWav(files.path(u"al1977-05-07 t%1 %2.wav"_s.arg(paths.size() + 1).arg(title)),
+                              {.rate = 96000, .bits = 24, .seconds = 4.0 + 0.7 * static_cast<double>(paths.size())}));
+    tab.addMatchedFiles(paths);
+    save(window, folder.filePath(u"util-none-%1.png"_s.arg(suffix)));
+    for (const QString &command : tab.utilCommandMatrix.titles()) {
+        tab.setCommand(command);
+        if (command == UtilTab::kDvdAudioDisc)
+            tab.findFormatInfo();
+        save(window, folder.filePath(u"util-%1-%2.png"_s.arg(command, suffix).toLower().replace(u' ', u'-')));
+    }
+    tab.clearFiles();
 }
 
 /// One file, and several that differ.
@@ -385,6 +406,7 @@ int render(const QDir &folder, const QString &suffix)
     ChecksumTab checksumTab(controller);
     FixTab fixTab(controller);
     SHNtoolTab shntoolTab(controller);
+    UtilTab utilTab(controller);
     TagsTab tagsTab(controller);
     LossyTab lossyTab(controller);
     MainWindow window(controller);
@@ -392,6 +414,7 @@ int render(const QDir &folder, const QString &suffix)
     showFormats(encodeTab, decodeTab, window, folder, suffix);
     showFix(fixTab, window, folder, suffix);
     showShntool(shntoolTab, window, folder, suffix);
+    showUtil(utilTab, window, folder, suffix);
     showTags(tagsTab, window, folder, suffix);
     showModes(lossyTab, checksumTab, window, folder, suffix);
     showRows(controller.taskQueue(), *window.statusWindow(), folder, suffix);
