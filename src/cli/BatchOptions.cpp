@@ -40,6 +40,16 @@ OutputSetters conversionSetters()
             .dropMetadata = setsOriginals(&OriginalsControls::dropMetadataButton)};
 }
 
+std::vector<OptionSpec> reportOptionsWithoutJobs(const QString &json)
+{
+    return joined(joined({{.name = u"json"_s, .summary = json},
+                          {.name = u"quiet"_s, .summary = u"problems only: no notes, no closing line"_s},
+                          {.name = u"yes"_s, .summary = u"accepted as everywhere; there are no questions"_s},
+                          {.name = u"no"_s, .summary = u"accepted as everywhere; there are no questions"_s}},
+                         unusedOptions()),
+                  standingOptions());
+}
+
 std::vector<OptionSpec> joined(std::vector<OptionSpec> list, const std::vector<OptionSpec> &more)
 {
     list.insert(list.end(), more.begin(), more.end());

@@ -59,6 +59,10 @@ struct OutputSetters {
 /// "--verbose" and "--jobs" of a command that has no use for them.
 [[nodiscard]] std::vector<OptionSpec> unusedOptions();
 
+/// Of a command that works on files itself: what is printed, and the answers and jobs that it has no use for. `json`: what
+/// that prints.
+[[nodiscard]] std::vector<OptionSpec> reportOptionsWithoutJobs(const QString &json);
+
 /// The lists behind each other.
 [[nodiscard]] std::vector<OptionSpec> joined(std::vector<OptionSpec> list, const std::vector<OptionSpec> &more);
 

@@ -12,6 +12,7 @@
 #include "cli/commands/SHNtoolCommands.h"
 #include "cli/commands/SettingsCommand.h"
 #include "cli/commands/TagsCommands.h"
+#include "cli/commands/UtilCommands.h"
 
 namespace nurv {
 
@@ -29,12 +30,13 @@ const CommandTree &commands()
     static const RecoverCommand recover;
     static const std::vector<std::unique_ptr<Command>> shntool = makeSHNtoolCommands();
     static const std::vector<std::unique_ptr<Command>> tags = makeTagsCommands();
+    static const std::vector<std::unique_ptr<Command>> util = makeUtilCommands();
     static const CommandTree tree([] {
         std::vector<const Command *> all{&encode, &decode, &lossy, &checksumCreate, &checksumVerify, &checksumTest, &fix};
-        for (const std::unique_ptr<Command> &command : shntool)
-            all.push_back(command.get());
-        for (const std::unique_ptr<Command> &command : tags)
-            all.push_back(command.get());
+        for (const auto *const group : {&shntool, &util, &tags}) {
+            for (const std::unique_ptr<Command> &command : *group)
+                all.push_back(command.get());
+        }
         all.insert(all.end(), {&settings, &doctor, &recover});
         return all;
     }());

@@ -62,7 +62,7 @@ bool removeFront(QString &line, const QString &front)
 QString withoutSpeaker(QString line, const QString &sourcePath)
 {
     static const Expression speaker(
-        u"^(?:(?:flac|metaflac|wavpack|wvunpack|mac|ttaenc|shorten|AtomicParsley|shntool(?: \\[\\w+\\])?):(?: |$)"
+        u"^(?:(?:flac|metaflac|wavpack|wvunpack|mac|ttaenc|shorten|AtomicParsley|dvda|mkisofs|shntool(?: \\[\\w+\\])?):(?: |$)"
         "|(?:error|warning)[:,] |\\*\\*\\* )"_s,
         Expression::CaseInsensitive);
     const QString name = lastPathComponent(sourcePath);

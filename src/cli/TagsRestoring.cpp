@@ -6,7 +6,7 @@
 #include "base/NurvFailure.h"
 #include "cli/Console.h"
 #include "cli/TagsJson.h"
-#include "cli/TagsRun.h"
+#include "cli/FilesRun.h"
 #include "tagging/TagFiles.h"
 #include "tagging/TagPreview.h"
 
@@ -96,7 +96,7 @@ Targets targetsOf(const std::vector<tagsJson::Restoration> &restorations, const 
     return targets;
 }
 
-QJsonObject restoreOne(TagsRun &run, const QString &path, const tagsJson::Restoration &restoration, bool isTrial)
+QJsonObject restoreOne(FilesRun &run, const QString &path, const tagsJson::Restoration &restoration, bool isTrial)
 {
     const std::optional<TagFormat> format = tagFiles::formatOf(path);
     if (!format || (!restoration.format.isEmpty() && restoration.format != formatWord(path)))
@@ -123,10 +123,15 @@ QJsonObject restoreOne(TagsRun &run, const QString &path, const tagsJson::Restor
 
 } // namespace
 
+FilesRun::Page tagsPage()
+{
+    return {.label = u"Tags"_s, .takes = [](const QString &path) { return tagFiles::formatOf(path).has_value(); }};
+}
+
 ExitStatus restoreTags(const ParsedArguments &arguments, Console &console)
 {
     const std::vector<tagsJson::Restoration> restorations = readBackup(arguments.value(u"from-json"_s));
-    TagsRun run(arguments, arguments.operands, console);
+    FilesRun run(arguments, arguments.operands, console, tagsPage());
     const bool areNamed = !arguments.operands.isEmpty();
     const bool isTrial = arguments.has(u"dry-run"_s);
     const Targets targets = targetsOf(restorations, run.files(), areNamed);
@@ -141,7 +146,7 @@ ExitStatus restoreTags(const ParsedArguments &arguments, Console &console)
             restored.append(*path);
     }
     if (!isTrial)
-        run.beginWriting(restored);
+        run.setJournal(tagFiles::beginJournal(restored));
     for (std::size_t i = 0; i < restorations.size(); ++i) {
         const std::optional<QString> &path = targets.paths[i];
         if (path)

@@ -4,10 +4,14 @@
 
 #include "cli/ArgumentParser.h"
 #include "cli/ExitStatus.h"
+#include "cli/FilesRun.h"
 
 namespace nurv {
 
 class Console;
+
+/// What the commands about tags work on.
+[[nodiscard]] FilesRun::Page tagsPage();
 
 /// `nurv tags set --from-json`. Throws UsageError for what is no output of `nurv tags show --json`.
 [[nodiscard]] ExitStatus restoreTags(const ParsedArguments &arguments, Console &console);

@@ -50,7 +50,7 @@ TEST(Arguments, WrongUsageGivesOneSentenceAndAHintAndStatus2)
     const QString wav = folder.write(u"a.wav"_s, "no sound");
     const std::vector<std::pair<QStringList, QByteArray>> cases{
         {{}, "nurv: a command is needed."},
-        {{u"rip"_s}, "nurv: unknown command \"rip\"; there are encode, decode, lossy, checksum, fix, shntool, tags, settings, doctor, recover."},
+        {{u"rip"_s}, "nurv: unknown command \"rip\"; there are encode, decode, lossy, checksum, fix, shntool, util, tags, settings, doctor, recover."},
         {{u"--frob"_s}, "nurv: unknown option \"--frob\"; the options of a command come after it."},
         {{u"encode"_s, u"--levle"_s, u"5"_s}, "nurv encode: unknown option \"--levle\" (did you mean --level?)."},
         {{u"encode"_s, wav, u"--out"_s, out}, "nurv encode: unknown option \"--out\" (did you mean --output-dir?)."},

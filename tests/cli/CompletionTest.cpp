@@ -45,7 +45,7 @@ QStringList optionsInHelp(const QString &command)
 
 TEST(Completion, OffersTheCommands)
 {
-    EXPECT_EQ(completionsOf({u"nurv"_s, u""_s}), (QStringList{u"--help"_s, u"--version"_s, u"checksum"_s, u"decode"_s, u"doctor"_s, u"encode"_s, u"fix"_s, u"lossy"_s, u"recover"_s, u"settings"_s, u"shntool"_s, u"tags"_s}));
+    EXPECT_EQ(completionsOf({u"nurv"_s, u""_s}), (QStringList{u"--help"_s, u"--version"_s, u"checksum"_s, u"decode"_s, u"doctor"_s, u"encode"_s, u"fix"_s, u"lossy"_s, u"recover"_s, u"settings"_s, u"shntool"_s, u"tags"_s, u"util"_s}));
     EXPECT_EQ(completionsOf({u"nurv"_s, u"en"_s}), QStringList{u"encode"_s});
 }
 

@@ -23,7 +23,7 @@ expect() {
 }
 
 expect 'encode' nurv e
-expect 'encode decode lossy checksum fix shntool tags settings doctor recover --version --help' nurv ''
+expect 'encode decode lossy checksum fix shntool util tags settings doctor recover --version --help' nurv ''
 expect 'flac' nurv encode --format f
 expect 'wav aiff' nurv decode --format ''
 expect 'flac' nurv encode --format = fl
@@ -38,6 +38,7 @@ expect '--skip-existing' nurv decode --s
 expect '--beside-source' nurv decode --b
 expect '--json' nurv doctor --js
 expect '--dry-run' nurv recover --dr
+expect 'rip dvda replaygain deemphasis rename --help' nurv util ''
 expect 'show set import-cue --help' nurv tags ''
 expect '--title' nurv tags set --ti
 expect '--dry-run' nurv tags import-cue --dr

@@ -8,7 +8,7 @@
 #include "cli/Console.h"
 #include "cli/TagsJson.h"
 #include "cli/TagsRestoring.h"
-#include "cli/TagsRun.h"
+#include "cli/FilesRun.h"
 #include "files/FileNames.h"
 #include "tagging/CueSheetTagImporter.h"
 #include "tagging/TagFields.h"
@@ -29,16 +29,6 @@ using namespace Qt::StringLiterals;
 namespace nurv {
 
 namespace {
-
-std::vector<OptionSpec> reportOptions(const QString &json)
-{
-    return joined(joined({{.name = u"json"_s, .summary = json},
-                          {.name = u"quiet"_s, .summary = u"problems only: no notes, no closing line"_s},
-                          {.name = u"yes"_s, .summary = u"accepted as everywhere; there are no questions"_s},
-                          {.name = u"no"_s, .summary = u"accepted as everywhere; there are no questions"_s}},
-                         unusedOptions()),
-                  standingOptions());
-}
 
 OptionSpec dryRunOption()
 {
@@ -81,12 +71,12 @@ public:
             .details = u"Tells the tags of every FLAC, MP3, Monkey's Audio, WavPack and M4A file that is named.\n"
                        "With --json it also prints every tag as it is stored, pictures and repeated fields\n"
                        "included: a backup that \"nurv tags set --from-json\" gives the files back."_s,
-            .options = reportOptions(u"print one JSON object per file, with all of its tags, and one for the whole"_s)};
+            .options = reportOptionsWithoutJobs(u"print one JSON object per file, with all of its tags, and one for the whole"_s)};
         return spec;
     }
     [[nodiscard]] ExitStatus run(const ParsedArguments &arguments, Console &console) const override
     {
-        TagsRun run(arguments, arguments.operands, console);
+        FilesRun run(arguments, arguments.operands, console, tagsPage());
         const bool isJson = arguments.has(u"json"_s);
         for (const QString &path : run.files()) {
             run.forFile(path, [&]() -> QJsonObject {
@@ -128,7 +118,7 @@ void addOtherHalves(TagWriting &writing)
 }
 
 /// Writes the record, or tells what that would change.
-QJsonObject writeOrTell(TagsRun &run, TagWriting writing, bool writeEmptyTags, bool isTrial)
+QJsonObject writeOrTell(FilesRun &run, TagWriting writing, bool writeEmptyTags, bool isTrial)
 {
     if (!writeEmptyTags)
         addOtherHalves(writing);
@@ -149,7 +139,7 @@ bool isNumberInApeTags(const TagField &field)
     return field.name == u"date" || field.name == u"track";
 }
 
-void tellOfNoEffect(TagsRun &run, const TagsObject &record)
+void tellOfNoEffect(FilesRun &run, const TagsObject &record)
 {
     const auto count = [&run](const auto &isMeant) {
         return std::count_if(run.files().begin(), run.files().end(),
@@ -202,7 +192,7 @@ public:
                        "file that is named. All other tags stay as they are, unless --empty is given. A file is\n"
                        "replaced when its new form is complete; one that cannot be written stays as it was."_s,
             .options = joined(joined(fieldOptions(), otherOptions()),
-                              reportOptions(u"print one JSON object per file and one for the whole"_s))};
+                              reportOptionsWithoutJobs(u"print one JSON object per file and one for the whole"_s))};
         return spec;
     }
     [[nodiscard]] ExitStatus run(const ParsedArguments &arguments, Console &console) const override
@@ -210,7 +200,7 @@ public:
         if (arguments.has(u"from-json"_s))
             return restoreTags(arguments, console);
         const TagsObject record = recordOf(arguments);
-        TagsRun run(arguments, arguments.operands, console);
+        FilesRun run(arguments, arguments.operands, console, tagsPage());
         for (const QString &option : {u"title"_s, u"track"_s}) {
             if (arguments.has(option) && run.files().size() > 1)
                 throw UsageError(u"--%1 goes with one file, and there are %2"_s.arg(option).arg(run.files().size()));
@@ -218,7 +208,7 @@ public:
         tellOfNoEffect(run, record);
         const bool isTrial = arguments.has(u"dry-run"_s);
         if (!isTrial)
-            run.beginWriting(run.files());
+            run.setJournal(tagFiles::beginJournal(run.files()));
         for (const QString &path : run.files()) {
             run.forFile(path, [&] {
                 if (!arguments.has(u"empty"_s) && !takesAnyOf(record, *tagFiles::formatOf(path)))
@@ -344,7 +334,7 @@ public:
             .details = u"Writes album, artist, titles and track numbers of a cue sheet, of any encoding, into files.\n"
                        "The first title goes to the first file in the order of a file browser, and so on."_s,
             .options =
-                joined({dryRunOption()}, reportOptions(u"print one JSON object per file and one for the whole"_s))};
+                joined({dryRunOption()}, reportOptionsWithoutJobs(u"print one JSON object per file and one for the whole"_s))};
         return spec;
     }
     [[nodiscard]] ExitStatus run(const ParsedArguments &arguments, Console &console) const override
@@ -360,12 +350,12 @@ public:
             CueSheetTagImporter::read(QFileInfo(*cue).absoluteFilePath(), &problem);
         if (!names)
             throw UsageError(u"%1: %2"_s.arg(*cue, problem.endsWith(u'.') ? problem.chopped(1) : problem));
-        TagsRun run(arguments, arguments.operands.sliced(1), console);
+        FilesRun run(arguments, arguments.operands.sliced(1), console, tagsPage());
         return write(run, *names, *cue, arguments.has(u"dry-run"_s));
     }
 
 private:
-    static ExitStatus write(TagsRun &run, const CueSheetTagImporter::Names &names, const QString &cue, bool isTrial)
+    static ExitStatus write(FilesRun &run, const CueSheetTagImporter::Names &names, const QString &cue, bool isTrial)
     {
         const qsizetype titles = names.titles.size();
         // The titles behind what is missing would go to its neighbours.
@@ -393,7 +383,7 @@ private:
                 run.files().size()));
         }
         if (!isTrial)
-            run.beginWriting(run.files());
+            run.setJournal(tagFiles::beginJournal(run.files()));
         for (qsizetype i = 0; i < run.files().size(); ++i) {
             TagWriting writing{.path = run.files().at(i), .record = names.album};
             if (titles > 0) {

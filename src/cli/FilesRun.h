@@ -19,18 +19,24 @@ namespace nurv {
 class Console;
 class OutputJournal;
 
-/// One run of a command about tags: its files, and what is told of each.
-class TagsRun {
+/// One run of a command that works on files itself, without jobs: its files, and what is told of each.
+class FilesRun {
 public:
+    /// The page whose rules count, and what it makes use of a file of that name; any thread.
+    struct Page {
+        QString label;
+        std::function<bool(const QString &path)> takes;
+    };
+
     /// Finds the files that the operands name, and tells which were refused.
-    TagsRun(const ParsedArguments &arguments, const QList<QByteArray> &operands, Console &console);
+    FilesRun(const ParsedArguments &arguments, const QList<QByteArray> &operands, Console &console, const Page &page);
 
     /// In the order of a file browser.
     [[nodiscard]] const QStringList &files() const { return m_files; }
     [[nodiscard]] QString nameOf(const QString &path) const { return m_input.names.nameOf(path); }
 
-    /// Before the first of the files is written: notes on the disk that they will be, for a run that is killed.
-    void beginWriting(const QStringList &paths);
+    /// Notes on the disk which files will be written, for a run that is killed: `forFile` ends it for each.
+    void setJournal(std::shared_ptr<OutputJournal> journal) { m_journal = std::move(journal); }
     /// Runs `work` for a file; what it throws is told and counts as a failure. JSON: what `work` returns, or what went
     /// wrong. Does nothing more once the user or the system wants the program to end.
     void forFile(const QString &path, const std::function<QJsonObject()> &work);
@@ -38,6 +44,8 @@ public:
     [[nodiscard]] bool hasRefusals() const { return !m_input.refusals.isEmpty(); }
     /// Whether sounds of kinds without tags were passed over in a folder.
     [[nodiscard]] bool hasSkippedSounds() const { return m_input.hasSkippedSounds; }
+    /// Something could not be done that is of no single file.
+    void tellProblem(const QString &problem);
     /// The file, or what should be one, cannot be worked on.
     void fail(const QString &path, const QString &reason);
     void note(const QString &line);

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "cli/TagsRun.h"
+#include "cli/FilesRun.h"
 
 #include "app/FileArrivals.h"
 #include "app/NURVController.h"
@@ -10,7 +10,6 @@
 #include "desktop/NullDesktopServices.h"
 #include "journal/OutputJournal.h"
 #include "settings/SettingsStore.h"
-#include "tagging/TagFiles.h"
 #include "text/FileNameCollator.h"
 #include "text/PrintableText.h"
 #include "toolbox/Toolbox.h"
@@ -27,7 +26,7 @@ namespace nurv {
 
 namespace {
 
-InputFiles findFiles(const QList<QByteArray> &operands, Console &console)
+InputFiles findFiles(const QList<QByteArray> &operands, Console &console, const FilesRun::Page &page)
 {
     NURVController::registerDefaults(toolbox());
     SettingsStore::instance().setPersistence(SettingsStore::Persistence::MemoryOnly);
@@ -36,30 +35,33 @@ InputFiles findFiles(const QList<QByteArray> &operands, Console &console)
     const NURVController controller(prompts, services, toolbox());
     return collectInput(
         operands, controller.arrivals(),
-        {.label = u"Tags"_s, .door = Door::CommandLine, .paths = {}, .makesJob = [](const QString &path) {
-             return tagFiles::formatOf(path).has_value();
-         }});
+        {.label = page.label, .door = Door::CommandLine, .paths = {}, .makesJob = page.takes});
 }
 
 } // namespace
 
-TagsRun::TagsRun(const ParsedArguments &arguments, const QList<QByteArray> &operands, Console &console)
+FilesRun::FilesRun(const ParsedArguments &arguments, const QList<QByteArray> &operands, Console &console,
+                   const Page &page)
     : m_console(console), m_isJson(arguments.has(u"json"_s)), m_isQuiet(arguments.has(u"quiet"_s)),
-      m_input(findFiles(operands, console)), m_files(m_input.intake.accepted)
+      m_input(findFiles(operands, console, page)), m_files(m_input.intake.accepted)
 {
     FileNameCollator::sortPaths(m_files);
     m_files.removeDuplicates();
-    for (const QString &line : std::as_const(m_input.refusals)) {
-        m_problems.append(line);
-        m_console.writeNote(line);
-        if (m_isJson)
-            m_console.writeJson({{u"type"_s, u"problem"_s}, {u"problem"_s, line}});
-    }
+    for (const QString &line : std::as_const(m_input.refusals))
+        tellProblem(line);
     for (const QString &line : std::as_const(m_input.skipped))
         note(line);
 }
 
-void TagsRun::fail(const QString &path, const QString &reason)
+void FilesRun::tellProblem(const QString &problem)
+{
+    m_problems.append(problem);
+    m_console.writeNote(problem);
+    if (m_isJson)
+        m_console.writeJson({{u"type"_s, u"problem"_s}, {u"problem"_s, problem}});
+}
+
+void FilesRun::fail(const QString &path, const QString &reason)
 {
     m_problems.append(u"%1: %2"_s.arg(nameOf(path), reason));
     m_console.writeNote(m_problems.last());
@@ -68,12 +70,7 @@ void TagsRun::fail(const QString &path, const QString &reason)
             {{u"type"_s, u"problem"_s}, {u"file"_s, nameOf(path)}, {u"path"_s, path}, {u"problem"_s, reason}});
 }
 
-void TagsRun::beginWriting(const QStringList &paths)
-{
-    m_journal = tagFiles::beginJournal(paths);
-}
-
-void TagsRun::forFile(const QString &path, const std::function<QJsonObject()> &work)
+void FilesRun::forFile(const QString &path, const std::function<QJsonObject()> &work)
 {
     if (isToEnd()) {
         ++m_leftCount;
@@ -94,25 +91,25 @@ void TagsRun::forFile(const QString &path, const std::function<QJsonObject()> &w
     }
 }
 
-bool TagsRun::isToEnd() const
+bool FilesRun::isToEnd() const
 {
     pollfd signal{.fd = m_signals.descriptor(), .events = POLLIN, .revents = 0};
     return ::poll(&signal, 1, 0) > 0;
 }
 
-void TagsRun::note(const QString &line)
+void FilesRun::note(const QString &line)
 {
     if (!m_isQuiet)
         m_console.writeNote(line);
 }
 
-void TagsRun::print(const QString &text)
+void FilesRun::print(const QString &text)
 {
     if (!m_isJson)
         m_console.writeOutput(text);
 }
 
-QJsonObject TagsRun::tellChanges(const QString &path, const QStringList &changes)
+QJsonObject FilesRun::tellChanges(const QString &path, const QStringList &changes)
 {
     QString text = printableLine(nameOf(path)) + u'\n';
     for (const QString &change : changes.isEmpty() ? QStringList(u"nothing changes"_s) : changes)
@@ -124,7 +121,7 @@ QJsonObject TagsRun::tellChanges(const QString &path, const QStringList &changes
             {u"changes"_s, QJsonArray::fromStringList(changes)}};
 }
 
-ExitStatus TagsRun::finish(const QString &done)
+ExitStatus FilesRun::finish(const QString &done)
 {
     if (m_leftCount > 0) {
         m_problems.append(u"interrupted: %1 %2 not looked at"_s.arg(m_leftCount)
