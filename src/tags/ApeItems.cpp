@@ -4,10 +4,11 @@
 
 #include "base/NurvFailure.h"
 #include "tags/TagEditStream.h"
+#include "tags/TagLibText.h"
 #include "text/PrintableText.h"
+#include "text/Utf8Text.h"
 
 #include <QString>
-#include <QStringDecoder>
 
 #include <cstdint>
 #include <optional>
@@ -47,14 +48,6 @@ std::optional<TagLib::ByteVector> footerBefore(TagEditStream &stream, std::int64
     return footer.startsWith("APETAGEX") ? std::optional(footer) : std::nullopt;
 }
 
-bool isUtf8(const TagLib::ByteVector &bytes)
-{
-    QStringDecoder decoder(QStringConverter::Utf8, QStringConverter::Flag::Stateless);
-    [[maybe_unused]] const QString text =
-        decoder.decode(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())));
-    return !decoder.hasError();
-}
-
 void refuseUnreadableItemsOf(const TagLib::ByteVector &items, unsigned int count)
 {
     constexpr unsigned int kKindBits = 6; // 0: a text
@@ -72,9 +65,9 @@ void refuseUnreadableItemsOf(const TagLib::ByteVector &items, unsigned int count
             failAsDamaged();
         const TagLib::ByteVector key =
             items.mid(position + kItemHeadBytes, static_cast<unsigned int>(keyEnd) - position - kItemHeadBytes);
-        if ((flags & kKindBits) == 0 && !isUtf8(items.mid(value, size)))
+        if ((flags & kKindBits) == 0 && !fromStrictUtf8(qtBytes(items.mid(value, size))))
             throw NurvFailure(u"Its item %1 is not in UTF-8, as items of APE tags have to be, and would be lost."_s.arg(
-                printableLine(QString::fromLatin1(key.data(), static_cast<qsizetype>(key.size())))));
+                printableLine(QString::fromLatin1(qtBytes(key)))));
         position = value + size;
     }
 }

@@ -6,6 +6,7 @@
 #include "tags/Id3v2Scan.h"
 #include "tags/TagLibFile.h"
 #include "tags/TagLibTagsHelper.h"
+#include "tags/TagLibText.h"
 
 #include <commentsframe.h>
 #include <id3v2header.h>
@@ -26,16 +27,6 @@ using TagLib::ID3v2::TextIdentificationFrame;
 using TagLib::ID3v2::UserTextIdentificationFrame;
 
 constexpr int kFrameIdSize = 4;
-
-QByteArray qtBytes(const TagLib::ByteVector &bytes)
-{
-    return {bytes.data(), static_cast<qsizetype>(bytes.size())};
-}
-
-QString qtText(const TagLib::String &text)
-{
-    return QString::fromStdString(text.to8Bit(true));
-}
 
 /// Lets the scan that stands between files and TagLib see the frame, as a tag of that frame alone.
 bool canBeParsed(const QByteArray &frame)

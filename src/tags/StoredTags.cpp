@@ -9,6 +9,7 @@
 #include "tags/StoredFrames.h"
 #include "tags/TagLibFile.h"
 #include "tags/TagLibTagsHelper.h"
+#include "tags/TagLibText.h"
 #include "tags/TagsProcess.h"
 #include "tags/VorbisFields.h"
 
@@ -36,21 +37,6 @@ constexpr int kId3v1Size = 128;
 constexpr unsigned int kFlacBlockLimit = 0xffffff;
 /// Of a Vorbis comment: a FLAC picture in base64.
 constexpr QStringView kPictureField = u"METADATA_BLOCK_PICTURE";
-
-QString qtText(const TagLib::String &text)
-{
-    return QString::fromStdString(text.to8Bit(true));
-}
-
-QByteArray qtBytes(const TagLib::ByteVector &bytes)
-{
-    return {bytes.data(), static_cast<qsizetype>(bytes.size())};
-}
-
-TagLib::ByteVector byteVector(const QByteArray &bytes)
-{
-    return {bytes.constData(), static_cast<unsigned int>(bytes.size())};
-}
 
 [[noreturn]] void refuse(const StoredTag &tag)
 {

@@ -7,6 +7,7 @@
 #include "tags/AlbumArt.h"
 #include "tags/FlacTagHelper.h"
 #include "tags/TagLibFile.h"
+#include "tags/TagLibText.h"
 #include "tags/TagsProcess.h"
 #include "tags/VorbisFields.h"
 #include "text/TextNumbers.h"
@@ -41,11 +42,6 @@ constexpr std::array<QStringView, 13> kKnownVorbisKeys = {
 bool hasText(const Text &text)
 {
     return text && !text->isEmpty();
-}
-
-QString qtText(const TagLib::String &text)
-{
-    return QString::fromStdString(text.to8Bit(true));
 }
 
 QString numberText(unsigned int number)
@@ -89,11 +85,6 @@ void readPictureInto(TagsObject &tags, const TagLib::ByteVector &bytes)
 {
     PictureReading reading = readPicture(QByteArray(bytes.data(), bytes.size()));
     tags.setAlbumArt(std::move(reading.picture), std::move(reading.fault));
-}
-
-TagLib::ByteVector byteVector(const QByteArray &bytes)
-{
-    return {bytes.constData(), static_cast<unsigned int>(bytes.size())};
 }
 
 // ID3v2

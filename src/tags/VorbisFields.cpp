@@ -4,10 +4,11 @@
 
 #include "base/NurvFailure.h"
 #include "tags/TagEditStream.h"
+#include "tags/TagLibText.h"
 #include "text/PrintableText.h"
+#include "text/Utf8Text.h"
 
 #include <QString>
-#include <QStringDecoder>
 
 #include <flacfile.h>
 
@@ -26,14 +27,6 @@ constexpr unsigned int kNumberBytes = 4;
 [[noreturn]] void failAsDamaged()
 {
     throw NurvFailure(u"its FLAC metadata is damaged"_s);
-}
-
-bool isUtf8(const TagLib::ByteVector &bytes)
-{
-    QStringDecoder decoder(QStringConverter::Utf8, QStringConverter::Flag::Stateless);
-    [[maybe_unused]] const QString text =
-        decoder.decode(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())));
-    return !decoder.hasError();
 }
 
 /// The runs of bytes of a comment, each of which its size goes before.
@@ -69,10 +62,10 @@ void refuseUnreadableFieldsOf(const TagLib::ByteVector &comment)
     for (unsigned int i = 0; i < count; ++i) {
         const TagLib::ByteVector field = runs.next();
         const int equals = field.find('=');
-        if (equals > 0 && isUtf8(field))
+        if (equals > 0 && fromStrictUtf8(qtBytes(field)))
             continue;
         const TagLib::ByteVector name = field.mid(0, static_cast<unsigned int>(std::max(equals, 0)));
-        const QString shown = printableLine(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
+        const QString shown = printableLine(QString::fromUtf8(qtBytes(name)));
         throw NurvFailure(
             shown.isEmpty()
                 ? u"Its tags hold a field without a name, which would be lost."_s
