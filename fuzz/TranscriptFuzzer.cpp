@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "cli/ProblemLine.h"
+#include "app/ProblemLine.h"
 #include "FuzzedChoices.h"
 #include "programs/AtomicParsley.h"
 #include "programs/Flac.h"

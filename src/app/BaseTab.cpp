@@ -143,8 +143,13 @@ void BaseTab::filesAdded()
 
 QStringList BaseTab::chooseFiles()
 {
-    return m_controller.prompts().chooseFiles(
-        {.title = u"Choose files for processing"_s, .buttonText = u"Add Files"_s});
+    QStringList extensions;
+    for (const QString &extension : m_controller.offeredExtensions(m_label))
+        extensions.append(extension.toLower());
+    return m_controller.prompts().chooseFiles({.title = u"Choose files for processing"_s,
+                                               .buttonText = u"Add Files"_s,
+                                               .extensions = extensions,
+                                               .offersAllFiles = true});
 }
 
 void BaseTab::addButtonClick()
@@ -233,10 +238,12 @@ bool BaseTab::confirmDeletingOriginals(bool deleteOriginals)
 {
     if (!deleteOriginals || !SettingsStore::instance().boolean(u"warnOnDelete"_s))
         return true;
-    const Alert question{.title =
-                             u"You have chosen to delete the original files.  Are you sure you want to continue?"_s,
-                         .message = {},
-                         .buttons = {u"Yes"_s, u"No"_s}};
+    const bool goesToTrash = SettingsStore::instance().integer(u"trashOrDelete"_s) != 0;
+    const Alert question{
+        .title = u"You have chosen to delete the original files.  Are you sure you want to continue?"_s,
+        .message = goesToTrash ? u"They will be moved to the trash."_s : u"They will be deleted for good."_s,
+        .buttons = {u"Yes"_s, u"No"_s},
+        .isWarning = true};
     return m_controller.prompts().ask(question) == u"Yes";
 }
 

@@ -13,6 +13,7 @@
 #include "base/NurvFailure.h"
 #include "base/Version.h"
 #include "engine/NURVTaskQueue.h"
+#include "files/FileStatus.h"
 #include "settings/SettingsStore.h"
 
 #include <algorithm>
@@ -91,6 +92,37 @@ void NURVController::didSelectTabViewItem()
         selected->displayRelevantOptions();
 }
 
+QStringList NURVController::offeredExtensions(const QString &label) const
+{
+    const Tool *const page = tool(label);
+    if (page == nullptr)
+        return {};
+    const QString appleLossless = u"M4A"_s;
+    const bool isMissing = page->takesAppleLossless && !page->extensions.contains(appleLossless);
+    return isMissing ? page->extensions + QStringList(appleLossless) : page->extensions;
+}
+
+QString NURVController::pageFor(const QStringList &paths) const
+{
+    constexpr qsizetype kMostLookedAt = 20;
+    QStringList files;
+    for (const QString &path : paths.first(std::min(paths.size(), kMostLookedAt))) {
+        if (isPlainFile(path))
+            files.append(path);
+    }
+    const auto takesAny = [&](const QString &label) {
+        return std::any_of(files.begin(), files.end(), [&](const QString &path) { return isValidFile(label, path); });
+    };
+    if (files.isEmpty() || takesAny(m_selectedLabel))
+        return m_selectedLabel;
+    for (const Tool &page : m_tools) {
+        // One that takes any file says nothing.
+        if (tab(page.label) && !page.extensions.isEmpty() && takesAny(page.label))
+            return page.label;
+    }
+    return m_selectedLabel;
+}
+
 bool NURVController::isValidFile(const QString &label, const QString &path) const
 {
     return look(label, path, FileRule::ByContents) == FileVerdict::Taken;
@@ -128,7 +160,8 @@ void NURVController::openFiles(const QStringList &paths)
 
 bool NURVController::execute(BaseTab &tab)
 {
-    ++m_executions;
+    if (m_executions++ == 0)
+        Q_EMIT executing();
     const bool isDone = runAndTell([&tab] { tab.executeCommand(); });
     if (--m_executions > 0)
         return isDone;

@@ -80,6 +80,11 @@ public:
 
     /// The upper-case extensions that the page takes; empty: it takes any file.
     [[nodiscard]] QStringList extensions(const QString &label) const;
+    /// The same with those that it takes only where the file holds Apple Lossless.
+    [[nodiscard]] QStringList offeredExtensions(const QString &label) const;
+    /// The page for files that arrive before the user has chosen one: the one that shows when it can handle any of
+    /// them, else the first that can. Folders and links count for nothing. Reads a few headers.
+    [[nodiscard]] QString pageFor(const QStringList &paths) const;
     /// Whether the page can handle the file. Any thread; may read the file's header.
     [[nodiscard]] bool isValidFile(const QString &label, const QString &path) const;
     /// What the page makes of the file. Any thread; may read the file's header, once.
@@ -114,6 +119,8 @@ public:
 
 Q_SIGNALS:
     void pageSelected(const QString &label);
+    /// A tab is about to execute.
+    void executing();
     void preferencePanelRequested();
 
 private:

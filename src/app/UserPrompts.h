@@ -19,6 +19,7 @@ struct Alert {
     QString message;
     QStringList buttons;     ///< the first one is the default
     QByteArray picture = {}; ///< the bytes of one that is shown beside the text
+    bool isWarning = false;  ///< what cannot be taken back: the default is the button that changes nothing
 };
 
 /// The button that changes nothing: "No", "Cancel", "Keep" or "Not Now" when there is
@@ -33,6 +34,7 @@ struct FileChooser {
     QString buttonText = {}; ///< empty: the platform's own text
     Kind kind = Kind::Files;
     QStringList extensions = {}; ///< of the files that are offered, in lower case; empty: of any kind
+    bool offersAllFiles = false; ///< others, too, when the user wants to see them
     QString suggestedName = {};  ///< of a file to save
     /// The option that answers it on the command line; without one nothing is chosen there.
     QString option = {};

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/BatchReport.h"
 
+#include "app/ProblemLine.h"
 #include "cli/Console.h"
-#include "cli/ProblemLine.h"
 #include "cli/RowDisplay.h"
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskResults.h"

@@ -12,6 +12,7 @@
 #include <QDir>
 #include <QEventLoop>
 #include <QFileDialog>
+#include <QGridLayout>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPixmap>
@@ -31,6 +32,8 @@ namespace nurv {
 namespace {
 
 constexpr int kPictureSide = 64;
+/// What a window's frame has beside its title.
+constexpr int kTitleButtonsWidth = 140;
 constexpr int kMomentMs = 300;
 
 QStringList localPaths(const QFileDialog &dialog)
@@ -44,22 +47,44 @@ QStringList localPaths(const QFileDialog &dialog)
     return paths;
 }
 
+QString filterOf(const QStringList &extensions, const QString &title)
+{
+    QStringList patterns;
+    // Some desktops' dialogs tell capitals apart.
+    for (const QString &extension : extensions)
+        patterns << u"*."_s + extension << u"*."_s + extension.toUpper();
+    return title + u" ("_s + patterns.join(u' ') + u')';
+}
+
 /// "CUE files (*.cue)", "CUE and TXT files (*.cue *.txt)".
 QString filterFor(const QStringList &extensions)
 {
-    QStringList patterns;
     QStringList kinds;
-    for (const QString &extension : extensions) {
-        // Some desktops' dialogs tell capitals apart.
-        patterns << u"*."_s + extension << u"*."_s + extension.toUpper();
+    for (const QString &extension : extensions)
         kinds.append(extension.toUpper());
-    }
     const QString last = kinds.takeLast();
     const auto translated = [](const char *text) { return QCoreApplication::translate("DesktopPrompts", text); };
     const QString names = kinds.isEmpty()
         ? last
         : translated(QT_TRANSLATE_NOOP("DesktopPrompts", "%1 and %2")).arg(kinds.join(u", "_s), last);
-    return translated(QT_TRANSLATE_NOOP("DesktopPrompts", "%1 files")).arg(names) + u" ("_s + patterns.join(u' ') + u')';
+    return filterOf(extensions, translated(QT_TRANSLATE_NOOP("DesktopPrompts", "%1 files")).arg(names));
+}
+
+/// A box is as wide as its texts, and takes no other width.
+void widenForTitle(QMessageBox &box)
+{
+    auto *const grid = qobject_cast<QGridLayout *>(box.layout());
+    if (grid == nullptr)
+        return;
+    const int width = box.fontMetrics().horizontalAdvance(box.windowTitle()) + kTitleButtonsWidth;
+    grid->addItem(new QSpacerItem(width, 0, QSizePolicy::Minimum, QSizePolicy::Expanding), grid->rowCount(), 0, 1,
+                  grid->columnCount());
+}
+
+/// The words of buttons begin with different letters.
+QString withMnemonic(const QString &title)
+{
+    return title.contains(u'&') ? title : u'&' + title;
 }
 
 QFileDialog::FileMode modeOf(FileChooser::Kind kind)
@@ -84,7 +109,11 @@ void prepare(QFileDialog &dialog, const FileChooser &chooser)
     dialog.setOption(QFileDialog::ShowDirsOnly, chooser.kind == FileChooser::Kind::Folder);
     if (!chooser.buttonText.isEmpty())
         dialog.setLabelText(QFileDialog::Accept, chooser.buttonText);
-    if (!chooser.extensions.isEmpty())
+    if (!chooser.extensions.isEmpty() && chooser.offersAllFiles)
+        dialog.setNameFilters(
+            {filterOf(chooser.extensions, QCoreApplication::translate("DesktopPrompts", "Files for this page")),
+             QCoreApplication::translate("DesktopPrompts", "All files (*)")});
+    else if (!chooser.extensions.isEmpty())
         dialog.setNameFilter(filterFor(chooser.extensions));
     if (!chooser.suggestedName.isEmpty())
         dialog.selectFile(chooser.suggestedName);
@@ -111,7 +140,7 @@ QString DesktopPrompts::ask(const Alert &alert)
     for (QLabel *const label : labels)
         label->setTextFormat(Qt::PlainText);
     const bool isQuestion = alert.buttons.size() > 1;
-    box.setIcon(isQuestion ? QMessageBox::Question : QMessageBox::Information);
+    box.setIcon(alert.isWarning ? QMessageBox::Warning : isQuestion ? QMessageBox::Question : QMessageBox::Information);
     if (!alert.picture.isEmpty()) {
         const qreal ratio = box.devicePixelRatioF();
         QPixmap pixmap = QPixmap::fromImage(pictureView(alert.picture, QSize(kPictureSide, kPictureSide) * ratio));
@@ -123,7 +152,7 @@ QString DesktopPrompts::ask(const Alert &alert)
     QList<QPushButton *> buttons;
     for (qsizetype index = 0; index < alert.buttons.size(); ++index) {
         const auto role = isQuestion && index == dismissing ? QMessageBox::RejectRole : QMessageBox::AcceptRole;
-        QPushButton *const button = box.addButton(alert.buttons.at(index), role);
+        QPushButton *const button = box.addButton(withMnemonic(alert.buttons.at(index)), role);
         button->setAccessibleName(alert.buttons.at(index));
         buttons.append(button);
     }
@@ -131,8 +160,9 @@ QString DesktopPrompts::ask(const Alert &alert)
         box.exec();
         return {};
     }
-    box.setDefaultButton(buttons.first());
+    box.setDefaultButton(alert.isWarning ? buttons.at(dismissing) : buttons.first());
     box.setEscapeButton(buttons.at(dismissing));
+    widenForTitle(box);
     box.exec();
     for (qsizetype index = 0; index < buttons.size(); ++index) {
         if (box.clickedButton() == buttons.at(index))

@@ -86,7 +86,12 @@ FileListView::FileListView(BaseTab &tab, QWidget *parent)
         widenColumn();
     });
     connect(&tab, &BaseTab::columnTextsChanged, this, &FileListView::widenColumn);
-    connect(&tab, &BaseTab::fileNamesChanged, viewport(), qOverload<>(&QWidget::update));
+    connect(&tab, &BaseTab::fileNamesChanged, this, [this] {
+        // The names that were there need no room any more.
+        if (m_model->rowCount() == 0)
+            widenColumn();
+        viewport()->update();
+    });
     if (tab.usesTableViewContextMenu())
         createContextMenu();
 }

@@ -13,6 +13,7 @@
 #include "settings/SettingsStore.h"
 #include "tagging/TagsTab.h"
 #include "ui/ApplicationIcon.h"
+#include "ui/FileListView.h"
 #include "ui/GivenFiles.h"
 #include "ui/OutputWindow.h"
 #include "ui/Pages.h"
@@ -28,6 +29,7 @@
 #include <QDragEnterEvent>
 #include <QMenuBar>
 #include <QScreen>
+#include <QShortcut>
 #include <QTabBar>
 #include <QTabWidget>
 
@@ -69,6 +71,12 @@ MainWindow::MainWindow(NURVController &controller, QWidget *parent)
     connect(&controller, &NURVController::preferencePanelRequested, this, &MainWindow::showPreferences);
     connect(&controller.taskQueue(), &NURVTaskQueue::outputWindowRequested, this, &MainWindow::showReport);
     connect(&m_reportTimer, &QTimer::timeout, this, &MainWindow::showWaitingReport);
+    connect(&controller, &NURVController::executing, m_statusWindow, &StatusWindow::expectBatch);
+    // As on most desktops; Qt has it on some only.
+    connect(new QShortcut(Qt::Key_F10, this), &QShortcut::activated, this, [this] {
+        menuBar()->setFocus(Qt::ShortcutFocusReason);
+        menuBar()->setActiveAction(menuBar()->actions().first());
+    });
     restoreState();
 }
 
@@ -337,6 +345,14 @@ void MainWindow::prepareToQuit()
     if (m_preferencesWindow != nullptr)
         m_preferencesWindow->hide();
     hide();
+}
+
+void MainWindow::showEvent(QShowEvent *event)
+{
+    QMainWindow::showEvent(event);
+    // Not to the tab bar, where the keys would leave the page.
+    if (TabPage *const page = currentPage(); page != nullptr && !std::exchange(m_hasShown, true))
+        page->fileList()->setFocus();
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent *event)

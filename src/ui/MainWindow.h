@@ -68,6 +68,7 @@ Q_SIGNALS:
     void quitConfirmed();
 
 protected:
+    void showEvent(QShowEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dropEvent(QDropEvent *event) override;
@@ -111,6 +112,7 @@ private:
     std::deque<std::pair<QString, QString>> m_waitingReports; ///< texts and titles
     QTimer m_reportTimer;
     QPoint m_outputWindowTopLeft;
+    bool m_hasShown = false;
     bool m_isClosing = false;
 };
 

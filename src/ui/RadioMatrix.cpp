@@ -5,6 +5,7 @@
 #include <QGridLayout>
 #include <QRadioButton>
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -26,6 +27,7 @@ RadioMatrix::RadioMatrix(QWidget *parent) : QWidget(parent)
         if (!checked)
             return;
         m_lastChosen = index;
+        focusChosen();
         Q_EMIT cellChosen(index);
     });
     // A click on another cell has chosen it by now.
@@ -51,6 +53,15 @@ void RadioMatrix::setCells(const QStringList &titles, int columns)
         grid->addWidget(button, index / columns, index % columns);
     }
     grid->setColumnStretch(columns, 1);
+    focusChosen();
+}
+
+/// The Tab key goes to the chosen cell, or to the first.
+void RadioMatrix::focusChosen()
+{
+    const int stop = std::max(selectedIndex(), 0);
+    for (QAbstractButton *const button : m_group.buttons())
+        button->setFocusPolicy(m_group.id(button) == stop ? Qt::StrongFocus : Qt::ClickFocus);
 }
 
 QRadioButton *RadioMatrix::cell(int index) const
@@ -69,6 +80,7 @@ void RadioMatrix::setSelectedIndex(int index)
         checked->setChecked(false);
         m_group.setExclusive(true);
     }
+    focusChosen();
 }
 
 } // namespace nurv

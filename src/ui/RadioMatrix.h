@@ -35,6 +35,8 @@ Q_SIGNALS:
     void cellClickedAgain(int index);
 
 private:
+    void focusChosen();
+
     QButtonGroup m_group;
     int m_lastChosen = -1; ///< by the click that goes on
 };

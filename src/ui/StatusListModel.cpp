@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/StatusListModel.h"
 
+#include "app/ProblemLine.h"
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskQueue.h"
 #include "text/PrintableText.h"
@@ -29,6 +30,16 @@ StatusListModel::StatusListModel(NURVTaskQueue &queue, QObject *parent)
     connect(&queue, &NURVTaskQueue::rowAppended, this, &StatusListModel::wake);
     connect(&queue, &NURVTaskQueue::rowChanged, this, &StatusListModel::markChanged);
     connect(&queue, &NURVTaskQueue::rowsReset, this, &StatusListModel::readAnew);
+    connect(&queue, &NURVTaskQueue::taskSettled, this, [this](const std::shared_ptr<NURVTask> &task) {
+        if (!task->error() || task->cancelled())
+            return;
+        const auto &rows = m_queue.panelArray();
+        const auto place = std::find(rows.begin(), rows.end(), task);
+        if (place == rows.end())
+            return;
+        m_failed.insert(task.get());
+        markChanged(static_cast<int>(place - rows.begin()));
+    });
     connect(&queue, &NURVTaskQueue::scrollRequested, this, [this](int row) {
         m_scrollRow = row;
         wake();
@@ -76,8 +87,22 @@ QVariant StatusListModel::data(const QModelIndex &index, int role) const
         return toolTipText(report.isEmpty() ? job->title() : report);
     }
     case Qt::AccessibleTextRole: return spokenText(*job);
+    case ReasonRole: return reasonOf(*job);
     default: return {};
     }
+}
+
+QString StatusListModel::reasonOf(const NURVTask &task) const
+{
+    if (!m_failed.contains(&task))
+        return {};
+    if (!task.outcome().problem.isEmpty())
+        return printableLine(task.outcome().problem);
+    // Rows are painted often, and reports can be long.
+    const auto known = m_reasons.constFind(&task);
+    if (known != m_reasons.cend())
+        return *known;
+    return *m_reasons.insert(&task, printableLine(problemLine(task.report(), task.sourcePath(), {})));
 }
 
 QString StatusListModel::spokenText(const NURVTask &task) const
@@ -86,6 +111,8 @@ QString StatusListModel::spokenText(const NURVTask &task) const
     if (task.cancelled())
         parts.append(tr("Canceled"));
     parts.append(task.topTextField().text);
+    if (const QString reason = reasonOf(task); !reason.isEmpty())
+        parts.append(reason);
     const RowProgress &progress = task.progressIndicator();
     if (task.isActive() && !progress.hidden && !progress.indeterminate)
         parts.append(tr("%1 percent").arg(static_cast<int>(progress.value)));
@@ -109,6 +136,11 @@ void StatusListModel::readAnew()
 {
     beginResetModel();
     m_count = static_cast<int>(m_queue.panelArray().size());
+    QSet<const NURVTask *> listed;
+    for (const std::shared_ptr<NURVTask> &task : m_queue.panelArray())
+        listed.insert(task.get());
+    m_failed.intersect(listed);
+    m_reasons.clear();
     m_firstChanged = -1;
     m_lastChanged = -1;
     m_scrollRow = -1;

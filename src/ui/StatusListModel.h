@@ -3,6 +3,8 @@
 #pragma once
 
 #include <QAbstractListModel>
+#include <QHash>
+#include <QSet>
 #include <QTimer>
 
 #include <memory>
@@ -18,6 +20,11 @@ class StatusListModel final : public QAbstractListModel {
     Q_OBJECT
 
 public:
+    enum Role {
+        /// Why a job has failed, in one line; empty for any other and until the job is settled.
+        ReasonRole = Qt::UserRole,
+    };
+
     /// The queue must outlive the model.
     explicit StatusListModel(NURVTaskQueue &queue, QObject *parent = nullptr);
 
@@ -43,6 +50,7 @@ private:
     void wake();
     void markChanged(int row);
     void readAnew();
+    [[nodiscard]] QString reasonOf(const NURVTask &task) const;
     [[nodiscard]] QString spokenText(const NURVTask &task) const;
 
     NURVTaskQueue &m_queue;
@@ -51,6 +59,8 @@ private:
     int m_firstChanged = -1;
     int m_lastChanged = -1;
     int m_scrollRow = -1;
+    QSet<const NURVTask *> m_failed;                    ///< and settled
+    mutable QHash<const NURVTask *, QString> m_reasons; ///< of those that were asked for
 };
 
 } // namespace nurv

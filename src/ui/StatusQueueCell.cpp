@@ -17,6 +17,8 @@
 #include <algorithm>
 #include <cmath>
 
+using namespace Qt::StringLiterals;
+
 namespace nurv {
 
 namespace {
@@ -28,6 +30,7 @@ constexpr double kCancelImageSize = 15.0;
 constexpr double kBarInset = 3.5;
 constexpr int kSweepMilliseconds = 1600;
 constexpr double kSweepShare = 0.3;
+constexpr float kStatusStrength = 0.8F;
 
 QFont fontOf(const RowFont &rowFont)
 {
@@ -43,7 +46,7 @@ QColor colorOf(RowColor color, const QStyleOptionViewItem &option, bool isSelect
         return option.palette.color(QPalette::HighlightedText);
     switch (color) {
     case RowColor::SystemRed: return StatusQueueCell::systemRed(option.palette);
-    case RowColor::DarkGreen: return StatusQueueCell::darkGreen();
+    case RowColor::DarkGreen: return StatusQueueCell::darkGreen(option.palette);
     case RowColor::Text: break;
     }
     return option.palette.color(QPalette::Text);
@@ -81,6 +84,11 @@ double luminance(const QColor &color)
            + 0.0722 * static_cast<double>(color.blueF());
 }
 
+bool isDark(const QPalette &palette)
+{
+    return luminance(palette.color(QPalette::Base)) < 0.5;
+}
+
 } // namespace
 
 StatusQueueCell::StatusQueueCell(QObject *parent) : QStyledItemDelegate(parent)
@@ -113,13 +121,39 @@ double StatusQueueCell::pixelsPerPoint(const QWidget *widget)
 
 QColor StatusQueueCell::systemRed(const QPalette &palette)
 {
-    const bool isDark = luminance(palette.color(QPalette::Base)) < 0.5;
-    return isDark ? QColor(255, 105, 97) : QColor(200, 20, 20);
+    return isDark(palette) ? QColor(255, 105, 97) : QColor(200, 20, 20);
 }
 
-QColor StatusQueueCell::darkGreen()
+QColor StatusQueueCell::darkGreen(const QPalette &palette)
 {
-    return QColor::fromRgbF(0.0F, 0.5F, 0.0F, 1.0F);
+    return isDark(palette) ? QColor(110, 210, 120) : QColor::fromRgbF(0.0F, 0.5F, 0.0F, 1.0F);
+}
+
+/// What the job's own texts do not say is added: which file was cancelled, that a program still runs, why it failed.
+void StatusQueueCell::paintTexts(QPainter &painter, const StatusRowLayout &parts, const NURVTask &task,
+                                 const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    const bool isSelected = option.state.testFlag(QStyle::State_Selected);
+    RowText mainLine = task.textField();
+    // The main line of a waiting job is not shown yet; a running program's job may
+    // not have written its own.
+    if (mainLine.text.isEmpty() && task.isActive())
+        mainLine.text = task.title();
+    paintLine(painter, parts.mainLine, mainLine, colorOf(mainLine.color, option, isSelected));
+    if (task.isDone() && task.cancelled() && !mainLine.text.contains(task.title())) {
+        const double width = QFontMetricsF(fontOf(mainLine.font)).horizontalAdvance(mainLine.text + u' ');
+        const RowText title{.text = u"– "_s + task.title(), .color = RowColor::Text, .font = mainLine.font};
+        paintLine(painter, parts.mainLine.adjusted(width, 0.0, 0.0, 0.0), title,
+                  colorOf(title.color, option, isSelected));
+    }
+    RowText status = task.topTextField();
+    if (task.cancelled() && task.isActive() && !task.isDone())
+        status.text = tr("Finishing the current file…");
+    else if (const QString reason = index.data(StatusListModel::ReasonRole).toString(); !reason.isEmpty())
+        status.text += u": "_s + reason;
+    QColor statusColor = colorOf(status.color, option, isSelected);
+    statusColor.setAlphaF(kStatusStrength);
+    paintLine(painter, parts.statusLine, status, statusColor);
 }
 
 void StatusQueueCell::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
@@ -142,17 +176,9 @@ void StatusQueueCell::paint(QPainter *painter, const QStyleOptionViewItem &optio
     painter->save();
     painter->setClipRect(option.rect);
     painter->setRenderHint(QPainter::Antialiasing);
-    RowText mainLine = task->textField();
-    // The main line of a waiting job is not shown yet; a running program's job may
-    // not have written its own.
-    if (mainLine.text.isEmpty() && task->isActive())
-        mainLine.text = task->title();
-    paintLine(*painter, parts.mainLine, mainLine, colorOf(mainLine.color, option, isSelected));
+    paintTexts(*painter, parts, *task, option, index);
     if (!task->progressIndicator().hidden)
         paintBar(*painter, parts.progressBar, *task, option.palette, isSelected);
-    QColor statusColor = colorOf(task->topTextField().color, option, isSelected);
-    statusColor.setAlphaF(0.75F);
-    paintLine(*painter, parts.statusLine, task->topTextField(), statusColor);
     if (!task->cancelButton().hidden) {
         QColor disc = option.palette.color(isSelected ? QPalette::HighlightedText : QPalette::Text);
         disc.setAlphaF(task->cancelled() ? 0.2F : 0.6F);

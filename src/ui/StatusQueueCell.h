@@ -38,9 +38,9 @@ public:
     /// The frame of the parts within an item's rectangle.
     [[nodiscard]] static QRectF frameOf(const QRect &itemRect, double pixelsPerPoint);
     [[nodiscard]] static double pixelsPerPoint(const QWidget *widget);
-    /// A red, and the dark green, for texts on the palette's background.
+    /// A red, and the dark green or one that can be read on a dark ground, for texts on the palette's background.
     [[nodiscard]] static QColor systemRed(const QPalette &palette);
-    [[nodiscard]] static QColor darkGreen();
+    [[nodiscard]] static QColor darkGreen(const QPalette &palette);
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
     [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
@@ -54,6 +54,8 @@ Q_SIGNALS:
     void cancelClicked(const QModelIndex &index);
 
 private:
+    void paintTexts(QPainter &painter, const StatusRowLayout &parts, const NURVTask &task,
+                    const QStyleOptionViewItem &option, const QModelIndex &index) const;
     void paintBar(QPainter &painter, const QRectF &frame, const NURVTask &task, const QPalette &palette,
                   bool isSelected) const;
 

@@ -37,10 +37,12 @@ const QString kGeometryKey = u"window/statusGeometry"_s;
 } // namespace
 
 StatusWindow::StatusWindow(NURVTaskQueue &queue, QWidget *parent)
-    : QWidget(parent, Qt::Tool), m_queue(queue), m_model(new StatusListModel(queue, this)),
+    : QWidget(parent, Qt::Dialog), m_queue(queue), m_model(new StatusListModel(queue, this)),
       m_cell(new StatusQueueCell(this))
 {
     setObjectName(u"statusWindow"_s);
+    // Who has pressed the button goes on where the keyboard was.
+    setAttribute(Qt::WA_ShowWithoutActivating);
     setWindowTitle(tr("Status"));
     createWidgets();
     layOut();
@@ -124,6 +126,8 @@ void StatusWindow::connectAll()
             [this](int row) { m_list->scrollTo(m_model->index(row), QAbstractItemView::EnsureVisible); });
     connect(m_model, &QAbstractItemModel::dataChanged, this, &StatusWindow::showCount);
     connect(m_model, &QAbstractItemModel::rowsInserted, this, &StatusWindow::showCount);
+    connect(m_model, &QAbstractItemModel::rowsInserted, this,
+            [this](const QModelIndex &, int first) { showNewRows(first); });
     connect(m_model, &QAbstractItemModel::modelReset, this, &StatusWindow::showCount);
     connect(&m_queue, &NURVTaskQueue::panelRequested, this, &StatusWindow::requestPanel);
     connect(&m_queue, &NURVTaskQueue::panelCloseRequested, this, &StatusWindow::closePanel);
@@ -145,9 +149,19 @@ void StatusWindow::requestPanel()
         this,
         [this] {
             if (m_showIsPending)
-                bringToFront();
+                appear();
         },
         Qt::QueuedConnection);
+}
+
+void StatusWindow::showNewRows(int first)
+{
+    const auto &rows = m_queue.panelArray();
+    const auto begin = rows.begin();
+    const bool areOthersDone = std::all_of(begin, begin + std::min<std::ptrdiff_t>(first, std::ssize(rows)),
+                                           [](const auto &task) { return task->isDone(); });
+    if (areOthersDone)
+        m_list->scrollTo(m_model->index(first), QAbstractItemView::PositionAtTop);
 }
 
 void StatusWindow::closePanel()
@@ -156,12 +170,19 @@ void StatusWindow::closePanel()
     hide();
 }
 
-void StatusWindow::bringToFront()
+void StatusWindow::appear()
 {
     m_showIsPending = false;
     m_model->flush();
+    if (!m_hasPlace)
+        windowPlace::moveBeside(*this, parentWidget());
     show();
     raise();
+}
+
+void StatusWindow::bringToFront()
+{
+    appear();
     activateWindow();
 }
 

@@ -33,6 +33,8 @@ public:
 
     /// Shows the window, in front and with the keyboard.
     void bringToFront();
+    /// A batch may begin: its first job shows the window, also when the user has closed it since the last one.
+    void expectBatch() { m_wasBroughtUp = false; }
     /// Keeps place and size for the next start.
     void saveState() const;
     [[nodiscard]] QListView *list() const { return m_list; }
@@ -55,6 +57,10 @@ private:
     void createContextMenu();
     void connectAll();
     void requestPanel();
+    /// Shows the window, in front, and leaves the keyboard where it is.
+    void appear();
+    /// New rows behind others that have all ended are where the user looks.
+    void showNewRows(int first);
     void closePanel();
     void showCount();
     void prepareMenu();

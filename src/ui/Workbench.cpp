@@ -96,8 +96,11 @@ int Workbench::run(int &argc, char **argv)
     connect(&instance, &RunningInstance::pageRequested, &window, [&dock](const QString &action) { dock.selectTab(action); });
     if (!given.page.isEmpty() && !dock.selectTab(given.page))
         qCWarning(appLog).noquote() << "There is no page" << given.page << "- there are" << dock.actions().join(u", "_s);
+    const GivenFiles files = filesOfUris(given.uris);
+    if (given.page.isEmpty())
+        workbench.m_controller->selectTab(workbench.m_controller->pageFor(files.paths));
     window.show();
-    window.openFiles(filesOfUris(given.uris));
+    window.openFiles(files);
     StartupRecovery recovery(*workbench.m_controller);
     recovery.start();
     return QApplication::exec();

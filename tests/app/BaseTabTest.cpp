@@ -301,12 +301,11 @@ TEST_F(BaseTabTest, AddsTheSameWhetherItCollectsOnAnotherThreadOrNot)
 
 TEST_F(BaseTabTest, AddsTheFilesThatTheAddButtonChose)
 {
-    const FileChooser chooser{.title = u"Choose files for processing"_s, .buttonText = u"Add Files"_s};
-    prompts.expectFiles(chooser, {u"/music/b.flac"_s, u"/music/a.flac"_s});
+    prompts.expectFilesToAdd(decode.nurvController(), u"decode"_s, {u"/music/b.flac"_s, u"/music/a.flac"_s});
     decode.addButtonClick();
     EXPECT_THAT(listedNames(), ElementsAre(u"a.flac"_s, u"b.flac"_s));
 
-    prompts.expectFiles(chooser, {});
+    prompts.expectFilesToAdd(decode.nurvController(), u"decode"_s, {});
     decode.addButtonClick();
     EXPECT_EQ(decode.additions, 1);
 }
@@ -388,12 +387,10 @@ TEST(BaseTabPrompts, GetNoFolderFromAChooserThatFails)
 
 TEST_F(BaseTabTest, AsksBeforeOriginalsAreDeleted)
 {
-    const QString title =
-        u"You have chosen to delete the original files.  Are you sure you want to continue?"_s;
     EXPECT_TRUE(decode.confirmDeletingOriginals(false));
-    prompts.expectAsk(title, {u"Yes"_s, u"No"_s}, u"Yes"_s);
+    prompts.expectDeletionQuestion(u"Yes"_s);
     EXPECT_TRUE(decode.confirmDeletingOriginals(true));
-    prompts.expectAsk(title, {u"Yes"_s, u"No"_s}, u"No"_s);
+    prompts.expectDeletionQuestion(u"No"_s);
     EXPECT_FALSE(decode.confirmDeletingOriginals(true));
 }
 

@@ -191,6 +191,25 @@ TEST_F(Routing, NamesFilesThatCannotBeReadFromEveryPage)
     }
 }
 
+TEST(RoutingAtTheStart, ChoosesAPageThatTakesOneOfTheFiles)
+{
+    test::TestApplication application({u"decode"_s, u"encode"_s, u"checksum"_s, u"util"_s});
+    const NURVController &controller = application.controller;
+    const test::TestFolder folder;
+    const QString wav = folder.write(u"a.wav"_s, "x");
+    const QString flac = folder.write(u"b.flac"_s, "x");
+    const QString list = folder.write(u"c.md5"_s, "x");
+    EXPECT_EQ(controller.selectedTabViewItem(), u"decode");
+    EXPECT_EQ(controller.pageFor({}), u"decode");
+    EXPECT_EQ(controller.pageFor({flac}), u"decode");
+    EXPECT_EQ(controller.pageFor({wav}), u"encode");
+    EXPECT_EQ(controller.pageFor({wav, flac}), u"decode") << "the one that shows takes one of them";
+    EXPECT_EQ(controller.pageFor({list}), u"checksum");
+    EXPECT_EQ(controller.pageFor({folder.path(), folder.makeLink(u"link.wav"_s, wav), folder.path(u"gone.wav"_s)}),
+              u"decode");
+    EXPECT_EQ(controller.pageFor({folder.write(u"d.jpg"_s, "x")}), u"checksum") << "which takes all";
+}
+
 TEST(RoutingWithoutTabs, AddsNothingAndKeepsThePageExceptForUnknownTypes)
 {
     test::TestApplication application({u"decode"_s});

@@ -2,6 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/ScriptedPrompts.h"
 
+#include "app/NURVController.h"
+#include "settings/SettingsStore.h"
+
 #include <gtest/gtest.h>
 
 #include <utility>
@@ -96,9 +99,31 @@ void ScriptedPrompts::expectAsk(const Alert &alert, const QString &answer)
     m_script.push_back({worded(alert), answer});
 }
 
+void ScriptedPrompts::expectDeletionQuestion(const QString &answer)
+{
+    const bool goesToTrash = SettingsStore::instance().integer(u"trashOrDelete"_s) != 0;
+    expectAsk({.title = u"You have chosen to delete the original files.  Are you sure you want to continue?"_s,
+               .message = goesToTrash ? u"They will be moved to the trash."_s : u"They will be deleted for good."_s,
+               .buttons = {u"Yes"_s, u"No"_s}},
+              answer);
+}
+
 void ScriptedPrompts::expectFiles(const FileChooser &chooser, const QStringList &answer)
 {
     m_script.push_back({worded(ofKind(chooser, FileChooser::Kind::Files)), answer});
+}
+
+void ScriptedPrompts::expectFilesToAdd(const NURVController &controller, const QString &label,
+                                       const QStringList &answer)
+{
+    QStringList extensions;
+    for (const QString &extension : controller.offeredExtensions(label))
+        extensions.append(extension.toLower());
+    expectFiles({.title = u"Choose files for processing"_s,
+                 .buttonText = u"Add Files"_s,
+                 .extensions = extensions,
+                 .offersAllFiles = true},
+                answer);
 }
 
 void ScriptedPrompts::expectFile(const FileChooser &chooser, const std::optional<QString> &answer)

@@ -15,6 +15,10 @@
 #include <utility>
 #include <variant>
 
+namespace nurv {
+class NURVController;
+}
+
 namespace nurv::test {
 
 /// The texts of a panel that a script expects.
@@ -55,7 +59,11 @@ public:
     void expectAsk(const QString &title, const QStringList &buttons, const QString &answer);
     /// An alert with this title, text and these buttons.
     void expectAsk(const Alert &alert, const QString &answer);
+    /// The question before originals go, by the setting that says where to.
+    void expectDeletionQuestion(const QString &answer);
     void expectFiles(const FileChooser &chooser, const QStringList &answer);
+    /// The chooser behind the Add button of a page.
+    void expectFilesToAdd(const NURVController &controller, const QString &label, const QStringList &answer);
     void expectFolder(const FileChooser &chooser, const std::optional<QString> &answer);
     /// The chooser of the tabs, "Choose output directory".
     void expectOutputFolder(const std::optional<QString> &answer);

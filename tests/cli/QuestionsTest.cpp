@@ -12,7 +12,8 @@ using namespace nurv::test;
 
 namespace {
 
-const QByteArray kDeleteQuestion = "You have chosen to delete the original files. Are you sure you want to continue?";
+const QByteArray kDeleteQuestion = "You have chosen to delete the original files. Are you sure you want to continue? "
+                                   "They will be deleted for good.";
 
 } // namespace
 
@@ -42,13 +43,13 @@ TEST(Questions, OnATerminalTheUserIsAskedAndEnterAloneChangesNothing)
     const QStringList arguments{u"encode"_s, u"--beside-source"_s, u"--delete-originals"_s, wav};
     {
         PseudoTerminal terminal(120, 24, nurvPath(), arguments);
-        ASSERT_TRUE(terminal.waitFor("continue? [Yes/No, default No] "));
+        ASSERT_TRUE(terminal.waitFor("continue? They will be deleted for good. [Yes/No, default No] "));
         terminal.type("\n");
         EXPECT_EQ(terminal.finish(), 1);
         EXPECT_EQ(folder.list(), QStringList{u"a.wav"_s});
     }
     PseudoTerminal terminal(120, 24, nurvPath(), arguments);
-    ASSERT_TRUE(terminal.waitFor("continue? [Yes/No, default No] "));
+    ASSERT_TRUE(terminal.waitFor("continue? They will be deleted for good. [Yes/No, default No] "));
     terminal.type("what\ny\n");
     EXPECT_EQ(terminal.finish(), 0);
     EXPECT_EQ(folder.list(), QStringList{u"a.flac"_s});

@@ -20,8 +20,9 @@ namespace {
 
 using SHNtoolCommandTest = SHNtoolCommandFixture;
 
-const QByteArray kDeletion = "nurv: You have chosen to delete the original files. Are you sure you want to continue? "
-                             "Answered \"No\", since there is no terminal to ask on; --yes answers \"Yes\".\n";
+const QByteArray kDeletion =
+    "nurv: You have chosen to delete the original files. Are you sure you want to continue? They will be deleted for "
+    "good. Answered \"No\", since there is no terminal to ask on; --yes answers \"Yes\".\n";
 const QStringList kEdits{u"trim"_s, u"pad"_s, u"strip"_s, u"join"_s};
 
 /// What is left of the samples without the digital silence at both ends.
@@ -177,7 +178,8 @@ TEST_F(SHNtoolCommandTest, EditsDeleteNothingWithoutATerminalOrAgreement)
     PseudoTerminal terminal(
         200, 24, nurvPath(),
         {u"shntool"_s, u"join"_s, u"--output-dir"_s, out, u"--delete-originals"_s, folder.path(u"in"_s)});
-    ASSERT_TRUE(terminal.waitFor("continue? [Yes/No, default No] ")) << terminal.received().constData();
+    ASSERT_TRUE(terminal.waitFor("continue? They will be deleted for good. [Yes/No, default No] "))
+        << terminal.received().constData();
     terminal.type("n\n");
     EXPECT_EQ(terminal.finish(), 1);
     EXPECT_EQ(folder.list(), (QStringList{u"in/a.wav"_s, u"in/b.wav"_s}));

@@ -11,8 +11,6 @@ using namespace Qt::StringLiterals;
 namespace nurv {
 namespace {
 
-const QString kDeleteQuestion = u"You have chosen to delete the original files.  Are you sure you want to continue?"_s;
-
 class DecodeTabTest : public test::HeldQueueFixture {
 protected:
     DecodeTab tab{controller};
@@ -133,12 +131,12 @@ TEST_F(DecodeTabTest, KeepsTheListWhenTheFolderChooserIsCancelled)
 TEST_F(DecodeTabTest, AsksBeforeOriginalsAreDeleted)
 {
     tab.deleteOriginalsButton.setOn(true);
-    prompts.expectAsk(kDeleteQuestion, {u"Yes"_s, u"No"_s}, u"No"_s);
+    prompts.expectDeletionQuestion(u"No"_s);
     press({u"a.flac"_s});
     EXPECT_EQ(queue().taskCount(), 0);
     EXPECT_EQ(tab.fileNames().size(), 1);
 
-    prompts.expectAsk(kDeleteQuestion, {u"Yes"_s, u"No"_s}, u"Yes"_s);
+    prompts.expectDeletionQuestion(u"Yes"_s);
     pressIntoFolder({});
     EXPECT_TRUE(queuedConversions().at(0)->deleteOriginal());
 }

@@ -14,7 +14,6 @@ using namespace Qt::StringLiterals;
 namespace nurv {
 namespace {
 
-const QString kDeleteQuestion = u"You have chosen to delete the original files.  Are you sure you want to continue?"_s;
 const QString kClashQuestion =
     u"One of the output files already exists and will be overwritten.  Are you sure you want to continue?"_s;
 
@@ -233,7 +232,7 @@ TEST_F(EncodeTabTest, KeepsTheListWhenTheFolderChooserIsCancelled)
 TEST_F(EncodeTabTest, AsksBeforeOriginalsAreDeleted)
 {
     tab.deleteOriginalsButton.setOn(true);
-    prompts.expectAsk(kDeleteQuestion, {u"Yes"_s, u"No"_s}, u"Yes"_s);
+    prompts.expectDeletionQuestion(u"Yes"_s);
     pressIntoFolder({u"a.wav"_s});
     const auto tasks = queuedConversions();
     ASSERT_EQ(tasks.size(), 1U);
@@ -243,7 +242,7 @@ TEST_F(EncodeTabTest, AsksBeforeOriginalsAreDeleted)
 TEST_F(EncodeTabTest, KeepsTheListWhenOriginalsShallStay)
 {
     tab.deleteOriginalsButton.setOn(true);
-    prompts.expectAsk(kDeleteQuestion, {u"Yes"_s, u"No"_s}, u"No"_s);
+    prompts.expectDeletionQuestion(u"No"_s);
     press({u"a.wav"_s});
     EXPECT_EQ(queue().taskCount(), 0);
     EXPECT_EQ(tab.fileNames().size(), 1);

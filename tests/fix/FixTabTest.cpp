@@ -102,16 +102,14 @@ TEST_F(FixTabTest, AsksBeforeItDeletes)
     FixTab tab(controller);
     tab.deleteOriginalsButton.setOn(true);
     tab.addMatchedFiles({folder.write(u"a.wav"_s, "x")});
-    const QString question =
-        u"You have chosen to delete the original files.  Are you sure you want to continue?"_s;
-    prompts.expectAsk(question, {u"Yes"_s, u"No"_s}, u"No"_s);
+    prompts.expectDeletionQuestion(u"No"_s);
     tab.executeCommand();
     EXPECT_TRUE(queue().panelArray().empty()) << "and no folder was asked for";
-    prompts.expectAsk(question, {u"Yes"_s, u"No"_s}, u"Yes"_s);
+    prompts.expectDeletionQuestion(u"Yes"_s);
     prompts.expectOutputFolder(std::nullopt);
     tab.executeCommand();
     EXPECT_TRUE(queue().panelArray().empty()) << "without a folder";
-    prompts.expectAsk(question, {u"Yes"_s, u"No"_s}, u"Yes"_s);
+    prompts.expectDeletionQuestion(u"Yes"_s);
     const auto task = queuedBy(tab);
     ASSERT_TRUE(task);
     EXPECT_TRUE(task->deleteOriginal());

@@ -193,8 +193,7 @@ TEST_F(LossyTabTest, TellsEveryJobToDeleteItsSourceAfterAYes)
     for (const QString &encoder : {u"LAME MP3"_s, u"AAC"_s, u"Opus"_s}) {
         tab.outputFormatMatrix.selectTitle(encoder);
         tab.deleteOriginalsButton.setOn(true);
-        prompts.expectAsk(u"You have chosen to delete the original files.  Are you sure you want to continue?"_s,
-                          {u"Yes"_s, u"No"_s}, u"Yes"_s);
+        prompts.expectDeletionQuestion(u"Yes"_s);
         const auto job = queuedFor<LossyEncodeTask>(tab, test::writeWav(folder.path(encoder + u".wav"_s), {.seconds = 0.1}));
         ASSERT_TRUE(job);
         EXPECT_TRUE(job->deleteOriginal()) << qPrintable(encoder);
@@ -233,8 +232,7 @@ TEST_F(LossyTabTest, QueuesNothingAndKeepsTheListWhenOriginalsAreNotToGo)
     LossyTab tab(controller);
     tab.deleteOriginalsButton.setOn(true);
     tab.addMatchedFiles({test::writeWav(folder.path(u"a.wav"_s), {.seconds = 0.1})});
-    prompts.expectAsk(u"You have chosen to delete the original files.  Are you sure you want to continue?"_s,
-                      {u"Yes"_s, u"No"_s}, u"No"_s);
+    prompts.expectDeletionQuestion(u"No"_s);
     tab.executeCommand();
     EXPECT_TRUE(queue().panelArray().empty());
     EXPECT_EQ(tab.fileNames().size(), 1);

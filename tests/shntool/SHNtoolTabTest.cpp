@@ -15,10 +15,6 @@ using namespace Qt::StringLiterals;
 namespace nurv {
 namespace {
 
-const Alert kDeletion{.title = u"You have chosen to delete the original files.  Are you sure you want to continue?"_s,
-                      .message = {},
-                      .buttons = {u"Yes"_s, u"No"_s}};
-
 class SHNtoolTabTest : public test::SHNtoolFixture {
 protected:
     SHNtoolTabTest() { queue().hold(); }
@@ -112,7 +108,7 @@ TEST_F(SHNtoolTabTest, AsksBeforeOriginalsGoAndKeepsTheListOnNo)
     set(u"warnOnDelete", true);
     const auto tab = makeTab(u"join"_s);
     tab->deleteOriginalsButton.setOn(true);
-    prompts.expectAsk(kDeletion, u"No"_s);
+    prompts.expectDeletionQuestion(u"No"_s);
     tab->executeCommand();
     EXPECT_EQ(jobCount(), 0U);
     EXPECT_EQ(tab->fileNames().size(), 2);
@@ -159,7 +155,7 @@ TEST_F(SHNtoolTabTest, StartsWhatDeletesOnceThatIsAgreedTo)
         const std::size_t before = jobCount();
         const auto tab = makeTab(command);
         tab->deleteOriginalsButton.setOn(true);
-        prompts.expectAsk(kDeletion, u"Yes"_s);
+        prompts.expectDeletionQuestion(u"Yes"_s);
         prompts.expectOutputFolder(out.path());
         tab->executeCommand();
         EXPECT_TRUE(tab->fileNames().isEmpty());

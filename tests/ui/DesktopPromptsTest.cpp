@@ -38,7 +38,7 @@ protected:
 QPushButton *buttonOf(const QMessageBox &box, const QString &text)
 {
     for (QAbstractButton *const button : box.buttons()) {
-        if (button->text() == text)
+        if (QString(button->text()).remove(u'&') == text)
             return qobject_cast<QPushButton *>(button);
     }
     ADD_FAILURE() << "no button " << text.toStdString();
@@ -52,7 +52,7 @@ TEST_F(DesktopPromptsTest, AnAlertShowsItsTextsAndReturnsTheChosenButton)
     WhenOpen<QMessageBox> user([](QMessageBox &box) {
         EXPECT_EQ(box.text(), u"Tasks in Progress"_s);
         EXPECT_EQ(box.informativeText(), u"There are 3 tasks"_s);
-        EXPECT_EQ(box.defaultButton()->text(), u"No"_s);
+        EXPECT_EQ(box.defaultButton()->text(), u"&No"_s);
         QTest::mouseClick(buttonOf(box, u"Yes"_s), Qt::LeftButton);
     });
     EXPECT_EQ(prompts.ask(
@@ -64,6 +64,31 @@ TEST_F(DesktopPromptsTest, ReturnPressesTheDefaultButtonAlsoWhenThatIsYes)
 {
     WhenOpen<QMessageBox> user([](QMessageBox &box) { QTest::keyClick(&box, Qt::Key_Return); });
     EXPECT_EQ(prompts.ask({.title = u"Delete?"_s, .message = {}, .buttons = {u"Yes"_s, u"No"_s}}), u"Yes"_s);
+}
+
+TEST_F(DesktopPromptsTest, ReturnChangesNothingInAWarning)
+{
+    const Alert warning{.title = u"Delete?"_s, .message = {}, .buttons = {u"Yes"_s, u"No"_s}, .isWarning = true};
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) {
+        WhenOpen<QMessageBox> user([key](QMessageBox &box) {
+            EXPECT_EQ(box.icon(), QMessageBox::Warning);
+            QTest::keyClick(&box, key);
+        });
+        EXPECT_EQ(prompts.ask(warning), u"No"_s);
+    }
+    WhenOpen<QMessageBox> user([](QMessageBox &box) { QTest::keyClick(&box, Qt::Key_Y, Qt::AltModifier); });
+    EXPECT_EQ(prompts.ask(warning), u"Yes"_s) << "by its mnemonic";
+}
+
+TEST_F(DesktopPromptsTest, ABoxIsWideEnoughForItsTitle)
+{
+    QApplication::setApplicationDisplayName(u"Nurv Audio Workbench"_s);
+    WhenOpen<QMessageBox> user([](QMessageBox &box) {
+        EXPECT_GT(box.width(), box.fontMetrics().horizontalAdvance(box.windowTitle()) + 100);
+        box.accept();
+    });
+    static_cast<void>(prompts.ask({.title = u"No"_s, .message = {}, .buttons = {u"OK"_s}}));
+    QApplication::setApplicationDisplayName({});
 }
 
 TEST_F(DesktopPromptsTest, EscapeChoosesWhatChangesNothing)

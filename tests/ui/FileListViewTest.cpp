@@ -148,6 +148,14 @@ TEST_F(FileListViewTest, WidensTheColumnToElevenTenthsOfTheWidestName)
     EXPECT_NEAR(list->header()->sectionSize(0), 1.1 * widest, 1.0);
 }
 
+TEST_F(FileListViewTest, AnEmptyListNeedsNoRoomForTheNamesThatWereThere)
+{
+    decodeTab.addFiles({folder.write(QString(200, u'x') + u".flac"_s, "x")});
+    ASSERT_GT(list->header()->sectionSize(0), 400);
+    decodeTab.clearFiles();
+    EXPECT_EQ(list->header()->sectionSize(0), 211);
+}
+
 TEST_F(FileListViewTest, FindsTheWidestOfThousandsOfNames)
 {
     QStringList names;

@@ -105,7 +105,7 @@ TEST_F(FilesComingIn, AreLookedAtOnceWhenTheyAreChosen)
 {
     expectOneLookAtEach(
         [this] {
-            prompts.expectFiles({.title = u"Choose files for processing"_s, .buttonText = u"Add Files"_s}, given);
+            prompts.expectFilesToAdd(controller, u"encode"_s, given);
             window.page(u"encode"_s)->chooseFiles();
         },
         true);

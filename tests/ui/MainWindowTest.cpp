@@ -25,6 +25,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScreen>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTabWidget>
@@ -128,8 +129,7 @@ TEST_F(MainWindowTest, AddsFilesFoldersAndExecutesByShortcuts)
 {
     controller.selectTab(u"decode"_s);
     show();
-    prompts.expectFiles({.title = u"Choose files for processing"_s, .buttonText = u"Add Files"_s},
-                        {folder.write(u"a.flac"_s, "x")});
+    prompts.expectFilesToAdd(controller, u"decode"_s, {folder.write(u"a.flac"_s, "x")});
     QTest::keyClick(&window, Qt::Key_O, Qt::ControlModifier);
     ASSERT_TRUE(waitUntil([this] { return decodeTab.fileNames().size() == 1; }));
 
@@ -227,6 +227,36 @@ TEST_F(MainWindowTest, RemembersItsPageAndSize)
     EXPECT_EQ(other.size(), QSize(777, 555));
     EXPECT_EQ(otherController.selectedTabViewItem(), u"encode"_s);
     EXPECT_EQ(other.tabView()->currentIndex(), 1);
+}
+
+TEST_F(MainWindowTest, StartsWithTheKeyboardInTheList)
+{
+    controller.selectTab(u"encode"_s);
+    show();
+    EXPECT_EQ(QApplication::focusWidget(), window.page(u"encode"_s)->fileList());
+}
+
+TEST_F(MainWindowTest, F10GoesToTheMenus)
+{
+    show();
+    QTest::keyClick(&window, Qt::Key_F10);
+    EXPECT_TRUE(waitUntil([this] { return window.menuBar()->activeAction() == window.menuBar()->actions().first(); }));
+    if (QWidget *const menu = QApplication::activePopupWidget())
+        menu->close();
+}
+
+TEST_F(MainWindowTest, IsNeverLargerThanItsScreen)
+{
+    const QRect room = window.screen()->availableGeometry();
+    window.resize(room.size() * 3);
+    window.saveState();
+    NURVController otherController(prompts, services, toolbox());
+    DecodeTab otherDecodeTab(otherController);
+    const MainWindow other(otherController);
+    EXPECT_LE(other.width(), room.width());
+    EXPECT_LE(other.height(), room.height());
+    EXPECT_TRUE(room.contains(other.geometry().topLeft()));
+    SettingsStore::instance().remove(u"window/geometry"_s);
 }
 
 TEST_F(MainWindowTest, OpensAnOutputWindowForEachReportOneBelowTheOther)

@@ -264,8 +264,7 @@ TEST_F(SHNtoolPageTest, ItsMnemonicsReachEveryControl)
         const bool before = box->isChecked();
         expectFromMnemonic(key, [box, before] { return box->isChecked() != before; });
     }
-    prompts.expectFiles({.title = u"Choose files for processing"_s, .buttonText = u"Add Files"_s},
-                        {folder.write(u"a.wav"_s, "x")});
+    prompts.expectFilesToAdd(controller, u"shntool"_s, {folder.write(u"a.wav"_s, "x")});
     expectFromMnemonic(Qt::Key_A, [this] { return shntoolTab.fileNames().size() == 1; });
     expectFromMnemonic(Qt::Key_R, [this] { return shntoolTab.fileNames().isEmpty(); });
 }

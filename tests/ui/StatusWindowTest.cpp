@@ -17,6 +17,7 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
+#include <QWindow>
 
 #include <gtest/gtest.h>
 
@@ -177,6 +178,50 @@ TEST_F(StatusWindowTest, ACancelledRowSaysSoInRed)
     EXPECT_EQ(list->model()->index(0, 0).data().toString(), u"Canceled"_s);
 }
 
+TEST_F(StatusWindowTest, ARowThatWasCancelledStillTellsWhichFileItIs)
+{
+    controller.taskQueue().hold();
+    const auto job = add(u"a song.wav"_s);
+    const auto untitled = add(QString());
+    add(u"3.wav"_s);
+    showRows();
+    job->cancelTask();
+    untitled->cancelTask();
+    handleWaitingEvents();
+    list->viewport()->repaint();
+    const auto inkWidth = [this](int row) {
+        const QImage image = list->viewport()->grab(partsOf(row).mainLine.toAlignedRect()).toImage();
+        int last = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                if (image.pixel(x, y) != image.pixel(image.width() - 1, 0))
+                    last = std::max(last, x);
+            }
+        }
+        return last;
+    };
+    // The title stands behind the word.
+    EXPECT_GT(inkWidth(0), inkWidth(1) + list->fontMetrics().horizontalAdvance(u"song"_s));
+}
+
+TEST_F(StatusWindowTest, AFailedRowSaysWhyOnceItIsSettled)
+{
+    const auto job = add(u"1.wav"_s);
+    job->write(u"flac 1.4\nERROR: no fmt chunk\n"_s);
+    const auto reason = [this] { return list->model()->index(0, 0).data(StatusListModel::ReasonRole).toString(); };
+    add(u"2.wav"_s);
+    showRows();
+    job->finish(true);
+    EXPECT_EQ(reason(), QString()) << "its outcome may still change";
+    Q_EMIT queue.taskSettled(job);
+    EXPECT_EQ(reason(), u"no fmt chunk"_s);
+    EXPECT_TRUE(list->model()->index(0, 0).data(Qt::AccessibleTextRole).toString().endsWith(u"no fmt chunk"_s));
+    queue.removeAllErrors();
+    handleWaitingEvents();
+    EXPECT_EQ(list->model()->index(0, 0).data().toString(), u"2.wav"_s);
+    EXPECT_EQ(reason(), QString());
+}
+
 TEST_F(StatusWindowTest, TheCancelImageOfACancelledJobThatStillRunsIsDimmedAndDead)
 {
     const auto job = add(u"1.wav"_s);
@@ -258,6 +303,50 @@ TEST_F(StatusWindowTest, ComesUpOncePerBatchAndStaysClosedWhenTheUserClosesIt)
     EXPECT_TRUE(waitUntil([this] { return status->isVisible(); }));
 }
 
+TEST_F(StatusWindowTest, ComesUpAgainAtEachPressOfTheButtonAndLeavesTheKeyboard)
+{
+    show();
+    add(u"1.wav"_s);
+    showRows();
+    // What the window systems look at; the one of the tests activates whatever is shown.
+    EXPECT_TRUE(status->windowHandle()->property("_q_showWithoutActivating").toBool())
+        << "it takes no keys from whoever types";
+    status->close();
+    add(u"2.wav"_s);
+    handleWaitingEvents();
+    EXPECT_FALSE(status->isVisible());
+    Q_EMIT controller.executing();
+    add(u"3.wav"_s);
+    EXPECT_TRUE(waitUntil([this] { return status->isVisible(); }));
+}
+
+TEST_F(StatusWindowTest, NoShortcutReachesTheWindowBehindIt)
+{
+    controller.selectTab(u"encode"_s);
+    show();
+    status->bringToFront();
+    ASSERT_TRUE(waitUntil([this] { return status->isActiveWindow(); }));
+    const bool before = encodeTab.deleteOriginalsButton.isOn();
+    for (int key = Qt::Key_A; key <= Qt::Key_Z; ++key) {
+        if (key != Qt::Key_A && key != Qt::Key_E)
+            QTest::keyClick(list, static_cast<Qt::Key>(key), Qt::AltModifier);
+    }
+    QTest::qWait(200);
+    EXPECT_EQ(encodeTab.deleteOriginalsButton.isOn(), before);
+    EXPECT_NE(status->windowType(), Qt::Tool) << "Qt takes its shortcuts for those of its parent";
+}
+
+TEST_F(StatusWindowTest, ShowsTheRowsOfANewBatchBehindThoseThatFailed)
+{
+    for (int i = 0; i < 60; ++i)
+        add(u"old"_s)->finish(true);
+    add(u"new 1"_s);
+    add(u"new 2"_s);
+    showRows();
+    EXPECT_TRUE(waitUntil(
+        [this] { return list->viewport()->rect().intersects(list->visualRect(list->model()->index(60, 0))); }));
+}
+
 TEST_F(StatusWindowTest, DoesNotAppearForABatchThatIsOverAtOnce)
 {
     add(u"1.wav"_s)->finish();
@@ -326,7 +415,7 @@ TEST_F(StatusWindowTest, ElidesALongNameInTheMiddleOfItsLine)
     EXPECT_TRUE(isBlank(beside));
 }
 
-TEST_F(StatusWindowTest, ItsRedIsLegibleInLightAndDarkPalettes)
+TEST_F(StatusWindowTest, ItsRedAndGreenAreLegibleInLightAndDarkPalettes)
 {
     const auto luminance = [](const QColor &color) {
         const auto linear = [](double value) {
@@ -337,9 +426,11 @@ TEST_F(StatusWindowTest, ItsRedIsLegibleInLightAndDarkPalettes)
     for (const QColor &base : {QColor(255, 255, 255), QColor(27, 30, 32)}) {
         QPalette palette;
         palette.setColor(QPalette::Base, base);
-        const double red = luminance(StatusQueueCell::systemRed(palette)) + 0.05;
-        const double ground = luminance(base) + 0.05;
-        EXPECT_GE(std::max(red, ground) / std::min(red, ground), 4.5) << base.name().toStdString();
+        for (const QColor &text : {StatusQueueCell::systemRed(palette), StatusQueueCell::darkGreen(palette)}) {
+            const double ink = luminance(text) + 0.05;
+            const double ground = luminance(base) + 0.05;
+            EXPECT_GE(std::max(ink, ground) / std::min(ink, ground), 4.5) << base.name().toStdString();
+        }
     }
 }
 

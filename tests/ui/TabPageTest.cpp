@@ -52,8 +52,7 @@ TEST_F(TabPageTest, TheAddButtonAsksForFilesAndListsThem)
 {
     TabPage *const page = openPage(u"decode"_s);
     show();
-    prompts.expectFiles({.title = u"Choose files for processing"_s, .buttonText = u"Add Files"_s},
-                        {folder.write(u"a.flac"_s, "x"), folder.write(u"b.flac"_s, "x")});
+    prompts.expectFilesToAdd(controller, u"decode"_s, {folder.write(u"a.flac"_s, "x"), folder.write(u"b.flac"_s, "x")});
     QTest::mouseClick(part<QPushButton>(page, u"addButton"_s), Qt::LeftButton);
     EXPECT_TRUE(page->isAddingFiles());
     ASSERT_TRUE(waitUntil([&] { return page->fileList()->model()->rowCount() == 2; }));
@@ -115,6 +114,14 @@ TEST_F(TabPageTest, OffersTheOptionsOfTheChosenFormatOnly)
     EXPECT_TRUE(enabled(u"generateFFPButton"_s));
     EXPECT_FALSE(enabled(u"generateMD5Button"_s));
     EXPECT_FALSE(enabled(u"apeSlider"_s));
+    auto *const lax = part<QCheckBox>(page, u"flacLaxButton"_s);
+    lax->click();
+    EXPECT_FALSE(enabled(u"flacSlider"_s)) << "which has no effect then";
+    formats->cell(0)->click();
+    formats->cell(2)->click();
+    EXPECT_FALSE(enabled(u"flacSlider"_s));
+    lax->click();
+    EXPECT_TRUE(enabled(u"flacSlider"_s));
 
     formats->cell(0)->click(); // Shorten
     EXPECT_FALSE(enabled(u"flacSlider"_s));
@@ -190,8 +197,7 @@ TEST_F(TabPageTest, FilesThatArriveWhileTheUserIsAskedStayOnTheList)
     encodeTab.deleteOriginalsButton.setOn(true);
     encodeTab.addFiles({folder.write(u"a.wav"_s, "no sound")});
     ASSERT_TRUE(SettingsStore::instance().boolean(u"warnOnDelete"_s));
-    prompts.expectAsk(u"You have chosen to delete the original files.  Are you sure you want to continue?"_s,
-                      {u"Yes"_s, u"No"_s}, u"Yes"_s);
+    prompts.expectDeletionQuestion(u"Yes"_s);
     // As an open request over the bus does while the question is on the screen.
     prompts.duringNextQuestion([this] {
         FileIntake late;

@@ -6,6 +6,7 @@
 #include "ui/OptionWidgets.h"
 
 #include <QGroupBox>
+#include <QSlider>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -31,6 +32,15 @@ void EncodePage::addFlacOptions()
     addSlider(group, m_encodeTab.flacSlider, tr("Level"), u"flacSlider"_s, tr("FLAC compression level"), parent);
     addCheckBox(group, m_encodeTab.flacLaxButton, tr("Lax (&no level)"), u"flacLaxButton"_s,
                 tr("Passes --lax instead of a compression level; no effect on WavPack and Apple Lossless sources"), parent);
+    // Behind the binding, which enables the slider as the format does.
+    auto *const slider = parent->findChild<QSlider *>(u"flacSlider"_s);
+    const auto showUse = [this, slider] {
+        slider->setEnabled(m_encodeTab.flacSlider.isEnabled() && !m_encodeTab.flacLaxButton.isOn());
+    };
+    for (Control *const control :
+         {static_cast<Control *>(&m_encodeTab.flacSlider), static_cast<Control *>(&m_encodeTab.flacLaxButton)})
+        connect(control, &Control::changed, slider, showUse);
+    showUse();
     addCheckBox(group, m_encodeTab.flacVerifyButton, tr("&Verify while encoding"), u"flacVerifyButton"_s,
                 tr("Decodes what is being written and compares it with the source"), parent);
     addCheckBox(group, m_encodeTab.flacKeepForeignMetadataButton, tr("&Keep foreign metadata"),
