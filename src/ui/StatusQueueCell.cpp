@@ -152,7 +152,8 @@ void StatusQueueCell::paintTexts(QPainter &painter, const StatusRowLayout &parts
     else if (const QString reason = index.data(StatusListModel::ReasonRole).toString(); !reason.isEmpty())
         status.text += u": "_s + reason;
     QColor statusColor = colorOf(status.color, option, isSelected);
-    statusColor.setAlphaF(kStatusStrength);
+    if (!isSelected && status.color == RowColor::Text)
+        statusColor.setAlphaF(kStatusStrength);
     paintLine(painter, parts.statusLine, status, statusColor);
 }
 

@@ -15,6 +15,7 @@
 #include "toolbox/Toolbox.h"
 #include "ui/ApplicationIcon.h"
 #include "ui/GivenFiles.h"
+#include "ui/LegiblePalette.h"
 #include "ui/LegibleStyle.h"
 #include "ui/MainWindow.h"
 #include "ui/RunningInstance.h"
@@ -78,6 +79,7 @@ int Workbench::run(int &argc, char **argv)
     QApplication::setWindowIcon(applicationIcon());
     QApplication::setQuitOnLastWindowClosed(false);
     LegibleStyle::install();
+    const LegiblePalette palette;
 
     const GivenArguments given = givenArguments(argc, argv);
     RunningInstance instance;

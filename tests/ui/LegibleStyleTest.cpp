@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/LegibleStyle.h"
 
+#include "ui/Contrast.h"
+
 #include <QCheckBox>
 #include <QImage>
 #include <QLineEdit>
@@ -12,7 +14,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <memory>
 
 using namespace Qt::StringLiterals;
@@ -23,25 +24,6 @@ namespace {
 
 const QPalette kDark(QColor(60, 60, 64), QColor(0x2d, 0x2d, 0x30));
 const QPalette kLight(QColor(240, 240, 240), QColor(239, 239, 239));
-
-double linear(double value)
-{
-    return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-}
-
-double luminance(const QColor &color)
-{
-    return 0.2126 * linear(color.red() / 255.0) + 0.7152 * linear(color.green() / 255.0)
-           + 0.0722 * linear(color.blue() / 255.0);
-}
-
-/// The contrast ratio of the accessibility guidelines, which ask for 3 around controls.
-double contrast(const QColor &one, const QColor &other)
-{
-    // The list form returns values; the other one would refer to what is gone.
-    const auto [darker, lighter] = std::minmax({luminance(one), luminance(other)});
-    return (lighter + 0.05) / (darker + 0.05);
-}
 
 template<typename Button>
 QImage pictureOf(QStyle &style, const QPalette &palette)

@@ -5,6 +5,7 @@
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskQueue.h"
 #include "support/WaitUntil.h"
+#include "ui/Contrast.h"
 #include "ui/JobInState.h"
 #include "ui/StatusListModel.h"
 #include "ui/StatusQueueCell.h"
@@ -21,7 +22,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <set>
 
 using namespace Qt::StringLiterals;
@@ -417,20 +417,11 @@ TEST_F(StatusWindowTest, ElidesALongNameInTheMiddleOfItsLine)
 
 TEST_F(StatusWindowTest, ItsRedAndGreenAreLegibleInLightAndDarkPalettes)
 {
-    const auto luminance = [](const QColor &color) {
-        const auto linear = [](double value) {
-            return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-        };
-        return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
-    };
     for (const QColor &base : {QColor(255, 255, 255), QColor(27, 30, 32)}) {
         QPalette palette;
         palette.setColor(QPalette::Base, base);
-        for (const QColor &text : {StatusQueueCell::systemRed(palette), StatusQueueCell::darkGreen(palette)}) {
-            const double ink = luminance(text) + 0.05;
-            const double ground = luminance(base) + 0.05;
-            EXPECT_GE(std::max(ink, ground) / std::min(ink, ground), 4.5) << base.name().toStdString();
-        }
+        for (const QColor &text : {StatusQueueCell::systemRed(palette), StatusQueueCell::darkGreen(palette)})
+            EXPECT_GE(contrast(text, base), 4.5) << base.name().toStdString();
     }
 }
 

@@ -13,21 +13,23 @@
 #include "checksum/ChecksumTab.h"
 #include "convert/DecodeTab.h"
 #include "convert/EncodeTab.h"
-#include "lossy/LossyTab.h"
 #include "desktop/NullDesktopServices.h"
 #include "fix/FixTab.h"
+#include "lossy/LossyTab.h"
 #include "settings/SettingsStore.h"
 #include "shntool/SHNtoolTab.h"
-#include "tagging/TagFiles.h"
-#include "tagging/TagsTab.h"
-#include "TagFixtures.h"
 #include "support/AudioFixtures.h"
 #include "support/TestFolder.h"
 #include "support/WaitUntil.h"
+#include "TagFixtures.h"
+#include "tagging/TagFiles.h"
+#include "tagging/TagsTab.h"
 #include "toolbox/Toolbox.h"
+#include "ui/DarkPalette.h"
 #include "ui/DesktopPrompts.h"
 #include "ui/FileListView.h"
 #include "ui/JobInState.h"
+#include "ui/LegiblePalette.h"
 #include "ui/LegibleStyle.h"
 #include "ui/MainWindow.h"
 #include "ui/OutputWindow.h"
@@ -59,31 +61,6 @@ namespace nurv::test {
 namespace {
 
 constexpr QSize kWindowSize{860, 690};
-
-QPalette darkPalette()
-{
-    const QColor window(0x2d, 0x2d, 0x30);
-    QPalette palette(QColor(0x3e, 0x3e, 0x42), window);
-    const QColor base(0x1e, 0x1e, 0x1e);
-    const QColor text(232, 233, 235);
-    const QColor accent(61, 126, 214);
-    palette.setColor(QPalette::WindowText, text);
-    palette.setColor(QPalette::Base, base);
-    palette.setColor(QPalette::AlternateBase, QColor(0x25, 0x25, 0x27));
-    palette.setColor(QPalette::Text, text);
-    palette.setColor(QPalette::ButtonText, text);
-    palette.setColor(QPalette::BrightText, Qt::white);
-    palette.setColor(QPalette::ToolTipBase, base);
-    palette.setColor(QPalette::ToolTipText, text);
-    palette.setColor(QPalette::PlaceholderText, QColor(150, 153, 158));
-    palette.setColor(QPalette::Highlight, accent);
-    palette.setColor(QPalette::HighlightedText, Qt::white);
-    palette.setColor(QPalette::Link, accent);
-    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
-        palette.setColor(QPalette::Disabled, role, QColor(120, 123, 128));
-    palette.setColor(QPalette::Disabled, QPalette::Highlight, QColor(80, 83, 88));
-    return palette;
-}
 
 QStringList concert(const QString &extension)
 {
@@ -251,6 +228,7 @@ void showRows(NURVTaskQueue &queue, StatusWindow &status, const QDir &folder, co
     jobs[1]->show(u"Encoding"_s, 34.0);
     jobs[1]->write(u"2 River of Glass.wav: ERROR: unexpected end of file\n"_s);
     jobs[1]->finish(true);
+    Q_EMIT queue.taskSettled(jobs[1]);
     jobs[2]->show(u"Encoding"_s, 52.0);
     jobs[2]->setCancelled(true);
     jobs[2]->finish();
@@ -393,8 +371,7 @@ void showSmallPanels(const QDir &folder, const QString &suffix)
 int render(const QDir &folder, const QString &suffix)
 {
     QApplication::setStyle(new LegibleStyle);
-    if (suffix == u"dark"_s)
-        QApplication::setPalette(darkPalette());
+    QApplication::setPalette(LegiblePalette::corrected(suffix == u"dark"_s ? darkPalette() : QApplication::palette()));
     SettingsStore::instance().setPersistence(SettingsStore::Persistence::MemoryOnly);
     NURVController::registerDefaults(toolbox());
     SettingsStore::instance().setValue(u"maxThreads"_s, 3);
