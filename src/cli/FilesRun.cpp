@@ -91,6 +91,13 @@ void FilesRun::forFile(const QString &path, const std::function<QJsonObject()> &
     }
 }
 
+void FilesRun::tellDone(const QJsonObject &object)
+{
+    ++m_doneCount;
+    if (m_isJson)
+        m_console.writeJson(object);
+}
+
 bool FilesRun::isToEnd() const
 {
     pollfd signal{.fd = m_signals.descriptor(), .events = POLLIN, .revents = 0};

@@ -40,6 +40,12 @@ public:
     /// Runs `work` for a file; what it throws is told and counts as a failure. JSON: what `work` returns, or what went
     /// wrong. Does nothing more once the user or the system wants the program to end.
     void forFile(const QString &path, const std::function<QJsonObject()> &work);
+    /// Something was done with a file outside `forFile`. JSON: the object.
+    void tellDone(const QJsonObject &object);
+    /// So many files were not looked at, since the user or the system wants the program to end.
+    void leave(qsizetype count) { m_leftCount += count; }
+    /// Whether the user or the system wants the program to end.
+    [[nodiscard]] bool isToEnd() const;
     /// Whether one of the files that were asked for cannot be worked on.
     [[nodiscard]] bool hasRefusals() const { return !m_input.refusals.isEmpty(); }
     /// Whether sounds of kinds without tags were passed over in a folder.
@@ -57,8 +63,6 @@ public:
     [[nodiscard]] ExitStatus finish(const QString &done);
 
 private:
-    [[nodiscard]] bool isToEnd() const;
-
     Console &m_console;
     bool m_isJson;
     bool m_isQuiet;
@@ -67,8 +71,8 @@ private:
     QStringList m_problems;
     std::shared_ptr<OutputJournal> m_journal;
     TerminationSignals m_signals;
-    int m_doneCount = 0;
-    int m_leftCount = 0; ///< not looked at, since the program is to end
+    qsizetype m_doneCount = 0;
+    qsizetype m_leftCount = 0; ///< not looked at, since the program is to end
 };
 
 } // namespace nurv

@@ -21,14 +21,19 @@ void NSTaskWrapperSync::appendToPATH(const QString &folder)
     nurv::appendToPATH(m_command.environment, folder);
 }
 
-QString NSTaskWrapperSync::runTask()
+QString NSTaskWrapperSync::runTask(const std::function<bool()> &isUnwanted)
 {
     setUnbuffered(m_command.environment);
-    const ChildResult result = runChild(m_command);
+    QByteArray output;
+    const auto take = [&output](const QByteArray &bytes) {
+        output += bytes;
+        return true;
+    };
+    const ChildResult result = followChild(m_command, {.take = take, .isUnwanted = isUnwanted});
     if (!result.exit)
         m_totalOutput = missingProgramText(m_command.launchPath, result.startError);
     else
-        m_totalOutput = fromStrictUtf8(result.output).value_or(QString());
+        m_totalOutput = fromStrictUtf8(output).value_or(QString());
     return m_totalOutput;
 }
 

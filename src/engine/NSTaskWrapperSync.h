@@ -7,6 +7,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 namespace nurv {
 
 /// Runs one command-line program to its end and returns all it wrote.
@@ -26,8 +28,9 @@ public:
     /// Runs the program. Returns its standard output and error, interleaved,
     /// decoded as UTF-8; output that is no UTF-8 gives an empty text. A program
     /// that cannot be started gives a text that names it, the folder and the
-    /// package that provides it.
-    QString runTask();
+    /// package that provides it. Once `isUnwanted` (may be empty) returns true, the
+    /// program is ended with its process group, and the text is what it had written.
+    QString runTask(const std::function<bool()> &isUnwanted = {});
     /// The output of the last `runTask`.
     [[nodiscard]] const QString &output() const { return m_totalOutput; }
 

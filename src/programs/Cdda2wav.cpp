@@ -75,6 +75,11 @@ QStringList extractionArguments(const QString &range, bool isOneFile, const QStr
                      << u"dev="_s + address;
 }
 
+QString addressOf(const QStringList &arguments)
+{
+    return arguments.isEmpty() ? QString() : arguments.last().section(u'=', 1);
+}
+
 QString fileName()
 {
     return u"audio.wav"_s;

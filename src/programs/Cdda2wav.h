@@ -36,6 +36,8 @@ struct TrackRange {
 /// Reads the tracks with paranoia into WAV files of the working folder: one of each, or one of all. `address`: what
 /// follows "dev=".
 [[nodiscard]] QStringList extractionArguments(const QString &range, bool isOneFile, const QString &address);
+/// The address in such arguments.
+[[nodiscard]] QString addressOf(const QStringList &arguments);
 
 /// What such a run calls the file of all it reads: "audio.wav".
 [[nodiscard]] QString fileName();

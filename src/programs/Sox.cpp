@@ -4,9 +4,37 @@
 
 #include "text/TextNumbers.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace nurv::sox {
+
+namespace {
+
+/// Without one of these a backslash means itself.
+constexpr QStringView kPatternCharacters = u"*?[{";
+constexpr QStringView kQuotedCharacters = u"*?[]{},~\\";
+
+bool isPattern(const QString &name)
+{
+    return std::any_of(name.begin(), name.end(), [](QChar letter) { return kPatternCharacters.contains(letter); });
+}
+
+QString quoted(const QString &name)
+{
+    if (!isPattern(name))
+        return name;
+    QString pattern;
+    for (const QChar letter : name) {
+        if (kQuotedCharacters.contains(letter))
+            pattern += u'\\';
+        pattern += letter;
+    }
+    return pattern;
+}
+
+} // namespace
 
 const ExternalProgram &program()
 {
@@ -19,7 +47,21 @@ const ExternalProgram &program()
 
 QStringList deEmphasisArguments(const QString &source, const QString &output)
 {
-    return {u"-S"_s, source, output, u"deemph"_s};
+    return {u"-S"_s, quoted(source), output, u"deemph"_s};
+}
+
+QString deEmphasisSource(const QStringList &arguments)
+{
+    const QString &pattern = arguments.at(1);
+    if (!isPattern(pattern))
+        return pattern;
+    QString name;
+    for (qsizetype at = 0; at < pattern.size(); ++at) {
+        if (pattern.at(at) == u'\\')
+            ++at;
+        name += pattern.at(at);
+    }
+    return name;
 }
 
 DeEmphasisReport parseDeEmphasis(QStringView chunk)

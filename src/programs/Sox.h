@@ -17,7 +17,11 @@ namespace nurv::sox {
 [[nodiscard]] const ExternalProgram &program();
 
 /// A file with pre-emphasis to one without; the output's extension says its format. It takes 44100 and 48000 Hz only.
+/// The program opens what the source's name means as a pattern of glob(7), so that one with "[1]" would be another
+/// file: what it would obey there is written with backslashes.
 [[nodiscard]] QStringList deEmphasisArguments(const QString &source, const QString &output);
+/// The source in such arguments, as it is called.
+[[nodiscard]] QString deEmphasisSource(const QStringList &arguments);
 
 // "In:42.5% 00:00:10.22 [00:00:13.78] Out:451k  [  -===|===-  ]        Clip:0    ", each line over the one before, in the
 // end "Done.". What it says of the files stands before the first of them.

@@ -211,7 +211,7 @@ bool DesktopPrompts::waitFor(const QString &what,
         const std::scoped_lock lock(state->lock);
         return state->isDone;
     };
-    // What comes at once shows no dialog; until then nobody can press anything else.
+    // What comes at once shows no dialog; what is pressed until then waits for it.
     QTimer::singleShot(kMomentMs, &loop, &QEventLoop::quit);
     if (!isDone())
         loop.exec(QEventLoop::ExcludeUserInputEvents);

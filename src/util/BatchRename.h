@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 
 namespace nurv {
@@ -16,8 +17,8 @@ struct Renaming {
     QString to;
 };
 
-/// Files renamed to a prefix and their number. Nothing is ever renamed over another file. What was renamed last is noted in
-/// the user's state folder, so that it can be undone, also by another start. GUI thread, or a command without one.
+/// Files renamed to a prefix and their number. Nothing is ever renamed over another file. What was renamed last is
+/// noted in the user's state folder, so that it can be undone, also by another start. One thread at a time.
 namespace batchRename {
 
 /// The n-th file, from 1 on, to the prefix, n with at least two digits, and its own extension.
@@ -33,16 +34,18 @@ namespace batchRename {
 struct Outcome {
     QList<Renaming> done;
     QStringList problems; ///< a line for each that was not renamed, or for what else went wrong
+    qsizetype leftCount = 0; ///< how many were not looked at, since it was to end
+    bool isRefused = false;  ///< all stay, since a job works on one of them, or since it could not be undone
 };
 
-/// Renames one after the other, and goes on behind one that fails.
-[[nodiscard]] Outcome rename(const QList<Renaming> &plan);
+/// Renames one after the other, and goes on behind one that fails. `isUnwanted` (may be empty): asked before each.
+[[nodiscard]] Outcome rename(const QList<Renaming> &plan, const std::function<bool()> &isUnwanted = {});
 
-/// Whether there is anything to undo, as far as is noted.
+/// Whether there is a note of what was renamed. Does not look at the files.
 [[nodiscard]] bool canUndo();
-/// Gives the files of the last `rename` the names that they had. A name that was taken meanwhile, and a file that is not
-/// the one that was renamed, stay as they are, and can be undone later.
-[[nodiscard]] Outcome undo();
+/// Gives the files of the last `rename` the names that they had. A name that was taken meanwhile, and a file that is no
+/// longer the one that was renamed, stay as they are, and can be undone later.
+[[nodiscard]] Outcome undo(const std::function<bool()> &isUnwanted = {});
 
 } // namespace batchRename
 

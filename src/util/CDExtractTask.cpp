@@ -139,11 +139,15 @@ std::optional<QString> CDExtractTask::prepare()
 
 std::optional<QString> CDExtractTask::claim(const QString &path, const QString &source)
 {
+    // Before the look at the name, so that what another job makes is not taken for somebody's file.
+    auto &claim = m_claims.emplace_back(std::make_unique<OutputClaim>());
+    if (std::optional<QString> refusal = claim->take(path, source, nullptr))
+        return refusal;
     if (isLink(path))
         return u"its output name %1 is a link"_s.arg(lastPathComponent(path));
     if (isThere(path))
         return u"%1 is there already"_s.arg(lastPathComponent(path));
-    return m_claims.emplace_back(std::make_unique<OutputClaim>())->take(path, source, nullptr);
+    return std::nullopt;
 }
 
 /// Nobody sees when the program begins with each track.
@@ -286,11 +290,32 @@ void CDExtractTask::checkSound(const QString &path)
         noteFailure(u"%1 holds less sound than its header tells"_s.arg(lastPathComponent(path)));
 }
 
+/// To "disc.log-2.txt" and so on: that of the tracks before a gap, or of another disc that the desktop calls the same.
+bool CDExtractTask::moveOlderLogAside() const
+{
+    if (!isThere(logPath()))
+        return true;
+    constexpr int kMostLogs = 1000;
+    for (int number = 2; number < kMostLogs; ++number) {
+        const QString aside = pathOf(u"%1.log-%2.txt"_s.arg(m_discName).arg(number));
+        if (renameToFreeName(QFile::encodeName(logPath()), QFile::encodeName(aside)))
+            return true;
+        if (errno != EEXIST)
+            return false;
+    }
+    return false;
+}
+
 void CDExtractTask::writeLog()
 {
     const QString version = u"%1 (build %2)"_s.arg(shortVersionString(), buildVersion());
     const QString text = u"Nurv %1\n%2"_s.arg(version, cdda2wav::logText(m_logOutput));
     QString reason;
+    if (!moveOlderLogAside()) {
+        noteFailure(u"the log could not be written: %1 is there already, and could not be moved aside: %2"_s.arg(
+            lastPathComponent(logPath()), systemErrorText(errno)));
+        return;
+    }
     if (!writeTextFileAtomically(logPath(), text, &reason, LinkAtName::Replaced))
         noteFailure(u"the log %1 could not be written: %2"_s.arg(lastPathComponent(logPath()), reason));
 }

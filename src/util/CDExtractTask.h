@@ -22,8 +22,8 @@ class OutputJournal;
 ///     child ──> processTaskOutput(chunk) ──> status line, progress, report, log
 ///       └─ end ──> cleanup: audio_01.wav is named as its track; disc.log.txt
 ///
-/// Replaces no sound: it fails to start when something has one of the names. What was read stays, also when the program
-/// failed or the job was cancelled, and the report tells of it. Lives on the GUI thread.
+/// Replaces nothing, an older log is moved aside: it fails to start when something has one of the names. What was read
+/// stays, also when the program failed or the job was cancelled, and the report tells of it. Lives on the GUI thread.
 class CDExtractTask final : public NURVAsyncNSTask {
 public:
     CDExtractTask(NURVTaskQueue *queue, const QString &launchPath, const QStringList &arguments);
@@ -43,6 +43,8 @@ public:
     [[nodiscard]] const QString &trackString() const { return m_trackString; }
     [[nodiscard]] bool oneTrack() const { return m_oneTrack; }
     [[nodiscard]] const QStringList &fileNames() const { return m_fileNames; }
+    /// Of the drive, as the program is told it.
+    [[nodiscard]] QString address() const { return cdda2wav::addressOf(arguments()); }
     [[nodiscard]] const QString &discName() const { return m_discName; }
     /// All that the program has told.
     [[nodiscard]] const QString &logOutput() const { return m_logOutput; }
@@ -77,6 +79,7 @@ private:
     /// Gives the output its name. Returns what it has in the end; empty: it was not made.
     [[nodiscard]] QString nameOutput(const Output &output);
     void checkSound(const QString &path);
+    [[nodiscard]] bool moveOlderLogAside() const;
     void writeLog();
     void noteFailure(const QString &reason);
     [[nodiscard]] QString pathOf(const QString &name) const;

@@ -9,10 +9,12 @@
 #include "text/RegularExpression.h"
 #include "text/TextNumbers.h"
 
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QUrl>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <memory>
 #include <vector>
@@ -87,10 +89,14 @@ QString withNumberFirst(const QString &name)
     return match->text(2) + u' ' + match->text(1) + match->text(3);
 }
 
-QString runDiscProgram(const QString &path, const QStringList &arguments)
+QString runDiscProgram(const QString &path, const QStringList &arguments, const std::function<bool()> &isUnwanted)
 {
+    // A drive that reads a bad disc may need that long; one that is stuck never answers.
+    constexpr std::chrono::seconds kLimit(90);
+    const QDeadlineTimer limit(kLimit);
     NSTaskWrapperSync run(path, arguments);
-    return run.runTask();
+    const QString told = run.runTask([&] { return limit.hasExpired() || (isUnwanted && isUnwanted()); });
+    return limit.hasExpired() ? told + u"\n%1 did not end in time"_s.arg(lastPathComponent(path)) : told;
 }
 
 QString discAddress(const QString &device)
@@ -179,24 +185,28 @@ DiscMount discMount(const QString &volumePath)
     return isGvfsDisc(volumePath) ? DiscMount::Gvfs : DiscMount::FileSystem;
 }
 
-QString unMountDisc(const QString &device, DiscMount mount, const QString &programFolder)
+QString unMountDisc(const QString &device, DiscMount mount, const QString &programFolder,
+                    const std::function<bool()> &isUnwanted)
 {
     if (!isDeviceName(device))
         return {};
     if (mount == DiscMount::Gvfs)
-        return runDiscProgram(joinPath(programFolder, u"gio"_s), {u"mount"_s, u"-u"_s, discAddress(device)});
+        return runDiscProgram(joinPath(programFolder, u"gio"_s), {u"mount"_s, u"-u"_s, discAddress(device)},
+                              isUnwanted);
     return runDiscProgram(joinPath(programFolder, u"udisksctl"_s),
-                          {u"unmount"_s, u"--force"_s, u"--no-user-interaction"_s, u"-b"_s, u"/dev/"_s + device});
+                          {u"unmount"_s, u"--force"_s, u"--no-user-interaction"_s, u"-b"_s, u"/dev/"_s + device},
+                          isUnwanted);
 }
 
-QString mountDisc(const QString &device, DiscMount mount, const QString &programFolder)
+QString mountDisc(const QString &device, DiscMount mount, const QString &programFolder,
+                  const std::function<bool()> &isUnwanted)
 {
     if (!isDeviceName(device))
         return {};
     if (mount == DiscMount::Gvfs)
-        return runDiscProgram(joinPath(programFolder, u"gio"_s), {u"mount"_s, discAddress(device)});
+        return runDiscProgram(joinPath(programFolder, u"gio"_s), {u"mount"_s, discAddress(device)}, isUnwanted);
     return runDiscProgram(joinPath(programFolder, u"udisksctl"_s),
-                          {u"mount"_s, u"--no-user-interaction"_s, u"-b"_s, u"/dev/"_s + device});
+                          {u"mount"_s, u"--no-user-interaction"_s, u"-b"_s, u"/dev/"_s + device}, isUnwanted);
 }
 
 } // namespace nurv

@@ -5,6 +5,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 namespace nurv {
 
 // The mounted audio CD behind a folder of track files, and the numbers of its tracks.
@@ -42,9 +44,11 @@ enum class DiscMount {
 [[nodiscard]] DiscMount discMount(const QString &volumePath);
 
 // Both return what the program has told, for the log: nothing of it is success for sure. Nobody is asked for a
-// password. They block; `device` is no other than a device's name, or nothing is started. `programFolder`: where gio
-// and udisksctl are.
-QString unMountDisc(const QString &device, DiscMount mount, const QString &programFolder = QStringLiteral("/usr/bin"));
-QString mountDisc(const QString &device, DiscMount mount, const QString &programFolder = QStringLiteral("/usr/bin"));
+// password. They block until it has ended, `isUnwanted` returns true or a minute and a half are over; `device` is no
+// other than a device's name, or nothing is started. `programFolder`: where gio and udisksctl are.
+QString unMountDisc(const QString &device, DiscMount mount, const QString &programFolder = QStringLiteral("/usr/bin"),
+                    const std::function<bool()> &isUnwanted = {});
+QString mountDisc(const QString &device, DiscMount mount, const QString &programFolder = QStringLiteral("/usr/bin"),
+                  const std::function<bool()> &isUnwanted = {});
 
 } // namespace nurv

@@ -4,8 +4,11 @@
 
 #include "app/PathNames.h"
 #include "base/NurvFailure.h"
+#include "base/SystemError.h"
 #include "engine/ProgramRunSync.h"
+#include "files/FileFlush.h"
 #include "files/FileStatus.h"
+#include "files/FolderEntry.h"
 #include "journal/OutputJournal.h"
 #include "process/ResourceFolder.h"
 #include "programs/Dvda.h"
@@ -18,6 +21,8 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <cerrno>
+#include <exception>
 #include <functional>
 
 using namespace Qt::StringLiterals;
@@ -39,12 +44,10 @@ DVDAuthorTask::DVDAuthorTask(NURVTaskQueue *queue, const QStringList &fileNames,
 
 DVDAuthorTask::~DVDAuthorTask() = default;
 
-NeededPrograms DVDAuthorTask::neededPrograms() const
+NeededPrograms DVDAuthorTask::programsFor(const QStringList &fileNames)
 {
-    NeededPrograms programs = NeededPrograms::ofRun(
-        dvda::program().name, dvda::authoringArguments(joinPath(m_outputPath, u"log.txt"_s), discFolder(), m_fileNames));
-    programs.add(
-        NeededPrograms::ofRun(mkisofs::program().name, mkisofs::imageArguments(imagePath(), discFolder())));
+    NeededPrograms programs = NeededPrograms::ofRun(dvda::program().name, dvda::authoringArguments({}, {}, fileNames));
+    programs.add(NeededPrograms::ofRun(mkisofs::program().name, mkisofs::imageArguments({}, {})));
     return programs;
 }
 
@@ -60,21 +63,23 @@ QString DVDAuthorTask::imagePath() const
 
 std::optional<QString> DVDAuthorTask::takeAll()
 {
+    // Before the looks at the names, so that what another job makes is not taken for somebody's file.
+    for (const QString &output : {imagePath(), discFolder()}) {
+        auto &claim = m_claims.emplace_back(std::make_unique<OutputClaim>());
+        if (std::optional<QString> refusal = claim->take(output, m_fileNames.first(), nullptr))
+            return refusal;
+    }
+    for (const QString &source : std::as_const(m_fileNames)) {
+        auto &claim = m_claims.emplace_back(std::make_unique<OutputClaim>());
+        if (const std::optional<QString> refusal = claim->takeSource(source))
+            return lastPathComponent(source) + u": "_s + *refusal;
+    }
     for (const QString &path : {discFolder(), imagePath()}) {
         const QString name = lastPathComponent(path);
         if (isLink(path))
             return u"%1 is there already, as a link"_s.arg(name);
         if (isThere(path))
             return u"%1 is there already: move it away, or choose another folder"_s.arg(name);
-    }
-    const QStringList outputs{imagePath(), discFolder()};
-    for (qsizetype place = 0; place < std::max(m_fileNames.size(), outputs.size()); ++place) {
-        auto &claim = m_claims.emplace_back(std::make_unique<OutputClaim>());
-        const QString &source = m_fileNames.at(std::min(place, m_fileNames.size() - 1));
-        if (const std::optional<QString> refusal = place < outputs.size()
-                                                       ? claim->take(outputs.at(place), source, nullptr)
-                                                       : claim->takeSource(source))
-            return lastPathComponent(source) + u": "_s + *refusal;
     }
     for (const QString &source : std::as_const(m_fileNames))
         ownOutcome().sourceBytes += QFileInfo(source).size();
@@ -95,14 +100,21 @@ void DVDAuthorTask::doStartTask()
     showStarted();
     showStatus(kAuthoring);
     m_journal = OutputJournal::begin({{imagePath(), m_fileNames.first()}});
+    const auto failFor = [this](const QString &reason) {
+        if (cancelled())
+            return;
+        ownOutcome().problem = reason;
+        failWith(reason + u'\n');
+    };
     try {
         makeDisc();
     } catch (const NurvFailure &failure) {
-        if (!cancelled()) {
-            ownOutcome().problem = failure.reason();
-            failWith(failure.reason() + u'\n');
-        }
+        failFor(failure.reason());
+    } catch (const std::exception &failure) {
+        failFor(QString::fromUtf8(failure.what()));
     }
+    if (m_isImageBegun && !m_isImageProven)
+        removeImage();
     if (!error())
         removeDiscFolder();
     else if (isThere(discFolder()))
@@ -116,10 +128,14 @@ void DVDAuthorTask::makeDisc()
         return;
     showProgress(u"Making .ISO Image"_s, 0.0);
     m_journal->markBegun(imagePath());
+    m_isImageBegun = true;
     makeImage();
     if (cancelled())
         return;
     compareImage();
+    if (cancelled())
+        return;
+    m_isImageProven = true;
     m_journal->markEnded(imagePath());
     ownOutcome().output = imagePath();
     ownOutcome().outputBytes = QFileInfo(imagePath()).size();
@@ -179,9 +195,21 @@ void DVDAuthorTask::compareImage()
                                                  [this] { return cancelled(); });
     if (fault)
         throw NurvFailure(u"image.iso is not what was authored: "_s + *fault);
+    if (!flushToDisk(imagePath()))
+        throw NurvFailure(u"image.iso could not be written through to the disk: %1"_s.arg(systemErrorText(errno)));
 }
 
-/// It is this job's: nothing had the name when the job began.
+/// Half made, or not what was authored. It is this job's: nothing had the name when the job began.
+void DVDAuthorTask::removeImage()
+{
+    if (isThere(imagePath()) && !FolderEntry(imagePath()).remove()) {
+        appendResultsForSelf(u"%1 stays there, and is no whole disc: %2\n"_s.arg(imagePath(), systemErrorText(errno)));
+        return;
+    }
+    m_journal->markEnded(imagePath());
+}
+
+/// This job's, too.
 void DVDAuthorTask::removeDiscFolder()
 {
     if (const std::optional<QString> reason = nurv::removeDiscFolder(discFolder()))

@@ -22,8 +22,9 @@ class ProgramRunSync;
 ///     dvda ──> OUTPUT/DVD-AUDIO, OUTPUT/log.txt ──> mkisofs ──> OUTPUT/image.iso ──> held against the folder
 ///         ──> the folder goes
 ///
-/// The folder goes only when both programs ended well and the image holds all of it, or when the job is cancelled. What is
-/// there already under one of the first and the last name stays, and the job does not start.
+/// The folder goes only when both programs ended well and the image holds all of it, or when the job is cancelled. An
+/// image that does not goes. What is there already under one of the first and the last name stays, and the job does not
+/// start.
 class DVDAuthorTask final : public NURVInProcessTask {
 public:
     /// Absolute paths; the tracks in this order. GUI thread.
@@ -31,7 +32,9 @@ public:
     ~DVDAuthorTask() override;
 
     [[nodiscard]] int sourceCount() const override { return static_cast<int>(m_fileNames.size()); }
-    [[nodiscard]] NeededPrograms neededPrograms() const override;
+    [[nodiscard]] NeededPrograms neededPrograms() const override { return programsFor(m_fileNames); }
+    /// What a disc of these files needs.
+    [[nodiscard]] static NeededPrograms programsFor(const QStringList &fileNames);
     void stopTask() override;
 
 protected:
@@ -47,8 +50,9 @@ private:
     void authorDisc();
     void makeImage();
     void compareImage();
+    void removeImage();
     void removeDiscFolder();
-    /// Runs it to its end; returns what it wrote last. Throws NurvFailure when it failed.
+    /// Runs it to its end. Throws NurvFailure when it failed.
     void run(ProgramRunSync &program, const QString &name, QString (*reasonOfFailure)(QStringView text),
              const std::function<void(const QString &chunk)> &takeChunk);
     void processDVDATaskOutput(const QString &chunk);
@@ -57,6 +61,8 @@ private:
 
     QStringList m_fileNames;
     QString m_outputPath;
+    bool m_isImageBegun = false;
+    bool m_isImageProven = false; ///< the image holds what the folder does
     std::vector<std::unique_ptr<OutputClaim>> m_claims;
     std::shared_ptr<OutputJournal> m_journal; ///< while the job runs
 };

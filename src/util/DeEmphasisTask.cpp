@@ -21,11 +21,38 @@ using namespace Qt::StringLiterals;
 
 namespace nurv {
 
+namespace {
+
+/// Whether it is what stands in the header of a stream that a program has written into a pipe: close below 2³¹ or 2³².
+bool isSizeOfPipe(std::int64_t bytes)
+{
+    constexpr std::int64_t kClose = 0x10000;
+    for (const std::int64_t most : {std::int64_t{0x80000000}, std::int64_t{0x100000000}}) {
+        if (bytes < most && bytes >= most - kClose)
+            return true;
+    }
+    return false;
+}
+
+/// What is to come out; nothing where the source does not tell.
+std::optional<std::int64_t> framesOf(const SoundLength &source)
+{
+    if (!source.declaredFrames)
+        return source.heldFrames;
+    const std::int64_t frameBytes = std::int64_t{source.channels} * ((source.bitsPerSample + 7) / 8);
+    return isSizeOfPipe((*source.declaredFrames + 1) * frameBytes - 1)
+                   || isSizeOfPipe(*source.declaredFrames * frameBytes)
+               ? source.heldFrames
+               : source.declaredFrames;
+}
+
+} // namespace
+
 DeEmphasisTask::DeEmphasisTask(NURVTaskQueue *queue, const QString &launchPath, const QStringList &arguments,
                                std::shared_ptr<NURVTaskResults> results)
     : NURVAsyncNSTask(queue, launchPath, arguments)
 {
-    setSourcePath(arguments.at(1));
+    setSourcePath(sox::deEmphasisSource(arguments));
     nameRow(lastPathComponent(fileName()));
     setResults(std::move(results));
 }
@@ -34,12 +61,14 @@ DeEmphasisTask::~DeEmphasisTask() = default;
 
 std::optional<QString> DeEmphasisTask::takeOutput()
 {
-    const QString name = lastPathComponent(outputFile());
+    // Before the look at the name, so that what another job makes is not taken for somebody's file.
+    if (std::optional<QString> refusal = m_claim.take(outputFile(), fileName(), nullptr))
+        return refusal;
     if (isLink(outputFile()))
         return u"its output name is a link"_s;
     if (isThere(outputFile()))
-        return u"its output %1 exists already"_s.arg(name);
-    return m_claim.take(outputFile(), fileName(), nullptr);
+        return u"its output %1 exists already"_s.arg(lastPathComponent(outputFile()));
+    return std::nullopt;
 }
 
 void DeEmphasisTask::startTask()
@@ -91,10 +120,19 @@ std::optional<QString> DeEmphasisTask::faultOfOutput() const
     const std::optional<SoundLength> made = soundLength(outputFile());
     if (!made || !made->declaredFrames)
         return u"the output's length cannot be read"_s;
-    if (source && source->declaredFrames && source->declaredFrames != made->declaredFrames)
-        return u"the output has %1 samples, and the source tells of %2"_s.arg(*made->declaredFrames)
-            .arg(*source->declaredFrames);
+    if (made->heldFrames && *made->heldFrames < *made->declaredFrames)
+        return u"the output holds %1 samples, and tells of %2"_s.arg(*made->heldFrames).arg(*made->declaredFrames);
+    const std::optional<std::int64_t> expected = source ? framesOf(*source) : std::nullopt;
+    if (expected && expected != made->declaredFrames)
+        return u"the output has %1 samples, and the source %2"_s.arg(*made->declaredFrames).arg(*expected);
     return std::nullopt;
+}
+
+void DeEmphasisTask::removeOutput() const
+{
+    // It had no such name when the program was started.
+    if (isThere(outputFile()) && !FolderEntry(outputFile()).remove())
+        qCWarning(utilLog).noquote() << "Not removed:" << outputFile() << ':' << systemErrorText(errno);
 }
 
 void DeEmphasisTask::cleanup()
@@ -104,11 +142,10 @@ void DeEmphasisTask::cleanup()
     if (error() || cancelled()) {
         if (error() && outcome().problem.isEmpty())
             ownOutcome().problem = sox::reasonOfFailure(m_totalOutput);
-        // It had no such name when the program was started.
-        if (isThere(outputFile()) && !FolderEntry(outputFile()).remove())
-            qCWarning(utilLog).noquote() << "Not removed:" << outputFile() << ':' << systemErrorText(errno);
+        removeOutput();
     } else if (const std::optional<QString> fault = faultOfOutput()) {
         fail(*fault);
+        removeOutput();
     } else {
         ownOutcome().output = outputFile();
         ownOutcome().outputBytes = QFileInfo(outputFile()).size();

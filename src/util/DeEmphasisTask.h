@@ -41,6 +41,7 @@ private:
     [[nodiscard]] QString outputFile() const { return arguments().at(2); }
     [[nodiscard]] std::optional<QString> takeOutput();
     [[nodiscard]] std::optional<QString> faultOfOutput() const;
+    void removeOutput() const;
     void fail(const QString &problem);
 
     QString m_totalOutput;

@@ -30,6 +30,7 @@ constexpr qint64 kSectorBytes = ISO_BLOCKSIZE;
 constexpr qint64 kChunkSectors = 512;
 const QString kAudioFolder = u"AUDIO_TS"_s;
 const QString kSimpleManager = u"AUDIO_PP.IFO"_s;
+const QString kSomethingElse = u"the image holds something else than the folder"_s;
 
 /// libcdio has another name for it from 2.2 on.
 template<typename Entry>
@@ -41,10 +42,12 @@ qint64 sizeOf(const Entry &entry)
         return static_cast<qint64>(entry.size);
 }
 
-struct ImageFile {
+struct ImageEntry {
+    bool isFolder = false;
     qint64 sector = 0;
     qint64 bytes = 0;
 };
+using ImageFolder = std::map<QString, ImageEntry>;
 
 [[noreturn]] void fail(const QString &why)
 {
@@ -70,25 +73,26 @@ public:
             fail(u"the image ends too early"_s);
     }
 
-    /// The files of a folder; another folder in it is a fault.
-    [[nodiscard]] std::map<QString, ImageFile> filesOf(const QString &folder) const
+    /// What is in a folder; a link or the like is a fault.
+    [[nodiscard]] ImageFolder entriesOf(const QString &folder) const
     {
         const std::unique_ptr<CdioISO9660FileList_t, ListCloser> entries(
             iso9660_ifs_readdir(m_image.get(), folder.toLatin1().constData()));
         if (!entries)
             fail(u"the image has no folder %1"_s.arg(folder));
-        std::map<QString, ImageFile> files;
+        ImageFolder found;
         for (CdioListNode_t *node = _cdio_list_begin(entries.get()); node != nullptr; node = _cdio_list_node_next(node)) {
             const auto *const entry = static_cast<const iso9660_stat_t *>(_cdio_list_node_data(node));
             // "AUDIO_TS.IFO;1"
             const QString name = QString::fromLatin1(entry->filename).section(u';', 0, 0);
             if (name == u"." || name == u"..")
                 continue;
-            if (entry->type != iso9660_stat_s::_STAT_FILE)
-                fail(u"the image holds something else than the folder"_s);
-            files.emplace(name, ImageFile{.sector = entry->lsn, .bytes = sizeOf(*entry)});
+            const bool isFolder = entry->type == iso9660_stat_s::_STAT_DIR;
+            if (!isFolder && entry->type != iso9660_stat_s::_STAT_FILE)
+                fail(kSomethingElse);
+            found.emplace(name, ImageEntry{.isFolder = isFolder, .sector = entry->lsn, .bytes = sizeOf(*entry)});
         }
-        return files;
+        return found;
     }
 
     /// The first bytes from a sector on; fewer at the image's end or where it cannot be read.
@@ -173,23 +177,23 @@ class Comparison {
 public:
     Comparison(const QString &image, const QString &folder, const std::function<void(double)> &showProgress,
                const std::function<bool()> &isUnwanted)
-        : m_image(image), m_folder(joinPath(folder, kAudioFolder)), m_showProgress(showProgress),
-          m_isUnwanted(isUnwanted)
+        : m_image(image), m_folder(folder), m_showProgress(showProgress), m_isUnwanted(isUnwanted)
     {
     }
 
     void run()
     {
-        const std::map<QString, ImageFile> files = m_image.filesOf(kAudioFolder);
-        QStringList names;
+        // VIDEO_TS is empty on such a disc. What the folder has beside it nobody takes away.
+        for (const auto &[name, entry] : m_image.entriesOf(u"/"_s)) {
+            if (!entry.isFolder || (name != kAudioFolder && !m_image.entriesOf(name).empty()))
+                fail(kSomethingElse);
+        }
+        const ImageFolder files = matchedFiles();
         for (const auto &[name, file] : files) {
-            names.append(name);
+            if (file.isFolder)
+                fail(kSomethingElse);
             m_total += file.bytes;
         }
-        // Both are sorted.
-        if (names != QDir(m_folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
-                                              QDir::Name))
-            fail(u"the image holds something else than the folder"_s);
         const auto sound = files.find(u"ATS_01_1.AOB"_s);
         if (sound == files.end())
             fail(u"the image holds no sound"_s);
@@ -198,9 +202,24 @@ public:
     }
 
 private:
-    void compare(const QString &name, const ImageFile &file, qint64 firstSound)
+    /// What both have in AUDIO_TS; something that only one has is a fault.
+    [[nodiscard]] ImageFolder matchedFiles() const
     {
-        const QString path = joinPath(m_folder, name);
+        ImageFolder entries = m_image.entriesOf(kAudioFolder);
+        QStringList names;
+        for (const auto &[name, entry] : entries)
+            names.append(name);
+        // Both are sorted.
+        if (names
+            != QDir(joinPath(m_folder, kAudioFolder))
+                   .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name))
+            fail(kSomethingElse);
+        return entries;
+    }
+
+    void compare(const QString &name, const ImageEntry &file, qint64 firstSound)
+    {
+        const QString path = joinPath(joinPath(m_folder, kAudioFolder), name);
         if (QFileInfo(path).size() != file.bytes)
             fail(u"%1 has another size in the image"_s.arg(name));
         FolderFile source(path);

@@ -18,7 +18,7 @@ struct FormatScan {
         Complete,
         Refused,  ///< at an AIFF file, or at one without a format
         Mismatch, ///< at one of another format than those before it
-        GivenUp,
+        GivenUp,  ///< by the user
     };
 
     std::vector<AudioFormatObject> formats; ///< of the files, in their order; complete only when that is the ending

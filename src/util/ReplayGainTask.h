@@ -13,6 +13,8 @@
 
 namespace nurv {
 
+class OutputJournal;
+
 /// One run of metaflac that adds the replay gain of all files, as one album, or removes it.
 ///
 /// Files are written where they are: it does not start while another job works on one of them, nor on a link, nor where
@@ -22,6 +24,8 @@ public:
     /// `isAdding`: else the tags are removed. Absolute paths of FLAC files.
     ReplayGainTask(NURVTaskQueue *queue, const QString &launchPath, bool isAdding, const QStringList &paths);
 
+    ~ReplayGainTask() override;
+
     [[nodiscard]] int sourceCount() const override { return static_cast<int>(m_paths.size()); }
     [[nodiscard]] QString report() const override { return m_report; }
     void startTask() override;
@@ -30,14 +34,16 @@ protected:
     void processTaskOutput(const QString &chunk) override;
     void failWith(const QString &reason) override;
     void cleanup() override;
-    void finalCleanup() override { m_claims.clear(); }
+    void finalCleanup() override;
 
 private:
     [[nodiscard]] std::optional<QString> takeAll();
+    void removeScratches();
 
     QStringList m_paths;
     QString m_report; ///< of a job that failed; nothing shows it on its own
     std::vector<std::unique_ptr<OutputClaim>> m_claims;
+    std::shared_ptr<OutputJournal> m_journal; ///< while the job runs
 };
 
 } // namespace nurv

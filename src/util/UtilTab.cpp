@@ -22,6 +22,8 @@
 #include "util/FormatScan.h"
 #include "util/ReplayGainTask.h"
 
+#include <QScopedValueRollback>
+#include <QSet>
 #include <QTimer>
 
 #include <algorithm>
@@ -120,7 +122,8 @@ void UtilTab::displayRelevantOptions()
     oneTrackButton.setHidden(command() != kCdExtraction);
     renamePreviewButton.setHidden(command() != kBatchRename);
     undoRenameButton.setHidden(command() != kBatchRename);
-    undoRenameButton.setEnabled(batchRename::canUndo());
+    if (command() == kBatchRename)
+        undoRenameButton.setEnabled(batchRename::canUndo());
     for (LabelControl *const label : {&totalTimeLabel, &totalTimeField, &totalSizeLabel, &totalSizeField})
         label->setHidden(!m_showsFormats);
 }
@@ -176,38 +179,67 @@ void UtilTab::findFormatInfo()
 {
     // Files may come while the user waits.
     m_mustScanAgain = true;
-    if (std::exchange(m_isScanning, true))
+    if (m_isScanning)
         return;
+    const QScopedValueRollback scanning(m_isScanning, true);
     while (std::exchange(m_mustScanAgain, false) && !fileNames().isEmpty()) {
-        FormatScan scan;
-        QString failure;
         const QStringList paths = fileNames();
-        static_cast<void>(nurvController().prompts().waitFor(
-            u"Looking at the formats of the files…"_s, [&](const std::function<bool()> &isUnwanted) {
-                try {
-                    scan = FormatScan::of(paths, isUnwanted);
-                } catch (const std::exception &reason) {
-                    failure = QString::fromUtf8(reason.what());
-                }
-            }));
-        if (m_mustScanAgain)
-            continue;
-        m_formatObjects.clear();
-        for (qsizetype place = 0; place < static_cast<qsizetype>(scan.formats.size()); ++place)
-            m_formatObjects.insert(paths.at(place), scan.formats[static_cast<std::size_t>(place)]);
-        if (!failure.isEmpty())
-            qCWarning(utilLog).noquote() << "error" << failure;
-        if (scan.ending == FormatScan::Ending::Mismatch)
-            nurvController().prompts().ask(
-                {.title = u"The Files in the list must match in sample rate, bit depth and number of channels."_s,
-                 .message = {},
-                 .buttons = {u"OK"_s}});
-        if (!failure.isEmpty() || scan.ending != FormatScan::Ending::Complete)
-            clearFiles();
-        showTotals();
-        Q_EMIT columnTextsChanged();
+        const FormatScan scan = scanFormats(paths);
+        if (!m_mustScanAgain)
+            takeFormats(paths, scan);
     }
-    m_isScanning = false;
+}
+
+FormatScan UtilTab::scanFormats(const QStringList &paths)
+{
+    FormatScan scan;
+    QString failure;
+    static_cast<void>(nurvController().prompts().waitFor(u"Looking at the formats of the files…"_s,
+                                                         [&](const std::function<bool()> &isUnwanted) {
+                                                             try {
+                                                                 scan = FormatScan::of(paths, isUnwanted);
+                                                             } catch (const std::exception &reason) {
+                                                                 failure = QString::fromUtf8(reason.what());
+                                                             }
+                                                         }));
+    if (!failure.isEmpty()) {
+        qCWarning(utilLog).noquote() << "error" << failure;
+        scan.ending = FormatScan::Ending::Refused;
+    }
+    return scan;
+}
+
+void UtilTab::takeFormats(const QStringList &paths, const FormatScan &scan)
+{
+    m_formatObjects.clear();
+    for (qsizetype place = 0; place < static_cast<qsizetype>(scan.formats.size()); ++place)
+        m_formatObjects.insert(paths.at(place), scan.formats[static_cast<std::size_t>(place)]);
+    if (scan.ending == FormatScan::Ending::Mismatch)
+        nurvController().prompts().ask(
+            {.title = u"The Files in the list must match in sample rate, bit depth and number of channels."_s,
+             .message = {},
+             .buttons = {u"OK"_s}});
+    if (scan.ending != FormatScan::Ending::Complete && scan.ending != FormatScan::Ending::GivenUp)
+        dropFiles(paths);
+    showTotals();
+    Q_EMIT columnTextsChanged();
+}
+
+/// All that were there, and none that came while the user read why.
+void UtilTab::dropFiles(const QStringList &paths)
+{
+    if (fileNames() == paths) {
+        clearFiles();
+        return;
+    }
+    const QSet<QString> dropped(paths.begin(), paths.end());
+    QList<int> rows;
+    for (int row = 0; row < fileNames().size(); ++row) {
+        if (dropped.contains(fileNames().at(row)))
+            rows.append(row);
+    }
+    deleteSelectedRows(rows);
+    m_mustScanAgain = true;
 }
 
 void UtilTab::filesAdded()
@@ -246,7 +278,7 @@ NeededPrograms UtilTab::neededPrograms() const
     if (fileNames().isEmpty())
         return {};
     if (command() == kDvdAudioDisc)
-        return DVDAuthorTask(nullptr, fileNames(), QString()).neededPrograms();
+        return DVDAuthorTask::programsFor(fileNames());
     if (command() == kCdExtraction)
         return {{cdda2wav::program().name}, {}};
     if (command() == kReplayGain)
@@ -294,8 +326,38 @@ void UtilTab::handleCDExtraction()
         return;
     }
     const QString range = getTrackNumberForExtract(reNumberCdTracks(fileNames()));
+    if (!cdda2wav::trackRange(range)) {
+        showError(u"The names of the files do not begin with numbers of tracks. Add the tracks of an audio CD, from "
+                  u"the folder "
+                  u"in which the desktop shows them."_s);
+        return;
+    }
+    if (isDriveBusy(address)) {
+        showError(u"The drive is reading this disc, or is going to. Wait until that has ended."_s);
+        return;
+    }
     const DiscMount mount = discMount(volume);
-    waitFor(u"Unmounting the disc…"_s, [&] { return unMountDisc(device, mount, m_discSystem.programFolder); });
+    const bool isWanted = runDiscProgram(u"Unmounting the disc…"_s, [&](const std::function<bool()> &isUnwanted) {
+        return unMountDisc(device, mount, m_discSystem.programFolder, isUnwanted);
+    });
+    if (isWanted)
+        queueCDExtraction(*folder, range, address);
+    static_cast<void>(runDiscProgram(u"Mounting the disc…"_s, [&](const std::function<bool()> &isUnwanted) {
+        return mountDisc(device, mount, m_discSystem.programFolder, isUnwanted);
+    }));
+}
+
+bool UtilTab::isDriveBusy(const QString &address)
+{
+    const auto &jobs = nurvController().taskQueue().panelArray();
+    return std::any_of(jobs.begin(), jobs.end(), [&](const auto &job) {
+        const auto *const extraction = dynamic_cast<const CDExtractTask *>(job.get());
+        return extraction != nullptr && !extraction->isDone() && extraction->address() == address;
+    });
+}
+
+void UtilTab::queueCDExtraction(const QString &folder, const QString &range, const QString &address)
+{
     try {
         auto job = std::make_shared<CDExtractTask>(&nurvController().taskQueue(), programPath(cdda2wav::program().name),
                                                    cdda2wav::extractionArguments(range, oneTrack(), address));
@@ -303,23 +365,24 @@ void UtilTab::handleCDExtraction()
         job->setOneTrack(oneTrack());
         job->setFileNames(fileNames());
         job->setTitle(u"CD Tracks %1 - %2"_s.arg(range.section(u'+', 0, 0), range.section(u'+', 1)));
-        job->setDiscName(lastPathComponent(volume));
-        job->setDirectory(*folder);
+        job->setDiscName(lastPathComponent(folderOf(fileNames().first())));
+        job->setDirectory(folder);
         queue(job);
     } catch (const std::exception &failure) {
         qCWarning(utilLog).noquote() << "Error" << failure.what();
     }
-    waitFor(u"Mounting the disc…"_s, [&] { return mountDisc(device, mount, m_discSystem.programFolder); });
 }
 
-/// What the program has told goes to the log.
-void UtilTab::waitFor(const QString &what, const std::function<QString()> &run)
+/// What the program has told goes to the log. False: the user has given it up.
+bool UtilTab::runDiscProgram(const QString &what,
+                             const std::function<QString(const std::function<bool()> &isUnwanted)> &run)
 {
     QString told;
-    static_cast<void>(
-        nurvController().prompts().waitFor(what, [&](const std::function<bool()> &) { told = run().trimmed(); }));
+    const bool isWanted = nurvController().prompts().waitFor(
+        what, [&](const std::function<bool()> &isUnwanted) { told = run(isUnwanted).trimmed(); });
     if (!told.isEmpty())
         qCInfo(utilLog).noquote() << told;
+    return isWanted;
 }
 
 void UtilTab::handleDVDAudioDisc()
@@ -383,6 +446,14 @@ bool UtilTab::mayRename(const QList<Renaming> &plan)
          .buttons = {{.title = u"Cancel"_s, .role = PanelButton::Role::Dismiss}, {.title = u"Rename"_s}}});
 }
 
+bool UtilTab::isNameTaken(const QList<Renaming> &plan)
+{
+    const std::optional<QString> taken = batchRename::takenPath(plan);
+    if (taken)
+        showError(u"File at \"%1\" already exists"_s.arg(*taken));
+    return taken.has_value();
+}
+
 void UtilTab::handleBatchRename()
 {
     const std::optional<QString> prefix = promptForBatchNameInput();
@@ -395,14 +466,12 @@ void UtilTab::handleBatchRename()
         showError(*objection);
         return;
     }
-    if (const std::optional<QString> taken = batchRename::takenPath(plan)) {
-        showError(u"File at \"%1\" already exists"_s.arg(*taken));
-        return;
-    }
-    if (!mayRename(plan))
+    // Again when the user has looked at the names: that may have taken a while.
+    if (isNameTaken(plan) || !mayRename(plan) || isNameTaken(plan))
         return;
     const batchRename::Outcome outcome = batchRename::rename(plan);
-    clearFiles();
+    if (!outcome.isRefused)
+        clearFiles();
     displayRelevantOptions();
     tellOutcome(u"Some files were not renamed"_s, outcome.problems);
 }

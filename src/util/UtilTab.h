@@ -17,6 +17,7 @@
 namespace nurv {
 
 class NURVTask;
+struct FormatScan;
 
 /// Where the system tells of discs.
 struct DiscSystem {
@@ -70,8 +71,8 @@ public:
     /// Gives the files of the last renaming their former names, and tells what stays.
     void undoRename();
 
-    /// Looks at the formats of all files; blocks until that is done. A list in which they do not match, or with a file of
-    /// a kind that no disc takes, is cleared.
+    /// Looks at the formats of all files; blocks until that is done. A list in which they do not match, or with a file
+    /// of a kind that no disc takes, is cleared. One whose scan was given up stays, without formats.
     void findFormatInfo();
 
     [[nodiscard]] QStringList columnTitles() const override;
@@ -97,13 +98,20 @@ private:
     void showTotals();
     /// The files of these format words. When there is none, a message says so, and the list is cleared.
     [[nodiscard]] QStringList filesOf(const QStringList &formatWords, const QString &messageForNone);
+    [[nodiscard]] FormatScan scanFormats(const QStringList &paths);
+    void takeFormats(const QStringList &paths, const FormatScan &scan);
+    void dropFiles(const QStringList &paths);
     void handleCDExtraction();
-    void waitFor(const QString &what, const std::function<QString()> &run);
+    [[nodiscard]] bool isDriveBusy(const QString &address);
+    void queueCDExtraction(const QString &folder, const QString &range, const QString &address);
+    [[nodiscard]] bool runDiscProgram(const QString &what,
+                                      const std::function<QString(const std::function<bool()> &isUnwanted)> &run);
     void handleDVDAudioDisc();
     void handleReplayGain();
     void handleDeEmphasis();
     void handleBatchRename();
     [[nodiscard]] std::optional<QString> promptForBatchNameInput();
+    [[nodiscard]] bool isNameTaken(const QList<Renaming> &plan);
     [[nodiscard]] bool mayRename(const QList<Renaming> &plan);
     void tellOutcome(const QString &title, const QStringList &problems);
     void showError(const QString &message);

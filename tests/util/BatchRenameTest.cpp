@@ -2,10 +2,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "util/BatchRename.h"
 
+#include "app/PathNames.h"
+#include "journal/JournalFolder.h"
+#include "originals/OutputClaim.h"
 #include "support/TestFolder.h"
+#include "support/TestProgram.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <gtest/gtest.h>
 
@@ -148,10 +154,9 @@ TEST_F(BatchRenameFiles, LeavesAnotherFileThatHasTheNewNameByNow)
     static_cast<void>(batchRename::rename(batchRename::plan(paths, u"x"_s)));
     EXPECT_TRUE(QFile::rename(folder.path(u"x01.wav"_s), folder.path(u"elsewhere.wav"_s)));
     folder.write(u"x01.wav"_s, "another");
-    EXPECT_FALSE(batchRename::canUndo());
     const batchRename::Outcome outcome = batchRename::undo();
     EXPECT_EQ(outcome.problems,
-              QStringList(folder.path(u"x01.wav"_s) + u": it is another file than the one that was renamed"_s));
+              QStringList(folder.path(u"x01.wav"_s) + u": it is no longer the file that was renamed"_s));
     EXPECT_EQ(folder.read(u"x01.wav"_s), "another");
 }
 
@@ -163,16 +168,78 @@ TEST_F(BatchRenameFiles, KnowsNamesOfAnyCharacters)
     EXPECT_TRUE(QFile::exists(path));
 }
 
-TEST_F(BatchRenameFiles, TellsWhenItCannotBeUndone)
+TEST_F(BatchRenameFiles, KnowsAFileThatItsDiskNumbersAnew)
+{
+    const QStringList paths = write(1);
+    const QString renamed = folder.path(u"x01.wav"_s);
+    static_cast<void>(batchRename::rename(batchRename::plan(paths, u"x"_s)));
+    const QDateTime modified = QFileInfo(renamed).lastModified();
+    ASSERT_TRUE(QFile::rename(renamed, folder.path(u"first"_s)));
+    ASSERT_EQ(test::runProgram(u"cp"_s, {u"-p"_s, folder.path(u"first"_s), renamed}).exitStatus, 0);
+    ASSERT_EQ(QFileInfo(renamed).lastModified(), modified);
+    EXPECT_EQ(batchRename::undo().problems, QStringList());
+    EXPECT_TRUE(QFile::exists(paths.first()));
+}
+
+TEST_F(BatchRenameFiles, KeepsANoteThatItCannotRead)
+{
+    const QStringList paths = write(1);
+    static_cast<void>(batchRename::rename(batchRename::plan(paths, u"x"_s)));
+    const QString note = joinPath(journalFolderPath(), u"renamed.json"_s);
+    ASSERT_TRUE(QFile::resize(note, 20));
+    const batchRename::Outcome outcome = batchRename::undo();
+    ASSERT_EQ(outcome.problems.size(), 1);
+    EXPECT_TRUE(outcome.problems.first().startsWith(u"the note of what was renamed, "_s));
+    EXPECT_TRUE(outcome.done.isEmpty());
+    EXPECT_EQ(QFileInfo(note).size(), 20);
+    EXPECT_TRUE(QFile::remove(note));
+}
+
+TEST_F(BatchRenameFiles, ARenamingOfNothingLeavesTheOneBeforeToBeUndone)
+{
+    const QStringList paths = write(1);
+    static_cast<void>(batchRename::rename(batchRename::plan(paths, u"x"_s)));
+    EXPECT_TRUE(batchRename::rename(batchRename::plan({folder.path(u"gone.wav"_s)}, u"y"_s)).done.isEmpty());
+    EXPECT_EQ(batchRename::undo().done.size(), 1);
+    EXPECT_TRUE(QFile::exists(paths.first()));
+}
+
+TEST_F(BatchRenameFiles, StopsBetweenTwoFiles)
+{
+    const QStringList paths = write(3);
+    int asked = 0;
+    const batchRename::Outcome outcome =
+        batchRename::rename(batchRename::plan(paths, u"x"_s), [&] { return ++asked > 1; });
+    EXPECT_EQ(outcome.done.size(), 1);
+    EXPECT_EQ(outcome.leftCount, 2);
+    EXPECT_EQ(batchRename::undo([] { return true; }).leftCount, 3);
+    EXPECT_EQ(batchRename::undo().done.size(), 1) << "it was noted";
+}
+
+TEST_F(BatchRenameFiles, LeavesAllWhenAJobWorksOnOne)
+{
+    const QStringList paths = write(2);
+    OutputClaim job;
+    ASSERT_FALSE(job.take(paths.at(1), paths.at(1), nullptr));
+    const batchRename::Outcome outcome = batchRename::rename(batchRename::plan(paths, u"x"_s));
+    EXPECT_TRUE(outcome.isRefused);
+    EXPECT_EQ(outcome.problems, QStringList(paths.at(1) + u": a job works on it, so nothing was renamed"_s));
+    EXPECT_TRUE(QFile::exists(paths.at(0)));
+}
+
+TEST_F(BatchRenameFiles, RenamesNothingThatCannotBeUndone)
 {
     const QStringList paths = write(1);
     const QByteArray former = qgetenv("NURV_STATE");
     qputenv("NURV_STATE", QFile::encodeName(folder.write(u"a-file"_s, "no folder")));
     const batchRename::Outcome outcome = batchRename::rename(batchRename::plan(paths, u"x"_s));
     qputenv("NURV_STATE", former);
-    EXPECT_EQ(outcome.done.size(), 1);
+    EXPECT_TRUE(outcome.isRefused);
+    EXPECT_EQ(outcome.done.size(), 0);
     ASSERT_EQ(outcome.problems.size(), 1);
-    EXPECT_TRUE(outcome.problems.first().startsWith(u"this cannot be undone, since it could not be noted: "_s));
+    EXPECT_TRUE(
+        outcome.problems.first().startsWith(u"nothing was renamed, since it could not be noted for an undo: "_s));
+    EXPECT_TRUE(QFile::exists(paths.first()));
 }
 
 } // namespace

@@ -75,6 +75,35 @@ TEST_F(DeEmphasisTaskTest, MakesWhatSoxMakesByHand)
     }
 }
 
+TEST_F(DeEmphasisTaskTest, ReadsTheFileThatIsMeantWhateverItsNameIsAsAPattern)
+{
+    test::writeWav(folder.path(u"Show S.wav"_s), {.bits = 24, .seed = 5});
+    test::writeWav(folder.path(u"axbx.wav"_s), {.bits = 24, .seed = 6});
+    const QString plain = test::writeWav(folder.path(u"plain.wav"_s), {.bits = 24});
+    for (const QString &name : {u"Show [SBD].wav"_s, u"a*b?.wav"_s, u"br{a,b}ce.wav"_s, u"q\\[z].wav"_s,
+                                u"back\\slash.wav"_s, u"~x[y.wav"_s}) {
+        const QString source = folder.path(name);
+        ASSERT_TRUE(QFile::copy(plain, source));
+        const auto job = run({source}).front();
+        EXPECT_TRUE(isDone(job));
+        EXPECT_EQ(job->title(), name);
+        expectNearlySame(out.path(QFileInfo(name).completeBaseName() + u"-deemph.wav"_s), byHand(plain), 24);
+    }
+}
+
+TEST_F(DeEmphasisTaskTest, BelievesTheFileWhereAPipeHasWrittenItsHeader)
+{
+    const QString source = test::writeWav(folder.path(u"a.wav"_s));
+    QFile file(source);
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    const qint64 sizeAt = file.readAll().indexOf("data") + 4;
+    ASSERT_GT(sizeAt, 4);
+    ASSERT_TRUE(file.seek(sizeAt));
+    ASSERT_EQ(file.write("\x00\xf0\xff\x7f", 4), 4);
+    file.close();
+    EXPECT_TRUE(isDone(run({source}).front()));
+}
+
 TEST_F(DeEmphasisTaskTest, ShowsHowFarSoxIs)
 {
     setFake(u"sox"_s, "out=\\nInput File : 'x'\\n\\n;until-read;out=\\rIn:42.50% 00:00:10.22 ;until-read;out=\\rIn:100% x"
@@ -144,7 +173,8 @@ TEST_F(DeEmphasisTaskTest, RemovesWhatIsHalfMade)
     setFake(u"sox"_s, "copy=" + test::writeWav(folder.path(u"short.wav"_s), {.seconds = 0.5}).toUtf8() + ":@-2");
     const auto cut = run({source}).front();
     EXPECT_TRUE(cut->error());
-    EXPECT_EQ(cut->outcome().problem, u"the output has 22050 samples, and the source tells of 44100");
+    EXPECT_EQ(cut->outcome().problem, u"the output has 22050 samples, and the source 44100");
+    EXPECT_EQ(out.list(), QStringList());
 }
 
 TEST_F(DeEmphasisTaskTest, ACancelledOneLeavesNothing)

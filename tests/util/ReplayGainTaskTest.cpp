@@ -85,6 +85,16 @@ TEST_F(ReplayGainTaskTest, StartsNothingWhereMetaflacWouldHarmAnotherFile)
     EXPECT_TRUE(change(u"Add"_s, {folder.path(u"gone.flac"_s)})->error());
 }
 
+TEST_F(ReplayGainTaskTest, LeavesNoTemporaryFileOfMetaflac)
+{
+    const QString flac = test::writeFlac(folder.path(u"a.flac"_s));
+    const QByteArray before = folder.read(u"a.flac"_s);
+    setFake(u"metaflac"_s, "create=" + flac.toUtf8() + ".metadata_edit;signal=9");
+    EXPECT_TRUE(change(u"Add"_s, {flac})->error());
+    EXPECT_EQ(folder.list(), QStringList(u"a.flac"_s));
+    EXPECT_TRUE(folder.read(u"a.flac"_s) == before);
+}
+
 TEST_F(ReplayGainTaskTest, WaitsForNoOtherJobOnTheSameFile)
 {
     const QString flac = folder.write(u"a.flac"_s, "x");

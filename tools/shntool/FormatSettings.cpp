@@ -33,6 +33,25 @@ std::string asArgument(const std::string &file)
     return file.starts_with('-') ? "./" + file : file;
 }
 
+bool isSox(std::string_view program)
+{
+    return program.substr(program.find_last_of('/') + 1) == "sox";
+}
+
+/// sox opens what a name means as a pattern of glob(7): a name that is one would be another file.
+std::string asPattern(const std::string &file)
+{
+    if (file.find_first_of("*?[{") == std::string::npos)
+        return file;
+    std::string pattern;
+    for (const char letter : file) {
+        if (std::string_view("*?[]{},~\\").find(letter) != std::string_view::npos)
+            pattern += '\\';
+        pattern += letter;
+    }
+    return pattern;
+}
+
 /// The word with the file in place of every "%f".
 std::string withFile(std::string word, const std::string &file)
 {
@@ -142,7 +161,10 @@ std::vector<std::string> FormatSettings::decoderWords(const AudioFormat &format,
     for (const std::string &argument : command.arguments) {
         const bool isFile = argument.find(kPlaceholder) != std::string::npos;
         hasFile = hasFile || isFile;
-        words.push_back(isFile ? asArgument(file) : argument);
+        if (isFile)
+            words.push_back(isSox(command.program) ? asPattern(asArgument(file)) : asArgument(file));
+        else
+            words.push_back(argument);
     }
     if (!hasFile) {
         m_messages.fail("decoder argument list does not contain filename placeholder [%f] for format: ["

@@ -197,36 +197,45 @@ private:
             return run.finish({});
         }
         if (isTrial)
-            tell(run, plan, u"renaming"_s);
+            tellTrial(run, plan);
         else
-            tellOutcome(run, batchRename::rename(plan));
+            tellOutcome(run, batchRename::rename(plan, [&run] { return run.isToEnd(); }));
         return run.finish(isTrial ? QString() : u"renamed"_s);
     }
 
     static ExitStatus undo(const ParsedArguments &arguments, Console &console)
     {
         FilesRun run(arguments, {}, console, {.label = u"util"_s, .takes = [](const QString &) { return true; }});
-        const batchRename::Outcome outcome = batchRename::undo();
-        if (outcome.done.isEmpty() && outcome.problems.isEmpty())
+        const batchRename::Outcome outcome = batchRename::undo([&run] { return run.isToEnd(); });
+        if (outcome.done.isEmpty() && outcome.problems.isEmpty() && outcome.leftCount == 0)
             run.tellProblem(u"there is nothing to undo"_s);
         tellOutcome(run, outcome);
         return run.finish(u"renamed"_s);
     }
 
-    static void tell(FilesRun &run, const QList<Renaming> &plan, const QString &type)
+    static void print(FilesRun &run, const Renaming &renaming)
+    {
+        run.print(u"%1 -> %2\n"_s.arg(printableLine(renaming.from), printableLine(lastPathComponent(renaming.to))));
+    }
+
+    static void tellTrial(FilesRun &run, const QList<Renaming> &plan)
     {
         for (const Renaming &renaming : plan) {
             run.forFile(renaming.from, [&] {
-                run.print(u"%1 -> %2\n"_s.arg(printableLine(renaming.from),
-                                              printableLine(lastPathComponent(renaming.to))));
-                return objectOf(type, renaming);
+                print(run, renaming);
+                return objectOf(u"renaming"_s, renaming);
             });
         }
     }
 
+    /// Of what has another name now, whoever wants the program to end.
     static void tellOutcome(FilesRun &run, const batchRename::Outcome &outcome)
     {
-        tell(run, outcome.done, u"renamed"_s);
+        for (const Renaming &renaming : outcome.done) {
+            print(run, renaming);
+            run.tellDone(objectOf(u"renamed"_s, renaming));
+        }
+        run.leave(outcome.leftCount);
         for (const QString &problem : outcome.problems)
             run.tellProblem(problem);
     }

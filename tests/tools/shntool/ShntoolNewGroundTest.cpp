@@ -82,6 +82,10 @@ TEST_P(ShntoolNewGround, HashesTheSamplesOfEveryFormat)
     convert(u"/usr/bin/ffmpeg"_s, ffmpeg + QStringList{bigEndian, path(u"a.aiff"_s)});
     convert(u"/usr/bin/ffmpeg"_s, ffmpeg + QStringList{u"tta"_s, path(u"a.tta"_s)});
     names.append(path(u"a.aiff"_s));
+    // To sox this name is a pattern, and the other one what it matches.
+    ASSERT_TRUE(QFile::copy(path(u"a.aiff"_s), path(u"b [SBD].aiff"_s)));
+    ASSERT_TRUE(QFile::copy(path(u"a.wav"_s), path(u"b S.aiff"_s)));
+    names.append(path(u"b [SBD].aiff"_s));
     // Its RF64 files count the pad byte as sound, and its TTA files of 8 bits have 16.
     if (m_samples.size() % 2 == 0)
         names.append(path(u"rf64.wav"_s));
