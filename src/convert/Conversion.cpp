@@ -10,10 +10,10 @@
 #include "base/SystemError.h"
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskResults.h"
-#include "files/FileDescriptor.h"
 #include "files/FileStatus.h"
 #include "files/FolderEntry.h"
 #include "files/NewFolders.h"
+#include "files/ReservedFile.h"
 #include "originals/SoundLengthCheck.h"
 #include "programs/Flac.h"
 
@@ -24,8 +24,6 @@
 #include <cerrno>
 #include <exception>
 #include <utility>
-
-#include <fcntl.h>
 
 using namespace Qt::StringLiterals;
 
@@ -176,10 +174,8 @@ void Conversion::reserveOutput() const
 {
     if (outputExisted())
         return;
-    const FileDescriptor file(
-        ::open(QFile::encodeName(outputFile()).constData(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC | O_NOFOLLOW, 0666));
     // Where nothing can be made the program says why.
-    if (!file.isOpen() && errno == EEXIST)
+    if (!ReservedFile().make(outputFile()) && errno == EEXIST)
         throw NurvFailure(u"its output %1 exists already"_s.arg(lastPathComponent(outputFile())));
 }
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "programs/Dvda.h"
 
-#include "programs/Mkisofs.h"
+#include "programs/ProgramOutput.h"
 #include "text/TextNumbers.h"
 
 #include <algorithm>
@@ -38,7 +38,7 @@ std::optional<BegunFile> parseAuthoring(QStringView chunk, int sources)
 
 QString reasonOfFailure(QStringView text)
 {
-    return mkisofs::lastMessage(text, program().name);
+    return programOutput::lastMessage(text, program().name);
 }
 
 } // namespace nurv::dvda

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "programs/Mkisofs.h"
 
+#include "programs/ProgramOutput.h"
 #include "text/TextNumbers.h"
 
 using namespace Qt::StringLiterals;
@@ -45,18 +46,10 @@ std::optional<double> parseProgress(QStringView chunk)
 
 QString reasonOfFailure(QStringView text)
 {
-    return lastMessage(text, program().name);
-}
-
-QString lastMessage(QStringView text, const QString &name)
-{
-    const QString prefix = name + u": "_s;
-    QString message;
-    for (const QStringView line : text.split(u'\n')) {
-        if (line.startsWith(prefix))
-            message = trimWhitespaceAndNewlines(line.sliced(prefix.size()));
-    }
-    return message;
+    // What genisoimage has told stands below: its last line says why.
+    const QString message = programOutput::lastMessage(text, program().name);
+    const QString last = trimWhitespaceAndNewlines(text).section(u'\n', -1);
+    return message.endsWith(u':') && !last.endsWith(message) ? message + u' ' + last : message;
 }
 
 } // namespace nurv::mkisofs

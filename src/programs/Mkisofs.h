@@ -25,7 +25,4 @@ namespace nurv::mkisofs {
 /// Why it failed, in its own words. Empty: none.
 [[nodiscard]] QString reasonOfFailure(QStringView text);
 
-/// The last message in the text of one of the application's own programs, "name: message", without the name. Empty: none.
-[[nodiscard]] QString lastMessage(QStringView text, const QString &name);
-
 } // namespace nurv::mkisofs

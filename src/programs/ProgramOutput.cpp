@@ -4,6 +4,8 @@
 
 #include "text/TextNumbers.h"
 
+#include <QList>
+
 #include <algorithm>
 #include <utility>
 
@@ -80,6 +82,17 @@ void showFigure(ChunkReport &report, QStringView text, const QString &label)
     const double percent = leadingNumber(before(text, u"%"));
     report.progress = percent;
     report.status = label + sixDecimals(percent) + u'%';
+}
+
+QString lastMessage(QStringView text, const QString &name)
+{
+    const QString prefix = name + u": "_s;
+    QString message;
+    for (const QStringView line : text.split(u'\n')) {
+        if (line.startsWith(prefix))
+            message = trimWhitespaceAndNewlines(line.sliced(prefix.size()));
+    }
+    return message;
 }
 
 std::function<ChunkReport(const QString &)> labelled(ChunkReport (*parse)(QStringView chunk, const QString &label),

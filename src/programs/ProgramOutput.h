@@ -49,6 +49,10 @@ inline constexpr QStringView kToWav = u"Decoding to WAV: ";
 /// before the first "%".
 void showFigure(ChunkReport &report, QStringView text, const QString &label);
 
+/// The last message in the text of one of the application's own programs, "name: message", without the name. Empty:
+/// none.
+[[nodiscard]] QString lastMessage(QStringView text, const QString &name);
+
 /// A parser that is told what its status lines begin with, as one that is told nothing.
 [[nodiscard]] std::function<ChunkReport(const QString &chunk)> labelled(ChunkReport (*parse)(QStringView chunk,
                                                                                              const QString &label),

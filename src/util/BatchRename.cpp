@@ -250,9 +250,8 @@ Outcome rename(const QList<Renaming> &plan, const std::function<bool()> &isUnwan
     QByteArray previous;
     try {
         previous = readNote();
-    } catch (const NurvFailure &) {
-        // What cannot be read cannot be undone either.
-        previous.clear();
+    } catch (const NurvFailure &failure) {
+        qCWarning(utilLog).noquote() << "Replaced:" << notePath() << ':' << failure.reason();
     }
     // Before anything has another name, so that a kill leaves nothing that cannot be undone.
     if (const std::optional<QString> reason = writeNote(noteOf(noted)))

@@ -7,6 +7,7 @@
 #include "base/Version.h"
 #include "files/FileRename.h"
 #include "files/FileStatus.h"
+#include "files/FolderEntry.h"
 #include "files/TextFile.h"
 #include "journal/OutputJournal.h"
 #include "programs/ExternalPrograms.h"
@@ -238,23 +239,29 @@ void CDExtractTask::nameOutputs()
 {
     QStringList made;
     for (std::size_t place = 0; place < m_outputs.size(); ++place) {
+        const bool isWhole = endedWell() || place < static_cast<std::size_t>(m_endedTracks);
+        if (!isWhole && removeUnwanted(m_outputs[place].madeNames))
+            continue;
         const QString path = nameOutput(m_outputs[place]);
         if (path.isEmpty())
             continue;
         made.append(path);
         checkSound(path);
-        if (!endedWell() && place >= static_cast<std::size_t>(m_endedTracks))
-            appendResultsForSelf(u"%1 may not be read to its end\n"_s.arg(lastPathComponent(path)));
+        if (!isWhole)
+            tell(u"%1 may not be read to its end"_s.arg(lastPathComponent(path)));
     }
     const QString joined = pathOf(cdda2wav::fileName());
     if (m_oneTrack && m_outputs.size() > 1) {
-        if (isPlainFile(joined)) {
+        if (!endedWell() && removeUnwanted({joined})) {
+            // Nothing is left to look at.
+        } else if (isPlainFile(joined)) {
             made.append(joined);
             checkSound(joined);
         } else if (endedWell()) {
             noteFailure(u"cdda2wav made no %1"_s.arg(cdda2wav::fileName()));
         }
     }
+    tellOfGap();
     for (const QString &path : std::as_const(made)) {
         ownOutcome().outputBytes += QFileInfo(path).size();
         if (!endedWell() || cancelled())
@@ -262,6 +269,34 @@ void CDExtractTask::nameOutputs()
     }
     if (!made.isEmpty())
         ownOutcome().output = made.size() == 1 ? made.first() : folderOf(made.first());
+}
+
+/// Of a track that was not read to its end: all of it when the user has given it up, and what holds no sound. Nothing
+/// had such a name when the job began. Returns whether nothing of it is left.
+bool CDExtractTask::removeUnwanted(const QStringList &names)
+{
+    bool isGone = true;
+    for (const QString &path : names) {
+        if (!isPlainFile(path))
+            continue;
+        const std::optional<SoundLength> length = soundLength(path);
+        const bool isEmpty = QFileInfo(path).size() == 0 || (length && length->heldFrames == 0);
+        if (!cancelled() && !isEmpty) {
+            isGone = false;
+        } else if (!FolderEntry(path).remove()) {
+            noteFailure(u"%1 was not read to its end, and could not be removed: %2"_s.arg(lastPathComponent(path),
+                                                                                          systemErrorText(errno)));
+            isGone = false;
+        }
+    }
+    return isGone;
+}
+
+/// To the report, and to the line that ends with what went wrong.
+void CDExtractTask::tell(const QString &line)
+{
+    appendResultsForSelf(line + u'\n');
+    ownOutcome().problem += outcome().problem.isEmpty() ? line : u"; "_s + line;
 }
 
 QString CDExtractTask::nameOutput(const Output &output)
@@ -304,6 +339,18 @@ bool CDExtractTask::moveOlderLogAside() const
             return false;
     }
     return false;
+}
+
+/// The range ends where a number is missing.
+void CDExtractTask::tellOfGap()
+{
+    const qsizetype count = m_fileNames.size() - static_cast<qsizetype>(m_outputs.size());
+    if (count <= 0 || cancelled())
+        return;
+    const QString first = m_fileNames.at(static_cast<qsizetype>(m_outputs.size()));
+    tell(count == 1 ? u"%1 was not copied, since it stands behind a gap in the numbers"_s.arg(first)
+                    : u"%1 and %2 more were not copied, since they stand behind a gap in the numbers"_s.arg(first).arg(
+                        count - 1));
 }
 
 void CDExtractTask::writeLog()

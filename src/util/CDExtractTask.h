@@ -79,6 +79,9 @@ private:
     /// Gives the output its name. Returns what it has in the end; empty: it was not made.
     [[nodiscard]] QString nameOutput(const Output &output);
     void checkSound(const QString &path);
+    [[nodiscard]] bool removeUnwanted(const QStringList &names);
+    void tellOfGap();
+    void tell(const QString &line);
     [[nodiscard]] bool moveOlderLogAside() const;
     void writeLog();
     void noteFailure(const QString &reason);

@@ -61,6 +61,16 @@ QString DVDAuthorTask::imagePath() const
     return joinPath(m_outputPath, u"image.iso"_s);
 }
 
+std::optional<QString> DVDAuthorTask::obstacleAt(const QString &path)
+{
+    const QString name = lastPathComponent(path);
+    if (isLink(path))
+        return u"%1 is there already, as a link"_s.arg(name);
+    if (isThere(path))
+        return u"%1 is there already: move it away, or choose another folder"_s.arg(name);
+    return std::nullopt;
+}
+
 std::optional<QString> DVDAuthorTask::takeAll()
 {
     // Before the looks at the names, so that what another job makes is not taken for somebody's file.
@@ -75,11 +85,8 @@ std::optional<QString> DVDAuthorTask::takeAll()
             return lastPathComponent(source) + u": "_s + *refusal;
     }
     for (const QString &path : {discFolder(), imagePath()}) {
-        const QString name = lastPathComponent(path);
-        if (isLink(path))
-            return u"%1 is there already, as a link"_s.arg(name);
-        if (isThere(path))
-            return u"%1 is there already: move it away, or choose another folder"_s.arg(name);
+        if (std::optional<QString> obstacle = obstacleAt(path))
+            return obstacle;
     }
     for (const QString &source : std::as_const(m_fileNames))
         ownOutcome().sourceBytes += QFileInfo(source).size();
@@ -113,12 +120,18 @@ void DVDAuthorTask::doStartTask()
     } catch (const std::exception &failure) {
         failFor(QString::fromUtf8(failure.what()));
     }
-    if (m_isImageBegun && !m_isImageProven)
+    if (m_madeImage && !m_isImageProven)
         removeImage();
     if (!error())
         removeDiscFolder();
     else if (isThere(discFolder()))
-        appendResultsForSelf(u"%1 stays there\n"_s.arg(discFolder()));
+        tellOfFolder();
+}
+
+void DVDAuthorTask::tellOfFolder()
+{
+    appendResultsForSelf(u"%1 stays there\n"_s.arg(discFolder()));
+    ownOutcome().problem += u"; %1 stays there"_s.arg(lastPathComponent(discFolder()));
 }
 
 void DVDAuthorTask::makeDisc()
@@ -127,8 +140,10 @@ void DVDAuthorTask::makeDisc()
     if (cancelled())
         return;
     showProgress(u"Making .ISO Image"_s, 0.0);
+    // Something may have that name by now. While the program works it sees to that itself.
+    if (const std::optional<QString> obstacle = obstacleAt(imagePath()))
+        throw NurvFailure(*obstacle);
     m_journal->markBegun(imagePath());
-    m_isImageBegun = true;
     makeImage();
     if (cancelled())
         return;
@@ -146,19 +161,20 @@ void DVDAuthorTask::authorDisc()
     ProgramRunSync program(
         programPath(dvda::program().name),
         dvda::authoringArguments(joinPath(m_outputPath, u"log.txt"_s), discFolder(), m_fileNames));
-    run(program, dvda::program().name, dvda::reasonOfFailure,
-        [this](const QString &chunk) { processDVDATaskOutput(chunk); });
+    static_cast<void>(run(program, dvda::program().name, dvda::reasonOfFailure,
+                          [this](const QString &chunk) { processDVDATaskOutput(chunk); }));
 }
 
 void DVDAuthorTask::makeImage()
 {
     ProgramRunSync program(programPath(mkisofs::program().name),
                            mkisofs::imageArguments(imagePath(), discFolder()));
-    run(program, mkisofs::program().name, mkisofs::reasonOfFailure,
-        [this](const QString &chunk) { processImageTaskOutput(chunk); });
+    if (run(program, mkisofs::program().name, mkisofs::reasonOfFailure,
+            [this](const QString &chunk) { processImageTaskOutput(chunk); }))
+        m_madeImage = statusOfName(imagePath());
 }
 
-void DVDAuthorTask::run(ProgramRunSync &program, const QString &name, QString (*reasonOfFailure)(QStringView),
+bool DVDAuthorTask::run(ProgramRunSync &program, const QString &name, QString (*reasonOfFailure)(QStringView),
                         const std::function<void(const QString &)> &takeChunk)
 {
     QString text;
@@ -170,7 +186,7 @@ void DVDAuthorTask::run(ProgramRunSync &program, const QString &name, QString (*
         },
         [this] { return cancelled(); });
     if (cancelled() || ending.succeeded())
-        return;
+        return ending.succeeded();
     if (!ending.exit)
         throw NurvFailure(ending.startFailure);
     appendResultsForSelf(text);
@@ -199,10 +215,13 @@ void DVDAuthorTask::compareImage()
         throw NurvFailure(u"image.iso could not be written through to the disk: %1"_s.arg(systemErrorText(errno)));
 }
 
-/// Half made, or not what was authored. It is this job's: nothing had the name when the job began.
+/// It is not what was authored, or nobody knows. The program gives the name to whole images only, and to no image where
+/// something has it.
 void DVDAuthorTask::removeImage()
 {
-    if (isThere(imagePath()) && !FolderEntry(imagePath()).remove()) {
+    const FolderEntry image(imagePath());
+    const std::optional<struct stat> now = image.facts();
+    if (now && isSameFile(*m_madeImage, *now) && !image.remove()) {
         appendResultsForSelf(u"%1 stays there, and is no whole disc: %2\n"_s.arg(imagePath(), systemErrorText(errno)));
         return;
     }

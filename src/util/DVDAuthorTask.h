@@ -8,9 +8,12 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
+
+#include <sys/stat.h>
 
 namespace nurv {
 
@@ -45,6 +48,8 @@ private:
     [[nodiscard]] QString discFolder() const;
     [[nodiscard]] QString imagePath() const;
     [[nodiscard]] std::optional<QString> takeAll();
+    /// Why nothing can be made under the name.
+    [[nodiscard]] static std::optional<QString> obstacleAt(const QString &path);
     /// Throws NurvFailure when the disc was not made whole.
     void makeDisc();
     void authorDisc();
@@ -52,16 +57,18 @@ private:
     void compareImage();
     void removeImage();
     void removeDiscFolder();
-    /// Runs it to its end. Throws NurvFailure when it failed.
-    void run(ProgramRunSync &program, const QString &name, QString (*reasonOfFailure)(QStringView text),
-             const std::function<void(const QString &chunk)> &takeChunk);
+    void tellOfFolder();
+    /// Runs it to its end. Returns whether it ended well, or not, since the job was cancelled. Throws NurvFailure when
+    /// it failed.
+    [[nodiscard]] bool run(ProgramRunSync &program, const QString &name, QString (*reasonOfFailure)(QStringView text),
+                           const std::function<void(const QString &chunk)> &takeChunk);
     void processDVDATaskOutput(const QString &chunk);
     void processImageTaskOutput(const QString &chunk);
     void showProgress(const QString &status, double percent);
 
     QStringList m_fileNames;
     QString m_outputPath;
-    bool m_isImageBegun = false;
+    std::optional<struct stat> m_madeImage; ///< as the program has left it
     bool m_isImageProven = false; ///< the image holds what the folder does
     std::vector<std::unique_ptr<OutputClaim>> m_claims;
     std::shared_ptr<OutputJournal> m_journal; ///< while the job runs

@@ -6,7 +6,6 @@
 #include "base/Log.h"
 #include "base/SystemError.h"
 #include "files/FileStatus.h"
-#include "files/FolderEntry.h"
 #include "journal/OutputJournal.h"
 #include "programs/Sox.h"
 #include "samples/SoundLength.h"
@@ -23,27 +22,22 @@ namespace nurv {
 
 namespace {
 
-/// Whether it is what stands in the header of a stream that a program has written into a pipe: close below 2³¹ or 2³².
-bool isSizeOfPipe(std::int64_t bytes)
+/// Whether that is what the header of a stream has that a program has written into a pipe: a size close below 2³¹ or
+/// 2³².
+bool isLengthOfPipe(std::int64_t frames, std::int64_t frameBytes)
 {
     constexpr std::int64_t kClose = 0x10000;
-    for (const std::int64_t most : {std::int64_t{0x80000000}, std::int64_t{0x100000000}}) {
-        if (bytes < most && bytes >= most - kClose)
-            return true;
-    }
-    return false;
+    const std::int64_t bytes = frames * frameBytes;
+    return (bytes < 0x80000000 && bytes >= 0x80000000 - kClose)
+           || (bytes < 0x100000000 && bytes >= 0x100000000 - kClose);
 }
 
 /// What is to come out; nothing where the source does not tell.
 std::optional<std::int64_t> framesOf(const SoundLength &source)
 {
-    if (!source.declaredFrames)
-        return source.heldFrames;
     const std::int64_t frameBytes = std::int64_t{source.channels} * ((source.bitsPerSample + 7) / 8);
-    return isSizeOfPipe((*source.declaredFrames + 1) * frameBytes - 1)
-                   || isSizeOfPipe(*source.declaredFrames * frameBytes)
-               ? source.heldFrames
-               : source.declaredFrames;
+    const bool isTold = source.declaredFrames && !isLengthOfPipe(*source.declaredFrames, frameBytes);
+    return isTold ? source.declaredFrames : source.heldFrames;
 }
 
 } // namespace
@@ -68,7 +62,20 @@ std::optional<QString> DeEmphasisTask::takeOutput()
         return u"its output name is a link"_s;
     if (isThere(outputFile()))
         return u"its output %1 exists already"_s.arg(lastPathComponent(outputFile()));
-    return std::nullopt;
+    return reserveOutput();
+}
+
+std::optional<QString> DeEmphasisTask::reserveOutput()
+{
+    const QString name = lastPathComponent(outputFile());
+    m_journal = OutputJournal::begin({{outputFile(), fileName()}});
+    m_journal->markBegun(outputFile());
+    if (m_output.make(outputFile()))
+        return std::nullopt;
+    const int reason = errno;
+    m_journal->markEnded(outputFile());
+    return reason == EEXIST ? u"its output %1 exists already"_s.arg(name)
+                            : u"its output %1 cannot be made: %2"_s.arg(name, systemErrorText(reason));
 }
 
 void DeEmphasisTask::startTask()
@@ -80,8 +87,6 @@ void DeEmphasisTask::startTask()
         failToStart(u"%1: %2\n"_s.arg(fileName(), *obstacle));
         return;
     }
-    m_journal = OutputJournal::begin({{outputFile(), fileName()}});
-    m_journal->markBegun(outputFile());
     NURVAsyncNSTask::startTask();
 }
 
@@ -114,8 +119,10 @@ void DeEmphasisTask::fail(const QString &problem)
 /// sox ends with status 0, too, when a source is shorter than its header says.
 std::optional<QString> DeEmphasisTask::faultOfOutput() const
 {
-    if (!isPlainFile(outputFile()))
+    if (!isThere(outputFile()))
         return u"its program made no output"_s;
+    if (!m_output.isInPlace())
+        return u"something else has the name of its output %1 now, and stays"_s.arg(lastPathComponent(outputFile()));
     const std::optional<SoundLength> source = soundLength(fileName());
     const std::optional<SoundLength> made = soundLength(outputFile());
     if (!made || !made->declaredFrames)
@@ -130,27 +137,31 @@ std::optional<QString> DeEmphasisTask::faultOfOutput() const
 
 void DeEmphasisTask::removeOutput() const
 {
-    // It had no such name when the program was started.
-    if (isThere(outputFile()) && !FolderEntry(outputFile()).remove())
+    if (!m_output.remove() && errno != ENOENT)
         qCWarning(utilLog).noquote() << "Not removed:" << outputFile() << ':' << systemErrorText(errno);
 }
 
 void DeEmphasisTask::cleanup()
 {
-    if (!hasRun())
+    if (!m_output.isMade())
         return;
-    if (error() || cancelled()) {
-        if (error() && outcome().problem.isEmpty())
-            ownOutcome().problem = sox::reasonOfFailure(m_totalOutput);
+    if (!error() && !cancelled())
+        examineOutput();
+    else if (error() && hasRun() && outcome().problem.isEmpty())
+        ownOutcome().problem = sox::reasonOfFailure(m_totalOutput);
+    if (outcome().output.isEmpty())
         removeOutput();
-    } else if (const std::optional<QString> fault = faultOfOutput()) {
-        fail(*fault);
-        removeOutput();
-    } else {
-        ownOutcome().output = outputFile();
-        ownOutcome().outputBytes = QFileInfo(outputFile()).size();
-    }
     m_journal->markEnded(outputFile());
+}
+
+void DeEmphasisTask::examineOutput()
+{
+    if (const std::optional<QString> fault = faultOfOutput()) {
+        fail(*fault);
+        return;
+    }
+    ownOutcome().output = outputFile();
+    ownOutcome().outputBytes = QFileInfo(outputFile()).size();
 }
 
 void DeEmphasisTask::finalCleanup()

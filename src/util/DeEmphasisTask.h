@@ -3,6 +3,7 @@
 #pragma once
 
 #include "engine/NURVAsyncNSTask.h"
+#include "files/ReservedFile.h"
 #include "originals/OutputClaim.h"
 
 #include <QString>
@@ -40,12 +41,15 @@ private:
     [[nodiscard]] const QString &fileName() const { return sourcePath(); }
     [[nodiscard]] QString outputFile() const { return arguments().at(2); }
     [[nodiscard]] std::optional<QString> takeOutput();
+    [[nodiscard]] std::optional<QString> reserveOutput();
     [[nodiscard]] std::optional<QString> faultOfOutput() const;
     void removeOutput() const;
+    void examineOutput();
     void fail(const QString &problem);
 
     QString m_totalOutput;
     OutputClaim m_claim;
+    ReservedFile m_output;                    ///< sox writes under the very name
     std::shared_ptr<OutputJournal> m_journal; ///< while the job runs
 };
 

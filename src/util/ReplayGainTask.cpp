@@ -4,15 +4,21 @@
 
 #include "app/PathNames.h"
 #include "app/TemporaryNames.h"
+#include "base/GuiThread.h"
+#include "base/Log.h"
+#include "base/NurvFailure.h"
 #include "base/SystemError.h"
+#include "base/WorkerThreads.h"
 #include "files/FileStatus.h"
 #include "files/FolderEntry.h"
 #include "journal/OutputJournal.h"
 #include "programs/Metaflac.h"
+#include "tags/MetadataInventory.h"
 #include "text/TextNumbers.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <exception>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -33,7 +39,7 @@ QString scratchOf(const QString &path)
 ReplayGainTask::ReplayGainTask(NURVTaskQueue *queue, const QString &launchPath, bool isAdding, const QStringList &paths)
     : NURVAsyncNSTask(queue, launchPath,
                       isAdding ? metaflac::addReplayGainArguments(paths) : metaflac::removeReplayGainArguments(paths)),
-      m_paths(paths)
+      m_paths(paths), m_isAdding(isAdding)
 {
     nameRow(isAdding ? u"Adding FLAC replay gain"_s : u"Removing FLAC replay gain"_s);
     dropResults();
@@ -54,6 +60,10 @@ std::optional<QString> ReplayGainTask::takeAll()
         auto &claim = m_claims.emplace_back(std::make_unique<OutputClaim>());
         if (claim->take(path, path, nullptr))
             return u"another job works on %1"_s.arg(name);
+        const std::optional<struct stat> before = statusOfName(path);
+        if (!before)
+            return u"%1 is no file"_s.arg(name);
+        m_sources.push_back({.path = path, .before = *before});
     }
     return std::nullopt;
 }
@@ -102,6 +112,72 @@ void ReplayGainTask::removeScratches()
     }
 }
 
+/// There may be thousands of files, and the disk may take its time.
+void ReplayGainTask::completeStop()
+{
+    if (!hasRun()) {
+        NURVAsyncNSTask::completeStop();
+        return;
+    }
+    const auto self = std::static_pointer_cast<ReplayGainTask>(shared_from_this());
+    try {
+        workerThreads::start([task = self]() mutable {
+            task->examineSources();
+            // The job must not end on this thread.
+            ReplayGainTask *const examined = task.get();
+            postToGuiThread([task = std::move(task), examined] { examined->NURVAsyncNSTask::completeStop(); });
+        });
+    } catch (const std::exception &) {
+        examineSources();
+        NURVAsyncNSTask::completeStop();
+    }
+}
+
+void ReplayGainTask::examineSources()
+{
+    for (Source &source : m_sources) {
+        const std::optional<struct stat> now = statusOfName(source.path);
+        source.isWritten = now && !isUntouched(source.before, *now);
+        if (!isAsTold(source.path))
+            m_wrongNames.append(lastPathComponent(source.path));
+    }
+}
+
+bool ReplayGainTask::isAsTold(const QString &path) const
+{
+    try {
+        const QMap<QString, QStringList> tags = MetadataInventory::of(path).tags;
+        return tags.contains(u"REPLAYGAIN_TRACK_GAIN"_s) == m_isAdding
+               && tags.contains(u"REPLAYGAIN_ALBUM_GAIN"_s) == m_isAdding;
+    } catch (const NurvFailure &failure) {
+        qCWarning(utilLog).noquote() << path << ':' << failure.reason();
+        return false;
+    }
+}
+
+/// metaflac first measures all files, and then writes one after the other.
+void ReplayGainTask::tellOutcome()
+{
+    const auto written = static_cast<int>(
+        std::count_if(m_sources.begin(), m_sources.end(), [](const Source &source) { return source.isWritten; }));
+    if (!error() && !cancelled()) {
+        if (m_wrongNames.isEmpty())
+            return;
+        ownOutcome().problem = (m_isAdding ? u"metaflac told of no failure, and has not written the gain into %1"_s
+                                           : u"metaflac told of no failure, and has not taken the gain out of %1"_s)
+                                   .arg(m_wrongNames.join(u", "_s));
+        ownOutcome().failedSources = static_cast<int>(m_wrongNames.size());
+        failWith(outcome().problem + u'\n');
+        return;
+    }
+    if (written == 0)
+        return;
+    ownOutcome().failedSources = sourceCount() - written;
+    const QString told = u"%1 of %2 files were written already"_s.arg(written).arg(sourceCount());
+    ownOutcome().problem += outcome().problem.isEmpty() ? told : u"; "_s + told;
+    m_report += told + u'\n';
+}
+
 void ReplayGainTask::finalCleanup()
 {
     m_claims.clear();
@@ -110,12 +186,14 @@ void ReplayGainTask::finalCleanup()
 
 void ReplayGainTask::cleanup()
 {
-    if (hasRun())
-        removeScratches();
-    if (!error() || !outcome().problem.isEmpty())
+    if (error() && outcome().problem.isEmpty()) {
+        const QString reason = metaflac::reasonOfFailure(m_report);
+        ownOutcome().problem = reason.isEmpty() ? trimWhitespaceAndNewlines(m_report).section(u'\n', 0, 0) : reason;
+    }
+    if (!hasRun())
         return;
-    const QString reason = metaflac::reasonOfFailure(m_report);
-    ownOutcome().problem = reason.isEmpty() ? trimWhitespaceAndNewlines(m_report).section(u'\n', 0, 0) : reason;
+    removeScratches();
+    tellOutcome();
 }
 
 } // namespace nurv

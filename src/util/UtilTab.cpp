@@ -45,6 +45,13 @@ namespace {
 
 constexpr qsizetype kMostProblemsShown = 10;
 
+QString formatText(const AudioFormatObject &format)
+{
+    return u"%1 Hz, %2 bits, %3"_s.arg(format.sampleRate)
+        .arg(format.bitsPerChannel)
+        .arg(format.channels == 1 ? u"1 channel"_s : u"%1 channels"_s.arg(format.channels));
+}
+
 } // namespace
 
 UtilTab::UtilTab(NURVController &controller)
@@ -205,6 +212,9 @@ FormatScan UtilTab::scanFormats(const QStringList &paths)
     if (!failure.isEmpty()) {
         qCWarning(utilLog).noquote() << "error" << failure;
         scan.ending = FormatScan::Ending::Refused;
+    } else if (scan.ending == FormatScan::Ending::Refused) {
+        qCWarning(utilLog).noquote() << paths.at(static_cast<qsizetype>(scan.formats.size()))
+                                     << "is of a kind that a disc does not take, or its format cannot be read";
     }
     return scan;
 }
@@ -217,7 +227,9 @@ void UtilTab::takeFormats(const QStringList &paths, const FormatScan &scan)
     if (scan.ending == FormatScan::Ending::Mismatch)
         nurvController().prompts().ask(
             {.title = u"The Files in the list must match in sample rate, bit depth and number of channels."_s,
-             .message = {},
+             .message = u"%1: %2. Before it: %3."_s.arg(
+                 lastPathComponent(paths.at(static_cast<qsizetype>(scan.formats.size()) - 1)),
+                 formatText(scan.formats.back()), formatText(scan.formats.front())),
              .buttons = {u"OK"_s}});
     if (scan.ending != FormatScan::Ending::Complete && scan.ending != FormatScan::Ending::GivenUp)
         dropFiles(paths);

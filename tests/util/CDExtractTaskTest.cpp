@@ -102,6 +102,15 @@ TEST_F(CDExtractTaskTest, LeavesTracksAfterAGap)
     run(job);
     EXPECT_FALSE(job->error()) << qPrintable(job->report());
     EXPECT_EQ(tracksThere(), (QStringList{u"01 a.wav"_s, u"02 b.wav"_s}));
+    EXPECT_EQ(job->outcome().problem, u"05 e.aiff was not copied, since it stands behind a gap in the numbers");
+    const auto longer = makeJob(u"1+1"_s, {u"1 c.aiff"_s, u"5 e.aiff"_s, u"6 f.aiff"_s, u"7 g.aiff"_s});
+    longer->setDiscName(u"Longer"_s);
+    tools.remove(u"cdda2wav"_s);
+    tools.addFake(u"cdda2wav"_s, making(u"audio.wav"_s, 1));
+    run(longer);
+    EXPECT_EQ(longer->outcome().problem,
+              u"05 e.aiff and 2 more were not copied, since they stand behind a gap in the numbers");
+    EXPECT_TRUE(longer->report().contains(longer->outcome().problem)) << qPrintable(longer->report());
 }
 
 TEST_F(CDExtractTaskTest, LeavesTheNameOfOneFileOfAll)
@@ -231,7 +240,8 @@ TEST_F(CDExtractTaskTest, KeepsWhatWasReadBeforeAFailure)
     const auto job = makeJob(u"1+3"_s, kThree);
     run(job);
     EXPECT_TRUE(job->error());
-    EXPECT_EQ(job->outcome().problem, u"icedax: Input/output error. read failed");
+    EXPECT_EQ(job->outcome().problem,
+              u"icedax: Input/output error. read failed; 02 Track.wav may not be read to its end");
     EXPECT_EQ(tracksThere(), (QStringList{u"01 Track.wav"_s, u"02 Track.wav"_s}));
     EXPECT_EQ(job->outcome().output, out.path());
     EXPECT_TRUE(job->report().contains(u"01 Track.wav was made, and stays\n"_s)) << qPrintable(job->report());
@@ -262,9 +272,24 @@ TEST_F(CDExtractTaskTest, TellsOfAProgramThatWasKilled)
     EXPECT_EQ(job->report().count(u"was ended by signal"_s), 1);
 }
 
-TEST_F(CDExtractTaskTest, KeepsWhatACancelledRunMade)
+TEST_F(CDExtractTaskTest, KeepsNoFileWithoutSound)
 {
-    tools.addFake(u"cdda2wav"_s, making(u"audio_01.wav"_s, 1) + "create=" + QFile::encodeName(folder.path(u"started"_s))
+    const QString header = test::writeWav(folder.path(u"header.wav"_s));
+    ASSERT_TRUE(QFile::resize(header, 44));
+    tools.addFake(u"cdda2wav"_s, making(u"audio_01.wav"_s, 1) + "out=  0 rderr, 0 skip, 0 atom\\n;until-read;copy="
+                                     + QFile::encodeName(header) + ":audio_02.wav;create=audio_03.wav;exit=6");
+    const auto job = makeJob(u"1+3"_s, kThree);
+    run(job);
+    EXPECT_TRUE(job->error());
+    EXPECT_EQ(tracksThere(), QStringList{u"01 Track.wav"_s});
+    EXPECT_EQ(job->outcome().problem, u"0 rderr, 0 skip, 0 atom");
+}
+
+TEST_F(CDExtractTaskTest, KeepsTheWholeTracksOfACancelledRun)
+{
+    tools.addFake(u"cdda2wav"_s, making(u"audio_01.wav"_s, 1) + "out=  0 rderr, 0 skip, 0 atom\\n;until-read;"
+                                     + making(u"audio_02.wav"_s, 2)
+                                     + "create=" + QFile::encodeName(folder.path(u"started"_s))
                                      + ";wait-file=" + QFile::encodeName(folder.path(u"go"_s)) + ";exit=1");
     const auto job = makeJob(u"1+3"_s, kThree);
     queue().addTask(job);

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "util/UtilFixture.h"
 
+#include "programs/Mkisofs.h"
+
 #include "util/DVDAuthorTask.h"
 #include "util/DiscImageCheck.h"
 
@@ -128,6 +130,9 @@ TEST_F(DVDAuthorTaskTest, ADiscThatWasNotMadeWholeKeepsItsFolder)
         EXPECT_TRUE(job->error());
         EXPECT_TRUE(job->outcome().problem.startsWith(problem)) << qPrintable(job->outcome().problem);
         EXPECT_TRUE(job->report().contains(out.path(u"DVD-AUDIO"_s) + u" stays there"_s)) << qPrintable(job->report());
+        EXPECT_TRUE(job->outcome().problem.endsWith(u"; DVD-AUDIO stays there"_s))
+            << qPrintable(job->outcome().problem);
+        EXPECT_FALSE(out.exists(u"image.iso"_s));
         EXPECT_TRUE(out.exists(u"DVD-AUDIO/AUDIO_TS/ATS_01_1.AOB"_s));
         QDir(out.path()).removeRecursively();
         QDir().mkpath(out.path());
@@ -148,6 +153,35 @@ TEST_F(DVDAuthorTaskTest, StartsNothingWhereSomethingIs)
     out.makeLink(u"image.iso"_s, folder.path(u"precious"_s));
     EXPECT_EQ(author(sounds)->outcome().problem, u"image.iso is there already, as a link");
     EXPECT_FALSE(folder.exists(u"precious"_s));
+}
+
+TEST_F(DVDAuthorTaskTest, AnImageThatCameMeanwhileStays)
+{
+    const QStringList sounds = makeSounds(1);
+    const QByteArray image = out.path(u"image.iso"_s).toUtf8();
+    setScript(u"dvda"_s, "echo mine > '" + image + "'; exec " + real(u"dvda"_s).toUtf8() + " \"$@\"\n");
+    EXPECT_EQ(author(sounds)->outcome().problem,
+              u"image.iso is there already: move it away, or choose another folder; DVD-AUDIO stays there");
+    EXPECT_EQ(out.read(u"image.iso"_s), "mine\n");
+    ASSERT_TRUE(QDir(out.path(u"DVD-AUDIO"_s)).removeRecursively());
+    out.remove(u"image.iso"_s);
+    out.remove(u"log.txt"_s);
+
+    tools.remove(u"dvda"_s);
+    tools.addReal(u"dvda"_s);
+    setScript(u"mkisofs"_s, "echo mine > '" + image + "'; echo 'mkisofs: exists' >&2; exit 1\n");
+    EXPECT_EQ(author(sounds)->outcome().problem, u"exists; DVD-AUDIO stays there");
+    EXPECT_EQ(out.read(u"image.iso"_s), "mine\n");
+}
+
+TEST_F(DVDAuthorTaskTest, TellsWhatTheProgramBehindTheImageHasTold)
+{
+    EXPECT_EQ(mkisofs::reasonOfFailure(u"mkisofs: genisoimage failed with status 28:\n 45.25% done, estimate finish x\n"
+                                       "genisoimage: No space left on device. cannot fwrite 32768*1\n"),
+              u"genisoimage failed with status 28: genisoimage: No space left on device. cannot fwrite 32768*1");
+    EXPECT_EQ(mkisofs::reasonOfFailure(u"mkisofs: genisoimage failed with status 2:\n"),
+              u"genisoimage failed with status 2:");
+    EXPECT_EQ(mkisofs::reasonOfFailure(u"noise\nmkisofs: no room\nmore\n"), u"no room");
 }
 
 TEST_F(DVDAuthorTaskTest, ACancelledOneLeavesNoFolder)

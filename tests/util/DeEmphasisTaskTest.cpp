@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "util/UtilFixture.h"
 
+#include "files/ReservedFile.h"
+
 #include "util/DeEmphasisTask.h"
 
 #include <QtEndian>
@@ -150,6 +152,59 @@ TEST_F(DeEmphasisTaskTest, LeavesWhatHasTheOutputsName)
     out.makeLink(u"a-deemph.wav"_s, folder.write(u"precious"_s, "precious"));
     EXPECT_EQ(run({source}).front()->outcome().problem, u"its output name is a link");
     EXPECT_EQ(folder.read(u"precious"_s), "precious");
+}
+
+TEST_F(DeEmphasisTaskTest, HoldsTheNameOfItsOutputFromTheBeginning)
+{
+    const QString waits = folder.path(u"waits"_s);
+    setFake(u"sox"_s, "create=" + waits.toUtf8() + ";wait-file=" + folder.path(u"go-on"_s).toUtf8() + ";exit=1");
+    prompts.expectOutputFolder(out.path());
+    tab.setCommand(UtilTab::kDeEmphasis);
+    tab.addMatchedFiles({test::writeWav(folder.path(u"a.wav"_s))});
+    tab.executeCommand();
+    ASSERT_TRUE(test::waitUntil([&] { return QFile::exists(waits); }));
+    ReservedFile other;
+    EXPECT_FALSE(other.make(out.path(u"a-deemph.wav"_s)));
+    folder.write(u"go-on"_s, "");
+    settle();
+    EXPECT_EQ(out.list(), QStringList());
+}
+
+TEST_F(DeEmphasisTaskTest, LeavesWhatTookTheNameOfItsOutput)
+{
+    const QString source = test::writeWav(folder.path(u"a.wav"_s));
+    const QString other = folder.path(u"other.wav"_s);
+    for (const QByteArray &ending : {QByteArray("exit 0\n"), QByteArray("exit 1\n")}) {
+        ASSERT_TRUE(QFile::copy(source, other));
+        setScript(u"sox"_s, "mv '" + other.toUtf8() + "' \"$3\"; " + ending);
+        const auto job = run({source}).front();
+        EXPECT_TRUE(job->error());
+        EXPECT_EQ(job->outcome().output, QString());
+        EXPECT_TRUE(out.read(u"a-deemph.wav"_s) == folder.read(u"a.wav"_s));
+        if (ending.startsWith("exit 0")) {
+            EXPECT_EQ(job->outcome().problem, u"something else has the name of its output a-deemph.wav now, and stays");
+        }
+        out.remove(u"a-deemph.wav"_s);
+    }
+}
+
+TEST_F(DeEmphasisTaskTest, LeavesNothingWhereItsProgramIsMissing)
+{
+    tools.remove(u"sox"_s);
+    setScript(u"sox"_s, "");
+    ASSERT_TRUE(QFile(tools.path(u"sox"_s)).setPermissions(QFile::ReadOwner));
+    EXPECT_TRUE(run({test::writeWav(folder.path(u"a.wav"_s))}).front()->error());
+    EXPECT_EQ(out.list(), QStringList());
+}
+
+TEST_F(DeEmphasisTaskTest, TellsWhyTheOutputCannotBeMade)
+{
+    const QString source = test::writeWav(folder.path(u"%1.wav"_s.arg(QString(250, u'a'))));
+    const auto job = run({source}).front();
+    EXPECT_TRUE(job->error());
+    EXPECT_TRUE(job->outcome().problem.endsWith(u" cannot be made: File name too long"_s))
+        << qPrintable(job->outcome().problem);
+    EXPECT_EQ(out.list(), QStringList());
 }
 
 TEST_F(DeEmphasisTaskTest, MakesOneOfTwoFilesOfOneName)

@@ -85,6 +85,31 @@ TEST_F(ReplayGainTaskTest, StartsNothingWhereMetaflacWouldHarmAnotherFile)
     EXPECT_TRUE(change(u"Add"_s, {folder.path(u"gone.flac"_s)})->error());
 }
 
+TEST_F(ReplayGainTaskTest, ReadsAgainWhatMetaflacHasWritten)
+{
+    const QStringList paths = makeFlacs();
+    setScript(u"metaflac"_s, "exec metaflac --add-replay-gain \"$2\"\n");
+    const auto added = change(u"Add"_s, paths);
+    EXPECT_TRUE(added->error());
+    EXPECT_EQ(added->outcome().problem, u"metaflac told of no failure, and has not written the gain into c.flac");
+    EXPECT_EQ(added->outcome().failedSources, 1);
+    setScript(u"metaflac"_s, "exit 0\n");
+    const auto removed = change(u"Remove"_s, paths);
+    EXPECT_TRUE(removed->error());
+    EXPECT_EQ(removed->outcome().problem, u"metaflac told of no failure, and has not taken the gain out of a b.flac");
+}
+
+TEST_F(ReplayGainTaskTest, TellsHowManyFilesAFailedRunHasWritten)
+{
+    const QStringList paths = makeFlacs();
+    setScript(u"metaflac"_s, "metaflac --add-replay-gain \"$2\"; echo 'c.flac: ERROR: no room' >&2; exit 1\n");
+    const auto job = change(u"Add"_s, paths);
+    EXPECT_TRUE(job->error());
+    EXPECT_EQ(job->outcome().problem, u"c.flac: ERROR: no room; 1 of 2 files were written already");
+    EXPECT_EQ(job->outcome().failedSources, 1);
+    EXPECT_TRUE(job->report().contains(u"1 of 2 files were written already"_s));
+}
+
 TEST_F(ReplayGainTaskTest, LeavesNoTemporaryFileOfMetaflac)
 {
     const QString flac = test::writeFlac(folder.path(u"a.flac"_s));
@@ -97,10 +122,11 @@ TEST_F(ReplayGainTaskTest, LeavesNoTemporaryFileOfMetaflac)
 
 TEST_F(ReplayGainTaskTest, WaitsForNoOtherJobOnTheSameFile)
 {
-    const QString flac = folder.write(u"a.flac"_s, "x");
+    const QString flac = test::writeFlac(folder.path(u"a.flac"_s));
     const QString waits = folder.path(u"waits"_s);
     const QString goOn = folder.path(u"go-on"_s);
     setFake(u"metaflac"_s, "create=" + waits.toUtf8() + ";wait-file=" + goOn.toUtf8());
+    tab.replayGainMatrix.selectTitle(u"Remove"_s);
     tab.setCommand(UtilTab::kReplayGain);
     tab.addMatchedFiles({flac});
     tab.executeCommand();

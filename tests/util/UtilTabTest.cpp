@@ -14,9 +14,13 @@ const Alert kScanQuestion{.title = u"You have chosen \"DVD Audio Disc.\" This wi
                                    u"information. Are you sure you want to continue?"_s,
                           .message = {},
                           .buttons = {u"Yes"_s, u"No"_s}};
-const Alert kMismatch{.title = u"The Files in the list must match in sample rate, bit depth and number of channels."_s,
-                      .message = {},
-                      .buttons = {u"OK"_s}};
+/// `found`: the format of the last file of a.wav and b.wav.
+Alert mismatch(const QString &found)
+{
+    return {.title = u"The Files in the list must match in sample rate, bit depth and number of channels."_s,
+            .message = u"b.wav: %1. Before it: 44100 Hz, 16 bits, 2 channels."_s.arg(found),
+            .buttons = {u"OK"_s}};
+}
 
 class UtilTabTest : public test::UtilFixture {
 protected:
@@ -175,8 +179,11 @@ TEST_F(UtilTabTest, ClearsAListOfSeveralFormats)
 {
     tools.addAllReal();
     chooseDisc();
-    for (const test::SoundShape &other : {test::SoundShape{.rate = 48000}, {.bits = 24}, {.channels = 1}}) {
-        prompts.expectAsk(kMismatch, u"OK"_s);
+    const std::pair<test::SoundShape, QString> others[] = {{{.rate = 48000}, u"48000 Hz, 16 bits, 2 channels"_s},
+                                                           {{.bits = 24}, u"44100 Hz, 24 bits, 2 channels"_s},
+                                                           {{.channels = 1}, u"44100 Hz, 16 bits, 1 channel"_s}};
+    for (const auto &[other, found] : others) {
+        prompts.expectAsk(mismatch(found), u"OK"_s);
         tab.addMatchedFiles({wav(u"a.wav"_s), wav(u"b.wav"_s, other)});
         prompts.verify();
         EXPECT_EQ(tab.fileNames(), QStringList());

@@ -49,8 +49,7 @@ AuthorLog::AuthorLog(const std::string &name) : m_name(name)
         if (!m_file.isOpen() && errno != ELOOP)
             failWrite(name, errno);
         if (!m_file.isOpen() || !isLog(m_file.get()))
-            throw ToolError(ToolError::Kind::Write,
-                            name + " is no log of this program, and stays; name another with -l");
+            throw ToolError(ToolError::Kind::Write, name + " is no log of this program, and stays");
         if (::ftruncate(m_file.get(), 0) != 0 || ::lseek(m_file.get(), 0, SEEK_SET) != 0)
             failWrite(name, errno);
     }

@@ -5,6 +5,7 @@
 #include "support/TestProgram.h"
 
 #include <QCryptographicHash>
+#include <QFile>
 
 #include <gmock/gmock.h>
 
