@@ -150,7 +150,11 @@ ExitStatus BatchCommand::run(const ParsedArguments &arguments, Console &console)
 
     ExitStatus status = ExitStatus::Failed;
     if (tab->fileNames().isEmpty()) {
-        console.writeNote(u"there is nothing to do: no file was found that can be worked on"_s);
+        console.writeNote(prompts.objections().isEmpty()
+                              ? u"there is nothing to do: no file was found that can be worked on"_s
+                              : u"nothing was done"_s);
+    } else if (!input.refusals.isEmpty() && needsAllFiles(arguments)) {
+        console.writeNote(u"nothing was done, since not all files can be worked on"_s);
     } else if (const QStringList missing = programs.missing(); !missing.isEmpty()) {
         tellMissing(console, missing);
         status = ExitStatus::MissingProgram;
@@ -159,7 +163,7 @@ ExitStatus BatchCommand::run(const ParsedArguments &arguments, Console &console)
     }
     if (status == ExitStatus::Ok && !input.refusals.isEmpty())
         status = ExitStatus::Failed;
-    batch.printBatchObject(status, input.refusals, input.skipped);
+    batch.printBatchObject(status, input.refusals + prompts.objections(), input.skipped);
     // A worker that hangs in the file system still uses what an orderly end would
     // destroy. Everything is written already: the console keeps nothing back.
     if (workerThreads::runningCount() > 0)

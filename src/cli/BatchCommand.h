@@ -31,6 +31,8 @@ protected:
     [[nodiscard]] virtual bool takes(const QString &path) const = 0;
     /// Throws UsageError when the command can make nothing of that many files.
     virtual void checkFiles(const QStringList &) const {}
+    /// Whether what is made of all files would be another thing without one of them.
+    [[nodiscard]] virtual bool needsAllFiles(const ParsedArguments &) const { return false; }
     /// A line for each option that was given and has no effect on some of the files.
     [[nodiscard]] virtual QStringList optionsWithoutEffect(const ParsedArguments &, const QStringList &) const
     {

@@ -69,7 +69,8 @@ ConsolePrompts::ConsolePrompts(Console &console, PromptAnswers answers)
 QString ConsolePrompts::ask(const Alert &alert)
 {
     if (alert.buttons.size() < 2) {
-        m_console.writeNote(textOf(alert));
+        m_objections.append(textOf(alert));
+        m_console.writeNote(m_objections.last());
         return dismissingButton(alert);
     }
     if (m_answers.answerAll)

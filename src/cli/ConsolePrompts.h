@@ -50,6 +50,8 @@ public:
     void setInterruptDescriptor(int descriptor) { m_interruptDescriptor = descriptor; }
 
     [[nodiscard]] Outcome outcome() const { return m_outcome; }
+    /// What was told without a choice: why something is not done.
+    [[nodiscard]] const QStringList &objections() const { return m_objections; }
 
     QString ask(const Alert &alert) override;
     QStringList choose(const FileChooser &chooser) override;
@@ -77,6 +79,7 @@ private:
     std::function<QString()> m_subject;
     int m_interruptDescriptor = -1;
     Outcome m_outcome = Outcome::Answered;
+    QStringList m_objections;
 };
 
 } // namespace nurv

@@ -4,6 +4,7 @@
 #include "support/AudioFixtures.h"
 #include "support/TestFolder.h"
 
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -108,6 +109,49 @@ TEST_F(UtilCommandTest, AddsAndRemovesReplayGain)
     const ProgramResult refused = util({u"replaygain"_s, wav});
     EXPECT_EQ(refused.exitStatus, 1);
     EXPECT_TRUE(refused.errors.contains("b.wav: not a file of a kind that this command takes")) << refused.errors.constData();
+}
+
+TEST_F(UtilCommandTest, MakesNoSetWithoutOneOfItsFiles)
+{
+    const QString a = writeFlac(path(u"a.flac"_s));
+    const QString b = writeFlac(path(u"b.flac"_s), {.seed = 2});
+    const QString gone = path(u"gone.flac"_s);
+    folder.makeFolder(u"out"_s);
+    const QString out = path(u"out"_s);
+    const QByteArray before = folder.read(u"a.flac"_s);
+    const QList<QStringList> commands{{u"util"_s, u"replaygain"_s, a, gone, b},
+                                      {u"util"_s, u"dvda"_s, u"--output-dir"_s, out, a, gone, b},
+                                      {u"shntool"_s, u"join"_s, u"--output-dir"_s, out, a, gone, b},
+                                      {u"shntool"_s, u"cue"_s, u"--output"_s, path(u"out/x.cue"_s), a, gone, b},
+                                      {u"fix"_s, u"--output-dir"_s, out, a, gone, b}};
+    for (const QStringList &command : commands) {
+        const ProgramResult refused = runNurv(command);
+        EXPECT_EQ(refused.exitStatus, 1) << qPrintable(command.join(u' '));
+        EXPECT_TRUE(refused.errors.contains("nothing was done, since not all files can be worked on"))
+            << qPrintable(command.join(u' ')) << refused.errors.constData();
+        EXPECT_EQ(folder.list(), (QStringList{u"a.flac"_s, u"b.flac"_s}));
+        EXPECT_TRUE(folder.read(u"a.flac"_s) == before);
+    }
+    // Without tags there is nothing that all of them have together.
+    EXPECT_TRUE(
+        runNurv({u"util"_s, u"replaygain"_s, u"--remove"_s, a, gone}).errors.contains("1 of 1 done, 1 refused"));
+}
+
+TEST_F(UtilCommandTest, TellsWhyFilesMakeNoDisc)
+{
+    folder.makeFolder(u"out"_s);
+    const QStringList author{u"dvda"_s, u"--json"_s, u"--output-dir"_s, path(u"out"_s), writeWav(path(u"a.wav"_s))};
+    const ProgramResult mixed = util(author + QStringList(writeWav(path(u"b.wav"_s), {.rate = 96000})));
+    EXPECT_EQ(mixed.exitStatus, 1);
+    const QString reason = u"The Files in the list must match in sample rate, bit depth and number of channels. "
+                           "b.wav: 96000 Hz, 16 bits, 2 channels. Before it: 44100 Hz, 16 bits, 2 channels."_s;
+    EXPECT_EQ(mixed.errors, u"nurv: %1\nnurv: nothing was done\n"_s.arg(reason).toUtf8());
+    EXPECT_EQ(QJsonDocument::fromJson(mixed.output).object()[u"refused"_s].toArray(), QJsonArray{reason});
+    const ProgramResult damaged = util(author + QStringList(folder.write(u"c.wav"_s, "no sound")));
+    EXPECT_EQ(damaged.exitStatus, 1);
+    EXPECT_TRUE(damaged.errors.contains("c.wav is of a kind that a disc does not take, or its format cannot be read"))
+        << damaged.errors.constData();
+    EXPECT_EQ(folder.list(), (QStringList{u"a.wav"_s, u"b.wav"_s, u"c.wav"_s}));
 }
 
 TEST_F(UtilCommandTest, DeEmphasisesAndTellsWhatItCannot)

@@ -14,6 +14,7 @@ public:
 protected:
     [[nodiscard]] std::unique_ptr<BaseTab> makeTab(NURVController &controller) const override;
     [[nodiscard]] bool takes(const QString &path) const override;
+    [[nodiscard]] bool needsAllFiles(const ParsedArguments &) const override { return true; }
     [[nodiscard]] QStringList optionsWithoutEffect(const ParsedArguments &arguments,
                                                    const QStringList &files) const override;
 };

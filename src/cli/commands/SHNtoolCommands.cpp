@@ -67,6 +67,10 @@ protected:
         if (m_mode == u"split" && files.size() > 1)
             throw UsageError(u"split takes one file, and these are %1"_s.arg(files.size()));
     }
+    [[nodiscard]] bool needsAllFiles(const ParsedArguments &) const override
+    {
+        return m_mode == u"join" || m_mode == u"cue" || m_mode == u"cmp";
+    }
 
 private:
     QString m_mode;

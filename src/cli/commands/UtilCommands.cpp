@@ -46,6 +46,12 @@ protected:
         return m_formatWords.isEmpty() || m_formatWords.contains(formatWord(path));
     }
 
+    /// A disc would lack a track, an album a part of its loudness.
+    [[nodiscard]] bool needsAllFiles(const ParsedArguments &arguments) const override
+    {
+        return m_title == UtilTab::kDvdAudioDisc || (m_title == UtilTab::kReplayGain && !arguments.has(u"remove"_s));
+    }
+
 private:
     QString m_title;
     QStringList m_formatWords;
