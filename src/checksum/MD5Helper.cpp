@@ -62,8 +62,10 @@ Reading feedFile(EVP_MD_CTX *context, const QString &path, MD5Helper::Kind kind,
     if (!isAny && !S_ISREG(before.st_mode))
         return {.failure = S_ISDIR(before.st_mode) ? u"it is a folder"_s : u"it is no regular file"_s};
     // The kernel then reads further ahead; whether it listens does not matter.
-    static_cast<void>(::posix_fadvise(file.get(), 0, 0, POSIX_FADV_SEQUENTIAL));
-    QByteArray block(kBlockSize, Qt::Uninitialized);
+    const bool isSmall = S_ISREG(before.st_mode) && before.st_size > 0 && before.st_size < kBlockSize;
+    if (!isSmall)
+        static_cast<void>(::posix_fadvise(file.get(), 0, 0, POSIX_FADV_SEQUENTIAL));
+    QByteArray block(isSmall ? before.st_size : kBlockSize, Qt::Uninitialized);
     qint64 bytes = 0;
     for (;;) {
         if (isStopped && isStopped())

@@ -5,19 +5,23 @@
 #include "base/GuiThread.h"
 #include "engine/NURVTask.h"
 
+#include <QTimer>
+
+#include <chrono>
+#include <memory>
 #include <mutex>
 #include <utility>
 #include <vector>
 
 namespace nurv {
 
-struct RowOfFiles::Progress {
+struct RowOfFiles::Progress : std::enable_shared_from_this<RowOfFiles::Progress> {
     std::shared_ptr<NURVTask> task; ///< alive while something waits to be painted
     Paint paint;
     std::mutex lock;
     std::vector<bool> isDone;
     qsizetype done = 0;     ///< of those from the first on
-    bool isPosted = false;
+    bool isPosted = false;  ///< somebody is on the way to paint it, or rests from that
     bool isPainted = false; ///< the row shows `done`
 
     void paintNewest()
@@ -25,12 +29,30 @@ struct RowOfFiles::Progress {
         qsizetype shown = 0;
         {
             const std::scoped_lock locked(lock);
-            isPosted = false;
             if (std::exchange(isPainted, true))
                 return;
             shown = done;
         }
         paint(shown);
+    }
+
+    /// Thousands of small files a second would keep the GUI thread, and the workers with it, busy with waking up.
+    void paintAndRest()
+    {
+        {
+            const std::scoped_lock locked(lock);
+            if (isPainted) {
+                isPosted = false;
+                return;
+            }
+        }
+        paintNewest();
+        constexpr std::chrono::milliseconds kRest(10);
+        // Nothing is painted after the end of the row, and then this must not keep the job.
+        QTimer::singleShot(kRest, [resting = weak_from_this()] {
+            if (const auto self = resting.lock())
+                self->paintAndRest();
+        });
     }
 
     /// Returns whether nobody is on the way to paint it.
@@ -66,7 +88,7 @@ RowOfFiles::~RowOfFiles()
 void RowOfFiles::markDone(qsizetype index)
 {
     if (m_progress->markDone(index))
-        postToGuiThread([progress = m_progress] { progress->paintNewest(); });
+        postToGuiThread([progress = m_progress] { progress->paintAndRest(); });
 }
 
 } // namespace nurv

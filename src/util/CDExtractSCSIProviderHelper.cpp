@@ -10,8 +10,9 @@ using namespace Qt::StringLiterals;
 
 namespace nurv {
 
-CDExtractSCSIProviderHelper::CDExtractSCSIProviderHelper(const QString &bsdName, const QString &rootFolder)
-    : m_bsdName(bsdName), m_rootFolder(rootFolder)
+CDExtractSCSIProviderHelper::CDExtractSCSIProviderHelper(const QString &bsdName, const QString &rootFolder,
+                                                         bool (*isDrive)(const struct stat &facts))
+    : m_bsdName(bsdName), m_rootFolder(rootFolder), m_isDrive(isDrive)
 {
 }
 
@@ -20,7 +21,7 @@ QString CDExtractSCSIProviderHelper::runTask() const
     if (!isOpticalDriveName(m_bsdName))
         return {};
     const std::optional<struct stat> facts = statusOf(joinPath(m_rootFolder, u"dev/"_s + m_bsdName));
-    return facts && S_ISBLK(facts->st_mode) ? u"/dev/"_s + m_bsdName : QString();
+    return facts && m_isDrive(*facts) ? u"/dev/"_s + m_bsdName : QString();
 }
 
 } // namespace nurv

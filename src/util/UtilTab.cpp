@@ -14,11 +14,10 @@
 #include "programs/Cdda2wav.h"
 #include "programs/Metaflac.h"
 #include "programs/Sox.h"
-#include "util/CDExtractSCSIProviderHelper.h"
 #include "util/CDExtractTask.h"
 #include "util/CompactDisc.h"
-#include "util/DVDAuthorTask.h"
 #include "util/DeEmphasisTask.h"
+#include "util/DVDAuthorTask.h"
 #include "util/FormatScan.h"
 #include "util/ReplayGainTask.h"
 
@@ -331,7 +330,8 @@ void UtilTab::handleCDExtraction()
         return;
     const QString volume = folderOf(fileNames().first());
     const QString device = discIdForVolumePath(volume, m_discSystem.mountTable);
-    const QString address = CDExtractSCSIProviderHelper(device, m_discSystem.rootFolder).runTask();
+    const QString address =
+        CDExtractSCSIProviderHelper(device, m_discSystem.rootFolder, m_discSystem.isDrive).runTask();
     if (address.isEmpty()) {
         showError(u"No drive is known that holds the disc of \"%1\". Add the tracks of an audio CD, from the folder in which "
                   u"the desktop shows them."_s.arg(volume));

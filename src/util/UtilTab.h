@@ -6,6 +6,7 @@
 #include "app/Control.h"
 #include "audio/AudioFormatObject.h"
 #include "util/BatchRename.h"
+#include "util/CDExtractSCSIProviderHelper.h"
 
 #include <QHash>
 #include <QString>
@@ -24,6 +25,7 @@ struct DiscSystem {
     QString mountTable = QStringLiteral("/proc/self/mounts"); ///< in the format of fstab(5)
     QString rootFolder = QStringLiteral("/");                 ///< with "dev" in it
     QString programFolder = QStringLiteral("/usr/bin");       ///< of gio and udisksctl
+    bool (*isDrive)(const struct stat &facts) = isBlockDevice;
 };
 
 /// The tab of the commands that no other one has: CDs copied, DVD-Audio discs authored, replay gain, de-emphasis, files

@@ -86,6 +86,9 @@ void ScriptedPrompts::verify()
     for (const Step &step : m_script)
         ADD_FAILURE() << "Nobody asked: " << qPrintable(step.question);
     m_script.clear();
+    for (const QString &what : std::as_const(m_givenUp))
+        ADD_FAILURE() << "Nobody waited: " << qPrintable(what);
+    m_givenUp.clear();
 }
 
 void ScriptedPrompts::expectAsk(const QString &title, const QStringList &buttons, const QString &answer)
@@ -180,6 +183,14 @@ QStringList ScriptedPrompts::choose(const FileChooser &chooser)
 {
     const std::optional<Answer> answer = answerTo(worded(chooser));
     return answer ? std::get<QStringList>(*answer) : QStringList();
+}
+
+bool ScriptedPrompts::waitFor(const QString &what,
+                              const std::function<void(const std::function<bool()> &isUnwanted)> &work)
+{
+    const bool isGivenUp = m_givenUp.removeOne(what);
+    work([isGivenUp] { return isGivenUp; });
+    return !isGivenUp;
 }
 
 bool ScriptedPrompts::runPanel(const Panel &panel)

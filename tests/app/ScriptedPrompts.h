@@ -74,6 +74,8 @@ public:
     /// button that accepts cannot be pressed while a field objects, which fails the test.
     void expectPanel(const PanelQuestion &panel, const std::function<void(const Panel &)> &act, const QString &button);
 
+    /// The user gives up the next work that is told in these words, at once.
+    void expectGivingUp(const QString &what) { m_givenUp.append(what); }
     /// Does this once while the next question is on the screen, before its answer.
     void duringNextQuestion(std::function<void()> work) { m_duringNextQuestion = std::move(work); }
     /// How many scripted answers nobody has asked for yet.
@@ -86,6 +88,8 @@ public:
     QString ask(const Alert &alert) override;
     QStringList choose(const FileChooser &chooser) override;
     bool runPanel(const Panel &panel) override;
+    bool waitFor(const QString &what,
+                 const std::function<void(const std::function<bool()> &isUnwanted)> &work) override;
 
 private:
     struct PanelAnswer {
@@ -102,6 +106,7 @@ private:
 
     std::deque<Step> m_script;
     QList<Alert> m_shownAlerts;
+    QStringList m_givenUp; ///< works that are to be given up
     std::function<void()> m_duringNextQuestion;
 };
 

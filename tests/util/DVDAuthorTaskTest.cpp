@@ -210,6 +210,17 @@ TEST_F(DVDAuthorTaskTest, ACancelledOneLeavesNoFolder)
     }
 }
 
+TEST_F(DVDAuthorTaskTest, AnImageThatNobodyHasComparedGoes)
+{
+    QObject::connect(&queue(), &NURVTaskQueue::rowChanged, &controller, [this](int row) {
+        const auto &task = queue().panelArray()[static_cast<std::size_t>(row)];
+        if (task->topTextField().text == u"Checking .ISO Image")
+            task->cancelTask();
+    });
+    EXPECT_TRUE(author(makeSounds(1))->cancelled());
+    EXPECT_EQ(out.list(), QStringList(u"log.txt"_s));
+}
+
 TEST_F(DVDAuthorTaskTest, WhatSomebodyPutIntoTheFolderStaysAndIsTold)
 {
     setScript(u"mkisofs"_s, real(u"mkisofs"_s).toUtf8() + " \"$@\"; echo mine > \"$4/notes.txt\"\n");

@@ -191,6 +191,30 @@ TEST_F(UtilTabTest, ClearsAListOfSeveralFormats)
     }
 }
 
+TEST_F(UtilTabTest, KeepsFilesThatComeWhileItTellsThatOthersDoNotMatch)
+{
+    tools.addAllReal();
+    chooseDisc();
+    const QString late = wav(u"late.wav"_s, {.rate = 96000});
+    prompts.duringNextQuestion([&] { tab.addMatchedFiles({late}); });
+    prompts.expectAsk(mismatch(u"48000 Hz, 16 bits, 2 channels"_s), u"OK"_s);
+    tab.addMatchedFiles({wav(u"a.wav"_s), wav(u"b.wav"_s, {.rate = 48000})});
+    EXPECT_EQ(tab.fileNames(), QStringList(late));
+    EXPECT_EQ(row(0).at(2), u"96000");
+}
+
+TEST_F(UtilTabTest, KeepsTheListOfAScanThatWasGivenUp)
+{
+    tools.addAllReal();
+    chooseDisc();
+    prompts.expectGivingUp(u"Looking at the formats of the files…"_s);
+    const QString path = wav(u"a.wav"_s);
+    tab.addMatchedFiles({path});
+    EXPECT_EQ(tab.fileNames(), QStringList(path));
+    EXPECT_EQ(row(0).at(2), QString());
+    EXPECT_EQ(tab.totalTimeField.text(), QString());
+}
+
 TEST_F(UtilTabTest, ClearsAListWithAnAiffFileWithoutAWord)
 {
     tools.addAllReal();
