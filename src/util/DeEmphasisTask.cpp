@@ -60,8 +60,6 @@ std::optional<QString> DeEmphasisTask::takeOutput()
         return refusal;
     if (isLink(outputFile()))
         return u"its output name is a link"_s;
-    if (isThere(outputFile()))
-        return u"its output %1 exists already"_s.arg(lastPathComponent(outputFile()));
     return reserveOutput();
 }
 
