@@ -8,9 +8,15 @@
 #include <future>
 #include <mutex>
 #include <system_error>
+#include <thread>
 #include <vector>
 
 namespace nurv {
+
+unsigned parallelThreads()
+{
+    return std::max(1U, std::thread::hardware_concurrency());
+}
 
 void runInParallel(qsizetype count, unsigned threads, const std::function<bool()> &isStopped,
                    const std::function<void(qsizetype)> &work)

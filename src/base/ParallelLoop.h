@@ -8,6 +8,9 @@
 
 namespace nurv {
 
+/// As many threads as the machine runs at once.
+[[nodiscard]] unsigned parallelThreads();
+
 /// Runs `work(0)` to `work(count - 1)`, each once and begun in that order, on this thread and on `threads - 1` others, and waits for
 /// all. Where the system gives no thread there are fewer. None is begun once `isStopped()` holds or one of them has thrown;
 /// the first of what they throw is thrown here. `work` and `isStopped` run on any of the threads.

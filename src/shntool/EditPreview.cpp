@@ -75,10 +75,9 @@ QString endingOf(const QString &edit)
 
 void EditPreview::add(const QString &name, const QString &length, QStringList remarks, const QString &outputFolder)
 {
-    const bool isTwice =
-        std::any_of(m_outputs.begin(), m_outputs.end(), [&](const Output &other) { return other.name == name; });
-    if (isTwice)
+    if (m_names.contains(name))
         m_obstacles.append(u"%1 would be made twice"_s.arg(name));
+    m_names.insert(name);
     if (!splitTitles::canBeName(name))
         m_obstacles.append(u"%1 is too long for the name of a file"_s.arg(name));
     if (isThere(joinPath(outputFolder, name))) {
@@ -89,12 +88,14 @@ void EditPreview::add(const QString &name, const QString &length, QStringList re
 }
 
 EditPreview EditPreview::ofFiles(const QString &edit, const QStringList &sources, const QString &outputFolder,
-                                 const QString &format)
+                                 const QString &format, const std::function<bool()> &isUnwanted)
 {
     EditPreview preview;
     std::optional<Sound> joined;
     bool isJoinKnown = true;
     for (const QString &source : sources) {
+        if (isUnwanted())
+            break;
         const std::optional<Sound> sound = soundOf(source);
         if (!sound)
             preview.m_obstacles.append(u"%1: its header does not tell how long it is"_s.arg(lastPathComponent(source)));

@@ -3,15 +3,18 @@
 #pragma once
 
 #include <QMap>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <vector>
 
 namespace nurv {
 
-/// What an edit by shntool would make, told before anything is made: the name of each output and its length, which names are
-/// taken, and what is wrong with the wish. Computed from headers and from the points of a split; reads files, writes none.
+/// What an edit by shntool would make, told before anything is made: the name of each output and its length, which
+/// names are taken, and what is wrong with the wish. Computed from headers and from the points of a split; reads files,
+/// writes none. Blocks; any thread.
 class EditPreview {
 public:
     struct Output {
@@ -20,9 +23,10 @@ public:
         QStringList remarks = {}; ///< "exists already", "does not end on a sector boundary" and the like
     };
 
-    /// The edit "trim", "pad", "strip" or "join". `format` is the outputs' extension.
-    [[nodiscard]] static EditPreview ofFiles(const QString &edit, const QStringList &sources, const QString &outputFolder,
-                                             const QString &format);
+    /// The edit "trim", "pad", "strip" or "join". `format` is the outputs' extension. Worthless once it was unwanted.
+    [[nodiscard]] static EditPreview ofFiles(const QString &edit, const QStringList &sources,
+                                             const QString &outputFolder, const QString &format,
+                                             const std::function<bool()> &isUnwanted);
     /// The split of a file at the points of a text: a cue sheet or a list. `titles`: see splitTitles::read.
     [[nodiscard]] static EditPreview ofSplit(const QString &source, const QString &points, const QMap<QString, QString> &titles,
                                              const QString &outputFolder, const QString &format);
@@ -39,6 +43,7 @@ private:
     void add(const QString &name, const QString &length, QStringList remarks, const QString &outputFolder);
 
     std::vector<Output> m_outputs;
+    QSet<QString> m_names; ///< of the outputs
     QStringList m_obstacles;
     QStringList m_brokenPoints;
 };

@@ -17,6 +17,11 @@ void PreviewTask::doStartTask()
 {
     showStarted();
     appendResultsForSelf(m_preview.text());
+    ownOutcome().isReport = true;
+    if (m_preview.obstacles().isEmpty())
+        return;
+    ownOutcome().problem = u"this would fail"_s;
+    setError(true);
 }
 
 } // namespace nurv

@@ -261,6 +261,16 @@ std::vector<SHNtoolTab::Edit> SHNtoolTab::editsFor(const QString &command, const
     return jobs;
 }
 
+std::optional<EditPreview> SHNtoolTab::previewBy(
+    const std::function<EditPreview(const std::function<bool()> &isUnwanted)> &make)
+{
+    EditPreview preview;
+    const bool isWanted = nurvController().prompts().waitFor(
+        u"Looking at what will be made…"_s,
+        [&](const std::function<bool()> &isUnwanted) { preview = make(isUnwanted); });
+    return isWanted ? std::optional(preview) : std::nullopt;
+}
+
 bool SHNtoolTab::mayStart(const EditPreview &preview)
 {
     if (previewOnlyButton.isOn()) {
@@ -283,9 +293,13 @@ void SHNtoolTab::handleSHNtoolEdit(const QString &command)
     const std::optional<QString> folder = outputFolder();
     if (!folder || format().isEmpty())
         return;
-    const bool wantsPreview = previewOnlyButton.isOn() || previewButton.isOn();
-    if (wantsPreview && !mayStart(EditPreview::ofFiles(command, fileNames(), *folder, format())))
-        return;
+    if (previewOnlyButton.isOn() || previewButton.isOn()) {
+        const std::optional<EditPreview> preview = previewBy([&](const std::function<bool()> &isUnwanted) {
+            return EditPreview::ofFiles(command, fileNames(), *folder, format(), isUnwanted);
+        });
+        if (!preview || !mayStart(*preview))
+            return;
+    }
     for (const Edit &job : editsFor(command, *folder)) {
         job->setDeleteOriginal(deleteOriginalsButton.isOn());
         job->setDeletionNeeds(originals.proveButton.isOn(), !originals.dropMetadataButton.isOn());
@@ -318,15 +332,19 @@ void SHNtoolTab::handleSHNtoolSplit()
     }
     const QString source = fileNames().first();
     const QMap<QString, QString> titles = splitTitles::read(points->text(), format());
-    const EditPreview preview = EditPreview::ofSplit(source, points->text(), titles, *folder, format());
-    if (!preview.brokenPoints().isEmpty() && !previewOnlyButton.isOn()) {
+    const std::optional<EditPreview> preview = previewBy([&](const std::function<bool()> &) {
+        return EditPreview::ofSplit(source, points->text(), titles, *folder, format());
+    });
+    if (!preview)
+        return;
+    if (!preview->brokenPoints().isEmpty() && !previewOnlyButton.isOn()) {
         nurvController().prompts().ask({.title = u"The file cannot be split there"_s,
-                                        .message = preview.brokenPoints().join(u'\n'),
+                                        .message = preview->brokenPoints().join(u'\n'),
                                         .buttons = {u"OK"_s}});
         return;
     }
     const bool wantsPreview = previewOnlyButton.isOn() || previewButton.isOn();
-    if (wantsPreview && !mayStart(preview))
+    if (wantsPreview && !mayStart(*preview))
         return;
     auto job = std::make_shared<SHNToolSplitTask>(&nurvController().taskQueue(), program(),
                                                   shntool::splitArguments(points->path(), format(), *folder, source));

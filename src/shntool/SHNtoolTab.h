@@ -10,6 +10,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -74,6 +75,9 @@ private:
     [[nodiscard]] QString format() const { return outputFormatMatrix.selectedTitle().toLower(); }
     /// The jobs of an edit but a split.
     [[nodiscard]] std::vector<Edit> editsFor(const QString &command, const QString &folder) const;
+    /// Nothing when the user has given up waiting for it.
+    [[nodiscard]] std::optional<EditPreview> previewBy(
+        const std::function<EditPreview(const std::function<bool()> &isUnwanted)> &make);
     /// Whether the edit is to start: the preview was shown and agreed to, or is not wanted.
     [[nodiscard]] bool mayStart(const EditPreview &preview);
     void queue(const std::shared_ptr<NURVTask> &job);

@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -25,11 +24,6 @@ struct RecordReading {
     std::optional<TagsObject> record;
     QString problem;
 };
-
-unsigned threadCount()
-{
-    return std::max(1U, std::thread::hardware_concurrency());
-}
 
 RecordReading readOne(const QString &path)
 {
@@ -51,7 +45,7 @@ SelectedTags readSelectedTags(const QStringList &paths, const std::function<bool
     SelectedTags selected;
     for (qsizetype begin = 0; begin < paths.size() && !isUnwanted(); begin += kAtATime) {
         std::vector<RecordReading> readings(static_cast<std::size_t>(std::min(kAtATime, paths.size() - begin)));
-        runInParallel(static_cast<qsizetype>(readings.size()), threadCount(), isUnwanted,
+        runInParallel(static_cast<qsizetype>(readings.size()), parallelThreads(), isUnwanted,
                       [&](qsizetype i) { readings[static_cast<std::size_t>(i)] = readOne(paths.at(begin + i)); });
         for (RecordReading &reading : readings) {
             if (!reading.problem.isEmpty())
@@ -74,7 +68,7 @@ bool areWithoutPicture(const QStringList &paths)
 {
     std::atomic<bool> hasPicture = false;
     runInParallel(
-        paths.size(), threadCount(), [&hasPicture] { return hasPicture.load(); },
+        paths.size(), parallelThreads(), [&hasPicture] { return hasPicture.load(); },
         [&](qsizetype i) {
             const RecordReading reading = readOne(paths.at(i));
             if (reading.record && (reading.record->albumArt() || reading.record->albumArtFault()))

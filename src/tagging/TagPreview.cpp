@@ -16,7 +16,6 @@
 #include <compare>
 #include <exception>
 #include <map>
-#include <thread>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -194,12 +193,13 @@ QStringList changesOrReason(const TagWriting &writing, bool writeEmptyTags)
 
 } // namespace
 
-QString textOf(const QList<TagWriting> &writings, bool writeEmptyTags, const QString &end)
+QString textOf(const QList<TagWriting> &writings, bool writeEmptyTags, const QString &end,
+               const std::function<bool()> &isUnwanted)
 {
     std::vector<QStringList> changes(static_cast<std::size_t>(writings.size()));
-    runInParallel(
-        writings.size(), std::max(1U, std::thread::hardware_concurrency()), [] { return false; },
-        [&](qsizetype i) { changes[static_cast<std::size_t>(i)] = changesOrReason(writings.at(i), writeEmptyTags); });
+    runInParallel(writings.size(), parallelThreads(), isUnwanted, [&](qsizetype i) {
+        changes[static_cast<std::size_t>(i)] = changesOrReason(writings.at(i), writeEmptyTags);
+    });
     QStringList lines;
     for (qsizetype i = 0; i < writings.size(); ++i) {
         lines.append(printableLine(lastPathComponent(writings.at(i).path)));

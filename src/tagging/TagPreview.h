@@ -8,6 +8,8 @@
 #include <QList>
 #include <QString>
 
+#include <functional>
+
 namespace nurv {
 
 /// What is to be written to a file.
@@ -26,8 +28,10 @@ namespace tagPreview {
 /// The differences between two lists of tags, a line each.
 [[nodiscard]] QStringList differences(const StoredTags &before, const StoredTags &after);
 
-/// The changes of all files, each under its name, or why there will be none; `end` comes last.
-[[nodiscard]] QString textOf(const QList<TagWriting> &writings, bool writeEmptyTags, const QString &end = {});
+/// The changes of all files, each under its name, or why there will be none; `end` comes last. Worthless once it was
+/// unwanted. Blocks; any thread.
+[[nodiscard]] QString textOf(const QList<TagWriting> &writings, bool writeEmptyTags, const QString &end,
+                             const std::function<bool()> &isUnwanted);
 
 } // namespace tagPreview
 

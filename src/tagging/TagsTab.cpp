@@ -503,7 +503,14 @@ bool TagsTab::mayWrite(const Plan &plan)
         return true;
     const QString end =
         plan.lacksNames ? u"There are no names for the files behind these: they are not written."_s : QString();
-    LinesControl changes(tagPreview::textOf(plan.writings, writeEmptyTags(), end));
+    QString text;
+    const bool isWanted = nurvController().prompts().waitFor(
+        u"Looking at what will change…"_s, [&](const std::function<bool()> &isUnwanted) {
+            text = tagPreview::textOf(plan.writings, writeEmptyTags(), end, isUnwanted);
+        });
+    if (!isWanted)
+        return false;
+    LinesControl changes(text);
     changes.setReadOnly(true);
     return nurvController().prompts().runPanel(
         {.title = u"These tags will be written"_s,

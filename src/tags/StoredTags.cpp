@@ -31,10 +31,9 @@ namespace nurv {
 namespace {
 
 using Holder = StoredTag::Holder;
+using tagLibFile::kFlacBlockLimit;
 
 constexpr int kId3v1Size = 128;
-// Sizes in the heads of FLAC metadata blocks have 24 bits.
-constexpr unsigned int kFlacBlockLimit = 0xffffff;
 /// Of a Vorbis comment: a FLAC picture in base64.
 constexpr QStringView kPictureField = u"METADATA_BLOCK_PICTURE";
 

@@ -29,6 +29,9 @@ namespace nurv::tagLibFile {
 // Opening, saving and the fence around TagLib: no exception of its own, and none
 // that a hostile file provokes, gets past these functions.
 
+/// Sizes in the heads of FLAC metadata blocks have 24 bits.
+inline constexpr unsigned int kFlacBlockLimit = 0xffffff;
+
 /// The process-wide frame factory, with UTF-8 as the encoding of the frames it makes.
 [[nodiscard]] TagLib::ID3v2::FrameFactory *frameFactory();
 

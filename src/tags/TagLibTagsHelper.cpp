@@ -29,10 +29,10 @@ namespace nurv {
 
 namespace {
 
+using tagLibFile::kFlacBlockLimit;
 using Text = TagsObject::Text;
 
-// Sizes in the heads of FLAC metadata blocks have 24 bits, of ID3v2 tags 28.
-constexpr unsigned int kFlacBlockLimit = 0xffffff;
+// Sizes in the heads of ID3v2 tags have 28 bits.
 constexpr qsizetype kId3v2PictureLimit = 0x0f000000;
 
 constexpr std::array<QStringView, 13> kKnownVorbisKeys = {

@@ -235,6 +235,8 @@ TEST_F(SHNtoolCommandTest, PreviewsTellWhatWouldFail)
     EXPECT_TRUE(result.output.contains("\n\nThis would fail:\n  a-stripped.flac exists already\n"
                                        "  b.wav: its header does not tell how long it is\n"))
         << result.output.constData();
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_TRUE(result.errors.startsWith("Preview: this would fail\n")) << result.errors.constData();
     EXPECT_EQ(folder.read(u"out/a-stripped.flac"_s), "mine");
 }
 

@@ -15,6 +15,11 @@ namespace {
 
 constexpr std::int64_t kSector = 588;
 
+bool isUnwanted()
+{
+    return false;
+}
+
 struct EditPreviewTest : ::testing::Test {
     test::TestFolder folder;
     test::TestFolder out;
@@ -113,20 +118,21 @@ TEST_F(EditPreviewTest, TellsTheOutputsOfEveryEdit)
 {
     const QStringList sources{test::writeWav(folder.path(u"a.wav"_s), {.frames = 10 * kSector}),
                               test::writeFlac(folder.path(u"b.FLAC"_s), {.frames = 75 * kSector + 1})};
-    EXPECT_EQ(EditPreview::ofFiles(u"trim"_s, sources, out.path(), u"wav"_s).text(),
+    EXPECT_EQ(EditPreview::ofFiles(u"trim"_s, sources, out.path(), u"wav"_s, isUnwanted).text(),
               u"a-trimmed.wav       up to 0:00.10\nb.FLAC-trimmed.wav  up to 0:01.00\n");
-    EXPECT_EQ(EditPreview::ofFiles(u"pad"_s, sources, out.path(), u"shn"_s).text(),
-              u"a-padded.shn       0:00.10\nb.FLAC-padded.shn  0:01.01\n\nThis would fail:\n  a.wav needs no padding\n");
-    EXPECT_EQ(EditPreview::ofFiles(u"strip"_s, sources, out.path(), u"wav"_s).text(),
+    EXPECT_EQ(
+        EditPreview::ofFiles(u"pad"_s, sources, out.path(), u"shn"_s, isUnwanted).text(),
+        u"a-padded.shn       0:00.10\nb.FLAC-padded.shn  0:01.01\n\nThis would fail:\n  a.wav needs no padding\n");
+    EXPECT_EQ(EditPreview::ofFiles(u"strip"_s, sources, out.path(), u"wav"_s, isUnwanted).text(),
               u"a-stripped.wav       0:00.10\nb.FLAC-stripped.wav  0:01.00  does not end on a sector boundary\n");
-    EXPECT_EQ(EditPreview::ofFiles(u"join"_s, sources, out.path(), u"flac"_s).text(),
+    EXPECT_EQ(EditPreview::ofFiles(u"join"_s, sources, out.path(), u"flac"_s, isUnwanted).text(),
               u"joined.flac  0:01.10  does not end on a sector boundary\n");
 }
 
 TEST_F(EditPreviewTest, TellsOfSourcesWhoseHeadersSayNothing)
 {
     const QStringList sources{folder.write(u"a.wav"_s, "no sound")};
-    EXPECT_EQ(EditPreview::ofFiles(u"join"_s, sources, out.path(), u"flac"_s).obstacles(),
+    EXPECT_EQ(EditPreview::ofFiles(u"join"_s, sources, out.path(), u"flac"_s, isUnwanted).obstacles(),
               QStringList{u"a.wav: its header does not tell how long it is"_s});
     EXPECT_EQ(EditPreview::ofSplit(sources.first(), u"0:01\n"_s, {}, out.path(), u"flac"_s).obstacles(),
               QStringList{u"a.wav: its header does not tell how long it is"_s});
@@ -135,7 +141,7 @@ TEST_F(EditPreviewTest, TellsOfSourcesWhoseHeadersSayNothing)
 TEST_F(EditPreviewTest, TellsOfTwoOutputsOfOneName)
 {
     const QStringList sources{test::writeWav(folder.path(u"x/a.wav"_s)), test::writeWav(folder.path(u"y/a.wav"_s))};
-    EXPECT_EQ(EditPreview::ofFiles(u"strip"_s, sources, out.path(), u"wav"_s).obstacles(),
+    EXPECT_EQ(EditPreview::ofFiles(u"strip"_s, sources, out.path(), u"wav"_s, isUnwanted).obstacles(),
               QStringList{u"a-stripped.wav would be made twice"_s});
 }
 

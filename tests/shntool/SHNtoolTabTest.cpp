@@ -317,6 +317,16 @@ TEST_F(SHNtoolTabTest, ShowsWhatItWillMakeAndStartsOnceThatIsAgreedTo)
     }
 }
 
+TEST_F(SHNtoolTabTest, DoesNothingWhenThePreviewWasGivenUp)
+{
+    const auto tab = makeTab(u"strip"_s, {u"a.wav"_s});
+    tab->previewButton.setOn(true);
+    prompts.expectOutputFolder(out.path());
+    prompts.expectGivingUp(u"Looking at what will be made…"_s);
+    tab->executeCommand();
+    EXPECT_EQ(jobCount(), 0U);
+}
+
 TEST_F(SHNtoolTabTest, MakesNothingButAPreviewWhereOnlyThatIsWanted)
 {
     const auto tab = makeTab(u"strip"_s, {u"a.wav"_s});

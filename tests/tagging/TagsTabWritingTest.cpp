@@ -432,6 +432,19 @@ TEST_F(TagsTabWritingTest, AsksNothingAboutTwoPicturesOrTwoFolders)
     EXPECT_TRUE(prompts.shownAlerts().isEmpty());
 }
 
+TEST_F(TagsTabWritingTest, WritesNothingWhenThePreviewWasGivenUp)
+{
+    const QString path = flac(u"0.flac"_s, {u"ARTIST=A"_s});
+    const QByteArray before = folder.read(u"0.flac"_s);
+    add({path});
+    tab.previewButton.setOn(true);
+    tab.albumText.setText(u"New"_s);
+    prompts.expectGivingUp(u"Looking at what will change…"_s);
+    tab.executeCommand();
+    EXPECT_TRUE(folder.read(u"0.flac"_s) == before);
+    EXPECT_EQ(tab.albumText.text(), u"New");
+}
+
 TEST_F(TagsTabWritingTest, ThePreviewTellsOldAndNewAndWritesNothingWhenItIsDismissed)
 {
     const QString path = flac(u"0.flac"_s, {u"ARTIST=A"_s, u"ARTIST=B"_s, u"MOOD=m"_s});

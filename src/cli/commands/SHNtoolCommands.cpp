@@ -94,7 +94,7 @@ OptionSpec previewOption()
             .summary = u"tell what would be made, and make nothing"_s,
             .manual = u"Tells the name and the length of each output, which names are taken, points that do not fit "
                       u"and outputs that "
-                      "do not end on a sector boundary, and makes nothing."_s,
+                      "do not end on a sector boundary, and makes nothing. Status 1 when it would fail."_s,
             .set = setsCheck(&SHNtoolTab::previewOnlyButton)};
 }
 
