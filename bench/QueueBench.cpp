@@ -1,9 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 // 20,000 jobs of a program that ends at once, through the queue in this process,
-// against `xargs -P2`; and how long the GUI thread was away meanwhile.
+// against `xargs -P2`; and how long the GUI thread was away meanwhile. The queue is
+// watched as the window watches it.
 //
 //     QueueBench [JOBS]
+#include "app/BatchWatch.h"
 #include "base/NotificationCenter.h"
 #include "desktop/NullDesktopServices.h"
 #include "engine/NURVAsyncNSTask.h"
@@ -58,6 +60,7 @@ void runThroughQueue(const QString &program, int jobs)
 {
     NullDesktopServices services;
     NURVTaskQueue queue(services);
+    const BatchWatch watch(queue, services);
     NotificationCenter::instance().post(QString::fromUtf16(NURVMaxThreadsChangedNotification), 2);
     QEventLoop loop;
     QObject::connect(&queue, &NURVTaskQueue::taskEnded, &loop, [&] {
@@ -65,8 +68,12 @@ void runThroughQueue(const QString &program, int jobs)
             loop.quit();
     });
     const double addingMs = millisecondsOf([&] {
-        for (int i = 0; i < jobs; ++i)
-            queue.addTask(std::make_shared<NURVAsyncNSTask>(&queue, program, QStringList{u"exit=0"_s}));
+        for (int i = 0; i < jobs; ++i) {
+            const auto task = std::make_shared<NURVAsyncNSTask>(&queue, program, QStringList{u"exit=0"_s});
+            // The size of some file is looked up for each.
+            task->setSourcePath(program);
+            queue.addTask(task);
+        }
     });
     Heartbeat heartbeat;
     loop.exec();

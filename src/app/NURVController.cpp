@@ -35,8 +35,9 @@ void NURVController::registerDefaults(const std::vector<Tool> &tools)
 }
 
 NURVController::NURVController(UserPrompts &prompts, DesktopServices &services, const std::vector<Tool> &tools)
-    : m_prompts(prompts), m_trackNameInputController(std::make_unique<TrackNameInputController>(prompts)), m_tools(tools), m_arrivals(std::make_unique<FileArrivals>(*this)),
-      m_selectedLabel(pageLabels().first())
+    : m_prompts(prompts), m_desktop(services),
+      m_trackNameInputController(std::make_unique<TrackNameInputController>(prompts)), m_tools(tools),
+      m_arrivals(std::make_unique<FileArrivals>(*this)), m_selectedLabel(pageLabels().first())
 {
     registerDefaults(tools);
     m_taskQueue = std::make_unique<NURVTaskQueue>(services);

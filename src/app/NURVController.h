@@ -52,6 +52,7 @@ public:
 
     [[nodiscard]] NURVTaskQueue &taskQueue() const { return *m_taskQueue; }
     [[nodiscard]] UserPrompts &prompts() const { return m_prompts; }
+    [[nodiscard]] DesktopServices &desktop() const { return m_desktop; }
     /// The track-names window, which the tools share.
     [[nodiscard]] TrackNameInputController &trackNameInputController() const { return *m_trackNameInputController; }
 
@@ -132,6 +133,7 @@ private:
     [[nodiscard]] bool runAndTell(const std::function<void()> &action);
 
     UserPrompts &m_prompts;
+    DesktopServices &m_desktop;
     std::unique_ptr<TrackNameInputController> m_trackNameInputController;
     std::unique_ptr<NURVTaskQueue> m_taskQueue;
     QMap<QString, BaseTab *> m_tabMap;

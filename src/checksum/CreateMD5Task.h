@@ -21,6 +21,7 @@ public:
     /// `files` and `outputPath`, the list, are absolute paths.
     CreateMD5Task(NURVTaskQueue *queue, const QStringList &files, const QString &outputPath);
 
+    [[nodiscard]] QStringList sourcePaths() const override { return m_fileNames; }
     void stopTask() override;
 
 protected:

@@ -10,12 +10,12 @@
 #include "cli/commands/RecoverCommand.h"
 #include "cli/Console.h"
 #include "cli/ConsolePrompts.h"
-#include "cli/HumanUnits.h"
 #include "cli/InputFiles.h"
 #include "cli/OutputFolder.h"
 #include "desktop/NullDesktopServices.h"
 #include "engine/NURVTaskQueue.h"
 #include "settings/SettingsStore.h"
+#include "text/HumanUnits.h"
 #include "toolbox/Toolbox.h"
 
 #include <QFileInfo>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/BatchCounts.h"
 
-#include "cli/HumanUnits.h"
+#include "text/HumanUnits.h"
 
 #include <QStringList>
 

@@ -5,6 +5,8 @@
 #include <QDBusMessage>
 #include <QDBusReply>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace nurv {
@@ -36,6 +38,17 @@ void DBusDesktopServices::setBadge(int count)
     updateLauncherEntry({{u"count"_s, QVariant::fromValue<qlonglong>(count)},
                          {u"count-visible"_s, count != 0},
                          {u"urgent"_s, false}});
+}
+
+void DBusDesktopServices::setProgress(std::optional<double> share)
+{
+    updateLauncherEntry(
+        {{u"progress"_s, std::clamp(share.value_or(0.0), 0.0, 1.0)}, {u"progress-visible"_s, share.has_value()}});
+}
+
+bool DBusDesktopServices::openFolder(const QString & /*path*/)
+{
+    return false;
 }
 
 void DBusDesktopServices::requestAttention()

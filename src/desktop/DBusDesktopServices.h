@@ -23,6 +23,9 @@ public:
     explicit DBusDesktopServices(const QDBusConnection &bus = sessionBus());
 
     void setBadge(int count) override;
+    void setProgress(std::optional<double> share) override;
+    /// Not over the bus: false.
+    [[nodiscard]] bool openFolder(const QString &path) override;
     [[nodiscard]] bool hasNotificationService() override;
     void deliverNotification(const QString &title, const QString &body) override;
     void requestAttention() override;

@@ -18,6 +18,10 @@ public:
 
     /// Shows `count` on the application's icon; 0 shows none.
     virtual void setBadge(int count) = 0;
+    /// Shows on the application's icon how far its work is, from 0 to 1; nothing shows none.
+    virtual void setProgress(std::optional<double> share) = 0;
+    /// Shows the folder in the file manager. False when there is nobody to ask.
+    [[nodiscard]] virtual bool openFolder(const QString &path) = 0;
     /// Whether the desktop shows notifications at all.
     [[nodiscard]] virtual bool hasNotificationService() = 0;
     virtual void deliverNotification(const QString &title, const QString &body) = 0;

@@ -6,6 +6,13 @@ namespace nurv {
 
 void NullDesktopServices::setBadge(int /*count*/) {}
 
+void NullDesktopServices::setProgress(std::optional<double> /*share*/) {}
+
+bool NullDesktopServices::openFolder(const QString & /*path*/)
+{
+    return false;
+}
+
 bool NullDesktopServices::hasNotificationService()
 {
     return false;

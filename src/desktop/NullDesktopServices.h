@@ -10,6 +10,8 @@ namespace nurv {
 class NullDesktopServices final : public DesktopServices {
 public:
     void setBadge(int count) override;
+    void setProgress(std::optional<double> share) override;
+    [[nodiscard]] bool openFolder(const QString &path) override;
     [[nodiscard]] bool hasNotificationService() override;
     void deliverNotification(const QString &title, const QString &body) override;
     void requestAttention() override;

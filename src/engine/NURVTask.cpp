@@ -51,6 +51,11 @@ NURVTask::~NURVTask()
     m_flags->done = true;
 }
 
+QStringList NURVTask::sourcePaths() const
+{
+    return m_sourcePath.isEmpty() ? QStringList() : QStringList(m_sourcePath);
+}
+
 NURVTaskQueue *NURVTask::queue() const
 {
     return m_queue.data();

@@ -68,6 +68,8 @@ public:
     /// for no single file.
     [[nodiscard]] const QString &sourcePath() const { return m_sourcePath; }
     void setSourcePath(const QString &path) { m_sourcePath = path; }
+    /// All files that the job reads, as far as they are known before it runs.
+    [[nodiscard]] virtual QStringList sourcePaths() const;
     /// How many files the job stands for, together or not.
     [[nodiscard]] virtual int sourceCount() const { return m_sourcePath.isEmpty() ? 0 : 1; }
     /// What the log line of a failed job names: the title, or the command line.

@@ -58,6 +58,8 @@ struct TaskOutcome {
     std::optional<int> keptSources = {};
     /// Of a job that failed at some of several sources: how many of them. Nothing: all.
     std::optional<int> failedSources = {};
+    /// Of a job that made several files: how many of them. `output` is their folder then.
+    int outputFiles = 0;
     /// Its report is what it was for, and is told whatever it failed at.
     bool isReport = false;
 };

@@ -134,6 +134,7 @@ void FixTask::work()
     m_files.markComplete();
     m_hasMadeAll = true;
     ownOutcome().output = m_outputPath;
+    ownOutcome().outputFiles = sourceCount();
     ownOutcome().outputBytes = m_files.bytes();
     writeLists();
 }

@@ -42,6 +42,7 @@ public:
     /// How much a deletion takes; see SourceRetirement::Wishes.
     void setDeletionNeeds(bool proof, bool metadata);
 
+    [[nodiscard]] QStringList sourcePaths() const override { return m_fileNames; }
     [[nodiscard]] int sourceCount() const override { return static_cast<int>(m_fileNames.size()); }
     [[nodiscard]] NeededPrograms neededPrograms() const override;
     void stopTask() override;

@@ -62,6 +62,14 @@ void SHNToolEditTask::setDeletionNeeds(bool proof, bool metadata)
     m_wishes.dropsMetadata = !metadata;
 }
 
+QStringList SHNToolEditTask::sourcePaths() const
+{
+    QStringList paths;
+    for (const Work &work : m_works)
+        paths += work.sources;
+    return paths;
+}
+
 int SHNToolEditTask::sourceCount() const
 {
     int count = 0;
@@ -258,7 +266,10 @@ SourceRetirement::Verdict SHNToolEditTask::examine(std::size_t place)
         verdict.failure = u"its program made no output"_s;
         return verdict;
     }
-    ownOutcome().output = m_works.size() == 1 && outputs.size() == 1 ? outputs.first() : folderOf(outputs.first());
+    const bool isOnlyOne = m_works.size() == 1 && outputs.size() == 1;
+    ownOutcome().output = isOnlyOne ? outputs.first() : folderOf(outputs.first());
+    if (!isOnlyOne)
+        ownOutcome().outputFiles += static_cast<int>(outputs.size());
     const std::vector<std::unique_ptr<OutputClaim>> &claims = m_claims[place];
     const bool isShared =
         std::any_of(claims.begin(), claims.end(), [](const auto &claim) { return claim->isSourceReadByOthers(); });
@@ -346,6 +357,7 @@ void SHNToolEditTask::tellWhatWasMade()
     if (made.isEmpty())
         return;
     ownOutcome().output = made.size() == 1 ? made.first() : folderOf(made.first());
+    ownOutcome().outputFiles = made.size() == 1 ? 0 : static_cast<int>(made.size());
     for (const QString &path : std::as_const(made))
         appendResultsForSelf(u"%1 was made, and stays\n"_s.arg(lastPathComponent(path)));
 }

@@ -35,6 +35,7 @@ public:
     /// Whether that takes a proof, and outputs that hold all metadata.
     void setDeletionNeeds(bool proof, bool metadata);
 
+    [[nodiscard]] QStringList sourcePaths() const override;
     [[nodiscard]] int sourceCount() const override;
     /// Fails when another running job makes one of the outputs, or a link or one of the sources has its name.
     void startTask() final;

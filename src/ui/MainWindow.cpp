@@ -3,11 +3,13 @@
 #include "ui/MainWindow.h"
 
 #include "app/BaseTab.h"
+#include "app/BatchWatch.h"
 #include "app/FileArrivals.h"
 #include "app/NURVController.h"
 #include "app/UserPrompts.h"
 #include "base/GuiThread.h"
 #include "base/WorkerThreads.h"
+#include "desktop/DesktopServices.h"
 #include "engine/NURVTaskQueue.h"
 #include "preferences/PreferencesController.h"
 #include "settings/SettingsStore.h"
@@ -20,6 +22,7 @@
 #include "ui/pages/AboutPage.h"
 #include "ui/pages/TabPage.h"
 #include "ui/PreferencesWindow.h"
+#include "ui/ProgressStrip.h"
 #include "ui/StatusWindow.h"
 #include "ui/TrackNameWindow.h"
 #include "ui/WindowPlace.h"
@@ -27,11 +30,13 @@
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QDragEnterEvent>
+#include <QFileInfo>
 #include <QMenuBar>
 #include <QScreen>
 #include <QShortcut>
 #include <QTabBar>
 #include <QTabWidget>
+#include <QVBoxLayout>
 
 #include <utility>
 
@@ -51,7 +56,8 @@ const QString kPageKey = u"window/page"_s;
 
 MainWindow::MainWindow(NURVController &controller, QWidget *parent)
     : QMainWindow(parent), m_controller(controller), m_preferences(std::make_unique<PreferencesController>()),
-      m_tabView(new QTabWidget(this)), m_statusWindow(new StatusWindow(controller.taskQueue(), this)),
+      m_tabView(new QTabWidget(this)), m_batch(new BatchWatch(controller.taskQueue(), controller.desktop(), this)),
+      m_statusWindow(new StatusWindow(controller.taskQueue(), *m_batch, this)),
       m_trackNameWindow(new TrackNameWindow(controller.trackNameInputController(), this))
 {
     setObjectName(u"mainWindow"_s);
@@ -63,8 +69,8 @@ MainWindow::MainWindow(NURVController &controller, QWidget *parent)
     m_tabView->setDocumentMode(true);
     m_tabView->tabBar()->setObjectName(u"tabBar"_s);
     m_tabView->tabBar()->setAccessibleName(tr("Tools"));
-    setCentralWidget(m_tabView);
     createPages();
+    layOut();
     createMenus();
     connect(m_tabView, &QTabWidget::currentChanged, this, &MainWindow::pageChosen);
     connect(&controller, &NURVController::pageSelected, this, &MainWindow::showPage);
@@ -72,6 +78,8 @@ MainWindow::MainWindow(NURVController &controller, QWidget *parent)
     connect(&controller.taskQueue(), &NURVTaskQueue::outputWindowRequested, this, &MainWindow::showReport);
     connect(&m_reportTimer, &QTimer::timeout, this, &MainWindow::showWaitingReport);
     connect(&controller, &NURVController::executing, m_statusWindow, &StatusWindow::expectBatch);
+    connect(m_progressStrip, &ProgressStrip::clicked, m_statusWindow, &StatusWindow::bringToFront);
+    connect(m_progressStrip, &ProgressStrip::folderRequested, this, &MainWindow::openFolder);
     // As on most desktops; Qt has it on some only.
     connect(new QShortcut(Qt::Key_F10, this), &QShortcut::activated, this, [this] {
         menuBar()->setFocus(Qt::ShortcutFocusReason);
@@ -101,6 +109,19 @@ void MainWindow::createPages()
     }
     m_tabView->addTab(new AboutPage, tr("About"));
     m_labels.append(NURVController::kAboutLabel);
+}
+
+void MainWindow::layOut()
+{
+    // Behind the pages, also for the keyboard.
+    m_progressStrip = new ProgressStrip(*m_batch, this);
+    auto *const all = new QWidget(this);
+    auto *const column = new QVBoxLayout(all);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(m_tabView, 1);
+    column->addWidget(m_progressStrip);
+    setCentralWidget(all);
 }
 
 QAction *MainWindow::addAction(QMenu *menu, const QString &title, const QString &objectName,
@@ -240,6 +261,17 @@ void MainWindow::addFolder()
         page->addPaths({*folder});
 }
 
+void MainWindow::openFolder(const QString &path)
+{
+    if (!QFileInfo(path).isDir()) {
+        m_controller.prompts().ask({.title = tr("The folder is not there"), .message = path, .buttons = {tr("OK")}});
+        return;
+    }
+    if (!m_controller.desktop().openFolder(path))
+        m_controller.prompts().ask(
+            {.title = tr("No program shows the folder"), .message = path, .buttons = {tr("OK")}});
+}
+
 void MainWindow::openFiles(const GivenFiles &files)
 {
     if (m_isClosing)
@@ -337,6 +369,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
 void MainWindow::prepareToQuit()
 {
     m_isClosing = true;
+    m_batch->stop();
     saveState();
     for (OutputWindow *const output : outputWindows())
         output->hide();

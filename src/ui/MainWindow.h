@@ -19,11 +19,13 @@ class QTabWidget;
 
 namespace nurv {
 
+class BatchWatch;
 struct GivenFiles;
 class NURVController;
 class OutputWindow;
 class PreferencesController;
 class PreferencesWindow;
+class ProgressStrip;
 class StatusWindow;
 class TabPage;
 class TrackNameWindow;
@@ -46,6 +48,8 @@ public:
     /// Null until it was asked for.
     [[nodiscard]] PreferencesWindow *preferencesWindow() const { return m_preferencesWindow; }
     [[nodiscard]] StatusWindow *statusWindow() const { return m_statusWindow; }
+    [[nodiscard]] ProgressStrip *progressStrip() const { return m_progressStrip; }
+    [[nodiscard]] BatchWatch &batch() const { return *m_batch; }
     [[nodiscard]] TrackNameWindow *trackNameWindow() const { return m_trackNameWindow; }
     /// The output windows that are open, in the order in which they opened.
     [[nodiscard]] QList<OutputWindow *> outputWindows() const;
@@ -75,6 +79,7 @@ protected:
 
 private:
     void createPages();
+    void layOut();
     void createMenus();
     void createFileMenu();
     void createEditMenu();
@@ -92,12 +97,15 @@ private:
     void showWaitingReport();
     void openOutputWindow(const QString &text, const QString &title);
     void addFolder();
+    void openFolder(const QString &path);
     [[nodiscard]] TabPage *currentPage() const;
 
     NURVController &m_controller;
     std::unique_ptr<PreferencesController> m_preferences; ///< before its window
     PreferencesWindow *m_preferencesWindow = nullptr;
     QTabWidget *m_tabView = nullptr;
+    BatchWatch *m_batch = nullptr;
+    ProgressStrip *m_progressStrip = nullptr;
     StatusWindow *m_statusWindow = nullptr;
     TrackNameWindow *m_trackNameWindow = nullptr;
     QHash<QString, TabPage *> m_pages;

@@ -2,8 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/StatusWindow.h"
 
+#include "app/BatchWatch.h"
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskQueue.h"
+#include "ui/BatchWords.h"
 #include "ui/StatusListModel.h"
 #include "ui/StatusQueueCell.h"
 #include "ui/WindowPlace.h"
@@ -36,8 +38,8 @@ const QString kGeometryKey = u"window/statusGeometry"_s;
 
 } // namespace
 
-StatusWindow::StatusWindow(NURVTaskQueue &queue, QWidget *parent)
-    : QWidget(parent, Qt::Dialog), m_queue(queue), m_model(new StatusListModel(queue, this)),
+StatusWindow::StatusWindow(NURVTaskQueue &queue, BatchWatch &batch, QWidget *parent)
+    : QWidget(parent, Qt::Dialog), m_queue(queue), m_batch(batch), m_model(new StatusListModel(queue, this)),
       m_cell(new StatusQueueCell(this))
 {
     setObjectName(u"statusWindow"_s);
@@ -49,6 +51,7 @@ StatusWindow::StatusWindow(NURVTaskQueue &queue, QWidget *parent)
     createContextMenu();
     connectAll();
     showCount();
+    showBatch();
     m_hasPlace = windowPlace::restore(*this, kGeometryKey, kFirstSize);
 }
 
@@ -67,6 +70,12 @@ void StatusWindow::createWidgets()
     m_list->setFrameShape(QFrame::NoFrame);
     m_list->setTabKeyNavigation(false);
     m_list->installEventFilter(this);
+
+    m_batchLabel = new QLabel(this);
+    m_batchLabel->setObjectName(u"batchLine"_s);
+    m_batchLabel->setTextFormat(Qt::PlainText);
+    m_batchLabel->setWordWrap(true);
+    m_batchLabel->setContentsMargins(kMargin, 0, kMargin, 0);
 
     m_countLabel = new QLabel(this);
     m_countLabel->setObjectName(u"jobCount"_s);
@@ -96,6 +105,7 @@ void StatusWindow::layOut()
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(kMargin);
     column->addWidget(m_list, 1);
+    column->addWidget(m_batchLabel);
     column->addLayout(buttons);
 }
 
@@ -129,6 +139,7 @@ void StatusWindow::connectAll()
     connect(m_model, &QAbstractItemModel::rowsInserted, this,
             [this](const QModelIndex &, int first) { showNewRows(first); });
     connect(m_model, &QAbstractItemModel::modelReset, this, &StatusWindow::showCount);
+    connect(&m_batch, &BatchWatch::changed, this, &StatusWindow::showBatch);
     connect(&m_queue, &NURVTaskQueue::panelRequested, this, &StatusWindow::requestPanel);
     connect(&m_queue, &NURVTaskQueue::panelCloseRequested, this, &StatusWindow::closePanel);
     connect(&m_queue, &NURVTaskQueue::taskCountChanged, this, [this](int count) {
@@ -207,6 +218,13 @@ void StatusWindow::showCount()
     m_cancelAllButton->setEnabled(waiting > 0);
     if (std::exchange(m_hasErrors, hasErrors) != hasErrors)
         Q_EMIT hasErrorsChanged(hasErrors);
+}
+
+void StatusWindow::showBatch()
+{
+    const QString line = batchWords::line(m_batch);
+    m_batchLabel->setText(line);
+    m_batchLabel->setVisible(!line.isEmpty());
 }
 
 std::vector<std::shared_ptr<NURVTask>> StatusWindow::selectedTasks() const

@@ -14,6 +14,7 @@ class QPushButton;
 
 namespace nurv {
 
+class BatchWatch;
 class NURVTask;
 class NURVTaskQueue;
 class StatusListModel;
@@ -28,8 +29,8 @@ class StatusWindow final : public QWidget {
     Q_OBJECT
 
 public:
-    /// The queue must outlive the window.
-    explicit StatusWindow(NURVTaskQueue &queue, QWidget *parent = nullptr);
+    /// Queue and batch must outlive the window.
+    StatusWindow(NURVTaskQueue &queue, BatchWatch &batch, QWidget *parent = nullptr);
 
     /// Shows the window, in front and with the keyboard.
     void bringToFront();
@@ -63,6 +64,7 @@ private:
     void showNewRows(int first);
     void closePanel();
     void showCount();
+    void showBatch();
     void prepareMenu();
     void cancelSelected();
     void cancelLater(const std::shared_ptr<NURVTask> &task);
@@ -70,9 +72,11 @@ private:
     [[nodiscard]] std::vector<std::shared_ptr<NURVTask>> selectedTasks() const;
 
     NURVTaskQueue &m_queue;
+    BatchWatch &m_batch;
     StatusListModel *m_model;
     StatusQueueCell *m_cell;
     QListView *m_list = nullptr;
+    QLabel *m_batchLabel = nullptr; ///< what the strip of the main window says
     QLabel *m_countLabel = nullptr;
     QPushButton *m_removeErrorsButton = nullptr;
     QPushButton *m_cancelAllButton = nullptr;

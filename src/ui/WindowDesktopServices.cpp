@@ -3,6 +3,8 @@
 #include "ui/WindowDesktopServices.h"
 
 #include <QApplication>
+#include <QDesktopServices>
+#include <QUrl>
 
 #include <chrono>
 
@@ -34,6 +36,16 @@ void WindowDesktopServices::sendBadge()
         return;
     m_sentBadge = m_badge;
     m_desktop.setBadge(m_badge);
+}
+
+void WindowDesktopServices::setProgress(std::optional<double> share)
+{
+    m_desktop.setProgress(share);
+}
+
+bool WindowDesktopServices::openFolder(const QString &path)
+{
+    return QDesktopServices::openUrl(QUrl::fromLocalFile(path));
 }
 
 void WindowDesktopServices::deliverNotification(const QString &title, const QString &body)

@@ -20,6 +20,8 @@ public:
     void setWindow(QWidget *window) { m_window = window; }
 
     void setBadge(int count) override;
+    void setProgress(std::optional<double> share) override;
+    [[nodiscard]] bool openFolder(const QString &path) override;
     [[nodiscard]] bool hasNotificationService() override { return m_desktop.hasNotificationService(); }
     void deliverNotification(const QString &title, const QString &body) override;
     void requestAttention() override;

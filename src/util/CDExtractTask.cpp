@@ -267,8 +267,10 @@ void CDExtractTask::nameOutputs()
         if (!endedWell() || cancelled())
             appendResultsForSelf(u"%1 was made, and stays\n"_s.arg(lastPathComponent(path)));
     }
-    if (!made.isEmpty())
-        ownOutcome().output = made.size() == 1 ? made.first() : folderOf(made.first());
+    if (made.isEmpty())
+        return;
+    ownOutcome().output = made.size() == 1 ? made.first() : folderOf(made.first());
+    ownOutcome().outputFiles = made.size() == 1 ? 0 : static_cast<int>(made.size());
 }
 
 /// Of a track that was not read to its end: all of it when the user has given it up, and what holds no sound. Nothing

@@ -34,6 +34,7 @@ public:
     DVDAuthorTask(NURVTaskQueue *queue, const QStringList &fileNames, const QString &outputPath);
     ~DVDAuthorTask() override;
 
+    [[nodiscard]] QStringList sourcePaths() const override { return m_fileNames; }
     [[nodiscard]] int sourceCount() const override { return static_cast<int>(m_fileNames.size()); }
     [[nodiscard]] NeededPrograms neededPrograms() const override { return programsFor(m_fileNames); }
     /// What a disc of these files needs.

@@ -28,6 +28,7 @@ public:
 
     ~ReplayGainTask() override;
 
+    [[nodiscard]] QStringList sourcePaths() const override { return m_paths; }
     [[nodiscard]] int sourceCount() const override { return static_cast<int>(m_paths.size()); }
     [[nodiscard]] QString report() const override { return m_report; }
     void startTask() override;

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/BatchCounts.h"
-#include "cli/HumanUnits.h"
 #include "cli/SourceNames.h"
+#include "text/HumanUnits.h"
 
 #include <gtest/gtest.h>
 

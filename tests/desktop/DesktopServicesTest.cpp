@@ -180,6 +180,27 @@ TEST_F(DesktopServicesOnABus, TheBadgeReachesTheLauncher)
                     SLOT(update(QString, QVariantMap)));
 }
 
+TEST_F(DesktopServicesOnABus, TheShareOfTheWorkReachesTheLauncher)
+{
+    Launcher launcher;
+    ASSERT_TRUE(observer().connect(QString(), QString(), u"com.canonical.Unity.LauncherEntry"_s, u"Update"_s, &launcher,
+                                   SLOT(update(QString, QVariantMap))));
+    DBusDesktopServices desktop = services();
+    desktop.setProgress(0.25);
+    ASSERT_TRUE(test::waitUntil([&] { return launcher.updates == 1; }));
+    EXPECT_EQ(launcher.application, u"application://org.nurvaudio.Workbench.desktop"_s);
+    EXPECT_EQ(launcher.properties.value(u"progress"_s).typeId(), QMetaType::Double);
+    EXPECT_EQ(launcher.properties.value(u"progress"_s), QVariant(0.25));
+    EXPECT_EQ(launcher.properties.value(u"progress-visible"_s), QVariant(true));
+    EXPECT_FALSE(launcher.properties.contains(u"count"_s)) << "the badge stays as it is";
+    desktop.setProgress(std::nullopt);
+    ASSERT_TRUE(test::waitUntil([&] { return launcher.updates == 2; }));
+    EXPECT_EQ(launcher.properties.value(u"progress-visible"_s), QVariant(false));
+    QDBusConnection(u"test observer"_s)
+        .disconnect(QString(), QString(), u"com.canonical.Unity.LauncherEntry"_s, u"Update"_s, &launcher,
+                    SLOT(update(QString, QVariantMap)));
+}
+
 TEST_F(DesktopServicesOnABus, NothingHappensWithoutTheServices)
 {
     DBusDesktopServices desktop = services();
@@ -202,6 +223,8 @@ TEST(DesktopServices, DoNothingWithoutABus)
     QElapsedTimer timer;
     timer.start();
     desktop.setBadge(3);
+    desktop.setProgress(0.5);
+    EXPECT_FALSE(desktop.openFolder(u"/home"_s));
     EXPECT_FALSE(desktop.hasNotificationService());
     desktop.deliverNotification(u"title"_s, u"body"_s);
     desktop.requestAttention();

@@ -35,6 +35,12 @@ public:
         if (whenAsked)
             whenAsked();
     }
+    void setProgress(std::optional<double> share) override { shares.push_back(share); }
+    bool openFolder(const QString &path) override
+    {
+        folders.append(path);
+        return true;
+    }
     bool hasNotificationService() override { return hasNotifications; }
     void deliverNotification(const QString &title, const QString &) override { notifications.append(title); }
     void requestAttention() override { ++attentionRequests; }
@@ -58,6 +64,8 @@ public:
     bool hasNotifications = true;
     std::optional<std::uint32_t> assertion = 7;
     std::vector<int> badges;
+    std::vector<std::optional<double>> shares;
+    QStringList folders;
     QStringList notifications;
     int attentionRequests = 0;
     QStringList assertionReasons;

@@ -57,6 +57,8 @@ TEST_F(FixJobsTest, MakesEveryFormatOfTheSameSound)
         expectFixed(before, outputs(format));
         EXPECT_EQ(sound(wavs), before);
         EXPECT_EQ(task->outcome().output, out.path());
+        EXPECT_EQ(task->outcome().outputFiles, 3);
+        EXPECT_EQ(task->sourcePaths(), wavs);
     }
     EXPECT_EQ(out.list().size(), 12) << "and nothing else: " << qPrintable(out.list().join(u' '));
 }

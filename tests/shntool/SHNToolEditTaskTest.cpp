@@ -125,6 +125,8 @@ TEST_F(SHNToolEditTaskTest, TellsWhatWasMadeBeforeAFileFailed)
     EXPECT_TRUE(jobs.front()->error());
     EXPECT_EQ(out.read(u"b-trimmed.flac"_s), "mine");
     EXPECT_EQ(jobs.front()->outcome().output, out.path(u"a-trimmed.flac"_s));
+    EXPECT_EQ(jobs.front()->outcome().outputFiles, 0);
+    EXPECT_EQ(jobs.front()->sourcePaths(), files);
     EXPECT_TRUE(jobs.front()->report().endsWith(u"\na-trimmed.flac was made, and stays\n"_s))
         << qPrintable(jobs.front()->report());
 }

@@ -53,6 +53,8 @@ TEST_F(SHNToolSplitTaskTest, GivesPiecesTheirTitlesAndLosesNoSample)
     const auto job = split(source, sheet({u"One"_s, u"Zwölf Lieder"_s, u"3 & \"3\""_s}));
     EXPECT_TRUE(isDone(job));
     EXPECT_EQ(out.list(), (QStringList{u"01 One.flac"_s, u"02 Zwölf Lieder.flac"_s, u"03 3 & \"3\".flac"_s}));
+    EXPECT_EQ(job->outcome().output, out.path());
+    EXPECT_EQ(job->outcome().outputFiles, 3);
     EXPECT_TRUE(sound(outputs()) == sound({source}));
     EXPECT_TRUE(windows.isEmpty());
     EXPECT_TRUE(QFile::exists(source));

@@ -1,12 +1,15 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/Contrast.h"
+#include "app/BatchWatch.h"
 #include "support/WaitUntil.h"
 #include "ui/DarkPalette.h"
 #include "ui/FileListView.h"
 #include "ui/JobInState.h"
 #include "ui/LegiblePalette.h"
 #include "ui/LegibleStyle.h"
+#include "ui/ProgressLine.h"
+#include "ui/ProgressStrip.h"
 #include "ui/StatusListModel.h"
 #include "ui/StatusQueueCell.h"
 #include "ui/StatusWindow.h"
@@ -195,6 +198,49 @@ TEST_P(ContrastTest, OfTheRowsOfTheJobs)
             }
         }
     }
+}
+
+TEST_P(ContrastTest, OfTheStripBelowThePages)
+{
+    WindowFixture &app = workbench();
+    app.show();
+    NURVTaskQueue &queue = app.controller.taskQueue();
+    BatchWatch &batch = app.window.batch();
+    const ProgressStrip &strip = *app.window.progressStrip();
+    ProgressLine &line = *strip.line();
+    const auto expectLegibleLine = [&](const char *state) {
+        handleWaitingEvents();
+        // Without the bar, which may stand out by itself.
+        EXPECT_GE(strongestContrast(line.grab(line.textRect()).toImage()), kLegible) << state;
+    };
+    expectLegibleLine("no jobs");
+    std::vector<std::shared_ptr<JobInState>> jobs;
+    for (int i = 0; i < 2; ++i) {
+        jobs.push_back(std::make_shared<JobInState>(queue, u"%1.wav"_s.arg(i)));
+        queue.addTask(jobs.back());
+    }
+    jobs[0]->show(u"Encoding"_s, 60.0);
+    batch.flush();
+    ASSERT_TRUE(line.share().has_value());
+    line.clearFocus();
+    expectLegibleLine("running");
+    line.setFocus();
+    expectLegibleLine("with the keyboard");
+    line.setDown(true);
+    expectLegibleLine("pressed");
+    line.setDown(false);
+    // The bar itself: what is done of it, against what is not.
+    const QRect bar(0, 0, line.textRect().left(), line.height());
+    EXPECT_GE(strongestContrast(line.grab(bar).toImage()), 3.0);
+    for (const auto &job : jobs) {
+        job->ownOutcome().output = app.folder.path(u"1.flac"_s);
+        job->finish(job == jobs[1]);
+        Q_EMIT queue.taskSettled(job);
+    }
+    queue.showOutputWindow(u"report"_s, u"1.wav"_s);
+    ASSERT_EQ(batch.state(), BatchWatch::State::Over);
+    expectLegibleLine("over");
+    EXPECT_GE(expectLegible(strip, u"strip"_s), 2);
 }
 
 INSTANTIATE_TEST_SUITE_P(Schemes, ContrastTest,

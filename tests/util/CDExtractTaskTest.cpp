@@ -47,6 +47,7 @@ TEST_F(CDExtractTaskTest, NamesTheFilesAsTheTracks)
     EXPECT_EQ(out.read(u"03 Track.wav"_s), sound(3));
     EXPECT_EQ(folder.read(u"calls"_s), "-B\t-L\t1\t-H\t-t\t1+3\t-paranoia\t-Owav\tdev=/dev/sr0\n");
     EXPECT_EQ(job->outcome().output, out.path());
+    EXPECT_EQ(job->outcome().outputFiles, 3);
     EXPECT_EQ(job->outcome().outputBytes, 3 * sound(1).size());
     EXPECT_EQ(job->outcome().problem, QString());
     QByteArray told;
@@ -90,6 +91,7 @@ TEST_F(CDExtractTaskTest, TakesTheFileOfASingleTrackUnderEitherName)
         EXPECT_EQ(tracksThere(), QStringList{u"07 Encore.wav"_s});
         EXPECT_EQ(out.read(u"07 Encore.wav"_s), sound(7));
         EXPECT_EQ(job->outcome().output, out.path(u"07 Encore.wav"_s));
+        EXPECT_EQ(job->outcome().outputFiles, 0) << "the one that has a name";
         out.remove(u"07 Encore.wav"_s);
         tools.remove(u"cdda2wav"_s);
     }

@@ -5,6 +5,7 @@
 //
 //     nurv_screenshots FOLDER [light|dark]
 
+#include "app/BatchWatch.h"
 #include "app/ExamplePanels.h"
 #include "app/NURVController.h"
 #include "app/NURVStringGetterPanel.h"
@@ -44,14 +45,16 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QLabel>
 #include <QDir>
+#include <QFile>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListView>
 #include <QSignalSpy>
 #include <QTabWidget>
 #include <QVariantAnimation>
 
+#include <chrono>
 #include <cstdio>
 
 using namespace Qt::StringLiterals;
@@ -236,11 +239,73 @@ void showRows(NURVTaskQueue &queue, StatusWindow &status, const QDir &folder, co
     jobs[4]->show(u"Verifying"_s, 18.0);
     jobs[5]->show(u"Copying tags"_s, 0.0);
     jobs[5]->startIndeterminateProgressBar();
-    status.resize(440, 620);
+    status.resize(440, 650);
     status.bringToFront();
     handleWaitingEvents();
     status.list()->clearFocus();
     save(status, folder.filePath(u"status-%1.png"_s.arg(suffix)));
+}
+
+/// The strip below the pages: while jobs run, after some have failed, and when all have ended.
+void showStrip(NURVController &controller, MainWindow &window, const QDir &folder, const QString &suffix)
+{
+    NURVTaskQueue &queue = controller.taskQueue();
+    BatchWatch &batch = window.batch();
+    controller.selectTab(u"encode"_s);
+    const QString output = u"/home/anna/Music/Live/1997-08-16 Aula Magna/"_s;
+    const TestFolder sources;
+    std::vector<std::shared_ptr<JobInState>> jobs;
+    const auto end = [&](std::size_t place, bool failed) {
+        JobInState &job = *jobs[place];
+        job.ownOutcome().sourceBytes = 48'000'000;
+        job.ownOutcome().outputBytes = 29'760'000;
+        job.ownOutcome().output = failed ? QString() : output + job.title();
+        job.finish(failed);
+        Q_EMIT queue.taskSettled(jobs[place]);
+    };
+    for (const QString &path : concert(u"flac"_s)) {
+        jobs.push_back(std::make_shared<JobInState>(queue, path.section(u'/', -1)));
+        // The first ones are short, so that some minutes are left after seconds.
+        QFile source(sources.write(jobs.back()->title(), {}));
+        source.resize(jobs.size() <= 4 ? 2'000'000 : 60'000'000);
+        jobs.back()->setSourcePath(source.fileName());
+        jobs.back()->showTitle();
+        jobs.back()->dropResults();
+        queue.addTask(jobs.back());
+    }
+    const auto shoot = [&](const QString &name) {
+        batch.flush();
+        window.statusWindow()->hide();
+        save(window, folder.filePath(u"strip-%1-%2.png"_s.arg(name, suffix)));
+        window.statusWindow()->bringToFront();
+        save(*window.statusWindow(), folder.filePath(u"strip-status-%1-%2.png"_s.arg(name, suffix)));
+    };
+    shoot(u"begin"_s);
+    // An estimate wants a speed.
+    static_cast<void>(waitUntil([&, since = std::chrono::steady_clock::now()] {
+        return std::chrono::steady_clock::now() - since > std::chrono::seconds(4);
+    }));
+    for (std::size_t place = 0; place < 4; ++place)
+        end(place, false);
+    jobs[4]->show(u"Encoding"_s, 40.0);
+    jobs[5]->show(u"Encoding"_s, 25.0);
+    jobs[6]->show(u"Encoding"_s, 31.0);
+    shoot(u"running"_s);
+    end(4, true);
+    end(5, true);
+    shoot(u"failures"_s);
+    window.resize(640, 480);
+    shoot(u"small"_s);
+    queue.showOutputWindow(u"report"_s, u"1 Tuning and Welcome.flac"_s);
+    for (OutputWindow *const report : window.outputWindows())
+        report->close();
+    for (std::size_t place = 6; place < jobs.size(); ++place)
+        end(place, false);
+    shoot(u"over-small"_s);
+    window.resize(kWindowSize);
+    shoot(u"over"_s);
+    queue.removeAllErrors();
+    window.statusWindow()->hide();
 }
 
 void showOutput(UserPrompts &prompts, const QDir &folder, const QString &suffix)
@@ -394,6 +459,7 @@ int render(const QDir &folder, const QString &suffix)
     showUtil(utilTab, window, folder, suffix);
     showTags(tagsTab, window, folder, suffix);
     showModes(lossyTab, checksumTab, window, folder, suffix);
+    showStrip(controller, window, folder, suffix);
     showRows(controller.taskQueue(), *window.statusWindow(), folder, suffix);
     showOutput(prompts, folder, suffix);
     showPreferences(window, folder, suffix);

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Nurv Audio Workbench developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "cli/HumanUnits.h"
+#include "text/HumanUnits.h"
 
 #include <array>
 #include <cmath>
