@@ -86,7 +86,8 @@ void BatchReport::addSettled(const NURVTask &task)
 {
     Job job{.outcome = task.outcome(), .report = withLastFigures(task.report()), .problem = task.outcome().problem};
     const bool hasFailed = task.error() && !task.cancelled();
-    if (hasFailed && job.problem.isEmpty())
+    // Also of one that had failed by itself when it was canceled.
+    if ((hasFailed || (task.error() && job.keptOriginal())) && job.problem.isEmpty())
         job.problem = problemLine(task.report(), task.sourcePath(), m_options.switches);
     job.problem = withKnownName(job.problem, m_options.names);
     for (const QString &warning : task.warnings()) {

@@ -6,6 +6,7 @@
 #include "base/NurvFailure.h"
 #include "tagging/TagFields.h"
 #include "tags/PictureView.h"
+#include "tags/TagLibTagsHelper.h"
 
 #include <QJsonArray>
 
@@ -116,8 +117,11 @@ std::optional<Restoration> restorationOf(const QJsonObject &object)
         ++known;
     }
     const QJsonObject custom = objectIn(object, u"custom"_s);
-    for (auto tag = custom.begin(); tag != custom.end(); ++tag)
+    for (auto tag = custom.begin(); tag != custom.end(); ++tag) {
+        if (!TagLibTagsHelper::isFlacFieldName(tag.key()))
+            throw NurvFailure(u"no field of a FLAC file can be called \"%1\""_s.arg(tag.key()));
         restoration.record.customTagsDictionary().insert(tag.key(), textIn(custom, tag.key()));
+    }
     if (known < fields.size())
         throw NurvFailure(u"one of its fields is none of those that \"nurv tags show\" tells"_s);
     if (fields.isEmpty() && custom.isEmpty())

@@ -7,6 +7,7 @@
 #include "cli/Console.h"
 #include "cli/TagsJson.h"
 #include "cli/FilesRun.h"
+#include "cli/TagsWriting.h"
 #include "tagging/TagFiles.h"
 #include "tagging/TagPreview.h"
 
@@ -103,21 +104,14 @@ QJsonObject restoreOne(FilesRun &run, const QString &path, const tagsJson::Resto
         throw NurvFailure(u"it is of another kind than the file whose tags these are"_s);
     if (!QFileInfo::exists(path))
         throw NurvFailure(u"there is no such file"_s);
-    const TagWriting writing{.path = path, .record = restoration.record};
-    if (isTrial) {
-        const QStringList changes = restoration.stored
-                                        ? tagPreview::differences(storedTags::read(*format, path), *restoration.stored)
-                                        : tagPreview::changesOf(writing, false);
-        return run.tellChanges(path, changes);
-    }
-    if (restoration.stored) {
-        storedTags::replace(*format, path, *restoration.stored);
-        const QStringList differences = tagPreview::differences(*restoration.stored, storedTags::read(*format, path));
-        if (!differences.isEmpty())
-            throw NurvFailure(u"its tags were written, and are not all as in the backup: "_s + differences.first());
-    } else if (const TagsObject::Text leftOut = tagFiles::write(path, restoration.record, false)) {
-        throw NurvFailure(u"the picture was not written, all other tags were: %1"_s.arg(*leftOut));
-    }
+    if (!restoration.stored)
+        return tagsWriting::writeOrTell(run, {.path = path, .record = restoration.record}, false, isTrial);
+    if (isTrial)
+        return run.tellChanges(path, tagPreview::differences(storedTags::read(*format, path), *restoration.stored));
+    storedTags::replace(*format, path, *restoration.stored);
+    const QStringList differences = tagPreview::differences(*restoration.stored, storedTags::read(*format, path));
+    if (!differences.isEmpty())
+        throw NurvFailure(u"its tags were written, and are not all as in the backup: "_s + differences.first());
     return {{u"type"_s, u"written"_s}, {u"file"_s, run.nameOf(path)}, {u"path"_s, path}};
 }
 

@@ -122,8 +122,11 @@ std::optional<QString> readTextFile(const QString &path, QString *reason)
         return std::nullopt;
     }
     if (!S_ISREG(facts.st_mode)) {
-        errno = S_ISDIR(facts.st_mode) ? EISDIR : EINVAL;
-        failWithErrno(reason);
+        errno = EISDIR;
+        if (S_ISDIR(facts.st_mode))
+            failWithErrno(reason);
+        else if (reason)
+            *reason = QStringLiteral("It is a pipe or a device, not a file");
         return std::nullopt;
     }
     QFile reader;

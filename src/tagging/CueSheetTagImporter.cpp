@@ -13,6 +13,8 @@
 
 #include <QStringView>
 
+#include <functional>
+
 using namespace Qt::StringLiterals;
 
 namespace nurv {
@@ -43,6 +45,7 @@ CueSheetTagImporter::Names CueSheetTagImporter::namesIn(const QString &text)
     const QString lines = withLineFeeds(text);
     for (const QStringView piece : QStringView(lines).split(u'\n')) {
         const QString line = trimWhitespaceAndNewlines(piece);
+        names.trackLines += line.startsWith(u"TRACK "_s) ? 1 : 0;
         if (isInTracks) {
             if (line.startsWith(u"TITLE "_s))
                 names.titles.append(valueOf(line, u"TITLE"));
@@ -86,7 +89,13 @@ std::optional<TagsObject> CueSheetTagImporter::loadTagsFromCueSheet()
     if (!path)
         return std::nullopt;
     QString problem;
-    const std::optional<Names> names = read(*path, &problem);
+    std::optional<Names> names;
+    // It may lie on a disk that is slow to answer.
+    const bool isWanted = m_prompts.waitFor(u"Reading the cue sheet…"_s, [&](const std::function<bool()> &) {
+        names = read(*path, &problem);
+    });
+    if (!isWanted)
+        return std::nullopt;
     if (!names) {
         m_prompts.ask({.title = u"The cue sheet “%1” could not be read."_s.arg(printableLine(lastPathComponent(*path))),
                        .message = problem,

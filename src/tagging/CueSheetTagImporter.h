@@ -19,6 +19,7 @@ public:
     struct Names {
         TagsObject album; ///< album and artist, as far as they are there
         QStringList titles;
+        int trackLines = 0; ///< that begin a track, of sound or data, however its number is written
     };
 
     explicit CueSheetTagImporter(UserPrompts &prompts) : m_prompts(prompts) {}

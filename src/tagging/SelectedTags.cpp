@@ -52,6 +52,8 @@ SelectedTags readSelectedTags(const QStringList &paths, const std::function<bool
                 selected.problems.append(reading.problem);
             if (!reading.record)
                 continue;
+            if (!selected.pictureFault)
+                selected.pictureFault = reading.record->albumArtFault();
             selected.common.add(*reading.record);
             if (paths.size() == 1)
                 selected.record = std::move(reading.record);

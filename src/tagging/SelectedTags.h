@@ -19,6 +19,8 @@ struct SelectedTags {
     /// Of one file what it holds; of several what they have in common (CommonTags); nothing when that is nothing.
     std::optional<TagsObject> record;
     CommonTags common;
+    /// The first of the pictures that cannot be decoded, and why; nothing when all can.
+    std::optional<QString> pictureFault;
     QStringList problems; ///< "a.m4a: why", for each file that could not be read
 };
 

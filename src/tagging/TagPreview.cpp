@@ -5,12 +5,14 @@
 #include "app/PathNames.h"
 #include "base/NurvFailure.h"
 #include "base/ParallelLoop.h"
+#include "tagging/TagFields.h"
 #include "tagging/TagFiles.h"
 #include "tags/PictureView.h"
 #include "tags/TagTrial.h"
 #include "text/PrintableText.h"
 
 #include <QHash>
+#include <QMap>
 
 #include <algorithm>
 #include <compare>
@@ -127,13 +129,49 @@ QString joinedTexts(const std::map<Key, Values> &groups, const Key &key)
     return found == groups.end() ? u"(none)"_s : found->second.texts.join(u", "_s);
 }
 
+bool hasApeTags(TagFormat format)
+{
+    return format == TagFormat::Ape || format == TagFormat::Wavpack;
+}
+
+/// What the record has and files of the format do not get from here, a line each.
+QStringList refusalsOf(TagFormat format, const TagsObject &record, bool writeEmptyTags)
+{
+    QStringList lines;
+    const auto refuse = [&lines](const QString &caption, const QString &reason) {
+        lines.append(u"%1: %2"_s.arg(printableLine(caption), reason));
+    };
+    const auto isThere = [](const TagsObject::Text &text) { return text && !text->isEmpty(); };
+    const QString notOfItsKind = u"files of this kind take none from here"_s;
+    for (const TagField &field : tagFields()) {
+        if (hasApeTags(format) && !field.isInApeTags && isThere((record.*field.text)()))
+            refuse(QString::fromLatin1(field.caption), notOfItsKind);
+    }
+    // Number and total share one item of these files, which is written for the sake of the number.
+    if ((format == TagFormat::Mp3 || format == TagFormat::Mp4) && !writeEmptyTags) {
+        const QString alone = u"not written without a number"_s;
+        if (isThere(record.trackTotalText()) && !isThere(record.trackText()))
+            refuse(u"Track total"_s, alone);
+        if (isThere(record.discTotalText()) && !isThere(record.discText()))
+            refuse(u"Disc total"_s, alone);
+    }
+    const QMap<QString, QString> &customTags = record.customTagsDictionary();
+    if (format != TagFormat::Flac) {
+        for (auto tag = customTags.cbegin(); tag != customTags.cend(); ++tag) {
+            if (!tag.value().isEmpty())
+                refuse(tag.key(), notOfItsKind);
+        }
+    }
+    return lines;
+}
+
 QString pictureLine(TagFormat format, const CoverPicture &picture, const StoredTags &before)
 {
     const QString words = pictureWords(picture);
     const auto count = std::count_if(before.begin(), before.end(), [](const StoredTag &tag) {
         return tag.holder == StoredTag::Holder::FlacPicture || tag.name == u"APIC" || tag.name == u"covr";
     });
-    if (format == TagFormat::Ape || format == TagFormat::Wavpack)
+    if (hasApeTags(format))
         return u"Picture: files of this kind take none from here"_s;
     if (count == 0)
         return u"Picture: (none) → %1"_s.arg(words);
@@ -173,6 +211,7 @@ QStringList changesOf(const TagWriting &writing, bool writeEmptyTags)
         return {};
     const TagTrial trial = tryTags(*format, writing.path, writing.record, writeEmptyTags);
     QStringList lines = differences(trial.before, trial.after);
+    lines.append(refusalsOf(*format, writing.record, writeEmptyTags));
     if (writing.record.albumArt())
         lines.append(pictureLine(*format, *writing.record.albumArt(), trial.after));
     return lines;

@@ -20,8 +20,8 @@ struct TagWriting {
 
 namespace tagPreview {
 
-/// What a writing changes in a file: a line for each tag with its old and its new values, and what becomes of the
-/// picture. Empty when nothing changes. The writer itself says so, on a copy of the tags in memory (tryTags). Throws
+/// What a writing changes in a file: a line for each tag with its old and its new values, what becomes of the
+/// picture, and what of the record files of its kind do not take. Empty when nothing changes. The writer itself says so, on a copy of the tags in memory (tryTags). Throws
 /// NurvFailure for a file that cannot be read or written.
 [[nodiscard]] QStringList changesOf(const TagWriting &writing, bool writeEmptyTags);
 

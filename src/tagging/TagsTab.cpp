@@ -66,6 +66,12 @@ QString counted(qsizetype count)
     return count == 1 ? u"1 file"_s : u"%1 files"_s.arg(QLocale().toString(count));
 }
 
+/// What to do about a picture that the file cannot get.
+QString adviceOn(const QString &reason)
+{
+    return reason.contains(u"picture"_s) ? u"\nWith an empty well the other tags can be written."_s : QString();
+}
+
 } // namespace
 
 TagsTab::TagsTab(NURVController &controller)
@@ -140,7 +146,20 @@ void TagsTab::fillFromTagsObject(const TagsObject &record)
     }
     if (record.albumArt())
         albumArtImageView.setPicture(record.albumArt());
-    m_customTagsPanel.fillTags(record.customTagsDictionary());
+    NURVCustomTagsPanel::Tags customTags = record.customTagsDictionary();
+    // Of rows without a name, whose place another tag may have.
+    customTags.remove(QString());
+    m_customTagsPanel.fillTags(customTags);
+    m_filledDiscTotal = customTags.value(u"DISCTOTAL"_s);
+    m_hiddenCustomTags.clear();
+    int row = 0;
+    for (auto tag = customTags.cbegin(); tag != customTags.cend(); ++tag) {
+        if (++row > NURVCustomTagsPanel::kRows)
+            m_hiddenCustomTags.insert(tag.key(), tag.value());
+    }
+    customTagsNote.setText(m_hiddenCustomTags.isEmpty()
+                               ? QString()
+                               : u"%1 more than the panel shows; they are kept"_s.arg(m_hiddenCustomTags.size()));
 }
 
 void TagsTab::clearFields()
@@ -151,6 +170,7 @@ void TagsTab::clearFields()
     }
     m_customTagsPanel.clearTags();
     m_hiddenCustomTags.clear();
+    m_filledDiscTotal.clear();
     customTagsNote.setText({});
     albumArtImageView.setPicture(nullptr);
     albumArtImageView.setPlaceholder({});
@@ -233,31 +253,21 @@ void TagsTab::noteProgress(qsizetype count)
 void TagsTab::takeSelectedTags(const SelectedTags &selected)
 {
     note.setText({});
-    if (selected.record) {
+    if (selected.record)
         fillFromTagsObject(*selected.record);
-        const NURVCustomTagsPanel::Tags &customTags = selected.record->customTagsDictionary();
-        int row = 0;
-        for (auto tag = customTags.cbegin(); tag != customTags.cend(); ++tag) {
-            if (++row > NURVCustomTagsPanel::kRows)
-                m_hiddenCustomTags.insert(tag.key(), tag.value());
-        }
-    }
-    if (!m_hiddenCustomTags.isEmpty())
-        customTagsNote.setText(u"%1 more than the panel shows; they are kept"_s.arg(m_hiddenCustomTags.size()));
     if (selectedRows().size() > 1) {
         titleText.setText({});
         trackText.setText({});
         showDifferences(selected);
     }
-    const bool hasFaultyPicture = selected.record && selected.record->albumArtFault().has_value();
-    m_hasUnread = !selected.problems.isEmpty() || hasFaultyPicture;
+    m_hasUnread = !selected.problems.isEmpty() || selected.pictureFault;
     if (!selected.problems.isEmpty()) {
         const QString more =
             selected.problems.size() > 1 ? u" (and %1 more)"_s.arg(selected.problems.size() - 1) : QString();
         note.setText(u"Tags that cannot be read: "_s + printableLine(selected.problems.first()) + more);
-    } else if (hasFaultyPicture) {
-        albumArtImageView.setPlaceholder(u"Its picture cannot be shown: "_s
-                                         + printableLine(*selected.record->albumArtFault()));
+    } else if (selected.pictureFault) {
+        const QString whose = selectedRows().size() > 1 ? u"A picture cannot be shown: "_s : u"Its picture cannot be shown: "_s;
+        albumArtImageView.setPlaceholder(whose + printableLine(*selected.pictureFault));
     }
     enableFields();
     Q_EMIT readingChanged();
@@ -325,6 +335,7 @@ void TagsTab::beginExamining(const QString &name, const std::function<PictureRea
                 albumArtImageView.setPicture(reading.picture);
                 return;
             }
+            m_isPictureRefused = true;
             nurvController().prompts().ask({.title = u"The picture %1 cannot be used."_s.arg(quoted(name)),
                                             .message = reading.fault.value_or(u"It is empty."_s),
                                             .buttons = {u"OK"_s}});
@@ -372,7 +383,11 @@ void TagsTab::executeCommand()
 {
     if (fileNames().isEmpty())
         return;
+    m_isPictureRefused = false;
     finishReading();
+    // Whoever has chosen it is told so, and may want another.
+    if (m_isPictureRefused)
+        return;
     if (m_hasUnread && writeEmptyTags()) {
         nurvController().prompts().ask(
             {.title = u"Empty fields cannot be written."_s,
@@ -450,8 +465,8 @@ TagsTab::Plan TagsTab::makePlan()
     if (m_customTagsPanel.customTagDictionary()) {
         m_customTagsPanel.fillTagsDictionary();
         NURVCustomTagsPanel::Tags customTags = *m_customTagsPanel.customTagDictionary();
-        // It is among them, too, and would undo what was typed into its own field.
-        if (!discTotalText.text().isEmpty())
+        // It is among them, too, and as it was read it would undo what was typed into its own field.
+        if (!discTotalText.text().isEmpty() && customTags.value(u"DISCTOTAL"_s) == m_filledDiscTotal)
             customTags.remove(u"DISCTOTAL"_s);
         record.setCustomTagsDictionary(customTags);
         // The writer takes away what it is not given; nobody has seen these to want that.
@@ -489,7 +504,7 @@ bool TagsTab::canWriteCustomTags(const Plan &plan)
                 continue;
             nurvController().prompts().ask(
                 {.title = u"No custom tag can be called “%1”."_s.arg(printableLine(tag.key())),
-                 .message = u"FLAC files take names of the letters, digits and signs of ASCII, but for “=”."_s,
+                 .message = u"FLAC files take names of the letters, digits and signs of ASCII, but for “=” and “~”."_s,
                  .buttons = {u"OK"_s}});
             return false;
         }
@@ -543,7 +558,7 @@ bool TagsTab::write(const QList<TagWriting> &writings)
                 {.title = (isWritten ? u"The tags of %1 were written, but its parts are in their old order."_s
                                      : u"The tags of %1 could not be written."_s)
                               .arg(quoted(writing.path)),
-                 .message = failure.reason() + u'\n' + before,
+                 .message = failure.reason() + u'\n' + before + adviceOn(failure.reason()),
                  .buttons = {u"OK"_s}});
             return false;
         }

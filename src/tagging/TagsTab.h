@@ -139,6 +139,8 @@ private:
     /// Of the selected files, those that the panel has no row for.
     NURVCustomTagsPanel::Tags m_hiddenCustomTags;
     std::uint64_t m_selection = 0; ///< how many there have been
+    QString m_filledDiscTotal; ///< the DISCTOTAL that the panel was filled with
+    bool m_isPictureRefused = false; ///< since the button was pressed
     bool m_hasUnread = false;      ///< of the selected files
     PendingResult<SelectedTags> m_reading;
     PendingResult<PictureReading> m_examining;

@@ -335,6 +335,8 @@ void AACTagsHelper::runParsley(const QString &path, const std::function<bool()> 
         qCWarning(tagsLog).noquote() << "Not marked as gapless:" << path << ending.startFailure.trimmed();
     else if (ending.wasCutShort())
         removeNewTemporaries(path, formerTemporaries);
+    else if (!ending.exit->succeeded())
+        qCWarning(tagsLog).noquote() << "Not marked as gapless:" << path << recent.trimmed();
 }
 
 void AACTagsHelper::setQuickTimeVersionProvider(QuickTimeVersionProvider provider)

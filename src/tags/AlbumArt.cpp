@@ -123,6 +123,16 @@ QByteArray getBitmapDataForImage(const AlbumArt &picture, ImageFileType fileType
     }
     if (!picture)
         throw NurvFailure(u"Unable to render the picture: there is none"_s);
+    // All files of an album get the same picture.
+    constexpr qsizetype kMostKept = qsizetype{32} << 20;
+    static std::mutex lock;
+    static QByteArray lastBytes;
+    static QByteArray lastPng;
+    {
+        const std::scoped_lock guard(lock);
+        if (!lastPng.isEmpty() && lastBytes == picture->bytes())
+            return lastPng;
+    }
     try {
         const DecodedPicture decoded = decodePicture(picture->bytes());
         QBuffer buffer;
@@ -130,6 +140,11 @@ QByteArray getBitmapDataForImage(const AlbumArt &picture, ImageFileType fileType
         QImageWriter writer(&buffer, "png");
         if (!writer.write(decoded.image))
             throw NurvFailure(writer.errorString());
+        if (picture->bytes().size() + buffer.data().size() <= kMostKept) {
+            const std::scoped_lock guard(lock);
+            lastBytes = picture->bytes();
+            lastPng = buffer.data();
+        }
         return buffer.data();
     } catch (const NurvFailure &failure) {
         throw NurvFailure(u"Unable to render the picture: %1"_s.arg(failure.reason()));

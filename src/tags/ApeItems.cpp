@@ -8,8 +8,12 @@
 #include "text/PrintableText.h"
 #include "text/Utf8Text.h"
 
+#include <QByteArray>
+#include <QSet>
 #include <QString>
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <optional>
 
@@ -48,10 +52,22 @@ std::optional<TagLib::ByteVector> footerBefore(TagEditStream &stream, std::int64
     return footer.startsWith("APETAGEX") ? std::optional(footer) : std::nullopt;
 }
 
+/// Whether TagLib takes it, as the specification of APE tags has it.
+bool isKey(const TagLib::ByteVector &key)
+{
+    constexpr unsigned int kShortest = 2;
+    constexpr unsigned int kLongest = 255;
+    static const std::array reserved{QByteArray("ID3"), QByteArray("TAG"), QByteArray("OGGS"), QByteArray("MP+")};
+    return key.size() >= kShortest && key.size() <= kLongest
+           && std::all_of(key.begin(), key.end(), [](char letter) { return letter >= ' ' && letter <= '~'; })
+           && std::find(reserved.begin(), reserved.end(), qtBytes(key).toUpper()) == reserved.end();
+}
+
 void refuseUnreadableItemsOf(const TagLib::ByteVector &items, unsigned int count)
 {
     constexpr unsigned int kKindBits = 6; // 0: a text
     unsigned int position = 0;
+    QSet<QByteArray> keys;
     for (unsigned int i = 0; i < count; ++i) {
         if (items.size() - position < kItemHeadBytes)
             failAsDamaged();
@@ -65,9 +81,15 @@ void refuseUnreadableItemsOf(const TagLib::ByteVector &items, unsigned int count
             failAsDamaged();
         const TagLib::ByteVector key =
             items.mid(position + kItemHeadBytes, static_cast<unsigned int>(keyEnd) - position - kItemHeadBytes);
+        const QString shown = printableLine(QString::fromLatin1(qtBytes(key)));
+        if (!isKey(key))
+            throw NurvFailure(u"Its item \"%1\" has a name that APE tags do not take, and would be lost."_s.arg(shown));
+        const QByteArray upperKey = qtBytes(key).toUpper();
+        if (keys.contains(upperKey))
+            throw NurvFailure(u"Its item %1 is there twice, and one of them would be lost."_s.arg(shown));
+        keys.insert(upperKey);
         if ((flags & kKindBits) == 0 && !fromStrictUtf8(qtBytes(items.mid(value, size))))
-            throw NurvFailure(u"Its item %1 is not in UTF-8, as items of APE tags have to be, and would be lost."_s.arg(
-                printableLine(QString::fromLatin1(qtBytes(key)))));
+            throw NurvFailure(u"Its item %1 is not in UTF-8, as items of APE tags have to be, and would be lost."_s.arg(shown));
         position = value + size;
     }
 }

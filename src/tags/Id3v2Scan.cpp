@@ -3,6 +3,7 @@
 #include "tags/Id3v2Scan.h"
 
 #include "base/NurvFailure.h"
+#include "text/PrintableText.h"
 
 #include <id3v2extendedheader.h>
 #include <id3v2frame.h>
@@ -80,13 +81,27 @@ public:
             refuse(u"it has frames inside of frames"_s);
         while (position < data.size() && data[static_cast<int>(position)] != '\0') {
             const unsigned int size = scanFrame(data.mid(position), depth);
-            if (size == 0)
+            if (size == 0) {
+                noteEnd(data.mid(position), depth);
                 return;
+            }
             position += size;
         }
     }
 
+    /// The name of the frame that TagLib stopped at.
+    [[nodiscard]] const std::optional<QString> &unread() const { return m_unread; }
+
 private:
+    /// TagLib stops before what `rest` begins with.
+    void noteEnd(const ByteVector &rest, int depth)
+    {
+        if (depth > 0)
+            return;
+        const unsigned int idSize = m_version < 3 ? 3 : 4;
+        m_unread = printableLine(QString::fromLatin1(rest.data(), static_cast<qsizetype>(std::min(idSize, rest.size()))));
+    }
+
     /// The frame at the front of `data`. Returns its size with its head, or 0 where TagLib stops.
     unsigned int scanFrame(ByteVector data, int depth)
     {
@@ -174,31 +189,49 @@ private:
 
     unsigned int m_version;
     bool m_isUnsynchronised;
+    std::optional<QString> m_unread;
     int m_frames = 0;
     std::int64_t m_inflated = 0;
     std::int64_t m_inflatedFrom = 0;
 };
 
+/// The whole tag. Throws NurvFailure when TagLib may not have it.
+Scan scanned(const ByteVector &header, const ByteVector &contents)
+{
+    const TagLib::ID3v2::Header tag(header);
+    const bool isDecodedWhole = tag.unsynchronisation() && tag.majorVersion() <= 3;
+    const ByteVector data = isDecodedWhole ? TagLib::ID3v2::SynchData::decode(contents) : contents;
+    unsigned int position = 0;
+    if (tag.extendedHeader()) {
+        TagLib::ID3v2::ExtendedHeader extended;
+        extended.setData(data);
+        if (extended.size() <= data.size())
+            position = extended.size();
+    }
+    Scan scan(tag);
+    scan.scanFrames(data, position, 0);
+    return scan;
+}
+
 } // namespace
 
 std::optional<QString> reasonToRefuseId3v2(const ByteVector &header, const ByteVector &contents)
 {
-    const TagLib::ID3v2::Header tag(header);
     try {
-        const bool isDecodedWhole = tag.unsynchronisation() && tag.majorVersion() <= 3;
-        const ByteVector data = isDecodedWhole ? TagLib::ID3v2::SynchData::decode(contents) : contents;
-        unsigned int position = 0;
-        if (tag.extendedHeader()) {
-            TagLib::ID3v2::ExtendedHeader extended;
-            extended.setData(data);
-            if (extended.size() <= data.size())
-                position = extended.size();
-        }
-        Scan(tag).scanFrames(data, position, 0);
+        static_cast<void>(scanned(header, contents));
     } catch (const NurvFailure &failure) {
         return failure.reason();
     }
     return std::nullopt;
+}
+
+std::optional<QString> firstUnreadId3v2Frame(const ByteVector &header, const ByteVector &contents)
+{
+    try {
+        return scanned(header, contents).unread();
+    } catch (const NurvFailure &) {
+        return std::nullopt;
+    }
 }
 
 } // namespace nurv

@@ -22,4 +22,10 @@ namespace nurv {
 [[nodiscard]] std::optional<QString> reasonToRefuseId3v2(const TagLib::ByteVector &header,
                                                          const TagLib::ByteVector &contents);
 
+/// TagLib ends its reading at the first frame with a name that is none, without contents, or with more than the tag has,
+/// and a tag that it saves has lost what stands there and behind. Returns the name of that frame, made printable; nothing
+/// when TagLib reads all frames up to the padding, or refuses the tag. Any thread.
+[[nodiscard]] std::optional<QString> firstUnreadId3v2Frame(const TagLib::ByteVector &header,
+                                                           const TagLib::ByteVector &contents);
+
 } // namespace nurv

@@ -183,6 +183,7 @@ bool has(const StoredTags &tags, Holder holder)
 StoredTags readMp3(TagLib::MPEG::File &file, TagEditStream &stream)
 {
     refuseUnreadableItems(stream);
+    stream.refuseUnreadFrames();
     StoredTags found;
     if (file.hasID3v2Tag())
         found = storedFrames::of(*file.ID3v2Tag());

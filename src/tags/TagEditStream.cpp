@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tags/TagEditStream.h"
 
+#include "base/NurvFailure.h"
 #include "base/SystemError.h"
 #include "files/FileFlush.h"
 #include "files/FileStatus.h"
@@ -231,6 +232,13 @@ std::optional<QString> TagEditStream::readingFailure() const
     if (m_guard && m_guard->refusal())
         return m_guard->refusal();
     return m_readError != 0 ? std::optional(systemErrorText(m_readError)) : std::nullopt;
+}
+
+void TagEditStream::refuseUnreadFrames() const
+{
+    if (m_guard && m_guard->unreadFrame())
+        throw NurvFailure(
+            u"Its ID3 frame \"%1\" cannot be read, and would be lost with all behind it."_s.arg(*m_guard->unreadFrame()));
 }
 
 std::optional<QString> TagEditStream::foreignChange() const

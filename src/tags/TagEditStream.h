@@ -74,6 +74,10 @@ public:
     /// was written to. Nothing for a handed file.
     [[nodiscard]] std::optional<QString> foreignChange() const;
 
+    /// Throws NurvFailure when TagLib has not read all frames of an ID3v2 tag (TagLibGuard): a file that it saves has lost
+    /// the others.
+    void refuseUnreadFrames() const;
+
     /// The same file, for reading only; not open when that cannot be had.
     [[nodiscard]] FileDescriptor reopenedForReading() const;
     [[nodiscard]] std::int64_t fileLength() const { return m_fileLength; }

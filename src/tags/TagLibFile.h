@@ -120,6 +120,7 @@ void editWithStream(const QString &path, const Edit &edit)
             throw NurvFailure(QStringLiteral("Unable to save the tags: %1.").arg(*reason));
         if (!opened.isWritable())
             throw NurvFailure(QStringLiteral("Unable to open the output file for tagging."));
+        opened.stream().refuseUnreadFrames();
         // These save the APE tags that they have read.
         if constexpr (
             std::is_same_v<

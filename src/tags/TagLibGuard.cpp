@@ -63,10 +63,18 @@ bool TagLibGuard::mayHave(std::int64_t position, const TagLib::ByteVector &block
 {
     if (!m_refusal)
         m_refusal = faultOf(position, block);
+    if (!m_refusal && !m_unreadFrame && m_last.startsWith("ID3") && isId3v2(position, block))
+        m_unreadFrame = firstUnreadId3v2Frame(m_last, block);
     const bool canBeHead = block.size() == kId3HeaderSize || block.size() == kFlacHeadSize;
     m_last = canBeHead ? block : TagLib::ByteVector();
     m_lastEnd = position + block.size();
     return !m_refusal;
+}
+
+bool TagLibGuard::isId3v2(std::int64_t position, const TagLib::ByteVector &block) const
+{
+    return position == m_lastEnd && m_last.size() == kId3HeaderSize
+           && block.size() <= TagLib::ID3v2::Header(m_last).tagSize();
 }
 
 std::optional<QString> TagLibGuard::faultOf(std::int64_t position, const TagLib::ByteVector &block) const
@@ -80,7 +88,7 @@ std::optional<QString> TagLibGuard::faultOf(std::int64_t position, const TagLib:
         return tooManyFields(apeFieldCount(block));
     if (position != m_lastEnd || m_last.isEmpty())
         return std::nullopt;
-    if (m_last.size() == kId3HeaderSize && block.size() <= TagLib::ID3v2::Header(m_last).tagSize())
+    if (isId3v2(position, block))
         return reasonToRefuseId3v2(m_last, block);
     if (m_last.size() == kFlacHeadSize && (m_last[0] & 0x7f) == kFlacComment && block.size() <= m_last.toUInt(1U, 3U))
         return tooManyFields(vorbisFieldCount(block));

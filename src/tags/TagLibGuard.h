@@ -29,15 +29,20 @@ public:
 
     /// Why TagLib gets nothing more, as the end of a sentence; nothing while it may read.
     [[nodiscard]] const std::optional<QString> &refusal() const { return m_refusal; }
+    /// The frame of an ID3v2 tag at which TagLib has ended its reading (firstUnreadId3v2Frame); nothing when there is none.
+    [[nodiscard]] const std::optional<QString> &unreadFrame() const { return m_unreadFrame; }
 
 private:
     [[nodiscard]] std::optional<QString> faultOf(std::int64_t position, const TagLib::ByteVector &block) const;
+    /// Whether it is what stands behind the head of an ID3v2 tag.
+    [[nodiscard]] bool isId3v2(std::int64_t position, const TagLib::ByteVector &block) const;
 
     std::int64_t m_bytes = 0;
     int m_blocks = 0;
     TagLib::ByteVector m_last; ///< when it can be the head of something
     std::int64_t m_lastEnd = -1;
     std::optional<QString> m_refusal;
+    std::optional<QString> m_unreadFrame;
 };
 
 } // namespace nurv

@@ -34,6 +34,8 @@ using Text = TagsObject::Text;
 
 // Sizes in the heads of ID3v2 tags have 28 bits.
 constexpr qsizetype kId3v2PictureLimit = 0x0f000000;
+// Of a FLAC picture, with the type and no description.
+constexpr qsizetype kFlacPictureHead = 32 + 9;
 
 constexpr std::array<QStringView, 13> kKnownVorbisKeys = {
     u"TITLE",      u"ARTIST",      u"ALBUMARTIST", u"DATE",  u"ALBUM",    u"DISCNUMBER", u"TRACKNUMBER",
@@ -235,7 +237,7 @@ void addFlacPicture(TagLib::FLAC::File &file, const TagsObject &tags)
     picture->setWidth(tags.albumArt()->size().width());
     picture->setHeight(tags.albumArt()->size().height());
     picture->setColorDepth(tags.albumArt()->depth());
-    picture->setData(byteVector(pngOf(tags, kFlacBlockLimit)));
+    picture->setData(byteVector(pngOf(tags, kFlacBlockLimit - kFlacPictureHead)));
     file.addPicture(picture.release());
 }
 
@@ -302,6 +304,16 @@ void TagLibTagsHelper::setBlankTags(TagsObject &tagObject)
     tagObject.setTrackTotalText(u""_s);
     tagObject.setDiscTotalText(u""_s);
     tagObject.setAlbumArt(nullptr);
+}
+
+void TagLibTagsHelper::checkPicture(TagFormat format, const TagsObject &tagObject)
+{
+    if (!tagObject.albumArt())
+        return;
+    if (format == TagFormat::Flac)
+        static_cast<void>(pngOf(tagObject, kFlacBlockLimit - kFlacPictureHead));
+    else if (format == TagFormat::Mp3 || format == TagFormat::Aiff)
+        static_cast<void>(pngOf(tagObject, kId3v2PictureLimit));
 }
 
 bool TagLibTagsHelper::isFlacFieldName(const QString &name)

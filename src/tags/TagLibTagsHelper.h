@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "tags/TagFormat.h"
 #include "tags/TagsObject.h"
 
 #include <QString>
@@ -57,6 +58,9 @@ public:
     /// Empties title, artist, date, album, disc, track, comment, genre, composer and
     /// the two totals, and clears the picture; leaves the other fields.
     static void setBlankTags(TagsObject &tagObject);
+    /// Throws NurvFailure when a file of the format cannot get the picture of the record: it cannot be rendered, or is too
+    /// large as PNG. Says nothing of files that get none, or that get all else without it.
+    static void checkPicture(TagFormat format, const TagsObject &tagObject);
     /// Whether a field of a FLAC file can be called so: characters of ASCII from " " to "}", but for "=".
     [[nodiscard]] static bool isFlacFieldName(const QString &name);
     /// The text as TagLib's, by way of UTF-8.

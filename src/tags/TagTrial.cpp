@@ -32,8 +32,11 @@ void replaceDate(StoredTags &tags, const TagsObject::Text &date)
     tags.append({.holder = StoredTag::Holder::Vorbis, .name = FlacTagHelper::kDate.toString(), .text = date});
 }
 
-TagTrial tryHanded(const TagsProcess::Writing &writing, const QString &path, const TagsObject &tags)
+TagTrial tryHanded(const TagsProcess::Writing &writing, const QString &path, const TagsObject &record)
 {
+    TagLibTagsHelper::checkPicture(writing.format, record);
+    TagsObject tags = record;
+    tags.setAlbumArt(nullptr);
     TagTrial trial{.before = storedTags::read(writing.format, path), .after = {}};
     const TagsProcess::Written written = writeTagsByFormat(writing, path, tags);
     trial.after = storedTags::read(writing.format, path);
@@ -67,13 +70,11 @@ TagsProcess::Written writeTagsByFormat(const TagsProcess::Writing &writing, cons
 
 TagTrial tryTags(TagFormat format, const QString &path, const TagsObject &tags, bool writeEmptyTags)
 {
-    TagsObject texts = tags;
-    texts.setAlbumArt(nullptr);
     const TagsProcess::Writing writing{.format = format, .writeEmptyTags = writeEmptyTags};
-    if (std::optional<TagTrial> asked = TagsProcess::tryTags(writing, path, texts))
+    if (std::optional<TagTrial> asked = TagsProcess::tryTags(writing, path, tags))
         return *std::move(asked);
     if (path == HandedFile::name())
-        return tryHanded(writing, path, texts);
+        return tryHanded(writing, path, tags);
     // A process has one handed file at a time.
     static std::mutex oneAtATime;
     const std::lock_guard lock(oneAtATime);
@@ -81,7 +82,7 @@ TagTrial tryTags(TagFormat format, const QString &path, const TagsObject &tags, 
     if (!file.isOpen())
         throw NurvFailure(u"Unable to open the file for reading."_s);
     const HandedFile handed(std::move(file));
-    return tryHanded(writing, HandedFile::name(), texts);
+    return tryHanded(writing, HandedFile::name(), tags);
 }
 
 } // namespace nurv

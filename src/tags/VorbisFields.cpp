@@ -4,6 +4,7 @@
 
 #include "base/NurvFailure.h"
 #include "tags/TagEditStream.h"
+#include "tags/TagLibTagsHelper.h"
 #include "tags/TagLibText.h"
 #include "text/PrintableText.h"
 #include "text/Utf8Text.h"
@@ -62,14 +63,19 @@ void refuseUnreadableFieldsOf(const TagLib::ByteVector &comment)
     for (unsigned int i = 0; i < count; ++i) {
         const TagLib::ByteVector field = runs.next();
         const int equals = field.find('=');
-        if (equals > 0 && fromStrictUtf8(qtBytes(field)))
+        const QString name =
+            QString::fromUtf8(qtBytes(field.mid(0, static_cast<unsigned int>(std::max(equals, 0)))));
+        const bool isUtf8 = fromStrictUtf8(qtBytes(field)).has_value();
+        if (isUtf8 && TagLibTagsHelper::isFlacFieldName(name))
             continue;
-        const TagLib::ByteVector name = field.mid(0, static_cast<unsigned int>(std::max(equals, 0)));
-        const QString shown = printableLine(QString::fromUtf8(qtBytes(name)));
-        throw NurvFailure(
-            shown.isEmpty()
-                ? u"Its tags hold a field without a name, which would be lost."_s
-                : u"Its field %1 is not in UTF-8, as fields of FLAC files have to be, and would be lost."_s.arg(shown));
+        const QString shown = printableLine(name);
+        if (shown.isEmpty())
+            throw NurvFailure(u"Its tags hold a field without a name, which would be lost."_s);
+        throw NurvFailure((isUtf8 ? u"Its field %1 has a name of other characters than those of ASCII, or a \"~\" in it, "
+                                    "and would be lost."_s
+                                  : u"Its field %1 is not in UTF-8, as fields of FLAC files have to be, and would be "
+                                    "lost."_s)
+                              .arg(shown));
     }
 }
 

@@ -40,4 +40,13 @@ QString durationText(std::chrono::milliseconds duration)
     return u"%1 h %2 min"_s.arg(seconds / 3600).arg(seconds % 3600 / 60);
 }
 
+QString aboutDurationText(std::chrono::milliseconds duration)
+{
+    using namespace std::chrono;
+    if (round<std::chrono::seconds>(duration) < 60s)
+        return durationText(duration);
+    const auto whole = round<std::chrono::minutes>(duration);
+    return whole < 60min ? u"%1 min"_s.arg(whole.count()) : durationText(whole);
+}
+
 } // namespace nurv

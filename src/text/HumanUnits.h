@@ -15,4 +15,7 @@ namespace nurv {
 /// "under 1 s", "9 s", "3 min 20 s", "2 h 5 min".
 [[nodiscard]] QString durationText(std::chrono::milliseconds duration);
 
+/// The same to the minute from the first one on: "9 s", "3 min", "2 h 5 min".
+[[nodiscard]] QString aboutDurationText(std::chrono::milliseconds duration);
+
 } // namespace nurv

@@ -39,6 +39,16 @@ TEST(HumanUnits, DurationsAreAsCoarseAsTheyAreLong)
     EXPECT_EQ(durationText(7500s), u"2 h 5 min"_s);
 }
 
+TEST(HumanUnits, DurationsToTheMinute)
+{
+    EXPECT_EQ(aboutDurationText(400ms), u"under 1 s"_s);
+    EXPECT_EQ(aboutDurationText(59'400ms), u"59 s"_s);
+    EXPECT_EQ(aboutDurationText(59'600ms), u"1 min"_s);
+    EXPECT_EQ(aboutDurationText(200s), u"3 min"_s);
+    EXPECT_EQ(aboutDurationText(3599s), u"1 h 0 min"_s);
+    EXPECT_EQ(aboutDurationText(7530s), u"2 h 6 min"_s);
+}
+
 TEST(ClosingLine, NamesOnlyWhatThereIs)
 {
     EXPECT_EQ(closingLine({.files = 3, .done = 3}, 2s), u"3 of 3 done; in 2 s"_s);

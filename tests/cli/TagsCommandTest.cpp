@@ -164,6 +164,59 @@ TEST_F(TagsCommand, ACueSheetIsNotWrittenWhenAFileOfTheOrderIsMissing)
     EXPECT_FALSE(metaflacTags(three).contains(u"TITLE=Two"_s));
 }
 
+TEST_F(TagsCommand, ATotalWithoutANumberIsToldAndNotWritten)
+{
+    const QString mp3 = writeMp3(folder, u"b.mp3"_s, {u"--tt"_s, u"T"_s});
+    const QByteArray before = folder.read(u"b.mp3"_s);
+    for (const QString &total : {u"--track-total=12"_s, u"--disc-total=2"_s}) {
+        const ProgramResult result = runNurv({u"tags"_s, u"set"_s, total, mp3});
+        EXPECT_EQ(result.exitStatus, 1);
+        EXPECT_TRUE(result.errors.contains("its kind takes a total only beside one")) << result.errors.constData();
+        EXPECT_EQ(folder.read(u"b.mp3"_s), before);
+    }
+}
+
+TEST_F(TagsCommand, FieldsOfABackupGoTheWayOfOptions)
+{
+    const QString mp3 = writeMp3(folder, u"b.mp3"_s, {u"--tn"_s, u"3/10"_s});
+    const auto restore = [&](const QByteArray &fields) {
+        const QString file =
+            folder.write(u"b.json"_s, "{\"type\":\"tags\",\"path\":\"" + mp3.toUtf8() + "\"," + fields + "}\n");
+        return runNurv({u"tags"_s, u"set"_s, u"--from-json"_s, file});
+    };
+    EXPECT_EQ(restore("\"fields\":{\"track\":\"4\"}").exitStatus, 0);
+    EXPECT_EQ(ffprobeTags(mp3).value(u"track"_s), u"4/10");
+    const ProgramResult none = restore("\"custom\":{\"MOOD\":\"x\"}");
+    EXPECT_EQ(none.exitStatus, 1);
+    EXPECT_TRUE(none.errors.contains("files of its kind take none of these tags")) << none.errors.constData();
+    const ProgramResult name = restore("\"custom\":{\"G\xc3\xaanero\":\"x\"}");
+    EXPECT_EQ(name.exitStatus, 2);
+    EXPECT_TRUE(name.errors.contains("no field of a FLAC file can be called")) << name.errors.constData();
+}
+
+TEST_F(TagsCommand, ACueSheetWithOtherTracksThanTitlesIsNotWritten)
+{
+    const QStringList paths{flac(u"1.flac"_s), flac(u"2.flac"_s)};
+    const auto import = [&](const QByteArray &sheet) {
+        return runNurv(QStringList{u"tags"_s, u"import-cue"_s, folder.write(u"a.cue"_s, sheet)} + paths);
+    };
+    const ProgramResult unnumbered = import("TITLE \"Al\"\nTRACK 1 AUDIO\nTITLE \"One\"\nTRACK 2 AUDIO\nTITLE \"Two\"\n");
+    EXPECT_EQ(unnumbered.exitStatus, 1);
+    EXPECT_TRUE(unnumbered.errors.contains("its tracks do not begin with \"TRACK 01 AUDIO\": nothing is written"))
+        << unnumbered.errors.constData();
+    const ProgramResult untitled =
+        import("TRACK 01 AUDIO\nTITLE \"One\"\nTRACK 02 AUDIO\nTRACK 03 AUDIO\nTITLE \"Three\"\n");
+    EXPECT_EQ(untitled.exitStatus, 1);
+    EXPECT_TRUE(untitled.errors.contains("there are 2 titles for its 3 tracks: nothing is written"))
+        << untitled.errors.constData();
+    EXPECT_TRUE(metaflacTags(paths.first()).filter(u"ALBUM="_s).isEmpty());
+    EXPECT_TRUE(metaflacTags(paths.last()).filter(u"TITLE="_s).isEmpty());
+    const ProgramResult album = import("TITLE \"Al\"\n");
+    EXPECT_EQ(album.exitStatus, 0);
+    EXPECT_TRUE(album.errors.contains("it has no tracks: only album and artist are written")) << album.errors.constData();
+    EXPECT_TRUE(metaflacTags(paths.last()).contains(u"ALBUM=Al"_s));
+}
+
 TEST_F(TagsCommand, TellsOfFilesThatAreNone)
 {
     const QString bad = folder.write(u"a.flac"_s, "no sound");

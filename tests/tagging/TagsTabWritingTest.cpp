@@ -224,7 +224,7 @@ TEST_F(TagsTabWritingTest, ACustomNameThatNoFlacFileTakesIsTold)
         tab.customTagsPanel().fillTags({{name, u"value"_s}});
         prompts.expectAsk(
             {.title = u"No custom tag can be called “%1”."_s.arg(name),
-             .message = u"FLAC files take names of the letters, digits and signs of ASCII, but for “=”."_s,
+             .message = u"FLAC files take names of the letters, digits and signs of ASCII, but for “=” and “~”."_s,
              .buttons = {u"OK"_s}},
             u"OK"_s);
         tab.executeCommand();

@@ -8,6 +8,7 @@
 #include "cli/Console.h"
 #include "cli/TagsJson.h"
 #include "cli/TagsRestoring.h"
+#include "cli/TagsWriting.h"
 #include "cli/FilesRun.h"
 #include "files/FileNames.h"
 #include "tagging/CueSheetTagImporter.h"
@@ -40,7 +41,7 @@ OptionSpec dryRunOption()
 
 // show
 
-QString readableTags(const QString &name, const TagsObject &record)
+QString readableTags(const QString &name, const TagsObject &record, const StoredTags &stored)
 {
     QString text = printableLine(name) + u'\n';
     const auto add = [&text](const QString &caption, const QString &value) {
@@ -57,6 +58,9 @@ QString readableTags(const QString &name, const TagsObject &record)
         add(u"Picture"_s, pictureWords(*record.albumArt()));
     else if (record.albumArtFault())
         add(u"Picture"_s, *record.albumArtFault());
+    if (!stored.isEmpty())
+        text += u"    (%1 as stored; --json prints all of them)\n"_s.arg(
+            stored.size() == 1 ? u"1 tag"_s : u"%1 tags"_s.arg(stored.size()));
     return text;
 }
 
@@ -85,7 +89,7 @@ public:
                 const StoredTags stored = storedTags::read(*tagFiles::formatOf(path), path);
                 if (isJson)
                     return tagsJson::objectOf(run.nameOf(path), path, record, stored);
-                run.print(readableTags(run.nameOf(path), record));
+                run.print(readableTags(run.nameOf(path), record, stored));
                 return {};
             });
         }
@@ -94,45 +98,6 @@ public:
 };
 
 // Writing
-
-/// Number and total share one item of MP3 and M4A files: the one that is not given stays as it is.
-void addOtherHalves(TagWriting &writing)
-{
-    const TagFormat format = *tagFiles::formatOf(writing.path);
-    if (format != TagFormat::Mp3 && format != TagFormat::Mp4)
-        return;
-    TagsObject &record = writing.record;
-    const bool hasHalfTrack = record.trackText().has_value() != record.trackTotalText().has_value();
-    const bool hasHalfDisc = record.discText().has_value() != record.discTotalText().has_value();
-    if (!hasHalfTrack && !hasHalfDisc)
-        return;
-    const TagsObject stored = tagFiles::read(writing.path).value_or(TagsObject());
-    if (hasHalfTrack && !record.trackText())
-        record.setTrackText(stored.trackText());
-    else if (hasHalfTrack)
-        record.setTrackTotalText(stored.trackTotalText());
-    if (hasHalfDisc && !record.discText())
-        record.setDiscText(stored.discText());
-    else if (hasHalfDisc)
-        record.setDiscTotalText(stored.discTotalText());
-}
-
-/// Writes the record, or tells what that would change.
-QJsonObject writeOrTell(FilesRun &run, TagWriting writing, bool writeEmptyTags, bool isTrial)
-{
-    if (!writeEmptyTags)
-        addOtherHalves(writing);
-    if (isTrial)
-        return run.tellChanges(writing.path, tagPreview::changesOf(writing, writeEmptyTags));
-    if (const TagsObject::Text leftOut = tagFiles::write(writing.path, writing.record, writeEmptyTags))
-        throw NurvFailure(u"the picture was not written, all other tags were: %1"_s.arg(*leftOut));
-    return {{u"type"_s, u"written"_s}, {u"file"_s, run.nameOf(writing.path)}, {u"path"_s, writing.path}};
-}
-
-bool hasApeTags(TagFormat format)
-{
-    return format == TagFormat::Ape || format == TagFormat::Wavpack;
-}
 
 bool isNumberInApeTags(const TagField &field)
 {
@@ -150,7 +115,7 @@ void tellOfNoEffect(FilesRun &run, const TagsObject &record)
             run.note(
                 u"%1 has no effect on %2 of %3 files: %4"_s.arg(option).arg(number).arg(run.files().size()).arg(kinds));
     };
-    const auto apeFiles = count(hasApeTags);
+    const auto apeFiles = count(tagsWriting::hasApeTags);
     for (const TagField &field : tagFields()) {
         const TagsObject::Text &text = (record.*field.text)();
         if (!text)
@@ -167,17 +132,6 @@ void tellOfNoEffect(FilesRun &run, const TagsObject &record)
              u"only FLAC files take it"_s);
     if (record.albumArt())
         tell(u"--picture"_s, apeFiles, u"Monkey's Audio and WavPack files take no picture"_s);
-}
-
-/// Whether a file of the format gets any of the tags.
-bool takesAnyOf(const TagsObject &record, TagFormat format)
-{
-    const auto &fields = tagFields();
-    const bool takesText = std::any_of(fields.begin(), fields.end(), [&](const TagField &field) {
-        return (record.*field.text)() && (field.isInApeTags || !hasApeTags(format));
-    });
-    return takesText || (record.albumArt() && !hasApeTags(format))
-           || (!record.customTagsDictionary().isEmpty() && format == TagFormat::Flac);
 }
 
 class TagsSetCommand final : public Command {
@@ -211,9 +165,7 @@ public:
             run.setJournal(tagFiles::beginJournal(run.files()));
         for (const QString &path : run.files()) {
             run.forFile(path, [&] {
-                if (!arguments.has(u"empty"_s) && !takesAnyOf(record, *tagFiles::formatOf(path)))
-                    throw NurvFailure(u"files of its kind take none of these tags"_s);
-                return writeOrTell(run, {.path = path, .record = record}, arguments.has(u"empty"_s), isTrial);
+                return tagsWriting::writeOrTell(run, {.path = path, .record = record}, arguments.has(u"empty"_s), isTrial);
             });
         }
         return run.finish(isTrial ? u"looked at, none written"_s : u"written"_s);
@@ -264,26 +216,11 @@ private:
              .manual =
                  u"Gives every file in the output of *tags show --json* back all of its tags: those in the file now "
                  u"go. "
-                 "\"-\" is standard input. Where _FILE_s are named, too, only they are written, and one that lies "
+                 "\"-\" is standard input. What stands in \"stored\" counts; \"fields\" and \"custom\" are written where "
+                 u"that is taken out. Where _FILE_s are named, too, only they are written, and one that lies "
                  "elsewhere now is known by its name."_s,
              .namesFiles = true},
             dryRunOption()};
-    }
-    /// Names that have options of their own would be written twice, and which one stays nobody could tell.
-    static void checkCustomName(const TagsObject &record, const QString &name)
-    {
-        static const QMap<QString, QString> options{
-            {u"TITLE"_s, u"title"_s},          {u"ARTIST"_s, u"artist"_s},
-            {u"ALBUM"_s, u"album"_s},          {u"DATE"_s, u"date"_s},
-            {u"GENRE"_s, u"genre"_s},          {u"COMPOSER"_s, u"composer"_s},
-            {u"TRACKNUMBER"_s, u"track"_s},    {u"DISCNUMBER"_s, u"disc"_s},
-            {u"COMMENT"_s, u"comment"_s},      {u"TRACKTOTAL"_s, u"track-total"_s},
-            {u"DISCTOTAL"_s, u"disc-total"_s}, {u"DESCRIPTION"_s, u"comment"_s}};
-        if (const QString option = options.value(name.toUpper()); !option.isEmpty())
-            throw UsageError(u"--custom %1: there is --%2 for it"_s.arg(name, option));
-        const QStringList given = record.customTagsDictionary().keys();
-        if (given.contains(name, Qt::CaseInsensitive))
-            throw UsageError(u"--custom: %1 is given twice"_s.arg(name));
     }
     static TagsObject recordOf(const ParsedArguments &arguments)
     {
@@ -301,9 +238,11 @@ private:
             const QString name = custom.left(std::max<qsizetype>(equals, 0)).trimmed();
             if (name.isEmpty() || equals + 1 == custom.size())
                 throw UsageError(u"--custom takes NAME=VALUE, not \"%1\""_s.arg(custom));
-            if (!TagLibTagsHelper::isFlacFieldName(name))
-                throw UsageError(u"--custom: the name \"%1\" has other characters than those of ASCII"_s.arg(name));
-            checkCustomName(record, name);
+            if (const std::optional<QString> fault = tagsWriting::faultOfCustomName(name))
+                throw UsageError(u"--custom %1"_s.arg(*fault));
+            const QStringList given = record.customTagsDictionary().keys();
+            if (given.contains(name, Qt::CaseInsensitive))
+                throw UsageError(u"--custom: %1 is given twice"_s.arg(name));
             record.customTagsDictionary().insert(name, custom.sliced(equals + 1));
             isGiven = true;
         }
@@ -367,14 +306,23 @@ private:
             run.fail(cue, u"nothing is written: a sound that takes no tags has a place in the order; name the files"_s);
             return run.finish(u"written"_s);
         }
+        // A later title or performer would stand for those of the album.
+        if (titles == 0 && names.trackLines > 0) {
+            run.fail(cue, u"its tracks do not begin with \"TRACK 01 AUDIO\": nothing is written"_s);
+            return run.finish(u"written"_s);
+        }
+        // The titles behind a missing one would go to its neighbours.
+        if (titles > 0 && titles != names.trackLines) {
+            run.fail(cue, u"there are %1 titles for its %2 tracks: nothing is written"_s.arg(titles).arg(names.trackLines));
+            return run.finish(u"written"_s);
+        }
         if (titles == 0 && !names.album.albumText() && !names.album.artistText()) {
             run.fail(cue, u"there are no names in it"_s);
             return run.finish(u"written"_s);
         }
         if (titles == 0) {
             run.note(
-                u"%1: no titles, since no line begins with \"TRACK 01 AUDIO\": only album and artist are written"_s.arg(
-                    cue));
+                u"%1: it has no tracks: only album and artist are written"_s.arg(cue));
         } else if (titles < run.files().size()) {
             run.fail(cue, u"Number of selected files to tag is greater than number of track names entered"_s);
             return run.finish(u"written"_s);
@@ -390,7 +338,7 @@ private:
                 writing.record.setTitleText(names.titles.at(i));
                 writing.record.setTrackText(QString::number(i + 1));
             }
-            run.forFile(writing.path, [&] { return writeOrTell(run, writing, false, isTrial); });
+            run.forFile(writing.path, [&] { return tagsWriting::writeOrTell(run, writing, false, isTrial); });
         }
         return run.finish(isTrial ? u"looked at, none written"_s : u"written"_s);
     }
