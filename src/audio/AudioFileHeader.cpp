@@ -347,6 +347,22 @@ void AudioFileHeader::lookForMoreSound()
     m_holdsMoreSound = tracks > 1 || (m_isLossless && m_mediaLength > m_length);
 }
 
+std::optional<std::int64_t> AudioFileHeader::framesBeforeCut() const
+{
+    const int rate = static_cast<int>(m_format.sampleRate);
+    if (!isMpeg4(*container()) || rate <= 0)
+        return std::nullopt;
+    const auto isCut = [this](const AVIndexEntry &entry) { return entry.pos + entry.size > m_facts.st_size; };
+    const int count = avformat_index_get_entries_count(m_stream);
+    if (count == 0 || !isCut(*avformat_index_get_entry(m_stream, count - 1)))
+        return std::nullopt;
+    int first = count - 1;
+    while (first > 0 && isCut(*avformat_index_get_entry(m_stream, first - 1)))
+        --first;
+    const std::int64_t time = avformat_index_get_entry(m_stream, first)->timestamp;
+    return std::max<std::int64_t>(av_rescale_q(time, m_stream->time_base, AVRational{1, rate}), 0);
+}
+
 void AudioFileHeader::measure()
 {
     const AVFormatContext &format = *container();

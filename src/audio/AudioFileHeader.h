@@ -55,6 +55,10 @@ public:
     [[nodiscard]] bool hasOneEdit() const { return m_hasOneEdit; }
     [[nodiscard]] std::int64_t firstFrame() const { return m_firstFrame; }
 
+    /// Where the file ends before the last packet of its track does: how many frames there are before the first packet that
+    /// is not there to its end. Of an MPEG-4 file; nothing when all packets are there.
+    [[nodiscard]] std::optional<std::int64_t> framesBeforeCut() const;
+
     /// Whether the file holds sound that is not in those frames: a further track, or what
     /// the edit list of a lossless file hides.
     [[nodiscard]] bool holdsMoreSound() const { return m_holdsMoreSound; }

@@ -75,8 +75,8 @@ AudioFileStatus AudioFileReader::Source::setClientFormat(const AudioStreamDescri
 {
     const AudioStreamDescription file = m_header->format();
     const bool isFloat = file.formatId == kFormatLinearPCM && (file.formatFlags & kFlagFloat) != 0;
-    const bool losesBits =
-        isFloat ? precision == Precision::Exact : m_header->isLossless() && format.bitsPerChannel < file.bitsPerChannel;
+    const bool isNarrower = m_header->isLossless() && format.bitsPerChannel < file.bitsPerChannel;
+    const bool losesBits = precision == Precision::Exact && (isFloat || isNarrower);
     const bool fits = format.channelsPerFrame == file.channelsPerFrame && format.channelsPerFrame > 0
                       && format.channelsPerFrame <= kMostChannels && format.sampleRate == file.sampleRate
                       && format.sampleRate > 0;

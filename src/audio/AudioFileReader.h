@@ -48,8 +48,8 @@ public:
 
     /// Says how `read` delivers samples: big-endian signed packed integers of 8, 16,
     /// 24 or 32 bits with the file's own sample rate and channels. Any other form is
-    /// refused, and so are integers that are narrower than the samples of a lossless
-    /// file. With Precision::Exact floating-point samples are refused, too.
+    /// refused; with Precision::Exact also integers that are narrower than the samples of
+    /// a lossless file, and floating-point samples.
     [[nodiscard]] AudioFileStatus setClientFormat(const AudioStreamDescription &format, Precision precision);
 
     /// Reads `frames` frames into `buffer` and leaves in `frames` how many came: fewer

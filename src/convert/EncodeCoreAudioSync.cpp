@@ -9,6 +9,9 @@
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskResults.h"
 
+#include <algorithm>
+#include <array>
+#include <cmath>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -47,6 +50,8 @@ void check(AudioFileStatus status, const QString &logText, const QString &reason
     check(status, reason);
 }
 
+constexpr std::uint32_t kRoundedBits = 24;
+
 std::uint32_t workingBits(const AudioStreamDescription &source)
 {
     if (source.formatId != kFormatAppleLossless)
@@ -75,13 +80,31 @@ AudioStreamDescription workingFormat(const AudioStreamDescription &source)
     return working;
 }
 
+double aacRate(double sourceRate)
+{
+    if (sourceRate == 96000.0 || sourceRate == 192000.0)
+        return 48000.0;
+    if (sourceRate == 88200.0 || sourceRate == 176400.0)
+        return 44100.0;
+    return sourceRate;
+}
+
+/// The sample rates of MPEG-4 AAC (ISO/IEC 14496-3, table 1.18).
+bool takesAacRate(double rate)
+{
+    constexpr std::array kRates{96000, 88200, 64000, 48000, 44100, 32000, 24000, 22050, 16000, 12000, 11025, 8000, 7350};
+    return std::find(kRates.begin(), kRates.end(), static_cast<int>(std::lround(rate))) != kRates.end();
+}
+
 /// What a source has that an output of the kind cannot hold, in a user's words; empty when there is nothing.
 QString obstacleIn(const AudioStreamDescription &source, const AudioStreamDescription &working, FourCharCode formatType,
                    const QString &formatName)
 {
     constexpr std::uint32_t kMostChannels = 8;
     if (formatType == kFormatAAC && source.channelsPerFrame <= kMostChannels)
-        return {};
+        return takesAacRate(aacRate(source.sampleRate))
+                   ? QString()
+                   : u"AAC has no sample rate of %1 Hz"_s.arg(std::lround(source.sampleRate));
     if (source.channelsPerFrame > kMostChannels)
         return u"it has %1 channels, and %2 is written with up to %3"_s.arg(source.channelsPerFrame)
             .arg(formatName)
@@ -92,15 +115,6 @@ QString obstacleIn(const AudioStreamDescription &source, const AudioStreamDescri
     if (formatType == kFormatAppleLossless && bits != 16 && bits != 24)
         return u"its samples have %1 bits, and %2 is written with 16 or 24"_s.arg(bits).arg(formatName);
     return {};
-}
-
-double aacRate(double sourceRate)
-{
-    if (sourceRate == 96000.0 || sourceRate == 192000.0)
-        return 48000.0;
-    if (sourceRate == 88200.0 || sourceRate == 176400.0)
-        return 44100.0;
-    return sourceRate;
 }
 
 AudioEncoder &converterOf(AudioFileWriter &output)
@@ -148,12 +162,17 @@ void EncodeCoreAudioSync::convert(AudioFileReader &source, AudioFileWriter &outp
     check(source.lengthFrames(totalFrames),
           u"input ExtAudioFileGetProperty kExtAudioFileProperty_FileLengthFrames failed %1"_s);
 
-    const AudioStreamDescription working = workingFormat(format);
-    m_obstacle = obstacleIn(format, working, m_formatType, m_formatStringValue);
+    AudioStreamDescription integers = format;
+    if (isRounded(format)) {
+        integers.formatFlags &= ~kFlagFloat;
+        integers.bitsPerChannel = kRoundedBits;
+    }
+    const AudioStreamDescription working = workingFormat(integers);
+    m_obstacle = obstacleIn(integers, working, m_formatType, m_formatStringValue);
     check(output.create(m_outFile, m_fileType, outputFormat(format, working), source),
           u"ExtAudioFileCreateWithURL failed %1"_s);
     const auto precision =
-        m_formatType == kFormatAAC ? AudioFileReader::Precision::Rounded : AudioFileReader::Precision::Exact;
+        m_formatType == kFormatAAC || m_mayRound ? AudioFileReader::Precision::Rounded : AudioFileReader::Precision::Exact;
     check(source.setClientFormat(working, precision),
           u"ExtAudioFileSetProperty inFile, kExtAudioFileProperty_ClientDataFormat failed"_s);
     const AudioFileStatus status = output.setClientFormat(working);
@@ -171,6 +190,12 @@ void EncodeCoreAudioSync::convert(AudioFileReader &source, AudioFileWriter &outp
     // asks whether a cancelled conversion is complete.
     if (const AudioFileStatus closed = output.close(); !m_task.cancelled())
         check(closed, u"ExtAudioFileWrite failed"_s);
+}
+
+bool EncodeCoreAudioSync::isRounded(const AudioStreamDescription &source) const
+{
+    return m_mayRound && source.formatId == kFormatLinearPCM
+           && ((source.formatFlags & kFlagFloat) != 0 || source.bitsPerChannel > kRoundedBits);
 }
 
 AudioStreamDescription EncodeCoreAudioSync::outputFormat(const AudioStreamDescription &source,

@@ -39,6 +39,10 @@ public:
     void setMode(std::uint32_t mode) { m_mode = mode; }
     [[nodiscard]] std::uint32_t mode() const { return m_mode; }
 
+    /// Samples of floating point and of more than 24 bits may be rounded to integers of 24: of a sound that a lossy encoder
+    /// gets.
+    void setMayRound(bool mayRound) { m_mayRound = mayRound; }
+
     /// The name of the output format in messages; null for a format type that is unknown.
     [[nodiscard]] const QString &formatStringValue() const { return m_formatStringValue; }
 
@@ -63,6 +67,7 @@ private:
     void copy(AudioFileReader &source, AudioFileWriter &output, const AudioStreamDescription &working,
               std::int64_t totalFrames);
     void showProgress(double percent);
+    [[nodiscard]] bool isRounded(const AudioStreamDescription &source) const;
     [[nodiscard]] AudioStreamDescription outputFormat(const AudioStreamDescription &source,
                                                       const AudioStreamDescription &working) const;
     void setAACSettings(AudioFileWriter &output);
@@ -79,6 +84,7 @@ private:
     std::uint32_t m_bitrate = 0;
     std::uint32_t m_quality = 0;
     std::uint32_t m_mode = 0;
+    bool m_mayRound = false;
     bool m_leavesSoundBehind = false;
 };
 

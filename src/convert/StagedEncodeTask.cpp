@@ -60,9 +60,9 @@ std::optional<ProgramStage> StagedEncodeTask::decodingToWav(const QString &made)
     return {};
 }
 
-void StagedEncodeTask::convertToWav(const QString &source, const QString &wav)
+void StagedEncodeTask::convertToWav(const QString &source, const QString &wav, AudioFileReader::Precision precision)
 {
-    convertAudio(source, wav, kFormatLinearPCM, kFileWave);
+    convertAudio(source, wav, kFormatLinearPCM, kFileWave, {}, precision);
 }
 
 ProgramStage StagedEncodeTask::withoutStatus(ProgramStage stage)

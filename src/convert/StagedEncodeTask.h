@@ -19,7 +19,9 @@ protected:
     /// The program that decodes the source to a WAV file; nothing for a source that none of them reads.
     [[nodiscard]] std::optional<ProgramStage> decodingToWav(const QString &made) const;
     /// Makes a WAV file of what the audio service reads. A failure sets the error flag.
-    void convertToWav(const QString &source, const QString &wav);
+    /// `precision`: whether floating-point samples and those of more bits may be rounded to integers of 24.
+    void convertToWav(const QString &source, const QString &wav,
+                      AudioFileReader::Precision precision = AudioFileReader::Precision::Exact);
     /// AIFF sources by way of a temporary WAV, all others as they are.
     void encodeWav();
     /// Every source by way of a temporary WAV.

@@ -182,7 +182,8 @@ void StagedTask::checkTemporaryWav(const QString &wav)
 }
 
 bool StagedTask::convertAudio(const QString &source, const QString &file, FourCharCode formatType,
-                              FourCharCode fileType, const AudioEncoderSettings &settings)
+                              FourCharCode fileType, const AudioEncoderSettings &settings,
+                              AudioFileReader::Precision precision)
 {
     if (cancelled())
         return false;
@@ -190,6 +191,7 @@ bool StagedTask::convertAudio(const QString &source, const QString &file, FourCh
     conversion.setBitrate(settings.bitRate);
     conversion.setQuality(settings.quality);
     conversion.setMode(settings.bitRateMode);
+    conversion.setMayRound(precision == AudioFileReader::Precision::Rounded);
     conversion.doEncodeCall();
     if (conversion.leavesSoundBehind()) {
         const QString problem =

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "audio/AudioEncoder.h"
+#include "audio/AudioFileReader.h"
 #include "audio/AudioStreamDescription.h"
 #include "convert/Conversion.h"
 #include "engine/NURVInProcessTask.h"
@@ -78,7 +79,8 @@ protected:
     /// Converts `source` to `file` by the audio service. A failure sets the error flag.
     /// False: it failed, or the job was cancelled.
     bool convertAudio(const QString &source, const QString &file, FourCharCode formatType, FourCharCode fileType,
-                      const AudioEncoderSettings &settings = {});
+                      const AudioEncoderSettings &settings = {},
+                      AudioFileReader::Precision precision = AudioFileReader::Precision::Exact);
     /// The same to the job's output. A conversion that fails or is cancelled leaves there
     /// what was there before.
     void convertToOutput(const QString &source, FourCharCode formatType, FourCharCode fileType,

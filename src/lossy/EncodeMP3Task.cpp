@@ -99,7 +99,9 @@ QString EncodeMP3Task::intermediateFile() const
 
 void EncodeMP3Task::doEncodeCall()
 {
-    if (formatWord(fileName()) != u"M4A") {
+    const QString format = formatWord(fileName());
+    // lame brings floating-point samples to full level, each file by a factor of its own.
+    if (format != u"M4A" && !(format == u"WAV" && hasFloatingPoint())) {
         encode(fileName());
         return;
     }

@@ -64,12 +64,13 @@ bool EncodeOpusTask::goesThroughWav() const
     const QString format = formatWord(fileName());
     if (needsDecoder() || format == u"M4A")
         return true;
-    // opusenc reads AIFF of these widths only, whatever the file's name says.
+    // opusenc reads AIFF of 8 and 16 bits only, and no WAV of integers above 24, whatever the file's name says.
     QFile source(fileName());
-    if (!source.open(QIODevice::ReadOnly) || source.read(4) != "FORM")
-        return false;
+    const QByteArray beginning = source.open(QIODevice::ReadOnly) ? source.read(4) : QByteArray();
     const int bits = soundLength(fileName()).value_or(SoundLength{}).bitsPerSample;
-    return bits != 0 && bits != 8 && bits != 16;
+    if (beginning == "FORM")
+        return bits != 0 && bits != 8 && bits != 16;
+    return beginning == "RIFF" && bits == 32 && !hasFloatingPoint();
 }
 
 void EncodeOpusTask::encode(const QString &input)

@@ -3,6 +3,7 @@
 #include "lossy/LossyEncodeTask.h"
 
 #include "app/PathNames.h"
+#include "audio/AudioFileHeader.h"
 #include "originals/StageFile.h"
 
 #include <QFileInfo>
@@ -28,6 +29,13 @@ QString LossyEncodeTask::decodingStatus() const
     return u"Decoding %1 to Wav"_s.arg(format);
 }
 
+bool LossyEncodeTask::hasFloatingPoint() const
+{
+    AudioFileStatus status = AudioFileStatus::Ok;
+    const auto header = AudioFileHeader::read(fileName(), status);
+    return header && header->format().formatId == kFormatLinearPCM && (header->format().formatFlags & kFlagFloat) != 0;
+}
+
 void LossyEncodeTask::encodeDecoded(const std::function<void(const QString &wav)> &encode)
 {
     if (cancelled())
@@ -44,7 +52,7 @@ void LossyEncodeTask::encodeDecoded(const std::function<void(const QString &wav)
         }
         checkTemporaryWav(wav.path());
     } else {
-        convertToWav(fileName(), wav.path());
+        convertToWav(fileName(), wav.path(), AudioFileReader::Precision::Rounded);
     }
     if (!error() && !cancelled())
         encode(wav.path());

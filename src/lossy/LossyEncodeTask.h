@@ -21,6 +21,8 @@ protected:
 
     /// Whether one of the programs has to decode the source before it is encoded.
     [[nodiscard]] bool needsDecoder() const { return decoding(outputFile()).has_value(); }
+    /// Whether the samples of the source are floating-point numbers.
+    [[nodiscard]] bool hasFloatingPoint() const;
     /// "Decoding FLAC to Wav", and so on for the other formats.
     [[nodiscard]] QString decodingStatus() const;
     /// Makes a temporary WAV of the source, by its program or by the audio service, and has it encoded. What

@@ -56,6 +56,12 @@ SoundLengthCheck SoundLengthCheck::ofLossy(const QString &source, const QString 
     const std::int64_t frames = made->declaredFrames.value_or(made->roughFrames.value_or(kUnknown));
     if (frames == 0)
         return {u"its output holds no sound"_s, true};
+    if (wanted == 0)
+        return {u"it holds no sound"_s, true};
+    if (made->heldFrames && made->declaredFrames && *made->heldFrames < *made->declaredFrames)
+        return {u"its output is not whole: its header promises %1 samples, it holds %2"_s.arg(*made->declaredFrames)
+                    .arg(*made->heldFrames),
+                true};
     if (wanted == kUnknown || frames == kUnknown || before->sampleRateHz <= 0 || made->sampleRateHz <= 0)
         return {std::nullopt, false};
     if (before->channels != made->channels)

@@ -49,8 +49,9 @@ std::optional<SoundLength> demuxedLength(const RegularFile &file)
     if (!header)
         return std::nullopt;
     const AudioStreamDescription format = header->format();
+    const std::optional<std::int64_t> beforeCut = header->framesBeforeCut();
     return SoundLength{.declaredFrames = header->isLengthExact() ? std::optional(header->lengthFrames()) : std::nullopt,
-                       .heldFrames = header->tableFrames(),
+                       .heldFrames = beforeCut ? beforeCut : header->tableFrames(),
                        .roughFrames = header->lengthFrames() > 0 ? std::optional(header->lengthFrames()) : std::nullopt,
                        .isBacked = true,
                        .sampleRateHz = static_cast<int>(format.sampleRate),

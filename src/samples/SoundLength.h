@@ -16,8 +16,8 @@ struct SoundLength {
     std::optional<std::int64_t> declaredFrames;
     /// After what else tells. WAV and AIFF: the size; to the end of the file when a crashed
     /// recorder left a size of 0 or of 0xFFFFFFFF, or when the sound goes on behind what the
-    /// header counts. FLAC: the last frame's own number. MPEG-4: the table of durations,
-    /// where it and the header do not agree.
+    /// header counts. FLAC: the last frame's own number. MPEG-4: what is there of a file that ends early, else the table
+    /// of durations, where it and the header do not agree.
     std::optional<std::int64_t> heldFrames;
     /// Of a lossy file whose header does not tell to the sample: what its frames or pages come to, the encoder's
     /// fillings included.

@@ -151,7 +151,8 @@ TEST(AudioFileReader, RefusesClientFormatsThatAreNotTheFiles)
     EXPECT_FALSE(refuses(good));
     EXPECT_TRUE(refuses(clientFormat(44100, 24, 2))) << "another sample rate";
     EXPECT_TRUE(refuses(clientFormat(48000, 24, 1))) << "fewer channels";
-    EXPECT_TRUE(refuses(clientFormat(48000, 16, 2))) << "fewer bits";
+    EXPECT_FALSE(refuses(clientFormat(48000, 16, 2))) << "fewer bits, where they may be rounded";
+    EXPECT_EQ(reader.setClientFormat(clientFormat(48000, 16, 2), Precision::Exact), AudioFileStatus::UnsupportedDataFormat);
     EXPECT_TRUE(refuses(clientFormat(48000, 20, 2))) << "20 bits in 2 bytes";
     EXPECT_TRUE(refuses(clientFormat(48000, 64, 2)));
     AudioStreamDescription other = good;

@@ -8,6 +8,13 @@
 #include "lossy/EncodeMP3Task.h"
 #include "lossy/EncodeOpusTask.h"
 
+#include <QtEndian>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+
 namespace nurv::test {
 
 /// Jobs that encode lossily, with real programs.
@@ -60,6 +67,22 @@ protected:
     {
         EXPECT_EQ(out.list(), QStringList{u"a."_s + extension});
         return out.path(u"a."_s + extension);
+    }
+    /// The root mean square of each of two channels, after another decoder; full scale is 1.
+    [[nodiscard]] static std::array<double, 2> levels(const QString &path)
+    {
+        const auto decoded = runProgram(u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-nostdin"_s, u"-i"_s, path, u"-f"_s,
+                                                      u"s16le"_s, u"-ac"_s, u"2"_s, u"-"_s});
+        EXPECT_EQ(decoded.exitStatus, 0);
+        std::array<double, 2> sums{};
+        const qsizetype frames = decoded.output.size() / 4;
+        for (qsizetype at = 0; at < 2 * frames; ++at) {
+            const double sample = qFromLittleEndian<qint16>(decoded.output.constData() + 2 * at) / 32768.0;
+            sums.at(static_cast<std::size_t>(at % 2)) += sample * sample;
+        }
+        for (double &sum : sums)
+            sum = std::sqrt(sum / static_cast<double>(std::max<qsizetype>(frames, 1)));
+        return sums;
     }
     /// Seconds of sound after another decoder, which leaves out what the encoder filled up with.
     [[nodiscard]] static double decodedSeconds(const QString &path, int rate)

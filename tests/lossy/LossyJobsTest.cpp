@@ -6,7 +6,12 @@
 #include "support/FileSizeLimit.h"
 
 #include <QDir>
+#include <QFile>
 #include <QRegularExpression>
+#include <QtEndian>
+
+#include <algorithm>
+#include <cstdlib>
 
 using namespace Qt::StringLiterals;
 
@@ -62,6 +67,33 @@ TEST_F(LossyJobsTest, MakesAnMp3OfAppleLosslessUnderTheNameOfItsTemporaryWav)
     EXPECT_TRUE(statuses.contains(u"Decoding ALAC to Wav"_s)) << qPrintable(statuses.join(u'|'));
     EXPECT_TRUE(statuses.contains(u"Encoding to LAME MP3"_s));
     EXPECT_TRUE(statuses.contains(u"Copying M4A Tags"_s));
+}
+
+TEST_F(LossyJobsTest, FloatingPointSamplesKeepTheirLevel)
+{
+    const auto peakOf = [](const QString &path) {
+        const auto decoded =
+            test::runProgram(u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-nostdin"_s, u"-i"_s, path, u"-f"_s, u"s16le"_s, u"-"_s});
+        EXPECT_EQ(decoded.exitStatus, 0);
+        int peak = 0;
+        for (qsizetype at = 0; at + 1 < decoded.output.size(); at += 2)
+            peak = std::max(peak, std::abs(int{qFromLittleEndian<qint16>(decoded.output.constData() + at)}));
+        return peak;
+    };
+    for (const QString &coding : {u"pcm_f32le"_s, u"pcm_f64le"_s}) {
+        const QString source = test::writeByFfmpeg(folder.path(u"a.wav"_s), {.seconds = 1.0},
+                                                   {u"-af"_s, u"volume=0.1"_s, u"-c:a"_s, coding});
+        const int before = peakOf(source);
+        ASSERT_GT(before, 500);
+        ASSERT_LT(before, 6000);
+        for (const std::shared_ptr<StagedTask> &task :
+             std::initializer_list<std::shared_ptr<StagedTask>>{makeMp3(source, u"CBR"_s, 320), makeMp3(source, u"VBR"_s, 0)}) {
+            runJob(task);
+            EXPECT_FALSE(task->error()) << qPrintable(task->report());
+            EXPECT_NEAR(peakOf(output(u"mp3"_s)), before, before / 5) << qPrintable(coding);
+            ASSERT_TRUE(QFile::remove(output(u"mp3"_s)));
+        }
+    }
 }
 
 TEST_F(LossyJobsTest, NamesTheMp3OfASourceWhoseExtensionShntoolDoesNotKnow)
@@ -318,14 +350,44 @@ TEST_F(LossyJobsTest, PassesOverOutputsThatAreThereOnlyWhenTheyAreWhole)
         run();
         EXPECT_TRUE(endedTasks.empty()) << "it is there already";
         const QString made = out.path(out.list().at(0));
-        if (encoder != u"AAC") {
-            ASSERT_TRUE(QFile::resize(made, QFileInfo(made).size() / 2));
-            run();
-            ASSERT_EQ(endedTasks.size(), 1U);
-            EXPECT_TRUE(endedTasks[0]->error());
-            EXPECT_TRUE(endedTasks[0]->outcome().problem.contains(u"not whole"_s)) << qPrintable(endedTasks[0]->outcome().problem);
-        }
+        ASSERT_TRUE(QFile::resize(made, QFileInfo(made).size() / 2));
+        run();
+        ASSERT_EQ(endedTasks.size(), 1U);
+        EXPECT_TRUE(endedTasks[0]->error());
+        EXPECT_TRUE(endedTasks[0]->outcome().problem.contains(u"not whole"_s)) << qPrintable(endedTasks[0]->outcome().problem);
         ASSERT_TRUE(QFile::remove(made));
+    }
+}
+
+TEST_F(LossyJobsTest, ASourceWithoutSoundBecomesNothing)
+{
+    const QString wav = test::writeWav(folder.path(u"a.wav"_s), {.seconds = 0.0});
+    for (const std::shared_ptr<StagedTask> &task :
+         std::initializer_list<std::shared_ptr<StagedTask>>{makeMp3(wav), makeAac(wav), makeOpus(wav)}) {
+        task->setDeleteOriginal(true);
+        runJob(task);
+        EXPECT_TRUE(task->error());
+        EXPECT_TRUE(QFile::exists(wav));
+        for (const QString &left : out.list())
+            ASSERT_TRUE(QFile::remove(out.path(left)));
+    }
+}
+
+TEST_F(LossyJobsTest, NamesRatesThatAacDoesNotHave)
+{
+    const auto task = runJob(makeAac(test::writeWav(folder.path(u"a.wav"_s), {.rate = 384000, .seconds = 0.2})));
+    EXPECT_TRUE(task->error());
+    EXPECT_EQ(task->outcome().problem, u"AAC has no sample rate of 384000 Hz"_s);
+}
+
+TEST_F(LossyJobsTest, OpusOfWideSamplesGoesByWayOfNarrowerOnes)
+{
+    for (const QString &source : {test::writeWav(folder.path(u"a.wav"_s), {.bits = 32}),
+                                  test::writeAiff(folder.path(u"a.aiff"_s), {.bits = 32})}) {
+        const auto task = runJob(makeOpus(source));
+        EXPECT_FALSE(task->error()) << qPrintable(source) << qPrintable(task->report());
+        EXPECT_NEAR(20.0 * std::log10(levels(output(u"opus"_s)).at(0) / levels(source).at(0)), 0.0, 0.5);
+        ASSERT_TRUE(QFile::remove(output(u"opus"_s)));
     }
 }
 

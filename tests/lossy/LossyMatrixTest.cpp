@@ -42,6 +42,9 @@ protected:
         const double seconds = decodedSeconds(path, kRate);
         EXPECT_GT(seconds, kSeconds - 0.001);
         EXPECT_LT(seconds, kSeconds + (codec == u"aac" ? 1024.0 / kRate : 0.001));
+        const QString reference = test::writeWav(folder.path(u"reference.wav"_s), shape());
+        for (std::size_t channel = 0; channel < 2; ++channel)
+            EXPECT_NEAR(20.0 * std::log10(levels(path).at(channel) / levels(reference).at(channel)), 0.0, 0.5) << channel;
     }
     void removeOutput(const QString &path) { ASSERT_TRUE(QFile::remove(path)); }
 };
