@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -161,7 +162,7 @@ void BaseTab::addButtonClick()
 void BaseTab::clearFiles()
 {
     m_fileNames.clear();
-    m_bases.clear();
+    remember(std::exchange(m_bases, {}));
     announceList();
 }
 
@@ -180,11 +181,38 @@ QStringList BaseTab::listedExtensions() const
 
 void BaseTab::removeIf(const std::function<bool(const QString &path)> &isUnwanted)
 {
+    Removal removal;
     m_fileNames.removeIf([&](const QString &path) {
         const bool unwanted = isUnwanted(path);
         if (unwanted)
-            m_bases.remove(path);
+            removal.insert(path, m_bases.take(path));
         return unwanted;
+    });
+    remember(std::move(removal));
+}
+
+void BaseTab::remember(Removal removal)
+{
+    constexpr std::size_t kMostSteps = 50;
+    if (removal.isEmpty())
+        return;
+    m_removals.push_back(std::move(removal));
+    if (m_removals.size() > kMostSteps)
+        m_removals.pop_front();
+}
+
+void BaseTab::undoRemoval()
+{
+    m_controller.whenListsMayChange([tab = QPointer<BaseTab>(this)] {
+        if (!tab || tab->m_removals.empty())
+            return;
+        const Removal removal = std::move(tab->m_removals.back());
+        tab->m_removals.pop_back();
+        const qsizetype before = tab->m_fileNames.size();
+        tab->addMatchedFiles(removal.keys(), removal.values());
+        // They were all there again; what can be undone is another removal now.
+        if (tab->m_fileNames.size() == before)
+            tab->announceList();
     });
 }
 
@@ -208,7 +236,9 @@ void BaseTab::deleteSelectedRows(const QList<int> &rows)
 std::optional<QString> BaseTab::chooseOutputFolder()
 {
     try {
-        return m_controller.prompts().chooseFolder({.title = u"Choose output directory"_s, .option = u"output-dir"_s});
+        return m_controller.prompts().chooseFolder({.title = u"Choose output directory"_s,
+                                                    .option = u"output-dir"_s,
+                                                    .folderKey = outputFolderKey()});
     } catch (const std::exception &failure) {
         qCWarning(appLog) << "The output folder could not be chosen:" << failure.what();
         return std::nullopt;

@@ -12,6 +12,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <deque>
 #include <functional>
 #include <optional>
 
@@ -78,6 +79,14 @@ public:
     void filterGivenExtension(const QString &extension);
     /// Takes the files of these rows off the list. The view clears its selection.
     void deleteSelectedRows(const QList<int> &rows);
+
+    /// How many files `undoRemoval` would put back into the list; 0 when nothing was taken off.
+    [[nodiscard]] qsizetype removedCount() const { return m_removals.empty() ? 0 : m_removals.back().size(); }
+    /// Puts the files back that were taken off the list last, whoever did it: the user, or the tab when it had made jobs of
+    /// them. While a tab executes, it waits.
+    void undoRemoval();
+    /// The folder that was given when the file came, as a FileIntake has it.
+    [[nodiscard]] QString baseOf(const QString &path) const { return m_bases.value(path); }
     [[nodiscard]] virtual bool usesTableViewContextMenu() const { return true; }
 
     /// Shows and enables the options that matter for the current choices.
@@ -95,6 +104,9 @@ public:
 
     /// Whether the last press of the button did all that was asked for without a job.
     [[nodiscard]] virtual bool hasWorkedItself() const { return false; }
+
+    /// The setting with the output folder that was chosen last, in a window.
+    [[nodiscard]] QString outputFolderKey() const { return QStringLiteral("window/outputFolder/") + m_label; }
 
     /// How long the messages about refused files wait, so that they come after
     /// the drop has finished; 500 ms unless set. With 0 they come at once.
@@ -132,9 +144,13 @@ protected:
     [[nodiscard]] bool confirmDeletingOriginals(bool deleteOriginals);
 
 private:
+    /// The files of one removal with their bases.
+    using Removal = QHash<QString, QString>;
+
     void append(const QStringList &paths, const QStringList &bases);
     void takeCollected(const FileIntake &intake);
     void removeIf(const std::function<bool(const QString &path)> &isUnwanted);
+    void remember(Removal removal);
     void sortFileNames();
     void announceList();
     void showBadFileMessages(const QList<Alert> &messages);
@@ -144,6 +160,7 @@ private:
     QString m_pathToCommandLineTools;
     QStringList m_fileNames;
     QHash<QString, QString> m_bases; ///< of every listed file; empty: given itself
+    std::deque<Removal> m_removals; ///< the last one at the end
     QList<int> m_selectedRows;
     QStringList m_passedOver;
     int m_refusalMessageDelayMs = 500; // long enough for a drop to finish

@@ -66,6 +66,7 @@ BatchWatch::BatchWatch(NURVTaskQueue &queue, DesktopServices &services, BatchPro
     connect(&queue, &NURVTaskQueue::rowChanged, this, &BatchWatch::rowChanged);
     connect(&queue, &NURVTaskQueue::taskEnded, this, &BatchWatch::taskEnded);
     connect(&queue, &NURVTaskQueue::taskSettled, this, &BatchWatch::taskSettled);
+    connect(&queue, &NURVTaskQueue::heldChanged, this, &BatchWatch::flush);
     connect(&queue, &NURVTaskQueue::outputWindowRequested, this, [this](const QString &text, const QString &title) {
         if (m_state == State::Running && !text.trimmed().isEmpty())
             m_report = {text, title};
@@ -75,6 +76,11 @@ BatchWatch::BatchWatch(NURVTaskQueue &queue, DesktopServices &services, BatchPro
 BatchWatch::~BatchWatch()
 {
     *m_stopsLookingUp = true;
+}
+
+bool BatchWatch::isPaused() const
+{
+    return m_queue.isHeld();
 }
 
 void BatchWatch::beginBatch()

@@ -43,6 +43,8 @@ public:
     ~BatchWatch() override;
 
     [[nodiscard]] State state() const { return m_state; }
+    /// Whether waiting jobs are held back.
+    [[nodiscard]] bool isPaused() const;
     /// Of the batch that runs, or did last.
     [[nodiscard]] const BatchProgress &progress() const { return m_progress; }
     /// Complete once the batch is over.

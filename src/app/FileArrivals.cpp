@@ -85,6 +85,7 @@ void FileArrivals::deliver(const QString &label, const FileIntake &found)
         });
     else if (BaseTab *const page = m_controller.tab(label))
         page->addCollected(found);
+    Q_EMIT delivered(label, found);
 }
 
 void FileArrivals::routeByExtension(const FileIntake &found)

@@ -67,6 +67,8 @@ public:
 Q_SIGNALS:
     /// Files for the page are being looked for on another thread; no longer.
     void searchBegan(const QString &label);
+    /// What was found has reached its list, or is on its way there after a tab that executes.
+    void delivered(const QString &label, const nurv::FileIntake &found);
     void searchEnded(const QString &label);
 
 private:

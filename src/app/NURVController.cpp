@@ -16,6 +16,8 @@
 #include "files/FileStatus.h"
 #include "settings/SettingsStore.h"
 
+#include <QScopedValueRollback>
+
 #include <algorithm>
 #include <exception>
 #include <utility>
@@ -163,7 +165,10 @@ bool NURVController::execute(BaseTab &tab)
 {
     if (m_executions++ == 0)
         Q_EMIT executing();
-    const bool isDone = runAndTell([&tab] { tab.executeCommand(); });
+    const bool isDone = runAndTell([this, &tab] {
+        const QScopedValueRollback executing(m_executingTab, static_cast<const BaseTab *>(&tab));
+        tab.executeCommand();
+    });
     if (--m_executions > 0)
         return isDone;
     bool isAllDone = isDone;

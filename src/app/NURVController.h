@@ -101,6 +101,8 @@ public:
     /// lists then: the tab walks its list, and clears it, while it asks the user.
     /// False when it threw: the reason has been shown, and lists may change again.
     [[nodiscard]] bool execute(BaseTab &tab);
+    /// The tab that executes, the innermost one; null when none does.
+    [[nodiscard]] const BaseTab *executingTab() const { return m_executingTab; }
     /// Runs `change` at once, or after the tab that executes. GUI thread.
     void whenListsMayChange(const std::function<void()> &change);
     /// Whether searches of folders must give up. Any thread.
@@ -141,6 +143,7 @@ private:
     std::unique_ptr<FileArrivals> m_arrivals;
     QString m_selectedLabel;
     int m_executions = 0;
+    const BaseTab *m_executingTab = nullptr;
     QList<std::function<void()>> m_waitingChanges;
     std::atomic<bool> m_mustStopSearching = false;
 };

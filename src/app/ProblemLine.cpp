@@ -3,6 +3,7 @@
 #include "app/ProblemLine.h"
 
 #include "app/PathNames.h"
+#include "engine/NURVTask.h"
 #include "text/PrintableText.h"
 #include "text/RegularExpression.h"
 
@@ -144,6 +145,17 @@ QString problemLine(const QString &report, const QString &sourcePath, const QStr
     if (!reason.isEmpty())
         return reason;
     return vagueReason.isEmpty() ? u"it failed without a reason"_s : vagueReason;
+}
+
+QString reportHead(const NURVTask &task)
+{
+    const QString report = task.report().trimmed();
+    if (!task.error() || report.isEmpty())
+        return {};
+    const QString &problem = task.outcome().problem;
+    const QString reason = problem.isEmpty() ? problemLine(report, task.sourcePath(), {}) : problem;
+    const QString firstLine = report.section(u'\n', 0, 0);
+    return reason.isEmpty() || firstLine.contains(reason) ? QString() : printableLine(reason) + u"\n\n"_s;
 }
 
 } // namespace nurv

@@ -38,6 +38,8 @@ struct FileChooser {
     QString suggestedName = {};  ///< of a file to save
     /// The option that answers it on the command line; without one nothing is chosen there.
     QString option = {};
+    /// Where a window remembers the folder that was chosen last; empty: nowhere.
+    QString folderKey = {};
 };
 
 /// Everything that a tab or the application asks the user. The window answers

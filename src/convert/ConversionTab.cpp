@@ -39,6 +39,8 @@ void ConversionTab::executeCommand()
     shareResults(batch);
     queueJobs(batch);
     clearFiles();
+    // Whoever wants it for the next files says so again.
+    deleteOriginalsButton.setOn(false);
 }
 
 bool ConversionTab::chooseOutput(Batch &batch)

@@ -98,13 +98,16 @@ void NURVTaskQueue::addTask(const std::shared_ptr<NURVTask> &task)
 
 void NURVTaskQueue::hold()
 {
-    m_isHeld = true;
+    if (!std::exchange(m_isHeld, true))
+        Q_EMIT heldChanged(true);
 }
 
 void NURVTaskQueue::release()
 {
-    m_isHeld = false;
+    const bool wasHeld = std::exchange(m_isHeld, false);
     underLock([this] { startWaitingTasks(); });
+    if (wasHeld)
+        Q_EMIT heldChanged(false);
 }
 
 void NURVTaskQueue::addTasks(const std::vector<std::shared_ptr<NURVTask>> &tasks)
@@ -162,7 +165,9 @@ void NURVTaskQueue::finishTask(const std::shared_ptr<NURVTask> &task)
     if (m_activeTask == 0 && !m_isCancellingAll && !(m_isHeld && !m_taskArray.empty()))
         sweep();
     if (results && results->takeReport()) {
-        showOutputWindow(results->windowText(),
+        const bool isOfOneFailure = task->error() && results->memberCount() == 1 && !results->frame();
+        const QString head = isOfOneFailure && m_reportHead ? m_reportHead(*task) : QString();
+        showOutputWindow(head + results->windowText(),
                          task->title().isEmpty() ? std::nullopt : std::optional(task->title()));
     }
 }

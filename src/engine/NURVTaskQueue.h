@@ -12,6 +12,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace nurv {
@@ -41,9 +42,10 @@ public:
 
     void addTask(const std::shared_ptr<NURVTask> &task);
     void addTasks(const std::vector<std::shared_ptr<NURVTask>> &tasks);
-    /// Starts no further job until `release`.
+    /// Starts no further job until `release`; those that run go on.
     void hold();
     void release();
+    [[nodiscard]] bool isHeld() const { return m_isHeld; }
     /// Called once by every job, after it has stopped.
     void taskCompleted(const std::shared_ptr<NURVTask> &task);
 
@@ -59,6 +61,8 @@ public:
 
     void preventSleep();
     void allowSleep();
+    /// What stands before the report of a failed job in a window of its own; nothing at first.
+    void setReportHead(std::function<QString(const NURVTask &task)> head) { m_reportHead = std::move(head); }
     /// Asks for a window with the text; without a title it is called "Output".
     void showOutputWindow(const QString &text, const std::optional<QString> &title);
 
@@ -85,6 +89,7 @@ Q_SIGNALS:
     /// The row may have been swept already.
     void scrollRequested(int row);
     void taskCountChanged(int count);
+    void heldChanged(bool isHeld);
     /// A completed job, once its result set has been examined.
     void taskEnded(const std::shared_ptr<nurv::NURVTask> &task);
     /// Nothing of the job is left to do: its outcome is final. Once for each job, after
@@ -115,6 +120,7 @@ private:
     QHash<const NURVTask *, int> m_rowOfTask;
     std::mutex m_lock;
     std::deque<std::function<void()>> m_announcements;
+    std::function<QString(const NURVTask &task)> m_reportHead;
     bool m_isLocked = false;
     bool m_isHeld = false;
     std::int32_t m_activeTask = 0;

@@ -59,8 +59,11 @@ void FixTab::executeCommand()
         return;
     if (!confirmDeletingOriginals(deleteOriginalsButton.isOn()))
         return;
-    if (const std::optional<QString> folder = chooseOutputFolder())
-        nurvController().taskQueue().addTask(makeTask(*folder));
+    const std::optional<QString> folder = chooseOutputFolder();
+    if (!folder)
+        return;
+    nurvController().taskQueue().addTask(makeTask(*folder));
+    deleteOriginalsButton.setOn(false);
 }
 
 NeededPrograms FixTab::neededPrograms() const

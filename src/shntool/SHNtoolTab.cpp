@@ -118,6 +118,8 @@ void SHNtoolTab::executeCommand()
         return;
     execute(shntoolCommandMatrix.selectedTitle());
     clearFiles();
+    if (deletes)
+        deleteOriginalsButton.setOn(false);
 }
 
 void SHNtoolTab::execute(const QString &command)

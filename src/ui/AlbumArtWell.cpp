@@ -79,7 +79,8 @@ AlbumArtWell::AlbumArtWell(TagsTab &tab, QWidget *parent)
     connect(m_pasteButton, &QPushButton::clicked, this, &AlbumArtWell::paste);
     connect(m_saveButton, &QPushButton::clicked, &m_tab, &TagsTab::savePictureAs);
     connect(m_removeButton, &QPushButton::clicked, &m_tab, &TagsTab::removePicture);
-    connect(m_view, &NURVDragAndDropImageView::fileDropped, &m_tab, &TagsTab::takePictureFile);
+    connect(m_view, &NURVDragAndDropImageView::fileDropped, &m_tab, &TagsTab::takePictureFile,
+            Qt::QueuedConnection); // the program that the file came from waits for the end of the drop
     connect(&m_tab.albumArtImageView, &Control::changed, this, &AlbumArtWell::showPicture);
     showPicture();
 }
@@ -124,8 +125,10 @@ void AlbumArtWell::paste()
     const GivenFiles files = localFiles(pasted);
     if (files.paths.size() == 1)
         m_tab.takePictureFile(files.paths.first());
+    else if (const QByteArray bytes = pastedBytes(*pasted); !bytes.isEmpty())
+        m_tab.takePicture(bytes, tr("of the clipboard"));
     else
-        m_tab.takePicture(pastedBytes(*pasted), tr("of the clipboard"));
+        m_tab.nurvController().prompts().ask({.title = tr("There is no picture in the clipboard."), .message = {}, .buttons = {tr("OK")}});
 }
 
 void AlbumArtWell::showPicture()

@@ -75,13 +75,15 @@ QString timeLeft(std::chrono::microseconds time)
     return tr("about %1 h %2 min left").arg(rounded / 60).arg(rounded % 60);
 }
 
-QString progress(const BatchProgress &progress)
+QString progress(const BatchProgress &progress, bool isPaused)
 {
     const QLocale locale;
     QStringList parts{tr("%1 of %2").arg(locale.toString(progress.ended()), locale.toString(progress.total()))};
     add(parts, progress.failed(), tr("failed"));
     add(parts, progress.canceled(), tr("canceled"));
-    if (const auto remaining = progress.remaining(); remaining && progress.ended() < progress.total())
+    if (isPaused)
+        parts.append(tr("paused"));
+    else if (const auto remaining = progress.remaining(); remaining && progress.ended() < progress.total())
         parts.append(timeLeft(*remaining));
     return joined(parts);
 }
@@ -109,7 +111,7 @@ QString line(const BatchWatch &batch)
 {
     switch (batch.state()) {
     case BatchWatch::State::Idle: break;
-    case BatchWatch::State::Running: return progress(batch.progress());
+    case BatchWatch::State::Running: return progress(batch.progress(), batch.isPaused());
     case BatchWatch::State::Over: return summary(batch.summary());
     }
     return {};

@@ -15,8 +15,8 @@ class BatchWatch;
 /// What is said of a batch, in one line each.
 namespace batchWords {
 
-/// "7 of 12 · 2 failed · about 3 min left".
-[[nodiscard]] QString progress(const BatchProgress &progress);
+/// "7 of 12 · 2 failed · about 3 min left", or "7 of 12 · 2 failed · paused".
+[[nodiscard]] QString progress(const BatchProgress &progress, bool isPaused = false);
 /// "1 failed · 11 files made in Music · 38 % smaller · 2 min 14 s": first what is not as it was asked for.
 [[nodiscard]] QString summary(const BatchSummary &summary);
 /// "a few seconds left", "about 40 s left", "about 3 min left", "about 2 h 10 min left".

@@ -80,6 +80,13 @@ void follow(QWidget *widget, Control &control)
     QObject::connect(&control, &Control::changed, widget, show);
 }
 
+void showWhileEnabled(QWidget *widget, Control &control)
+{
+    const auto show = [widget, &control] { widget->setVisible(control.isEnabled() && !control.isHidden()); };
+    show();
+    QObject::connect(&control, &Control::changed, widget, show);
+}
+
 void bind(QCheckBox *box, CheckControl &control)
 {
     showAlways(box, control, [box, &control] {
@@ -141,17 +148,17 @@ void bind(QComboBox *box, ComboControl &control)
     follow(box, control);
 }
 
-void bind(QSlider *slider, QLabel *valueLabel, SliderControl &control)
+void bind(QSlider *slider, QLabel *valueLabel, SliderControl &control, const std::function<QString(int)> &words)
 {
     slider->setRange(control.minimum(), control.maximum());
     slider->setSingleStep(control.step());
     slider->setPageStep(control.step());
     slider->setTickInterval(control.step());
-    showAlways(slider, control, [slider, valueLabel, &control] {
+    showAlways(slider, control, [slider, valueLabel, &control, words] {
         const QSignalBlocker blocker(slider);
         slider->setValue(control.integerValue());
         if (valueLabel != nullptr)
-            valueLabel->setText(control.stringValue());
+            valueLabel->setText(words ? words(control.integerValue()) : control.stringValue());
     });
     QObject::connect(slider, &QSlider::valueChanged, &control, [slider, &control](int value) {
         control.setIntegerValue(value);

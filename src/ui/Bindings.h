@@ -2,7 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QString>
 #include <QStringList>
+
+#include <functional>
 
 class QCheckBox;
 class QComboBox;
@@ -40,8 +43,8 @@ void bind(RadioMatrix *matrix, ChoiceControl &control, const QStringList &shownT
 void bind(QComboBox *box, ChoiceControl &control);
 /// Fills the box with the usual numbers; others may be typed.
 void bind(QComboBox *box, ComboControl &control);
-/// `valueLabel`, when given, shows the value as a number.
-void bind(QSlider *slider, QLabel *valueLabel, SliderControl &control);
+/// `valueLabel`, when given, shows the value: as a number, or as `words` has it.
+void bind(QSlider *slider, QLabel *valueLabel, SliderControl &control, const std::function<QString(int)> &words = {});
 void bind(QSpinBox *box, StepperControl &control);
 void bind(QLabel *label, LabelControl &control);
 void bind(QLineEdit *field, TextControl &control);
@@ -53,5 +56,7 @@ void bind(PairsEditor *editor, PairsControl &control);
 
 /// The enabled and hidden state only: for captions and frames that belong to a control.
 void follow(QWidget *widget, Control &control);
+/// Visible while the control is enabled: for what means nothing under another choice.
+void showWhileEnabled(QWidget *widget, Control &control);
 
 } // namespace nurv

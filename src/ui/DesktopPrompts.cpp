@@ -4,6 +4,7 @@
 
 #include "base/GuiThread.h"
 #include "base/WorkerThreads.h"
+#include "settings/SettingsStore.h"
 #include "tags/PictureView.h"
 #include "text/PrintableText.h"
 #include "ui/PanelDialog.h"
@@ -12,6 +13,7 @@
 #include <QDir>
 #include <QEventLoop>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QLabel>
 #include <QMessageBox>
@@ -175,7 +177,16 @@ QStringList DesktopPrompts::choose(const FileChooser &chooser)
 {
     QFileDialog dialog(owner());
     prepare(dialog, chooser);
-    return dialog.exec() == QDialog::Accepted ? localPaths(dialog) : QStringList();
+    SettingsStore &settings = SettingsStore::instance();
+    if (const QString folder = chooser.folderKey.isEmpty() ? QString() : settings.string(chooser.folderKey);
+        !folder.isEmpty() && QFileInfo(folder).isDir())
+        dialog.setDirectory(folder);
+    if (dialog.exec() != QDialog::Accepted)
+        return {};
+    const QStringList chosen = localPaths(dialog);
+    if (!chooser.folderKey.isEmpty() && !chosen.isEmpty())
+        settings.setValue(chooser.folderKey, chosen.first());
+    return chosen;
 }
 
 bool DesktopPrompts::runPanel(const Panel &panel)

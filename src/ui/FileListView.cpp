@@ -3,8 +3,10 @@
 #include "ui/FileListView.h"
 
 #include "app/BaseTab.h"
+#include "app/NURVController.h"
 #include "app/PathNames.h"
 #include "text/PrintableText.h"
+#include "ui/FileFactsReader.h"
 #include "ui/FileListModel.h"
 #include "ui/TextWidth.h"
 
@@ -30,6 +32,15 @@ constexpr double kWidthFactor = 1.1;
 constexpr int kRowPadding = 4;
 constexpr int kHintInset = 12;
 constexpr int kHintRadius = 8;
+constexpr qreal kHintSpacing = 8.0;
+constexpr int kHintFlags = int(Qt::AlignHCenter) | int(Qt::AlignTop) | int(Qt::TextWordWrap);
+constexpr int kFactsGap = 24;
+constexpr int kFactsMargin = 8;
+
+QString hintText()
+{
+    return FileListView::tr("Drop files or folders here");
+}
 
 /// Gives the rows some air, and leaves their background to the view, which paints
 /// it beyond the column.
@@ -75,7 +86,7 @@ FileListView::FileListView(BaseTab &tab, QWidget *parent)
     header()->setStretchLastSection(false);
     header()->setMinimumSectionSize(1);
     setAccessibleName(tr("Files to process"));
-    setAccessibleDescription(tr("Drop files or folders here"));
+    setAccessibleDescription(tr("Drop files or folders here: %1").arg(kindsTaken()));
     widenColumn();
     connect(&tab, &BaseTab::filesWereAdded, this, &FileListView::widenColumn);
     connect(selectionModel(), &QItemSelectionModel::selectionChanged, this,
@@ -92,6 +103,7 @@ FileListView::FileListView(BaseTab &tab, QWidget *parent)
             widenColumn();
         viewport()->update();
     });
+    connect(&m_model->facts(), &FileFactsReader::factsChanged, viewport(), qOverload<>(&QWidget::update));
     if (tab.usesTableViewContextMenu())
         createContextMenu();
 }
@@ -185,8 +197,17 @@ void FileListView::widenColumn()
 void FileListView::changeEvent(QEvent *event)
 {
     QTreeView::changeEvent(event);
+    // Other programs may have moved files meanwhile.
+    if (event->type() == QEvent::ActivationChange && isActiveWindow() && m_model != nullptr)
+        m_model->facts().refresh();
     if (event->type() == QEvent::FontChange && m_model != nullptr)
         widenColumn();
+}
+
+void FileListView::showEvent(QShowEvent *event)
+{
+    QTreeView::showEvent(event);
+    m_model->facts().wake();
 }
 
 void FileListView::dragEnterEvent(QDragEnterEvent *event)
@@ -261,6 +282,35 @@ void FileListView::drawRow(QPainter *painter, const QStyleOptionViewItem &option
         painter->fillRect(option.rect, palette().brush(group, QPalette::Highlight));
     }
     QTreeView::drawRow(painter, option, index);
+    if (m_model->columnCount() == 1)
+        drawFacts(painter, option, index);
+}
+
+void FileListView::drawFacts(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    QString facts = index.data(FileListModel::FactsRole).toString();
+    const QFontMetrics metrics(font());
+    const int nameWidth = metrics.horizontalAdvance(index.data(Qt::DisplayRole).toString());
+    const int begin = visualRect(index).left() + nameWidth + kFactsGap;
+    const QRect room(begin, option.rect.top(), viewport()->width() - kFactsMargin - begin, option.rect.height());
+    const QString separator = u" · "_s;
+    while (!facts.isEmpty() && metrics.horizontalAdvance(facts) > room.width()) {
+        const qsizetype cut = facts.indexOf(separator);
+        facts = cut < 0 ? QString() : facts.sliced(cut + separator.size());
+    }
+    if (facts.isEmpty())
+        return;
+    const bool isSelected = selectionModel()->isSelected(index);
+    const auto group = hasFocus() ? QPalette::Active : QPalette::Inactive;
+    painter->setPen(isSelected ? palette().color(group, QPalette::HighlightedText)
+                               : palette().color(QPalette::PlaceholderText));
+    painter->setFont(font());
+    painter->drawText(room, int(Qt::AlignRight) | int(Qt::AlignVCenter) | int(Qt::TextSingleLine), facts);
+}
+
+FileFactsReader &FileListView::facts() const
+{
+    return m_model->facts();
 }
 
 void FileListView::paintEvent(QPaintEvent *event)
@@ -279,12 +329,37 @@ void FileListView::paintEvent(QPaintEvent *event)
     painter.drawRoundedRect(frame, kHintRadius, kHintRadius);
     if (!isEmpty)
         return;
-    QFont hintFont = font();
-    hintFont.setPointSizeF(hintFont.pointSizeF() * 1.25);
-    painter.setFont(hintFont);
+    const HintPlaces places = hintPlaces();
     painter.setPen(palette().color(QPalette::PlaceholderText));
-    painter.drawText(frame.adjusted(kHintInset, kHintInset, -kHintInset, -kHintInset),
-                     int(Qt::AlignCenter) | int(Qt::TextWordWrap), tr("Drop files or folders here"));
+    painter.setFont(places.font);
+    painter.drawText(places.hint, kHintFlags, hintText());
+    painter.setFont(font());
+    painter.drawText(places.kinds, kHintFlags, kindsTaken());
+}
+
+FileListView::HintPlaces FileListView::hintPlaces() const
+{
+    const qreal inset = 2.0 * kHintInset;
+    const QRectF room = QRectF(viewport()->rect()).adjusted(inset, inset, -inset, -inset);
+    HintPlaces places{.font = font(), .hint = {}, .kinds = {}};
+    places.font.setPointSizeF(places.font.pointSizeF() * 1.25);
+    const qreal hintHeight = QFontMetricsF(places.font).boundingRect(room, kHintFlags, hintText()).height();
+    const qreal kindsHeight = QFontMetricsF(font()).boundingRect(room, kHintFlags, kindsTaken()).height();
+    const qreal top = room.top() + std::max(0.0, (room.height() - hintHeight - kHintSpacing - kindsHeight) / 2.0);
+    places.hint = QRectF(room.left(), top, room.width(), hintHeight);
+    places.kinds = QRectF(room.left(), places.hint.bottom() + kHintSpacing, room.width(), kindsHeight);
+    return places;
+}
+
+qreal FileListView::hintBottom() const
+{
+    return hintPlaces().kinds.bottom();
+}
+
+QString FileListView::kindsTaken() const
+{
+    const QStringList extensions = m_tab.nurvController().offeredExtensions(m_tab.label());
+    return extensions.isEmpty() ? tr("Any kind of file") : extensions.join(u" · "_s);
 }
 
 } // namespace nurv

@@ -11,6 +11,7 @@ class QMenu;
 namespace nurv {
 
 class BaseTab;
+class FileFactsReader;
 class FileListModel;
 
 /// The list of a tab's input files: shows them, takes files dropped on it, and
@@ -28,6 +29,10 @@ public:
     /// The width that the names need: 1.1 times the widest, at least 211.
     [[nodiscard]] double neededColumnWidth() const;
     void deleteSelectedRows();
+    /// Where the hint ends that an empty list shows; in the coordinates of the viewport.
+    [[nodiscard]] qreal hintBottom() const;
+    /// What is known of the files of the list.
+    [[nodiscard]] FileFactsReader &facts() const;
 
 Q_SIGNALS:
     void filesDropped(const GivenFiles &files);
@@ -42,8 +47,11 @@ protected:
     void paintEvent(QPaintEvent *event) override;
     void drawRow(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
     void changeEvent(QEvent *event) override;
+    void showEvent(QShowEvent *event) override;
 
 private:
+    /// In the room behind the name: as much of them as it takes, the end first.
+    void drawFacts(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const;
     void createContextMenu();
     void rebuildFilterMenu();
     void setDragHovers(bool hovers);
@@ -51,6 +59,15 @@ private:
     /// Selects what the tab says is selected.
     void showSelection();
     [[nodiscard]] QList<int> selectedRows() const;
+    /// The places of the hint's two lines in an empty list.
+    struct HintPlaces {
+        QFont font; ///< of the first line
+        QRectF hint;
+        QRectF kinds;
+    };
+    [[nodiscard]] HintPlaces hintPlaces() const;
+    /// The kinds of files that the page takes, for people.
+    [[nodiscard]] QString kindsTaken() const;
 
     BaseTab &m_tab;
     FileListModel *m_model;

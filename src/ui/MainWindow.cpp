@@ -6,6 +6,8 @@
 #include "app/BatchWatch.h"
 #include "app/FileArrivals.h"
 #include "app/NURVController.h"
+#include "app/ProblemLine.h"
+#include "app/UnfinishedFiles.h"
 #include "app/UserPrompts.h"
 #include "base/GuiThread.h"
 #include "base/WorkerThreads.h"
@@ -23,6 +25,7 @@
 #include "ui/pages/TabPage.h"
 #include "ui/PreferencesWindow.h"
 #include "ui/ProgressStrip.h"
+#include "ui/RecentFolders.h"
 #include "ui/StatusWindow.h"
 #include "ui/TrackNameWindow.h"
 #include "ui/WindowPlace.h"
@@ -31,6 +34,7 @@
 #include <QCoreApplication>
 #include <QDragEnterEvent>
 #include <QFileInfo>
+#include <QLocale>
 #include <QMenuBar>
 #include <QScreen>
 #include <QShortcut>
@@ -57,7 +61,8 @@ const QString kPageKey = u"window/page"_s;
 MainWindow::MainWindow(NURVController &controller, QWidget *parent)
     : QMainWindow(parent), m_controller(controller), m_preferences(std::make_unique<PreferencesController>()),
       m_tabView(new QTabWidget(this)), m_batch(new BatchWatch(controller.taskQueue(), controller.desktop(), this)),
-      m_statusWindow(new StatusWindow(controller.taskQueue(), *m_batch, this)),
+      m_unfinished(new UnfinishedFiles(controller, this)), m_recentFolders(new RecentFolders(this)),
+      m_statusWindow(new StatusWindow(controller.taskQueue(), *m_batch, *m_unfinished, this)),
       m_trackNameWindow(new TrackNameWindow(controller.trackNameInputController(), this))
 {
     setObjectName(u"mainWindow"_s);
@@ -76,6 +81,9 @@ MainWindow::MainWindow(NURVController &controller, QWidget *parent)
     connect(&controller, &NURVController::pageSelected, this, &MainWindow::showPage);
     connect(&controller, &NURVController::preferencePanelRequested, this, &MainWindow::showPreferences);
     connect(&controller.taskQueue(), &NURVTaskQueue::outputWindowRequested, this, &MainWindow::showReport);
+    controller.taskQueue().setReportHead(reportHead);
+    connect(&controller.arrivals(), &FileArrivals::delivered, this,
+            [this](const QString &, const FileIntake &found) { m_recentFolders->note(found); });
     connect(&m_reportTimer, &QTimer::timeout, this, &MainWindow::showWaitingReport);
     connect(&controller, &NURVController::executing, m_statusWindow, &StatusWindow::expectBatch);
     connect(m_progressStrip, &ProgressStrip::clicked, m_statusWindow, &StatusWindow::bringToFront);
@@ -105,8 +113,12 @@ void MainWindow::createPages()
         m_tabView->addTab(page, QCoreApplication::translate("Tool", tool.title));
         m_labels.append(tool.label);
         m_pages.insert(tool.label, page);
+        page->offerRecentFolders(*m_recentFolders);
         connect(page, &TabPage::readinessChanged, this, &MainWindow::showReadiness);
+        connect(&page->tab(), &BaseTab::fileNamesChanged, this, &MainWindow::showEditing);
+        connect(&page->tab(), &BaseTab::selectedRowsChanged, this, &MainWindow::showEditing);
     }
+    TabPage::alignOptions(m_pages.values());
     m_tabView->addTab(new AboutPage, tr("About"));
     m_labels.append(NURVController::kAboutLabel);
 }
@@ -152,7 +164,10 @@ void MainWindow::createFileMenu()
             page->chooseFiles();
     });
     m_addFolderAction = addAction(menu, tr("Add &Folder…"), u"addFolderAction"_s,
-                                  QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O), [this] { addFolder(); });
+                                  QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O), [this] {
+        if (TabPage *const page = currentPage())
+            page->chooseFolder();
+    });
     m_cueSheetAction = addAction(menu, tr("&Load Tags From CUE Sheet..."), u"loadCueSheetAction"_s, {}, [this] {
         if (auto *const tab = qobject_cast<TagsTab *>(m_controller.tab(u"Tags"_s)))
             tab->loadTagsFromCueSheet();
@@ -166,6 +181,20 @@ void MainWindow::createFileMenu()
 void MainWindow::createEditMenu()
 {
     QMenu *const menu = menuBar()->addMenu(tr("&Edit"));
+    m_undoAction = addAction(menu, tr("&Undo"), u"undoAction"_s, QKeySequence::Undo, [this] {
+        if (const TabPage *const page = currentPage())
+            page->tab().undoRemoval();
+    });
+    menu->addSeparator();
+    m_selectAllAction = addAction(menu, tr("Select &All"), u"selectAllAction"_s, QKeySequence::SelectAll, [this] {
+        if (const TabPage *const page = currentPage())
+            page->fileList()->selectAll();
+    });
+    m_removeAction = addAction(menu, tr("&Remove From List"), u"removeAction"_s, {}, [this] {
+        if (const TabPage *const page = currentPage())
+            page->fileList()->deleteSelectedRows();
+    });
+    menu->addSeparator();
     // Not every desktop has one.
     const QList<QKeySequence> usual = QKeySequence::keyBindings(QKeySequence::Preferences);
     const QKeySequence shortcut = usual.isEmpty() ? QKeySequence(Qt::CTRL | Qt::Key_Comma) : usual.first();
@@ -188,13 +217,28 @@ void MainWindow::createJobsMenu()
               [this] { m_statusWindow->bringToFront(); });
     m_cancelAllAction = addAction(menu, tr("&Cancel All"), u"cancelAllAction"_s,
                                   QKeySequence(Qt::CTRL | Qt::Key_Period), [&queue] { queue.cancelAllTasks(); });
+    m_pauseAction = addAction(menu, tr("&Pause"), u"pauseAction"_s, {},
+                              [this, &queue] { m_pauseAction->isChecked() ? queue.hold() : queue.release(); });
+    m_pauseAction->setCheckable(true);
+    m_putBackAction = addAction(menu, tr("Put Failed and Canceled Files &Back"), u"putBackAction"_s, {},
+                                [this] { m_unfinished->putBack(); });
     m_removeErrorsAction = addAction(menu, tr("&Remove Errors"), u"removeErrorsAction"_s,
                                      QKeySequence(Qt::CTRL | Qt::Key_E), [&queue] { queue.removeAllErrors(); });
     m_cancelAllAction->setEnabled(false);
     m_removeErrorsAction->setEnabled(false);
     connect(m_statusWindow, &StatusWindow::hasErrorsChanged, m_removeErrorsAction, &QAction::setEnabled);
-    connect(&queue, &NURVTaskQueue::taskCountChanged, m_cancelAllAction,
-            [this](int count) { m_cancelAllAction->setEnabled(count > 0); });
+    m_putBackAction->setEnabled(false);
+    connect(m_unfinished, &UnfinishedFiles::changed, m_putBackAction,
+            [this] { m_putBackAction->setEnabled(m_unfinished->count() > 0); });
+    connect(&queue, &NURVTaskQueue::heldChanged, this, &MainWindow::showPause);
+    connect(&queue, &NURVTaskQueue::taskCountChanged, this, [this, &queue](int count) {
+        m_cancelAllAction->setEnabled(count > 0);
+        // The next batch starts by itself.
+        if (count == 0)
+            queue.release();
+        showPause();
+    });
+    showPause();
 }
 
 void MainWindow::createGoMenu()
@@ -248,17 +292,27 @@ void MainWindow::showReadiness()
     m_addFolderAction->setEnabled(page != nullptr);
     m_cueSheetAction->setEnabled(m_controller.selectedTabViewItem() == u"Tags");
     m_executeAction->setEnabled(page != nullptr && page->isReady());
+    showEditing();
 }
 
-void MainWindow::addFolder()
+void MainWindow::showEditing()
 {
-    TabPage *const page = currentPage();
-    if (page == nullptr)
-        return;
-    const std::optional<QString> folder =
-        m_controller.prompts().chooseFolder({.title = tr("Choose a folder to add"), .buttonText = tr("Add Folder")});
-    if (folder)
-        page->addPaths({*folder});
+    const TabPage *const page = currentPage();
+    const qsizetype removed = page != nullptr ? page->tab().removedCount() : 0;
+    m_undoAction->setEnabled(removed > 0);
+    m_undoAction->setText(removed == 0   ? tr("&Undo")
+                          : removed == 1 ? tr("&Undo: Put 1 File Back")
+                                         : tr("&Undo: Put %1 Files Back").arg(QLocale().toString(removed)));
+    m_selectAllAction->setEnabled(page != nullptr && !page->tab().fileNames().isEmpty());
+    m_removeAction->setEnabled(page != nullptr && page->tab().usesTableViewContextMenu()
+                               && !page->tab().selectedRows().isEmpty());
+}
+
+void MainWindow::showPause()
+{
+    const NURVTaskQueue &queue = m_controller.taskQueue();
+    m_pauseAction->setChecked(queue.isHeld());
+    m_pauseAction->setEnabled(queue.isHeld() || queue.taskCount() > 0);
 }
 
 void MainWindow::openFolder(const QString &path)

@@ -26,9 +26,11 @@ class OutputWindow;
 class PreferencesController;
 class PreferencesWindow;
 class ProgressStrip;
+class RecentFolders;
 class StatusWindow;
 class TabPage;
 class TrackNameWindow;
+class UnfinishedFiles;
 
 /// The main window: one page per tool that is there and the about page, the
 /// menus, and the windows that the queue asks for.
@@ -50,6 +52,7 @@ public:
     [[nodiscard]] StatusWindow *statusWindow() const { return m_statusWindow; }
     [[nodiscard]] ProgressStrip *progressStrip() const { return m_progressStrip; }
     [[nodiscard]] BatchWatch &batch() const { return *m_batch; }
+    [[nodiscard]] UnfinishedFiles &unfinishedFiles() const { return *m_unfinished; }
     [[nodiscard]] TrackNameWindow *trackNameWindow() const { return m_trackNameWindow; }
     /// The output windows that are open, in the order in which they opened.
     [[nodiscard]] QList<OutputWindow *> outputWindows() const;
@@ -93,10 +96,12 @@ private:
     void pageChosen(int index);
     void showPreferences();
     void showReadiness();
+    /// What of the current list can be edited.
+    void showEditing();
+    void showPause();
     void showReport(const QString &text, const QString &title);
     void showWaitingReport();
     void openOutputWindow(const QString &text, const QString &title);
-    void addFolder();
     void openFolder(const QString &path);
     [[nodiscard]] TabPage *currentPage() const;
 
@@ -105,6 +110,8 @@ private:
     PreferencesWindow *m_preferencesWindow = nullptr;
     QTabWidget *m_tabView = nullptr;
     BatchWatch *m_batch = nullptr;
+    UnfinishedFiles *m_unfinished = nullptr;
+    RecentFolders *m_recentFolders = nullptr;
     ProgressStrip *m_progressStrip = nullptr;
     StatusWindow *m_statusWindow = nullptr;
     TrackNameWindow *m_trackNameWindow = nullptr;
@@ -113,7 +120,12 @@ private:
     QAction *m_addFilesAction = nullptr;
     QAction *m_addFolderAction = nullptr;
     QAction *m_cueSheetAction = nullptr;
+    QAction *m_undoAction = nullptr;
+    QAction *m_selectAllAction = nullptr;
+    QAction *m_removeAction = nullptr;
     QAction *m_executeAction = nullptr;
+    QAction *m_pauseAction = nullptr;
+    QAction *m_putBackAction = nullptr;
     QAction *m_cancelAllAction = nullptr;
     QAction *m_removeErrorsAction = nullptr;
     QList<QPointer<OutputWindow>> m_outputWindows;

@@ -24,10 +24,22 @@ namespace nurv {
 
 namespace {
 
-QLabel *addCaption(QHBoxLayout *row, const QString &caption, Control &control, QWidget *parent)
+/// A row of the column, hidden and shown as one.
+struct OptionRow {
+    OptionRow(QVBoxLayout *column, QWidget *parent) : widget(new QWidget(parent)), layout(new QHBoxLayout(widget))
+    {
+        layout->setContentsMargins(0, 0, 0, 0);
+        column->addWidget(widget);
+    }
+
+    QWidget *widget;
+    QHBoxLayout *layout;
+};
+
+QLabel *addCaption(const OptionRow &row, const QString &caption, Control &control)
 {
-    auto *const label = new QLabel(caption, parent);
-    row->addWidget(label);
+    auto *const label = new QLabel(caption, row.widget);
+    row.layout->addWidget(label);
     follow(label, control);
     return label;
 }
@@ -39,23 +51,35 @@ void name(QWidget *widget, const QString &objectName, const QString &accessibleN
     widget->setToolTip(accessibleName);
 }
 
-void addBoxWithUnit(QVBoxLayout *column, QComboBox *box, Control &control, const QString &caption, const QString &unit,
-                    QWidget *parent)
+QComboBox *addBoxWithUnit(const OptionRow &row, Control &control, const QString &caption, const QString &unit,
+                          const QString &objectName, const QString &accessibleName)
 {
-    auto *const row = new QHBoxLayout;
-    addCaption(row, caption, control, parent)->setBuddy(box);
-    row->addWidget(box);
-    auto *const unitLabel = new QLabel(unit, parent);
+    auto *const box = new QComboBox(row.widget);
+    name(box, objectName, accessibleName);
+    addCaption(row, caption, control)->setBuddy(box);
+    row.layout->addWidget(box);
+    auto *const unitLabel = new QLabel(unit, row.widget);
     follow(unitLabel, control);
-    row->addWidget(unitLabel);
-    row->addStretch(1);
-    column->addLayout(row);
+    row.layout->addWidget(unitLabel);
+    row.layout->addStretch(1);
+    return box;
+}
+
+/// The room that any value needs: the row must not move while another one shows.
+int widestValue(const QLabel &label, const SliderControl &control, const std::function<QString(int)> &words)
+{
+    int widest = 0;
+    for (int value = control.minimum(); value <= control.maximum(); value += control.step()) {
+        const QString text = words ? words(value) : QString::number(value);
+        widest = std::max(widest, label.fontMetrics().horizontalAdvance(text));
+    }
+    return widest;
 }
 
 } // namespace
 
-void addCheckBox(QVBoxLayout *column, CheckControl &control, const QString &title, const QString &objectName,
-                 const QString &toolTip, QWidget *parent)
+QWidget *addCheckBox(QVBoxLayout *column, CheckControl &control, const QString &title, const QString &objectName,
+                     const QString &toolTip, QWidget *parent)
 {
     auto *const box = new QCheckBox(title, parent);
     box->setObjectName(objectName);
@@ -64,77 +88,71 @@ void addCheckBox(QVBoxLayout *column, CheckControl &control, const QString &titl
     box->setAccessibleDescription(toolTip);
     column->addWidget(box);
     bind(box, control);
+    return box;
 }
 
-void addSlider(QVBoxLayout *column, SliderControl &control, const QString &caption, const QString &objectName,
-               const QString &accessibleName, QWidget *parent)
+QWidget *addSlider(QVBoxLayout *column, SliderControl &control, const QString &caption, const QString &objectName,
+                   const QString &accessibleName, QWidget *parent, const std::function<QString(int)> &words)
 {
-    auto *const row = new QHBoxLayout;
-    QLabel *const captionLabel = addCaption(row, caption, control, parent);
-    auto *const slider = new QSlider(Qt::Horizontal, parent);
-    slider->setObjectName(objectName);
-    slider->setAccessibleName(accessibleName);
-    slider->setToolTip(accessibleName);
+    const OptionRow row(column, parent);
+    QLabel *const captionLabel = addCaption(row, caption, control);
+    auto *const slider = new QSlider(Qt::Horizontal, row.widget);
+    name(slider, objectName, accessibleName);
     slider->setTickPosition(QSlider::TicksBelow);
     captionLabel->setBuddy(slider);
-    auto *const value = new QLabel(parent);
+    auto *const value = new QLabel(row.widget);
     value->setObjectName(objectName + u"Value"_s);
     value->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    // The row must not move while the number gets more digits.
-    const QFontMetrics metrics(value->font());
-    value->setMinimumWidth(std::max(metrics.horizontalAdvance(QString::number(control.minimum())),
-                                    metrics.horizontalAdvance(QString::number(control.maximum()))));
-    row->addWidget(slider, 1);
-    row->addWidget(value);
-    column->addLayout(row);
-    bind(slider, value, control);
+    value->setMinimumWidth(widestValue(*value, control, words));
+    row.layout->addWidget(slider, 1);
+    row.layout->addWidget(value);
+    bind(slider, value, control, words);
+    return row.widget;
 }
 
-void addChoice(QVBoxLayout *column, ChoiceControl &control, const QString &caption, const QString &objectName,
-               const QString &accessibleName, QWidget *parent)
+QWidget *addChoice(QVBoxLayout *column, ChoiceControl &control, const QString &caption, const QString &objectName,
+                   const QString &accessibleName, QWidget *parent)
 {
-    auto *const row = new QHBoxLayout;
-    addCaption(row, caption, control, parent);
-    auto *const matrix = new RadioMatrix(parent);
-    matrix->setObjectName(objectName);
-    matrix->setAccessibleName(accessibleName);
-    matrix->setToolTip(accessibleName);
-    row->addWidget(matrix, 1);
-    column->addLayout(row);
+    const OptionRow row(column, parent);
+    if (!caption.isEmpty())
+        addCaption(row, caption, control);
+    auto *const matrix = new RadioMatrix(row.widget);
+    name(matrix, objectName, accessibleName);
+    row.layout->addWidget(matrix, 1);
     bind(matrix, control);
+    return row.widget;
 }
 
-void addStepper(QVBoxLayout *column, StepperControl &control, const QString &caption, const QString &objectName,
-                const QString &accessibleName, QWidget *parent)
+QWidget *addStepper(QVBoxLayout *column, StepperControl &control, const QString &caption, const QString &objectName,
+                    const QString &accessibleName, QWidget *parent)
 {
-    auto *const row = new QHBoxLayout;
-    QLabel *const captionLabel = addCaption(row, caption, control, parent);
-    auto *const box = new LevelBox(parent);
+    const OptionRow row(column, parent);
+    QLabel *const captionLabel = addCaption(row, caption, control);
+    auto *const box = new LevelBox(row.widget);
     name(box, objectName, accessibleName);
     captionLabel->setBuddy(box);
-    row->addWidget(box);
-    row->addStretch(1);
-    column->addLayout(row);
+    row.layout->addWidget(box);
+    row.layout->addStretch(1);
     bind(box, control);
+    return row.widget;
 }
 
-void addDropDown(QVBoxLayout *column, ChoiceControl &control, const QString &caption, const QString &unit,
-                 const QString &objectName, const QString &accessibleName, QWidget *parent)
+QWidget *addDropDown(QVBoxLayout *column, ChoiceControl &control, const QString &caption, const QString &unit,
+                     const QString &objectName, const QString &accessibleName, QWidget *parent)
 {
-    auto *const box = new QComboBox(parent);
-    name(box, objectName, accessibleName);
-    addBoxWithUnit(column, box, control, caption, unit, parent);
-    bind(box, control);
+    const OptionRow row(column, parent);
+    bind(addBoxWithUnit(row, control, caption, unit, objectName, accessibleName), control);
+    return row.widget;
 }
 
-void addCombo(QVBoxLayout *column, ComboControl &control, const QString &caption, const QString &unit,
-              const QString &objectName, const QString &accessibleName, QWidget *parent)
+QWidget *addCombo(QVBoxLayout *column, ComboControl &control, const QString &caption, const QString &unit,
+                  const QString &objectName, const QString &accessibleName, QWidget *parent)
 {
-    auto *const box = new QComboBox(parent);
-    name(box, objectName, accessibleName);
-    addBoxWithUnit(column, box, control, caption, unit, parent);
+    const OptionRow row(column, parent);
+    QComboBox *const box = addBoxWithUnit(row, control, caption, unit, objectName, accessibleName);
     bind(box, control);
     name(box->lineEdit(), objectName + u"Field"_s, accessibleName);
+    return row.widget;
 }
 
 } // namespace nurv

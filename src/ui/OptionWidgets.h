@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <functional>
+
 class QVBoxLayout;
 class QWidget;
 
@@ -15,26 +17,26 @@ class ComboControl;
 class SliderControl;
 class StepperControl;
 
-// Each adds one bound row of options to a column, with its caption, object name,
-// tool tip and accessible name. `parent` owns the widgets.
+// Each adds one bound row of options to a column, with its caption, object name, tool tip and accessible name, and
+// returns the whole row. `parent` owns the widgets.
 
-void addCheckBox(QVBoxLayout *column, CheckControl &control, const QString &title, const QString &objectName,
-                 const QString &toolTip, QWidget *parent);
-/// Caption, slider and the value as a number.
-void addSlider(QVBoxLayout *column, SliderControl &control, const QString &caption, const QString &objectName,
-               const QString &accessibleName, QWidget *parent);
+QWidget *addCheckBox(QVBoxLayout *column, CheckControl &control, const QString &title, const QString &objectName,
+                     const QString &toolTip, QWidget *parent);
+/// Caption, slider and the value: a number, or what `words` makes of it.
+QWidget *addSlider(QVBoxLayout *column, SliderControl &control, const QString &caption, const QString &objectName,
+                   const QString &accessibleName, QWidget *parent, const std::function<QString(int)> &words = {});
 /// Caption and a matrix of radio buttons.
-void addChoice(QVBoxLayout *column, ChoiceControl &control, const QString &caption, const QString &objectName,
-               const QString &accessibleName, QWidget *parent);
+QWidget *addChoice(QVBoxLayout *column, ChoiceControl &control, const QString &caption, const QString &objectName,
+                   const QString &accessibleName, QWidget *parent);
 
 /// Caption and a field for a number that steps.
-void addStepper(QVBoxLayout *column, StepperControl &control, const QString &caption, const QString &objectName,
-                const QString &accessibleName, QWidget *parent);
+QWidget *addStepper(QVBoxLayout *column, StepperControl &control, const QString &caption, const QString &objectName,
+                    const QString &accessibleName, QWidget *parent);
 /// Caption, a list of the titles that drops down, and the unit.
-void addDropDown(QVBoxLayout *column, ChoiceControl &control, const QString &caption, const QString &unit,
-                 const QString &objectName, const QString &accessibleName, QWidget *parent);
+QWidget *addDropDown(QVBoxLayout *column, ChoiceControl &control, const QString &caption, const QString &unit,
+                     const QString &objectName, const QString &accessibleName, QWidget *parent);
 /// The same with a field that takes other numbers, too.
-void addCombo(QVBoxLayout *column, ComboControl &control, const QString &caption, const QString &unit,
-              const QString &objectName, const QString &accessibleName, QWidget *parent);
+QWidget *addCombo(QVBoxLayout *column, ComboControl &control, const QString &caption, const QString &unit,
+                  const QString &objectName, const QString &accessibleName, QWidget *parent);
 
 } // namespace nurv

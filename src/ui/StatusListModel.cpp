@@ -67,7 +67,7 @@ bool StatusListModel::hasReport(const NURVTask &task)
 
 QString StatusListModel::reportOf(const NURVTask &task)
 {
-    return task.report().trimmed();
+    return reportHead(task) + task.report().trimmed();
 }
 
 int StatusListModel::rowCount(const QModelIndex &parent) const

@@ -3,6 +3,7 @@
 #include "ui/StatusWindow.h"
 
 #include "app/BatchWatch.h"
+#include "app/UnfinishedFiles.h"
 #include "engine/NURVTask.h"
 #include "engine/NURVTaskQueue.h"
 #include "ui/BatchWords.h"
@@ -38,9 +39,9 @@ const QString kGeometryKey = u"window/statusGeometry"_s;
 
 } // namespace
 
-StatusWindow::StatusWindow(NURVTaskQueue &queue, BatchWatch &batch, QWidget *parent)
-    : QWidget(parent, Qt::Dialog), m_queue(queue), m_batch(batch), m_model(new StatusListModel(queue, this)),
-      m_cell(new StatusQueueCell(this))
+StatusWindow::StatusWindow(NURVTaskQueue &queue, BatchWatch &batch, UnfinishedFiles &unfinished, QWidget *parent)
+    : QWidget(parent, Qt::Dialog), m_queue(queue), m_batch(batch), m_unfinished(unfinished),
+      m_model(new StatusListModel(queue, this)), m_cell(new StatusQueueCell(this))
 {
     setObjectName(u"statusWindow"_s);
     // Who has pressed the button goes on where the keyboard was.
@@ -81,6 +82,17 @@ void StatusWindow::createWidgets()
     m_countLabel->setObjectName(u"jobCount"_s);
     m_countLabel->setForegroundRole(QPalette::PlaceholderText);
 
+    m_pauseButton = new QPushButton(tr("&Pause"), this);
+    m_pauseButton->setObjectName(u"pauseButton"_s);
+    m_pauseButton->setCheckable(true);
+    m_pauseButton->setAccessibleName(tr("Pause"));
+    m_pauseButton->setToolTip(tr("Start no further job; those that run go on to their end"));
+
+    m_putBackButton = new QPushButton(tr("Put &Back"), this);
+    m_putBackButton->setObjectName(u"putBackButton"_s);
+    m_putBackButton->setAccessibleName(tr("Put failed and canceled files back"));
+    m_putBackButton->setToolTip(tr("Put the files of failed and canceled jobs back into the lists that they came from"));
+
     m_removeErrorsButton = new QPushButton(tr("Remove &Errors"), this);
     m_removeErrorsButton->setObjectName(u"removeErrorsButton"_s);
     m_removeErrorsButton->setAccessibleName(tr("Remove errors"));
@@ -98,6 +110,8 @@ void StatusWindow::layOut()
     buttons->setContentsMargins(kMargin, 0, kMargin, kMargin);
     buttons->setSpacing(kMargin);
     buttons->addWidget(m_countLabel, 1);
+    buttons->addWidget(m_pauseButton);
+    buttons->addWidget(m_putBackButton);
     buttons->addWidget(m_removeErrorsButton);
     buttons->addWidget(m_cancelAllButton);
 
@@ -118,6 +132,8 @@ void StatusWindow::createContextMenu()
     m_reportAction = m_menu->addAction(tr("Show re&port"), this, &StatusWindow::showReport);
     m_reportAction->setObjectName(u"showReport"_s);
     m_menu->addSeparator();
+    m_putBackAction = m_menu->addAction(tr("Put &back into the list"), &m_unfinished, &UnfinishedFiles::putBack);
+    m_putBackAction->setObjectName(u"putBack"_s);
     m_cancelAllAction = m_menu->addAction(tr("Cancel &all"), &m_queue, &NURVTaskQueue::cancelAllTasks);
     m_cancelAllAction->setObjectName(u"cancelAll"_s);
     m_removeErrorsAction = m_menu->addAction(tr("Remove &errors"), &m_queue, &NURVTaskQueue::removeAllErrors);
@@ -127,6 +143,10 @@ void StatusWindow::createContextMenu()
 
 void StatusWindow::connectAll()
 {
+    connect(m_pauseButton, &QPushButton::clicked, &m_queue, [this](bool pauses) { pauses ? m_queue.hold() : m_queue.release(); });
+    connect(&m_queue, &NURVTaskQueue::heldChanged, this, &StatusWindow::showPause);
+    connect(m_putBackButton, &QPushButton::clicked, &m_unfinished, &UnfinishedFiles::putBack);
+    connect(&m_unfinished, &UnfinishedFiles::changed, this, &StatusWindow::showCount);
     connect(m_removeErrorsButton, &QPushButton::clicked, &m_queue, &NURVTaskQueue::removeAllErrors);
     connect(m_cancelAllButton, &QPushButton::clicked, &m_queue, &NURVTaskQueue::cancelAllTasks);
     connect(m_cell, &StatusQueueCell::cancelClicked, this,
@@ -216,8 +236,16 @@ void StatusWindow::showCount()
     const bool hasErrors = std::any_of(rows.begin(), rows.end(), [](const auto &task) { return task->error(); });
     m_removeErrorsButton->setEnabled(hasErrors);
     m_cancelAllButton->setEnabled(waiting > 0);
+    m_putBackButton->setEnabled(m_unfinished.count() > 0);
+    showPause();
     if (std::exchange(m_hasErrors, hasErrors) != hasErrors)
         Q_EMIT hasErrorsChanged(hasErrors);
+}
+
+void StatusWindow::showPause()
+{
+    m_pauseButton->setChecked(m_queue.isHeld());
+    m_pauseButton->setEnabled(m_queue.isHeld() || m_queue.taskCount() > 0);
 }
 
 void StatusWindow::showBatch()
@@ -244,6 +272,7 @@ void StatusWindow::prepareMenu()
     m_cancelAction->setEnabled(std::any_of(tasks.begin(), tasks.end(),
                                            [](const auto &task) { return !task->isDone() && !task->cancelled(); }));
     m_reportAction->setEnabled(tasks.size() == 1 && StatusListModel::hasReport(*tasks.front()));
+    m_putBackAction->setEnabled(m_unfinished.count() > 0);
     m_cancelAllAction->setEnabled(m_queue.taskCount() > 0);
     m_removeErrorsAction->setEnabled(m_removeErrorsButton->isEnabled());
 }

@@ -19,6 +19,7 @@ class NURVTask;
 class NURVTaskQueue;
 class StatusListModel;
 class StatusQueueCell;
+class UnfinishedFiles;
 
 /// The floating window with one row per job of the queue.
 ///
@@ -29,8 +30,8 @@ class StatusWindow final : public QWidget {
     Q_OBJECT
 
 public:
-    /// Queue and batch must outlive the window.
-    StatusWindow(NURVTaskQueue &queue, BatchWatch &batch, QWidget *parent = nullptr);
+    /// Queue, batch and files must outlive the window.
+    StatusWindow(NURVTaskQueue &queue, BatchWatch &batch, UnfinishedFiles &unfinished, QWidget *parent = nullptr);
 
     /// Shows the window, in front and with the keyboard.
     void bringToFront();
@@ -65,6 +66,7 @@ private:
     void closePanel();
     void showCount();
     void showBatch();
+    void showPause();
     void prepareMenu();
     void cancelSelected();
     void cancelLater(const std::shared_ptr<NURVTask> &task);
@@ -73,16 +75,20 @@ private:
 
     NURVTaskQueue &m_queue;
     BatchWatch &m_batch;
+    UnfinishedFiles &m_unfinished;
     StatusListModel *m_model;
     StatusQueueCell *m_cell;
     QListView *m_list = nullptr;
     QLabel *m_batchLabel = nullptr; ///< what the strip of the main window says
     QLabel *m_countLabel = nullptr;
+    QPushButton *m_pauseButton = nullptr;
+    QPushButton *m_putBackButton = nullptr;
     QPushButton *m_removeErrorsButton = nullptr;
     QPushButton *m_cancelAllButton = nullptr;
     QMenu *m_menu = nullptr;
     QAction *m_cancelAction = nullptr;
     QAction *m_reportAction = nullptr;
+    QAction *m_putBackAction = nullptr;
     QAction *m_cancelAllAction = nullptr;
     QAction *m_removeErrorsAction = nullptr;
     int m_animationTimer = 0;

@@ -2,7 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/ProblemLine.h"
 
+#include "app/TestApplication.h"
+#include "engine/TestTasks.h"
+
 #include <gtest/gtest.h>
+
+#include <memory>
 
 using namespace Qt::StringLiterals;
 
@@ -183,6 +188,25 @@ TEST(ProblemLine, EndsSoonOnHostileText)
     EXPECT_EQ(lineOf(u"/m/a.wav"_s, dashes + u"\nend\n"_s), u"end"_s);
     EXPECT_EQ(lineOf(u"/m/a.wav"_s, u"error: "_s.repeated(20'000) + u"end\n"_s), u"end"_s);
     EXPECT_EQ(lineOf(u"/m/a.wav"_s, u"a.wav: "_s.repeated(5'000) + u"end\n"_s), u"end"_s);
+}
+
+TEST(ReportHead, SaysWhatWentWrongBeforeTheProgramsChatter)
+{
+    const test::TestApplication application;
+    const auto headOf = [&](const QString &report, const QString &problem, bool failed) {
+        const auto job = std::make_shared<test::HeldTask>(&application.controller.taskQueue());
+        job->setSourcePath(u"/m/a.wav"_s);
+        job->write(report);
+        job->ownOutcome().problem = problem;
+        job->setError(failed);
+        return reportHead(*job);
+    };
+    const QString report = u"/m/a.wav:"_s + kFlacBanner + u"a.wav: ERROR: the disk is full\n"_s;
+    EXPECT_EQ(headOf(report, QString(), true), u"the disk is full\n\n"_s);
+    EXPECT_EQ(headOf(report, u"its tags were not copied"_s, true), u"its tags were not copied\n\n"_s);
+    EXPECT_EQ(headOf(report, QString(), false), QString());
+    EXPECT_EQ(headOf(u"the list is empty\n"_s, QString(), true), QString()) << "it begins so";
+    EXPECT_EQ(headOf(u"\n"_s, u"anything"_s, true), QString()) << "no window comes of it";
 }
 
 } // namespace nurv

@@ -171,18 +171,20 @@ TEST_F(ConversionDispatchTest, AsksEveryJobToDeleteItsOriginal)
 {
     set(u"warnOnDelete", false);
     EncodeTab encode(controller);
-    encode.deleteOriginalsButton.setOn(true);
     for (const QString &format : {u"SHN"_s, u"FLAC"_s, u"WV"_s, u"TTA"_s, u"APE"_s, u"M4A"_s}) {
         for (const QString &source : {u"a.wav"_s, u"a.m4a"_s, u"a.wv"_s}) {
+            encode.deleteOriginalsButton.setOn(true);
             const auto task = encoded(encode, format, source);
             EXPECT_TRUE(std::dynamic_pointer_cast<Conversion>(task)->deleteOriginal());
+            EXPECT_FALSE(encode.deleteOriginalsButton.isOn()) << "wanted for that batch";
         }
     }
     DecodeTab decode(controller);
     for (const bool deletes : {true, false}) {
-        decode.deleteOriginalsButton.setOn(deletes);
-        for (const QString &source : {u"a.flac"_s, u"a.shn"_s, u"a.wv"_s, u"a.tta"_s, u"a.m4a"_s, u"a.ape"_s})
+        for (const QString &source : {u"a.flac"_s, u"a.shn"_s, u"a.wv"_s, u"a.tta"_s, u"a.m4a"_s, u"a.ape"_s}) {
+            decode.deleteOriginalsButton.setOn(deletes);
             EXPECT_EQ(std::dynamic_pointer_cast<Conversion>(queued(decode, source))->deleteOriginal(), deletes);
+        }
     }
 }
 

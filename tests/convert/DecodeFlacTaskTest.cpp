@@ -130,6 +130,7 @@ TEST_F(DecodeFlacTaskTest, KeepsWhatCanBeDecodedThroughErrors)
     EXPECT_TRUE(endedTasks.at(0)->error());
 
     tab.decodeFlacThroughErrors.setOn(true);
+    tab.deleteOriginalsButton.setOn(true);
     run(tab, {source});
     ASSERT_EQ(out.list(), QStringList{u"damaged.wav"_s});
     const QByteArray made = out.read(u"damaged.wav"_s);

@@ -45,6 +45,7 @@ TEST_F(DeleteOriginalTest, RemovesTheSourceOfEveryJobThatRunsShntool)
     encode.deleteOriginalsButton.setOn(true);
     run(encode, {forFlac});
     ASSERT_TRUE(encode.outputFormatMatrix.selectTitle(u"SHN"_s));
+    encode.deleteOriginalsButton.setOn(true);
     run(encode, {forShorten});
     EXPECT_EQ(out.list(), (QStringList{u"1.wav"_s, u"2.flac"_s, u"3.shn"_s}));
     EXPECT_EQ(folder.list(), QStringList{u"sound.wav"_s});
@@ -154,6 +155,7 @@ TEST_F(DeleteOriginalTest, KeepsASourceWhoseTagsCouldNotBeCopied)
     out.remove(u"a.flac"_s);
     ASSERT_TRUE(QFile::remove(tools.path(u"flac"_s)));
     tools.addReal(u"flac"_s);
+    tab.deleteOriginalsButton.setOn(true);
     run(tab, {aiff});
     EXPECT_EQ(folder.list(), QStringList());
     EXPECT_EQ(out.list(), QStringList{u"a.flac"_s});

@@ -2,11 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/DesktopPrompts.h"
 
+#include "settings/SettingsStore.h"
 #include "support/TestFolder.h"
 #include "ui/WhenOpen.h"
 
 #include <QApplication>
 #include <QDialogButtonBox>
+#include <QDir>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -167,6 +169,37 @@ TEST_F(DesktopPromptsTest, TheSaveChooserAsksBeforeAFileIsReplaced)
         dialog.reject();
     });
     EXPECT_EQ(prompts.chooseSavePath({.title = u"Save output"_s}), std::nullopt);
+}
+
+TEST_F(DesktopPromptsTest, AChooserWithAMemoryOpensWhereItWasLeft)
+{
+    const QString out = folder.makeFolder(u"out"_s);
+    const FileChooser chooser{.title = u"Choose output directory"_s, .folderKey = u"window/outputFolder/test"_s};
+    const QString other = folder.makeFolder(u"other"_s);
+    const auto choose = [&](const FileChooser &opened, const QString &path) {
+        WhenOpen<QFileDialog> user([&](QFileDialog &dialog) {
+            dialog.findChild<QLineEdit *>(u"fileNameEdit"_s)->setText(path);
+            dialog.findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Open)->click();
+        });
+        EXPECT_EQ(prompts.chooseFolder(opened), path);
+    };
+    choose(chooser, out);
+    choose({.title = chooser.title}, other);
+    QString opensAt;
+    const auto openAndCancel = [&](const FileChooser &opened) {
+        WhenOpen<QFileDialog> user([&](QFileDialog &dialog) {
+            opensAt = dialog.directory().absolutePath();
+            dialog.reject();
+        });
+        EXPECT_EQ(prompts.chooseFolder(opened), std::nullopt);
+    };
+    openAndCancel(chooser);
+    EXPECT_EQ(opensAt, out);
+    // What is not there any more is no place to open at.
+    ASSERT_TRUE(QDir().rmdir(out));
+    openAndCancel(chooser);
+    EXPECT_NE(opensAt, out);
+    SettingsStore::instance().remove(chooser.folderKey);
 }
 
 TEST_F(DesktopPromptsTest, TheFolderChooserReturnsAFolder)

@@ -46,7 +46,8 @@ protected:
         given = {wav, folder.path(u"album"_s)};
     }
 
-    /// `comeIn` brings in the given files; `isTold`: that the note is not taken.
+    /// `comeIn` brings in the given files; `isTold`: that the note is not taken. The window does not show: a list in sight
+    /// looks at its files again, for what it says of them.
     void expectOneLookAtEach(const std::function<void()> &comeIn, bool isTold)
     {
         QSignalSpy searches(&controller.arrivals(), &FileArrivals::searchBegan);
@@ -91,13 +92,11 @@ TEST_F(FilesComingIn, AreLookedAtOnceWhenASecondInstanceHandsThemOver)
 
 TEST_F(FilesComingIn, AreLookedAtOnceWhenTheyAreDroppedOnTheWindow)
 {
-    show();
     expectOneLookAtEach([this] { EXPECT_TRUE(dropOn(&window, given)); }, false);
 }
 
 TEST_F(FilesComingIn, AreLookedAtOnceWhenTheyAreDroppedOnTheList)
 {
-    show();
     expectOneLookAtEach([this] { EXPECT_TRUE(dropOn(window.page(u"encode"_s)->fileList()->viewport(), given)); }, true);
 }
 

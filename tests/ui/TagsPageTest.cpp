@@ -101,6 +101,7 @@ TEST_F(TagsPageTest, TheWellTakesADropAndAPasteAndGivesThePictureBack)
     EXPECT_EQ(well->text(), u"No picture");
     const QString image = folder.write(u"c.png"_s, encodedPicture(picture(300, 150, Qt::red), "png"));
     ASSERT_TRUE(dropOn(well, {image}));
+    handleWaitingEvents();
     tagsTab.finishReading();
     ASSERT_TRUE(tagsTab.albumArtImageView.picture());
     EXPECT_TRUE(waitUntil([&] { return !well->pixmap(Qt::ReturnByValue).isNull(); }));

@@ -2,7 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/WindowFixture.h"
 
+#include "app/SettingsTable.h"
 #include "base/WorkerThreads.h"
+#include "settings/SettingsStore.h"
 #include "support/WaitUntil.h"
 
 #include <QApplication>
@@ -19,6 +21,9 @@ namespace nurv::test {
 WindowFixture::~WindowFixture()
 {
     EXPECT_TRUE(waitUntil([] { return workerThreads::runningCount() == 0; }));
+    // The next test begins with what a new user has.
+    for (const Setting &setting : settingsTable(controller.tools()))
+        SettingsStore::instance().remove(setting.key);
 }
 
 void WindowFixture::show()

@@ -15,6 +15,12 @@ class ChecksumPage final : public TabPage {
 public:
     /// The tab must outlive the page.
     explicit ChecksumPage(ChecksumTab &tab, QWidget *parent = nullptr);
+
+protected:
+    [[nodiscard]] QString plan() const override;
+
+private:
+    ChecksumTab &m_checksumTab;
 };
 
 } // namespace nurv

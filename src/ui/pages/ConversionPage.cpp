@@ -4,7 +4,9 @@
 
 #include "app/Control.h"
 #include "originals/OriginalsControls.h"
+#include "settings/SettingsStore.h"
 #include "ui/Bindings.h"
+#include "ui/DeletionNote.h"
 #include "ui/OptionWidgets.h"
 #include "ui/RadioMatrix.h"
 
@@ -14,6 +16,16 @@
 using namespace Qt::StringLiterals;
 
 namespace nurv {
+
+QString ConversionPage::planWords(const QString &what, const QString &place,
+                                  const CheckControl &deleteOriginals) const
+{
+    QStringList parts{what, place};
+    if (deleteOriginals.isOn() && !deleteOriginals.isHidden())
+        parts.append(SettingsStore::instance().integer(u"trashOrDelete"_s) != 0 ? tr("originals to the trash")
+                                                                                : tr("originals deleted"));
+    return parts.join(u", "_s);
+}
 
 void ConversionPage::addFormats(ChoiceControl &formats, const QStringList &shownTitles)
 {
@@ -46,6 +58,7 @@ void ConversionPage::addDeletionOptions(QVBoxLayout *group, CheckControl &delete
 {
     QWidget *const parent = lastOptionGroup();
     addCheckBox(group, deleteOriginals, tr("Delete &originals afterwards"), u"deleteOriginalsButton"_s, deletion, parent);
+    group->addWidget(new DeletionNote(deleteOriginals, originals, parent));
     addCheckBox(group, originals.proveButton, tr("Delete onl&y what is proven"), u"proveButton"_s, proof, parent);
     addCheckBox(group, originals.dropMetadataButton, tr("Even if tags wo&uld be lost"), u"dropMetadataButton"_s,
                 tr("Otherwise a source stays whose tags, pictures or chunks have no place in its output"), parent);

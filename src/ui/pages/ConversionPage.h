@@ -21,6 +21,8 @@ public:
     using TabPage::TabPage;
 
 protected:
+    /// `plan` of what is made, where it goes and what becomes of the originals.
+    [[nodiscard]] QString planWords(const QString &what, const QString &place, const CheckControl &deleteOriginals) const;
     /// What becomes of the source files: a part of the group that is last. `proof` as in `addOutputOptions`.
     void addDeletionOptions(QVBoxLayout *group, CheckControl &deleteOriginals, OriginalsControls &originals,
                             const QString &deletion, const QString &proof);

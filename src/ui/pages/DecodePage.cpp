@@ -21,6 +21,15 @@ DecodePage::DecodePage(DecodeTab &tab, QWidget *parent) : ConversionPage(tab, pa
                      tab.originals);
     addFlacOptions();
     finishOptions();
+    planOf({&tab.outputFormatMatrix, &tab.sourceDecodeButton, &tab.deleteOriginalsButton});
+}
+
+QString DecodePage::plan() const
+{
+    const QString format = m_decodeTab.outputFormatMatrix.selectedTitle();
+    if (format.isEmpty())
+        return {};
+    return planWords(format, placeWords(m_decodeTab.sourceDecodeButton.isOn()), m_decodeTab.deleteOriginalsButton);
 }
 
 void DecodePage::addFlacOptions()

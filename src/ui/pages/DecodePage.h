@@ -16,6 +16,9 @@ public:
     /// The tab must outlive the page.
     explicit DecodePage(DecodeTab &tab, QWidget *parent = nullptr);
 
+protected:
+    [[nodiscard]] QString plan() const override;
+
 private:
     void addFlacOptions();
 

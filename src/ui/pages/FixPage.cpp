@@ -19,11 +19,23 @@ FixPage::FixPage(FixTab &tab, QWidget *parent) : ConversionPage(tab, parent), m_
 {
     setObjectName(u"fixPage"_s);
     addFormats(tab.outputFormatMatrix, {tr("&Shorten"), tr("F&LAC"), tr("A&IFF"), tr("&WAV")});
-    addSlider(addOptionGroup(tr("FLAC"), u"flacGroup"_s), tab.flacLevelSlider, tr("Level"), u"flacLevelSlider"_s,
+    QVBoxLayout *const flac = addOptionGroup(tr("FLAC"), u"flacGroup"_s);
+    showWhileEnabled(lastOptionGroup(), tab.flacLevelSlider);
+    addSlider(flac, tab.flacLevelSlider, tr("Level"), u"flacLevelSlider"_s,
               tr("Kept for a FLAC encoder of its own; files are made with flac's usual level"), lastOptionGroup());
     addLists();
     addFiles();
     finishOptions();
+    planOf({&tab.outputFormatMatrix, &tab.deleteOriginalsButton});
+}
+
+QString FixPage::plan() const
+{
+    const QString format = m_fixTab.outputFormatMatrix.selectedTitle();
+    if (format.isEmpty())
+        return {};
+    return planWords(tr("a fixed set in %1").arg(format == u"SHN" ? tr("Shorten") : format), placeWords(false),
+                     m_fixTab.deleteOriginalsButton);
 }
 
 void FixPage::addLists()

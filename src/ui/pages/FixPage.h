@@ -15,6 +15,9 @@ class FixPage final : public ConversionPage {
 public:
     explicit FixPage(FixTab &tab, QWidget *parent = nullptr);
 
+protected:
+    [[nodiscard]] QString plan() const override;
+
 private:
     void addLists();
     void addFiles();

@@ -15,6 +15,9 @@ class LossyPage final : public ConversionPage {
 public:
     explicit LossyPage(LossyTab &tab, QWidget *parent = nullptr);
 
+protected:
+    [[nodiscard]] QString plan() const override;
+
 private:
     void addModes();
     void addQuality();

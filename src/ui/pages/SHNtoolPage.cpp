@@ -30,6 +30,32 @@ SHNtoolPage::SHNtoolPage(SHNtoolTab &tab, QWidget *parent) : ConversionPage(tab,
                           "it, or for a trim all but the silence"));
     follow(lastOptionGroup(), tab.deleteOriginalsButton);
     finishOptions();
+    planOf({&tab.shntoolCommandMatrix, &tab.shnLenMatrix, &tab.outputFormatMatrix, &tab.sourceEncodeButton,
+            &tab.deleteOriginalsButton});
+}
+
+QString SHNtoolPage::plan() const
+{
+    const QString command = m_shntoolTab.shntoolCommandMatrix.selectedTitle();
+    if (command == u"len")
+        return tr("a report of their lengths");
+    if (command == u"info")
+        return tr("a report of their headers");
+    if (command == u"cmp")
+        return tr("a comparison of their sound");
+    if (command == u"cue")
+        return tr("a cue sheet");
+    const QString format = m_shntoolTab.outputFormatMatrix.selectedTitle();
+    if (command.isEmpty() || format.isEmpty())
+        return {};
+    const QString kind = format == u"SHN" ? tr("Shorten") : format;
+    const QString what = command == u"join"    ? tr("joined to one file, %1")
+                         : command == u"split" ? tr("split, %1")
+                         : command == u"trim"  ? tr("trimmed, %1")
+                         : command == u"pad"   ? tr("padded, %1")
+                                               : tr("stripped, %1");
+    const QString place = m_shntoolTab.sourceEncodeButton.isOn() ? tr("beside the first file") : placeWords(false);
+    return planWords(what.arg(kind), place, m_shntoolTab.deleteOriginalsButton);
 }
 
 void SHNtoolPage::addCommands()

@@ -15,6 +15,9 @@ class SHNtoolPage final : public ConversionPage {
 public:
     explicit SHNtoolPage(SHNtoolTab &tab, QWidget *parent = nullptr);
 
+protected:
+    [[nodiscard]] QString plan() const override;
+
 private:
     void addCommands();
     void addLengths();

@@ -4,24 +4,35 @@
 
 #include "app/BaseTab.h"
 #include "app/FileArrivals.h"
+#include "app/Control.h"
 #include "app/NURVController.h"
+#include "app/PathNames.h"
+#include "app/UserPrompts.h"
 #include "base/GuiThread.h"
 #include "base/WorkerThreads.h"
+#include "settings/SettingsStore.h"
+#include "text/HumanUnits.h"
+#include "text/PrintableText.h"
+#include "ui/ElidedLabel.h"
+#include "ui/EmptyListPanel.h"
+#include "ui/FileFactsReader.h"
 #include "ui/FileListView.h"
 #include "ui/GivenFiles.h"
+#include "ui/OptionArea.h"
+#include "ui/ToolTipText.h"
 
-#include <QEvent>
+#include <QCoreApplication>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLocale>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QScrollArea>
-#include <QScrollBar>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <chrono>
+#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -32,33 +43,6 @@ namespace {
 constexpr int kPageMargin = 12;
 constexpr int kSpacing = 10;
 constexpr int kBusyBarWidth = 90;
-constexpr int kLeastOptionCharacters = 30;
-
-/// A scroll area that is wide enough for its contents, and scrolls up and down only. What is chosen later may make it wider,
-/// never narrower.
-class OptionArea final : public QScrollArea {
-public:
-    using QScrollArea::QScrollArea;
-
-    [[nodiscard]] QSize sizeHint() const override
-    {
-        const int least = fontMetrics().averageCharWidth() * kLeastOptionCharacters;
-        m_widest = std::max({m_widest, least, widget()->sizeHint().width()});
-        return {m_widest + verticalScrollBar()->sizeHint().width(), QScrollArea::sizeHint().height()};
-    }
-    [[nodiscard]] QSize minimumSizeHint() const override { return {sizeHint().width(), 0}; }
-
-protected:
-    bool eventFilter(QObject *object, QEvent *event) override
-    {
-        if (object == widget() && event->type() == QEvent::LayoutRequest)
-            updateGeometry();
-        return QScrollArea::eventFilter(object, event);
-    }
-
-private:
-    mutable int m_widest = 0;
-};
 
 } // namespace
 
@@ -95,6 +79,22 @@ void TabPage::createWidgets()
     m_countLabel->setObjectName(u"fileCount"_s);
     m_countLabel->setForegroundRole(QPalette::PlaceholderText);
 
+    m_sumLabel = new QLabel(this);
+    m_sumLabel->setObjectName(u"fileSum"_s);
+    m_sumLabel->setForegroundRole(QPalette::PlaceholderText);
+
+    m_planLabel = new ElidedLabel(this);
+    m_planLabel->setObjectName(u"plan"_s);
+
+    m_elsewhere = new QWidget(this);
+    m_elsewhere->setObjectName(u"elsewhere"_s);
+    m_elsewhereLabel = new ElidedLabel(m_elsewhere);
+    m_elsewhereLabel->setObjectName(u"elsewhereLabel"_s);
+    m_elsewhereButton = new QPushButton(m_elsewhere);
+    m_elsewhereButton->setObjectName(u"elsewhereButton"_s);
+    m_elsewhereButton->setAccessibleName(tr("Take them to the page where they belong"));
+    m_elsewhere->hide();
+
     m_busyBar = new QProgressBar(this);
     m_busyBar->setObjectName(u"addingFilesBar"_s);
     m_busyBar->setAccessibleName(tr("Adding files"));
@@ -110,21 +110,13 @@ void TabPage::createWidgets()
 
 void TabPage::layOut()
 {
-    auto *const area = new OptionArea(this);
-    area->setObjectName(u"options"_s);
-    area->setFrameShape(QFrame::NoFrame);
-    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    area->setWidgetResizable(true);
-    area->setWidget(m_options);
-    area->setFocusPolicy(Qt::NoFocus);
-    area->viewport()->setAutoFillBackground(false);
-    m_options->setAutoFillBackground(false);
-    area->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
+    m_optionArea = new OptionArea(m_options, this);
+    m_optionArea->setObjectName(u"options"_s);
 
     auto *const upper = new QHBoxLayout;
     upper->setSpacing(kPageMargin);
     upper->addWidget(m_fileList, 1);
-    upper->addWidget(area);
+    upper->addWidget(m_optionArea);
 
     auto *const buttons = new QHBoxLayout;
     buttons->setSpacing(kSpacing);
@@ -133,13 +125,22 @@ void TabPage::layOut()
     buttons->addSpacing(kSpacing);
     buttons->addWidget(m_busyBar);
     buttons->addWidget(m_countLabel);
+    buttons->addWidget(m_sumLabel);
     buttons->addStretch(1);
+    buttons->addWidget(m_planLabel);
     buttons->addWidget(m_executeButton);
+
+    auto *const elsewhere = new QHBoxLayout(m_elsewhere);
+    elsewhere->setContentsMargins(0, 0, 0, 0);
+    elsewhere->addWidget(m_elsewhereLabel);
+    elsewhere->addWidget(m_elsewhereButton);
+    elsewhere->addStretch(1);
 
     auto *const page = new QVBoxLayout(this);
     page->setContentsMargins(kPageMargin, kPageMargin, kPageMargin, kPageMargin);
     page->setSpacing(kPageMargin);
     page->addLayout(upper, 1);
+    page->addWidget(m_elsewhere);
     page->addLayout(buttons);
 }
 
@@ -149,10 +150,25 @@ void TabPage::connectAll()
     connect(m_clearButton, &QPushButton::clicked, &m_tab, &BaseTab::clearButtonClick);
     connect(m_executeButton, &QPushButton::clicked, this, [this] { static_cast<void>(m_tab.nurvController().execute(m_tab)); });
     connect(&m_tab, &BaseTab::fileNamesChanged, this, &TabPage::showState);
+    connect(&m_tab, &BaseTab::fileNamesChanged, m_elsewhere, &QWidget::hide);
+    connect(m_elsewhereButton, &QPushButton::clicked, this, &TabPage::goWhereFilesBelong);
+    connect(&m_fileList->facts(), &FileFactsReader::factsChanged, this, &TabPage::showSum);
     connect(m_fileList, &FileListView::filesDropped, this, &TabPage::addFiles);
     const FileArrivals &arrivals = m_tab.nurvController().arrivals();
     connect(&arrivals, &FileArrivals::searchBegan, this, [this](const QString &label) { countSearches(label, 1); });
+    connect(&arrivals, &FileArrivals::delivered, this, [this](const QString &label, const FileIntake &found) {
+        if (label == m_tab.label())
+            tellWhereFilesBelong(found);
+    });
     connect(&arrivals, &FileArrivals::searchEnded, this, [this](const QString &label) { countSearches(label, -1); });
+}
+
+void TabPage::alignOptions(const QList<TabPage *> &pages)
+{
+    QList<OptionArea *> areas;
+    for (const TabPage *const page : pages)
+        areas.append(page->m_optionArea);
+    OptionArea::align(areas);
 }
 
 QVBoxLayout *TabPage::addOptionGroup(const QString &title, const QString &objectName)
@@ -167,6 +183,7 @@ QVBoxLayout *TabPage::addOptionGroup(const QString &title, const QString &object
 void TabPage::finishOptions()
 {
     m_optionColumn->addStretch(1);
+    m_optionArea->measure();
     QWidget *before = m_fileList;
     const QList<QWidget *> options = m_options->findChildren<QWidget *>();
     for (QWidget *const option : options) {
@@ -188,6 +205,109 @@ void TabPage::showWork(const QString &what)
         m_countLabel->setText(what);
     // No event is handled until the work is done.
     m_countLabel->repaint();
+}
+
+void TabPage::showSum()
+{
+    const FileFactsReader &facts = m_fileList->facts();
+    const bool isKnown = facts.isComplete() && !m_tab.fileNames().isEmpty() && !isAddingFiles();
+    m_sumLabel->setVisible(isKnown);
+    if (!isKnown)
+        return;
+    const std::chrono::milliseconds length(std::llround(facts.totalSeconds() * 1000.0));
+    QStringList parts{QString()};
+    if (length.count() > 0)
+        parts.append(aboutDurationText(length));
+    parts.append(sizeText(facts.totalBytes()));
+    m_sumLabel->setText(parts.join(u" · "_s).trimmed());
+}
+
+void TabPage::planOf(const QList<Control *> &controls)
+{
+    for (Control *const control : controls)
+        connect(control, &Control::changed, this, &TabPage::showPlan);
+    connect(&SettingsStore::instance(), &SettingsStore::changed, this, [this](const QString &key) {
+        if (key == m_tab.outputFolderKey() || key == u"trashOrDelete")
+            showPlan();
+    });
+    showPlan();
+}
+
+QString TabPage::placeWords(bool isBesideSources) const
+{
+    if (isBesideSources)
+        return tr("beside each source");
+    const QString folder = SettingsStore::instance().string(m_tab.outputFolderKey());
+    return folder.isEmpty() ? tr("into a folder of your choice")
+                            : tr("into %1 or another folder").arg(printableLine(lastPathComponent(folder)));
+}
+
+void TabPage::showPlan()
+{
+    const QString words = isReady() ? plan() : QString();
+    m_planLabel->setVisible(!words.isEmpty());
+    m_planLabel->setLine(words.isEmpty() ? QString() : u"→ "_s + words);
+    m_executeButton->setToolTip(words.isEmpty() ? tr("Process the files of the list")
+                                                : toolTipText(m_countLabel->text() + u" → "_s + words));
+}
+
+void TabPage::tellWhereFilesBelong(const FileIntake &found)
+{
+    if (!found.accepted.isEmpty() || found.refused.isEmpty())
+        return;
+    QStringList refused;
+    for (const RefusedFile &file : found.refused)
+        refused.append(file.path);
+    NURVController &controller = m_tab.nurvController();
+    const auto &tools = controller.tools();
+    const QString other = controller.pageFor(refused);
+    const auto tool = std::find_if(tools.begin(), tools.end(), [&](const Tool &each) { return each.label == other; });
+    if (other == m_tab.label() || tool == tools.end())
+        return;
+    // That a page takes any file does not make it theirs.
+    if (tool->takesAllFiles && std::none_of(refused.begin(), refused.end(), [tool](const QString &path) {
+            return tool->extensions.contains(formatWord(path));
+        }))
+        return;
+    m_otherPage = other;
+    m_filesOfOtherPage.clear();
+    for (const GivenPath &given : found.given)
+        m_filesOfOtherPage.append(given.path);
+    const QString title = QCoreApplication::translate("Tool", tool->title).remove(u'&');
+    m_elsewhereLabel->setLine(refused.size() == 1
+                                  ? tr("%1 belongs on the page “%2”.").arg(printableLine(lastPathComponent(refused.first())), title)
+                                  : tr("These %1 files belong on the page “%2”.").arg(QLocale().toString(refused.size()), title));
+    m_elsewhereButton->setText(tr("Take Them to %1").arg(title));
+    m_elsewhere->show();
+}
+
+void TabPage::goWhereFilesBelong()
+{
+    m_elsewhere->hide();
+    NURVController &controller = m_tab.nurvController();
+    controller.selectTab(m_otherPage);
+    controller.arrivals().receive({.label = m_otherPage, .door = Door::List, .paths = m_filesOfOtherPage});
+}
+
+void TabPage::offerRecentFolders(const RecentFolders &folders)
+{
+    auto *const panel = new EmptyListPanel(m_fileList, folders);
+    connect(panel, &EmptyListPanel::filesWanted, this, &TabPage::chooseFiles);
+    connect(panel, &EmptyListPanel::folderWanted, this, &TabPage::chooseFolder);
+    connect(panel, &EmptyListPanel::recentFolderChosen, this, [this](const QString &path) { addPaths({path}); });
+    QWidget *before = m_fileList;
+    for (QWidget *const button : panel->buttons()) {
+        setTabOrder(before, button);
+        before = button;
+    }
+}
+
+void TabPage::chooseFolder()
+{
+    const std::optional<QString> folder = m_tab.nurvController().prompts().chooseFolder(
+        {.title = tr("Choose a folder to add"), .buttonText = tr("Add Folder")});
+    if (folder)
+        addPaths({*folder});
 }
 
 void TabPage::chooseFiles()
@@ -237,6 +357,8 @@ void TabPage::showState()
         m_countLabel->setText(tr("1 file"));
     else
         m_countLabel->setText(tr("%1 files").arg(QLocale().toString(count)));
+    showSum();
+    showPlan();
     m_clearButton->setEnabled(count > 0);
     m_executeButton->setEnabled(isReady());
     if (isReady() != m_wasReady) {

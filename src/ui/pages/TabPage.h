@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QString>
+#include <QStringList>
 #include <QWidget>
 
 class QGroupBox;
@@ -13,8 +15,13 @@ class QVBoxLayout;
 namespace nurv {
 
 class BaseTab;
+class Control;
+class ElidedLabel;
+struct FileIntake;
 class FileListView;
+class OptionArea;
 struct GivenFiles;
+class RecentFolders;
 
 /// The page of one tool: its file list on the left, its options on the right,
 /// its buttons below. A tool's own page adds the options.
@@ -30,6 +37,11 @@ class TabPage : public QWidget {
 public:
     /// The tab must outlive the page.
     explicit TabPage(BaseTab &tab, QWidget *parent = nullptr);
+    /// Lets an empty list offer the folders, which must outlive the page.
+    void offerRecentFolders(const RecentFolders &folders);
+
+    /// Gives the columns of options one width.
+    static void alignOptions(const QList<TabPage *> &pages);
 
     [[nodiscard]] BaseTab &tab() const { return m_tab; }
     [[nodiscard]] FileListView *fileList() const { return m_fileList; }
@@ -44,6 +56,8 @@ public:
     void addFiles(const GivenFiles &files);
     /// Asks for files and adds them.
     void chooseFiles();
+    /// Asks for a folder and adds what lies in it.
+    void chooseFolder();
     /// Presses the execute button; nothing while that is disabled.
     void execute();
 
@@ -60,6 +74,12 @@ protected:
     void finishOptions();
     /// Shows at once what the tab is doing on this thread; an empty text: nothing any more.
     void showWork(const QString &what);
+    /// What pressing Execute makes of the files of the list: "FLAC 8, beside each source". Empty: nothing to say.
+    [[nodiscard]] virtual QString plan() const { return {}; }
+    /// `plan` tells of these.
+    void planOf(const QList<Control *> &controls);
+    /// Where outputs go, in the words of a plan.
+    [[nodiscard]] QString placeWords(bool isBesideSources) const;
     /// Whether the tool has anything to do, and time for it.
     [[nodiscard]] virtual bool canExecute() const { return true; }
     /// Shows what can be pressed now.
@@ -69,6 +89,11 @@ private:
     void createWidgets();
     void layOut();
     void connectAll();
+    /// Files came that another page takes: says so, and offers to go there.
+    void tellWhereFilesBelong(const FileIntake &found);
+    void goWhereFilesBelong();
+    void showSum();
+    void showPlan();
     /// While there are any, Execute is held back.
     void countSearches(const QString &label, int change);
 
@@ -78,9 +103,17 @@ private:
     QPushButton *m_clearButton = nullptr;
     QPushButton *m_executeButton = nullptr;
     QLabel *m_countLabel = nullptr;
+    QLabel *m_sumLabel = nullptr; ///< of what is known of all files
+    ElidedLabel *m_planLabel = nullptr;
+    QWidget *m_elsewhere = nullptr; ///< in sight while files wait that belong on another page
+    ElidedLabel *m_elsewhereLabel = nullptr;
+    QPushButton *m_elsewhereButton = nullptr;
+    QString m_otherPage;
+    QStringList m_filesOfOtherPage; ///< as they were given
     QProgressBar *m_busyBar = nullptr;
     QWidget *m_options = nullptr;
     QVBoxLayout *m_optionColumn = nullptr;
+    OptionArea *m_optionArea = nullptr;
     QGroupBox *m_lastGroup = nullptr;
     int m_searchesRunning = 0; ///< for files of this page
     bool m_wasReady = false;

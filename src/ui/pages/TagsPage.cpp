@@ -44,6 +44,7 @@ TagsPage::TagsPage(TagsTab &tab, QWidget *parent) : TabPage(tab, parent), m_tags
     addNames();
     addWriting();
     finishOptions();
+    planOf({&tab.writeEmptyTagsButton});
     connect(&tab, &BaseTab::selectedRowsChanged, this, &TagsPage::showState);
     connect(&tab, &TagsTab::readingChanged, this, &TagsPage::showState);
 }
@@ -51,6 +52,13 @@ TagsPage::TagsPage(TagsTab &tab, QWidget *parent) : TabPage(tab, parent), m_tags
 bool TagsPage::canExecute() const
 {
     return !m_tagsTab.selectedRows().isEmpty() && !m_tagsTab.isReading();
+}
+
+QString TagsPage::plan() const
+{
+    const auto count = m_tagsTab.selectedRows().size();
+    const QString files = count == 1 ? tr("tags of the selected file") : tr("tags of the %1 selected files").arg(count);
+    return m_tagsTab.writeEmptyTagsButton.isOn() ? tr("%1, empty fields too").arg(files) : files;
 }
 
 void TagsPage::disableWhileReading(QWidget *widget)

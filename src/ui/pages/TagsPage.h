@@ -29,6 +29,7 @@ public:
 
 protected:
     [[nodiscard]] bool canExecute() const override;
+    [[nodiscard]] QString plan() const override;
 
 private:
     void addFields();

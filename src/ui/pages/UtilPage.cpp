@@ -28,6 +28,24 @@ UtilPage::UtilPage(UtilTab &tab, QWidget *parent) : TabPage(tab, parent), m_util
     addReplayGain();
     addRename();
     finishOptions();
+    planOf({&tab.utilCommandMatrix, &tab.oneTrackButton, &tab.replayGainMatrix});
+}
+
+QString UtilPage::plan() const
+{
+    const QString command = m_utilTab.utilCommandMatrix.selectedTitle();
+    if (command == UtilTab::kCdExtraction)
+        return u"%1, %2"_s.arg(m_utilTab.oneTrackButton.isOn() ? tr("one WAV file") : tr("a WAV file per track"),
+                               placeWords(false));
+    if (command == UtilTab::kDvdAudioDisc)
+        return tr("a disc image, %1").arg(placeWords(false));
+    if (command == UtilTab::kReplayGain)
+        return m_utilTab.replayGainMatrix.selectedIndex() == 0 ? tr("replay gain tags") : tr("no replay gain tags");
+    if (command == UtilTab::kDeEmphasis)
+        return tr("de-emphasised, %1").arg(placeWords(false));
+    if (command == UtilTab::kBatchRename)
+        return tr("new names");
+    return {};
 }
 
 void UtilPage::addCommands()

@@ -16,6 +16,9 @@ class UtilPage final : public TabPage {
 public:
     explicit UtilPage(UtilTab &tab, QWidget *parent = nullptr);
 
+protected:
+    [[nodiscard]] QString plan() const override;
+
 private:
     void addCommands();
     void addExtraction();
